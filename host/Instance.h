@@ -1,0 +1,87 @@
+// An instance of the effect: four animated corners and the rendering of frames.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stop_token>
+
+#include "host/Animation.h"
+#include "host/Error.h"
+#include "host/Image.h"
+#include "host/Module.h"
+
+namespace vantorel::host {
+
+enum class Quality { Standard, High };
+enum class Protocol { Smart, Plain };
+
+// The renderer that the effect chose for a frame.
+enum class RenderPath { Perspective, Bilinear };
+
+// When a frame is: `time` and `step` in units of 1 / `scale` seconds.
+struct FrameTime {
+  std::int32_t time = 0;
+  std::int32_t step = 1;
+  std::uint32_t scale = 24;
+};
+
+// What holds for one frame, and can differ from frame to frame.
+struct FrameOptions {
+  FrameTime time;
+  Quality quality = Quality::High;
+  Protocol protocol = Protocol::Smart;
+  int downsample = 1;   // renders at 1/n in both axes: 1 and up
+  unsigned threads = 0;  // at most so many; 0: as many as the machine has
+  // Called with the share of the rows done, 0 to 1, from any of the rendering threads, one at a time.
+  std::function<void(double)> progress;
+  std::stop_token stop;
+};
+
+struct FrameResult {
+  RenderPath path = RenderPath::Perspective;
+  Rect drawn;               // the part of the canvas that the effect was asked to draw, canvas pixels at this resolution
+  double renderSeconds = 0;  // inside the module's commands
+};
+
+// One instance renders one frame at a time; different instances may render at the same time.
+class Instance {
+ public:
+  explicit Instance(std::shared_ptr<const Module> module);
+  ~Instance();
+  Instance(Instance&&) noexcept;
+  Instance& operator=(Instance&&) noexcept;
+
+  // The corners, in full-resolution layer pixels. InvalidArgument, naming the corner, for a value that is not finite or
+  // that 16.16 cannot hold at full resolution (-32768 up to, but not including, 32768).
+  Result<void> setCorners(const AnimatedCorners& corners);
+  Result<void> setCorners(const Corners& corners);
+
+  // The module's declared defaults, converted from percent of the layer to layer pixels.
+  Corners defaultCorners(Size layerSize) const;
+
+  // Renders the layer into `output`, which is the whole canvas: canvas.width() by canvas.height() pixels of the
+  // layer's depth, at 1/downsample resolution rounded up. Every pixel of `output` is written; the quadrilateral's
+  // outside is transparent. `canvas` is in full-resolution layer pixels, the layer's own upper left corner being
+  // (0, 0). The layer is given at full resolution; the host scales it. The views must not overlap.
+  //
+  // After the first frame of a size nothing is allocated at downsample 1.
+  Result<FrameResult> render(const ConstImageView& layer, const Rect& canvas, const ImageView& output,
+                             const FrameOptions& options);
+
+  // The rectangle, in full-resolution layer pixels, that the effect itself asks for at that time when nothing limits
+  // it: the bounding box of the corners, a pixel wider on every side.
+  Result<Rect> boundingBox(Size layerSize, const FrameOptions& options);
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+// The size at 1/downsample of a canvas or layer: rounded up, so that a partly covered pixel is there.
+constexpr Size downsampled(Size size, int downsample) {
+  return {(size.width + downsample - 1) / downsample, (size.height + downsample - 1) / downsample};
+}
+
+}  // namespace vantorel::host

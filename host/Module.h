@@ -1,0 +1,69 @@
+// An effect module, loaded once and shared by any number of instances.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/Animation.h"
+#include "host/Error.h"
+
+namespace vantorel::host {
+
+// Texts that replace rows of a module's string table, by key ("$$$/.../LStr/0001").
+using Translations = std::map<std::string, std::string, std::less<>>;
+
+// Reads `key=text` lines: '#' starts a comment line, blank lines are skipped. An error names `name` and the line.
+Result<Translations> parseTranslations(const std::string& text, const std::string& name);
+
+struct ModuleOptions {
+  Translations translations;
+  // Reports every misuse of the interface (ErrorKind::Misuse): parameters left checked out, suites not released, writes
+  // outside a row. Renders serially and slowly; for tests.
+  bool checking = false;
+};
+
+// One parameter as the module declared it.
+struct ParameterInfo {
+  int index = 0;  // 1 and up; 0 is the input layer
+  int type = 0;   // PARAM_TYPE_POINT
+  std::string name;
+  Point defaultPercent;  // percent of the layer's width and height
+};
+
+// What a module says of itself.
+struct ModuleInfo {
+  std::string path;
+  std::string about;  // with line breaks in place of the table's tokens
+  std::uint32_t version = 0;
+  std::uint32_t outFlags = 0;
+  std::uint32_t outFlags2 = 0;
+  std::vector<ParameterInfo> parameters;
+};
+
+// A loaded module, set up: global setup, parameter setup and About have been called. Global set-down and unloading
+// happen when the last owner lets go. Safe to use from several threads.
+class Module {
+ public:
+  // Loads the file at `path`. ModuleUnusable when it does not load, lacks the entry or fails its setup.
+  static Result<std::shared_ptr<const Module>> load(const std::string& path, ModuleOptions options = {});
+
+  ~Module();
+  Module(const Module&) = delete;
+  Module& operator=(const Module&) = delete;
+
+  const ModuleInfo& info() const;
+  bool checking() const;
+
+  // For the host's own parts.
+  struct State;
+  const State& state() const { return *state_; }
+
+ private:
+  explicit Module(std::unique_ptr<State> state);
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace vantorel::host
