@@ -79,7 +79,9 @@ using M_FloatRect = Mp_RectObject<Mp_LTRBRectBase<double>>;
 using M_UnionableLRect = M_LRect;
 
 // The same rectangle, as an M_LRect: no copy, no change.
-constexpr M_LRect& M_RemoveUnionableness(M_UnionableLRect& rect) { return rect; }
+constexpr M_LRect& M_RemoveUnionableness(M_UnionableLRect& rect) {
+  return rect;
+}
 
 // Clips `b` to `a` in place. Disjoint rectangles give an inverted rectangle, which IsEmpty reports as empty.
 constexpr void IntersectLRect(const M_LRect* a, M_LRect* b) {

@@ -42,10 +42,10 @@ enum PF_Error : std::int32_t {
 // ---- Flags and constants -------------------------------------------------------------------------------------------
 
 // Bits of PF_OutData.out_flags.
-constexpr std::uint32_t OUT_FLAG_USES_EXTENT_HINT = 0x40;    // renders only what the output's extent_hint asks for
-constexpr std::uint32_t OUT_FLAG_SHOW_MESSAGE = 0x100;       // return_msg is an error message for the user
-constexpr std::uint32_t OUT_FLAG_SETS_OUTPUT_SIZE = 0x200;   // sets the output's size and origin at frame setup
-constexpr std::uint32_t OUT_FLAG_16BIT_WORLDS = 0x2000000;   // renders 16-bit worlds
+constexpr std::uint32_t OUT_FLAG_USES_EXTENT_HINT = 0x40;   // renders only what the output's extent_hint asks for
+constexpr std::uint32_t OUT_FLAG_SHOW_MESSAGE = 0x100;      // return_msg is an error message for the user
+constexpr std::uint32_t OUT_FLAG_SETS_OUTPUT_SIZE = 0x200;  // sets the output's size and origin at frame setup
+constexpr std::uint32_t OUT_FLAG_16BIT_WORLDS = 0x2000000;  // renders 16-bit worlds
 
 // Bits of PF_OutData.out_flags2.
 constexpr std::uint32_t OUT_FLAG2_FLOAT_WORLDS = 0x1000;  // renders 32-bit float worlds
@@ -161,9 +161,9 @@ using PF_IterateCallback = std::int32_t (*)(PF_InData* in_data, std::int32_t pro
 // The same with the point of the destination at which the source's origin lies.
 template <typename PixelFunction>
 using PF_IterateOriginCallback = std::int32_t (*)(PF_InData* in_data, std::int32_t progress_base,
-                                                  std::int32_t progress_final, PF_LayerDef* source,
-                                                  const M_LRect* area, const M_LPoint* origin, void* refcon,
-                                                  PixelFunction function, PF_LayerDef* destination);
+                                                  std::int32_t progress_final, PF_LayerDef* source, const M_LRect* area,
+                                                  const M_LPoint* origin, void* refcon, PixelFunction function,
+                                                  PF_LayerDef* destination);
 
 // What an area sampler samples: a box around the position.
 struct PF_SampleParams {
@@ -263,12 +263,12 @@ struct PF_InData {
   std::int32_t (*unregister_string_table)(void** table_ref);
 
   PF_UtilityCallbacks* utility_callbacks;
-  void* effect_ref;            // the host's handle of this effect instance
-  std::int32_t quality;        // PF_QUALITY_HIGH, or anything else for standard quality
-  std::int32_t current_time;   // in units of 1 / time_scale seconds
-  std::int32_t time_step;      // duration of a frame, in the same units
-  std::uint32_t time_scale;    // units per second
-  std::int32_t width;          // the layer's size in full-resolution pixels
+  void* effect_ref;           // the host's handle of this effect instance
+  std::int32_t quality;       // PF_QUALITY_HIGH, or anything else for standard quality
+  std::int32_t current_time;  // in units of 1 / time_scale seconds
+  std::int32_t time_step;     // duration of a frame, in the same units
+  std::uint32_t time_scale;   // units per second
+  std::int32_t width;         // the layer's size in full-resolution pixels
   std::int32_t height;
   std::int32_t output_origin_x;  // added to every corner value read from the parameters
   std::int32_t output_origin_y;
@@ -276,7 +276,7 @@ struct PF_InData {
   std::uint32_t downsample_x_den;
   std::int32_t downsample_y_num;
   std::uint32_t downsample_y_den;
-  PF_Handle global_data;  // as the effect stored it in PF_OutData at global setup
+  PF_Handle global_data;             // as the effect stored it in PF_OutData at global setup
   PF_SuiteProvider* suite_provider;  // null when the host offers no suites
   std::int32_t source_origin_x;      // the layer's own top-left corner inside the input buffer
   std::int32_t source_origin_y;

@@ -1,0 +1,75 @@
+#include "effect/BilinearDriver.h"
+
+#include "effect/CornerGeometry.h"
+#include "effect/Int32Arithmetic.h"
+#include "effect/Parameters.h"
+#include "effect/QuadScan.h"
+#include "support/KZFX_World.h"
+
+namespace {
+
+// The layer's own rectangle inside the input, in corner order, its right and bottom edges cut to whole pixels.
+void SourceRect(const PF_InData* in_data, M_FixedPoint* source) {
+  const ScaledSize layer = ScaledLayerSize(in_data);
+  const std::int32_t left = FixedFromInt(in_data->source_origin_x);
+  const std::int32_t top = FixedFromInt(in_data->source_origin_y);
+  const std::int32_t right = FixedFromInt(Int32FromDouble(in_data->source_origin_x + layer.width));
+  const std::int32_t bottom = FixedFromInt(Int32FromDouble(in_data->source_origin_y + layer.height));
+  source[0] = {left, top};
+  source[1] = {right, top};
+  source[2] = {right, bottom};
+  source[3] = {left, bottom};
+}
+
+}  // namespace
+
+std::int32_t TracePointBilinear(PF_InData* in_data, PF_OutData* out_data, PF_LayerDef* input, PF_LayerDef* output) {
+  M_FixedPoint source[4];
+  SourceRect(in_data, source);
+  M_FixedPoint corners[4];
+  std::int32_t err = GetCornerParamsFixed(in_data, corners, in_data->output_origin_x, in_data->output_origin_y);
+  if (err != ERR_NONE) {
+    return err;
+  }
+  // The scan renderers write covered pixels alone: this is what makes the rest transparent.
+  in_data->utility_callbacks->fill(in_data->effect_ref, nullptr, nullptr, output);
+
+  std::int32_t depth = 0;
+  err = KZFX_GetEffectWorldRGBDepth(in_data, out_data, output, &depth);
+  if (err != ERR_NONE) {
+    return err;
+  }
+  switch (depth) {
+    case 32:
+      FixedToFixedFloat(in_data, input, source, corners, output);
+      break;
+    case 16:
+      FixedToFixed16(in_data, input, source, corners, output);
+      break;
+    default:
+      FixedToFixed(in_data, input, source, corners, output);
+      break;
+  }
+  return ERR_NONE;
+}
+
+std::int32_t GetCornerParamsFixed(PF_InData* in_data, M_FixedPoint* corners, std::int32_t offset_x,
+                                  std::int32_t offset_y) {
+  for (int slot = 0; slot < 4; ++slot) {
+    const std::int32_t err = GetSingleFixedPointParam(in_data, kCornerParameters[slot], &corners[slot]);
+    if (err != ERR_NONE) {
+      return err;
+    }
+  }
+  for (int slot = 0; slot < 4; ++slot) {
+    corners[slot].x = WrapAdd(corners[slot].x, FixedFromInt(offset_x));
+    corners[slot].y = WrapAdd(corners[slot].y, FixedFromInt(offset_y));
+  }
+  return ERR_NONE;
+}
+
+std::int32_t GetSingleFixedPointParam(PF_InData* in_data, std::int32_t index, M_FixedPoint* point) {
+  return WithCheckedOutPoint(in_data, index, [point](const PF_PointValue& value) {
+    *point = {value.point_x, value.point_y};
+  });
+}

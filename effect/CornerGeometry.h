@@ -1,0 +1,29 @@
+// Where the input buffer's corners land in the output.
+#pragma once
+
+#include <cstdint>
+
+#include "math/M_stuff.h"
+#include "support/PF_HostRecords.h"
+
+// The layer's size at the current resolution, not rounded to whole pixels. The product with the downsample numerator
+// wraps at 32 bits; a zero denominator gives an infinity or NaN.
+struct ScaledSize {
+  double width;
+  double height;
+};
+ScaledSize ScaledLayerSize(const PF_InData* in_data);
+
+// Fills points[0..3] with the output positions of the input buffer's corners (0, 0), (W, 0), (W, H), (0, H): the
+// parameters, shifted by the output origin, say where the corners of the layer itself land, and the buffer, which may
+// be larger than the layer or offset from it, is carried through the same projective map.
+//
+// `input` is the input buffer, of which the size alone is read. Without one, the buffer is taken to hold exactly the
+// layer at the current resolution, rounded up to whole pixels. `out_data` is not used.
+//
+// Returns 0, the error of a parameter read, or 1 when there is no such map or a corner maps to infinity; `points` then
+// holds the buffer's own corners, those before a failing one carried.
+std::int32_t GetCornerPoints(PF_InData* in_data, PF_OutData* out_data, PF_LayerDef* input, M_Vector2T<double>* points);
+
+// The bounding box of four points.
+M_FloatRect CornerBounds(const M_Vector2T<double>* points);

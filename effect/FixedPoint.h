@@ -1,0 +1,25 @@
+// 16.16 fixed-point arithmetic of the bilinear renderer: signed 32-bit integers whose value is the integer divided by
+// 65536.
+#pragma once
+
+#include <cstdint>
+
+constexpr std::int32_t kFixedOne = 65536;
+
+// The low 16 bits: the distance above the floor, also for negative numbers.
+constexpr std::int32_t FixedFraction(std::int32_t value) {
+  return value & 0xFFFF;
+}
+
+// The floor, as a whole number.
+constexpr std::int32_t FixedFloor(std::int32_t value) {
+  return value >> 16;
+}
+
+// The 16.16 quotient a / b, rounded to nearest with halves away from zero, saturated at the ends of the 32-bit range.
+// A zero divisor saturates with a's sign.
+std::int32_t FixedDiv(std::int32_t a, std::int32_t b);
+
+// The 16.16 value a * b / c, computed in single precision: numbers of magnitude 256.0 and more lose their lowest bits.
+// A result outside the 32-bit range, an infinity or a NaN (c = 0) gives -2147483648, whatever its sign.
+std::int32_t KZ_FixMulDiv(std::int32_t a, std::int32_t b, std::int32_t c);

@@ -1,0 +1,47 @@
+#include "effect/QuadScan.h"
+
+#include "effect/PixelFamily.h"
+#include "effect/QuadEdges.h"
+#include "effect/QuadSpanDraw.h"
+
+namespace {
+
+template <typename Family>
+void ScanQuad(const PF_LayerDef& input, const M_FixedPoint* source, const M_FixedPoint* corners,
+              const PF_LayerDef& output) {
+  if (input.width <= 0 || input.height <= 0 || output.width <= 0) {
+    return;
+  }
+  const InputView view{static_cast<const std::byte*>(input.data), input.row_bytes, input.width, input.height};
+  const std::int64_t world_bottom = std::int64_t{output.height} * kFixedOne;
+  QuadWalk walk;
+  if (!BeginWalk(corners, &walk)) {
+    return;
+  }
+  for (; HasRow(walk); LeaveRow(&walk)) {
+    EnterRow(&walk);
+    QuadSpan span;
+    if (walk.y < 0 || walk.y >= world_bottom || !RowSpan(walk, source, &span)) {
+      continue;
+    }
+    std::byte* const row = static_cast<std::byte*>(output.data) + (walk.y >> 16) * output.row_bytes;
+    DrawSpan<Family>(view, span, walk.cover, row, output.width);
+  }
+}
+
+}  // namespace
+
+void FixedToFixed(PF_InData* /*in_data*/, PF_LayerDef* input, M_FixedPoint* source, M_FixedPoint* corners,
+                  PF_LayerDef* output) {
+  ScanQuad<PixelFamily8>(*input, source, corners, *output);
+}
+
+void FixedToFixed16(PF_InData* /*in_data*/, PF_LayerDef* input, M_FixedPoint* source, M_FixedPoint* corners,
+                    PF_LayerDef* output) {
+  ScanQuad<PixelFamily16>(*input, source, corners, *output);
+}
+
+void FixedToFixedFloat(PF_InData* /*in_data*/, PF_LayerDef* input, M_FixedPoint* source, M_FixedPoint* corners,
+                       PF_LayerDef* output) {
+  ScanQuad<PixelFamilyFloat>(*input, source, corners, *output);
+}

@@ -1,0 +1,103 @@
+// Drawing one span of the bilinear renderer, written once for every pixel family.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "effect/FixedPoint.h"
+#include "effect/Int32Arithmetic.h"
+#include "effect/PixelSampling.h"
+#include "effect/QuadEdges.h"
+
+// The weight that keeps the output where the source covers `covered_width` by `cover` of a pixel; a cover of 0 is a
+// whole row. Of the weight only the fraction counts, so the product may wrap.
+constexpr std::int32_t UncoveredWeight(std::int32_t covered_width, std::int32_t cover) {
+  return cover == 0 ? kFixedOne - covered_width : kFixedOne - (WrapMul(covered_width, cover) >> 16);
+}
+
+// The output pixel at a column of a row.
+template <typename Family>
+std::byte* PixelAt(std::byte* row, std::int64_t column) {
+  return row + column * static_cast<std::int64_t>(sizeof(typename Family::Pixel));
+}
+
+// Mixes the source pixel at (u, v), read directly, into a pixel of which `covered_width` is covered.
+template <typename Family>
+void DrawPartialPixel(const InputView& input, std::int32_t u, std::int32_t v, std::int32_t weight, std::byte* address) {
+  using Pixel = typename Family::Pixel;
+  const Pixel source = ReadInput<Family>(input, u, v);
+  StorePixel(address, Family::Mix(source, LoadPixel<Pixel>(address), weight));
+}
+
+// Draws the pixels that the walk from the left leaves at a span's right end, of a span that ends inside the row.
+template <typename Family>
+void DrawRightEnd(const InputView& input, const QuadSpan& span, std::int32_t cover, std::byte* row,
+                  std::int64_t width) {
+  const auto draw = [&](std::int64_t column, std::int32_t covered_width, std::int32_t u, std::int32_t v) {
+    const std::int32_t weight = UncoveredWeight(covered_width, cover);
+    // A weight of 1.0 would count as 0.
+    if (column >= 0 && column < width && weight != kFixedOne) {
+      DrawPartialPixel<Family>(input, u, v, weight, PixelAt<Family>(row, column));
+    }
+  };
+  const std::int32_t fraction = FixedFraction(span.right);
+  const std::int64_t last_column = fraction != 0 ? FixedFloor(span.right) : std::int64_t{FixedFloor(span.right)} - 1;
+  const std::int32_t last_covered = fraction != 0 ? fraction : kFixedOne;
+  const std::int64_t span_width = std::int64_t{span.right} - span.left;
+  if (span_width > kFixedOne) {
+    draw(last_column, last_covered, span.right_u, span.right_v);
+    return;
+  }
+  if (FixedFloor(span.left) == last_column) {
+    draw(last_column, static_cast<std::int32_t>(span_width), span.u, span.v);
+    return;
+  }
+  draw(FixedFloor(span.left), kFixedOne - FixedFraction(span.left), span.u, span.v);
+  draw(last_column, last_covered, span.right_u, span.right_v);
+}
+
+// Draws a span into an output row of `width` pixels.
+template <typename Family>
+void DrawSpan(const InputView& input, const QuadSpan& span, std::int32_t cover, std::byte* row, std::int32_t width) {
+  using Pixel = typename Family::Pixel;
+  const std::int64_t world_end = std::int64_t{width} * kFixedOne;
+  const bool ends_inside = span.right < world_end;
+  const std::int64_t x_end = ends_inside ? std::int64_t{span.right} - kFixedOne : world_end;
+
+  std::int64_t x = span.left;
+  std::int32_t u = span.u;
+  std::int32_t v = span.v;
+  const std::int32_t fraction = FixedFraction(span.left);
+  if (fraction != 0) {
+    const std::int32_t rest = kFixedOne - fraction;
+    if (x >= 0 && x < x_end) {
+      DrawPartialPixel<Family>(input, u, v, UncoveredWeight(rest, cover), PixelAt<Family>(row, x >> 16));
+    }
+    u = WrapAdd(u, KZ_FixMulDiv(span.du, rest, kFixedOne));
+    v = WrapAdd(v, KZ_FixMulDiv(span.dv, rest, kFixedOne));
+    x += rest;
+  }
+
+  const std::int64_t end_column = (x_end + kFixedOne - 1) >> 16;
+  std::int64_t column = x >> 16;
+  if (column < 0) {
+    // Pixels left of the world are stepped over: so many steps at once, wrapping as one by one.
+    const std::int32_t skipped = static_cast<std::int32_t>(-column);
+    u = WrapAdd(u, WrapMul(span.du, skipped));
+    v = WrapAdd(v, WrapMul(span.dv, skipped));
+    column = 0;
+  }
+  for (; column < end_column; ++column) {
+    std::byte* const address = PixelAt<Family>(row, column);
+    Pixel pixel = SampleInput<Family>(input, u, v, span.du, span.dv);
+    if (cover != 0) {
+      pixel = Family::Mix(LoadPixel<Pixel>(address), pixel, cover);
+    }
+    StorePixel(address, pixel);
+    u = WrapAdd(u, span.du);
+    v = WrapAdd(v, span.dv);
+  }
+  if (ends_inside) {
+    DrawRightEnd<Family>(input, span, cover, row, width);
+  }
+}

@@ -1,0 +1,41 @@
+// The effect's localisable string table, in the format that hosts read.
+#pragma once
+
+#include <cstdint>
+
+#include "support/PF_HostRecords.h"
+
+// A row: "key=default text", and working space of the host's. The terminating row has a null text.
+struct FX_StringRow {
+  const char* text;
+  std::uint64_t host_work[3];
+};
+
+struct FX_StringHeader {
+  const char* tag;          // "FX"
+  std::uint64_t row_count;  // the terminating row counts
+  FX_StringRow* rows;
+  std::uint64_t reserved;
+};
+
+struct FX_StringReference {
+  FX_StringHeader* header;
+  std::uint64_t reserved;
+};
+
+// The rows' indices.
+enum FX_StringIndex : std::int32_t {
+  FX_STRING_ABOUT = 0,
+  FX_STRING_UPPER_LEFT = 1,
+  FX_STRING_UPPER_RIGHT = 2,
+  FX_STRING_LOWER_LEFT = 3,
+  FX_STRING_LOWER_RIGHT = 4,
+  FX_STRING_SIZE_LIMIT = 5,
+};
+
+extern FX_StringRow FX_G_ztab[7];
+extern FX_StringHeader FX_G_zhdr;
+extern FX_StringReference FX_G_zref;
+
+// The text of a row in the host's language, as the host gives it; used before the next call to the host.
+const char* LookupString(const PF_InData* in_data, std::int32_t row);

@@ -1,0 +1,16 @@
+// Worlds by channel depth: 8, 16 or 32 bits per channel, 32 meaning floating point.
+#pragma once
+
+#include <cstdint>
+
+#include "PF_HostRecords.h"
+
+// *depth = the world's channel depth. On failure *depth is left alone: the host's own error, or ERR_FAILED with a
+// message when there is no world suite or the pixel format is none of the three.
+std::int32_t KZFX_GetEffectWorldRGBDepth(PF_InData* in_data, PF_OutData* out_data, PF_LayerDef* world,
+                                         std::int32_t* depth);
+
+// Has the host allocate a world of that size and depth, cleared to zero if `clear`. ERR_FAILED with a message for any
+// other depth or without a world suite, else the host's own error.
+std::int32_t KZFX_NewWorldRGBDepth(PF_InData* in_data, PF_OutData* out_data, std::int32_t width, std::int32_t height,
+                                   std::int32_t depth, bool clear, PF_LayerDef* world);
