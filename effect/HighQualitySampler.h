@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+#include "effect/RowBlocks.h"
 #include "support/PF_HostRecords.h"
 
 // As the samplers at standard quality (StandardSampler.h); pixels are also transparent where a neighbour's projective
@@ -12,3 +13,8 @@
 std::int32_t KZFX_TracePointHi(void* info, std::int32_t x, std::int32_t y, PF_Pixel8* in, PF_Pixel8* out);
 std::int32_t KZFX_TracePointHi16(void* info, std::int32_t x, std::int32_t y, PF_Pixel16* in, PF_Pixel16* out);
 std::int32_t KZFX_TracePointHiFloat(void* info, std::int32_t x, std::int32_t y, PF_PixelFloat* in, PF_PixelFloat* out);
+
+// The same with the block computations of a chosen instruction set; the results are the same in all.
+template <typename Pixel>
+void TraceHighQualityRow(const void* info, std::int32_t x, std::int32_t y, Pixel* out,
+                         const RowBlockFunctions& functions);

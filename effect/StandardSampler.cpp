@@ -1,75 +1,83 @@
 #include "effect/StandardSampler.h"
 
-#include "effect/Int32Arithmetic.h"
 #include "effect/PerspectiveInfo.h"
+#include "effect/RowTrace.h"
 
 namespace {
 
 constexpr std::int32_t kHalfPixel = 32768;
 constexpr std::int32_t kOneSquarePixel = 65536;
 
-// A 16.16 position in the input: truncated once in output-scaled units and once more in input pixels.
-std::int32_t InputPosition(double numerator, double divisor, double scale) {
-  return Int32FromDouble(Int32FromDouble(numerator / divisor) * scale);
-}
-
-template <typename Pixel>
-void TraceRow(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y, Pixel* out) {
-  const PF_AreaSampler<Pixel> sample = AreaSamplerOf<Pixel>(info);
-  const auto& m = info.quad_to_unit.m;
-  const double py = y;
-  const bool row_rejected = py > info.bound_bottom || py < info.bound_top;
-
-  const double du = 65536.0 * (m[0][0] * info.out_width_d);
-  const double dv = 65536.0 * (m[0][1] * info.out_height_d);
-  const double dw = m[0][2];
-  double u = (65536.0 * info.out_width_d) * (m[0][0] * x + m[1][0] * py + m[2][0]);
-  double v = (65536.0 * info.out_height_d) * (m[0][1] * x + m[1][1] * py + m[2][1]);
-  double w = m[0][2] * x + m[1][2] * py + m[2][2];
-
-  PF_SampleParams params{};
-  params.x_radius = kHalfPixel;
-  params.y_radius = kHalfPixel;
-  params.area = kOneSquarePixel;
-  params.source = info.input_world;
-  Pixel working{};
-  for (std::int64_t px = x; px < std::int64_t{info.out_width} + x; ++px, ++out) {
-    if (row_rejected) {
-      *out = Pixel{};
-      continue;
-    }
-    // The step comes before the evaluation; the driver's corner points are shifted by a pixel to make up for it.
-    u += du;
-    v += dv;
-    w += dw;
-    const double pxd = static_cast<double>(px);
-    if (pxd > info.bound_right || pxd < info.bound_left) {
-      *out = Pixel{};
-      continue;
-    }
-    if (w == 0.0) {
-      working = Pixel{};
-    } else {
-      sample(info.effect_ref, InputPosition(u, w, info.x_scale), InputPosition(v, w, info.y_scale), &params, &working);
-    }
-    *out = working;
+// Steps the homogeneous coordinates along a row, u and v in 16.16 units of the output's size.
+class StandardWalk {
+ public:
+  StandardWalk(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y)
+      : scale_{info.x_scale, info.y_scale}, params_{kHalfPixel, kHalfPixel, kOneSquarePixel, info.input_world, {}} {
+    const auto& m = info.quad_to_unit.m;
+    du_ = 65536.0 * (m[0][0] * info.out_width_d);
+    dv_ = 65536.0 * (m[0][1] * info.out_height_d);
+    dw_ = m[0][2];
+    u_ = (65536.0 * info.out_width_d) * (m[0][0] * x + m[1][0] * y + m[2][0]);
+    v_ = (65536.0 * info.out_height_d) * (m[0][1] * x + m[1][1] * y + m[2][1]);
+    w_ = m[0][2] * x + m[1][2] * y + m[2][2];
   }
-}
+
+  void Skip() {
+    u_ += du_;
+    v_ += dv_;
+    w_ += dw_;
+  }
+
+  void StoreNext(int i) {
+    Skip();
+    next_.u[i] = u_;
+    next_.v[i] = v_;
+    next_.w[i] = w_;
+  }
+
+  void ComputeBlock(const RowBlockFunctions& functions, int /*count*/) { functions.positions(next_, scale_, &block_); }
+
+  bool HasSample(int i) const { return block_.no_divisor[i] == 0; }
+  std::int32_t X(int i) const { return block_.x[i]; }
+  std::int32_t Y(int i) const { return block_.y[i]; }
+  const PF_SampleParams* Params(int /*i*/) const { return &params_; }
+
+ private:
+  double u_;
+  double v_;
+  double w_;
+  double du_;
+  double dv_;
+  double dw_;
+  InputScale scale_;
+  PF_SampleParams params_;
+  HomogeneousBlock next_{};
+  PositionBlock block_;
+};
 
 }  // namespace
 
+template <typename Pixel>
+void TraceStandardRow(const void* info, std::int32_t x, std::int32_t y, Pixel* out,
+                      const RowBlockFunctions& functions) {
+  TraceRow<StandardWalk>(*static_cast<const KZFX_PerspectiveInfo*>(info), x, y, out, functions);
+}
+template void TraceStandardRow(const void*, std::int32_t, std::int32_t, PF_Pixel8*, const RowBlockFunctions&);
+template void TraceStandardRow(const void*, std::int32_t, std::int32_t, PF_Pixel16*, const RowBlockFunctions&);
+template void TraceStandardRow(const void*, std::int32_t, std::int32_t, PF_PixelFloat*, const RowBlockFunctions&);
+
 std::int32_t KZFX_TracePointFPU(void* info, std::int32_t x, std::int32_t y, PF_Pixel8* /*in*/, PF_Pixel8* out) {
-  TraceRow(*static_cast<const KZFX_PerspectiveInfo*>(info), x, y, out);
+  TraceStandardRow(info, x, y, out, BestRowBlockFunctions());
   return ERR_NONE;
 }
 
 std::int32_t KZFX_TracePointFPU16(void* info, std::int32_t x, std::int32_t y, PF_Pixel16* /*in*/, PF_Pixel16* out) {
-  TraceRow(*static_cast<const KZFX_PerspectiveInfo*>(info), x, y, out);
+  TraceStandardRow(info, x, y, out, BestRowBlockFunctions());
   return ERR_NONE;
 }
 
 std::int32_t KZFX_TracePointFPUFloat(void* info, std::int32_t x, std::int32_t y, PF_PixelFloat* /*in*/,
                                      PF_PixelFloat* out) {
-  TraceRow(*static_cast<const KZFX_PerspectiveInfo*>(info), x, y, out);
+  TraceStandardRow(info, x, y, out, BestRowBlockFunctions());
   return ERR_NONE;
 }

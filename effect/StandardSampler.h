@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "effect/RowBlocks.h"
 #include "support/PF_HostRecords.h"
 
 // Writes the row of `out_width` pixels that starts at output pixel (x, y), from `out` on. `info` is the
@@ -13,3 +14,7 @@
 std::int32_t KZFX_TracePointFPU(void* info, std::int32_t x, std::int32_t y, PF_Pixel8* in, PF_Pixel8* out);
 std::int32_t KZFX_TracePointFPU16(void* info, std::int32_t x, std::int32_t y, PF_Pixel16* in, PF_Pixel16* out);
 std::int32_t KZFX_TracePointFPUFloat(void* info, std::int32_t x, std::int32_t y, PF_PixelFloat* in, PF_PixelFloat* out);
+
+// The same with the block computations of a chosen instruction set; the results are the same in all.
+template <typename Pixel>
+void TraceStandardRow(const void* info, std::int32_t x, std::int32_t y, Pixel* out, const RowBlockFunctions& functions);

@@ -1,0 +1,4 @@
+#include "effect/RowBlockLoops.inl"
+#include "effect/RowBlocksVariants.h"
+
+const RowBlockFunctions kRowBlocksPlain = kFunctions;
