@@ -1,0 +1,131 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "math/M_stuff.h"
+
+namespace {
+
+using Point = M_Vector2T<double>;
+
+Point carried(const M_Matrix3& m, Point p) {
+  EXPECT_EQ(M_TransformFloatPoints(&m, 1, &p), 0);
+  return p;
+}
+
+void expectPoint(Point p, double x, double y) {
+  EXPECT_NEAR(p.x, x, 1e-12);
+  EXPECT_NEAR(p.y, y, 1e-12);
+}
+
+int typeOf(const M_Matrix3& m) {
+  int type = -1;
+  EXPECT_EQ(M_GetMatrixType(&m, &type), 0);
+  return type;
+}
+
+TEST(Matrix, BuildersAppendTheirTransform) {
+  M_Matrix3 m(true);
+  M_TranslateMatrix(&m, 5, 7);
+  expectPoint(carried(m, {1, 1}), 6, 8);
+  m.SetIdentity();
+  M_ScaleMatrix(&m, 2, 3, 10, 10);
+  expectPoint(carried(m, {10, 10}), 10, 10);
+  expectPoint(carried(m, {11, 11}), 12, 13);
+  m.SetIdentity();
+  M_RotateMatrix(&m, 90, 0, 0);
+  expectPoint(carried(m, {1, 0}), 0, 1);
+  m.SetIdentity();
+  M_RotateMatrix(&m, 30, 4, -2);
+  expectPoint(carried(m, {4, -2}), 4, -2);
+  m.SetIdentity();
+  M_TranslateMatrix(&m, 5, 0);
+  M_ScaleMatrix(&m, 2, 2, 0, 0);
+  expectPoint(carried(m, {1, 0}), 12, 0);
+}
+
+TEST(Matrix, ConcatenatesWithItself) {
+  M_Matrix3 m(true);
+  M_RotateMatrix(&m, 30, 3, 4);
+  M_TranslateMatrix(&m, 1, 2);
+  const Point twice = carried(m, carried(m, {7, -5}));
+  M_ConcatMatrix(&m, &m);
+  expectPoint(carried(m, {7, -5}), twice.x, twice.y);
+}
+
+TEST(Matrix, HomogeneousVectorsUseEveryEntry) {
+  const double entries[3][3] = {{1, 2, 3}, {4, 5, 6}, {7, 8, 10}};
+  M_Matrix3 m(false);
+  std::copy(&entries[0][0], &entries[0][0] + 9, &m.m[0][0]);
+  M_Vector3T<double> v[2] = {{1, 10, 100}, {-1, 0, 2}};
+  M_TransformVector3(&m, 2, v);
+  EXPECT_TRUE(v[0].x == 741 && v[0].y == 852 && v[0].z == 1063);
+  EXPECT_TRUE(v[1].x == 13 && v[1].y == 14 && v[1].z == 17);
+}
+
+TEST(Matrix, TypesAreExact) {
+  M_Matrix3 m(true);
+  EXPECT_EQ(typeOf(m), M_MatrixIdentity);
+  M_TranslateMatrix(&m, 3, 4);
+  EXPECT_EQ(typeOf(m), M_MatrixTranslate);
+  M_ScaleMatrix(&m, 2, 2, 0, 0);
+  EXPECT_EQ(typeOf(m), M_MatrixScaleTranslate);
+  M_RotateMatrix(&m, 30, 0, 0);
+  EXPECT_EQ(typeOf(m), M_MatrixAffine);
+  m.m[0][2] = 1e-300;
+  EXPECT_EQ(typeOf(m), M_MatrixPerspective);
+  m.SetIdentity();
+  m.m[1][1] = std::nextafter(1.0, 2.0);
+  EXPECT_EQ(typeOf(m), M_MatrixScale);
+  m.m[1][2] = NAN;
+  EXPECT_EQ(typeOf(m), M_MatrixPerspective);
+}
+
+TEST(Matrix, RectanglesBecomeTheBoxOfTheirCorners) {
+  M_Matrix3 m(true);
+  M_RotateMatrix(&m, 45, 0, 0);
+  M_FloatRect r(0, 0, 10, 10);
+  Point corners[4];
+  bool not_rect = false;
+  EXPECT_EQ(M_TransformFloatRect(&m, &r, corners, &not_rect), 0);
+  const double half_diagonal = std::sqrt(50.0);
+  expectPoint({r.left, r.top}, -half_diagonal, 0);
+  expectPoint({r.right, r.bottom}, half_diagonal, 2 * half_diagonal);
+  expectPoint(corners[1], half_diagonal, half_diagonal);
+  expectPoint(corners[3], -half_diagonal, half_diagonal);
+  EXPECT_TRUE(not_rect);
+
+  m.SetIdentity();
+  M_TranslateMatrix(&m, 1, 2);
+  EXPECT_EQ(M_TransformFloatRect(&m, &r, nullptr, &not_rect), 0);
+  EXPECT_FALSE(not_rect);
+  expectPoint({r.left, r.top}, 1 - half_diagonal, 2);
+}
+
+TEST(Matrix, MissingPointers) {
+  M_Matrix3 m(true);
+  Point p = {1, 2};
+  M_FloatRect r(0, 0, 1, 1);
+  int type = 7;
+  EXPECT_EQ(M_SetIdentityMatrix(nullptr), 0);
+  EXPECT_EQ(M_TranslateMatrix(nullptr, 1, 2), 0);
+  EXPECT_EQ(M_RotateMatrix(nullptr, 0, 0, 0), M_ErrNullPointer);
+  EXPECT_EQ(M_TransformFloatPoints(nullptr, 1, &p), M_ErrNullPointer);
+  EXPECT_EQ(M_TransformFloatPoints(&m, 0, nullptr), M_ErrNullPointer);
+  EXPECT_EQ(M_TransformFloatRect(nullptr, &r, nullptr, nullptr), M_ErrNullPointer);
+  EXPECT_EQ(M_TransformFloatRect(&m, nullptr, nullptr, nullptr), M_ErrNullPointer);
+  EXPECT_EQ(M_GetMatrixType(nullptr, &type), M_ErrNullPointer);
+  EXPECT_EQ(M_GetMatrixType(&m, nullptr), M_ErrNullPointer);
+  EXPECT_EQ(type, 7);
+}
+
+TEST(Matrix, RemainderHasTheSignOfTheDividend) {
+  EXPECT_EQ(M_fmod(7, 3), 1);
+  EXPECT_EQ(M_fmod(-7, 3), -1);
+  EXPECT_EQ(M_fmod(7, -3), 1);
+  EXPECT_EQ(M_fmod(-7, -3), -1);
+  EXPECT_EQ(M_fmod(0, 5), 0);
+  EXPECT_EQ(M_fmod(5, 0), 0);
+}
+
+}  // namespace
