@@ -28,7 +28,13 @@ class HighQualityWalk {
     block_start_ = at_;
   }
 
-  void StoreNext(int i) { StoreNeighbourhood(at_ + right_, i); }
+  void StoreNext(int first, int end) {
+    Homogeneous at = at_;
+    for (int i = first; i < end; ++i) {
+      at = StoreNeighbourhood(at + right_, i);
+    }
+    at_ = at;
+  }
 
   // A pixel with a zero divisor, its own or a neighbour's, is not walked round. That is rare, so blocks are stored as
   // if there were none, and one that holds such a pixel is stored again.
@@ -41,7 +47,7 @@ class HighQualityWalk {
           at_ = centre;
           Store(centre, i, &next_.centre);
         } else {
-          StoreNeighbourhood(centre, i);
+          at_ = StoreNeighbourhood(centre, i);
         }
       }
       functions.footprints(next_, {right_.w, down_.w}, scale_, &block_);
@@ -72,15 +78,16 @@ class HighQualityWalk {
     return w == 0.0 || w + down_.w + right_.w == 0.0 || w + right_.w == 0.0 || w + down_.w == 0.0;
   }
 
-  void StoreNeighbourhood(const Homogeneous& centre, int i) {
+  // Walks round the neighbours of `centre` and returns where the walk comes back to.
+  Homogeneous StoreNeighbourhood(const Homogeneous& centre, int i) {
     const Homogeneous right = centre + right_;
     const Homogeneous lower_right = right + down_;
     const Homogeneous lower = lower_right - right_;
-    at_ = lower - down_;
     Store(centre, i, &next_.centre);
     Store(right, i, &next_.right);
     Store(lower_right, i, &next_.lower_right);
     Store(lower, i, &next_.lower);
+    return lower - down_;
   }
 
   static void Store(const Homogeneous& at, int i, HomogeneousBlock* block) {

@@ -12,6 +12,10 @@
 #include "effect/PerspectiveInfo.h"
 #include "effect/RowBlocks.h"
 
+// So many pixels of the next block are stored at once: enough to keep the coordinates in registers meanwhile, few
+// enough for the processor to overlap their chain of additions with the sampling.
+constexpr int kWalkGroup = 4;
+
 // The columns of a row inside the reject box, [first, end); a bound that is not a number rejects nothing.
 struct ColumnRange {
   std::int64_t first;
@@ -68,17 +72,15 @@ void TraceRow(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y, 
     walk.Skip();
   }
   std::int64_t remaining = columns.end - columns.first;
-  for (int i = 0; i < std::min<std::int64_t>(remaining, kRowBlock); ++i) {
-    walk.StoreNext(i);
-  }
+  walk.StoreNext(0, static_cast<int>(std::min<std::int64_t>(remaining, kRowBlock)));
   Pixel working{};
   for (Pixel* block_out = out + (columns.first - x); remaining > 0; block_out += kRowBlock, remaining -= kRowBlock) {
     const int count = static_cast<int>(std::min<std::int64_t>(remaining, kRowBlock));
     walk.ComputeBlock(functions, count);
     const int next_count = static_cast<int>(std::clamp<std::int64_t>(remaining - kRowBlock, 0, kRowBlock));
     for (int i = 0; i < count; ++i) {
-      if (i < next_count) {
-        walk.StoreNext(i);
+      if (i % kWalkGroup == 0 && i < next_count) {
+        walk.StoreNext(i, std::min(i + kWalkGroup, next_count));
       }
       if (walk.HasSample(i)) {
         sample(info.effect_ref, walk.X(i), walk.Y(i), walk.Params(i), &working);

@@ -28,11 +28,21 @@ class StandardWalk {
     w_ += dw_;
   }
 
-  void StoreNext(int i) {
-    Skip();
-    next_.u[i] = u_;
-    next_.v[i] = v_;
-    next_.w[i] = w_;
+  void StoreNext(int first, int end) {
+    double u = u_;
+    double v = v_;
+    double w = w_;
+    for (int i = first; i < end; ++i) {
+      u += du_;
+      v += dv_;
+      w += dw_;
+      next_.u[i] = u;
+      next_.v[i] = v;
+      next_.w[i] = w;
+    }
+    u_ = u;
+    v_ = v;
+    w_ = w;
   }
 
   void ComputeBlock(const RowBlockFunctions& functions, int /*count*/) { functions.positions(next_, scale_, &block_); }
