@@ -49,6 +49,7 @@ bool Footprints(const NeighbourhoodBlock& at, const DivisorSteps& steps, const I
         static_cast<bool>(static_cast<int>(w == 0.0) | static_cast<int>(w + steps.down + steps.right == 0.0) |
                           static_cast<int>(w + steps.right == 0.0) | static_cast<int>(w + steps.down == 0.0));
     out->position.no_divisor[i] = no_divisor ? 1 : 0;
+    any |= out->position.no_divisor[i];
 
     const double cx = at.centre.u[i] / w;
     const double cy = at.centre.v[i] / w;

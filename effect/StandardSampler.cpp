@@ -8,17 +8,32 @@ namespace {
 constexpr std::int32_t kHalfPixel = 32768;
 constexpr std::int32_t kOneSquarePixel = 65536;
 
+// How an axis of the output is walked: in units of this length, and what takes them to input pixels.
+struct AxisUnits {
+  double length;
+  double to_input;
+};
+
+// Normally the output's size. Positions across a world larger than 16.16 holds would run over, so that such an axis is
+// walked in input pixels at once.
+AxisUnits UnitsAlong(double out_length, double scale) {
+  return out_length > 32767.0 ? AxisUnits{out_length * scale, 1.0} : AxisUnits{out_length, scale};
+}
+
 // Steps the homogeneous coordinates along a row, u and v in 16.16 units of the output's size.
 class StandardWalk {
  public:
   StandardWalk(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y)
-      : scale_{info.x_scale, info.y_scale}, params_{kHalfPixel, kHalfPixel, kOneSquarePixel, info.input_world, {}} {
+      : params_{kHalfPixel, kHalfPixel, kOneSquarePixel, info.input_world, {}} {
     const auto& m = info.quad_to_unit.m;
-    du_ = 65536.0 * (m[0][0] * info.out_width_d);
-    dv_ = 65536.0 * (m[0][1] * info.out_height_d);
+    const AxisUnits across = UnitsAlong(info.out_width_d, info.x_scale);
+    const AxisUnits down = UnitsAlong(info.out_height_d, info.y_scale);
+    scale_ = {across.to_input, down.to_input};
+    du_ = 65536.0 * (m[0][0] * across.length);
+    dv_ = 65536.0 * (m[0][1] * down.length);
     dw_ = m[0][2];
-    u_ = (65536.0 * info.out_width_d) * (m[0][0] * x + m[1][0] * y + m[2][0]);
-    v_ = (65536.0 * info.out_height_d) * (m[0][1] * x + m[1][1] * y + m[2][1]);
+    u_ = (65536.0 * across.length) * (m[0][0] * x + m[1][0] * y + m[2][0]);
+    v_ = (65536.0 * down.length) * (m[0][1] * x + m[1][1] * y + m[2][1]);
     w_ = m[0][2] * x + m[1][2] * y + m[2][2];
   }
 
