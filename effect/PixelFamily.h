@@ -1,7 +1,11 @@
 // The arithmetic of one pixel depth as the bilinear renderer needs it: how pixels are loaded, stored, mixed and
 // averaged. Everything above it is written once over these families.
+//
+// A family works on `Wide`, a pixel whose four channels are spread so far apart that all four are mixed in the same few
+// operations: a + ((b - a) * f >> 8) equals (a * (256 - f) + b * f) >> 8, in which no channel's sum leaves its lane.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -9,95 +13,118 @@
 #include "support/PF_HostRecords.h"
 
 // The mix factor of a 16.16 weight, 0 to 255.
-constexpr int MixFactor(std::int32_t weight) {
-  return (weight >> 8) & 255;
+constexpr std::uint32_t MixFactor(std::int32_t weight) {
+  return static_cast<std::uint32_t>(weight >> 8) & 255;
+}
+
+// The mix factor in 256ths of the second pixel: a factor of 255 takes it whole.
+constexpr std::uint64_t MixShare(std::int32_t weight) {
+  const std::uint32_t factor = MixFactor(weight);
+  return factor + (factor == 255 ? 1 : 0);
 }
 
 // Pixels lie in memory of the host's, whose alignment and type are not known here.
-template <typename P>
-P LoadPixel(const std::byte* address) {
-  P pixel;
-  std::memcpy(&pixel, address, sizeof(P));
-  return pixel;
+template <typename T>
+T LoadAs(const std::byte* address) {
+  T value;
+  std::memcpy(&value, address, sizeof(T));
+  return value;
 }
 
-template <typename P>
-void StorePixel(std::byte* address, const P& pixel) {
-  std::memcpy(address, &pixel, sizeof(P));
+template <typename T>
+void StoreAs(std::byte* address, const T& value) {
+  std::memcpy(address, &value, sizeof(T));
 }
 
 struct PixelFamily8 {
-  using Pixel = std::uint32_t;
+  using Word = std::uint32_t;  // a pixel in memory
+  using Wide = std::uint64_t;  // bytes 0, 2, 1, 3 of the word in 16-bit lanes
+  static constexpr std::ptrdiff_t kPixelBytes = 4;
 
-  static Pixel Mix(Pixel a, Pixel b, std::int32_t weight) {
-    const int f = MixFactor(weight);
-    if (f == 0) {
-      return a;
-    }
-    if (f == 255) {
-      return b;
-    }
-    Pixel mixed = 0;
-    for (int shift = 0; shift < 32; shift += 8) {
-      const int ca = static_cast<int>((a >> shift) & 255);
-      const int cb = static_cast<int>((b >> shift) & 255);
-      mixed |= static_cast<Pixel>((ca + (((cb - ca) * f) >> 8)) & 255) << shift;
-    }
-    return mixed;
+  static Wide Spread(Word word) { return (Wide{word} | Wide{word} << 24) & kLanes; }
+  static Word Gather(Wide wide) { return static_cast<Word>(wide | wide >> 24); }
+
+  static Wide Load(const std::byte* address) { return Spread(LoadAs<Word>(address)); }
+  static void Store(std::byte* address, Wide wide) { StoreAs(address, Gather(wide)); }
+
+  static Wide Mix(Wide a, Wide b, std::int32_t weight) {
+    const std::uint64_t share = MixShare(weight);
+    return ((a * (256 - share) + b * share) >> 8) & kLanes;
   }
 
-  static Pixel Average(Pixel a, Pixel b) { return ((a & 0xFEFEFEFEu) >> 1) + ((b & 0xFEFEFEFEu) >> 1); }
+  static Wide Average(Wide a, Wide b) { return ((a >> 1) & kHalves) + ((b >> 1) & kHalves); }
 
   // Rows of 8-bit pixels are stepped in whole pixels.
   static std::ptrdiff_t RowStep(std::int32_t row_bytes) { return std::ptrdiff_t{row_bytes / 4} * 4; }
+
+ private:
+  static constexpr Wide kLanes = 0x00FF00FF00FF00FF;
+  static constexpr Wide kHalves = 0x007F007F007F007F;
 };
 
 struct PixelFamily16 {
-  using Pixel = PF_Pixel16;
+  using Word = std::uint64_t;
+  // Channels 0 and 2, and channels 1 and 3, in 32-bit lanes.
+  struct Wide {
+    std::uint64_t even;
+    std::uint64_t odd;
+  };
+  static constexpr std::ptrdiff_t kPixelBytes = 8;
 
-  static Pixel Mix(const Pixel& a, const Pixel& b, std::int32_t weight) {
-    const int f = MixFactor(weight);
-    if (f == 0) {
-      return a;
-    }
-    if (f == 255) {
-      return b;
-    }
-    const auto mix = [f](int ca, int cb) { return static_cast<std::uint16_t>(ca + (((cb - ca) * f) >> 8)); };
-    return {mix(a.alpha, b.alpha), mix(a.red, b.red), mix(a.green, b.green), mix(a.blue, b.blue)};
+  static Wide Spread(Word word) { return {word & kLanes, (word >> 16) & kLanes}; }
+  static Word Gather(const Wide& wide) { return wide.even | wide.odd << 16; }
+
+  static Wide Load(const std::byte* address) { return Spread(LoadAs<Word>(address)); }
+  static void Store(std::byte* address, const Wide& wide) { StoreAs(address, Gather(wide)); }
+
+  static Wide Mix(const Wide& a, const Wide& b, std::int32_t weight) {
+    const std::uint64_t share = MixShare(weight);
+    return {((a.even * (256 - share) + b.even * share) >> 8) & kLanes,
+            ((a.odd * (256 - share) + b.odd * share) >> 8) & kLanes};
   }
 
-  static Pixel Average(const Pixel& a, const Pixel& b) {
-    const auto average = [](int ca, int cb) { return static_cast<std::uint16_t>((ca >> 1) + (cb >> 1)); };
-    return {average(a.alpha, b.alpha), average(a.red, b.red), average(a.green, b.green), average(a.blue, b.blue)};
+  static Wide Average(const Wide& a, const Wide& b) {
+    return {((a.even >> 1) & kHalves) + ((b.even >> 1) & kHalves), ((a.odd >> 1) & kHalves) + ((b.odd >> 1) & kHalves)};
   }
 
   static std::ptrdiff_t RowStep(std::int32_t row_bytes) { return row_bytes; }
+
+ private:
+  static constexpr std::uint64_t kLanes = 0x0000FFFF0000FFFF;
+  static constexpr std::uint64_t kHalves = 0x00007FFF00007FFF;
 };
 
 struct PixelFamilyFloat {
-  using Pixel = PF_PixelFloat;
+  using Wide = float __attribute__((vector_size(16)));  // four channels, in memory order
+  using Word = Wide;
+  static constexpr std::ptrdiff_t kPixelBytes = 16;
 
-  static Pixel Mix(const Pixel& a, const Pixel& b, std::int32_t weight) {
-    const int f = MixFactor(weight);
-    if (f == 0) {
+  static Wide Load(const std::byte* address) { return LoadAs<Wide>(address); }
+  static void Store(std::byte* address, const Wide& wide) { StoreAs(address, wide); }
+
+  static Wide Mix(const Wide& a, const Wide& b, std::int32_t weight) {
+    const std::uint32_t factor = MixFactor(weight);
+    if (factor == 0) {
       return a;
     }
-    if (f == 255) {
+    if (factor == 255) {
       return b;
     }
-    const float t = static_cast<float>(f) / 255.0F;
-    const auto mix = [t](float ca, float cb) { return ca + (cb - ca) * t; };
-    return {mix(a.alpha, b.alpha), mix(a.red, b.red), mix(a.green, b.green), mix(a.blue, b.blue)};
+    return a + (b - a) * kShares[factor];
   }
 
-  static Pixel Average(const Pixel& a, const Pixel& b) {
-    const auto average = [](float ca, float cb) {
-      const float sum = ca + cb;
-      return static_cast<float>(static_cast<double>(sum) * 0.5);
-    };
-    return {average(a.alpha, b.alpha), average(a.red, b.red), average(a.green, b.green), average(a.blue, b.blue)};
-  }
+  // Halving in single precision gives what halving in double and rounding back does: both round the same exact half.
+  static Wide Average(const Wide& a, const Wide& b) { return (a + b) * 0.5F; }
 
   static std::ptrdiff_t RowStep(std::int32_t row_bytes) { return row_bytes; }
+
+ private:
+  // The factors as shares of the second pixel, factor / 255.
+  static constexpr std::array<float, 256> kShares = [] {
+    std::array<float, 256> shares{};
+    for (std::size_t factor = 0; factor < shares.size(); ++factor) {
+      shares[factor] = static_cast<float>(factor) / 255.0F;
+    }
+    return shares;
+  }();
 };

@@ -23,76 +23,71 @@ struct InputView {
   std::int32_t height;
 };
 
-// One axis of a sample: the first pixel, clamped to the world, and how its partner, if any, takes part.
-struct AxisSample {
-  enum class Kind { Single, Mixed, Averaged };
-  std::int32_t first;
-  std::int32_t partner;  // distance of the second pixel from the first
-  Kind kind;
+// How a sample is made along an axis for a step: from a pixel and its partner so many pixels on, which are either mixed
+// by the position's fraction or averaged.
+struct AxisFilter {
+  bool averages;
+  std::int32_t partner;
 };
 
-// What a position and a step select along an axis of `size` pixels. Positions outside are clamped to the border pixel.
-constexpr AxisSample SelectAlongAxis(std::int32_t position, std::int32_t step, std::int32_t size) {
+constexpr AxisFilter FilterForStep(std::int32_t step) {
+  return step < kAveragingStep ? AxisFilter{false, 1} : AxisFilter{true, HalfStep(step)};
+}
+
+// What a position selects along an axis of `size` pixels: the first pixel, and whether its partner takes part, which it
+// does not at a whole position nor where it would lie outside. Positions outside are clamped to the border pixel.
+struct AxisSample {
+  std::int32_t first;
+  bool single;
+};
+
+constexpr AxisSample SelectAlongAxis(std::int32_t position, const AxisFilter& filter, std::int32_t size) {
   const std::int32_t index = FixedFloor(position);
   if (index < 0) {
-    return {0, 0, AxisSample::Kind::Single};
+    return {0, true};
   }
   const std::int32_t first = index < size ? index : size - 1;
-  if (FixedFraction(position) == 0) {
-    return {first, 0, AxisSample::Kind::Single};
-  }
-  if (step < kAveragingStep) {
-    return first == size - 1 ? AxisSample{first, 0, AxisSample::Kind::Single}
-                             : AxisSample{first, 1, AxisSample::Kind::Mixed};
-  }
-  const std::int32_t partner = HalfStep(step);
-  return partner >= size - first ? AxisSample{first, 0, AxisSample::Kind::Single}
-                                 : AxisSample{first, partner, AxisSample::Kind::Averaged};
+  return {first, FixedFraction(position) == 0 || filter.partner >= size - first};
 }
 
 template <typename Family>
-typename Family::Pixel Combine(AxisSample::Kind kind, const typename Family::Pixel& first,
-                               const typename Family::Pixel& second, std::int32_t position) {
-  return kind == AxisSample::Kind::Mixed ? Family::Mix(first, second, position) : Family::Average(first, second);
+typename Family::Wide Combine(const AxisFilter& filter, const typename Family::Wide& first,
+                              const typename Family::Wide& second, std::int32_t position) {
+  return filter.averages ? Family::Average(first, second) : Family::Mix(first, second, position);
 }
 
 // The sample of one row, `row` being the address of its column 0.
 template <typename Family>
-typename Family::Pixel SampleRow(const std::byte* row, const AxisSample& column, std::int32_t u) {
-  using Pixel = typename Family::Pixel;
-  const std::byte* const address = row + std::ptrdiff_t{column.first} * static_cast<std::ptrdiff_t>(sizeof(Pixel));
-  const Pixel first = LoadPixel<Pixel>(address);
-  if (column.kind == AxisSample::Kind::Single) {
+typename Family::Wide SampleRow(const std::byte* row, std::int32_t u, const AxisFilter& filter, std::int32_t width) {
+  const AxisSample column = SelectAlongAxis(u, filter, width);
+  const std::byte* const address = row + column.first * Family::kPixelBytes;
+  const typename Family::Wide first = Family::Load(address);
+  if (column.single) {
     return first;
   }
-  const Pixel second =
-      LoadPixel<Pixel>(address + std::ptrdiff_t{column.partner} * static_cast<std::ptrdiff_t>(sizeof(Pixel)));
-  return Combine<Family>(column.kind, first, second, u);
+  return Combine<Family>(filter, first, Family::Load(address + filter.partner * Family::kPixelBytes), u);
 }
 
-// The sample of the input at (u, v) for steps (du, dv).
+// The sample of the input at (u, v), with the filters of both axes.
 template <typename Family>
-typename Family::Pixel SampleInput(const InputView& input, std::int32_t u, std::int32_t v, std::int32_t du,
-                                   std::int32_t dv) {
-  const AxisSample column = SelectAlongAxis(u, du, input.width);
-  const AxisSample row = SelectAlongAxis(v, dv, input.height);
+typename Family::Wide SampleInput(const InputView& input, std::int32_t u, std::int32_t v, const AxisFilter& filter_u,
+                                  const AxisFilter& filter_v) {
+  const AxisSample row = SelectAlongAxis(v, filter_v, input.height);
   const std::byte* const address = input.data + std::ptrdiff_t{row.first} * input.row_bytes;
-  const typename Family::Pixel first = SampleRow<Family>(address, column, u);
-  if (row.kind == AxisSample::Kind::Single) {
+  const typename Family::Wide first = SampleRow<Family>(address, u, filter_u, input.width);
+  if (row.single) {
     return first;
   }
-  const typename Family::Pixel second =
-      SampleRow<Family>(address + Family::RowStep(input.row_bytes) * row.partner, column, u);
-  return Combine<Family>(row.kind, first, second, v);
+  const std::byte* const second = address + Family::RowStep(input.row_bytes) * filter_v.partner;
+  return Combine<Family>(filter_v, first, SampleRow<Family>(second, u, filter_u, input.width), v);
 }
 
 // The pixel at (u, v), clamped to the input, without any filtering.
 template <typename Family>
-typename Family::Pixel ReadInput(const InputView& input, std::int32_t u, std::int32_t v) {
+typename Family::Wide ReadInput(const InputView& input, std::int32_t u, std::int32_t v) {
   const auto clamp = [](std::int32_t index, std::int32_t size) {
     return index < 0 ? 0 : index < size ? index : size - 1;
   };
-  return LoadPixel<typename Family::Pixel>(
-      input.data + std::ptrdiff_t{clamp(FixedFloor(v), input.height)} * input.row_bytes +
-      std::ptrdiff_t{clamp(FixedFloor(u), input.width)} * static_cast<std::ptrdiff_t>(sizeof(typename Family::Pixel)));
+  return Family::Load(input.data + std::ptrdiff_t{clamp(FixedFloor(v), input.height)} * input.row_bytes +
+                      clamp(FixedFloor(u), input.width) * Family::kPixelBytes);
 }

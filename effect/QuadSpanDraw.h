@@ -8,6 +8,7 @@
 #include "effect/Int32Arithmetic.h"
 #include "effect/PixelSampling.h"
 #include "effect/QuadEdges.h"
+#include "effect/WholePixels.h"
 
 // The weight that keeps the output where the source covers `covered_width` by `cover` of a pixel; a cover of 0 is a
 // whole row. Of the weight only the fraction counts, so the product may wrap.
@@ -15,18 +16,10 @@ constexpr std::int32_t UncoveredWeight(std::int32_t covered_width, std::int32_t 
   return cover == 0 ? kFixedOne - covered_width : kFixedOne - (WrapMul(covered_width, cover) >> 16);
 }
 
-// The output pixel at a column of a row.
-template <typename Family>
-std::byte* PixelAt(std::byte* row, std::int64_t column) {
-  return row + column * static_cast<std::int64_t>(sizeof(typename Family::Pixel));
-}
-
-// Mixes the source pixel at (u, v), read directly, into a pixel of which `covered_width` is covered.
+// Mixes the source pixel at (u, v), read directly, into a pixel, of which the weight's share is kept.
 template <typename Family>
 void DrawPartialPixel(const InputView& input, std::int32_t u, std::int32_t v, std::int32_t weight, std::byte* address) {
-  using Pixel = typename Family::Pixel;
-  const Pixel source = ReadInput<Family>(input, u, v);
-  StorePixel(address, Family::Mix(source, LoadPixel<Pixel>(address), weight));
+  Family::Store(address, Family::Mix(ReadInput<Family>(input, u, v), Family::Load(address), weight));
 }
 
 // Draws the pixels that the walk from the left leaves at a span's right end, of a span that ends inside the row.
@@ -37,7 +30,7 @@ void DrawRightEnd(const InputView& input, const QuadSpan& span, std::int32_t cov
     const std::int32_t weight = UncoveredWeight(covered_width, cover);
     // A weight of 1.0 would count as 0.
     if (column >= 0 && column < width && weight != kFixedOne) {
-      DrawPartialPixel<Family>(input, u, v, weight, PixelAt<Family>(row, column));
+      DrawPartialPixel<Family>(input, u, v, weight, row + column * Family::kPixelBytes);
     }
   };
   const std::int32_t fraction = FixedFraction(span.right);
@@ -59,43 +52,33 @@ void DrawRightEnd(const InputView& input, const QuadSpan& span, std::int32_t cov
 // Draws a span into an output row of `width` pixels.
 template <typename Family>
 void DrawSpan(const InputView& input, const QuadSpan& span, std::int32_t cover, std::byte* row, std::int32_t width) {
-  using Pixel = typename Family::Pixel;
   const std::int64_t world_end = std::int64_t{width} * kFixedOne;
   const bool ends_inside = span.right < world_end;
   const std::int64_t x_end = ends_inside ? std::int64_t{span.right} - kFixedOne : world_end;
 
   std::int64_t x = span.left;
-  std::int32_t u = span.u;
-  std::int32_t v = span.v;
+  PixelRun run{span.u, span.v, span.du, span.dv, 0};
   const std::int32_t fraction = FixedFraction(span.left);
   if (fraction != 0) {
     const std::int32_t rest = kFixedOne - fraction;
     if (x >= 0 && x < x_end) {
-      DrawPartialPixel<Family>(input, u, v, UncoveredWeight(rest, cover), PixelAt<Family>(row, x >> 16));
+      DrawPartialPixel<Family>(input, run.u, run.v, UncoveredWeight(rest, cover),
+                               row + (x >> 16) * Family::kPixelBytes);
     }
-    u = WrapAdd(u, KZ_FixMulDiv(span.du, rest, kFixedOne));
-    v = WrapAdd(v, KZ_FixMulDiv(span.dv, rest, kFixedOne));
+    run.u = WrapAdd(run.u, KZ_FixMulDiv(span.du, rest, kFixedOne));
+    run.v = WrapAdd(run.v, KZ_FixMulDiv(span.dv, rest, kFixedOne));
     x += rest;
   }
 
   const std::int64_t end_column = (x_end + kFixedOne - 1) >> 16;
   std::int64_t column = x >> 16;
   if (column < 0) {
-    // Pixels left of the world are stepped over: so many steps at once, wrapping as one by one.
-    const std::int32_t skipped = static_cast<std::int32_t>(-column);
-    u = WrapAdd(u, WrapMul(span.du, skipped));
-    v = WrapAdd(v, WrapMul(span.dv, skipped));
+    run = StepRun(run, -column);  // pixels left of the world are stepped over
     column = 0;
   }
-  for (; column < end_column; ++column) {
-    std::byte* const address = PixelAt<Family>(row, column);
-    Pixel pixel = SampleInput<Family>(input, u, v, span.du, span.dv);
-    if (cover != 0) {
-      pixel = Family::Mix(LoadPixel<Pixel>(address), pixel, cover);
-    }
-    StorePixel(address, pixel);
-    u = WrapAdd(u, span.du);
-    v = WrapAdd(v, span.dv);
+  if (column < end_column) {
+    run.count = end_column - column;
+    DrawWholePixels<Family>(input, run, cover, row + column * Family::kPixelBytes);
   }
   if (ends_inside) {
     DrawRightEnd<Family>(input, span, cover, row, width);
