@@ -1,0 +1,121 @@
+// A host written by hand: its records hold what a test puts there, every callback is logged as a line of text and can
+// be made to fail at its n-th call, and its images lie between guard bytes. Callbacks carry no host pointer, so that
+// one scripted host is alive at a time.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "support/PF_HostRecords.h"
+
+using Log = std::vector<std::string>;
+
+// Log lines are compared as whole logs: a test states every call in its order.
+Log operator+(Log a, const Log& b);
+
+// One call of an area sampler.
+struct Sample {
+  std::int32_t x, y, x_radius, y_radius, area;
+  PF_LayerDef* source;
+  bool operator==(const Sample&) const = default;
+};
+std::ostream& operator<<(std::ostream& stream, const Sample& sample);
+
+// A pixel whose channels are the four bytes of `code`, so that every pixel of a picture can be told from every other.
+template <typename Pixel>
+Pixel pixelFromCode(std::uint32_t code) {
+  using Channel = decltype(Pixel::alpha);
+  return {static_cast<Channel>(code & 255), static_cast<Channel>(code >> 8 & 255),
+          static_cast<Channel>(code >> 16 & 255), static_cast<Channel>(code >> 24)};
+}
+
+template <typename Pixel>
+bool samePixel(const Pixel& a, const Pixel& b) {
+  return std::memcmp(&a, &b, sizeof(Pixel)) == 0;
+}
+
+// An image of `depth` bits a channel. Guard bytes stand before its first row, after its last and at the end of each.
+class GuardedWorld {
+ public:
+  GuardedWorld(int depth, int width, int height);
+  GuardedWorld(const GuardedWorld&) = delete;
+
+  template <typename Pixel>
+  Pixel& at(int x, int y) {
+    return *reinterpret_cast<Pixel*>(static_cast<std::uint8_t*>(world.data) + std::ptrdiff_t{y} * world.row_bytes +
+                                     x * static_cast<int>(sizeof(Pixel)));
+  }
+  void fillBytes(std::uint8_t value);
+  bool guardsIntact() const;
+
+  PF_LayerDef world;  // the extent hint is the whole image
+
+ private:
+  std::vector<std::uint8_t> bytes_;
+  std::size_t pixelRowBytes_;
+};
+
+class ScriptedHost {
+ public:
+  explicit ScriptedHost(int depth = 8, M_LPoint layerSize = {8, 6}, M_LPoint outputSize = {8, 6});
+  ~ScriptedHost();
+  ScriptedHost(const ScriptedHost&) = delete;
+
+  // Sets the values of the four point parameters, in pixels, given once round the quadrilateral.
+  void setCorners(const double (&cornersInPixels)[4][2]);
+
+  // The nth call (from 1 on) of the named callback gives `code`; with `ever`, so do all after it.
+  void fail(const std::string& callback, int nth, std::int32_t code, bool ever = false);
+
+  // Sends one command with the records below, as the protocol gives them to it.
+  std::int32_t run(std::int32_t command);
+
+  // True when PF_OutData is, byte for byte, what it was at the construction, with `change` applied.
+  bool outIs(const std::function<void(PF_OutData&)>& change = [](PF_OutData&) {}) const;
+
+  PF_EffectMain entry;
+  PF_InData in{};
+  PF_OutData out;
+  PF_UtilityCallbacks utilities{};
+  PF_SuiteProvider provider{};
+  PF_ParamDef values[5]{};  // the layer and the four points: `params`, and what checkout_param delivers
+  GuardedWorld input, output;
+  PF_RenderRequest request{};
+  PF_CheckoutResult checkout{};
+  PF_PreRenderResult result{};
+  bool handsBackWorlds = true;
+
+  std::vector<std::string> strings{"About %ld.%ld", "Upper Left",  "Upper Right",
+                                   "Lower Left",    "Lower Right", "Limit %d"};
+  void* registeredTable = nullptr;            // what the effect registered
+  void* replacementTable;                     // what the host leaves in the reference instead
+  std::vector<PF_ParamDef> added;             // the definitions of add_param
+  std::map<std::string, const void*> suites;  // the host's suites, by "name/version"
+  std::int32_t pixelFormat;
+  void* block[1];  // the effect's global block: a string-table reference
+  void* handle;
+  std::function<double(double)> squareRoot;
+  std::function<void(void*)> onIterate = [](void*) {};  // sees the iteration's reference value
+  bool samplerWrites = true;
+
+  Log log;                                   // every call except ceil's and sqrt's
+  std::map<const void*, std::string> names;  // how pointers are called in the log
+  std::vector<Sample> samples;               // a sample's pixel has the code of its number, from 1 on
+
+  std::string name(const void* pointer) const;
+  std::int32_t called(const std::string& callback, const std::string& arguments);
+
+ private:
+  std::map<std::string, int> calls_;
+  std::map<std::string, std::function<std::int32_t(int)>> failures_;
+  std::string outAtFirst_;
+};
+
+// The lines that reading the four corner parameters and asking for the output's depth leave in the log.
+extern const Log kReadCorners;
+extern const Log kAskDepth;
