@@ -1,0 +1,14 @@
+// How the command ends.
+#pragma once
+
+namespace vantorel::cli {
+
+enum class ExitCode : int {
+  Done = 0,
+  EffectFailed = 1,  // the effect or the host reported an error, or frames failed under --keep-going
+  BadArguments = 2,
+  FileFailed = 3,     // a file could not be read or written
+  Interrupted = 130,  // SIGINT, SIGTERM or SIGHUP
+};
+
+}  // namespace vantorel::cli

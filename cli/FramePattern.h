@@ -1,0 +1,33 @@
+// File names with a place for the frame number.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace vantorel::cli {
+
+// A name with at most one run of '#' or one %d, %04d, ...; "%%" stands for a percent sign.
+class FramePattern {
+ public:
+  FramePattern() = default;
+
+  // Throws CommandError, naming `input`, for a second number or another % conversion.
+  static FramePattern parse(const std::string& input, const std::string& text);
+
+  // The name as it is, whatever characters it holds.
+  static FramePattern literal(const std::string& text);
+
+  bool hasNumber() const { return hasNumber_; }
+  std::string path(std::int32_t frame) const;
+  const std::string& text() const { return text_; }
+
+ private:
+  std::string text_;
+  std::string before_;
+  std::string after_;
+  bool hasNumber_ = false;
+  int width_ = 0;
+  bool zeroPadded_ = false;
+};
+
+}  // namespace vantorel::cli

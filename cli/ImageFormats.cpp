@@ -1,0 +1,116 @@
+#include "cli/ImageFormats.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <filesystem>
+
+#include "cli/CommandError.h"
+
+namespace vantorel::cli {
+
+namespace {
+
+constexpr std::array<ImageFormat, 5> kFormats{{
+    {.name = "PNG",
+     .extensions = ".png",
+     .holdsAlpha = true,
+     .unassociatedAlpha = true,
+     .holds8 = true,
+     .holds16 = true},
+    {.name = "JPEG", .extensions = ".jpg .jpeg", .holds8 = true},
+    {.name = "TIFF",
+     .extensions = ".tif .tiff",
+     .holdsAlpha = true,
+     .holds8 = true,
+     .holds16 = true,
+     .holdsFloat = true},
+    {.name = "OpenEXR",
+     .extensions = ".exr",
+     .holdsAlpha = true,
+     .holdsDataWindow = true,
+     .linearLight = true,
+     .holdsHalf = true,
+     .holdsFloat = true},
+    {.name = "DPX", .extensions = ".dpx", .holds8 = true, .holds16 = true},
+}};
+
+std::string lowerCaseExtension(const std::string& path) {
+  std::string extension = std::filesystem::path(path).extension().string();
+  std::transform(extension.begin(), extension.end(), extension.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return extension;
+}
+
+bool lists(const ImageFormat& format, const std::string& extension) {
+  return (std::string(format.extensions) + ' ').find(extension + ' ') != std::string::npos;
+}
+
+bool holds(const ImageFormat& format, SampleType type) {
+  switch (type) {
+    case SampleType::Bits8:
+      return format.holds8;
+    case SampleType::Bits16:
+      return format.holds16;
+    case SampleType::Half:
+      return format.holdsHalf;
+    case SampleType::Float:
+      return format.holdsFloat;
+  }
+  return false;
+}
+
+SampleType wantedSamples(DepthChoice choice, SampleType source) {
+  switch (choice) {
+    case DepthChoice::Auto:
+      return source;
+    case DepthChoice::Bits8:
+      return SampleType::Bits8;
+    case DepthChoice::Bits16:
+      return SampleType::Bits16;
+    case DepthChoice::Float:
+      // A half file loses nothing as half again.
+      return source == SampleType::Half ? SampleType::Half : SampleType::Float;
+  }
+  return source;
+}
+
+}  // namespace
+
+const ImageFormat& formatForOutput(const std::string& option, const std::string& path) {
+  const std::string extension = lowerCaseExtension(path);
+  if (!extension.empty())
+    for (const ImageFormat& format : kFormats)
+      if (lists(format, extension))
+        return format;
+  const std::string fault = extension.empty() ? "has no extension that tells the format"
+                                              : fmt::format("has the unknown format '{}'", extension);
+  throw badArgument(option, fmt::format("'{}' {}; end the name in .png, .jpg, .tif, .exr or .dpx", path, fault));
+}
+
+host::Depth renderDepth(DepthChoice choice, SampleType source) {
+  switch (wantedSamples(choice, source)) {
+    case SampleType::Bits8:
+      return host::Depth::Bits8;
+    case SampleType::Bits16:
+      return host::Depth::Bits16;
+    default:
+      return host::Depth::Float;
+  }
+}
+
+SampleType outputSamples(const ImageFormat& format, DepthChoice choice, SampleType source) {
+  const SampleType wanted = wantedSamples(choice, source);
+  // Half cannot hold every 16-bit value, so it is no finer form of it.
+  for (const SampleType type : {SampleType::Bits8, SampleType::Bits16, SampleType::Half, SampleType::Float})
+    if (type >= wanted && holds(format, type) && !(wanted == SampleType::Bits16 && type == SampleType::Half))
+      return type;
+  for (const SampleType type : {SampleType::Float, SampleType::Half, SampleType::Bits16})
+    if (holds(format, type))
+      return type;
+  return SampleType::Bits8;
+}
+
+}  // namespace vantorel::cli

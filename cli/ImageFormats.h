@@ -1,0 +1,38 @@
+// What each kind of output file can hold, and which kind of sample a picture is written with.
+#pragma once
+
+#include <string>
+
+#include "host/Image.h"
+
+namespace vantorel::cli {
+
+// Samples of a file, from coarse to fine.
+enum class SampleType { Bits8, Bits16, Half, Float };
+
+enum class DepthChoice { Auto, Bits8, Bits16, Float };
+
+struct ImageFormat {
+  const char* name = "";
+  const char* extensions = "";     // each with its dot, a blank between two
+  bool holdsAlpha = false;         // without, the premultiplied colour is kept: the picture over black
+  bool unassociatedAlpha = false;  // colour in the file is not multiplied by alpha
+  bool holdsDataWindow = false;    // keeps pixels at a place of their own inside (or outside) the picture's frame
+  bool linearLight = false;        // holds linear light by convention
+  bool holds8 = false;
+  bool holds16 = false;
+  bool holdsHalf = false;
+  bool holdsFloat = false;
+};
+
+// The format that the file name's extension stands for. Throws CommandError (bad argument), naming the option and
+// listing the known formats, when there is none.
+const ImageFormat& formatForOutput(const std::string& option, const std::string& path);
+
+// The depth to render at for files of that type: half and float samples become float.
+host::Depth renderDepth(DepthChoice choice, SampleType source);
+
+// The type to write: the choice, or the source's own, or the next finer one that the format holds, or else its finest.
+SampleType outputSamples(const ImageFormat& format, DepthChoice choice, SampleType source);
+
+}  // namespace vantorel::cli

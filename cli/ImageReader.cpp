@@ -1,0 +1,264 @@
+#include "cli/ImageReader.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <utility>
+
+#include "cli/ChannelPlan.h"
+#include "cli/CommandError.h"
+#include "cli/Orientation.h"
+#include "cli/PixelConversion.h"
+
+namespace vantorel::cli {
+
+namespace {
+
+// Rows between two looks at the stop token; enough for OpenEXR to decompress its blocks side by side.
+constexpr int kRowsPerRead = 256;
+
+std::string oneLine(std::string text) {
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  while (!text.empty() && (text.back() == ' ' || text.back() == '.'))
+    text.pop_back();
+  return text.empty() ? "no reason given" : text;
+}
+
+CommandError unreadable(const std::string& path, const std::string& reason) {
+  return fileFailure(path, fmt::format("cannot be read as a picture ({}); give a whole PNG, JPEG, TIFF, OpenEXR or DPX "
+                                       "file",
+                                       oneLine(reason)));
+}
+
+void requireFile(const std::string& path) {
+  std::error_code fault;
+  const std::filesystem::file_status status = std::filesystem::status(path, fault);
+  if (status.type() == std::filesystem::file_type::not_found)
+    throw fileFailure(path, "does not exist; check the name");
+  if (fault)
+    throw fileFailure(path, fmt::format("cannot be reached ({}); check the name and its folders", fault.message()));
+  if (!std::filesystem::is_regular_file(status))
+    throw fileFailure(path, "is not a file; give a picture file");
+}
+
+// A file that is open, and how its pixels are to be understood.
+struct Source {
+  std::string path;
+  std::unique_ptr<OIIO::ImageInput> input;
+  OIIO::ImageSpec spec;
+  ChannelPlan plan;
+  int orientation = 1;
+  bool unassociated = false;
+
+  host::Size displaySize() const { return {spec.full_width, spec.full_height}; }
+};
+
+Source openSource(const std::string& path) {
+  requireFile(path);
+  // Premultiplying is done here, with exact rounding and no regard to a gamma that the file may state.
+  OIIO::ImageSpec request;
+  request.attribute("oiio:UnassociatedAlpha", 1);
+  Source source;
+  source.path = path;
+  source.input = OIIO::ImageInput::open(path, &request);
+  if (!source.input)
+    throw unreadable(path, OIIO::geterror());
+  source.spec = source.input->spec();
+  source.plan = planChannels(source.spec, path);
+  source.unassociated = source.plan.hasAlpha() && source.spec.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
+  const int orientation = source.spec.get_int_attribute("Orientation", 1);
+  source.orientation = orientation >= 1 && orientation <= 8 ? orientation : 1;
+  if (source.spec.width < 1 || source.spec.height < 1 || source.displaySize().width < 1 ||
+      source.displaySize().height < 1)
+    throw unreadable(path, "it has no pixels");
+  return source;
+}
+
+PictureInfo infoOf(const Source& source) {
+  host::Size size = source.displaySize();
+  if (swapsAxes(source.orientation))
+    std::swap(size.width, size.height);
+  return {size, samplesOf(source.spec, source.plan), source.plan.hasAlpha()};
+}
+
+OIIO::TypeDesc typeFor(host::Depth depth) {
+  switch (depth) {
+    case host::Depth::Bits8:
+      return OIIO::TypeDesc::UINT8;
+    case host::Depth::Bits16:
+      return OIIO::TypeDesc::UINT16;
+    case host::Depth::Float:
+      return OIIO::TypeDesc::FLOAT;
+  }
+  return OIIO::TypeDesc::FLOAT;
+}
+
+// Rows yBegin to yEnd (counted in the data window) of channels [first, end), four channels of room to a pixel.
+void readChannels(Source& source, int yBegin, int yEnd, int first, int end, const host::ImageView& rows,
+                  std::byte* data) {
+  const OIIO::ImageSpec& spec = source.spec;
+  const auto pixelBytes = static_cast<OIIO::stride_t>(host::bytesPerPixel(rows.depth));
+  const OIIO::TypeDesc type = typeFor(rows.depth);
+  const bool read =
+      spec.tile_width > 0
+          ? source.input->read_tiles(0, 0, spec.x, spec.x + spec.width, spec.y + yBegin, spec.y + yEnd, spec.z,
+                                     spec.z + 1, first, end, type, data, pixelBytes, rows.rowBytes)
+          : source.input->read_scanlines(0, 0, spec.y + yBegin, spec.y + yEnd, spec.z, first, end, type, data,
+                                         pixelBytes, rows.rowBytes);
+  if (!read)
+    throw unreadable(source.path, source.input->geterror());
+}
+
+template <typename Channel>
+void finishRows(const host::ImageView& rows, const ChannelMap& map, bool premultiply) {
+  for (int y = 0; y < rows.size.height; ++y) {
+    auto* row = reinterpret_cast<Channel*>(rows.row(y));
+    if (map != kIdentityMap)
+      rearrangeRow(row, rows.size.width, map);
+    if (premultiply)
+      premultiplyRow(row, rows.size.width);
+  }
+}
+
+// Reads rows.size.height rows from yBegin on as premultiplied RGBA.
+void readRows(Source& source, int yBegin, const host::ImageView& rows) {
+  const int yEnd = yBegin + rows.size.height;
+  const int first = source.plan.first();
+  ChannelMap map = source.plan.source;
+  if (source.plan.end() - first <= 4) {
+    readChannels(source, yBegin, yEnd, first, source.plan.end(), rows, rows.data);
+    for (int& channel : map)
+      channel = channel < 0 ? channel : channel - first;
+  } else {
+    const std::size_t channelBytes = host::bytesPerPixel(rows.depth) / 4;
+    for (std::size_t c = 0; c < 4; ++c)
+      if (map[c] >= 0) {
+        readChannels(source, yBegin, yEnd, map[c], map[c] + 1, rows, rows.data + c * channelBytes);
+        map[c] = static_cast<int>(c);
+      }
+  }
+  switch (rows.depth) {
+    case host::Depth::Bits8:
+      return finishRows<std::uint8_t>(rows, map, source.unassociated);
+    case host::Depth::Bits16:
+      return finishRows<std::uint16_t>(rows, map, source.unassociated);
+    case host::Depth::Float:
+      return finishRows<float>(rows, map, source.unassociated);
+  }
+}
+
+int rowsPerRead(const OIIO::ImageSpec& spec) {
+  const int unit = std::max(1, spec.tile_height);
+  return unit * std::max(1, kRowsPerRead / unit);
+}
+
+// Calls visit(yBegin, yEnd) for stretches of the data window's rows, from the top down.
+template <typename Visit>
+void forStretches(const OIIO::ImageSpec& spec, const std::stop_token& stop, const Visit& visit) {
+  const int step = rowsPerRead(spec);
+  for (int y = 0; y < spec.height; y += std::min(step, spec.height - y)) {
+    if (stop.stop_requested())
+      throw interrupted();
+    visit(y, y + std::min(step, spec.height - y));
+  }
+}
+
+// The data window in the display window's pixels.
+host::Rect dataWindow(const OIIO::ImageSpec& spec) {
+  const int left = spec.x - spec.full_x;
+  const int top = spec.y - spec.full_y;
+  return {left, top, left + spec.width, top + spec.height};
+}
+
+void readInside(Source& source, const host::Rect& window, const host::ImageView& picture, const std::stop_token& stop) {
+  forStretches(source.spec, stop, [&](int yBegin, int yEnd) {
+    readRows(source, yBegin,
+             {picture.pixel(window.left, window.top + yBegin),
+              picture.rowBytes,
+              {window.width(), yEnd - yBegin},
+              picture.depth});
+  });
+}
+
+void readCropped(Source& source, const host::Rect& window, const host::ImageView& picture,
+                 const std::stop_token& stop) {
+  const int left = std::max(0, window.left);
+  const int right = std::min(picture.size.width, window.right);
+  const std::size_t pixelBytes = host::bytesPerPixel(picture.depth);
+  const int stretch = std::min(rowsPerRead(source.spec), source.spec.height);
+  host::Image rows = valueOrThrow(host::Image::create({window.width(), stretch}, picture.depth));
+  forStretches(source.spec, stop, [&](int yBegin, int yEnd) {
+    host::ImageView part = rows.view();
+    part.size.height = yEnd - yBegin;
+    readRows(source, yBegin, part);
+    for (int y = yBegin; y < yEnd; ++y) {
+      const int target = window.top + y;
+      if (target >= 0 && target < picture.size.height && left < right)
+        std::memcpy(picture.pixel(left, target), part.pixel(left - window.left, y - yBegin),
+                    pixelBytes * static_cast<std::size_t>(right - left));
+    }
+  });
+}
+
+OIIO::ParamValueList keptMetadata(const OIIO::ImageSpec& spec) {
+  constexpr const char* kKept[] = {"oiio:ColorSpace", "oiio:Gamma",       "ICCProfile",        "PixelAspectRatio",
+                                   "XResolution",     "YResolution",      "ResolutionUnit",    "FramesPerSecond",
+                                   "smpte:TimeCode",  "smpte:KeyCode",    "chromaticities",    "Artist",
+                                   "Copyright",       "ImageDescription", "oiio:BitsPerSample"};
+  OIIO::ParamValueList kept;
+  for (const char* name : kKept)
+    if (const OIIO::ParamValue* value = spec.find_attribute(name))
+      kept.push_back(*value);
+  return kept;
+}
+
+}  // namespace
+
+PictureInfo probePicture(const std::string& path) {
+  return infoOf(openSource(path));
+}
+
+Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop) {
+  Source source = openSource(path);
+  Picture picture;
+  picture.info = infoOf(source);
+  picture.colourSpace = source.spec.get_string_attribute("oiio:ColorSpace");
+  picture.metadata = keptMetadata(source.spec);
+  picture.pixels = valueOrThrow(host::Image::create(source.displaySize(), depth));
+
+  const host::Rect window = dataWindow(source.spec);
+  const host::Rect display{0, 0, source.displaySize().width, source.displaySize().height};
+  if (window != display)
+    picture.pixels.clear();
+  if (window.left >= 0 && window.top >= 0 && window.right <= display.right && window.bottom <= display.bottom)
+    readInside(source, window, picture.pixels.view(), stop);
+  else
+    readCropped(source, window, picture.pixels.view(), stop);
+  if (source.orientation > 1)
+    picture.pixels = upright(std::as_const(picture.pixels).view(), source.orientation);
+  return picture;
+}
+
+bool isWholePicture(const std::string& path, host::Size size, const std::stop_token& stop) try {
+  Source source = openSource(path);
+  if (infoOf(source).size != size)
+    return false;
+  const int stretch = std::min(rowsPerRead(source.spec), source.spec.height);
+  host::Image rows = valueOrThrow(host::Image::create({source.spec.width, stretch}, host::Depth::Bits8));
+  forStretches(source.spec, stop, [&](int yBegin, int yEnd) {
+    host::ImageView part = rows.view();
+    part.size.height = yEnd - yBegin;
+    readRows(source, yBegin, part);
+  });
+  return true;
+} catch (const CommandError& error) {
+  if (error.code() == ExitCode::Interrupted)
+    throw;
+  return false;
+}
+
+}  // namespace vantorel::cli

@@ -1,0 +1,32 @@
+// One line of JSON for every finished frame, on standard output.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "host/Image.h"
+#include "host/Instance.h"
+
+namespace vantorel::cli {
+
+// What became of a frame. Times are in seconds.
+struct FrameReport {
+  std::int32_t frame = 0;
+  host::RenderPath path = host::RenderPath::Perspective;
+  host::Depth depth = host::Depth::Bits8;
+  int originX = 0;  // where the output's first pixel lies on the canvas, in pixels of the rendered resolution
+  int originY = 0;
+  host::Size size;
+  double readSeconds = 0;    // reading and decoding layer and plate
+  double renderSeconds = 0;  // inside the module's commands
+  double writeSeconds = 0;   // compositing, encoding and writing
+  std::string output;
+};
+
+std::string toJson(const FrameReport& report);
+
+// Writes the line at once. Throws CommandError (file failure) when standard output cannot be written to. Safe to call
+// from several threads.
+void printJson(const FrameReport& report);
+
+}  // namespace vantorel::cli

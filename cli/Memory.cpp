@@ -1,0 +1,87 @@
+#include "cli/Memory.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <fstream>
+
+namespace vantorel::cli {
+
+namespace {
+
+std::optional<std::uint64_t> availableOnMachine() {
+  std::ifstream file("/proc/meminfo");
+  std::string key;
+  std::uint64_t kibibytes = 0;
+  std::string unit;
+  while (file >> key >> kibibytes) {
+    if (key == "MemAvailable:")
+      return kibibytes * 1024;
+    std::getline(file, unit);
+  }
+  return std::nullopt;
+}
+
+std::optional<std::uint64_t> numberIn(const std::string& path) {
+  std::ifstream file(path);
+  std::uint64_t value = 0;
+  if (file >> value)
+    return value;
+  return std::nullopt;
+}
+
+// Cached files count as used, though the kernel gives them up when asked.
+std::uint64_t cachedFiles(const std::string& statisticsPath) {
+  std::ifstream file(statisticsPath);
+  std::uint64_t cached = 0;
+  std::string key;
+  for (std::uint64_t value = 0; file >> key >> value;)
+    if (key == "inactive_file" || key == "active_file")
+      cached += value;
+  return cached;
+}
+
+std::optional<std::uint64_t> availableInGroup(const std::string& folder, const char* limitName, const char* usageName) {
+  const auto limit = numberIn(folder + limitName);
+  const auto usage = numberIn(folder + usageName);
+  if (!limit || !usage)
+    return std::nullopt;
+  const std::uint64_t cached = std::min(*usage, cachedFiles(folder + "/memory.stat"));
+  return *limit > *usage - cached ? *limit - (*usage - cached) : 0;
+}
+
+// The folder of this process's own control group under the unified hierarchy.
+std::string ownGroupFolder() {
+  std::ifstream file("/proc/self/cgroup");
+  std::string line;
+  while (std::getline(file, line))
+    if (line.rfind("0::", 0) == 0)
+      return "/sys/fs/cgroup" + line.substr(3);
+  return "/sys/fs/cgroup";
+}
+
+}  // namespace
+
+std::optional<std::uint64_t> availableMemory() {
+  const std::optional<std::uint64_t> limits[] = {
+      availableOnMachine(),
+      availableInGroup(ownGroupFolder(), "/memory.max", "/memory.current"),
+      availableInGroup("/sys/fs/cgroup/memory", "/memory.limit_in_bytes", "/memory.usage_in_bytes"),
+  };
+  std::optional<std::uint64_t> least;
+  for (const auto& limit : limits)
+    if (limit && (!least || *limit < *least))
+      least = limit;
+  return least;
+}
+
+std::uint64_t pictureBytes(host::Size size, host::Depth depth) {
+  return static_cast<std::uint64_t>(size.width) * static_cast<std::uint64_t>(size.height) * host::bytesPerPixel(depth);
+}
+
+std::string memoryText(std::uint64_t bytes) {
+  constexpr double kGibibyte = 1024.0 * 1024.0 * 1024.0;
+  return fmt::format("{:.1f} GiB", static_cast<double>(bytes) / kGibibyte);
+}
+
+}  // namespace vantorel::cli

@@ -1,0 +1,27 @@
+// A picture in memory, with what its file said of it.
+#pragma once
+
+#include <OpenImageIO/imageio.h>
+
+#include <string>
+
+#include "cli/ImageFormats.h"
+#include "host/Image.h"
+
+namespace vantorel::cli {
+
+// What the head of a picture file tells.
+struct PictureInfo {
+  host::Size size;  // after its orientation has been applied
+  SampleType samples = SampleType::Bits8;
+  bool hasAlpha = false;
+};
+
+struct Picture {
+  host::Image pixels;  // premultiplied RGBA
+  PictureInfo info;
+  std::string colourSpace;        // as the file states it or its format implies, for example "sRGB"; or empty
+  OIIO::ParamValueList metadata;  // what a picture made from this one keeps
+};
+
+}  // namespace vantorel::cli

@@ -1,0 +1,32 @@
+#include <cstdio>
+#include <exception>
+#include <new>
+
+#include "cli/CommandError.h"
+#include "cli/CommandLine.h"
+#include "cli/Interrupt.h"
+
+namespace {
+
+using vantorel::cli::ExitCode;
+
+ExitCode run(int argc, char** argv) {
+  try {
+    const vantorel::cli::Interrupt interrupt;
+    return vantorel::cli::runCommandLine(argc, argv, interrupt.token());
+  } catch (const vantorel::cli::CommandError& error) {
+    std::fprintf(stderr, "vantorel: %s\n", error.text().c_str());
+    return error.code();
+  } catch (const std::bad_alloc&) {
+    std::fputs("vantorel: the memory is not to be had; give a smaller picture or --size\n", stderr);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "vantorel: %s; please report this\n", error.what());
+  }
+  return ExitCode::EffectFailed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return static_cast<int>(run(argc, argv));
+}
