@@ -49,6 +49,9 @@ M_API std::int32_t M_SetIdentityMatrix(M_Matrix3* m);
 struct M_Matrix3 {
   double m[3][3];
 
+  // Leaves the entries unset. A program that loads the module instead of linking the library constructs its matrices
+  // so, since the next constructor and SetIdentity call into the library.
+  M_Matrix3() = default;
   // The identity, or, for false, nine entries left unset.
   explicit M_Matrix3(bool identity) {
     if (identity) {
@@ -180,10 +183,11 @@ M_API std::int32_t M_MulRatio(const M_Ratio* a, const M_Ratio* b, M_Ratio* out, 
 M_API std::int32_t M_ReduceRatio(const M_Ratio* in, M_Ratio* out, bool* reduced);
 
 // *out = *in over the denominator new_den, its numerator rounded to the nearest integer, halves upwards, computed in
-// double precision. `exact`, if given, tells whether the value is unchanged. `overflow`, if given, tells whether the
-// numerator left the int32 range, which is not an error but makes *out 0/0; where new_den is the denominator already,
-// `overflow` keeps its value, so clear it before. M_ErrZeroDenominator, with *out = 0/0 and `exact` as it was, when a
-// denominator is 0; M_ErrNullPointer when in or out is missing, and then nothing is written.
+// double precision. `exact`, if given, tells whether the value is unchanged, as far as double precision tells: changes
+// below one part in 2^51 pass unseen. `overflow`, if given, tells whether the numerator left the int32 range, which is
+// not an error but makes *out 0/0; where new_den is the denominator already, `overflow` keeps its value, so clear it
+// before. M_ErrZeroDenominator, with *out = 0/0 and `exact` as it was, when a denominator is 0; M_ErrNullPointer when
+// in or out is missing, and then nothing is written.
 M_API std::int32_t M_ConvRatio(const M_Ratio* in, std::uint32_t new_den, M_Ratio* out, bool* exact, bool* overflow);
 
 // *out_num = the numerator of num / den over new_den, rounded like M_ConvRatio's; 0 on any failure. `overflow`, if

@@ -25,6 +25,7 @@ TEST(Ratio, SumsAndProductsKeepTheirTerms) {
   EXPECT_EQ(calculated(M_AddRatio, {0, 5}, {3, 7}), (M_Ratio{3, 7}));
   EXPECT_EQ(calculated(M_SubRatio, {0, 5}, {3, 7}), (M_Ratio{-3, 7}));
   EXPECT_EQ(calculated(M_AddRatio, {2, 5}, {0, 7}), (M_Ratio{2, 5}));
+  EXPECT_EQ(calculated(M_AddRatio, {0, 5}, {0, 7}), (M_Ratio{0, 7}));
   EXPECT_EQ(calculated(M_MulRatio, {2, 3}, {3, 4}), (M_Ratio{6, 12}));
 }
 
