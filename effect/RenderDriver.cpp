@@ -39,7 +39,6 @@ void FillGeometry(const PF_LayerDef* input, M_Vector2T<double>* points, KZFX_Per
     points[i].x += 1.0;
   }
   // A quadrilateral without a map leaves the zero matrix, through which every pixel is transparent.
-  info->quad_to_unit = M_Matrix3(false);
   for (auto& row : info->quad_to_unit.m) {
     for (double& entry : row) {
       entry = 0.0;
