@@ -39,6 +39,9 @@ class AnimatedPoint {
   // The value at a time; at a key's own time exactly that key's value. Without keys, (0, 0).
   Point at(double seconds) const;
 
+  // The keys in the order of their times, one for a time; keys whose time is not a number come last.
+  const std::vector<Key>& keys() const { return keys_; }
+
  private:
   std::vector<Key> keys_;
   Interpolation interpolation_ = Interpolation::Linear;

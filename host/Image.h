@@ -15,7 +15,9 @@ namespace vantorel::host {
 enum class Depth : std::int32_t { Bits8 = 8, Bits16 = 16, Float = 32 };
 
 // Bytes of one pixel: 4, 8 or 16.
-constexpr std::size_t bytesPerPixel(Depth depth) { return static_cast<std::size_t>(depth) / 2; }
+constexpr std::size_t bytesPerPixel(Depth depth) {
+  return static_cast<std::size_t>(depth) / 2;
+}
 
 struct Size {
   int width = 0;
@@ -45,15 +47,15 @@ struct BasicImageView {
   Depth depth = Depth::Bits8;
 
   Byte* row(int y) const { return data + rowBytes * y; }
-  Byte* pixel(int x, int y) const {
-    return row(y) + static_cast<std::ptrdiff_t>(bytesPerPixel(depth)) * x;
-  }
+  Byte* pixel(int x, int y) const { return row(y) + static_cast<std::ptrdiff_t>(bytesPerPixel(depth)) * x; }
 };
 
 using ImageView = BasicImageView<std::byte>;
 using ConstImageView = BasicImageView<const std::byte>;
 
-inline ConstImageView asConst(const ImageView& view) { return {view.data, view.rowBytes, view.size, view.depth}; }
+inline ConstImageView asConst(const ImageView& view) {
+  return {view.data, view.rowBytes, view.size, view.depth};
+}
 
 // Pixels that the host owns, rows aligned to kRowAlignment bytes.
 class Image {

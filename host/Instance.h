@@ -32,16 +32,17 @@ struct FrameOptions {
   FrameTime time;
   Quality quality = Quality::High;
   Protocol protocol = Protocol::Smart;
-  int downsample = 1;   // renders at 1/n in both axes: 1 and up
+  int downsample = 1;    // renders at 1/n in both axes: 1 and up
   unsigned threads = 0;  // at most so many; 0: as many as the machine has
-  // Called with the share of the rows done, 0 to 1, from any of the rendering threads, one at a time.
+  // Called with the share of the rows done, 0 to 1 and never falling, from any of the rendering threads, one at a time.
+  // What it throws ends the frame and is thrown again by `render`.
   std::function<void(double)> progress;
   std::stop_token stop;
 };
 
 struct FrameResult {
   RenderPath path = RenderPath::Perspective;
-  Rect drawn;               // the part of the canvas that the effect was asked to draw, canvas pixels at this resolution
+  Rect drawn;  // the part of the canvas that the effect was asked to draw, canvas pixels at this resolution
   double renderSeconds = 0;  // inside the module's commands
 };
 
@@ -66,6 +67,12 @@ class Instance {
   // outside is transparent. `canvas` is in full-resolution layer pixels, the layer's own upper left corner being
   // (0, 0). The layer is given at full resolution; the host scales it. The views must not overlap.
   //
+  // At 1/n the canvas begins at the whole reduced pixel that holds its upper left corner, floor(left / n).
+  //
+  // Errors: InvalidArgument for views, canvas or options that cannot be served; EffectFailed or OutOfMemory with the
+  // effect's own message; Interrupted when the stop token ended the frame; Misuse in checking mode. After an error the
+  // output's pixels are unspecified.
+  //
   // After the first frame of a size nothing is allocated at downsample 1.
   Result<FrameResult> render(const ConstImageView& layer, const Rect& canvas, const ImageView& output,
                              const FrameOptions& options);
@@ -79,9 +86,10 @@ class Instance {
   std::unique_ptr<State> state_;
 };
 
-// The size at 1/downsample of a canvas or layer: rounded up, so that a partly covered pixel is there.
+// The size at 1/downsample of a canvas or layer: rounded up, so that a partly covered pixel is there. Both sides must
+// be 1 or more.
 constexpr Size downsampled(Size size, int downsample) {
-  return {(size.width + downsample - 1) / downsample, (size.height + downsample - 1) / downsample};
+  return {(size.width - 1) / downsample + 1, (size.height - 1) / downsample + 1};
 }
 
 }  // namespace vantorel::host

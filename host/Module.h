@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -15,7 +16,8 @@ namespace vantorel::host {
 // Texts that replace rows of a module's string table, by key ("$$$/.../LStr/0001").
 using Translations = std::map<std::string, std::string, std::less<>>;
 
-// Reads `key=text` lines: '#' starts a comment line, blank lines are skipped. An error names `name` and the line.
+// Reads `key=text` lines: '#' starts a comment line, blank lines are skipped, of two lines for one key the later wins.
+// An error (InvalidArgument) names `name` and the line.
 Result<Translations> parseTranslations(const std::string& text, const std::string& name);
 
 struct ModuleOptions {
@@ -23,6 +25,9 @@ struct ModuleOptions {
   // Reports every misuse of the interface (ErrorKind::Misuse): parameters left checked out, suites not released, writes
   // outside a row. Renders serially and slowly; for tests.
   bool checking = false;
+  // Told what goes wrong at global set-down, when no caller is left to get an error back: the command failed, or, in
+  // checking mode, blocks are still allocated. Called from the thread that lets go of the module; must not throw.
+  std::function<void(const Error&)> onSetdownFailure;
 };
 
 // One parameter as the module declared it.
@@ -47,7 +52,9 @@ struct ModuleInfo {
 // happen when the last owner lets go. Safe to use from several threads.
 class Module {
  public:
-  // Loads the file at `path`. ModuleUnusable when it does not load, lacks the entry or fails its setup.
+  // Loads the file at `path`, a name without a slash meaning the current folder. ModuleUnusable when it does not load,
+  // lacks the entry or fails its setup; InvalidArgument for a translation whose printf placeholders are not those of
+  // the text that it replaces; in checking mode Misuse.
   static Result<std::shared_ptr<const Module>> load(const std::string& path, ModuleOptions options = {});
 
   ~Module();

@@ -1,0 +1,50 @@
+#include "host/Image.h"
+
+#include <cstring>
+#include <limits>
+#include <new>
+
+#include "host/Errors.h"
+
+namespace vantorel::host {
+
+namespace {
+
+constexpr std::size_t alignedUp(std::size_t bytes) {
+  return (bytes + Image::kRowAlignment - 1) / Image::kRowAlignment * Image::kRowAlignment;
+}
+
+}  // namespace
+
+void Image::Free::operator()(std::byte* memory) const {
+  ::operator delete[](memory, std::align_val_t{kRowAlignment});
+}
+
+Result<Image> Image::create(Size size, Depth depth) {
+  if (size.width <= 0 || size.height <= 0) {
+    return invalidArgument("image size", sizeText(size) + " is not a picture's size; both sides must be 1 or more");
+  }
+  const std::size_t row_bytes = alignedUp(static_cast<std::size_t>(size.width) * bytesPerPixel(depth));
+  if (row_bytes > std::size_t{std::numeric_limits<std::int32_t>::max()}) {
+    return invalidArgument("image size", sizeText(size) + " has rows longer than 2147483647 bytes; use fewer columns");
+  }
+  const std::size_t bytes = row_bytes * static_cast<std::size_t>(size.height);
+  void* const memory = ::operator new[](bytes, std::align_val_t{kRowAlignment}, std::nothrow);
+  if (memory == nullptr) {
+    return tl::unexpected(Error{ErrorKind::OutOfMemory, 0, "image size",
+                                "there is no memory for " + sizeText(size) + " pixels (" + std::to_string(bytes) +
+                                    " bytes); use a smaller picture"});
+  }
+  Image image;
+  image.memory_.reset(static_cast<std::byte*>(memory));
+  image.view_ = {image.memory_.get(), static_cast<std::ptrdiff_t>(row_bytes), size, depth};
+  return image;
+}
+
+void Image::clear() {
+  if (!empty()) {
+    std::memset(view_.data, 0, static_cast<std::size_t>(view_.rowBytes) * static_cast<std::size_t>(view_.size.height));
+  }
+}
+
+}  // namespace vantorel::host

@@ -1,0 +1,107 @@
+#include "host/Module.h"
+
+#include <cstring>
+#include <utility>
+
+#include "host/Errors.h"
+#include "host/ModuleCall.h"
+#include "host/ModuleState.h"
+#include "host/StringTable.h"
+
+namespace vantorel::host {
+
+namespace {
+
+// An error of a setup command, said about the module.
+Error aboutModule(const std::string& path, Error error) {
+  if (error.kind == ErrorKind::EffectFailed || error.kind == ErrorKind::OutOfMemory) {
+    error.kind = ErrorKind::ModuleUnusable;
+  }
+  if (error.kind != ErrorKind::InvalidArgument) {
+    error.message = error.input + ": " + error.message;
+    error.input = path;
+  }
+  return error;
+}
+
+Result<void> setUp(Module::State& module) {
+  ModuleCall call(module);
+  Result<void> done = call.run(CMD_GLOBAL_SETUP, nullptr, nullptr, nullptr);
+  // Also kept when the command succeeded and misused the host, so that it is set down.
+  module.globalData = call.out.global_data;
+  module.info.version = call.out.version;
+  module.info.outFlags = call.out.out_flags;
+  module.info.outFlags2 = call.out.out_flags2;
+  return done;
+}
+
+Result<void> declareParameters(Module::State& module) {
+  ModuleCall call(module);
+  call.context.declared = &module.info.parameters;
+  return call.run(CMD_PARAMS_SETUP, nullptr, nullptr, nullptr);
+}
+
+Result<void> readAbout(Module::State& module) {
+  ModuleCall call(module);
+  Result<void> done = call.run(CMD_ABOUT, nullptr, nullptr, nullptr);
+  module.info.about = withLineBreaks({call.out.return_msg, strnlen(call.out.return_msg, PF_RETURN_MSG_CAPACITY)});
+  return done;
+}
+
+}  // namespace
+
+Result<std::shared_ptr<const Module>> Module::load(const std::string& path, ModuleOptions options) {
+  Result<SharedLibrary> library = SharedLibrary::open(path);
+  if (!library) {
+    return tl::unexpected(std::move(library).error());
+  }
+  auto state = std::make_unique<State>(std::move(*library));
+  state->entry = reinterpret_cast<PF_EffectMain>(state->library.symbol(PF_EFFECT_ENTRY));
+  if (state->entry == nullptr) {
+    return moduleUnusable(path, "is not an effect module: it does not export " + std::string(PF_EFFECT_ENTRY));
+  }
+  state->resources.translations = std::move(options.translations);
+  state->checking = options.checking;
+  state->onSetdownFailure = std::move(options.onSetdownFailure);
+  state->info.path = path;
+
+  // From here on a failure sets the module down again, where its global setup has left something to set down.
+  const std::shared_ptr<const Module> module(new Module(std::move(state)));
+  State& loaded = *module->state_;
+  Result<void> done =
+      setUp(loaded).and_then([&] { return declareParameters(loaded); }).and_then([&] { return readAbout(loaded); });
+  if (!done) {
+    return tl::unexpected(aboutModule(path, std::move(done).error()));
+  }
+  return module;
+}
+
+Module::Module(std::unique_ptr<State> state) : state_(std::move(state)) {}
+
+Module::~Module() {
+  const auto report = [this](Error error) {
+    if (state_->onSetdownFailure) {
+      state_->onSetdownFailure(aboutModule(state_->info.path, std::move(error)));
+    }
+  };
+  if (state_->globalData != nullptr) {
+    ModuleCall call(*state_);
+    if (Result<void> done = call.run(CMD_GLOBAL_SETDOWN, nullptr, nullptr, nullptr); !done) {
+      report(std::move(done).error());
+    }
+  }
+  if (state_->checking && state_->resources.handles.count() != 0) {
+    report({ErrorKind::Misuse, 0, "global set-down",
+            std::to_string(state_->resources.handles.count()) + " handles are still allocated"});
+  }
+}
+
+const ModuleInfo& Module::info() const {
+  return state_->info;
+}
+
+bool Module::checking() const {
+  return state_->checking;
+}
+
+}  // namespace vantorel::host

@@ -1,0 +1,25 @@
+// What a loaded module consists of.
+#pragma once
+
+#include <functional>
+
+#include "host/Module.h"
+#include "host/ModuleResources.h"
+#include "host/SharedLibrary.h"
+#include "support/PF_HostRecords.h"
+
+namespace vantorel::host {
+
+struct Module::State {
+  SharedLibrary library;  // first: what the members below point into
+  PF_EffectMain entry = nullptr;
+  mutable ModuleResources resources;  // guarded by themselves
+  PF_Handle globalData = nullptr;
+  bool checking = false;
+  std::function<void(const Error&)> onSetdownFailure;
+  ModuleInfo info;
+
+  explicit State(SharedLibrary loaded) : library(std::move(loaded)) {}
+};
+
+}  // namespace vantorel::host

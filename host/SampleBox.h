@@ -1,0 +1,45 @@
+// The box of an area sample on the grid of a world's pixels.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include "support/PF_HostRecords.h"
+
+namespace vantorel::host {
+
+// One axis of the box, in 1/65536 pixel, pixel k covering [k * 65536, (k + 1) * 65536).
+struct SampleSpan {
+  std::int64_t begin;
+  std::int64_t end;
+
+  constexpr SampleSpan(std::int32_t centre, std::int32_t radius)
+      : begin(std::int64_t{centre} - radius + 32768), end(std::int64_t{centre} + radius + 32768) {}
+
+  constexpr std::int64_t length() const { return end - begin; }
+
+  // The first pixel that the span meets, and one past the last, within [0, size).
+  constexpr std::int64_t firstPixel() const { return std::max<std::int64_t>(begin >> 16, 0); }
+  constexpr std::int64_t endPixel(std::int32_t size) const { return std::min<std::int64_t>((end + 65535) >> 16, size); }
+
+  constexpr bool inOnePixel() const { return (begin >> 16) == ((end - 1) >> 16); }
+
+  // The length that the span shares with a pixel: 1 to 65536 for the pixels that it meets.
+  constexpr std::int64_t overlap(std::int64_t pixel) const {
+    return std::min(end, (pixel + 1) << 16) - std::max(begin, pixel << 16);
+  }
+};
+
+// A row of a world, as pixels or as channels.
+template <typename Unit>
+const Unit* sampleRow(const PF_LayerDef& world, std::int64_t y) {
+  return reinterpret_cast<const Unit*>(static_cast<const std::byte*>(world.data) + std::ptrdiff_t{world.row_bytes} * y);
+}
+
+inline bool isSampleable(const PF_SampleParams* params) {
+  return params != nullptr && params->x_radius > 0 && params->y_radius > 0 && params->source != nullptr &&
+         params->source->data != nullptr;
+}
+
+}  // namespace vantorel::host

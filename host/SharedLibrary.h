@@ -1,0 +1,26 @@
+// A shared library that is loaded while this lives.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "host/Error.h"
+
+namespace vantorel::host {
+
+class SharedLibrary {
+ public:
+  // Loads the file at `path`. ModuleUnusable with what is wrong with it.
+  static Result<SharedLibrary> open(const std::string& path);
+
+  // The address of an exported symbol, or null.
+  void* symbol(const char* name) const;
+
+ private:
+  struct Close {
+    void operator()(void* library) const;
+  };
+  std::unique_ptr<void, Close> library_;
+};
+
+}  // namespace vantorel::host

@@ -1,0 +1,36 @@
+// A module's string table as the host keeps it: every row's text, translated where there is a translation.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/Error.h"
+#include "host/Module.h"
+
+namespace vantorel::host {
+
+class StringTable {
+ public:
+  // Copies the table whose header a module registers (see StringTable.cpp for its layout). InvalidArgument for a header
+  // that is not one, for more than 4096 rows, and for a translation that changes a text's printf placeholders.
+  static Result<StringTable> read(const void* header, const Translations& translations);
+
+  // The text of a row, empty for a row that the table has not. Lives as long as the table.
+  const std::string& text(std::int32_t row) const;
+
+ private:
+  std::vector<std::string> texts_;
+};
+
+// The longest beginning of UTF-8 `text` that fits `capacity` bytes without cutting a character.
+std::string_view cutToBytes(std::string_view text, std::size_t capacity);
+
+// `text` without a UTF-8 character at its end of which bytes are missing.
+std::string_view completeCharacters(std::string_view text);
+
+// `text` with every line-break token "#{cr}" turned into a line break.
+std::string withLineBreaks(std::string_view text);
+
+}  // namespace vantorel::host

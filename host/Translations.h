@@ -1,0 +1,16 @@
+// The rule that a translation may not change what a text formats.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/Module.h"
+
+namespace vantorel::host {
+
+// The printf conversions of a text in order, without their flags, widths and precisions: "ld" for "%-5ld", with a '*'
+// for every width or precision that is an argument. "%%" is none.
+std::vector<std::string> printfPlaceholders(std::string_view text);
+
+}  // namespace vantorel::host
