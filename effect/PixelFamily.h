@@ -20,7 +20,7 @@ constexpr std::uint32_t MixFactor(std::int32_t weight) {
 // The mix factor in 256ths of the second pixel: a factor of 255 takes it whole.
 constexpr std::uint64_t MixShare(std::int32_t weight) {
   const std::uint32_t factor = MixFactor(weight);
-  return factor + (factor == 255 ? 1 : 0);
+  return factor + ((factor + 1) >> 8);
 }
 
 // Pixels lie in memory of the host's, whose alignment and type are not known here.
@@ -98,6 +98,9 @@ struct PixelFamilyFloat {
   using Wide = float __attribute__((vector_size(16)));  // four channels, in memory order
   using Word = Wide;
   static constexpr std::ptrdiff_t kPixelBytes = 16;
+
+  static Wide Spread(const Word& word) { return word; }
+  static Word Gather(const Wide& wide) { return wide; }
 
   static Wide Load(const std::byte* address) { return LoadAs<Wide>(address); }
   static void Store(std::byte* address, const Wide& wide) { StoreAs(address, wide); }

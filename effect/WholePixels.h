@@ -9,6 +9,7 @@
 #include "effect/FixedPoint.h"
 #include "effect/Int32Arithmetic.h"
 #include "effect/PixelSampling.h"
+#include "effect/PixelSquare.h"
 
 // Pixels side by side in an output row, and the source positions that they are sampled at, 16.16, which wrap.
 struct PixelRun {
@@ -58,31 +59,51 @@ typename Family::Wide SampleInterior(const std::byte* address, std::ptrdiff_t pa
   }
 }
 
-// A run whose pixels and partners all lie inside the input, with the filters of its steps.
+// The sample at (u, v) where all pixels that it may need lie inside the input; the partners' distances are in bytes.
 template <typename Family, bool kAveragesU, bool kAveragesV>
-void DrawInteriorPixels(const InputView& input, const PixelRun& run, std::int32_t cover, std::byte* out) {
-  const std::ptrdiff_t partner_u = FilterForStep(run.du).partner * Family::kPixelBytes;
-  const std::ptrdiff_t partner_v = FilterForStep(run.dv).partner * Family::RowStep(input.row_bytes);
-  std::int32_t u = run.u;
-  std::int32_t v = run.v;
-  for (std::int64_t i = 0; i < run.count; ++i) {
-    const std::byte* const address =
-        input.data + std::ptrdiff_t{FixedFloor(v)} * input.row_bytes + FixedFloor(u) * Family::kPixelBytes;
+typename Family::Word SampleSquare(const std::byte* address, std::ptrdiff_t partner_u, std::ptrdiff_t partner_v,
+                                   std::int32_t u, std::int32_t v) {
+  if constexpr (!kAveragesU && !kAveragesV) {
+    return MixSquare<Family>(address, address + partner_v, u, v);
+  } else {
     const typename Family::Wide first = SampleInterior<Family, kAveragesU>(address, partner_u, u);
-    typename Family::Wide sample = first;
-    if (!kAveragesV || FixedFraction(v) != 0) {
-      const typename Family::Wide second = SampleInterior<Family, kAveragesU>(address + partner_v, partner_u, u);
-      sample = kAveragesV ? Family::Average(first, second) : Family::Mix(first, second, v);
+    if (kAveragesV && FixedFraction(v) == 0) {
+      return Family::Gather(first);
     }
-    PutPixel<Family>(out, sample, cover);
-    u = WrapAdd(u, run.du);
-    v = WrapAdd(v, run.dv);
-    out += Family::kPixelBytes;
+    const typename Family::Wide second = SampleInterior<Family, kAveragesU>(address + partner_v, partner_u, u);
+    return Family::Gather(kAveragesV ? Family::Average(first, second) : Family::Mix(first, second, v));
   }
 }
 
-// Whether a position, before it wraps, needs no wrapping and has its pixel and partner inside an axis of `size` pixels; a
-// whole position counts alike.
+// A run whose pixels and partners all lie inside the input, with the filters of its steps. The input's fields are kept
+// in locals: the pixels written might, for all the compiler knows, be they.
+template <typename Family, bool kAveragesU, bool kAveragesV>
+void DrawInteriorPixels(const InputView& input, const PixelRun& run, std::int32_t cover, std::byte* out) {
+  const std::byte* const data = input.data;
+  const std::ptrdiff_t row_bytes = input.row_bytes;
+  const std::ptrdiff_t partner_u = FilterForStep(run.du).partner * Family::kPixelBytes;
+  const std::ptrdiff_t partner_v = FilterForStep(run.dv).partner * Family::RowStep(input.row_bytes);
+  const std::int32_t du = run.du;
+  const std::int32_t dv = run.dv;
+  std::int32_t u = run.u;
+  std::int32_t v = run.v;
+  const std::byte* const end = out + run.count * Family::kPixelBytes;
+  for (; out != end; out += Family::kPixelBytes) {
+    const std::byte* const address = data + FixedFloor(v) * row_bytes + FixedFloor(u) * Family::kPixelBytes;
+    const typename Family::Word sample =
+        SampleSquare<Family, kAveragesU, kAveragesV>(address, partner_u, partner_v, u, v);
+    if (cover == 0) {
+      StoreAs(out, sample);
+    } else {
+      PutPixel<Family>(out, Family::Spread(sample), cover);
+    }
+    u = WrapAdd(u, du);
+    v = WrapAdd(v, dv);
+  }
+}
+
+// Whether a position, before it wraps, needs no wrapping and has its pixel and partner inside an axis of `size` pixels;
+// a whole position counts alike.
 constexpr bool IsInterior(std::int64_t position, const AxisFilter& filter, std::int32_t size) {
   return position >= 0 && position <= std::numeric_limits<std::int32_t>::max() &&
          (position >> 16) + filter.partner < size;
