@@ -24,8 +24,13 @@ struct AreaSamplers {
   PF_AreaSampler<PF_PixelFloat> sampleFloat;
 };
 
-// The samplers that modules get.
+// The samplers that modules get: those of the best instruction set that the machine has.
 const AreaSamplers& areaSamplers();
+
+enum class SamplerVariant { Plain, Avx2 };
+
+// The samplers of a variant, or null where this machine or build does not have it. All give the same bits.
+const AreaSamplers* areaSamplersOf(SamplerVariant variant);
 
 // The text above put into code as plainly as may be: what every faster sampler must equal, to the bit.
 const AreaSamplers& referenceAreaSamplers();

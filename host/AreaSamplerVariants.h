@@ -1,0 +1,14 @@
+// The variants that areaSamplers() chooses from; all give the same bits.
+#pragma once
+
+#include "host/AreaSampler.h"
+
+namespace vantorel::host {
+
+// For every machine.
+const AreaSamplers& plainAreaSamplers();
+
+// For machines with AVX2 and FMA; exists on x86-64 only.
+const AreaSamplers& avx2AreaSamplers();
+
+}  // namespace vantorel::host
