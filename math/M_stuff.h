@@ -161,6 +161,7 @@ enum M_RatioKind : unsigned char {
 // - M_RatioApproximateUnreported(): approximation is allowed, and only a failed one is returned as M_ErrRatioOverflow.
 constexpr unsigned char M_RatioAllowApproximation = 2;
 inline unsigned char* M_RatioApproximateUnreported() {
+  // The pointer is a mark, never read through. NOLINTNEXTLINE(performance-no-int-to-ptr)
   return reinterpret_cast<unsigned char*>(~static_cast<std::uintptr_t>(0));
 }
 

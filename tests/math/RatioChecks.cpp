@@ -70,7 +70,8 @@ bool needsWideTerms(RatioOperation operation, const M_Ratio& a, const M_Ratio& b
     const Rational product = x * y;
     return product == 0 || abs(numerator(product)) >= kLimit || denominator(product) >= kTwoTo31;
   }
-  const Integer common = lcm(denominator(x), denominator(y));
+  // The least common multiple.
+  const Integer common = denominator(x) * denominator(Rational(denominator(x), denominator(y)));
   return common >= kTwoTo31 || abs(numerator(x)) * (common / denominator(x)) >= kLimit ||
          abs(numerator(y)) * (common / denominator(y)) >= kLimit;
 }
@@ -239,7 +240,7 @@ std::ostream& operator<<(std::ostream& stream, const M_Ratio& ratio) {
 }
 
 std::string checkRatioCase(const RatioCase& c) {
-  const std::string wrong = check(c);
+  std::string wrong = check(c);
   if (wrong.empty()) {
     return wrong;
   }
