@@ -20,25 +20,12 @@ constexpr std::int64_t kOne = 65536;
 constexpr int kMostColumns = 17;  // what a radius of 8 pixels meets at most
 constexpr std::int32_t kLargestRadius = 8 << 16;
 
-inline __m128i loadBytes4(const void* address) {
-  int word;
-  __builtin_memcpy(&word, address, 4);
-  return _mm_cvtsi32_si128(word);
-}
-
 inline __m128i loadBytes8(const void* address) {
   return _mm_loadl_epi64(static_cast<const __m128i*>(address));
 }
 
 inline __m128i loadBytes16(const void* address) {
   return _mm_loadu_si128(static_cast<const __m128i*>(address));
-}
-
-// Four 64-bit lanes, each below 2^32, as four 32-bit lanes.
-inline __m128i narrowLanes(__m256i wide) {
-  const __m128 low = _mm_castsi128_ps(_mm256_castsi256_si128(wide));
-  const __m128 high = _mm_castsi128_ps(_mm256_extracti128_si256(wide, 1));
-  return _mm_castps_si128(_mm_shuffle_ps(low, high, _MM_SHUFFLE(2, 0, 2, 0)));
 }
 
 // The columns and rows of a box that lie in the world, and the weights of the outermost ones; those between weigh kOne.
@@ -63,13 +50,11 @@ struct Depth8 {
 
   static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().sample8; }
 
-  static __m256i widen(const std::byte* pixel) { return _mm256_cvtepu8_epi64(loadBytes4(pixel)); }
+  // Two pixels side by side, in 32-bit lanes.
+  static __m256i widenPair(const std::byte* pixels) { return _mm256_cvtepu8_epi32(loadBytes8(pixels)); }
 
-  // The four lanes of `sums` divided by 2^32, rounded.
-  static void storeMean(__m256i sums, Pixel* out) {
-    const __m256i rounded = _mm256_srli_epi64(_mm256_add_epi64(sums, _mm256_set1_epi64x(std::int64_t{1} << 31)), 32);
-    storeLanes(narrowLanes(rounded), out);
-  }
+  static constexpr int kSignFlip = 0;
+  static constexpr double kSignedZero = 0.0;
 
   static void storeLanes(__m128i lanes, Pixel* out) {
     const __m128i words = _mm_packus_epi32(lanes, lanes);
@@ -151,11 +136,13 @@ struct Depth16 {
 
   static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().sample16; }
 
-  static __m256i widen(const std::byte* pixel) { return _mm256_cvtepu16_epi64(loadBytes8(pixel)); }
+  static __m256i widenPair(const std::byte* pixels) { return _mm256_cvtepu16_epi32(loadBytes16(pixels)); }
 
-  static void storeMean(__m256i sums, Pixel* out) {
-    const __m256i rounded = _mm256_srli_epi64(_mm256_add_epi64(sums, _mm256_set1_epi64x(std::int64_t{1} << 31)), 32);
-    const __m128i lanes = narrowLanes(rounded);
+  // A channel times 65536 takes all 32 bits: the conversion to double, which is signed, sees it less 2^31.
+  static constexpr int kSignFlip = -2147483648;
+  static constexpr double kSignedZero = 32768.0;
+
+  static void storeLanes(__m128i lanes, Pixel* out) {
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi32(lanes, lanes));
   }
 
@@ -210,22 +197,23 @@ struct Depth16 {
   }
 };
 
-// The mean of the two by two pixels at `pixel`, of which the second column and row weigh `x` and `y`, not both 0.
+// The mean of the two by two pixels at `pixel`, of which the second column and row weigh `x` and `y`. The columns are
+// summed in integers, and those sums, of up to 32 bits, in doubles, which hold every step exactly.
 template <typename Depth>
-inline void sampleSquare(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int64_t x, std::int64_t y,
+inline void sampleSquare(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
                          typename Depth::Pixel* out) {
-  const std::int64_t both = x * y;
-  const std::int64_t right = (x << 16) - both;
-  const std::int64_t below = (y << 16) - both;
-  const std::int64_t here = (std::int64_t{1} << 32) - right - below - both;
-  const std::byte* const next_row = pixel + row_bytes;
-  const __m256i upper =
-      _mm256_add_epi64(_mm256_mul_epu32(Depth::widen(pixel), _mm256_set1_epi64x(here)),
-                       _mm256_mul_epu32(Depth::widen(pixel + Depth::kPixelBytes), _mm256_set1_epi64x(right)));
-  const __m256i lower =
-      _mm256_add_epi64(_mm256_mul_epu32(Depth::widen(next_row), _mm256_set1_epi64x(below)),
-                       _mm256_mul_epu32(Depth::widen(next_row + Depth::kPixelBytes), _mm256_set1_epi64x(both)));
-  Depth::storeMean(_mm256_add_epi64(upper, lower), out);
+  const __m256i upper = Depth::widenPair(pixel);
+  const __m256i lower = Depth::widenPair(pixel + row_bytes);
+  const __m256i rise = _mm256_mullo_epi32(_mm256_sub_epi32(lower, upper), _mm256_set1_epi32(y));
+  const __m256i columns =
+      _mm256_xor_si256(_mm256_add_epi32(_mm256_slli_epi32(upper, 16), rise), _mm256_set1_epi32(Depth::kSignFlip));
+  const __m256d left = _mm256_cvtepi32_pd(_mm256_castsi256_si128(columns));
+  const __m256d right = _mm256_cvtepi32_pd(_mm256_extracti128_si256(columns, 1));
+  const __m256d right_weight = _mm256_mul_pd(_mm256_cvtepi32_pd(_mm_set1_epi32(x)), _mm256_set1_pd(0x1p-32));
+  const __m256d left_weight = _mm256_sub_pd(_mm256_set1_pd(0x1p-16), right_weight);
+  const __m256d rounding = _mm256_set1_pd(Depth::kSignedZero + 0.5);
+  const __m256d mean = _mm256_fmadd_pd(right, right_weight, _mm256_fmadd_pd(left, left_weight, rounding));
+  Depth::storeLanes(_mm256_cvttpd_epi32(mean), out);
 }
 
 // ---- float ---------------------------------------------------------------------------------------------------------
@@ -293,18 +281,20 @@ struct DepthFloat {
 };
 
 template <>
-inline void sampleSquare<DepthFloat>(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int64_t x, std::int64_t y,
+inline void sampleSquare<DepthFloat>(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
                                      PF_PixelFloat* out) {
-  const __m256d right = _mm256_set1_pd(static_cast<double>(x));
-  const __m256d left = _mm256_set1_pd(static_cast<double>(kOne - x));
+  const __m256d one = _mm256_set1_pd(65536.0);
+  const __m256d right = _mm256_cvtepi32_pd(_mm_set1_epi32(x));
+  const __m256d left = _mm256_sub_pd(one, right);
+  const __m256d below = _mm256_cvtepi32_pd(_mm_set1_epi32(y));
   const std::byte* const next_row = pixel + row_bytes;
   const __m256d zero = _mm256_setzero_pd();
   const __m256d upper =
       _mm256_fmadd_pd(right, DepthFloat::widen(pixel + 16), _mm256_fmadd_pd(left, DepthFloat::widen(pixel), zero));
   const __m256d lower = _mm256_fmadd_pd(right, DepthFloat::widen(next_row + 16),
                                         _mm256_fmadd_pd(left, DepthFloat::widen(next_row), zero));
-  const __m256d weighted_upper = _mm256_mul_pd(_mm256_set1_pd(static_cast<double>(kOne - y)), upper);
-  const __m256d weighted_lower = _mm256_mul_pd(_mm256_set1_pd(static_cast<double>(y)), lower);
+  const __m256d weighted_upper = _mm256_mul_pd(_mm256_sub_pd(one, below), upper);
+  const __m256d weighted_lower = _mm256_mul_pd(below, lower);
   const __m256d total = _mm256_add_pd(_mm256_add_pd(zero, weighted_upper), weighted_lower);
   DepthFloat::store(_mm256_mul_pd(total, _mm256_set1_pd(0x1p-32)), out);
 }
@@ -362,8 +352,8 @@ std::int32_t sample(void* /*effect_ref*/, std::int32_t x, std::int32_t y, const 
   }
   const std::byte* const pixel =
       static_cast<const std::byte*>(world.data) + row * world.row_bytes + column * Depth::kPixelBytes;
-  const std::int64_t right = x & 65535;
-  const std::int64_t below = y & 65535;
+  const std::int32_t right = x & 65535;
+  const std::int32_t below = y & 65535;
   if ((right | below) == 0) {
     __builtin_memcpy(out, pixel, Depth::kPixelBytes);
     return ERR_NONE;
