@@ -1,312 +1,26 @@
-// The area samplers with AVX2 and FMA; called only where the machine has them. Everything stands in an unnamed
-// namespace and uses nothing of the standard library's functions, so that no code for AVX2 can stand in for another
-// file's.
+// The area samplers with AVX2 and FMA; called only where the machine has them. Everything stands in unnamed namespaces
+// and uses nothing of the standard library's functions, so that no code for AVX2 can stand in for another file's.
 //
-// Two kinds of box are drawn here: the box of one pixel's size well inside the world, which meets two by two pixels,
-// and boxes of up to 17 by 17 pixels whose loads stay inside a row. All others go to the plain samplers.
+// Well inside the world, boxes of one pixel's size and of up to two pixels' size have code of their own; other boxes of
+// up to 17 by 17 pixels go to the depth's loops where their loads stay inside a row, and all others to the plain
+// samplers.
 #if defined(__AVX2__) && defined(__FMA__)
 
-#include <immintrin.h>
-
-#include "host/AreaSamplerVariants.h"
-#include "host/SampleBox.h"
+#include "host/Avx2SmallBoxes.inl"
 
 namespace vantorel::host {
 
 namespace {
 
-constexpr std::int64_t kTwoHalfPixels = 0x0000800000008000;  // both radii 0.5, read as one number
-constexpr std::int64_t kOne = 65536;
-constexpr int kMostColumns = 17;  // what a radius of 8 pixels meets at most
+constexpr std::int32_t kHalfPixel = 32768;
 constexpr std::int32_t kLargestRadius = 8 << 16;
-
-inline __m128i loadBytes8(const void* address) {
-  return _mm_loadl_epi64(static_cast<const __m128i*>(address));
-}
-
-inline __m128i loadBytes16(const void* address) {
-  return _mm_loadu_si128(static_cast<const __m128i*>(address));
-}
-
-// The columns and rows of a box that lie in the world, and the weights of the outermost ones; those between weigh kOne.
-struct BoxPart {
-  const std::byte* first;  // the upper left pixel
-  std::ptrdiff_t row_bytes;
-  int columns;
-  int rows;
-  std::uint32_t left;
-  std::uint32_t right;
-  std::uint32_t top;
-  std::uint32_t bottom;
-};
-
-// ---- 8 bit ---------------------------------------------------------------------------------------------------------
-
-struct Depth8 {
-  using Pixel = PF_Pixel8;
-  static constexpr std::ptrdiff_t kPixelBytes = 4;
-  static constexpr int kColumnsPerLoad = 4;
-  static constexpr bool kZeroWeightsVanish = true;  // a neighbour of weight 0 takes no part by itself
-
-  static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().sample8; }
-
-  // Two pixels side by side, in 32-bit lanes.
-  static __m256i widenPair(const std::byte* pixels) { return _mm256_cvtepu8_epi32(loadBytes8(pixels)); }
-
-  static constexpr int kSignFlip = 0;
-  static constexpr double kSignedZero = 0.0;
-
-  static void storeLanes(__m128i lanes, Pixel* out) {
-    const __m128i words = _mm_packus_epi32(lanes, lanes);
-    const int bytes = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
-    __builtin_memcpy(out, &bytes, 4);
-  }
-
-  // Adds a row's pixels times a weight below 2^16 to four pixels' sums.
-  static void addWeighted(const std::byte* pixels, __m256i weight, __m256i* low, __m256i* high) {
-    const __m256i channels = _mm256_cvtepu8_epi16(loadBytes16(pixels));
-    const __m256i product_low = _mm256_mullo_epi16(channels, weight);
-    const __m256i product_high = _mm256_mulhi_epu16(channels, weight);
-    *low = _mm256_add_epi32(*low, _mm256_unpacklo_epi16(product_low, product_high));
-    *high = _mm256_add_epi32(*high, _mm256_unpackhi_epi16(product_low, product_high));
-  }
-
-  // The sums of `kMostColumns` pixels' columns, in 32-bit lanes: 16 rows of weight 65536 and channels up to 255.
-  static void sumColumns(const BoxPart& box, __m128i* sums) {
-    for (int column = 0; column < box.columns; column += kColumnsPerLoad) {
-      const std::byte* pixels = box.first + column * kPixelBytes;
-      __m256i whole = _mm256_setzero_si256();
-      const std::byte* row = pixels + box.row_bytes;
-      for (int i = 1; i < box.rows - 1; ++i, row += box.row_bytes) {
-        whole = _mm256_add_epi16(whole, _mm256_cvtepu8_epi16(loadBytes16(row)));
-      }
-      __m256i low = _mm256_unpacklo_epi16(_mm256_setzero_si256(), whole);
-      __m256i high = _mm256_unpackhi_epi16(_mm256_setzero_si256(), whole);
-      addBorderRow(pixels, box.top, &low, &high);
-      if (box.rows > 1) {
-        addBorderRow(row, box.bottom, &low, &high);
-      }
-      _mm_store_si128(sums + column, _mm256_castsi256_si128(low));
-      _mm_store_si128(sums + column + 1, _mm256_castsi256_si128(high));
-      _mm_store_si128(sums + column + 2, _mm256_extracti128_si256(low, 1));
-      _mm_store_si128(sums + column + 3, _mm256_extracti128_si256(high, 1));
-    }
-  }
-
-  static void addBorderRow(const std::byte* pixels, std::uint32_t weight, __m256i* low, __m256i* high) {
-    if (weight == kOne) {
-      const __m256i channels = _mm256_cvtepu8_epi16(loadBytes16(pixels));
-      *low = _mm256_add_epi32(*low, _mm256_unpacklo_epi16(_mm256_setzero_si256(), channels));
-      *high = _mm256_add_epi32(*high, _mm256_unpackhi_epi16(_mm256_setzero_si256(), channels));
-    } else {
-      addWeighted(pixels, _mm256_set1_epi16(static_cast<short>(weight)), low, high);
-    }
-  }
-
-  static void sampleBox(const BoxPart& box, std::int64_t area, Pixel* out) {
-    alignas(32) __m128i sums[kMostColumns + kColumnsPerLoad];
-    sumColumns(box, sums);
-    __m128i whole = _mm_setzero_si128();
-    for (int i = 1; i < box.columns - 1; ++i) {
-      whole = _mm_add_epi32(whole, sums[i]);  // 255 * 2^20 * 16 at most
-    }
-    __m256i total = _mm256_slli_epi64(_mm256_cvtepu32_epi64(whole), 16);
-    total = _mm256_add_epi64(total, _mm256_mul_epu32(_mm256_cvtepu32_epi64(sums[0]), _mm256_set1_epi64x(box.left)));
-    if (box.columns > 1) {
-      total = _mm256_add_epi64(
-          total, _mm256_mul_epu32(_mm256_cvtepu32_epi64(sums[box.columns - 1]), _mm256_set1_epi64x(box.right)));
-    }
-    // The sums are below 2^48, so doubles hold them exactly, and a quotient below a whole number lies at least 2^-40
-    // below it, farther than the division rounds: the truncated quotient is exact.
-    const __m256i rounded = _mm256_add_epi64(total, _mm256_set1_epi64x(area / 2));
-    const __m256d magic = _mm256_set1_pd(0x1p52);
-    const __m256d numbers =
-        _mm256_sub_pd(_mm256_castsi256_pd(_mm256_or_si256(rounded, _mm256_castpd_si256(magic))), magic);
-    storeLanes(_mm256_cvttpd_epi32(_mm256_div_pd(numbers, _mm256_set1_pd(static_cast<double>(area)))), out);
-  }
-};
-
-// ---- 16 bit --------------------------------------------------------------------------------------------------------
-
-struct Depth16 {
-  using Pixel = PF_Pixel16;
-  static constexpr std::ptrdiff_t kPixelBytes = 8;
-  static constexpr int kColumnsPerLoad = 2;
-  static constexpr bool kZeroWeightsVanish = true;
-
-  static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().sample16; }
-
-  static __m256i widenPair(const std::byte* pixels) { return _mm256_cvtepu16_epi32(loadBytes16(pixels)); }
-
-  // A channel times 65536 takes all 32 bits: the conversion to double, which is signed, sees it less 2^31.
-  static constexpr int kSignFlip = -2147483648;
-  static constexpr double kSignedZero = 32768.0;
-
-  static void storeLanes(__m128i lanes, Pixel* out) {
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi32(lanes, lanes));
-  }
-
-  static __m256i weighted(const std::byte* pixels, std::uint32_t weight) {
-    return _mm256_mullo_epi32(_mm256_cvtepu16_epi32(loadBytes16(pixels)), _mm256_set1_epi32(static_cast<int>(weight)));
-  }
-
-  static __m256i lowLanes(__m256i lanes) { return _mm256_cvtepu32_epi64(_mm256_castsi256_si128(lanes)); }
-  static __m256i highLanes(__m256i lanes) { return _mm256_cvtepu32_epi64(_mm256_extracti128_si256(lanes, 1)); }
-
-  // The sums of the columns in 64-bit lanes.
-  static void sumColumns(const BoxPart& box, __m256i* sums) {
-    for (int column = 0; column < box.columns; column += kColumnsPerLoad) {
-      const std::byte* row = box.first + column * kPixelBytes;
-      const __m256i top = weighted(row, box.top);
-      row += box.row_bytes;
-      __m256i whole = _mm256_setzero_si256();
-      for (int i = 1; i < box.rows - 1; ++i, row += box.row_bytes) {
-        whole = _mm256_add_epi32(whole, _mm256_cvtepu16_epi32(loadBytes16(row)));
-      }
-      const __m256i bottom = box.rows > 1 ? weighted(row, box.bottom) : _mm256_setzero_si256();
-      sums[column] =
-          _mm256_add_epi64(_mm256_slli_epi64(lowLanes(whole), 16), _mm256_add_epi64(lowLanes(top), lowLanes(bottom)));
-      sums[column + 1] = _mm256_add_epi64(_mm256_slli_epi64(highLanes(whole), 16),
-                                          _mm256_add_epi64(highLanes(top), highLanes(bottom)));
-    }
-  }
-
-  // 64-bit lanes times a weight of up to 2^16.
-  static __m256i times(__m256i lanes, std::uint32_t weight) {
-    const __m256i factor = _mm256_set1_epi64x(weight);
-    const __m256i high = _mm256_mul_epu32(_mm256_srli_epi64(lanes, 32), factor);
-    return _mm256_add_epi64(_mm256_mul_epu32(lanes, factor), _mm256_slli_epi64(high, 32));
-  }
-
-  static void sampleBox(const BoxPart& box, std::int64_t area, Pixel* out) {
-    __m256i sums[kMostColumns + kColumnsPerLoad];
-    sumColumns(box, sums);
-    __m256i whole = _mm256_setzero_si256();
-    for (int i = 1; i < box.columns - 1; ++i) {
-      whole = _mm256_add_epi64(whole, sums[i]);
-    }
-    __m256i total = _mm256_add_epi64(_mm256_slli_epi64(whole, 16), times(sums[0], box.left));
-    if (box.columns > 1) {
-      total = _mm256_add_epi64(total, times(sums[box.columns - 1], box.right));
-    }
-    alignas(32) std::uint64_t channel[4];
-    _mm256_store_si256(reinterpret_cast<__m256i*>(channel), _mm256_add_epi64(total, _mm256_set1_epi64x(area / 2)));
-    const auto divisor = static_cast<std::uint64_t>(area);
-    *out = {static_cast<std::uint16_t>(channel[0] / divisor), static_cast<std::uint16_t>(channel[1] / divisor),
-            static_cast<std::uint16_t>(channel[2] / divisor), static_cast<std::uint16_t>(channel[3] / divisor)};
-  }
-};
-
-// The mean of the two by two pixels at `pixel`, of which the second column and row weigh `x` and `y`. The columns are
-// summed in integers, and those sums, of up to 32 bits, in doubles, which hold every step exactly.
-template <typename Depth>
-inline void sampleSquare(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
-                         typename Depth::Pixel* out) {
-  const __m256i upper = Depth::widenPair(pixel);
-  const __m256i lower = Depth::widenPair(pixel + row_bytes);
-  const __m256i rise = _mm256_mullo_epi32(_mm256_sub_epi32(lower, upper), _mm256_set1_epi32(y));
-  const __m256i columns =
-      _mm256_xor_si256(_mm256_add_epi32(_mm256_slli_epi32(upper, 16), rise), _mm256_set1_epi32(Depth::kSignFlip));
-  const __m256d left = _mm256_cvtepi32_pd(_mm256_castsi256_si128(columns));
-  const __m256d right = _mm256_cvtepi32_pd(_mm256_extracti128_si256(columns, 1));
-  const __m256d right_weight = _mm256_mul_pd(_mm256_cvtepi32_pd(_mm_set1_epi32(x)), _mm256_set1_pd(0x1p-32));
-  const __m256d left_weight = _mm256_sub_pd(_mm256_set1_pd(0x1p-16), right_weight);
-  const __m256d rounding = _mm256_set1_pd(Depth::kSignedZero + 0.5);
-  const __m256d mean = _mm256_fmadd_pd(right, right_weight, _mm256_fmadd_pd(left, left_weight, rounding));
-  Depth::storeLanes(_mm256_cvttpd_epi32(mean), out);
-}
-
-// ---- float ---------------------------------------------------------------------------------------------------------
-
-// A weight times a float is exact in a double, so a fused multiply-add rounds as the product and the sum would.
-struct DepthFloat {
-  using Pixel = PF_PixelFloat;
-  static constexpr std::ptrdiff_t kPixelBytes = 16;
-  static constexpr int kColumnsPerLoad = 1;
-  static constexpr bool kZeroWeightsVanish = false;  // it may be infinite or NaN
-
-  static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().sampleFloat; }
-
-  static __m256d widen(const std::byte* pixel) {
-    return _mm256_cvtps_pd(_mm_loadu_ps(reinterpret_cast<const float*>(pixel)));
-  }
-
-  static void store(__m256d mean, Pixel* out) { _mm_storeu_ps(&out->alpha, _mm256_cvtpd_ps(mean)); }
-
-  // The sums of `kRows` rows, side by side so that their chains of additions overlap.
-  template <int kRows>
-  static void sumRows(const BoxPart& box, const std::byte* row, __m256d* sums) {
-    const __m256d left = _mm256_set1_pd(box.left);
-    for (int i = 0; i < kRows; ++i) {
-      sums[i] = _mm256_fmadd_pd(left, widen(row + i * box.row_bytes), _mm256_setzero_pd());
-    }
-    const __m256d one = _mm256_set1_pd(65536.0);
-    const std::byte* pixel = row + kPixelBytes;
-    for (int column = 1; column < box.columns - 1; ++column, pixel += kPixelBytes) {
-      for (int i = 0; i < kRows; ++i) {
-        sums[i] = _mm256_fmadd_pd(one, widen(pixel + i * box.row_bytes), sums[i]);
-      }
-    }
-    if (box.columns > 1) {
-      const __m256d right = _mm256_set1_pd(box.right);
-      for (int i = 0; i < kRows; ++i) {
-        sums[i] = _mm256_fmadd_pd(right, widen(pixel + i * box.row_bytes), sums[i]);
-      }
-    }
-  }
-
-  static __m256d rowWeight(const BoxPart& box, int row) {
-    return _mm256_set1_pd(row == 0 ? box.top : row == box.rows - 1 ? box.bottom : 65536);
-  }
-
-  static void sampleBox(const BoxPart& box, std::int64_t area, Pixel* out) {
-    constexpr int kRowsAtOnce = 4;
-    __m256d total = _mm256_setzero_pd();
-    const std::byte* row = box.first;
-    int y = 0;
-    for (; y + kRowsAtOnce <= box.rows; y += kRowsAtOnce, row += kRowsAtOnce * box.row_bytes) {
-      __m256d sums[kRowsAtOnce];
-      sumRows<kRowsAtOnce>(box, row, sums);
-      for (int i = 0; i < kRowsAtOnce; ++i) {
-        total = _mm256_add_pd(total, _mm256_mul_pd(rowWeight(box, y + i), sums[i]));
-      }
-    }
-    for (; y < box.rows; ++y, row += box.row_bytes) {
-      __m256d sum;
-      sumRows<1>(box, row, &sum);
-      total = _mm256_add_pd(total, _mm256_mul_pd(rowWeight(box, y), sum));
-    }
-    store(_mm256_mul_pd(total, _mm256_set1_pd(1.0 / static_cast<double>(area))), out);
-  }
-};
-
-template <>
-inline void sampleSquare<DepthFloat>(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
-                                     PF_PixelFloat* out) {
-  const __m256d one = _mm256_set1_pd(65536.0);
-  const __m256d right = _mm256_cvtepi32_pd(_mm_set1_epi32(x));
-  const __m256d left = _mm256_sub_pd(one, right);
-  const __m256d below = _mm256_cvtepi32_pd(_mm_set1_epi32(y));
-  const std::byte* const next_row = pixel + row_bytes;
-  const __m256d zero = _mm256_setzero_pd();
-  const __m256d upper =
-      _mm256_fmadd_pd(right, DepthFloat::widen(pixel + 16), _mm256_fmadd_pd(left, DepthFloat::widen(pixel), zero));
-  const __m256d lower = _mm256_fmadd_pd(right, DepthFloat::widen(next_row + 16),
-                                        _mm256_fmadd_pd(left, DepthFloat::widen(next_row), zero));
-  const __m256d weighted_upper = _mm256_mul_pd(_mm256_sub_pd(one, below), upper);
-  const __m256d weighted_lower = _mm256_mul_pd(below, lower);
-  const __m256d total = _mm256_add_pd(_mm256_add_pd(zero, weighted_upper), weighted_lower);
-  DepthFloat::store(_mm256_mul_pd(total, _mm256_set1_pd(0x1p-32)), out);
-}
-
-// ---- choice --------------------------------------------------------------------------------------------------------
 
 // Any box: here where it is small and its loads stay inside a row, else plainly.
 template <typename Depth>
-[[gnu::noinline]] std::int32_t sampleAnyBox(std::int32_t x, std::int32_t y, const PF_SampleParams* params,
-                                            typename Depth::Pixel* out) {
+[[gnu::noinline]] std::int32_t sampleAnyBox(void* effect_ref, std::int32_t x, std::int32_t y,
+                                            const PF_SampleParams* params, typename Depth::Pixel* out) {
   if (!isSampleable(params) || params->x_radius > kLargestRadius || params->y_radius > kLargestRadius) {
-    return Depth::plain()(nullptr, x, y, params, out);
+    return Depth::plain()(effect_ref, x, y, params, out);
   }
   const PF_LayerDef& world = *params->source;
   const SampleSpan columns(x, params->x_radius);
@@ -317,9 +31,12 @@ template <typename Depth>
   const std::int64_t row_count = rows.endPixel(world.height) - top;
   const std::int64_t loaded =
       (column_count + Depth::kColumnsPerLoad - 1) / Depth::kColumnsPerLoad * Depth::kColumnsPerLoad;
-  if (column_count <= 0 || row_count <= 0 || left + loaded > world.width ||
-      (columns.inOnePixel() && rows.inOnePixel())) {
-    return Depth::plain()(nullptr, x, y, params, out);
+  if (column_count <= 0 || row_count <= 0) {
+    *out = typename Depth::Pixel{};
+    return ERR_NONE;
+  }
+  if (left + loaded > world.width || (columns.inOnePixel() && rows.inOnePixel())) {
+    return Depth::plain()(effect_ref, x, y, params, out);
   }
   const BoxPart box{sampleRow<std::byte>(world, top) + left * Depth::kPixelBytes,
                     world.row_bytes,
@@ -333,36 +50,67 @@ template <typename Depth>
   return ERR_NONE;
 }
 
+// Whether pixels [first, first + count) lie inside an axis of `size` pixels.
+inline bool liesInside(std::int64_t first, std::int64_t count, std::int32_t size) {
+  return first >= 0 && first + count <= size;
+}
+
+inline const std::byte* pixelAddress(const PF_LayerDef& world, std::int64_t column, std::int64_t row,
+                                     std::int64_t pixel_bytes) {
+  return static_cast<const std::byte*>(world.data) + row * world.row_bytes + column * pixel_bytes;
+}
+
+// A box of one pixel's size.
 template <typename Depth>
-std::int32_t sample(void* /*effect_ref*/, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
-                    typename Depth::Pixel* out) {
-  std::int64_t radii = 0;
-  if (params != nullptr) {
-    __builtin_memcpy(&radii, &params->x_radius, sizeof(radii));
-  }
-  if (radii != kTwoHalfPixels || params->source == nullptr) {
-    return sampleAnyBox<Depth>(x, y, params, out);
-  }
-  const PF_LayerDef& world = *params->source;
+inline bool trySquare(const PF_LayerDef& world, std::int32_t x, std::int32_t y, typename Depth::Pixel* out) {
   const std::int64_t column = x >> 16;
   const std::int64_t row = y >> 16;
-  if (column < 0 || column >= std::int64_t{world.width} - 1 || row < 0 || row >= std::int64_t{world.height} - 1 ||
-      world.data == nullptr) {
-    return sampleAnyBox<Depth>(x, y, params, out);
+  if (!liesInside(column, 2, world.width) || !liesInside(row, 2, world.height)) {
+    return false;
   }
-  const std::byte* const pixel =
-      static_cast<const std::byte*>(world.data) + row * world.row_bytes + column * Depth::kPixelBytes;
+  const std::byte* const pixel = pixelAddress(world, column, row, Depth::kPixelBytes);
   const std::int32_t right = x & 65535;
   const std::int32_t below = y & 65535;
   if ((right | below) == 0) {
     __builtin_memcpy(out, pixel, Depth::kPixelBytes);
-    return ERR_NONE;
+    return true;
   }
   if (!Depth::kZeroWeightsVanish && (right == 0 || below == 0)) {
-    return sampleAnyBox<Depth>(x, y, params, out);
+    return false;
   }
   sampleSquare<Depth>(pixel, world.row_bytes, right, below, out);
-  return ERR_NONE;
+  return true;
+}
+
+// A box of one to two pixels' size, in which no position this far inside overflows.
+template <typename Depth>
+inline bool tryThreeByThree(const PF_LayerDef& world, std::int32_t x, std::int32_t y, const PF_SampleParams& params,
+                            typename Depth::Pixel* out) {
+  const std::int64_t left = std::int64_t{x} - params.x_radius + kHalfPixel;
+  const std::int64_t top = std::int64_t{y} - params.y_radius + kHalfPixel;
+  if (!liesInside(left >> 16, 3, world.width) || !liesInside(top >> 16, 3, world.height)) {
+    return false;
+  }
+  sampleThreeByThree<Depth>(pixelAddress(world, left >> 16, top >> 16, Depth::kPixelBytes), world.row_bytes,
+                            ThreeWeights(static_cast<std::int32_t>(left), params.x_radius),
+                            ThreeWeights(static_cast<std::int32_t>(top), params.y_radius), out);
+  return true;
+}
+
+template <typename Depth>
+std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
+                    typename Depth::Pixel* out) {
+  if (params == nullptr || params->source == nullptr || params->source->data == nullptr) {
+    return sampleAnyBox<Depth>(effect_ref, x, y, params, out);
+  }
+  const PF_LayerDef& world = *params->source;
+  const bool is_square = params->x_radius == kHalfPixel && params->y_radius == kHalfPixel;
+  const bool is_small = params->x_radius >= kHalfPixel && params->x_radius <= 2 * kHalfPixel &&
+                        params->y_radius >= kHalfPixel && params->y_radius <= 2 * kHalfPixel;
+  if (is_square ? trySquare<Depth>(world, x, y, out) : is_small && tryThreeByThree<Depth>(world, x, y, *params, out)) {
+    return ERR_NONE;
+  }
+  return sampleAnyBox<Depth>(effect_ref, x, y, params, out);
 }
 
 }  // namespace

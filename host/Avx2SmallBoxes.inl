@@ -1,0 +1,91 @@
+// The smallest boxes of the AVX2 area samplers, which most pixels need: without a loop and, but for their place,
+// without a branch. Included by AreaSamplerAvx2.cpp alone.
+#include "host/Avx2Depths.inl"
+
+namespace vantorel::host {
+
+namespace {
+
+// The mean of the two by two pixels at `pixel`, of which the second column and row weigh `x` and `y`. The columns are
+// summed in integers, and those sums, of up to 32 bits, in doubles, which hold every step exactly.
+template <typename Depth>
+inline void sampleSquare(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
+                         typename Depth::Pixel* out) {
+  const __m256i upper = Depth::widenPair(pixel);
+  const __m256i lower = Depth::widenPair(pixel + row_bytes);
+  const __m256i rise = _mm256_mullo_epi32(_mm256_sub_epi32(lower, upper), _mm256_set1_epi32(y));
+  const __m256i columns =
+      _mm256_xor_si256(_mm256_add_epi32(_mm256_slli_epi32(upper, 16), rise), _mm256_set1_epi32(Depth::kSignFlip));
+  const __m256d left = _mm256_cvtepi32_pd(_mm256_castsi256_si128(columns));
+  const __m256d right = _mm256_cvtepi32_pd(_mm256_extracti128_si256(columns, 1));
+  const __m256d right_weight = _mm256_mul_pd(_mm256_cvtepi32_pd(_mm_set1_epi32(x)), _mm256_set1_pd(0x1p-32));
+  const __m256d left_weight = _mm256_sub_pd(_mm256_set1_pd(0x1p-16), right_weight);
+  const __m256d rounding = _mm256_set1_pd(Depth::kSignedZero + 0.5);
+  const __m256d mean = _mm256_fmadd_pd(right, right_weight, _mm256_fmadd_pd(left, left_weight, rounding));
+  Depth::storeLanes(_mm256_cvttpd_epi32(mean), out);
+}
+
+template <>
+inline void sampleSquare<DepthFloat>(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
+                                     PF_PixelFloat* out) {
+  const __m256d one = _mm256_set1_pd(65536.0);
+  const __m256d right = _mm256_cvtepi32_pd(_mm_set1_epi32(x));
+  const __m256d left = _mm256_sub_pd(one, right);
+  const __m256d below = _mm256_cvtepi32_pd(_mm_set1_epi32(y));
+  const std::byte* const next_row = pixel + row_bytes;
+  const __m256d zero = _mm256_setzero_pd();
+  const __m256d upper =
+      _mm256_fmadd_pd(right, DepthFloat::widen(pixel + 16), _mm256_fmadd_pd(left, DepthFloat::widen(pixel), zero));
+  const __m256d lower = _mm256_fmadd_pd(right, DepthFloat::widen(next_row + 16),
+                                        _mm256_fmadd_pd(left, DepthFloat::widen(next_row), zero));
+  const __m256d weighted_upper = _mm256_mul_pd(_mm256_sub_pd(one, below), upper);
+  const __m256d weighted_lower = _mm256_mul_pd(below, lower);
+  const __m256d total = _mm256_add_pd(_mm256_add_pd(zero, weighted_upper), weighted_lower);
+  DepthFloat::store(_mm256_mul_pd(total, _mm256_set1_pd(0x1p-32)), out);
+}
+
+// One axis of a box of one to two pixels: it meets three pixels at most, whose weights are these; an absent pixel's is
+// 0.
+struct ThreeWeights {
+  __m256d length;
+  __m256d weight[3];
+
+  ThreeWeights(std::int32_t begin, std::int32_t radius) {
+    const __m256d one = _mm256_set1_pd(65536.0);
+    length = _mm256_cvtepi32_pd(_mm_set1_epi32(2 * radius));
+    weight[0] = _mm256_sub_pd(one, _mm256_cvtepi32_pd(_mm_set1_epi32(begin & 65535)));
+    const __m256d rest = _mm256_sub_pd(length, weight[0]);
+    weight[1] = _mm256_min_pd(rest, one);
+    weight[2] = _mm256_sub_pd(rest, weight[1]);
+  }
+};
+
+// `values` where the weight is not 0, else 0: an absent float may be infinite or NaN.
+template <typename Depth>
+inline __m256d present(__m256d values, __m256d weight) {
+  if constexpr (Depth::kZeroWeightsVanish) {
+    return values;
+  } else {
+    return _mm256_and_pd(values, _mm256_cmp_pd(weight, _mm256_setzero_pd(), _CMP_NEQ_OQ));
+  }
+}
+
+// The mean of a box that lies within the three by three pixels at `pixel`.
+template <typename Depth>
+inline void sampleThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes, const ThreeWeights& x,
+                               const ThreeWeights& y, typename Depth::Pixel* out) {
+  __m256d total = _mm256_setzero_pd();
+  for (int row = 0; row < 3; ++row, pixel += row_bytes) {
+    __m256d sum = _mm256_fmadd_pd(x.weight[0], Depth::widen(pixel), _mm256_setzero_pd());
+    for (int column = 1; column < 3; ++column) {
+      const __m256d channels = present<Depth>(Depth::widen(pixel + column * Depth::kPixelBytes), x.weight[column]);
+      sum = _mm256_fmadd_pd(x.weight[column], channels, sum);
+    }
+    total = _mm256_add_pd(total, _mm256_mul_pd(y.weight[row], present<Depth>(sum, y.weight[row])));
+  }
+  Depth::storeQuotient(total, _mm256_mul_pd(x.length, y.length), out);
+}
+
+}  // namespace
+
+}  // namespace vantorel::host
