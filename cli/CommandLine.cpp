@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,7 +33,23 @@ struct TestCardArguments {
   std::string size;
 };
 
+class HelpFormatter : public CLI::Formatter {
+ public:
+  std::string make_usage(const CLI::App* app, std::string) const override {
+    const std::string& command = app->get_name();
+    std::string arguments = "COMMAND ...";
+    if (command == "render")
+      arguments = "render LAYER -o OUT [OPTIONS]";
+    else if (command == "info")
+      arguments = "info [OPTIONS]";
+    else if (command == "testcard")
+      arguments = "testcard -o OUT [OPTIONS]";
+    return "Usage: vantorel " + arguments + "\n";
+  }
+};
+
 void prepare(CLI::App& app) {
+  app.formatter(std::make_shared<HelpFormatter>());
   // What is left over is examined here, to say what may have been meant.
   app.allow_extras();
   // Of an option given twice the later holds, so that scripts can append to a usual set.

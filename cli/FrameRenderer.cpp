@@ -51,7 +51,7 @@ std::optional<FrameReport> FrameRenderer::render(std::int32_t frame) {
     const host::Size full = shot_.options.fit && !shot_.format->holdsDataWindow
                                 ? host::Size{canvas.width(), canvas.height()}
                                 : shot_.frameSize;
-    if (isFrameDone(shot_, frame, host::downsampled(full, shot_.options.downsample), stop_))
+    if (isFrameDone(shot_, frame, host::downsampled(full, shot_.options.downsample)))
       return std::nullopt;
   }
 

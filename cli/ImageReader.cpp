@@ -7,10 +7,12 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "cli/ChannelPlan.h"
 #include "cli/CommandError.h"
+#include "cli/FileEnd.h"
 #include "cli/Orientation.h"
 #include "cli/PixelConversion.h"
 
@@ -224,6 +226,8 @@ PictureInfo probePicture(const std::string& path) {
 
 Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop) {
   Source source = openSource(path);
+  if (breaksOff(path))
+    throw fileFailure(path, "breaks off before its end; give the whole file");
   Picture picture;
   picture.info = infoOf(source);
   picture.colourSpace = source.spec.get_string_attribute("oiio:ColorSpace");
@@ -243,21 +247,23 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
   return picture;
 }
 
-bool isWholePicture(const std::string& path, host::Size size, const std::stop_token& stop) try {
+bool isWholePicture(const std::string& path, host::Size size) try {
+  if (breaksOff(path))
+    return false;
   Source source = openSource(path);
   if (infoOf(source).size != size)
     return false;
+  const std::string_view format = source.input->format_name();
+  if (format == "png" || format == "jpeg")
+    return true;
+  // The last rows of the other formats can be read without those before.
   const int stretch = std::min(rowsPerRead(source.spec), source.spec.height);
-  host::Image rows = valueOrThrow(host::Image::create({source.spec.width, stretch}, host::Depth::Bits8));
-  forStretches(source.spec, stop, [&](int yBegin, int yEnd) {
-    host::ImageView part = rows.view();
-    part.size.height = yEnd - yBegin;
-    readRows(source, yBegin, part);
-  });
+  const int begin = (source.spec.height - 1) / stretch * stretch;
+  host::Image rows =
+      valueOrThrow(host::Image::create({source.spec.width, source.spec.height - begin}, host::Depth::Bits8));
+  readRows(source, begin, rows.view());
   return true;
-} catch (const CommandError& error) {
-  if (error.code() == ExitCode::Interrupted)
-    throw;
+} catch (const CommandError&) {
   return false;
 }
 

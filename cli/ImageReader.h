@@ -17,7 +17,7 @@ PictureInfo probePicture(const std::string& path);
 // are no picture; interrupted when the token is triggered.
 Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop);
 
-// Whether the file is a picture of that size, readable to its last row.
-bool isWholePicture(const std::string& path, host::Size size, const std::stop_token& stop);
+// Whether the file is a picture of that size that was not cut short.
+bool isWholePicture(const std::string& path, host::Size size);
 
 }  // namespace vantorel::cli

@@ -19,6 +19,7 @@ namespace vantorel::cli {
 namespace {
 
 constexpr std::array<const char*, kCornerCount> kCornerOptions{"--ul", "--ur", "--ll", "--lr"};
+constexpr const char* kPlacing = "Placing (positions in layer pixels, 640,12.5, or percent of the layer, 10%,90%)";
 constexpr int kMostThreads = 1024;
 constexpr int kLeastResolution = 1024;
 
@@ -55,23 +56,21 @@ void addPlacing(CLI::App& render, RenderArguments& arguments) {
   for (std::size_t c = 0; c < kCornerCount; ++c)
     render
         .add_option(kCornerOptions[c], arguments.corners[c],
-                    fmt::format("Where the layer's {} corner goes, in layer pixels (640,12.5) or percent of the layer "
-                                "(10%,90%) (default: where it is)",
-                                kPlaces[c]))
+                    fmt::format("Where the layer's {} corner goes (default: where it is)", kPlaces[c]))
         ->type_name("X,Y")
-        ->group("Placing");
+        ->group(kPlacing);
   render
       .add_option("--corners", arguments.cornersFile, "The corners, or keyframes for them, from a .json or .csv file")
       ->type_name("FILE")
-      ->group("Placing");
+      ->group(kPlacing);
   render.add_option("--size", arguments.size, "The output picture's size (default: the plate's, else the layer's)")
       ->type_name("WxH")
-      ->group("Placing");
+      ->group(kPlacing);
   render.add_flag("--fit", arguments.fit, "Instead, the size that the effect asks for: the corners' bounding box")
-      ->group("Placing");
+      ->group(kPlacing);
   render.add_option("--over", arguments.plate, "Composite the result over this picture or sequence")
       ->type_name("PLATE")
-      ->group("Placing");
+      ->group(kPlacing);
 }
 
 void addQuality(CLI::App& render, RenderArguments& arguments) {

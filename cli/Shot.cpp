@@ -195,11 +195,11 @@ Shot planShot(const RenderOptions& options) {
   return shot;
 }
 
-bool isFrameDone(const Shot& shot, std::int32_t frame, host::Size outputSize, const std::stop_token& stop) {
+bool isFrameDone(const Shot& shot, std::int32_t frame, host::Size outputSize) {
   const std::string output = shot.output.path(frame);
   return isNewer(output, shot.layer->path(frame)) && (!shot.plate || isNewer(output, shot.plate->path(frame))) &&
          (shot.options.cornersFile.empty() || isNewer(output, shot.options.cornersFile)) &&
-         isWholePicture(output, outputSize, stop);
+         isWholePicture(output, outputSize);
 }
 
 }  // namespace vantorel::cli

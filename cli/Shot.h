@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <stop_token>
 
 #include "cli/CornersFile.h"
 #include "cli/FramePattern.h"
@@ -33,6 +32,6 @@ struct Shot {
 Shot planShot(const RenderOptions& options);
 
 // Whether that frame's output is there, whole and newer than everything it is made from.
-bool isFrameDone(const Shot& shot, std::int32_t frame, host::Size outputSize, const std::stop_token& stop);
+bool isFrameDone(const Shot& shot, std::int32_t frame, host::Size outputSize);
 
 }  // namespace vantorel::cli
