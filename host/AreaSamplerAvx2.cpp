@@ -82,35 +82,61 @@ inline bool trySquare(const PF_LayerDef& world, std::int32_t x, std::int32_t y, 
   return true;
 }
 
-// A box of one to two pixels' size, in which no position this far inside overflows.
+// A box of one to two pixels' size that lies within three by three pixels of the world; no position so far inside
+// overflows.
 template <typename Depth>
-inline bool tryThreeByThree(const PF_LayerDef& world, std::int32_t x, std::int32_t y, const PF_SampleParams& params,
-                            typename Depth::Pixel* out) {
-  const std::int64_t left = std::int64_t{x} - params.x_radius + kHalfPixel;
-  const std::int64_t top = std::int64_t{y} - params.y_radius + kHalfPixel;
+[[gnu::noinline]] std::int32_t sampleSmallBox(void* effect_ref, std::int32_t x, std::int32_t y,
+                                              const PF_SampleParams* params, typename Depth::Pixel* out) {
+  const PF_LayerDef& world = *params->source;
+  const std::int64_t left = std::int64_t{x} - params->x_radius + kHalfPixel;
+  const std::int64_t top = std::int64_t{y} - params->y_radius + kHalfPixel;
   if (!liesInside(left >> 16, 3, world.width) || !liesInside(top >> 16, 3, world.height)) {
-    return false;
+    return sampleAnyBox<Depth>(effect_ref, x, y, params, out);
   }
   sampleThreeByThree<Depth>(pixelAddress(world, left >> 16, top >> 16, Depth::kPixelBytes), world.row_bytes,
-                            ThreeWeights(static_cast<std::int32_t>(left), params.x_radius),
-                            ThreeWeights(static_cast<std::int32_t>(top), params.y_radius), out);
-  return true;
+                            ThreeWeights(static_cast<std::int32_t>(left), params->x_radius),
+                            ThreeWeights(static_cast<std::int32_t>(top), params->y_radius), out);
+  return ERR_NONE;
 }
 
+// Whether a span of that centre and radius meets none of an axis's `size` pixels.
+inline bool liesOutside(std::int32_t centre, std::int32_t radius, std::int32_t size) {
+  const std::int64_t middle = std::int64_t{centre} + kHalfPixel;
+  return middle + radius <= 0 || middle - radius >= std::int64_t{size} << 16;
+}
+
+// Any box. Those wholly outside, which the surroundings of a quadrilateral are full of, come first.
+template <typename Depth>
+[[gnu::noinline]] std::int32_t sampleBox(void* effect_ref, std::int32_t x, std::int32_t y,
+                                         const PF_SampleParams* params, typename Depth::Pixel* out) {
+  const auto is_small = [](std::int32_t radius) { return radius >= kHalfPixel && radius <= 2 * kHalfPixel; };
+  if (!isSampleable(params)) {
+    return sampleAnyBox<Depth>(effect_ref, x, y, params, out);
+  }
+  if (liesOutside(x, params->x_radius, params->source->width) ||
+      liesOutside(y, params->y_radius, params->source->height)) {
+    *out = typename Depth::Pixel{};
+    return ERR_NONE;
+  }
+  return is_small(params->x_radius) && is_small(params->y_radius) ? sampleSmallBox<Depth>(effect_ref, x, y, params, out)
+                                                                  : sampleAnyBox<Depth>(effect_ref, x, y, params, out);
+}
+
+// Whether both radii are half a pixel. Said in a way that compilers do not turn into one load of both: the module has
+// just written them one by one, and a load across two stores in flight waits for both to be done.
+inline bool hasPixelSize(const PF_SampleParams& params) {
+  return ((params.x_radius ^ kHalfPixel) | (params.y_radius ^ kHalfPixel)) == 0;
+}
+
+// The box of one pixel's size comes first and calls nothing, so that it needs no stack.
 template <typename Depth>
 std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
                     typename Depth::Pixel* out) {
-  if (params == nullptr || params->source == nullptr || params->source->data == nullptr) {
-    return sampleAnyBox<Depth>(effect_ref, x, y, params, out);
-  }
-  const PF_LayerDef& world = *params->source;
-  const bool is_square = params->x_radius == kHalfPixel && params->y_radius == kHalfPixel;
-  const bool is_small = params->x_radius >= kHalfPixel && params->x_radius <= 2 * kHalfPixel &&
-                        params->y_radius >= kHalfPixel && params->y_radius <= 2 * kHalfPixel;
-  if (is_square ? trySquare<Depth>(world, x, y, out) : is_small && tryThreeByThree<Depth>(world, x, y, *params, out)) {
+  if (params != nullptr && hasPixelSize(*params) && params->source != nullptr && params->source->data != nullptr &&
+      trySquare<Depth>(*params->source, x, y, out)) {
     return ERR_NONE;
   }
-  return sampleAnyBox<Depth>(effect_ref, x, y, params, out);
+  return sampleBox<Depth>(effect_ref, x, y, params, out);
 }
 
 }  // namespace
