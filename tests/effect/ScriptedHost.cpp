@@ -1,11 +1,9 @@
 #include "tests/effect/ScriptedHost.h"
 
-#include <fmt/format.h>
-
+#include <algorithm>
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
-#include <ostream>
 
 #include "effect/EffectMain.h"
 
@@ -16,18 +14,30 @@ constexpr std::size_t kGuardBytes = 64;
 
 ScriptedHost* current = nullptr;
 
-std::string text(const M_LRect* r) {
-  return r == nullptr ? "null" : fmt::format("[{} {} {} {}]", r->left, r->top, r->right, r->bottom);
+std::string text(long long number) {
+  return std::to_string(number);
 }
-
+std::string text(const char* string) {
+  return string;
+}
 std::string text(const void* p) {
-  return current->name(p);
+  const auto found = current->names.find(p);
+  return p == nullptr ? "null" : found != current->names.end() ? found->second : "?";
+}
+std::string text(const M_LPoint* p) {
+  return "(" + text(p->x) + " " + text(p->y) + ")";
+}
+std::string text(const M_LRect* r) {
+  return r == nullptr ? "null"
+                      : "[" + text(r->left) + " " + text(r->top) + " " + text(r->right) + " " + text(r->bottom) + "]";
 }
 
-// The address of a function as one of data, to give it a name.
-template <typename Function>
-const void* address(Function* function) {
-  return reinterpret_cast<const void*>(function);
+// Logs a call as its name and arguments, and returns the code that it is to give.
+template <typename... Arguments>
+std::int32_t call(const std::string& callback, const Arguments&... arguments) {
+  std::string line = callback;
+  ((line += " " + text(arguments)), ...);
+  return current->called(callback, line);
 }
 
 template <typename Pixel>
@@ -39,87 +49,39 @@ std::int32_t sample(void* effectRef, std::int32_t x, std::int32_t y, const PF_Sa
   return 99;
 }
 
-// All nine iterators. `originText` is empty for the kind without an origin.
-template <typename Pixel, typename Function>
-std::int32_t iterate(const char* callback, PF_InData* in, std::int32_t base, std::int32_t total, PF_LayerDef* source,
-                     const M_LRect* area, const std::string& originText, void* refcon, Function* function,
-                     PF_LayerDef* destination) {
-  const std::int32_t code = current->called(
-      callback, fmt::format("{} {} {} {} {}{} {} {}", in == &current->in ? "in" : "?", base, total, text(source),
-                            text(area), originText, text(address(function)), text(destination)));
+template <typename Pixel, typename Function, typename... Origin>
+std::int32_t iterateArea(const std::string& kind, PF_InData* in, std::int32_t base, std::int32_t total,
+                         PF_LayerDef* source, const M_LRect* area, void* refcon, Function* function,
+                         PF_LayerDef* destination, Origin... origin) {
+  const std::string depth = sizeof(Pixel) == 4 ? "8" : sizeof(Pixel) == 8 ? "16" : "float";
+  const std::int32_t code = call(kind + depth, static_cast<void*>(in), base, total, source, area, origin...,
+                                 reinterpret_cast<const void*>(function), destination);
   current->onIterate(refcon);
   for (int y = area->top; code == 0 && y < area->bottom; ++y) {
     for (int x = area->left; x < area->right; ++x) {
-      auto* row = static_cast<std::uint8_t*>(destination->data) + std::ptrdiff_t{y} * destination->row_bytes;
+      auto* const row = static_cast<char*>(destination->data) + std::ptrdiff_t{y} * destination->row_bytes;
       function(refcon, x, y, nullptr, reinterpret_cast<Pixel*>(row) + x);
     }
   }
   return code;
 }
 
-template <typename Pixel, int kIndex, typename Function>
-std::int32_t iteratePlain(PF_InData* in, std::int32_t base, std::int32_t total, PF_LayerDef* source,
-                          const M_LRect* area, void* refcon, Function function, PF_LayerDef* destination) {
-  constexpr const char* kNames[] = {"iterate_8", "iterate_16", "iterate_float"};
-  return iterate<Pixel>(kNames[kIndex], in, base, total, source, area, "", refcon, function, destination);
+template <typename Pixel, typename Function>
+std::int32_t iterate(PF_InData* in, std::int32_t base, std::int32_t total, PF_LayerDef* source, const M_LRect* area,
+                     void* refcon, Function function, PF_LayerDef* destination) {
+  return iterateArea<Pixel>("iterate_", in, base, total, source, area, refcon, function, destination);
 }
 
-template <typename Pixel, int kIndex, typename Function>
+template <typename Pixel, bool kClips, typename Function>
 std::int32_t iterateOrigin(PF_InData* in, std::int32_t base, std::int32_t total, PF_LayerDef* source,
                            const M_LRect* area, const M_LPoint* origin, void* refcon, Function function,
                            PF_LayerDef* destination) {
-  constexpr const char* kNames[] = {"iterate_origin_8",           "iterate_origin_16",
-                                    "iterate_origin_float",       "iterate_origin_non_clip_8",
-                                    "iterate_origin_non_clip_16", "iterate_origin_non_clip_float"};
-  return iterate<Pixel>(kNames[kIndex], in, base, total, source, area, fmt::format(" ({} {})", origin->x, origin->y),
-                        refcon, function, destination);
-}
-
-std::int32_t checkoutParam(void* ref, std::int32_t index, std::int32_t time, std::int32_t step, std::uint32_t scale,
-                           PF_ParamDef* out) {
-  const std::int32_t code =
-      current->called("checkout_param", fmt::format("{} {} {} {} {}", text(ref), index, time, step, scale));
-  if (code == 0) {
-    *out = current->values[index];
-    out->param_id = index;
-  }
-  return code;
-}
-
-std::int32_t checkinParam(void* ref, PF_ParamDef* param) {
-  return current->called("checkin_param", fmt::format("{} {}", text(ref), param->param_id));
-}
-
-std::int32_t addParam(void* ref, std::int32_t position, PF_ParamDef* definition) {
-  current->added.push_back(*definition);
-  return current->called("add_param", fmt::format("{} {} {}", text(ref), position, definition->name));
-}
-
-std::int32_t registerTable(void** reference, std::int32_t format) {
-  current->registeredTable = *reference;
-  *reference = current->replacementTable;
-  return current->called("register_string_table", std::to_string(format));
-}
-
-const char* lookupString(void* reference, std::int32_t row, std::int32_t zero, void* null) {
-  current->called("lookup_string", fmt::format("{} {} {} {}", text(reference), row, zero, text(null)));
-  return current->strings.at(static_cast<std::size_t>(row)).c_str();
-}
-
-std::int32_t unregisterTable(void** reference) {
-  return current->called("unregister_string_table", text(*reference));
-}
-
-PF_Handle newHandle(std::uint64_t size) {
-  return current->called("new_handle", std::to_string(size)) != 0 ? nullptr : &current->handle;
-}
-
-void disposeHandle(PF_Handle block) {
-  current->called("dispose_handle", text(block));
+  return iterateArea<Pixel>(kClips ? "iterate_origin_" : "iterate_origin_non_clip_", in, base, total, source, area,
+                            refcon, function, destination, origin);
 }
 
 int formatMessage(char* destination, const char* format, ...) {
-  current->called("sprintf", format);
+  call("sprintf", format);
   va_list arguments;
   va_start(arguments, format);
   const int length = std::vsnprintf(destination, PF_RETURN_MSG_CAPACITY, format, arguments);
@@ -127,81 +89,109 @@ int formatMessage(char* destination, const char* format, ...) {
   return length;
 }
 
-char* copyString(char* destination, const char* source) {
-  current->called("strcpy", source);
-  return std::strcpy(destination, source);
-}
-
-std::int32_t fill(void* ref, const void* color, const M_LRect* rect, PF_LayerDef* world) {
-  if (world == &current->output.world) {
-    current->output.fillBytes(0);
-  }
-  return current->called("fill", fmt::format("{} {} {} {}", text(ref), text(color), text(rect), text(world)));
-}
-
 std::int32_t acquireSuite(const char* name, std::int32_t version, const void** suite) {
-  const std::string key = fmt::format("{}/{}", name, version);
-  const std::int32_t code = current->called("acquire", key);
-  const auto found = current->suites.find(key);
-  if (found == current->suites.end()) {
-    return code != 0 ? code : 1;
+  const auto found = current->suites.find(std::string(name) + "/" + text(version));
+  if (found != current->suites.end()) {
+    *suite = found->second;
   }
-  *suite = found->second;
-  return code;
+  return std::max(call("acquire", name, version), found == current->suites.end() ? 1 : 0);
 }
 
-std::int32_t releaseSuite(const char* name, std::int32_t version) {
-  return current->called("release", fmt::format("{}/{}", name, version));
+const PF_WorldSuite2 kWorldSuite = {
+    [](void* ref, std::int32_t width, std::int32_t height, bool clear, std::int32_t format, PF_LayerDef* world) {
+      const std::string tag(reinterpret_cast<const char*>(&format), 4);
+      return call("new_world", ref, width, height, clear, tag.c_str(), world);
+    },
+    nullptr,
+    [](PF_LayerDef* world, std::int32_t* format) {
+      *format = current->pixelFormat;
+      return call("get_pixel_format", world);
+    }};
+const PF_iterateFloatSuite1 kIterateFloatSuite = {iterate<PF_PixelFloat>, iterateOrigin<PF_PixelFloat, true>,
+                                                  iterateOrigin<PF_PixelFloat, false>};
+const PF_SamplingFloatSuite1 kSamplingFloatSuite = {nullptr, nullptr, sample<PF_PixelFloat>};
+
+void fillCallbacks(PF_InData* in) {
+  in->checkout_param = [](void* ref, std::int32_t index, std::int32_t time, std::int32_t step, std::uint32_t scale,
+                          PF_ParamDef* out) {
+    const std::int32_t code = call("checkout_param", ref, index, time, step, scale);
+    if (code == 0) {
+      *out = current->values[index];
+      out->param_id = index;
+    }
+    return code;
+  };
+  in->checkin_param = [](void* ref, PF_ParamDef* param) { return call("checkin_param", ref, param->param_id); };
+  in->add_param = [](void* ref, std::int32_t position, PF_ParamDef* d) {
+    const PF_PointValue& p = d->value.point;
+    return call("add_param", ref, position, d->param_id, d->ui_flags, d->ui_width, d->ui_height, d->param_type, d->name,
+                d->param_flags, p.point_x, p.point_y, p.point_default_x, p.point_default_y);
+  };
+  in->register_string_table = [](void** reference, std::int32_t format) {
+    current->registeredTable = *reference;
+    *reference = current->replacementTable;
+    return call("register_string_table", format);
+  };
+  in->lookup_string = [](void* reference, std::int32_t row, std::int32_t zero, void* null) {
+    call("lookup_string", reference, row, zero, null);
+    return current->strings.at(static_cast<std::size_t>(row)).c_str();
+  };
+  in->unregister_string_table = [](void** reference) { return call("unregister_string_table", *reference); };
 }
 
-std::int32_t newWorld(void* ref, std::int32_t width, std::int32_t height, bool clear, std::int32_t format,
-                      PF_LayerDef* world) {
-  return current->called("new_world", fmt::format("{} {} {} {} {:.4} {}", text(ref), width, height, clear,
-                                                  std::string(reinterpret_cast<const char*>(&format), 4), text(world)));
-}
-
-std::int32_t getPixelFormat(PF_LayerDef* world, std::int32_t* format) {
-  *format = current->pixelFormat;
-  return current->called("get_pixel_format", text(world));
+void fillUtilities(PF_UtilityCallbacks* u) {
+  u->sample_area_8 = sample<PF_Pixel8>;
+  u->sample_area_16 = sample<PF_Pixel16>;
+  u->fill = [](void* ref, const void* color, const M_LRect* rect, PF_LayerDef* world) {
+    current->output.fillBytes(0);
+    return call("fill", ref, color, rect, world);
+  };
+  u->iterate_8 = iterate<PF_Pixel8>;
+  u->iterate_16 = iterate<PF_Pixel16>;
+  u->iterate_origin_8 = iterateOrigin<PF_Pixel8, true>;
+  u->iterate_origin_16 = iterateOrigin<PF_Pixel16, true>;
+  u->iterate_origin_non_clip_src_8 = iterateOrigin<PF_Pixel8, false>;
+  u->iterate_origin_non_clip_src_16 = iterateOrigin<PF_Pixel16, false>;
+  u->new_handle = [](std::uint64_t size) {
+    return call("new_handle", static_cast<int>(size)) != 0 ? nullptr : &current->handle;
+  };
+  u->dispose_handle = [](PF_Handle handle) { call("dispose_handle", handle); };
+  u->ceil = [](double value) { return std::ceil(value); };
+  u->sqrt = [](double value) { return current->squareRootFactor * std::sqrt(value); };
+  u->sprintf = formatMessage;
+  u->strcpy = [](char* destination, const char* source) {
+    call("strcpy", source);
+    return std::strcpy(destination, source);
+  };
 }
 
 std::int32_t checkoutLayer(void* ref, std::int32_t index, std::int32_t id, const PF_RenderRequest* request,
                            std::int32_t time, std::int32_t step, std::uint32_t scale, PF_CheckoutResult* out) {
   *out = current->checkout;
   const bool sameTail = std::memcmp(request->reserved, current->request.reserved, sizeof request->reserved) == 0;
-  return current->called("checkout_layer", fmt::format("{} {} {} {}{} {} {} {}", text(ref), index, id,
-                                                       text(&request->rect), sameTail ? "" : "?", time, step, scale));
+  return call(sameTail ? "checkout_layer" : "?", ref, index, id, &request->rect, time, step, scale);
 }
 
 std::int32_t checkoutPixels(void* ref, std::int32_t id, PF_LayerDef** world) {
   *world = current->handsBackWorlds ? &current->input.world : nullptr;
-  return current->called("checkout_layer_pixels", fmt::format("{} {}", text(ref), id));
+  return call("checkout_layer_pixels", ref, id);
 }
 
 std::int32_t checkoutOutput(void* ref, PF_LayerDef** world) {
   *world = current->handsBackWorlds ? &current->output.world : nullptr;
-  return current->called("checkout_output", text(ref));
+  return call("checkout_output", ref);
 }
-
-const PF_WorldSuite2 kWorldSuite = {newWorld, nullptr, getPixelFormat};
-const PF_iterateFloatSuite1 kIterateFloatSuite = {iteratePlain<PF_PixelFloat, 2>, iterateOrigin<PF_PixelFloat, 2>,
-                                                  iterateOrigin<PF_PixelFloat, 5>};
-const PF_SamplingFloatSuite1 kSamplingFloatSuite = {nullptr, nullptr, sample<PF_PixelFloat>};
 
 }  // namespace
 
 const Log kReadCorners = {"checkout_param fx 1 5 2 24", "checkin_param fx 1",         "checkout_param fx 2 5 2 24",
                           "checkin_param fx 2",         "checkout_param fx 4 5 2 24", "checkin_param fx 4",
                           "checkout_param fx 3 5 2 24", "checkin_param fx 3"};
-const Log kAskDepth = {"acquire PF World Suite/2", "get_pixel_format output", "release PF World Suite/2"};
+const Log kAskDepth = {"acquire PF World Suite 2", "get_pixel_format output", "release PF World Suite 2"};
 
 Log operator+(Log a, const Log& b) {
   a.insert(a.end(), b.begin(), b.end());
   return a;
-}
-
-std::ostream& operator<<(std::ostream& stream, const Sample& s) {
-  return stream << fmt::format("({}, {}) radii {} {} area {}", s.x, s.y, s.x_radius, s.y_radius, s.area);
 }
 
 GuardedWorld::GuardedWorld(int depth, int width, int height) : pixelRowBytes_(std::size_t(width) * (depth / 2)) {
@@ -213,20 +203,16 @@ GuardedWorld::GuardedWorld(int depth, int width, int height) : pixelRowBytes_(st
 
 void GuardedWorld::fillBytes(std::uint8_t value) {
   for (int y = 0; y < world.height; ++y) {
-    std::memset(&at<std::uint8_t>(0, y), value, pixelRowBytes_);
+    std::memset(&at<char>(0, y), value, pixelRowBytes_);
   }
 }
 
 bool GuardedWorld::guardsIntact() const {
-  std::size_t guards = bytes_.size() - pixelRowBytes_ * std::size_t(world.height);
-  for (std::size_t i = 0; i < bytes_.size(); ++i) {
-    const std::size_t fromTop = i - kGuardBytes;
-    const std::size_t rowBytes = std::size_t(world.row_bytes);
-    const bool isPixel =
-        i >= kGuardBytes && fromTop / rowBytes < std::size_t(world.height) && fromTop % rowBytes < pixelRowBytes_;
-    guards -= !isPixel && bytes_[i] == kGuard ? 1 : 0;
+  std::vector<std::uint8_t> rest = bytes_;
+  for (int y = 0; y < world.height; ++y) {
+    std::memset(rest.data() + kGuardBytes + std::ptrdiff_t{y} * world.row_bytes, kGuard, pixelRowBytes_);
   }
-  return guards == 0;
+  return std::ranges::all_of(rest, [](std::uint8_t byte) { return byte == kGuard; });
 }
 
 ScriptedHost::ScriptedHost(int depth, M_LPoint layerSize, M_LPoint outputSize)
@@ -238,16 +224,17 @@ ScriptedHost::ScriptedHost(int depth, M_LPoint layerSize, M_LPoint outputSize)
                   : depth == 16 ? PF_PIXEL_FORMAT_ARGB16
                                 : PF_PIXEL_FORMAT_ARGB32F),
       block{block},
-      handle(block),
-      squareRoot([](double value) { return std::sqrt(value); }) {
+      handle(block) {
   current = this;
-  in.checkout_param = checkoutParam;
-  in.checkin_param = checkinParam;
-  in.add_param = addParam;
-  in.register_string_table = registerTable;
-  in.lookup_string = lookupString;
-  in.unregister_string_table = unregisterTable;
+  fillCallbacks(&in);
+  fillUtilities(&utilities);
+  provider = {acquireSuite, [](const char* name, std::int32_t version) { return call("release", name, version); }};
+  suites = {{"PF World Suite/2", &kWorldSuite},
+            {"PF iterateFloat Suite/1", &kIterateFloatSuite},
+            {"PF SamplingFloat Suite/1", &kSamplingFloatSuite}};
   in.utility_callbacks = &utilities;
+  in.suite_provider = &provider;
+  in.global_data = &handle;
   in.effect_ref = &names;
   in.quality = PF_QUALITY_HIGH;
   in.current_time = 5;
@@ -257,29 +244,6 @@ ScriptedHost::ScriptedHost(int depth, M_LPoint layerSize, M_LPoint outputSize)
   in.height = layerSize.y;
   in.downsample_x_num = in.downsample_y_num = 1;
   in.downsample_x_den = in.downsample_y_den = 1;
-  in.global_data = &handle;
-  in.suite_provider = &provider;
-
-  utilities.sample_area_8 = sample<PF_Pixel8>;
-  utilities.sample_area_16 = sample<PF_Pixel16>;
-  utilities.fill = fill;
-  utilities.iterate_8 = iteratePlain<PF_Pixel8, 0>;
-  utilities.iterate_16 = iteratePlain<PF_Pixel16, 1>;
-  utilities.iterate_origin_8 = iterateOrigin<PF_Pixel8, 0>;
-  utilities.iterate_origin_16 = iterateOrigin<PF_Pixel16, 1>;
-  utilities.iterate_origin_non_clip_src_8 = iterateOrigin<PF_Pixel8, 3>;
-  utilities.iterate_origin_non_clip_src_16 = iterateOrigin<PF_Pixel16, 4>;
-  utilities.new_handle = newHandle;
-  utilities.dispose_handle = disposeHandle;
-  utilities.ceil = [](double value) { return std::ceil(value); };
-  utilities.sqrt = [](double value) { return current->squareRoot(value); };
-  utilities.sprintf = formatMessage;
-  utilities.strcpy = copyString;
-  provider = {acquireSuite, releaseSuite};
-  suites = {{"PF World Suite/2", &kWorldSuite},
-            {"PF iterateFloat Suite/1", &kIterateFloatSuite},
-            {"PF SamplingFloat Suite/1", &kSamplingFloatSuite}};
-
   values[0].value.layer_world = input.world;
   const double w = layerSize.x;
   const double h = layerSize.y;
@@ -287,8 +251,13 @@ ScriptedHost::ScriptedHost(int depth, M_LPoint layerSize, M_LPoint outputSize)
   request.rect = {0, 0, layerSize.x, layerSize.y};
   std::memset(request.reserved, 0x5C, sizeof request.reserved);
   checkout = {request.rect, request.rect};
-  names = {{in.effect_ref, "fx"},   {block, "table"},          {&handle, "handle"},
-           {&input.world, "input"}, {&output.world, "output"}, {&values[0].value.layer_world, "input"}};
+  names = {{in.effect_ref, "fx"},
+           {&in, "in"},
+           {block, "table"},
+           {&handle, "handle"},
+           {&input.world, "input"},
+           {&output.world, "output"},
+           {&values[0].value.layer_world, "input"}};
   std::memset(static_cast<void*>(&out), 0xA5, sizeof out);
   outAtFirst_.assign(reinterpret_cast<const char*>(&out), sizeof out);
 }
@@ -307,21 +276,20 @@ void ScriptedHost::setCorners(const double (&corners)[4][2]) {
 }
 
 void ScriptedHost::fail(const std::string& callback, int nth, std::int32_t code, bool ever) {
-  failures_[callback] = [=](int call) { return call == nth || (ever && call > nth) ? code : 0; };
+  failures_[callback] = [=](int number) { return number == nth || (ever && number > nth) ? code : 0; };
 }
 
 std::int32_t ScriptedHost::run(std::int32_t command) {
-  PF_ParamDef* params[5];
-  for (int i = 0; i < 5; ++i) {
-    params[i] = &values[i];
-  }
+  PF_ParamDef* params[5] = {&values[0], &values[1], &values[2], &values[3], &values[4]};
   PF_PreRenderCallbacks preCallbacks = {checkoutLayer};
   PF_PreRenderExtra pre = {&request, &result, &preCallbacks};
   PF_SmartRenderCallbacks smartCallbacks = {checkoutPixels, nullptr, checkoutOutput};
   PF_SmartRenderExtra smart = {&smartCallbacks};
-  void* extra = command == CMD_PRE_RENDER ? static_cast<void*>(&pre) : command == CMD_SMART_RENDER ? &smart : nullptr;
-  return entry(command, &in, &out, extra == nullptr ? params : nullptr, extra == nullptr ? &output.world : nullptr,
-               extra);
+  if (command == CMD_PRE_RENDER || command == CMD_SMART_RENDER) {
+    void* const extra = command == CMD_PRE_RENDER ? static_cast<void*>(&pre) : &smart;
+    return entry(command, &in, &out, nullptr, nullptr, extra);
+  }
+  return entry(command, &in, &out, params, &output.world, nullptr);
 }
 
 bool ScriptedHost::outIs(const std::function<void(PF_OutData&)>& change) const {
@@ -331,14 +299,9 @@ bool ScriptedHost::outIs(const std::function<void(PF_OutData&)>& change) const {
   return std::memcmp(&expected, &out, sizeof out) == 0;
 }
 
-std::string ScriptedHost::name(const void* pointer) const {
-  const auto found = names.find(pointer);
-  return pointer == nullptr ? "null" : found != names.end() ? found->second : "?";
-}
-
-std::int32_t ScriptedHost::called(const std::string& callback, const std::string& arguments) {
-  log.push_back(callback + " " + arguments);
-  const int call = ++calls_[callback];
+std::int32_t ScriptedHost::called(const std::string& callback, const std::string& line) {
+  log.push_back(line);
+  const int number = ++calls_[callback];
   const auto failure = failures_.find(callback);
-  return failure == failures_.end() ? 0 : failure->second(call);
+  return failure == failures_.end() ? 0 : failure->second(number);
 }

@@ -1,13 +1,12 @@
-// A host written by hand: its records hold what a test puts there, every callback is logged as a line of text and can
-// be made to fail at its n-th call, and its images lie between guard bytes. Callbacks carry no host pointer, so that
-// one scripted host is alive at a time.
+// A host written by hand: its records hold what a test puts there, every callback leaves a line in a log and can be
+// made to fail at its n-th call, and its images lie between guard bytes. Callbacks carry no host pointer, so one
+// scripted host is alive at a time.
 #pragma once
 
 #include <cstdint>
 #include <cstring>
 #include <functional>
 #include <map>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -15,7 +14,7 @@
 
 using Log = std::vector<std::string>;
 
-// Log lines are compared as whole logs: a test states every call in its order.
+// Logs are compared whole: a test states every call in its order.
 Log operator+(Log a, const Log& b);
 
 // One call of an area sampler.
@@ -24,14 +23,12 @@ struct Sample {
   PF_LayerDef* source;
   bool operator==(const Sample&) const = default;
 };
-std::ostream& operator<<(std::ostream& stream, const Sample& sample);
 
 // A pixel whose channels are the four bytes of `code`, so that every pixel of a picture can be told from every other.
 template <typename Pixel>
 Pixel pixelFromCode(std::uint32_t code) {
   using Channel = decltype(Pixel::alpha);
-  return {static_cast<Channel>(code & 255), static_cast<Channel>(code >> 8 & 255),
-          static_cast<Channel>(code >> 16 & 255), static_cast<Channel>(code >> 24)};
+  return {Channel(code & 255), Channel(code >> 8 & 255), Channel(code >> 16 & 255), Channel(code >> 24)};
 }
 
 template <typename Pixel>
@@ -47,8 +44,7 @@ class GuardedWorld {
 
   template <typename Pixel>
   Pixel& at(int x, int y) {
-    return *reinterpret_cast<Pixel*>(static_cast<std::uint8_t*>(world.data) + std::ptrdiff_t{y} * world.row_bytes +
-                                     x * static_cast<int>(sizeof(Pixel)));
+    return reinterpret_cast<Pixel*>(static_cast<char*>(world.data) + std::ptrdiff_t{y} * world.row_bytes)[x];
   }
   void fillBytes(std::uint8_t value);
   bool guardsIntact() const;
@@ -72,7 +68,7 @@ class ScriptedHost {
   // The nth call (from 1 on) of the named callback gives `code`; with `ever`, so do all after it.
   void fail(const std::string& callback, int nth, std::int32_t code, bool ever = false);
 
-  // Sends one command with the records below, as the protocol gives them to it.
+  // Sends one command with the records below.
   std::int32_t run(std::int32_t command);
 
   // True when PF_OutData is, byte for byte, what it was at the construction, with `change` applied.
@@ -88,27 +84,25 @@ class ScriptedHost {
   PF_RenderRequest request{};
   PF_CheckoutResult checkout{};
   PF_PreRenderResult result{};
-  bool handsBackWorlds = true;
 
   std::vector<std::string> strings{"About %ld.%ld", "Upper Left",  "Upper Right",
                                    "Lower Left",    "Lower Right", "Limit %d"};
   void* registeredTable = nullptr;            // what the effect registered
   void* replacementTable;                     // what the host leaves in the reference instead
-  std::vector<PF_ParamDef> added;             // the definitions of add_param
-  std::map<std::string, const void*> suites;  // the host's suites, by "name/version"
+  std::map<std::string, const void*> suites;  // by "name/version"
   std::int32_t pixelFormat;
   void* block[1];  // the effect's global block: a string-table reference
   void* handle;
-  std::function<double(double)> squareRoot;
+  double squareRootFactor = 1.0;
   std::function<void(void*)> onIterate = [](void*) {};  // sees the iteration's reference value
   bool samplerWrites = true;
+  bool handsBackWorlds = true;
 
-  Log log;                                   // every call except ceil's and sqrt's
+  Log log;                                   // every call except those of ceil and sqrt
   std::map<const void*, std::string> names;  // how pointers are called in the log
   std::vector<Sample> samples;               // a sample's pixel has the code of its number, from 1 on
 
-  std::string name(const void* pointer) const;
-  std::int32_t called(const std::string& callback, const std::string& arguments);
+  std::int32_t called(const std::string& callback, const std::string& line);
 
  private:
   std::map<std::string, int> calls_;
@@ -116,6 +110,6 @@ class ScriptedHost {
   std::string outAtFirst_;
 };
 
-// The lines that reading the four corner parameters and asking for the output's depth leave in the log.
+// What reading the four corner parameters, and asking for the output's depth, leave in the log.
 extern const Log kReadCorners;
 extern const Log kAskDepth;

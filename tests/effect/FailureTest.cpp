@@ -1,0 +1,118 @@
+// Every call that a frame makes of its host fails in turn: what the effect returns, what it still calls, and that it
+// changes nothing else.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tests/effect/ScriptedHost.h"
+
+namespace {
+
+struct Frame {
+  std::int32_t command;
+  int depth;
+  bool crossed;         // corners that the bilinear renderer draws
+  Log before;           // what precedes the reads that the choice of the path makes
+  Log after;            // what follows them
+  Log afterFailedRead;  // what follows when they fail, which chooses the bilinear path
+};
+
+std::string callbackOf(const std::string& line) {
+  return line.substr(0, line.find(' '));
+}
+
+// What a failing call leads to.
+struct Outcome {
+  Log log;
+  std::int32_t code;
+  bool message;
+};
+
+Outcome outcomeOf(const Frame& frame, const Log& all, std::size_t failing) {
+  const std::string callback = callbackOf(all[failing]);
+  const Log upTo(all.begin(), all.begin() + static_cast<int>(failing) + 1);
+  if (failing >= frame.before.size() && failing < frame.before.size() + kReadCorners.size()) {
+    return {upTo + frame.afterFailedRead, 0, false};
+  }
+  if (callback == "release" || callback == "fill") {  // ignored
+    return {all, 0, false};
+  }
+  if (all[failing] == "acquire PF iterateFloat Suite 1") {
+    return {upTo + Log{"release PF SamplingFloat Suite 1"}, ERR_SUITE_UNAVAILABLE, false};
+  }
+  if (callback == "acquire") {
+    return {upTo + Log{"sprintf Not able to acquire KZFX Suite."}, ERR_FAILED, true};
+  }
+  if (callback == "get_pixel_format") {
+    return {upTo + Log{"release PF World Suite 2"}, 62, false};
+  }
+  return {callback == "iterate_float" ? all : upTo, 62, false};
+}
+
+void expectOutcomes(const Frame& frame) {
+  const Log all = frame.before + kReadCorners + frame.after;
+  for (std::size_t n = 0; n <= all.size(); ++n) {  // the last round: nothing fails
+    ScriptedHost host(frame.depth);
+    std::memset(static_cast<void*>(&host.result), 0x33, sizeof host.result);
+    const PF_PreRenderResult before = host.result;
+    if (frame.crossed) {
+      host.setCorners({{6, 1}, {1, 1}, {6, 5}, {1, 5}});
+    }
+    const std::string callback = n < all.size() ? callbackOf(all[n]) : "";
+    if (callback == "acquire") {
+      std::string suite = all[n].substr(8);
+      suite[suite.rfind(' ')] = '/';
+      host.suites.erase(suite);
+    } else {
+      const auto earlier = std::count_if(all.begin(), all.begin() + static_cast<int>(std::min(n, all.size())),
+                                         [&](const std::string& line) { return callbackOf(line) == callback; });
+      host.fail(callback, static_cast<int>(earlier) + 1, 62);
+    }
+    const Outcome expected = n < all.size() ? outcomeOf(frame, all, n) : Outcome{all, 0, false};
+    EXPECT_EQ(host.run(frame.command), expected.code) << frame.command << " " << frame.depth << " " << callback << n;
+    for (std::string& line : host.log) {  // the iterations' own arguments are another test's matter
+      line = line.substr(0, line.find("iterate_") == 0 ? line.find(' ') : std::string::npos);
+    }
+    EXPECT_EQ(host.log, expected.log) << frame.command << " " << frame.depth << " " << callback;
+    if (frame.command != CMD_FRAME_SETUP || expected.code != 0) {
+      EXPECT_TRUE(host.outIs([&](PF_OutData& out) {
+        if (expected.message) {
+          out.out_flags |= OUT_FLAG_SHOW_MESSAGE;
+          std::strcpy(out.return_msg, "Not able to acquire KZFX Suite.");
+        }
+      }));
+    }
+    const bool answered = std::memcmp(&before, &host.result, sizeof before) != 0;
+    EXPECT_EQ(answered, frame.command == CMD_PRE_RENDER && expected.code == 0);
+    EXPECT_TRUE(host.output.guardsIntact());
+  }
+}
+
+}  // namespace
+
+TEST(Failures, EndEveryFrameInOrder) {
+  expectOutcomes({CMD_FRAME_SETUP, 8, false, {}, kReadCorners, {}});
+  expectOutcomes({CMD_PRE_RENDER, 8, false, {"checkout_layer fx 0 0 [0 0 8 6] 5 2 24"}, kReadCorners, kReadCorners});
+  const Log worlds = {"checkout_layer_pixels fx 0", "checkout_output fx"};
+  const Log bilinear = kReadCorners + Log{"fill fx null null output"} + kAskDepth;
+  const Log iterations[] = {{"iterate_8"},
+                            {"iterate_16"},
+                            {"acquire PF SamplingFloat Suite 1", "acquire PF iterateFloat Suite 1", "iterate_float",
+                             "release PF iterateFloat Suite 1", "release PF SamplingFloat Suite 1"}};
+  for (int i = 0; i < 3; ++i) {
+    expectOutcomes({CMD_SMART_RENDER, 8 << i, false, worlds, kReadCorners + kAskDepth + iterations[i], bilinear});
+    expectOutcomes({CMD_SMART_RENDER, 8 << i, true, worlds, bilinear, bilinear});
+    expectOutcomes({CMD_RENDER, 8 << i, false, {}, kReadCorners + kAskDepth + iterations[i], bilinear});
+  }
+}
+
+TEST(Failures, ReadsThatKeepFailingLeaveTheOutputAlone) {
+  ScriptedHost host;
+  host.output.fillBytes(0x11);
+  host.fail("checkout_param", 1, 63, true);
+  EXPECT_EQ(host.run(CMD_RENDER), 63);
+  EXPECT_EQ(host.output.at<PF_Pixel8>(0, 0).alpha, 0x11);
+  host.handsBackWorlds = false;
+  EXPECT_EQ(host.run(CMD_SMART_RENDER), 0);
+  EXPECT_EQ(host.log.back(), "checkout_output fx");
+}
