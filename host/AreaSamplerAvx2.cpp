@@ -83,7 +83,7 @@ inline bool trySquare(const PF_LayerDef& world, std::int32_t x, std::int32_t y, 
 }
 
 // A box of one to two pixels' size that lies within three by three pixels of the world; no position so far inside
-// overflows.
+// overflows. The address is computed apart from the weights, which the pixels' arrival does not wait for.
 template <typename Depth>
 [[gnu::noinline]] std::int32_t sampleSmallBox(void* effect_ref, std::int32_t x, std::int32_t y,
                                               const PF_SampleParams* params, typename Depth::Pixel* out) {
@@ -93,9 +93,10 @@ template <typename Depth>
   if (!liesInside(left >> 16, 3, world.width) || !liesInside(top >> 16, 3, world.height)) {
     return sampleAnyBox<Depth>(effect_ref, x, y, params, out);
   }
-  sampleThreeByThree<Depth>(pixelAddress(world, left >> 16, top >> 16, Depth::kPixelBytes), world.row_bytes,
-                            ThreeWeights(static_cast<std::int32_t>(left), params->x_radius),
-                            ThreeWeights(static_cast<std::int32_t>(top), params->y_radius), out);
+  const std::byte* const pixel = pixelAddress(world, left >> 16, top >> 16, Depth::kPixelBytes);
+  const ThreeWeights weights =
+      threeWeights(static_cast<std::int32_t>(left), static_cast<std::int32_t>(top), params->x_radius, params->y_radius);
+  sampleThreeByThree<Depth>(pixel, world.row_bytes, weights, out);
   return ERR_NONE;
 }
 

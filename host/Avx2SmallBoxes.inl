@@ -44,21 +44,33 @@ inline void sampleSquare<DepthFloat>(const std::byte* pixel, std::ptrdiff_t row_
   DepthFloat::store(_mm256_mul_pd(total, _mm256_set1_pd(0x1p-32)), out);
 }
 
-// One axis of a box of one to two pixels: it meets three pixels at most, whose weights are these; an absent pixel's is
-// 0.
+// A box of one to two pixels' size meets three columns and three rows at most, whose weights these are, x in the low
+// lane and y in the high one; an absent pixel's is 0.
 struct ThreeWeights {
-  __m256d length;
-  __m256d weight[3];
-
-  ThreeWeights(std::int32_t begin, std::int32_t radius) {
-    const __m256d one = _mm256_set1_pd(65536.0);
-    length = _mm256_cvtepi32_pd(_mm_set1_epi32(2 * radius));
-    weight[0] = _mm256_sub_pd(one, _mm256_cvtepi32_pd(_mm_set1_epi32(begin & 65535)));
-    const __m256d rest = _mm256_sub_pd(length, weight[0]);
-    weight[1] = _mm256_min_pd(rest, one);
-    weight[2] = _mm256_sub_pd(rest, weight[1]);
-  }
+  __m128d length;
+  __m128d weight[3];
 };
+
+// From where the box begins in both axes and its radii.
+inline ThreeWeights threeWeights(std::int32_t left, std::int32_t top, std::int32_t x_radius, std::int32_t y_radius) {
+  const __m128i begin = _mm_unpacklo_epi32(_mm_cvtsi32_si128(left), _mm_cvtsi32_si128(top));
+  const __m128i radius = _mm_unpacklo_epi32(_mm_cvtsi32_si128(x_radius), _mm_cvtsi32_si128(y_radius));
+  const __m128d one = _mm_set1_pd(65536.0);
+  ThreeWeights weights;
+  weights.length = _mm_cvtepi32_pd(_mm_add_epi32(radius, radius));
+  weights.weight[0] = _mm_sub_pd(one, _mm_cvtepi32_pd(_mm_and_si128(begin, _mm_set1_epi32(65535))));
+  const __m128d rest = _mm_sub_pd(weights.length, weights.weight[0]);
+  weights.weight[1] = _mm_min_pd(rest, one);
+  weights.weight[2] = _mm_sub_pd(rest, weights.weight[1]);
+  return weights;
+}
+
+inline __m256d broadcastX(__m128d both) {
+  return _mm256_broadcastsd_pd(both);
+}
+inline __m256d broadcastY(__m128d both) {
+  return _mm256_permute4x64_pd(_mm256_castpd128_pd256(both), 0x55);
+}
 
 // `values` where the weight is not 0, else 0: an absent float may be infinite or NaN.
 template <typename Depth>
@@ -72,18 +84,20 @@ inline __m256d present(__m256d values, __m256d weight) {
 
 // The mean of a box that lies within the three by three pixels at `pixel`.
 template <typename Depth>
-inline void sampleThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes, const ThreeWeights& x,
-                               const ThreeWeights& y, typename Depth::Pixel* out) {
+inline void sampleThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes, const ThreeWeights& weights,
+                               typename Depth::Pixel* out) {
+  const __m256d x[3] = {broadcastX(weights.weight[0]), broadcastX(weights.weight[1]), broadcastX(weights.weight[2])};
   __m256d total = _mm256_setzero_pd();
   for (int row = 0; row < 3; ++row, pixel += row_bytes) {
-    __m256d sum = _mm256_fmadd_pd(x.weight[0], Depth::widen(pixel), _mm256_setzero_pd());
+    __m256d sum = _mm256_fmadd_pd(x[0], Depth::widen(pixel), _mm256_setzero_pd());
     for (int column = 1; column < 3; ++column) {
-      const __m256d channels = present<Depth>(Depth::widen(pixel + column * Depth::kPixelBytes), x.weight[column]);
-      sum = _mm256_fmadd_pd(x.weight[column], channels, sum);
+      const __m256d channels = present<Depth>(Depth::widen(pixel + column * Depth::kPixelBytes), x[column]);
+      sum = _mm256_fmadd_pd(x[column], channels, sum);
     }
-    total = _mm256_add_pd(total, _mm256_mul_pd(y.weight[row], present<Depth>(sum, y.weight[row])));
+    const __m256d y = broadcastY(weights.weight[row]);
+    total = _mm256_add_pd(total, _mm256_mul_pd(y, present<Depth>(sum, y)));
   }
-  Depth::storeQuotient(total, _mm256_mul_pd(x.length, y.length), out);
+  Depth::storeQuotient(total, _mm256_mul_pd(broadcastX(weights.length), broadcastY(weights.length)), out);
 }
 
 }  // namespace
