@@ -13,7 +13,8 @@ namespace vantorel::host {
 
 namespace {
 
-constexpr int kFarthestCanvas = 1 << 30;
+constexpr int kFarthestCanvas = 1 << 29;
+constexpr int kLargestLayer = 32768;  // what 16.16 positions reach
 
 template <typename Byte>
 Result<void> checkView(const BasicImageView<Byte>& view, const char* name) {
@@ -50,7 +51,7 @@ std::uintptr_t endOf(const BasicImageView<Byte>& view) {
 Result<void> checkCanvas(const Rect& canvas, const ImageView& output, int downsample) {
   const auto within = [](int value) { return value >= -kFarthestCanvas && value <= kFarthestCanvas; };
   if (!within(canvas.left) || !within(canvas.top) || !within(canvas.right) || !within(canvas.bottom)) {
-    return invalidArgument("canvas", "its edges must lie within 1073741824 pixels of the layer's corner");
+    return invalidArgument("canvas", "its edges must lie within 536870912 pixels of the layer's corner");
   }
   if (canvas.empty()) {
     return invalidArgument("canvas", "its size " + sizeText({canvas.width(), canvas.height()}) + " has no pixels");
@@ -59,6 +60,16 @@ Result<void> checkCanvas(const Rect& canvas, const ImageView& output, int downsa
   if (output.size != wanted) {
     return invalidArgument("output", "its size is " + sizeText(output.size) + ", but the canvas at 1/" +
                                          std::to_string(downsample) + " has " + sizeText(wanted));
+  }
+  return {};
+}
+
+Result<void> checkLayerReach(Size layer_size, int downsample) {
+  const Size size = downsampled(layer_size, downsample);
+  if (size.width > kLargestLayer || size.height > kLargestLayer) {
+    return invalidArgument("layer", "its size " + sizeText(size) +
+                                        " is more than the 32768 pixels a side that the effect can reach; render it "
+                                        "at a lower resolution");
   }
   return {};
 }
@@ -92,6 +103,7 @@ Result<void> checkFrameRequest(const Module& module, const ConstImageView& layer
   return checkParameters(module)
       .and_then([&] { return checkOptions(options); })
       .and_then([&] { return checkView(layer, "layer"); })
+      .and_then([&] { return checkLayerReach(layer.size, options.downsample); })
       .and_then([&] { return checkView(output, "output"); })
       .and_then([&] { return checkCanvas(canvas, output, options.downsample); })
       .and_then([&]() -> Result<void> {

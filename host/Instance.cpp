@@ -28,6 +28,7 @@ namespace {
 
 constexpr double kLowestCoordinate = -32768.0;
 constexpr double kCoordinateEnd = 32768.0;
+constexpr int kLargestBilinearLayer = 32767;
 
 std::string keyText(const AnimatedPoint::Key& key) {
   std::string text = "(";
@@ -104,8 +105,13 @@ void beginFrame(FrameState& frame, const AnimatedCorners& corners, const FrameOp
   frame.rows.begin(checking ? 1 : options.threads, options.progress, options.stop);
 }
 
-// The bilinear renderer holds corners on the canvas in 16.16 too.
+// The bilinear renderer holds the layer's edges, and the corners on the canvas, in 16.16 too.
 Result<void> checkBilinearReach(const FrameState& frame, const Rect& canvas) {
+  if (frame.input.width > kLargestBilinearLayer || frame.input.height > kLargestBilinearLayer) {
+    return invalidArgument("layer",
+                           "its size is more than the 32767 pixels a side that can be drawn onto a "
+                           "quadrilateral that is not convex; render it at a lower resolution");
+  }
   const auto fits = [](std::int32_t fixed, int origin) {
     const std::int64_t shifted = fixed - std::int64_t{origin} * 65536;
     return shifted >= std::numeric_limits<std::int32_t>::min() && shifted <= std::numeric_limits<std::int32_t>::max();

@@ -41,8 +41,10 @@ struct FrameOptions {
 };
 
 struct FrameResult {
-  RenderPath path = RenderPath::Perspective;
-  Rect drawn;  // the part of the canvas that the effect was asked to draw, canvas pixels at this resolution
+  RenderPath path = RenderPath::Perspective;  // Perspective too when there was nothing to draw
+  // The rows that the effect was asked to draw, whole, in canvas pixels at this resolution: those of its own answer and
+  // a few beside them; empty when it wants to draw nothing of this canvas.
+  Rect drawn;
   double renderSeconds = 0;  // inside the module's commands
 };
 

@@ -27,8 +27,9 @@ Error aboutModule(const std::string& path, Error error) {
 Result<void> setUp(Module::State& module) {
   ModuleCall call(module);
   Result<void> done = call.run(CMD_GLOBAL_SETUP, nullptr, nullptr, nullptr);
-  // Also kept when the command succeeded and misused the host, so that it is set down.
-  module.globalData = call.out.global_data;
+  // A command that succeeded and misused the host has left something to set down too.
+  module.isSetUp = done || done.error().code == ERR_NONE;
+  module.globalData = module.isSetUp ? call.out.global_data : nullptr;
   module.info.version = call.out.version;
   module.info.outFlags = call.out.out_flags;
   module.info.outFlags2 = call.out.out_flags2;
@@ -84,7 +85,7 @@ Module::~Module() {
       state_->onSetdownFailure(aboutModule(state_->info.path, std::move(error)));
     }
   };
-  if (state_->globalData != nullptr) {
+  if (state_->isSetUp) {
     ModuleCall call(*state_);
     if (Result<void> done = call.run(CMD_GLOBAL_SETDOWN, nullptr, nullptr, nullptr); !done) {
       report(std::move(done).error());

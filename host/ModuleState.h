@@ -15,6 +15,7 @@ struct Module::State {
   PF_EffectMain entry = nullptr;
   mutable ModuleResources resources;  // guarded by themselves
   PF_Handle globalData = nullptr;
+  bool isSetUp = false;  // global setup succeeded, so global set-down is owed
   bool checking = false;
   std::function<void(const Error&)> onSetdownFailure;
   ModuleInfo info;

@@ -1,21 +1,24 @@
 #include "host/RowScheduler.h"
 
-#include <tbb/blocked_range.h>
-#include <tbb/parallel_for.h>
-
 #include <algorithm>
+#include <utility>
 
 #include "host/CallContext.h"
 
 namespace vantorel::host {
 
-// One run over the rows.
+// One run over the rows. Its atomics order by themselves what the calling thread writes before the rows, and what the
+// rows write before the calling thread goes on.
 struct RowScheduler::Pass {
+  RowScheduler& scheduler;
+  CallContext& context;
   const RowTask& task;
   double share_begin;
   double share_per_row;
+  std::atomic<bool> begun{false};
   std::atomic<std::int32_t> code{0};
   std::atomic<std::int32_t> rows_done{0};
+  std::atomic<std::int32_t> parts_done{0};
 
   // The first failure stays.
   void fail(std::int32_t failure) {
@@ -25,14 +28,7 @@ struct RowScheduler::Pass {
 };
 
 void RowScheduler::begin(unsigned threads, const std::function<void(double)>& progress, std::stop_token stop) {
-  const unsigned limit = static_cast<unsigned>(tbb::this_task_arena::max_concurrency());
-  const unsigned wanted = threads == 0 ? limit : std::min(threads, 4096U);
-  if (wanted == 1) {
-    arena_.reset();
-  } else if (!arena_ || wanted != threads_) {
-    arena_.emplace(static_cast<int>(wanted));
-  }
-  threads_ = wanted;
+  parallel_.setThreads(threads);
   progress_ = progress ? &progress : nullptr;
   stop_ = std::move(stop);
   reported_ = 0.0;
@@ -44,20 +40,25 @@ std::int32_t RowScheduler::run(CallContext& context, std::int32_t top, std::int3
   if (bottom <= top) {
     return ERR_NONE;
   }
-  Pass pass{task, share_begin, (share_end - share_begin) / (static_cast<double>(bottom) - top)};
-  const auto run_rows = [&](const tbb::blocked_range<std::int32_t>& rows) {
-    const CallScope scope(context);
-    for (std::int32_t y = rows.begin(); y < rows.end() && pass.code.load(std::memory_order_relaxed) == 0; ++y) {
-      runRow(pass, y);
-    }
-  };
-  const tbb::blocked_range<std::int32_t> all_rows(top, bottom);
-  if (arena_) {
-    arena_->execute([&] { tbb::parallel_for(all_rows, run_rows); });
-  } else {
-    run_rows(all_rows);
-  }
+  Pass pass{*this, context, task, share_begin, (share_end - share_begin) / (static_cast<double>(bottom) - top)};
+  pass.begun.store(true, std::memory_order_release);
+  parallel_.run(top, bottom,
+                {[](void* data, std::int32_t begin, std::int32_t end) {
+                   Pass& running = *static_cast<Pass*>(data);
+                   running.scheduler.runRows(running, begin, end);
+                 },
+                 &pass});
+  pass.parts_done.load(std::memory_order_acquire);
   return pass.code.load();
+}
+
+void RowScheduler::runRows(Pass& pass, std::int32_t begin, std::int32_t end) {
+  pass.begun.load(std::memory_order_acquire);
+  const CallScope scope(pass.context);
+  for (std::int32_t y = begin; y < end && pass.code.load(std::memory_order_relaxed) == 0; ++y) {
+    runRow(pass, y);
+  }
+  pass.parts_done.fetch_add(1, std::memory_order_release);
 }
 
 void RowScheduler::runRow(Pass& pass, std::int32_t y) {
@@ -70,8 +71,9 @@ void RowScheduler::runRow(Pass& pass, std::int32_t y) {
     pass.fail(code);
     return;
   }
+  const std::int32_t done = pass.rows_done.fetch_add(1, std::memory_order_relaxed) + 1;
   if (progress_ != nullptr) {
-    report(pass.share_begin + pass.share_per_row * (pass.rows_done.fetch_add(1, std::memory_order_relaxed) + 1));
+    report(pass.share_begin + pass.share_per_row * done);
     const std::lock_guard lock(mutex_);
     if (progress_failure_) {
       pass.fail(kCodeException);

@@ -1,15 +1,14 @@
 // Runs a function over the rows of a frame: in parallel, with progress, and until somebody stops it.
 #pragma once
 
-#include <tbb/task_arena.h>
-
 #include <atomic>
 #include <cstdint>
 #include <exception>
 #include <functional>
 #include <mutex>
-#include <optional>
 #include <stop_token>
+
+#include "host/ParallelRows.h"
 
 namespace vantorel::host {
 
@@ -43,10 +42,10 @@ class RowScheduler {
 
  private:
   struct Pass;
+  void runRows(Pass& pass, std::int32_t begin, std::int32_t end);
   void runRow(Pass& pass, std::int32_t y);
 
-  unsigned threads_ = 1;
-  std::optional<tbb::task_arena> arena_;
+  ParallelRows parallel_;
   const std::function<void(double)>* progress_ = nullptr;
   std::stop_token stop_;
   std::mutex mutex_;  // of the progress
