@@ -42,21 +42,19 @@ std::int32_t RowScheduler::run(CallContext& context, std::int32_t top, std::int3
   }
   Pass pass{*this, context, task, share_begin, (share_end - share_begin) / (static_cast<double>(bottom) - top)};
   pass.begun.store(true, std::memory_order_release);
-  parallel_.run(top, bottom,
-                {[](void* data, std::int32_t begin, std::int32_t end) {
-                   Pass& running = *static_cast<Pass*>(data);
-                   running.scheduler.runRows(running, begin, end);
-                 },
-                 &pass});
+  parallel_.run(top, bottom, {runRows, &pass});
   pass.parts_done.load(std::memory_order_acquire);
   return pass.code.load();
 }
 
-void RowScheduler::runRows(Pass& pass, std::int32_t begin, std::int32_t end) {
+void RowScheduler::runRows(void* data, std::int32_t begin, std::int32_t end) {
+  Pass& pass = *static_cast<Pass*>(data);
   pass.begun.load(std::memory_order_acquire);
-  const CallScope scope(pass.context);
-  for (std::int32_t y = begin; y < end && pass.code.load(std::memory_order_relaxed) == 0; ++y) {
-    runRow(pass, y);
+  {
+    const CallScope scope(pass.context);
+    for (std::int32_t y = begin; y < end && pass.code.load(std::memory_order_relaxed) == 0; ++y) {
+      pass.scheduler.runRow(pass, y);
+    }
   }
   pass.parts_done.fetch_add(1, std::memory_order_release);
 }

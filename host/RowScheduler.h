@@ -42,7 +42,7 @@ class RowScheduler {
 
  private:
   struct Pass;
-  void runRows(Pass& pass, std::int32_t begin, std::int32_t end);
+  static void runRows(void* pass, std::int32_t begin, std::int32_t end);
   void runRow(Pass& pass, std::int32_t y);
 
   ParallelRows parallel_;
