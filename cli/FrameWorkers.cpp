@@ -35,10 +35,11 @@ class Run {
   }
 
   ExitCode finish() {
-    if (stop_.stop_requested())
-      throw interrupted();
     if (error_)
       throw *error_;
+    // A request to stop that comes after the last frame has begun and does not touch it changes nothing.
+    if (nextIndex_ != shot_.frames.count())
+      throw interrupted();
     if (skipped_ > 0)
       progress_.message(fmt::format("vantorel: {} of {} frames were done already and newer than their inputs; skipped",
                                     skipped_, shot_.frames.count()));

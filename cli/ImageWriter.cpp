@@ -18,9 +18,10 @@ namespace {
 // Rows between two looks at the stop token; enough for OpenEXR to compress its blocks side by side.
 constexpr int kRowsPerWrite = 256;
 
-// Pictures of a film or a video shot are packed fast rather than small: against zlib's default level this takes a
-// fraction of the time for files a few percent larger.
-constexpr int kPngCompressionLevel = 2;
+// PNG is packed fast rather than small: against zlib's default level and libpng's choice among all filters, writing
+// takes about a tenth of the time, and files grow by about a quarter.
+constexpr int kPngCompressionLevel = 1;
+constexpr int kPngFilterSub = 16;
 
 OIIO::TypeDesc fileType(SampleType samples) {
   switch (samples) {
@@ -69,6 +70,7 @@ OIIO::ImageSpec describe(const ImageFormat& format, const OutputPicture& picture
   if (format.unassociatedAlpha)
     spec.attribute("oiio:UnassociatedAlpha", 1);
   spec.attribute("png:compressionLevel", kPngCompressionLevel);
+  spec.attribute("png:filter", kPngFilterSub);
   spec.attribute("Software", "vantorel");
   return spec;
 }

@@ -1,3 +1,5 @@
+#include <malloc.h>
+
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -10,8 +12,16 @@ namespace {
 
 using vantorel::cli::ExitCode;
 
+// Pictures go back to the system as they are freed. Left to itself, the allocator would keep them in its heap, which a
+// long sequence fragments further with every frame.
+void returnPicturesWhenFreed() {
+  constexpr int kSmallestPicture = 1 << 20;
+  mallopt(M_MMAP_THRESHOLD, kSmallestPicture);
+}
+
 ExitCode run(int argc, char** argv) {
   try {
+    returnPicturesWhenFreed();
     const vantorel::cli::Interrupt interrupt;
     return vantorel::cli::runCommandLine(argc, argv, interrupt.token());
   } catch (const vantorel::cli::CommandError& error) {
