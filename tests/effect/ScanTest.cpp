@@ -78,111 +78,110 @@ int covered(double part) {
   return int(MixPixels(240, 0, kOne - int(part * kOne)));
 }
 
-// A chain of edges in the renderer's definition.
-struct Chain {
-  int direction, from, to, x, slope;
+// ---- The scan renderer's definition over `texel`, in plain terms ---------------------------------------------------
+
+struct ReferenceChain {
+  int direction, from, to, x = 0, slope = 0, u = 0, v = 0;
   void step() { from = to, to = (to + direction) % 4; }
 };
 
-// The scan renderer's definition over `texel`, in plain terms. -1 marks what it leaves open at a row's right end.
-Picture referenceScan(const Corners& s, const Corners& q, int before) {
-  Picture out(8, std::vector<int>(10, before));
+// Draws one row between two chains. -1 marks what the definition leaves open at a row's right end.
+void referenceRow(const ReferenceChain& a, const ReferenceChain& b, int cover, std::vector<int>& row) {
   int texels[4][4];
-  const auto clampedTexel = [](int u, int v) { return texel(std::clamp(u >> 16, 0, 3), std::clamp(v >> 16, 0, 3)); };
-  const auto corner = [](const Corners& c, int i) { return c[std::size_t(i)]; };
-  const auto mix = [](int a, int b, int w) { return int(MixPixels(unsigned(a), unsigned(b), w)); };
-  const auto wrap = [](std::int64_t sum) { return static_cast<int>(sum); };
-  int top = 0, yMax = q[0].y;
-  for (int i = 0; i < 4; ++i) {
-    top = corner(q, i).y < corner(q, top).y ? i : top;
-    yMax = std::max(yMax, corner(q, i).y);
-  }
   for (int i = 0; i < 16; ++i) {
     texels[i / 4][i % 4] = texel(i % 4, i / 4);
   }
-  int y = corner(q, top).y;
-  Chain chains[2] = {{3, top, (top + 3) % 4, 0, 0}, {1, top, (top + 1) % 4, 0, 0}};
-  const auto passed = [&](const Chain& c) { return chains[0].to != chains[1].to && y >= corner(q, c.to).y; };
-  for (Chain& c : chains) {
-    while (y < yMax && passed(c)) {
-      c.step();
+  const auto mix = [](int p, int q, int w) { return int(MixPixels(unsigned(p), unsigned(q), w)); };
+  const auto wrap = [](std::int64_t sum) { return static_cast<int>(sum); };
+  const int du = FixedDiv(b.u - a.u, b.x - a.x), dv = FixedDiv(b.v - a.v, b.x - a.x);
+  const ReferenceChain& left = b.x > a.x ? a : b;
+  const int right = std::max(a.x, b.x);
+  const int end = right < 10 * kOne ? right - kOne : 10 * kOne;
+  int x = left.x, u = left.u, v = left.v;
+  if (const int rest = kOne - (x & 65535); rest != kOne) {
+    if (x >= 0 && x < end) {
+      int& d = row[std::size_t(x >> 16)];
+      const int weight = cover == 0 ? kOne - rest : kOne - int(std::int64_t{rest} * cover >> 16);
+      d = mix(texels[std::clamp(v >> 16, 0, 3)][std::clamp(u >> 16, 0, 3)], d, weight);
+    }
+    u = wrap(std::int64_t{u} + KZ_FixMulDiv(du, rest, kOne));
+    v = wrap(std::int64_t{v} + KZ_FixMulDiv(dv, rest, kOne));
+    x += rest;
+  }
+  for (; x < end; x += kOne, u += du, v += dv) {
+    if (x >= 0) {
+      const auto address = reinterpret_cast<std::intptr_t>(texels) + 16 * (v >> 16) + 4 * (u >> 16);
+      const int sample = GetAPixel(reinterpret_cast<int*>(address), 16, u, v, du, dv, 4, 4);
+      int& d = row[std::size_t(x >> 16)];
+      d = cover == 0 ? sample : mix(d, sample, cover);
     }
   }
-  for (Chain& c : chains) {
-    const double run = corner(q, c.to).x - corner(q, c.from).x, rise = corner(q, c.to).y - corner(q, c.from).y;
-    c.x = corner(q, c.from).x;
-    c.slope = rise == 0 ? 0 : int(run / rise * 65536);
+  for (const int open : {(right - 1) >> 16, right - left.x <= kOne ? left.x >> 16 : -1}) {
+    if (right < 10 * kOne && open >= 0) {
+      row[std::size_t(open)] = -1;
+    }
   }
-  int cover = 0;
+}
+
+Picture referenceScan(const Corners& s, const Corners& q, int before) {
+  Picture out(8, std::vector<int>(10, before));
+  const auto at = [](const Corners& corners, int i) { return corners[std::size_t(i)]; };
+  int top = 0, yMax = q[0].y;
+  for (int i = 1; i < 4; ++i) {
+    top = at(q, i).y < at(q, top).y ? i : top;
+    yMax = std::max(yMax, at(q, i).y);
+  }
+  int y = at(q, top).y;
+  ReferenceChain a{3, top, (top + 3) % 4}, b{1, top, (top + 1) % 4};
+  const auto passed = [&](const ReferenceChain& c) { return a.to != b.to && y < yMax && y >= at(q, c.to).y; };
+  for (ReferenceChain* c : {&a, &b}) {
+    while (passed(*c)) {
+      c->step();
+    }
+  }
+  for (ReferenceChain* c : {&a, &b}) {
+    const double run = at(q, c->to).x - at(q, c->from).x, rise = at(q, c->to).y - at(q, c->from).y;
+    c->x = at(q, c->from).x;
+    c->slope = rise == 0 ? 0 : int(run / rise * 65536);
+  }
   bool last = false;
-  while (y < yMax) {
+  for (int cover = 0; y < yMax;) {
     cover = (y & 65535) != 0 ? kOne - (y & 65535) : cover;
-    int u[2], v[2];
     bool flat = false;
-    for (int k = 0; k < 2; ++k) {
-      Chain& c = chains[k];
-      while (passed(c)) {
-        c.step();
-        const int rise = corner(q, c.to).y - corner(q, c.from).y;
-        c.slope = rise == 0 ? 0 : FixedDiv(corner(q, c.to).x - corner(q, c.from).x, rise);
-        c.x = corner(q, c.from).x + KZ_FixMulDiv(c.slope, y - corner(q, c.from).y, kOne);
+    for (ReferenceChain* c : {&a, &b}) {
+      while (passed(*c)) {
+        c->step();
+        const int rise = at(q, c->to).y - at(q, c->from).y;
+        c->slope = rise == 0 ? 0 : FixedDiv(at(q, c->to).x - at(q, c->from).x, rise);
+        c->x = at(q, c->from).x + KZ_FixMulDiv(c->slope, y - at(q, c->from).y, kOne);
       }
     }
-    for (int k = 0; k < 2; ++k) {
-      const Chain& c = chains[k];
-      const M_FixedPoint from = corner(s, c.from), to = corner(s, c.to);
-      const int t = y - corner(q, c.from).y, length = corner(q, c.to).y - corner(q, c.from).y;
+    for (ReferenceChain* c : {&a, &b}) {
+      const M_FixedPoint from = at(s, c->from), to = at(s, c->to);
+      const int below = y - at(q, c->from).y, length = at(q, c->to).y - at(q, c->from).y;
       flat = flat || length == 0;
-      u[k] = from.x + (length == 0 ? 0 : KZ_FixMulDiv(to.x - from.x, t, length));
-      v[k] = from.y + (length == 0 ? 0 : KZ_FixMulDiv(to.y - from.y, t, length));
+      c->u = from.x + (length == 0 ? 0 : KZ_FixMulDiv(to.x - from.x, below, length));
+      c->v = from.y + (length == 0 ? 0 : KZ_FixMulDiv(to.y - from.y, below, length));
     }
-    if (y >= 0 && y < 8 * kOne && chains[0].x != chains[1].x && !flat) {
-      auto& row = out[std::size_t(y >> 16)];
-      const int l = chains[1].x > chains[0].x ? 0 : 1;
-      const int left = chains[l].x, right = chains[1 - l].x, span = chains[1].x - chains[0].x;
-      const int end = right < 10 * kOne ? right - kOne : 10 * kOne;
-      const int du = FixedDiv(u[1] - u[0], span), dv = FixedDiv(v[1] - v[0], span);
-      int x = left, pu = u[l], pv = v[l];
-      if (const int rest = kOne - (x & 65535); rest != kOne) {
-        if (x >= 0 && x < end) {
-          const int w = cover == 0 ? kOne - rest : kOne - int(std::int64_t{rest} * cover >> 16);
-          row[std::size_t(x >> 16)] = mix(clampedTexel(pu, pv), row[std::size_t(x >> 16)], w);
-        }
-        pu = wrap(std::int64_t{pu} + KZ_FixMulDiv(du, rest, kOne));
-        pv = wrap(std::int64_t{pv} + KZ_FixMulDiv(dv, rest, kOne));
-        x += rest;
-      }
-      for (; x < end; x += kOne, pu += du, pv += dv) {
-        if (x >= 0) {
-          auto* const p =
-              reinterpret_cast<int*>(reinterpret_cast<std::intptr_t>(texels) + 16 * (pv >> 16) + 4 * (pu >> 16));
-          const int sample = GetAPixel(p, 16, pu, pv, du, dv, 4, 4);
-          int& d = row[std::size_t(x >> 16)];
-          d = cover == 0 ? sample : mix(d, sample, cover);
-        }
-      }
-      for (const int open : {(right - 1) >> 16, right - left <= kOne ? left >> 16 : -1}) {
-        if (right < 10 * kOne && open >= 0) {
-          row[std::size_t(open)] = -1;
-        }
-      }
+    if (y >= 0 && y < 8 * kOne && a.x != b.x && !flat) {
+      referenceRow(a, b, cover, out[std::size_t(y >> 16)]);
     }
-    for (Chain& c : chains) {
-      c.x += cover != 0 ? KZ_FixMulDiv(c.slope, cover, kOne) : c.slope;
+    for (ReferenceChain* c : {&a, &b}) {
+      c->x += cover != 0 ? KZ_FixMulDiv(c->slope, cover, kOne) : c->slope;
     }
     y += cover == 0 || last ? kOne : cover;
-    cover = 0;
-    if (y > yMax - kOne && !last) {
-      cover = yMax - y, last = true;
-    }
+    cover = y > yMax - kOne && !last ? yMax - y : 0;
+    last = last || y > yMax - kOne;
   }
   return out;
 }
 
+// Corners on the 1/8 grid, often on the world's edges or in line with each other.
 Corners someCorners(int low, int high) {
+  const auto eighths = rc::gen::oneOf(rc::gen::inRange(low * 8, high * 8), rc::gen::element(0, 32, 64, 80));
   Corners corners;
   for (M_FixedPoint& corner : corners) {
-    corner = {*rc::gen::inRange(low * 8, high * 8) * (kOne / 8), *rc::gen::inRange(low * 8, high * 8) * (kOne / 8)};
+    corner = {*eighths * (kOne / 8), *eighths * (kOne / 8)};
   }
   return corners;
 }
