@@ -32,9 +32,9 @@ void DisposeGlobalBlock(const PF_UtilityCallbacks& utilities, PF_Handle handle) 
   }
 }
 
-std::int32_t ReportSetupFailure(PF_InData* in_data, PF_OutData* out_data, void* string_table, std::int32_t err) {
-  if (string_table != nullptr) {
-    in_data->unregister_string_table(&string_table);
+std::int32_t ReportSetupFailure(PF_InData* in_data, PF_OutData* out_data, void** string_table, std::int32_t err) {
+  if (*string_table != nullptr) {
+    in_data->unregister_string_table(string_table);
   }
   out_data->out_flags |= OUT_FLAG_SHOW_MESSAGE;
   in_data->utility_callbacks->strcpy(out_data->return_msg, "Vantorel could not be initialized.");
@@ -53,11 +53,11 @@ std::int32_t GlobalSetup(PF_InData* in_data, PF_OutData* out_data, PF_ParamDef**
   void* string_table = FX_G_zref.header;
   const std::int32_t err = in_data->register_string_table(&string_table, PF_STRING_TABLE_FORMAT);
   if (err != ERR_NONE) {
-    return ReportSetupFailure(in_data, out_data, string_table, err);
+    return ReportSetupFailure(in_data, out_data, &string_table, err);
   }
   const PF_Handle handle = NewGlobalBlock(*in_data->utility_callbacks);
   if (handle == nullptr) {
-    return ReportSetupFailure(in_data, out_data, string_table, ERR_OUT_OF_MEMORY);
+    return ReportSetupFailure(in_data, out_data, &string_table, ERR_OUT_OF_MEMORY);
   }
 
   static_cast<GlobalBlock*>(*handle)->string_table = string_table;
