@@ -16,13 +16,16 @@ std::int32_t CheckOutWholeLayer(PF_InData* in_data, const PF_PreRenderExtra* ext
                                           in_data->current_time, in_data->time_step, in_data->time_scale, checkout);
 }
 
-// True when the delivered rectangle is a buffer in pixels of the current resolution that holds the layer where
-// PF_InData says: hosts that answer with the request itself, at full resolution, do not tell the buffer's size.
+// True when the delivered rectangle is a buffer in pixels of the current resolution that holds the whole layer where
+// PF_InData says: hosts that answer with the request itself, at full resolution, or with a part of the layer do not
+// tell the buffer's size.
 bool TellsBufferSize(const PF_InData* in_data, const M_LRect& delivered) {
   const bool is_request = delivered.left == 0 && delivered.top == 0 && delivered.right == in_data->width &&
                           delivered.bottom == in_data->height;
+  const ScaledSize layer = ScaledLayerSize(in_data);
   return !delivered.IsEmpty() && !is_request && delivered.left == WrapSub(0, in_data->source_origin_x) &&
-         delivered.top == WrapSub(0, in_data->source_origin_y);
+         delivered.top == WrapSub(0, in_data->source_origin_y) && delivered.right >= layer.width &&
+         delivered.bottom >= layer.height;
 }
 
 // The corners' bounding box, widened by a pixel and truncated toward zero.

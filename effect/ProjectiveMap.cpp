@@ -65,7 +65,7 @@ M_Matrix3 Adjugate(const M_Matrix3& map) {
 }
 
 // True when the three points span a triangle. The bound follows the rounding of coordinates of that magnitude, so that
-// the test means the same wherever the points lie; points on the 1/65536 grid that are not collinear pass it.
+// the test means the same wherever the points lie.
 bool SpanTriangle(const M_Vector2T<double>& p, const M_Vector2T<double>& q, const M_Vector2T<double>& r) {
   const double dx1 = q.x - p.x;
   const double dy1 = q.y - p.y;

@@ -106,3 +106,19 @@ TEST(PreRender, UnitesTheCheckoutWithTheCornersInsideTheRequest) {
     EXPECT_TRUE(std::memcmp(&host.result.max_result_rect, &c.expectedLargest, sizeof c.expected) == 0) << &c - cases;
   }
 }
+
+TEST(PreRender, TakesTheBufferOfTheCheckoutWhereItHoldsTheLayer) {
+  struct {
+    M_LRect delivered, largest;
+  } const cases[] = {{{-10, -5, 130, 90}, {-11, -6, 131, 91}},  // a larger buffer that the layer is offset in
+                     {{-10, -5, 50, 40}, {-11, -6, 91, 76}}};   // a part of the layer: taken to be the layer's size
+  for (const auto& c : cases) {
+    ScriptedHost host(8, {100, 80});
+    host.in.source_origin_x = 10;
+    host.in.source_origin_y = 5;
+    host.setCorners({{0, 0}, {100, 0}, {100, 80}, {0, 80}});
+    host.checkout = {c.delivered, {0, 0, 0, 0}};
+    EXPECT_EQ(host.run(CMD_PRE_RENDER), 0);
+    EXPECT_TRUE(std::memcmp(&host.result.max_result_rect, &c.largest, sizeof c.largest) == 0) << &c - cases;
+  }
+}
