@@ -6,6 +6,7 @@
 #include <limits>
 #include <utility>
 
+#include "host/BlankFrame.h"
 #include "host/Downsample.h"
 #include "host/Errors.h"
 #include "host/FrameProtocols.h"
@@ -21,7 +22,8 @@ struct Instance::State {
   std::shared_ptr<const Module> module;
   AnimatedCorners corners;
   FrameState frame;
-  Image scaledLayer;  // the layer at the last frame's resolution
+  Image scaledLayer;    // the layer at the last frame's resolution
+  Image anotherCorner;  // a larger canvas, for the rare frame that its own gives no map for
 };
 
 namespace {
@@ -194,6 +196,9 @@ Result<FrameResult> Instance::render(const ConstImageView& layer, const Rect& ca
   const Rect scaled_canvas = canvasAtResolution(canvas, output.size, options.downsample);
   const FrameJob job{state_->module->state(), frame, layer.size, options};
   Result<Rect> drawn = drawFrame(job, scaled_canvas);
+  if (drawn && frame.iterated && !guard && isUnexpectedlyBlank(frame, scaled_canvas)) {
+    drawn = drawFromAnotherCorner(job, scaled_canvas, &state_->anotherCorner).map([&] { return *drawn; });
+  }
   if (drawn) {
     frame.rows.report(1.0);
   }
