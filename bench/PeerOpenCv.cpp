@@ -1,0 +1,75 @@
+// OpenCV: linear warps, which do not antialias, and its antialiased reduction by area, which knows no perspective.
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+
+#include "bench/Peers.h"
+#include "bench/Pictures.h"
+
+namespace vantorel::bench {
+
+namespace {
+
+int matType(host::Depth depth) {
+  switch (depth) {
+    case host::Depth::Bits8:
+      return CV_8UC4;
+    case host::Depth::Bits16:
+      return CV_16UC4;
+    default:
+      return CV_32FC4;
+  }
+}
+
+cv::Mat matOf(const host::ImageView& view) {
+  return {view.size.height, view.size.width, matType(view.depth), view.data, static_cast<std::size_t>(view.rowBytes)};
+}
+
+cv::Mat matOf(const host::ConstImageView& view) {
+  return matOf(host::ImageView{const_cast<std::byte*>(view.data), view.rowBytes, view.size, view.depth});
+}
+
+cv::Point2f pointOf(const host::Point& point) {
+  return {static_cast<float>(point.x), static_cast<float>(point.y)};
+}
+
+cv::Mat layerToCanvas(const Work& work) {
+  const auto width = static_cast<float>(work.layer.width);
+  const auto height = static_cast<float>(work.layer.height);
+  const cv::Point2f from[] = {{0, 0}, {width, 0}, {0, height}, {width, height}};
+  const cv::Point2f to[] = {pointOf(work.corners.upperLeft), pointOf(work.corners.upperRight),
+                            pointOf(work.corners.lowerLeft), pointOf(work.corners.lowerRight)};
+  return cv::getPerspectiveTransform(from, to);
+}
+
+template <int interpolation>
+Drawing prepareWarp(const Work& work, host::Depth depth, int threads) {
+  const cv::Mat layer = matOf(picture(work.layer, depth));
+  return {[=, output = matOf(canvas(work.canvas, depth)), map = layerToCanvas(work)]() mutable {
+            cv::setNumThreads(threads);
+            cv::warpPerspective(layer, output, map, output.size(), interpolation, cv::BORDER_CONSTANT);
+          },
+          {}};
+}
+
+Drawing prepareResize(const Work& work, host::Depth depth, int threads) {
+  const cv::Mat layer = matOf(picture(work.layer, depth));
+  return {[=, output = matOf(canvas(work.canvas, depth))]() mutable {
+            cv::setNumThreads(threads);
+            cv::resize(layer, output, output.size(), 0, 0, cv::INTER_AREA);
+          },
+          {}};
+}
+
+}  // namespace
+
+std::vector<Peer> openCvPeers() {
+  const std::vector<host::Depth> depths(std::begin(kDepths), std::end(kDepths));
+  const std::vector<std::string> all{"a", "b", "c", "d", "e", "f", "g"};
+  return {
+      {"opencv-linear", all, {"a", "f", "g"}, depths, true, false, prepareWarp<cv::INTER_LINEAR>},
+      {"opencv-area", {"c"}, {}, depths, false, false, prepareWarp<cv::INTER_AREA>},
+      {"opencv-resize", {"c"}, {"c"}, depths, false, false, prepareResize},
+  };
+}
+
+}  // namespace vantorel::bench

@@ -1,0 +1,91 @@
+// OpenImageIO: warps that filter over the pixel's footprint.
+#include <Imath/ImathMatrix.h>
+#include <OpenImageIO/imagebuf.h>
+#include <OpenImageIO/imagebufalgo.h>
+
+#include <memory>
+#include <stdexcept>
+
+#include "bench/Peers.h"
+#include "bench/Pictures.h"
+#include "effect/ProjectiveMap.h"
+
+namespace vantorel::bench {
+
+namespace {
+
+OIIO::ImageSpec specOf(host::Size size, host::Depth depth) {
+  constexpr int kChannels = 4;
+  switch (depth) {
+    case host::Depth::Bits8:
+      return {size.width, size.height, kChannels, OIIO::TypeDesc::UINT8};
+    case host::Depth::Bits16:
+      return {size.width, size.height, kChannels, OIIO::TypeDesc::UINT16};
+    default:
+      return {size.width, size.height, kChannels, OIIO::TypeDesc::FLOAT};
+  }
+}
+
+// A buffer over pixels that stay where they are.
+std::shared_ptr<OIIO::ImageBuf> bufferOver(const std::byte* pixels, host::Size size, host::Depth depth) {
+  return std::make_shared<OIIO::ImageBuf>(specOf(size, depth), const_cast<std::byte*>(pixels));
+}
+
+// Layer to canvas, for row vectors. Here a pixel's centre lies half a pixel from its corner, where the effect and
+// OpenCV have the whole number: hence the moves by half a pixel on both sides.
+Imath::M33f layerToCanvas(const Work& work) {
+  const auto& [upper_left, upper_right, lower_left, lower_right] = work.corners;
+  M_Vector2T<double> quad[] = {{upper_left.x, upper_left.y},
+                               {upper_right.x, upper_right.y},
+                               {lower_right.x, lower_right.y},
+                               {lower_left.x, lower_left.y}};
+  M_Matrix3 unit_to_quad(false);
+  KZFX_MapUnitSquareToFromQuad(quad, &unit_to_quad, 1);
+  Imath::M33d map;
+  for (int row = 0; row < 3; ++row) {
+    const double scale = row == 0 ? work.layer.width : row == 1 ? work.layer.height : 1;
+    for (int column = 0; column < 3; ++column) {
+      map[row][column] = unit_to_quad.m[row][column] / scale;
+    }
+  }
+  const Imath::M33d before = Imath::M33d().translate(Imath::V2d(-0.5, -0.5));
+  const Imath::M33d after = Imath::M33d().translate(Imath::V2d(0.5, 0.5));
+  return Imath::M33f(before * map * after);
+}
+
+Drawing prepareWarp(const Work& work, host::Depth depth, int threads, const char* filter) {
+  const auto layer = bufferOver(picture(work.layer, depth).data, work.layer, depth);
+  const auto output = bufferOver(canvas(work.canvas, depth).data, work.canvas, depth);
+  return {[=, map = layerToCanvas(work)] {
+            if (!OIIO::ImageBufAlgo::warp(*output, *layer, map, filter, 0.0F, false, OIIO::ImageBuf::WrapBlack, {},
+                                          threads)) {
+              throw std::runtime_error(output->geterror());
+            }
+          },
+          {}};
+}
+
+}  // namespace
+
+std::vector<Peer> openImageIoPeers() {
+  const std::vector<host::Depth> depths(std::begin(kDepths), std::end(kDepths));
+  const std::vector<std::string> works{"a", "c"};
+  return {
+      {"oiio-default",
+       works,
+       {},
+       depths,
+       false,
+       true,
+       [](const Work& work, host::Depth depth, int threads) { return prepareWarp(work, depth, threads, ""); }},
+      {"oiio-triangle",
+       works,
+       {},
+       depths,
+       false,
+       true,
+       [](const Work& work, host::Depth depth, int threads) { return prepareWarp(work, depth, threads, "triangle"); }},
+  };
+}
+
+}  // namespace vantorel::bench

@@ -1,0 +1,74 @@
+#include <utility>
+#include <vector>
+
+#include "bench/Parts.h"
+#include "effect/HighQualitySampler.h"
+#include "effect/PerspectiveInfo.h"
+#include "effect/ProjectiveMap.h"
+#include "effect/StandardSampler.h"
+
+namespace vantorel::bench {
+
+namespace {
+
+template <typename Pixel>
+std::int32_t sampleNothing(void* /*effect_ref*/, std::int32_t /*x*/, std::int32_t /*y*/,
+                           const PF_SampleParams* /*params*/, Pixel* /*out*/) {
+  return ERR_NONE;
+}
+
+// The render driver's record of the work; rows are begun a pixel early, hence the shift.
+KZFX_PerspectiveInfo infoFor(const Work& work, PF_LayerDef* layer) {
+  KZFX_PerspectiveInfo info;
+  info.out_width_d = info.out_width = work.canvas.width;
+  info.out_height_d = info.out_height = work.canvas.height;
+  const auto& [upper_left, upper_right, lower_left, lower_right] = work.corners;
+  M_Vector2T<double> quad[] = {{upper_left.x + 1, upper_left.y},
+                               {upper_right.x + 1, upper_right.y},
+                               {lower_right.x + 1, lower_right.y},
+                               {lower_left.x + 1, lower_left.y}};
+  KZFX_MapUnitSquareToFromQuad(quad, &info.quad_to_unit, 0);
+  info.bound_left = info.bound_top = 0;
+  info.bound_right = work.canvas.width;
+  info.bound_bottom = work.canvas.height;
+  info.x_scale = static_cast<double>(work.layer.width) / work.canvas.width;
+  info.y_scale = static_cast<double>(work.layer.height) / work.canvas.height;
+  info.input_world = layer;
+  info.effect_ref = nullptr;
+  info.sample_8 = sampleNothing<PF_Pixel8>;
+  info.sample_16 = sampleNothing<PF_Pixel16>;
+  info.sample_float = sampleNothing<PF_PixelFloat>;
+  return info;
+}
+
+using TraceRow = void (*)(const void*, std::int32_t, std::int32_t, PF_Pixel8*, const RowBlockFunctions&);
+
+void addTrace(const Effort& effort, const Labels& labels, TraceRow trace, const RowBlockFunctions* functions) {
+  const Work work = hdWork(labels.work);
+  add(effort, {labels,
+               [=, row = std::vector<PF_Pixel8>(static_cast<std::size_t>(work.canvas.width))]() mutable {
+                 PF_LayerDef layer{};
+                 const KZFX_PerspectiveInfo info = infoFor(work, &layer);
+                 for (int y = 0; y < work.canvas.height; ++y) {
+                   trace(&info, 0, y, row.data(), *functions);
+                 }
+               },
+               std::int64_t{work.canvas.width} * work.canvas.height});
+}
+
+}  // namespace
+
+void addRowSamplers(const Effort& effort) {
+  constexpr std::pair<InstructionSet, const char*> kSets[] = {
+      {InstructionSet::Plain, "plain"}, {InstructionSet::Avx2, "avx2"}, {InstructionSet::Avx512, "avx512"}};
+  for (const auto& [set, name] : kSets) {
+    if (const RowBlockFunctions* functions = RowBlockFunctionsFor(set)) {
+      Labels labels{"row-sampler", "a", sizeText(kHd), "", "standard", name};
+      addTrace(effort, labels, TraceStandardRow<PF_Pixel8>, functions);
+      labels.quality = "high";
+      addTrace(effort, labels, TraceHighQualityRow<PF_Pixel8>, functions);
+    }
+  }
+}
+
+}  // namespace vantorel::bench

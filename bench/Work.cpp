@@ -1,0 +1,75 @@
+#include "bench/Work.h"
+
+#include <cmath>
+#include <numbers>
+#include <stdexcept>
+
+namespace vantorel::bench {
+
+namespace {
+
+using host::Corners;
+using host::Point;
+using host::Size;
+
+// A square of that side turned by 30 degrees about its middle, which stays the middle of the canvas.
+Corners rotatedSquare(double side, Size canvas) {
+  const double cosine = std::cos(std::numbers::pi / 6);
+  const double sine = std::sin(std::numbers::pi / 6);
+  const auto turned = [&](double x, double y) {
+    return Point{canvas.width / 2.0 + x * cosine - y * sine, canvas.height / 2.0 + x * sine + y * cosine};
+  };
+  const double half = side / 2;
+  return {turned(-half, -half), turned(half, -half), turned(-half, half), turned(half, half)};
+}
+
+Work scaled(Work work, int factor) {
+  const auto enlarge = [factor](Size& size) { size = {size.width * factor, size.height * factor}; };
+  enlarge(work.layer);
+  enlarge(work.canvas);
+  for (Point* corner :
+       {&work.corners.upperLeft, &work.corners.upperRight, &work.corners.lowerLeft, &work.corners.lowerRight}) {
+    *corner = {corner->x * factor, corner->y * factor};
+  }
+  return work;
+}
+
+std::vector<Work> hdWorks() {
+  constexpr int kSquare = 760;
+  return {
+      {"a", kHd, kHd, {{192, 108}, {1728, 54}, {96, 972}, {1824, 1026}}},
+      {"b", kHd, kHd, {{900, 300}, {1020, 300}, {-1500, 1080}, {3420, 1080}}},
+      {"c", kUhd, {480, 270}, {{0, 0}, {480, 0}, {0, 270}, {480, 270}}, true},
+      {"d", {960, 540}, kHd, {{0, 0}, {1920, 0}, {0, 1080}, {1920, 1080}}},
+      {"e", {kSquare, kSquare}, kHd, rotatedSquare(kSquare, kHd)},
+      {"f", kHd, kHd, {{192, 108}, {1728, 54}, {96, 972}, {1000, 500}}, false, false},
+      {"g", kHd, kHd, {{800, 450}, {1100, 460}, {790, 650}, {1120, 640}}},
+  };
+}
+
+}  // namespace
+
+std::vector<Work> worksAt(int factor) {
+  std::vector<Work> works;
+  for (const Work& work : hdWorks()) {
+    if (factor == 1 || !work.minifies) {
+      works.push_back(scaled(work, factor));
+    }
+  }
+  return works;
+}
+
+Work hdWork(const std::string& name) {
+  for (const Work& work : hdWorks()) {
+    if (work.name == name) {
+      return work;
+    }
+  }
+  throw std::invalid_argument("no work is called " + name);
+}
+
+std::string sizeText(host::Size size) {
+  return std::to_string(size.width) + "x" + std::to_string(size.height);
+}
+
+}  // namespace vantorel::bench
