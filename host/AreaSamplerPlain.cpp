@@ -19,8 +19,8 @@ struct Arithmetic {
   Sum half_area;
   Sum area;
 
-  explicit Arithmetic(std::int64_t box_area)
-      : half_area(static_cast<Sum>(box_area) / 2), area(static_cast<Sum>(box_area)) {}
+  Arithmetic(std::int64_t box_width, std::int64_t box_height)
+      : half_area(static_cast<Sum>(box_width * box_height) / 2), area(static_cast<Sum>(box_width * box_height)) {}
   Channel mean(Sum sum) const { return static_cast<Channel>((sum + half_area) / area); }
   // The same for the area of one pixel, 2^32.
   static Channel meanOfPixel(Sum sum) { return static_cast<Channel>((sum + (Sum{1} << 31)) >> 32); }
@@ -33,7 +33,9 @@ struct Arithmetic<float> {
 
   double reciprocal;
 
-  explicit Arithmetic(std::int64_t box_area) : reciprocal(1.0 / static_cast<double>(box_area)) {}
+  // Radii without a limit have areas beyond 64 bits.
+  Arithmetic(std::int64_t box_width, std::int64_t box_height)
+      : reciprocal(1.0 / (static_cast<double>(box_width) * static_cast<double>(box_height))) {}
   float mean(Sum sum) const { return static_cast<float>(sum * reciprocal); }
   static float meanOfPixel(Sum sum) { return static_cast<float>(sum * 0x1p-32); }
 };
@@ -124,7 +126,7 @@ std::int32_t sample(PF_AreaSampler<Pixel> reference, std::int32_t x, std::int32_
     return reference(nullptr, x, y, params, out);
   }
   sumBox<Channel>(world, columns, rows, range, &box);
-  const Numbers numbers(columns.length() * rows.length());
+  const Numbers numbers(columns.length(), rows.length());
   *out = {numbers.mean(box.total[0]), numbers.mean(box.total[1]), numbers.mean(box.total[2]),
           numbers.mean(box.total[3])};
   return ERR_NONE;

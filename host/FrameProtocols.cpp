@@ -11,8 +11,9 @@ namespace vantorel::host {
 
 namespace {
 
-// How far beyond its answer a module is asked to draw. The two protocols' answers round differently, and a magnified
-// layer's outermost pixels reach beyond the corners; with this margin both protocols draw the same pixels.
+// How far beyond the canvas a module is asked for its answer, and how far beyond its answer it is asked to draw. The
+// two protocols' answers round differently, and a magnified layer's outermost pixels reach beyond the corners; with
+// this margin both protocols draw the same pixels.
 constexpr std::int64_t kAnswerMargin = 8;
 
 // The rows of the canvas that an answer reaches, whole, in canvas pixels.
@@ -29,6 +30,11 @@ Rect rowsToDraw(const Rect& answer, const Rect& canvas) {
     return {};
   }
   return {0, static_cast<int>(top - canvas.top), canvas.width(), static_cast<int>(bottom - canvas.top)};
+}
+
+Rect widened(const Rect& rect) {
+  constexpr int kMargin = static_cast<int>(kAnswerMargin);
+  return {rect.left - kMargin, rect.top - kMargin, rect.right + kMargin, rect.bottom + kMargin};
 }
 
 void clearRows(const PF_LayerDef& world, Depth depth, int top, int bottom) {
@@ -49,10 +55,10 @@ void prepareOutput(FrameState& frame, const Rect& rows) {
   }
 }
 
-Result<Rect> askPreRender(const FrameJob& job, const Rect& canvas) {
+Result<Rect> askPreRender(const FrameJob& job, const Rect& asked) {
   job.frame.layerCheckout.reset();
   PF_RenderRequest request{};
-  request.rect = M_LRect(canvas.left, canvas.top, canvas.right, canvas.bottom);
+  request.rect = M_LRect(asked.left, asked.top, asked.right, asked.bottom);
   PF_PreRenderResult answer{};
   PF_PreRenderExtra extra{&request, &answer, preRenderCallbacks()};
   ModuleCall call(job.module, &job.frame);
@@ -100,8 +106,8 @@ Result<Rect> askFrameSetup(const FrameJob& job, const Rect& hint) {
 }
 
 Result<Rect> drawFrame(const FrameJob& job, const Rect& canvas) {
-  Result<Rect> answer =
-      job.options.protocol == Protocol::Smart ? askPreRender(job, canvas) : askFrameSetup(job, canvas);
+  const Rect asked = widened(canvas);
+  Result<Rect> answer = job.options.protocol == Protocol::Smart ? askPreRender(job, asked) : askFrameSetup(job, asked);
   if (!answer) {
     return answer;
   }

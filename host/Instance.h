@@ -29,15 +29,15 @@ struct FrameTime {
 
 // What holds for one frame, and can differ from frame to frame.
 struct FrameOptions {
-  FrameTime time;
+  FrameTime time{};
   Quality quality = Quality::High;
   Protocol protocol = Protocol::Smart;
   int downsample = 1;    // renders at 1/n in both axes: 1 and up
   unsigned threads = 0;  // at most so many; 0: as many as the machine has
   // Called with the share of the rows done, 0 to 1 and never falling, from any of the rendering threads, one at a time.
   // What it throws ends the frame and is thrown again by `render`.
-  std::function<void(double)> progress;
-  std::stop_token stop;
+  std::function<void(double)> progress = nullptr;
+  std::stop_token stop{};
 };
 
 struct FrameResult {

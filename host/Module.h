@@ -21,13 +21,13 @@ using Translations = std::map<std::string, std::string, std::less<>>;
 Result<Translations> parseTranslations(const std::string& text, const std::string& name);
 
 struct ModuleOptions {
-  Translations translations;
+  Translations translations{};
   // Reports every misuse of the interface (ErrorKind::Misuse): parameters left checked out, suites not released, writes
   // outside a row. Renders serially and slowly; for tests.
   bool checking = false;
   // Told what goes wrong at global set-down, when no caller is left to get an error back: the command failed, or, in
   // checking mode, blocks are still allocated. Called from the thread that lets go of the module; must not throw.
-  std::function<void(const Error&)> onSetdownFailure;
+  std::function<void(const Error&)> onSetdownFailure = nullptr;
 };
 
 // One parameter as the module declared it.

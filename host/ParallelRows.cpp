@@ -8,12 +8,6 @@
 
 namespace vantorel::host {
 
-namespace {
-
-constexpr unsigned kMostThreads = 4096;
-
-}  // namespace
-
 struct ParallelRows::Arena {
   tbb::task_arena threads;
 
@@ -25,7 +19,7 @@ ParallelRows::~ParallelRows() = default;
 
 void ParallelRows::setThreads(unsigned threads) {
   const auto all = static_cast<unsigned>(tbb::this_task_arena::max_concurrency());
-  const unsigned wanted = threads == 0 ? all : std::min(threads, kMostThreads);
+  const unsigned wanted = threads == 0 ? all : std::min(threads, all);
   if (wanted != threads_) {
     arena_ = wanted == 1 ? nullptr : std::make_unique<Arena>(wanted);
     threads_ = wanted;

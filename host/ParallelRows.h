@@ -19,7 +19,8 @@ class ParallelRows {
   ParallelRows(const ParallelRows&) = delete;
   ParallelRows& operator=(const ParallelRows&) = delete;
 
-  // Uses at most so many threads from now on, the calling one among them; 0 means as many as the machine has.
+  // Uses at most so many threads from now on, the calling one among them, and no more than the machine has; 0 means as
+  // many as that.
   void setThreads(unsigned threads);
 
   // Runs the task over disjoint parts that make up [top, bottom), and returns when all are done.

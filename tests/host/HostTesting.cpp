@@ -1,0 +1,111 @@
+#include "tests/host/HostTesting.h"
+
+#include <cmath>
+#include <cstring>
+#include <random>
+#include <stdexcept>
+
+namespace vantorel::host::testing {
+
+namespace {
+
+void setChannel(const ImageView& view, int x, int y, int c, double value) {
+  std::byte* const pixel = view.pixel(x, y);
+  switch (view.depth) {
+    case Depth::Bits8:
+      reinterpret_cast<std::uint8_t*>(pixel)[c] = static_cast<std::uint8_t>(std::lround(value * 255.0));
+      break;
+    case Depth::Bits16:
+      reinterpret_cast<std::uint16_t*>(pixel)[c] = static_cast<std::uint16_t>(std::lround(value * 65535.0));
+      break;
+    case Depth::Float:
+      reinterpret_cast<float*>(pixel)[c] = static_cast<float>(value);
+      break;
+  }
+}
+
+template <typename Value>
+Value orThrow(Result<Value> result) {
+  if (!result) {
+    throw std::runtime_error(result.error().input + ": " + result.error().message);
+  }
+  return std::move(*result);
+}
+
+}  // namespace
+
+std::string modulePath(const std::string& name) {
+  return VANTOREL_TEST_MODULE_FOLDER "/" + name + ".so";
+}
+
+std::shared_ptr<const Module> loadModule(const std::string& name, ModuleOptions options) {
+  return orThrow(Module::load(modulePath(name), std::move(options)));
+}
+
+std::shared_ptr<const Module> checkedEffect() {
+  static const std::shared_ptr<const Module> module = loadModule("vantorel", {.checking = true});
+  return module;
+}
+
+Image noise(Size size, Depth depth, unsigned seed) {
+  Image image = orThrow(Image::create(size, depth));
+  std::mt19937 random(seed);
+  for (int y = 0; y < size.height; ++y) {
+    for (int i = 0; i < size.width * 4; ++i) {
+      setChannel(image.view(), i / 4, y, i % 4, random() / 4294967295.0);
+    }
+  }
+  return image;
+}
+
+Image waves(Size size, Depth depth, double wavelength) {
+  Image image = orThrow(Image::create(size, depth));
+  const double turn = 2.0 * M_PI / wavelength;
+  for (int y = 0; y < size.height; ++y) {
+    for (int x = 0; x < size.width; ++x) {
+      setChannel(image.view(), x, y, 0, 1.0);
+      setChannel(image.view(), x, y, 1, 0.5 + 0.5 * std::sin(turn * x));
+      setChannel(image.view(), x, y, 2, 0.5 + 0.5 * std::sin(turn * y));
+      setChannel(image.view(), x, y, 3, 0.5 + 0.5 * std::sin(turn * (x + y) * 0.7));
+    }
+  }
+  return image;
+}
+
+Image dirty(Size size, Depth depth) {
+  Image image = orThrow(Image::create(size, depth));
+  std::memset(image.view().data, 0xDB, static_cast<std::size_t>(image.view().rowBytes) * size.height);
+  return image;
+}
+
+bool samePixels(const ConstImageView& a, const ConstImageView& b) {
+  if (a.size != b.size || a.depth != b.depth) {
+    return false;
+  }
+  for (int y = 0; y < a.size.height; ++y) {
+    if (std::memcmp(a.row(y), b.row(y), bytesPerPixel(a.depth) * a.size.width) != 0) {
+      return false;
+    }
+  }
+  return true;
+}
+
+Frame renderFrame(Instance& instance, Image& layer, const Rect& canvas, const FrameOptions& options) {
+  Frame frame{dirty(downsampled({canvas.width(), canvas.height()}, options.downsample), layer.depth()), {}};
+  const Result<FrameResult> result = instance.render(asConst(layer.view()), canvas, frame.pixels.view(), options);
+  if (result) {
+    frame.result = *result;
+  } else {
+    ADD_FAILURE() << result.error().input << ": " << result.error().message;
+  }
+  return frame;
+}
+
+Instance instanceWith(const std::shared_ptr<const Module>& module, const Corners& corners) {
+  Instance instance(module);
+  const Result<void> set = instance.setCorners(corners);
+  EXPECT_TRUE(set) << set.error().message;
+  return instance;
+}
+
+}  // namespace vantorel::host::testing

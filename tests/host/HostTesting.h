@@ -1,0 +1,57 @@
+// What the tests of the host share: modules, pictures and frames.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <ostream>
+#include <string>
+
+#include "host/Instance.h"
+
+namespace vantorel::host {
+
+inline void PrintTo(const Point& point, std::ostream* out) {
+  *out << '(' << point.x << ", " << point.y << ')';
+}
+inline void PrintTo(const Rect& rect, std::ostream* out) {
+  *out << '[' << rect.left << ' ' << rect.top << ' ' << rect.right << ' ' << rect.bottom << ']';
+}
+
+namespace testing {
+
+constexpr Depth kDepths[] = {Depth::Bits8, Depth::Bits16, Depth::Float};
+
+// The path of a module that was built beside the tests, "vantorel" for the effect itself.
+std::string modulePath(const std::string& name);
+
+// Loads it; a failure ends the test program with the error.
+std::shared_ptr<const Module> loadModule(const std::string& name, ModuleOptions options = {});
+
+// The effect, in checking mode; loaded once.
+std::shared_ptr<const Module> checkedEffect();
+
+// A picture of bytes that repeat for a seed; floats from 0 to 1.
+Image noise(Size size, Depth depth, unsigned seed = 1);
+
+// Opaque smooth waves of a wavelength in pixels, which a picture shrunk by less than that still holds.
+Image waves(Size size, Depth depth, double wavelength);
+
+// A picture of which every byte is set, for output that must be overwritten.
+Image dirty(Size size, Depth depth);
+
+bool samePixels(const ConstImageView& a, const ConstImageView& b);
+
+struct Frame {
+  Image pixels;
+  FrameResult result;
+};
+
+// Renders into dirty pixels of the canvas's size; a failure fails the test.
+Frame renderFrame(Instance& instance, Image& layer, const Rect& canvas, const FrameOptions& options = {});
+
+// An instance of the effect with these corners, which must be in range.
+Instance instanceWith(const std::shared_ptr<const Module>& module, const Corners& corners);
+
+}  // namespace testing
+}  // namespace vantorel::host

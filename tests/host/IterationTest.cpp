@@ -1,0 +1,173 @@
+#include "host/Iteration.h"
+
+#include <set>
+#include <tuple>
+
+#include "host/CallContext.h"
+#include "host/UtilityCallbacks.h"
+#include "tests/host/HostTesting.h"
+
+namespace vantorel::host {
+namespace {
+
+// A command that is running, with the frame that the iterators need.
+struct Running {
+  ModuleResources resources;
+  FrameState frame;
+  CallContext context{resources};
+  CallScope scope{context};
+  PF_InData in{};
+
+  explicit Running(unsigned threads, std::function<void(double)> progress = {}, std::stop_token stop = {})
+      : progress_(std::move(progress)) {
+    context.frame = &frame;
+    in.effect_ref = &context;
+    frame.rows.begin(threads, progress_, std::move(stop));
+  }
+
+ private:
+  std::function<void(double)> progress_;
+};
+
+// Which pixels a function was called for, and with which source pixel: its column and row, or -1 for a transparent one.
+struct Calls {
+  std::mutex mutex;
+  std::set<std::tuple<int, int, int, int>> seen;
+  PF_LayerDef* source = nullptr;
+  PF_LayerDef* destination = nullptr;
+  bool right_output = true;
+
+  template <typename Pixel>
+  static std::int32_t note(void* refcon, std::int32_t x, std::int32_t y, Pixel* in, Pixel* out) {
+    Calls& calls = *static_cast<Calls*>(refcon);
+    const auto offset = [](const PF_LayerDef& world, const void* pixel) {
+      return static_cast<const char*>(pixel) - static_cast<const char*>(world.data);
+    };
+    int source_x = -1;
+    int source_y = -1;
+    if (calls.source != nullptr) {
+      const auto at = offset(*calls.source, in);
+      if (at >= 0 && at < std::ptrdiff_t{calls.source->row_bytes} * calls.source->height) {
+        source_x = static_cast<int>(at % calls.source->row_bytes / std::ptrdiff_t{sizeof(Pixel)});
+        source_y = static_cast<int>(at / calls.source->row_bytes);
+      }
+    }
+    const auto place = std::ptrdiff_t{calls.destination->row_bytes} * y + x * std::ptrdiff_t{sizeof(Pixel)};
+    const std::lock_guard lock(calls.mutex);
+    calls.right_output = calls.right_output && offset(*calls.destination, out) == place &&
+                         (source_x >= 0 || (in->alpha == 0 && in->blue == 0));
+    EXPECT_TRUE(calls.seen.emplace(x, y, source_x, source_y).second);
+    return ERR_NONE;
+  }
+};
+
+enum class Kind { Plain, Origin, NonClip };
+
+template <typename Pixel>
+std::int32_t runKind(Kind kind, PF_InData* in, PF_LayerDef* source, const M_LRect* area, const M_LPoint* origin,
+                     Calls* calls, PF_LayerDef* destination) {
+  const PF_UtilityCallbacks& u = *utilityCallbacks();
+  const auto run = [&](auto plain, auto with_origin, auto non_clip) {
+    switch (kind) {
+      case Kind::Plain:
+        return plain(in, 0, 10, source, area, calls, Calls::note<Pixel>, destination);
+      case Kind::Origin:
+        return with_origin(in, 0, 10, source, area, origin, calls, Calls::note<Pixel>, destination);
+      default:
+        return non_clip(in, 0, 10, source, area, origin, calls, Calls::note<Pixel>, destination);
+    }
+  };
+  if constexpr (std::is_same_v<Pixel, PF_Pixel8>) {
+    return run(u.iterate_8, u.iterate_origin_8, u.iterate_origin_non_clip_src_8);
+  } else if constexpr (std::is_same_v<Pixel, PF_Pixel16>) {
+    return run(u.iterate_16, u.iterate_origin_16, u.iterate_origin_non_clip_src_16);
+  } else {
+    const PF_iterateFloatSuite1& suite = *iterateFloatSuite();
+    return run(suite.iterate, suite.iterate_origin, suite.iterate_origin_non_clip_src);
+  }
+}
+
+template <typename Pixel>
+class IterationTest : public ::testing::Test {};
+using Pixels = ::testing::Types<PF_Pixel8, PF_Pixel16, PF_PixelFloat>;
+TYPED_TEST_SUITE(IterationTest, Pixels);
+
+TYPED_TEST(IterationTest, CallsTheFunctionForEveryPixelOfTheAreaWithItsSourcePixel) {
+  constexpr Depth kDepth = sizeof(TypeParam) == 4   ? Depth::Bits8
+                           : sizeof(TypeParam) == 8 ? Depth::Bits16
+                                                    : Depth::Float;
+  Image source_image = testing::noise({6, 5}, kDepth);
+  Image image = testing::dirty({9, 8}, kDepth);
+  PF_LayerDef source = worldOf(source_image.view());
+  PF_LayerDef destination = worldOf(image.view());
+  const M_LRect area(-3, 2, 100, 7);
+  const M_LPoint origin{4, -1};
+  struct Case {
+    Kind kind;
+    PF_LayerDef* source;
+    const M_LRect* area;
+  };
+  const Case cases[] = {{Kind::Plain, nullptr, &area},
+                        {Kind::Plain, &source, nullptr},
+                        {Kind::Origin, &source, &area},
+                        {Kind::NonClip, &source, &area},
+                        {Kind::Origin, nullptr, nullptr}};
+  for (const unsigned threads : {1u, 3u}) {
+    for (const Case& c : cases) {
+      Running running(threads);
+      Calls calls;
+      calls.source = c.source;
+      calls.destination = &destination;
+      ASSERT_EQ(ERR_NONE, runKind<TypeParam>(c.kind, &running.in, c.source, c.area, &origin, &calls, &destination));
+      const M_LPoint shift = c.kind == Kind::Plain ? M_LPoint{0, 0} : origin;
+      std::set<std::tuple<int, int, int, int>> expected;
+      for (int y = 0; y < 8; ++y) {
+        for (int x = 0; x < 9; ++x) {
+          const int sx = x - shift.x;
+          const int sy = y - shift.y;
+          const bool in_area = c.area == nullptr || (y >= 2 && y < 7);
+          const bool has_source = c.source != nullptr && sx >= 0 && sx < 6 && sy >= 0 && sy < 5;
+          if (in_area && (has_source || c.source == nullptr || c.kind == Kind::NonClip)) {
+            expected.emplace(x, y, has_source ? sx : -1, has_source ? sy : -1);
+          }
+        }
+      }
+      EXPECT_EQ(expected, calls.seen) << static_cast<int>(c.kind) << " on " << threads << " threads";
+      EXPECT_TRUE(calls.right_output);
+    }
+  }
+}
+
+TEST(IterationEndTest, TheFirstFailureEndsTheIterationAndIsItsResult) {
+  Image image = testing::dirty({2, 64}, Depth::Bits8);
+  PF_LayerDef destination = worldOf(image.view());
+  Running running(1);
+  int last_row = -1;
+  const auto fail_at_row_5 = [](void* last, std::int32_t, std::int32_t y, PF_Pixel8*, PF_Pixel8*) -> std::int32_t {
+    *static_cast<int*>(last) = y;
+    return y == 5 ? 41 : 0;
+  };
+  const auto iterate = utilityCallbacks()->iterate_8;
+  EXPECT_EQ(41, iterate(&running.in, 0, 1, nullptr, nullptr, &last_row, fail_at_row_5, &destination));
+  EXPECT_EQ(5, last_row);
+  const M_LRect empty(0, 7, 2, 3);
+  EXPECT_EQ(ERR_NONE, iterate(&running.in, 0, 1, nullptr, &empty, &last_row, fail_at_row_5, &destination));
+  EXPECT_NE(ERR_NONE, iterate(&running.in, 0, 1, nullptr, nullptr, &last_row, nullptr, &destination));
+  EXPECT_NE(ERR_NONE, iterate(&running.in, 0, 1, nullptr, nullptr, &last_row, fail_at_row_5, nullptr));
+}
+
+TEST(IterationEndTest, ProgressRunsFromBaseToFinalAndNeverFalls) {
+  Image image = testing::dirty({1, 50}, Depth::Bits8);
+  PF_LayerDef destination = worldOf(image.view());
+  std::vector<double> shares;
+  Running running(4, [&](double share) { shares.push_back(share); });
+  const auto nothing = [](void*, std::int32_t, std::int32_t, PF_Pixel8*, PF_Pixel8*) -> std::int32_t { return 0; };
+  utilityCallbacks()->iterate_8(&running.in, 50, 100, nullptr, nullptr, nullptr, nothing, &destination);
+  ASSERT_FALSE(shares.empty());
+  EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()));
+  EXPECT_GT(shares.front(), 0.5);
+  EXPECT_NEAR(1.0, shares.back(), 1e-12);
+}
+
+}  // namespace
+}  // namespace vantorel::host

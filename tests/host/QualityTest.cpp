@@ -1,0 +1,109 @@
+// How near high quality comes to the truth: the picture drawn with 16 by 16 samples in every pixel, each taken from the
+// layer at its exact place.
+#include <array>
+#include <cmath>
+
+#include "tests/host/HostTesting.h"
+
+namespace vantorel::host {
+namespace {
+
+constexpr int kSamples = 16;
+
+using Map = std::array<double, 9>;  // output point to layer point, row by row, for column vectors
+
+// The projective map of the unit square's corners (0,0), (1,0), (1,1), (0,1) onto four points.
+Map squareTo(const std::array<Point, 4>& p) {
+  const double sx = p[0].x - p[1].x + p[2].x - p[3].x;
+  const double sy = p[0].y - p[1].y + p[2].y - p[3].y;
+  const double dx1 = p[1].x - p[2].x;
+  const double dx2 = p[3].x - p[2].x;
+  const double dy1 = p[1].y - p[2].y;
+  const double dy2 = p[3].y - p[2].y;
+  const double det = dx1 * dy2 - dx2 * dy1;
+  const double g = (sx * dy2 - sy * dx2) / det;
+  const double h = (dx1 * sy - dy1 * sx) / det;
+  return {p[1].x - p[0].x + g * p[1].x,
+          p[3].x - p[0].x + h * p[3].x,
+          p[0].x,
+          p[1].y - p[0].y + g * p[1].y,
+          p[3].y - p[0].y + h * p[3].y,
+          p[0].y,
+          g,
+          h,
+          1.0};
+}
+
+Map inverse(const Map& m) {
+  const auto minor = [&](int a, int b, int c, int d) { return m[a] * m[b] - m[c] * m[d]; };
+  return {minor(4, 8, 5, 7), minor(2, 7, 1, 8), minor(1, 5, 2, 4), minor(5, 6, 3, 8), minor(0, 8, 2, 6),
+          minor(2, 3, 0, 5), minor(3, 7, 4, 6), minor(1, 6, 0, 7), minor(0, 4, 1, 3)};
+}
+
+// The layer's pixel whose square holds a point, whole numbers being pixel centres; transparent outside.
+std::uint8_t layerAt(const ConstImageView& layer, double x, double y, int channel) {
+  const double column = std::floor(x + 0.5);
+  const double row = std::floor(y + 0.5);
+  if (!(column >= 0 && row >= 0 && column < layer.size.width && row < layer.size.height)) {
+    return 0;
+  }
+  return static_cast<std::uint8_t>(layer.pixel(static_cast<int>(column), static_cast<int>(row))[channel]);
+}
+
+// The peak signal-to-noise ratio in dB, over the output's pixels and channels.
+double psnr(const ConstImageView& layer, const Corners& c, Image& output) {
+  const Map map = inverse(squareTo({c.upperLeft, c.upperRight, c.lowerRight, c.lowerLeft}));
+  double squares = 0;
+  for (int y = 0; y < output.size().height; ++y) {
+    for (int x = 0; x < output.size().width; ++x) {
+      double sums[4] = {};
+      for (int i = 0; i < kSamples * kSamples; ++i) {
+        const double px = x + (i % kSamples + 0.5) / kSamples - 0.5;
+        const double py = y + (i / kSamples + 0.5) / kSamples - 0.5;
+        const double w = map[6] * px + map[7] * py + map[8];
+        const double u = (map[0] * px + map[1] * py + map[2]) / w * layer.size.width;
+        const double v = (map[3] * px + map[4] * py + map[5]) / w * layer.size.height;
+        for (int channel = 0; channel < 4; ++channel) {
+          sums[channel] += layerAt(layer, u, v, channel);
+        }
+      }
+      for (int channel = 0; channel < 4; ++channel) {
+        const double drawn = static_cast<double>(output.view().pixel(x, y)[channel]);
+        const double difference = drawn - sums[channel] / (kSamples * kSamples);
+        squares += difference * difference;
+      }
+    }
+  }
+  return 10.0 * std::log10(255.0 * 255.0 / (squares / (4.0 * output.size().width * output.size().height)));
+}
+
+double qualityOf(const Corners& corners, double wavelength) {
+  Image layer = testing::waves({512, 512}, Depth::Bits8, wavelength);
+  Instance instance = testing::instanceWith(testing::checkedEffect(), corners);
+  auto frame = testing::renderFrame(instance, layer, {0, 0, 160, 160}, {});
+  EXPECT_EQ(RenderPath::Perspective, frame.result.path);
+  const double quality = psnr(asConst(layer.view()), corners, frame.pixels);
+  ::testing::Test::RecordProperty("psnr", std::to_string(quality));
+  return quality;
+}
+
+Corners square(double size, double degrees) {
+  const double a = degrees * M_PI / 180.0;
+  const auto at = [&](double x, double y) {
+    return Point{80 + size * (x * std::cos(a) - y * std::sin(a)), 80 + size * (x * std::sin(a) + y * std::cos(a))};
+  };
+  return {at(-0.5, -0.5), at(0.5, -0.5), at(-0.5, 0.5), at(0.5, 0.5)};
+}
+
+TEST(QualityTest, ShrunkAndInMildPerspectiveItIsNearTheTruth) {
+  EXPECT_GE(qualityOf(square(128, 0), 24), 38.0);
+  EXPECT_GE(qualityOf(square(64, 0), 24), 38.0);
+  EXPECT_GE(qualityOf({{12.3, 10.7}, {148.2, 22.4}, {8.9, 141.6}, {150.4, 130.9}}, 24), 38.0);
+}
+
+TEST(QualityTest, ShrunkAndRotatedTheBoxIsTooWideButNotFarOff) {
+  EXPECT_GE(qualityOf(square(128, 30), 24), 26.0);
+}
+
+}  // namespace
+}  // namespace vantorel::host

@@ -1,0 +1,256 @@
+// The effect's pictures through the host: what must be the same, and what must never happen.
+#include <gtest/gtest.h>
+
+// After googletest, whose names it uses.
+#include <rapidcheck/gtest.h>
+
+#include <atomic>
+#include <cstring>
+#include <thread>
+
+#include "tests/host/HostTesting.h"
+
+namespace vantorel::host {
+namespace {
+
+using testing::checkedEffect;
+using testing::instanceWith;
+using testing::noise;
+using testing::renderFrame;
+using testing::samePixels;
+
+Corners cornersOf(const Rect& rect) {
+  const auto at = [](int x, int y) { return Point{static_cast<double>(x), static_cast<double>(y)}; };
+  return {at(rect.left, rect.top), at(rect.right, rect.top), at(rect.left, rect.bottom), at(rect.right, rect.bottom)};
+}
+
+const std::shared_ptr<const Module>& effect() {
+  static const std::shared_ptr<const Module> module = testing::loadModule("vantorel");
+  return module;
+}
+
+TEST(RenderTest, CornersAtTheLayersOwnReproduceItToTheBit) {
+  for (const Depth depth : testing::kDepths) {
+    Image layer = noise({67, 45}, depth);
+    for (const Protocol protocol : {Protocol::Smart, Protocol::Plain}) {
+      for (const unsigned threads : {1u, 3u}) {
+        Instance instance = instanceWith(effect(), cornersOf({0, 0, 67, 45}));
+        auto frame = renderFrame(instance, layer, {0, 0, 67, 45}, {.protocol = protocol, .threads = threads});
+        EXPECT_EQ(RenderPath::Perspective, frame.result.path);
+        EXPECT_TRUE(samePixels(asConst(layer.view()), asConst(frame.pixels.view())));
+      }
+    }
+  }
+}
+
+TEST(RenderTest, AWholePixelShiftMovesThePictureAndLeavesTheRestTransparent) {
+  Image layer = noise({10, 6}, Depth::Bits16);
+  Instance instance = instanceWith(checkedEffect(), cornersOf({3, 2, 13, 8}));
+  auto frame = renderFrame(instance, layer, {-4, -60, 30, 40}, {});
+  for (int y = -60; y < 40; ++y) {
+    for (int x = -4; x < 30; ++x) {
+      const bool inside = x >= 3 && x < 13 && y >= 2 && y < 8;
+      const std::byte transparent[8] = {};
+      const std::byte* const expected = inside ? layer.view().pixel(x - 3, y - 2) : transparent;
+      ASSERT_EQ(0, std::memcmp(expected, frame.pixels.view().pixel(x + 4, y + 60), 8)) << x << ',' << y;
+    }
+  }
+  EXPECT_EQ(0, frame.result.drawn.left);
+  EXPECT_EQ(34, frame.result.drawn.right);
+  EXPECT_GT(frame.result.drawn.top, 0) << "rows that the effect does not want are not asked of it";
+}
+
+// Quadrilaterals with fractions, below zero, magnified, shrunk, concave, crossed and degenerate.
+const Corners kQuads[] = {
+    {{-3.3, -2.6}, {40.2, 5.1}, {3.9, 28.7}, {35.5, 22.2}},
+    {{5.5, 4.25}, {8.75, 4.5}, {5.0, 7.5}, {8.5, 7.0}},
+    {{-300.5, -200.5}, {300.5, -250}, {-310, 400}, {420, 300.5}},
+    {{2, 2}, {38, 2}, {2, 28}, {12, 9}},
+    {{38, 2}, {2, 2}, {2, 28}, {38, 28}},
+    {{10, 10}, {10, 10}, {10, 10}, {10, 10}},
+    {{-12.75, -9.25}, {5, -9.25}, {-12.75, -1.5}, {5, -1.5}},
+    {{40.5, 30.5}, {4000, 30.5}, {40.5, 3000}, {4000, 3000}},
+    {{-500, 35}, {500, 36}, {-500, 400}, {500, 401}},
+};
+
+TEST(RenderTest, BothProtocolsGiveTheSamePixels) {
+  int bilinear = 0;
+  for (const Depth depth : testing::kDepths) {
+    Image layer = noise({31, 17}, depth);
+    for (const Corners& quad : kQuads) {
+      for (const Quality quality : {Quality::Standard, Quality::High}) {
+        for (const int downsample : {1, 3}) {
+          for (const Rect& canvas : {Rect{0, 0, 40, 30}, Rect{-14, -11, 20, 9}, Rect{-60, -70, -8, -5}}) {
+            Instance instance = instanceWith(checkedEffect(), quad);
+            FrameOptions options{.quality = quality, .downsample = downsample};
+            auto smart = renderFrame(instance, layer, canvas, options);
+            options.protocol = Protocol::Plain;
+            auto plain = renderFrame(instance, layer, canvas, options);
+            EXPECT_TRUE(samePixels(asConst(smart.pixels.view()), asConst(plain.pixels.view())))
+                << quad.upperLeft.x << " canvas " << canvas.left;
+            bilinear += smart.result.path == RenderPath::Bilinear;
+          }
+        }
+      }
+    }
+  }
+  EXPECT_GT(bilinear, 0);
+}
+
+// The pixels of a square picture turned clockwise: what was at (x, y) is at (n - 1 - y, x).
+Image turned(Image& image) {
+  const int n = image.size().width;
+  Image result = testing::dirty(image.size(), image.depth());
+  for (int y = 0; y < n; ++y) {
+    for (int x = 0; x < n; ++x) {
+      std::memcpy(result.view().pixel(n - 1 - y, x), image.view().pixel(x, y), bytesPerPixel(image.depth()));
+    }
+  }
+  return result;
+}
+
+TEST(RenderTest, AQuadrilateralTurnedByAQuarterGivesTheSamePictureTurned) {
+  Image layer = noise({24, 24}, Depth::Bits16);
+  // Pixel (x, y) goes to (n - 1 - y, x), so the point (x, y) does too; the layer's lower left corner, which is the
+  // point (0, 24), is drawn from the pixel edge at -1 of the turned canvas.
+  Instance upright = instanceWith(effect(), cornersOf({8, 8, 32, 32}));
+  Instance quarter = instanceWith(effect(), {{31, 8}, {31, 32}, {7, 8}, {7, 32}});
+  auto a = renderFrame(upright, layer, {0, 0, 40, 40}, {});
+  auto b = renderFrame(quarter, layer, {0, 0, 40, 40}, {});
+  EXPECT_TRUE(samePixels(asConst(turned(a.pixels).view()), asConst(b.pixels.view())));
+}
+
+RC_GTEST_PROP(RenderPropertyTest, AnyCornersDrawInsideTheOutputAlone, ()) {
+  const auto coordinate = [] {
+    return *rc::gen::oneOf(rc::gen::map(rc::gen::inRange(-2000, 3000), [](int v) { return v / 50.0; }),
+                           rc::gen::map(rc::gen::inRange(-32768, 32768), [](int v) { return v + 0.0; }),
+                           rc::gen::element(-32768.0, 32767.99999, 0.0, 16.0));
+  };
+  const auto point = [&] {
+    const double x = coordinate();
+    return Point{x, coordinate()};
+  };
+  const Corners corners{point(), point(), point(), point()};
+  Image layer = noise({16, 16}, *rc::gen::element(Depth::Bits8, Depth::Bits16, Depth::Float));
+  Instance instance = instanceWith(checkedEffect(), corners);
+  const FrameOptions options{.quality = *rc::gen::element(Quality::Standard, Quality::High),
+                             .protocol = *rc::gen::element(Protocol::Smart, Protocol::Plain),
+                             .downsample = *rc::gen::inRange(1, 4)};
+  const int left = *rc::gen::inRange(-40, 40);
+  const Rect canvas{left, -7, left + *rc::gen::inRange(1, 40), 20};
+  Image output = testing::dirty(downsampled({canvas.width(), canvas.height()}, options.downsample), layer.depth());
+  const auto result = instance.render(asConst(layer.view()), canvas, output.view(), options);
+  // What the bilinear renderer cannot reach is the only reason for which a frame may be refused.
+  const bool drawn_or_refused = result.has_value() || result.error().input == "canvas";
+  RC_ASSERT(drawn_or_refused);
+}
+
+TEST(RenderTest, OutputMemoryBeyondTheRowsIsTheCallersOwn) {
+  Image layer = noise({20, 20}, Depth::Bits8);
+  Image memory = testing::dirty({50, 24}, Depth::Bits8);
+  const ImageView inner{memory.view().pixel(5, 2), memory.view().rowBytes, {30, 20}, Depth::Bits8};
+  for (const Corners& quad : kQuads) {
+    Instance instance = instanceWith(effect(), quad);
+    ASSERT_TRUE(instance.render(asConst(layer.view()), {0, 0, 30, 20}, inner, {}));
+  }
+  Image untouched = testing::dirty({50, 24}, Depth::Bits8);
+  for (int y = 0; y < 24; ++y) {
+    for (int x = 0; x < 50; ++x) {
+      if (x < 5 || x >= 35 || y < 2 || y >= 22) {
+        ASSERT_EQ(0, std::memcmp(untouched.view().pixel(x, y), memory.view().pixel(x, y), 4)) << x << ',' << y;
+      }
+    }
+  }
+}
+
+TEST(RenderTest, BoundingBoxIsAPixelWiderThanTheCornersInEitherProtocol) {
+  for (const Protocol protocol : {Protocol::Smart, Protocol::Plain}) {
+    Instance instance = instanceWith(checkedEffect(), {{-3, 5}, {40, 2}, {0, 30}, {35, 33}});
+    EXPECT_EQ((Rect{-4, 1, 41, 34}), instance.boundingBox({20, 20}, {.protocol = protocol, .downsample = 4}).value());
+    EXPECT_TRUE(instance.setCorners(Corners{{-16000, 0}, {16000, 0}, {-16000, 10}, {16000, 10}}));
+    const auto refused = instance.boundingBox({20, 20}, {.protocol = protocol});
+    ASSERT_FALSE(refused);
+    EXPECT_EQ("Vantorel cannot allocate a buffer larger than 30000 pixels in either dimension.",
+              refused.error().message);
+  }
+}
+
+TEST(RenderTest, CornersFollowTheFramesTime) {
+  Image layer = noise({8, 8}, Depth::Bits8);
+  const auto moving = [](Point from) {
+    return AnimatedPoint({{0.0, from}, {1.0, {from.x + 24, from.y}}}, Interpolation::Linear);
+  };
+  Instance instance(checkedEffect());
+  ASSERT_TRUE(instance.setCorners({moving({0, 0}), moving({8, 0}), moving({0, 8}), moving({8, 8})}));
+  for (const Protocol protocol : {Protocol::Smart, Protocol::Plain}) {
+    auto frame = renderFrame(instance, layer, {6, 0, 14, 8},
+                             {.time = {.time = 6, .step = 1, .scale = 24}, .protocol = protocol});
+    EXPECT_TRUE(samePixels(asConst(layer.view()), asConst(frame.pixels.view())));
+  }
+}
+
+TEST(RenderTest, ManyInstancesOfOneModuleRenderAtOnce) {
+  Image layer = noise({64, 64}, Depth::Float);
+  const auto render = [&](int i) {
+    Instance instance = instanceWith(effect(), {{1.0 * i, 2}, {60, 1.5 * i}, {3, 50}, {55, 62}});
+    return renderFrame(instance, layer, {0, 0, 64, 64}, {.threads = 2}).pixels;
+  };
+  std::vector<Image> expected;
+  for (int i = 0; i < 6; ++i) {
+    expected.push_back(render(i));
+  }
+  std::atomic<int> same = 0;
+  std::vector<std::jthread> callers;
+  for (int i = 0; i < 6; ++i) {
+    callers.emplace_back([&, i] {
+      for (int repeat = 0; repeat < 5; ++repeat) {
+        same += samePixels(asConst(expected[i].view()), asConst(render(i).view()));
+      }
+    });
+  }
+  callers.clear();
+  EXPECT_EQ(30, same);
+}
+
+TEST(RenderTest, ProgressRisesToOneAndTheStopTokenEndsTheFrame) {
+  Image layer = noise({32, 400}, Depth::Bits8);
+  Image output = testing::dirty({32, 400}, Depth::Bits8);
+  for (const unsigned threads : {1u, 4u}) {
+    Instance instance = instanceWith(effect(), cornersOf({0, 0, 32, 400}));
+    std::vector<double> shares;
+    FrameOptions options{.threads = threads, .progress = [&](double share) { shares.push_back(share); }};
+    ASSERT_TRUE(instance.render(asConst(layer.view()), {0, 0, 32, 400}, output.view(), options));
+    EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()));
+    EXPECT_EQ(1.0, shares.back());
+
+    std::stop_source stop;
+    double last = 0;
+    options.stop = stop.get_token();
+    options.progress = [&](double share) {
+      last = share;
+      if (share > 0.25) {
+        stop.request_stop();
+      }
+    };
+    const auto stopped = instance.render(asConst(layer.view()), {0, 0, 32, 400}, output.view(), options);
+    ASSERT_FALSE(stopped);
+    EXPECT_EQ(ErrorKind::Interrupted, stopped.error().kind);
+    EXPECT_LT(last, 0.5);
+
+    options.stop = {};
+    options.progress = [](double) { throw std::string("from the callback"); };
+    EXPECT_THROW(static_cast<void>(instance.render(asConst(layer.view()), {0, 0, 32, 400}, output.view(), options)),
+                 std::string);
+  }
+}
+
+TEST(RenderTest, WorldsWiderThanSixteenBitsAreDrawnToTheirEnd) {
+  Image layer = noise({16, 4}, Depth::Bits8);
+  Instance instance = instanceWith(effect(), cornersOf({32740, 0, 32756, 4}));
+  auto frame = renderFrame(instance, layer, {0, 0, 40000, 4}, {});
+  const ImageView at{frame.pixels.view().pixel(32740, 0), frame.pixels.view().rowBytes, {16, 4}, Depth::Bits8};
+  EXPECT_TRUE(samePixels(asConst(layer.view()), asConst(at)));
+}
+
+}  // namespace
+}  // namespace vantorel::host

@@ -1,0 +1,102 @@
+// Frames that cannot be served are refused before anything is drawn, and the message names what is wrong.
+#include <cmath>
+
+#include "host/FrameRequest.h"
+#include "tests/host/HostTesting.h"
+
+namespace vantorel::host {
+namespace {
+
+struct Request {
+  Image layerImage = testing::noise({8, 8}, Depth::Float);
+  Image outputImage = testing::dirty({8, 8}, Depth::Float);
+  ConstImageView layer = asConst(layerImage.view());
+  ImageView output = outputImage.view();
+  Rect canvas{0, 0, 8, 8};
+  FrameOptions options;
+};
+
+TEST(RequestTest, EachArgumentThatCannotBeServedIsNamed) {
+  const struct {
+    const char* input;
+    void (*spoil)(Request&);
+  } cases[] = {
+      {"layer",
+       [](Request& r) {
+         r.layer.size = {0, 8};
+       }},
+      {"layer", [](Request& r) { r.layer.data = nullptr; }},
+      {"layer", [](Request& r) { r.layer.rowBytes = 8 * 16 - 1; }},
+      {"layer", [](Request& r) { r.layer.rowBytes = -r.layer.rowBytes; }},
+      {"layer", [](Request& r) { r.layer.rowBytes = std::ptrdiff_t{1} << 31; }},
+      {"layer", [](Request& r) { r.layer.rowBytes += 2; }},
+      {"layer", [](Request& r) { r.layer.data += 1; }},
+      {"layer",
+       [](Request& r) {
+         r.layer = {r.layer.data, 40000 * 16, {40000, 1}, Depth::Float};
+       }},
+      {"layer", [](Request& r) { r.layer.depth = static_cast<Depth>(24); }},
+      {"output",
+       [](Request& r) {
+         r.output.size = {8, -8};
+       }},
+      {"output",
+       [](Request& r) {
+         r.output.size = {7, 8};
+       }},
+      {"output", [](Request& r) { r.output.depth = Depth::Bits16; }},
+      {"output", [](Request& r) { r.layer.data = r.output.row(1); }},
+      {"canvas",
+       [](Request& r) {
+         r.canvas = {8, 0, 0, 8};
+       }},
+      {"canvas",
+       [](Request& r) {
+         r.canvas = {-2147483647 - 1, 0, 2147483647, 8};
+       }},
+      {"downsample", [](Request& r) { r.options.downsample = 0; }},
+      {"time scale", [](Request& r) { r.options.time.scale = 0; }},
+  };
+  for (const auto& c : cases) {
+    Request request;
+    c.spoil(request);
+    Instance instance(testing::checkedEffect());
+    const auto result = instance.render(request.layer, request.canvas, request.output, request.options);
+    ASSERT_FALSE(result) << c.input << " case " << (&c - cases);
+    EXPECT_EQ(ErrorKind::InvalidArgument, result.error().kind);
+    EXPECT_EQ(c.input, result.error().input) << result.error().message;
+  }
+  EXPECT_EQ("layer", Instance(testing::checkedEffect()).boundingBox({0, 3}, {}).error().input);
+}
+
+TEST(RequestTest, CornersMustBeNumbersThatSixteenSixteenHolds) {
+  Instance instance(testing::checkedEffect());
+  for (const double bad : {32768.0, -32768.001, std::nan(""), HUGE_VAL}) {
+    const auto refused = instance.setCorners(Corners{{0, 0}, {1, 0}, {0, bad}, {1, 1}});
+    ASSERT_FALSE(refused) << bad;
+    EXPECT_EQ("lower left corner", refused.error().input);
+  }
+  EXPECT_FALSE(instance.setCorners({AnimatedPoint({{std::nan(""), {}}}, Interpolation::Linear), {}, {}, {}}));
+  EXPECT_TRUE(instance.setCorners(Corners{{-32768, 32767.999}, {1, 0}, {0, 0}, {1, 1}}));
+}
+
+TEST(RequestTest, WhatTheBilinearRendererCannotReachIsRefused) {
+  Image layer = testing::noise({8, 8}, Depth::Bits8);
+  Image output = testing::dirty({8, 8}, Depth::Bits8);
+  Instance concave =
+      testing::instanceWith(testing::checkedEffect(), {{20000, 0}, {20100, 0}, {20000, 100}, {20010, 10}});
+  const auto refused = concave.render(asConst(layer.view()), {-20000, 0, -19992, 8}, output.view(), {});
+  EXPECT_TRUE(refused) << "nothing of it lies on the canvas, so nothing was drawn wrong";
+  Image wide = testing::dirty({20200, 8}, Depth::Bits8);
+  EXPECT_TRUE(concave.render(asConst(layer.view()), {0, 0, 20200, 8}, wide.view(), {}));
+  Image wider = testing::dirty({40200, 8}, Depth::Bits8);
+  EXPECT_EQ("canvas", concave.render(asConst(layer.view()), {-20000, 0, 20200, 8}, wider.view(), {}).error().input);
+}
+
+TEST(RequestTest, ReducedCanvasesBeginAtTheWholePixelThatHoldsTheirCorner) {
+  EXPECT_EQ((Rect{-2, 1, 2, 3}), canvasAtResolution({-4, 5, 7, 11}, {4, 2}, 3));
+  EXPECT_EQ((Rect{-1, 0, 0, 1}), canvasAtResolution({-3, 0, 0, 1}, {1, 1}, 3));
+}
+
+}  // namespace
+}  // namespace vantorel::host
