@@ -24,6 +24,7 @@ constexpr std::array<ImageFormat, 5> kFormats{{
     {.name = "TIFF",
      .extensions = ".tif .tiff",
      .holdsAlpha = true,
+     .needsPath = true,
      .holds8 = true,
      .holds16 = true,
      .holdsFloat = true},

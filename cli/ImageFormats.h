@@ -19,6 +19,7 @@ struct ImageFormat {
   bool unassociatedAlpha = false;  // colour in the file is not multiplied by alpha
   bool holdsDataWindow = false;    // keeps pixels at a place of their own inside (or outside) the picture's frame
   bool linearLight = false;        // holds linear light by convention
+  bool needsPath = false;          // OpenImageIO must write to a named file, since it reads back what it wrote
   bool holds8 = false;
   bool holds16 = false;
   bool holdsHalf = false;

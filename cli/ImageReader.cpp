@@ -111,7 +111,8 @@ void readChannels(Source& source, int yBegin, int yEnd, int first, int end, cons
                                      spec.z + 1, first, end, type, data, pixelBytes, rows.rowBytes)
           : source.input->read_scanlines(0, 0, spec.y + yBegin, spec.y + yEnd, spec.z, first, end, type, data,
                                          pixelBytes, rows.rowBytes);
-  if (!read)
+  // Some readers note that strips are missing and still call it a success.
+  if (!read || source.input->has_error())
     throw unreadable(source.path, source.input->geterror());
 }
 

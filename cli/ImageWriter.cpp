@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "cli/CommandError.h"
+#include "cli/ImageReader.h"
 #include "cli/OutputFile.h"
 #include "cli/PixelConversion.h"
 
@@ -138,7 +139,7 @@ class RowEncoder {
 CommandError writerFailure(const std::string& path, OIIO::ImageOutput& output) {
   std::string reason = output.geterror();
   std::replace(reason.begin(), reason.end(), '\n', ' ');
-  return fileFailure(path, fmt::format("cannot be written ({}); try another format or size",
+  return fileFailure(path, fmt::format("cannot be written ({}); make room on its disk, or try another format or size",
                                        reason.empty() ? "no reason given" : reason));
 }
 
@@ -152,8 +153,9 @@ void writePicture(const std::string& path, const ImageFormat& format, const Outp
   if (!output)
     throw fileFailure(path, fmt::format("{} files are not supported by this machine's OpenImageIO", format.name));
   const OIIO::ImageSpec spec = describe(format, picture);
-  output->set_ioproxy(&file);
-  if (!output->open(path, spec))
+  if (!format.needsPath)
+    output->set_ioproxy(&file);
+  if (!output->open(format.needsPath ? file.temporaryPath() : path, spec))
     throw writerFailure(path, *output);
 
   const RowEncoder encoder(format, picture);
@@ -178,7 +180,8 @@ void writePicture(const std::string& path, const ImageFormat& format, const Outp
   }
   const bool closed = output->close();
   file.throwIfFailed();
-  if (!closed)
+  // Writers that go round the sink do not tell whether the last that they wrote found room.
+  if (!closed || (format.needsPath && !isWholePicture(file.temporaryPath(), pixels.size)))
     throw writerFailure(path, *output);
   file.commit();
 }

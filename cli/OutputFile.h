@@ -20,6 +20,9 @@ class OutputFile : public OIIO::Filesystem::IOProxy {
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
+  // For writers that write to a file of a name rather than to the sink.
+  const std::string& temporaryPath() const { return temporary_; }
+
   // Puts the file in its place. Throws CommandError when any write failed, for example on a full disk.
   void commit();
 

@@ -1,0 +1,135 @@
+// What the command says to bad input: the exit code, the one shape of its messages, and nothing left behind.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "CommandRunner.h"
+
+namespace vantorel::cli {
+namespace {
+
+struct BadCall {
+  std::string arguments;
+  int code;
+  std::string message;  // a part of it
+  std::string before = {};
+};
+
+void expectRefused(const TestFolder& folder, const std::vector<BadCall>& calls) {
+  const std::size_t before = folder.count();
+  for (const BadCall& call : calls) {
+    const CommandResult result = run(folder, call.arguments, call.before);
+    EXPECT_EQ(result.code, call.code) << call.arguments << "\n" << result.err;
+    EXPECT_EQ(result.err.rfind("vantorel: ", 0), 0u) << call.arguments << "\n" << result.err;
+    EXPECT_NE(result.err.find(call.message), std::string::npos) << call.arguments << "\n" << result.err;
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << call.arguments << "\n" << result.err;
+    EXPECT_EQ(folder.count(), before) << call.arguments << " left something behind";
+  }
+}
+
+TEST(CommandError, Arguments) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 64x48");
+  const std::string still = "render card.png -o out.png ";
+  const std::string sequence = "render card.png -o out.#.png ";
+  expectRefused(
+      folder,
+      {
+          {"", 2, "no command"},
+          {"rendr", 2, "did you mean 'render'"},
+          {"--versoin", 2, "did you mean '--version'"},
+          {"render", 2, "LAYER: is missing"},
+          {"render card.png", 2, "--output: is missing"},
+          {still + "other.png", 2, "other.png: is one argument too many"},
+          {still + "--qualty high", 2, "--qualty: is no option of 'render'; did you mean '--quality'?"},
+          {still + "--quality best", 2, "--quality: 'best' is not known; give one of high, standard"},
+          {still + "--depth 12", 2, "--depth"},
+          {still + "--protocol smooth", 2, "--protocol"},
+          {still + "--ul", 2, "--ul"},
+          {still + "--ul 1,nan", 2, "--ul: 'nan' is not finite"},
+          {still + "--lr 1,x", 2, "--lr: 'x' is not a number"},
+          {still + "--ur 32768,0", 2, "--ur: 32768 pixels is outside"},
+          {still + "--ur 99999%,0", 2, "--ur: "},
+          {still + "--size 0x10", 2, "--size"},
+          {still + "--size 100000x100000", 2, "--size: a picture of 100000x100000 at 8 bits needs 37.3 GiB"},
+          {still + "--size 2147483647x2147483647 --depth float", 2, "--size"},
+          {still + "--size 10x10 --fit", 2, "--fit: cannot be given together with --size"},
+          {still + "--over card.png --size 10x10", 2, "--size: 10x10 is not the plate's size, 64x48"},
+          {still + "--over card.png --fit", 2, "--fit: cannot be given together with --over"},
+          {still + "--corners track.csv --ul 1,1", 2, "--ul: cannot be given together with --corners"},
+          {still + "--corners track.txt", 2, "--corners: 'track.txt' ends in neither"},
+          {still + "--linear --depth 8", 2, "--linear: renders in float"},
+          {still + "--downsample 0", 2, "--downsample"},
+          {still + "--threads 0", 2, "--threads"},
+          {still + "--fps 0 --frames 1", 2, "--fps"},
+          {sequence + "--frames 5-1", 2, "--frames: '5-1' ends before it starts"},
+          {sequence + "--frames 1-2147483647 --fps 29.97", 2, "--frames: frame 2147483647 at this --fps"},
+          {still + "--frames 1-2", 2, "--output: 'out.png' has no place for the frame number"},
+          {"render card.png -o out.%s.png --frames 1-2", 2, "--output: 'out.%s.png' has a % that is no frame number"},
+          {"render card.%04d.png -o out.png", 2, "LAYER: 'card.%04d.png' stands for a sequence"},
+          {"render card.png -o out.gif", 2, "--output: 'out.gif' has the unknown format '.gif'"},
+          {"testcard --size 8x8", 2, "--output: is missing"},
+          {"testcard -o out.png --size 1000000x1000000", 2, "--size: 1000000x1000000 needs"},
+      });
+}
+
+TEST(CommandError, Files) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 64x48");
+  runWell(folder, "testcard -o short.png --size 640x480");
+  folder.cutShort("short.png", 0.7);
+  folder.write("text.png", "no picture at all");
+  folder.write("track.csv", "1,0,0,60,0,0,40,60,forty\n");
+  std::filesystem::create_directory(folder / "folder.png");
+  const std::string still = " -o out.png ";
+  expectRefused(
+      folder,
+      {
+          {"render none.png" + still, 3, "none.png: does not exist"},
+          {"render folder.png" + still, 3, "folder.png: is not a file"},
+          {"render text.png" + still, 3, "text.png: cannot be read as a picture"},
+          {"render short.png" + still, 3, "short.png: breaks off before its end"},
+          {"render card.png --over short.png" + still, 3, "short.png: breaks off before its end"},
+          {"render card.png --over none.png" + still, 3, "none.png: does not exist"},
+          {"render card.png --corners none.csv" + still, 3, "none.csv: does not exist"},
+          {"render card.png --corners track.csv" + still, 3, "track.csv: line 1: lry: 'forty' is not a number"},
+          {"render card.png -o none/out.png", 3, "none/out.png: the folder 'none' does not exist"},
+          {"render card.png -o card.png/out.png", 3, "'card.png' is not a folder"},
+          {"render card.png -o folder.png", 3, "folder.png: is there already and is not a plain file"},
+          {"render card.png --module none.so" + still, 3, "none.so: does not exist"},
+          {"render card.png --module card.png" + still, 1, "card.png: cannot be loaded"},
+          {"info --module text.png", 1, "text.png: cannot be loaded"},
+          // What a full disk gives: every write beyond the limit fails.
+          {"testcard -o out.png", 3, "out.png: cannot be written (File too large)", "trap '' XFSZ; ulimit -f 8;"},
+          {"testcard -o out.jpg", 3, "out.jpg: cannot be written", "trap '' XFSZ; ulimit -f 8;"},
+          {"testcard -o out.tif", 3, "out.tif: cannot be written", "trap '' XFSZ; ulimit -f 8;"},
+          {"testcard -o out.exr", 3, "out.exr: cannot be written", "trap '' XFSZ; ulimit -f 8;"},
+          {"testcard -o out.dpx", 3, "out.dpx: cannot be written", "trap '' XFSZ; ulimit -f 8;"},
+      });
+}
+
+TEST(CommandError, AFailureKeepsTheOldPicture) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o out.png --size 64x48");
+  runWell(folder, "testcard -o copy.png --size 64x48");
+  EXPECT_EQ(run(folder, "testcard -o out.png", "trap '' XFSZ; ulimit -f 8;").code, 3);
+  EXPECT_EQ(difference(folder / "out.png", folder / "copy.png"), 0.0);
+  // In place, the layer is read whole before it is replaced.
+  runWell(folder, "render out.png -o out.png --ul 50%,50%");
+  EXPECT_GT(difference(folder / "out.png", folder / "copy.png"), 0.0);
+  EXPECT_EQ(folder.count(), 2u);
+}
+
+TEST(CommandError, StandardOutputThatCannotBeWrittenEndsTheRun) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 64x48");
+  for (const std::string arguments : {"info", "info --json", "render card.png -o out.#.png --json --frames 1-9"}) {
+    const CommandResult result = run(folder, arguments + " > /dev/full");
+    EXPECT_EQ(result.code, 3) << arguments;
+    EXPECT_NE(result.err.find("standard output: cannot be written to"), std::string::npos) << result.err;
+  }
+}
+
+}  // namespace
+}  // namespace vantorel::cli

@@ -1,0 +1,69 @@
+#include "CommandRunner.h"
+
+#include <OpenImageIO/imageio.h>
+#include <sys/wait.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <sstream>
+
+namespace vantorel::cli {
+
+namespace {
+
+std::string contents(const std::string& path) {
+  std::ostringstream text;
+  text << std::ifstream(path).rdbuf();
+  return text.str();
+}
+
+}  // namespace
+
+std::vector<nlohmann::json> CommandResult::lines() const {
+  std::vector<nlohmann::json> parsed;
+  std::istringstream stream(out);
+  for (std::string line; std::getline(stream, line);)
+    parsed.push_back(nlohmann::json::parse(line));
+  return parsed;
+}
+
+CommandResult run(const TestFolder& folder, const std::string& arguments, const std::string& before) {
+  // Beside the folder, so that what is in it is the command's alone.
+  const std::string out = folder.path() + ".out";
+  const std::string err = folder.path() + ".err";
+  // Redirections first, so that arguments may redirect once more.
+  const std::string command =
+      "cd '" + folder.path() + "'; " + before + " >'" + out + "' 2>'" + err + "' '" VANTOREL_COMMAND "' " + arguments;
+  const int status = std::system(command.c_str());
+  CommandResult result{WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(out), contents(err)};
+  std::filesystem::remove(out);
+  std::filesystem::remove(err);
+  return result;
+}
+
+CommandResult runWell(const TestFolder& folder, const std::string& arguments) {
+  CommandResult result = run(folder, arguments);
+  EXPECT_EQ(result.code, 0) << arguments << "\n" << result.err;
+  EXPECT_EQ(result.err, "") << arguments;
+  return result;
+}
+
+double difference(const std::string& first, const std::string& second) {
+  const auto a = OIIO::ImageInput::open(first);
+  const auto b = OIIO::ImageInput::open(second);
+  if (!a || !b || a->spec().width != b->spec().width || a->spec().height != b->spec().height ||
+      a->spec().nchannels != b->spec().nchannels)
+    return 1.0;
+  const int channels = a->spec().nchannels;
+  std::vector<float> as(a->spec().image_pixels() * static_cast<std::size_t>(channels));
+  std::vector<float> bs(as.size());
+  if (!a->read_image(0, 0, 0, channels, OIIO::TypeDesc::FLOAT, as.data()) ||
+      !b->read_image(0, 0, 0, channels, OIIO::TypeDesc::FLOAT, bs.data()))
+    return 1.0;
+  double sum = 0.0;
+  for (std::size_t i = 0; i < as.size(); ++i)
+    sum += (as[i] - bs[i]) * (as[i] - bs[i]);
+  return std::sqrt(sum / static_cast<double>(as.size()));
+}
+
+}  // namespace vantorel::cli

@@ -1,0 +1,121 @@
+// Premultiplied "over", reduction for proxies, and linear light.
+#include "cli/Composite.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <utility>
+
+#include "cli/ColourConversion.h"
+#include "cli/CommandError.h"
+#include "cli/PixelConversion.h"
+
+namespace vantorel::cli {
+namespace {
+
+host::Image imageOf(host::Size size, host::Depth depth) {
+  return std::move(*host::Image::create(size, depth));
+}
+
+template <typename Channel>
+Channel* channels(host::Image& image, int x, int y) {
+  return reinterpret_cast<Channel*>(image.view().pixel(x, y));
+}
+
+TEST(Composite, EightBitOverIsTheRoundedFormulaForEveryAlphaAndValue) {
+  host::Image picture = imageOf({256, 256}, host::Depth::Bits8);
+  host::Image plate = imageOf({256, 256}, host::Depth::Bits8);
+  for (int alpha = 0; alpha < 256; ++alpha)
+    for (int value = 0; value < 256; ++value) {
+      std::uint8_t* front = channels<std::uint8_t>(picture, value, alpha);
+      front[0] = front[1] = static_cast<std::uint8_t>(alpha / 2);
+      front[2] = 255;  // brighter than its alpha allows: the sum is held at 255
+      front[3] = static_cast<std::uint8_t>(alpha);
+      std::uint8_t* back = channels<std::uint8_t>(plate, value, alpha);
+      back[0] = back[1] = back[2] = static_cast<std::uint8_t>(value);
+      back[3] = 255;
+    }
+  compositeOver(picture.view(), std::as_const(plate).view());
+  for (int alpha = 0; alpha < 256; ++alpha)
+    for (int value = 0; value < 256; ++value) {
+      const std::uint8_t* result = channels<std::uint8_t>(picture, value, alpha);
+      const int expected = static_cast<int>(std::floor(alpha / 2 + value * (255 - alpha) / 255.0 + 0.5));
+      ASSERT_EQ(result[0], expected) << "alpha " << alpha << ", plate " << value;
+      ASSERT_EQ(result[2], 255);
+      ASSERT_EQ(result[3], 255);
+    }
+}
+
+TEST(Composite, DeeperPicturesKeepTheirPrecision) {
+  host::Image picture16 = imageOf({1, 1}, host::Depth::Bits16);
+  host::Image plate16 = imageOf({1, 1}, host::Depth::Bits16);
+  const std::uint16_t front[4] = {100, 200, 300, 32768};
+  const std::uint16_t back[4] = {65535, 10001, 0, 65535};
+  std::copy(front, front + 4, channels<std::uint16_t>(picture16, 0, 0));
+  std::copy(back, back + 4, channels<std::uint16_t>(plate16, 0, 0));
+  compositeOver(picture16.view(), std::as_const(plate16).view());
+  EXPECT_EQ(channels<std::uint16_t>(picture16, 0, 0)[0], 100 + 32767);
+  EXPECT_EQ(channels<std::uint16_t>(picture16, 0, 0)[1], 200 + 5000);  // 10001 * 32767 / 65535 = 5000.4
+  EXPECT_EQ(channels<std::uint16_t>(picture16, 0, 0)[3], 65535);
+
+  host::Image picture = imageOf({1, 1}, host::Depth::Float);
+  host::Image plate = imageOf({1, 1}, host::Depth::Float);
+  for (int c = 0; c < 4; ++c) {
+    channels<float>(picture, 0, 0)[c] = 0.25f;
+    channels<float>(plate, 0, 0)[c] = 8.0f;  // brighter than white stays so
+  }
+  compositeOver(picture.view(), std::as_const(plate).view());
+  EXPECT_EQ(channels<float>(picture, 0, 0)[0], 0.25f + 8.0f * 0.75f);
+}
+
+TEST(Composite, ReducingAveragesWhatIsThere) {
+  host::Image picture = imageOf({3, 3}, host::Depth::Bits8);
+  for (int y = 0; y < 3; ++y)
+    for (int x = 0; x < 3; ++x)
+      std::fill_n(channels<std::uint8_t>(picture, x, y), 4, static_cast<std::uint8_t>(10 * (3 * y + x)));
+  host::Image half = reduced(std::as_const(picture).view(), 2);
+  ASSERT_EQ(half.size(), (host::Size{2, 2}));
+  EXPECT_EQ(channels<std::uint8_t>(half, 0, 0)[0], 20);  // of 0, 10, 30, 40
+  EXPECT_EQ(channels<std::uint8_t>(half, 1, 0)[1], 35);  // of 20, 50
+  EXPECT_EQ(channels<std::uint8_t>(half, 1, 1)[3], 80);
+}
+
+TEST(Composite, PremultiplyingIsUndoneWhereAlphaCarriesTheValue) {
+  for (int alpha = 1; alpha < 256; ++alpha)
+    for (int value = 0; value < 256; ++value) {
+      std::uint8_t row[4] = {static_cast<std::uint8_t>(value), 0, 255, static_cast<std::uint8_t>(alpha)};
+      premultiplyRow(row, 1);
+      ASSERT_EQ(row[0], static_cast<int>(std::floor(value * alpha / 255.0 + 0.5)));
+      ASSERT_EQ(row[2], alpha);
+      const std::uint8_t before = row[0];
+      unpremultiplyRow(row, 1);
+      ASSERT_NEAR(row[0], value, 255.0 / (2 * alpha) + 0.5);
+      ASSERT_EQ(row[2], 255);
+      premultiplyRow(row, 1);
+      ASSERT_EQ(row[0], before);
+    }
+  EXPECT_EQ(quantise<std::uint8_t>(std::nanf("")), 0);
+  EXPECT_EQ(quantise<std::uint16_t>(2.0f), 65535);
+  EXPECT_EQ(quantise<std::uint8_t>(-1.0f), 0);
+  EXPECT_EQ(quantise<std::uint8_t>(0.5f), 128);
+}
+
+TEST(Composite, LinearLightGoesThereAndBackUnderAlpha) {
+  host::Image picture = imageOf({2, 1}, host::Depth::Float);
+  float* pixel = channels<float>(picture, 0, 0);
+  const float values[8] = {0.25f, 0.1f, 0.5f, 0.5f, 0.5f, 1.0f, 0.0f, 1.0f};
+  std::copy(values, values + 8, pixel);
+  toLinear(picture.view(), "", "layer");
+  EXPECT_NEAR(pixel[0], 0.21404f * 0.5f, 1e-4f);  // sRGB 0.25 / 0.5 = 0.5 is 0.21404 in linear light
+  EXPECT_EQ(pixel[3], 0.5f);
+  EXPECT_NEAR(pixel[4], 0.21404f, 1e-4f);
+  fromLinear(picture.view(), outputColourSpace("", false), "output");
+  for (int c = 0; c < 8; ++c)
+    EXPECT_NEAR(pixel[c], values[c], 1e-5f);
+  EXPECT_THROW(toLinear(picture.view(), "no such space", "layer"), CommandError);
+  EXPECT_EQ(outputColourSpace("Rec709", false), "Rec709");
+  EXPECT_EQ(outputColourSpace("Linear", false), "sRGB");
+}
+
+}  // namespace
+}  // namespace vantorel::cli

@@ -1,0 +1,270 @@
+// Picture files of every format, in and out.
+#include <OpenImageIO/imageio.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <numeric>
+#include <utility>
+
+#include "TestFolder.h"
+#include "cli/CommandError.h"
+#include "cli/FileEnd.h"
+#include "cli/ImageReader.h"
+#include "cli/ImageWriter.h"
+#include "cli/OutputFile.h"
+
+namespace vantorel::cli {
+namespace {
+
+using OIIO::ImageOutput;
+using OIIO::ImageSpec;
+using OIIO::TypeDesc;
+
+template <typename Channel>
+void writeFile(const std::string& path, const ImageSpec& spec, const std::vector<Channel>& data) {
+  const auto output = ImageOutput::create(path);
+  ASSERT_TRUE(output && output->open(path, spec)) << path << OIIO::geterror();
+  ASSERT_TRUE(output->write_image(OIIO::BaseTypeFromC<Channel>::value, data.data())) << output->geterror();
+  ASSERT_TRUE(output->close());
+}
+
+Picture readAt(const std::string& path, host::Depth depth) {
+  return readPicture(path, depth, {});
+}
+
+std::vector<int> pixel8(const Picture& picture, int x, int y) {
+  const auto* channel = reinterpret_cast<const std::uint8_t*>(picture.pixels.view().pixel(x, y));
+  return {channel, channel + 4};
+}
+
+// A picture with partly transparent pixels of every kind.
+host::Image sample(host::Depth depth) {
+  host::Image image = std::move(*host::Image::create({19, 300}, depth));
+  for (int y = 0; y < 300; ++y)
+    for (int x = 0; x < 19; ++x)
+      for (int c = 0; c < 4; ++c) {
+        const double alpha = x < 9 ? 1.0 : (x - 9) / 10.0;
+        const double value = c == 3 ? alpha : alpha * std::fmod(0.013 * x + 0.0031 * y + 0.3 * c, 1.0);
+        std::byte* channel = image.view().pixel(x, y) + host::bytesPerPixel(depth) / 4 * static_cast<std::size_t>(c);
+        if (depth == host::Depth::Bits8)
+          *reinterpret_cast<std::uint8_t*>(channel) = static_cast<std::uint8_t>(value * 255 + 0.5);
+        else if (depth == host::Depth::Bits16)
+          *reinterpret_cast<std::uint16_t*>(channel) = static_cast<std::uint16_t>(value * 65535 + 0.5);
+        else
+          *reinterpret_cast<float*>(channel) = static_cast<float>(static_cast<int>(value * 1024)) / 1024.0f;
+      }
+  return image;
+}
+
+OutputPicture describe(const host::Image& image, SampleType samples) {
+  OutputPicture picture;
+  picture.pixels = image.view();
+  picture.frame = image.size();
+  picture.window = {0, 0, image.size().width, image.size().height};
+  picture.samples = samples;
+  return picture;
+}
+
+bool samePixels(const host::Image& a, const host::Image& b) {
+  bool same = a.size() == b.size() && a.depth() == b.depth();
+  for (int y = 0; same && y < a.size().height; ++y)
+    same = std::memcmp(a.view().row(y), b.view().row(y),
+                       host::bytesPerPixel(a.depth()) * static_cast<std::size_t>(a.size().width)) == 0;
+  return same;
+}
+
+TEST(PictureFile, EveryFormatGivesBackWhatItHolds) {
+  const TestFolder folder;
+  struct Case {
+    const char* name;
+    host::Depth depth;
+    SampleType samples;
+  };
+  using enum SampleType;
+  for (const Case& one : {Case{"a.png", host::Depth::Bits8, Bits8}, Case{"b.png", host::Depth::Bits16, Bits16},
+                          Case{"a.tif", host::Depth::Bits8, Bits8}, Case{"b.tif", host::Depth::Bits16, Bits16},
+                          Case{"c.tif", host::Depth::Float, Float}, Case{"a.exr", host::Depth::Float, Half},
+                          Case{"b.exr", host::Depth::Float, Float}}) {
+    const host::Image image = sample(one.depth);
+    const std::string path = folder / one.name;
+    writePicture(path, formatForOutput("", path), describe(image, one.samples), {});
+    const Picture back = readAt(path, one.depth);
+    EXPECT_TRUE(samePixels(image, back.pixels)) << one.name;
+    EXPECT_TRUE(back.info.hasAlpha);
+    EXPECT_EQ(back.info.samples, one.samples) << one.name;
+    EXPECT_TRUE(isWholePicture(path, image.size()));
+    EXPECT_FALSE(isWholePicture(path, {19, 299}));
+  }
+}
+
+TEST(PictureFile, FormatsWithoutAlphaHoldThePictureOverBlack) {
+  const TestFolder folder;
+  const host::Image image = sample(host::Depth::Bits8);
+  for (const char* name : {"a.dpx", "a.jpg"}) {
+    const std::string path = folder / name;
+    writePicture(path, formatForOutput("", path), describe(image, SampleType::Bits8), {});
+    const Picture back = readAt(path, host::Depth::Bits8);
+    EXPECT_FALSE(back.info.hasAlpha);
+    const auto* written = reinterpret_cast<const std::uint8_t*>(image.view().pixel(14, 100));
+    const std::vector<int> read = pixel8(back, 14, 100);
+    // JPEG rounds, and shares colour between neighbours.
+    const int tolerance = std::string(name) == "a.dpx" ? 0 : 16;
+    for (std::size_t c = 0; c < 3; ++c)
+      EXPECT_NEAR(read[c], written[c], tolerance) << name;
+    EXPECT_EQ(read[3], 255);
+  }
+}
+
+TEST(PictureFile, FloatsAreQuantisedAfterDividingByAlpha) {
+  const TestFolder folder;
+  host::Image image = std::move(*host::Image::create({2, 1}, host::Depth::Float));
+  const float values[8] = {0.125f, 0.5f, std::nanf(""), 0.25f, 2.0f, -1.0f, 0.5f, 1.0f};
+  std::memcpy(image.view().data, values, sizeof values);
+  const std::string path = folder / "a.png";
+  writePicture(path, formatForOutput("", path), describe(image, SampleType::Bits8), {});
+  const auto input = OIIO::ImageInput::open(path);
+  std::uint8_t bytes[8] = {};
+  ASSERT_TRUE(input->read_image(0, 0, 0, 4, TypeDesc::UINT8, bytes));
+  const Picture back = readAt(path, host::Depth::Bits8);
+  EXPECT_EQ(pixel8(back, 1, 0), (std::vector<int>{255, 0, 128, 255}));
+  EXPECT_EQ(pixel8(back, 0, 0), (std::vector<int>{32, 64, 0, 64}));  // half and white under an alpha of a quarter
+}
+
+TEST(PictureFile, GreyAndExtraChannelsAndOddOrdersBecomeRgba) {
+  const TestFolder folder;
+  writeFile<std::uint8_t>(folder / "grey.png", ImageSpec(1, 1, 1, TypeDesc::UINT8), {77});
+  EXPECT_EQ(pixel8(readAt(folder / "grey.png", host::Depth::Bits8), 0, 0), (std::vector<int>{77, 77, 77, 255}));
+
+  ImageSpec greyAlpha(1, 1, 2, TypeDesc::UINT8);
+  greyAlpha.channelnames = {"Y", "A"};
+  greyAlpha.alpha_channel = 1;
+  greyAlpha.attribute("oiio:UnassociatedAlpha", 1);
+  writeFile<std::uint8_t>(folder / "greyalpha.png", greyAlpha, {200, 51});
+  EXPECT_EQ(pixel8(readAt(folder / "greyalpha.png", host::Depth::Bits8), 0, 0), (std::vector<int>{40, 40, 40, 51}));
+
+  ImageSpec odd(1, 1, 7, TypeDesc::FLOAT);
+  odd.channelnames = {"A", "B", "Z", "G", "normal.x", "R", "normal.y"};
+  writeFile<float>(folder / "odd.exr", odd, {1.0f, 0.2f, 9.0f, 0.4f, 5.0f, 0.6f, 5.0f});
+  EXPECT_EQ(pixel8(readAt(folder / "odd.exr", host::Depth::Bits8), 0, 0), (std::vector<int>{153, 102, 51, 255}));
+
+  ImageSpec nameless(1, 1, 6, TypeDesc::FLOAT);
+  nameless.channelnames = {"a.x", "a.y", "a.z", "b.x", "b.y", "b.z"};
+  writeFile<float>(folder / "nameless.exr", nameless, std::vector<float>(6, 0.5f));
+  EXPECT_THROW(readAt(folder / "nameless.exr", host::Depth::Bits8), CommandError);
+}
+
+TEST(PictureFile, AssociatedAlphaIsTakenAsItIs) {
+  const TestFolder folder;
+  for (const bool unassociated : {false, true}) {
+    ImageSpec spec(1, 1, 4, TypeDesc::UINT8);
+    if (unassociated)
+      spec.attribute("oiio:UnassociatedAlpha", 1);
+    writeFile<std::uint8_t>(folder / "a.tif", spec, {100, 50, 0, 128});
+    EXPECT_EQ(pixel8(readAt(folder / "a.tif", host::Depth::Bits8), 0, 0),
+              unassociated ? (std::vector<int>{50, 25, 0, 128}) : (std::vector<int>{100, 50, 0, 128}));
+  }
+}
+
+TEST(PictureFile, DataWindowsLieInTheirDisplayWindow) {
+  const TestFolder folder;
+  ImageSpec spec(4, 3, 4, TypeDesc::HALF);
+  spec.x = -2;
+  spec.y = 8;
+  spec.full_x = 1;
+  spec.full_y = 7;
+  spec.full_width = 8;
+  spec.full_height = 3;
+  std::vector<float> data(4 * 4 * 3);
+  for (std::size_t i = 0; i < data.size(); ++i)
+    data[i] = static_cast<float>(i / 4) / 16.0f;
+  for (const bool tiled : {false, true}) {
+    if (tiled)
+      spec.tile_width = spec.tile_height = 2;
+    const std::string path = folder / (tiled ? "tiles.exr" : "lines.exr");
+    writeFile(path, spec, data);
+    const Picture picture = readAt(path, host::Depth::Float);
+    ASSERT_EQ(picture.pixels.size(), (host::Size{8, 3}));
+    const auto at = [&](int x, int y) { return *reinterpret_cast<const float*>(picture.pixels.view().pixel(x, y)); };
+    // The data's column 3 is the display's column 0, its row 0 the display's row 1.
+    EXPECT_EQ(at(0, 1), 3.0f / 16.0f) << path;
+    EXPECT_EQ(at(0, 2), 7.0f / 16.0f);
+    EXPECT_EQ(at(0, 0), 0.0f);
+    EXPECT_EQ(at(1, 1), 0.0f);
+  }
+
+  const host::Image image = sample(host::Depth::Float);
+  OutputPicture output = describe(image, SampleType::Float);
+  output.window = {-5, -7, 14, 293};
+  output.frame = {10, 20};
+  const std::string path = folder / "out.exr";
+  writePicture(path, formatForOutput("", path), output, {});
+  const Picture cropped = readAt(path, host::Depth::Float);
+  ASSERT_EQ(cropped.pixels.size(), output.frame);
+  EXPECT_EQ(std::memcmp(cropped.pixels.view().pixel(0, 0), image.view().pixel(5, 7), 16 * 10), 0);
+}
+
+TEST(PictureFile, CameraOrientationsAreTurnedUpright) {
+  const TestFolder folder;
+  // Stored as 1 2 3 / 4 5 6, by orientation 1 to 8.
+  const std::vector<std::vector<int>> upright = {{1, 2, 3, 4, 5, 6}, {3, 2, 1, 6, 5, 4}, {6, 5, 4, 3, 2, 1},
+                                                 {4, 5, 6, 1, 2, 3}, {1, 4, 2, 5, 3, 6}, {4, 1, 5, 2, 6, 3},
+                                                 {6, 3, 5, 2, 4, 1}, {3, 6, 2, 5, 1, 4}};
+  for (int orientation = 1; orientation <= 8; ++orientation) {
+    ImageSpec spec(3, 2, 1, TypeDesc::UINT8);
+    spec.attribute("Orientation", orientation);
+    writeFile<std::uint8_t>(folder / "a.tif", spec, {1, 2, 3, 4, 5, 6});
+    const Picture picture = readAt(folder / "a.tif", host::Depth::Bits8);
+    const host::Size size = orientation < 5 ? host::Size{3, 2} : host::Size{2, 3};
+    ASSERT_EQ(picture.pixels.size(), size);
+    ASSERT_EQ(probePicture(folder / "a.tif").size, size);
+    std::vector<int> read;
+    for (int y = 0; y < size.height; ++y)
+      for (int x = 0; x < size.width; ++x)
+        read.push_back(pixel8(picture, x, y)[0]);
+    EXPECT_EQ(read, upright[static_cast<std::size_t>(orientation - 1)]) << "orientation " << orientation;
+  }
+}
+
+TEST(PictureFile, WhatIsCutShortIsRefused) {
+  const TestFolder folder;
+  const host::Image image = sample(host::Depth::Float);
+  for (const char* name : {"a.png", "a.jpg", "a.tif", "a.exr", "a.dpx"})
+    for (const double share : {0.98, 0.5, 0.1, 0.0}) {
+      const std::string path = folder / name;
+      writePicture(path, formatForOutput("", path),
+                   describe(image, outputSamples(formatForOutput("", path), DepthChoice::Auto, SampleType::Float)), {});
+      EXPECT_FALSE(breaksOff(path)) << name;
+      folder.cutShort(name, share);
+      EXPECT_THROW(readAt(path, host::Depth::Bits8), CommandError) << name << " " << share;
+      EXPECT_FALSE(isWholePicture(path, image.size())) << name << " " << share;
+    }
+}
+
+TEST(PictureFile, AnOutputThatIsNotCommittedLeavesNothing) {
+  const TestFolder folder;
+  folder.write("kept.txt", "old");
+  {
+    OutputFile file(folder / "kept.txt");
+    file.write("new", 3);
+  }
+  std::string text;
+  std::ifstream(folder / "kept.txt") >> text;
+  EXPECT_EQ(text, "old");
+  EXPECT_EQ(folder.count(), 1u);
+
+  // A link stays one, and what it points to is replaced.
+  std::filesystem::create_symlink("kept.txt", folder / "link.txt");
+  {
+    OutputFile file(folder / "link.txt");
+    file.write("new", 3);
+    file.commit();
+  }
+  std::ifstream(folder / "kept.txt") >> text;
+  EXPECT_EQ(text, "new");
+  EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.txt"));
+  EXPECT_EQ(folder.count(), 2u);
+}
+
+}  // namespace
+}  // namespace vantorel::cli

@@ -1,0 +1,157 @@
+// Stills, the test card and what the effect tells of itself, through the built command.
+#include <OpenImageIO/imageio.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "CommandRunner.h"
+
+namespace vantorel::cli {
+namespace {
+
+constexpr const char* kTurned = " --ul 20,10 --ur 180,30 --ll 10,120 --lr 150,140";
+
+TEST(RenderCommand, AnIdentityRenderReproducesTheLayerAtEveryDepthThroughBothProtocols) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 200x150");
+  runWell(folder, "testcard -o card.exr --size 200x150");
+  for (const std::string protocol : {"smart", "plain"}) {
+    for (const std::string depth : {"auto", "8", "16", "float"}) {
+      runWell(folder, "render card.png -o same.png --depth " + depth + " --protocol " + protocol);
+      // 16-bit files hold v * 257, which as a float is v / 255 but for its last bit.
+      EXPECT_LT(difference(folder / "card.png", folder / "same.png"), 1e-7) << depth << " " << protocol;
+    }
+    runWell(folder, "render card.exr -o same.exr --protocol " + protocol);
+    EXPECT_EQ(difference(folder / "card.exr", folder / "same.exr"), 0.0) << protocol;
+  }
+}
+
+TEST(RenderCommand, PathProtocolAndThreadsDoNotChangeThePicture) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 200x150");
+  struct Shape {
+    const char* corners;
+    const char* path;
+  };
+  for (const Shape& shape :
+       {Shape{kTurned, "perspective"}, Shape{" --ul 20,10 --ur 60,80 --ll 10,120 --lr 150,140", "bilinear"}})
+    for (const std::string quality : {"high", "standard"}) {
+      const std::string common = shape.corners + (" --quality " + quality);
+      const auto lines = runWell(folder, "render card.png -o a.png --json" + common).lines();
+      ASSERT_EQ(lines.size(), 1u);
+      EXPECT_EQ(lines[0]["path"], shape.path);
+      EXPECT_EQ(lines[0]["depth"], 8);
+      EXPECT_EQ(lines[0]["size"], (std::vector<int>{200, 150}));
+      EXPECT_EQ(lines[0]["output"], "a.png");
+      EXPECT_GT(lines[0]["render_ms"], 0.0);
+      runWell(folder, "render card.png -o b.png --protocol plain --threads 1" + common);
+      EXPECT_EQ(difference(folder / "a.png", folder / "b.png"), 0.0) << quality << shape.path;
+      EXPECT_GT(difference(folder / "a.png", folder / "card.png"), 0.05);
+    }
+}
+
+TEST(RenderCommand, DepthsAgreeWithinTheirRounding) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 200x150");
+  for (const std::string depth : {"8", "16", "float"})
+    runWell(folder, "render card.png -o " + depth + ".tif --depth " + depth + kTurned);
+  // Eight bits round three times on the way, to 1/255 each.
+  EXPECT_LT(difference(folder / "8.tif", folder / "float.tif"), 1.5 / 255);
+  EXPECT_LT(difference(folder / "16.tif", folder / "float.tif"), 1.5 / 65535);
+}
+
+TEST(RenderCommand, FitKeepsThePlaceOfTheOutput) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.exr --size 200x150");
+  const std::string corners = " --ul -21.5,10 --ur 180,30 --ll 10,120 --lr 150,140";
+  const auto line = runWell(folder, "render card.exr -o fit.exr --fit --json" + corners).lines().at(0);
+  const auto input = OIIO::ImageInput::open(folder / "fit.exr");
+  ASSERT_TRUE(input);
+  const OIIO::ImageSpec spec = input->spec();
+  EXPECT_EQ(line["origin"], (std::vector<int>{spec.x, spec.y}));
+  EXPECT_LE(spec.x, -22);
+  EXPECT_EQ(spec.full_width, 200);
+  EXPECT_EQ(spec.full_height, 150);
+  // Read back in its display window it is the picture of the layer's own size.
+  runWell(folder, "render fit.exr -o cropped.exr");
+  runWell(folder, "render card.exr -o whole.exr" + corners);
+  EXPECT_EQ(difference(folder / "cropped.exr", folder / "whole.exr"), 0.0);
+
+  const auto png = runWell(folder, "render card.exr -o fit.png --fit --json" + corners).lines().at(0);
+  EXPECT_EQ(png["origin"], line["origin"]);
+  EXPECT_EQ(png["size"], line["size"]);
+}
+
+TEST(RenderCommand, ProxiesShowTheSamePictureSmaller) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 403x301");
+  runWell(folder, "testcard -o plate.png --size 403x301");
+  for (const std::string options : {"", " --over plate.png", " --fit"}) {
+    const std::string common = options + " --ul 40,20 --ur 360,60 --ll 20,240 --lr 300,280";
+    runWell(folder, "render card.png -o full.exr" + common);
+    const auto line = runWell(folder, "render card.png -o half.exr --json --downsample 2" + common).lines().at(0);
+    if (options != " --fit") {
+      EXPECT_EQ(line["size"], (std::vector<int>{202, 151}));
+      // The full picture averaged by twos is near; fine lines and edges differ, since each filters for its own size.
+      const std::string shrink = "render full.exr -o shrunk.exr --downsample 2";
+      runWell(folder, shrink);
+      EXPECT_LT(difference(folder / "shrunk.exr", folder / "half.exr"), 0.08) << options;
+    }
+  }
+}
+
+TEST(RenderCommand, MetadataGoesAlong) {
+  const TestFolder folder;
+  OIIO::ImageSpec spec(4, 4, 3, OIIO::TypeDesc::UINT8);
+  spec.attribute("PixelAspectRatio", 2.0f);
+  spec.attribute("XResolution", 300.0f);
+  spec.attribute("YResolution", 300.0f);
+  spec.attribute("ResolutionUnit", "in");
+  const auto output = OIIO::ImageOutput::create("a.tif");
+  ASSERT_TRUE(output->open(folder / "a.tif", spec));
+  const std::vector<std::uint8_t> grey(48, 128);
+  output->write_image(OIIO::TypeDesc::UINT8, grey.data());
+  output->close();
+  runWell(folder, "render a.tif -o b.tif");
+  const auto input = OIIO::ImageInput::open(folder / "b.tif");
+  ASSERT_TRUE(input);
+  EXPECT_EQ(input->spec().get_float_attribute("XResolution"), 300.0f);
+  EXPECT_EQ(input->spec().get_string_attribute("ResolutionUnit"), "in");
+}
+
+TEST(RenderCommand, LinearLightBrightensMixesOfBlackAndWhite) {
+  const TestFolder folder;
+  const auto output = OIIO::ImageOutput::create("a.png");
+  ASSERT_TRUE(output->open(folder / "a.png", OIIO::ImageSpec(64, 64, 1, OIIO::TypeDesc::UINT8)));
+  std::vector<std::uint8_t> stripes(64 * 64);
+  for (std::size_t i = 0; i < stripes.size(); ++i)
+    stripes[i] = i % 2 == 0 ? 0 : 255;
+  output->write_image(OIIO::TypeDesc::UINT8, stripes.data());
+  output->close();
+  const std::string shrink = " --ul 0,0 --ur 16,0 --ll 0,16 --lr 16,16 --size 16x16";
+  const auto middle = [&](const std::string& name) {
+    std::uint8_t pixels[16 * 16 * 4] = {};
+    OIIO::ImageInput::open(folder / name)->read_image(0, 0, 0, 4, OIIO::TypeDesc::UINT8, pixels);
+    return static_cast<int>(pixels[(8 * 16 + 8) * 4]);
+  };
+  runWell(folder, "render a.png -o plain.png" + shrink);
+  EXPECT_NEAR(middle("plain.png"), 128, 2);
+  runWell(folder, "render a.png -o linear.png --linear" + shrink);
+  EXPECT_NEAR(middle("linear.png"), 188, 2);  // half the light in sRGB
+}
+
+TEST(RenderCommand, InfoTellsOfTheModule) {
+  const TestFolder folder;
+  const nlohmann::json info = nlohmann::json::parse(runWell(folder, "info --json").out);
+  EXPECT_EQ(info["version"], "0x00100600");
+  ASSERT_EQ(info["parameters"].size(), 4u);
+  EXPECT_EQ(info["parameters"][3]["name"], "Lower Right");
+  EXPECT_EQ(info["parameters"][3]["default_percent"], (std::vector<double>{100.0, 100.0}));
+  EXPECT_NE(runWell(folder, "info").out.find("Upper Left"), std::string::npos);
+  for (const std::string arguments : {"--help", "render --help", "info --help", "testcard --help"})
+    EXPECT_EQ(runWell(folder, arguments).out.find("Usage: vantorel") == std::string::npos, false) << arguments;
+  EXPECT_NE(runWell(folder, "--version").out.find("vantorel "), std::string::npos);
+}
+
+}  // namespace
+}  // namespace vantorel::cli

@@ -1,0 +1,120 @@
+// Sequences, keyframes and plates through the built command.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <set>
+#include <string>
+
+#include "CommandRunner.h"
+
+namespace vantorel::cli {
+namespace {
+
+// A card, a plate that differs from it, and keyframes that move the corners from frame 1 to frame 5.
+void makeShot(const TestFolder& folder) {
+  runWell(folder, "testcard -o card.png --size 80x60");
+  runWell(folder, "testcard -o big.png --size 160x120");
+  for (int frame = 1; frame <= 5; ++frame)
+    runWell(folder, "render big.png -o plate." + std::to_string(frame) + ".jpg --ul 0," + std::to_string(frame));
+  folder.write("track.csv", "1,0,0,60,0,0,40,60,40\n5,40,20,120,10,30,80,130,90\n");
+}
+
+constexpr const char* kShot = "render card.png -o out.%02d.png --frames 1-5 --corners track.csv --over plate.#.jpg";
+
+std::string outputName(int frame) {
+  return "out.0" + std::to_string(frame) + ".png";
+}
+
+TEST(SequenceCommand, EveryFrameIsTheStillOfItsTime) {
+  const TestFolder folder;
+  makeShot(folder);
+  std::set<int> frames;
+  for (const nlohmann::json& line : runWell(folder, std::string(kShot) + " --json --threads 2").lines()) {
+    frames.insert(line["frame"].get<int>());
+    EXPECT_EQ(line["output"], outputName(line["frame"]));
+  }
+  EXPECT_EQ(frames, (std::set<int>{1, 2, 3, 4, 5}));
+  // Half way between the keys the corners are half way too.
+  runWell(folder, "render card.png -o still.png --over plate.3.jpg --ul 20,10 --ur 90,5 --ll 15,60 --lr 95,65");
+  EXPECT_EQ(difference(folder / "still.png", folder / outputName(3)), 0.0);
+  // The frame rate moves frames and keys alike.
+  runWell(folder, "render card.png -o still.png --over plate.3.jpg --corners track.csv --frames 3 --fps 23.976");
+  EXPECT_EQ(difference(folder / "still.png", folder / outputName(3)), 0.0);
+}
+
+TEST(SequenceCommand, LayerSequencesGoOverAStillPlateAndStepsAreKept) {
+  const TestFolder folder;
+  makeShot(folder);
+  runWell(folder, "render plate.%d.jpg -o out.%02d.png --frames 1-5x2 --over big.png --ul 10,10 --lr 100,80");
+  runWell(folder, "render plate.5.jpg -o still.png --over big.png --ul 10,10 --lr 100,80");
+  EXPECT_EQ(difference(folder / "still.png", folder / outputName(5)), 0.0);
+  EXPECT_FALSE(std::filesystem::exists(folder / outputName(2)));
+}
+
+TEST(SequenceCommand, ResumeRendersWhatIsMissingOldOrBroken) {
+  const TestFolder folder;
+  makeShot(folder);
+  runWell(folder, kShot);
+  std::filesystem::remove(folder / outputName(1));
+  folder.cutShort(outputName(2), 0.5);
+  // The plate of frame 4 is newer than its output.
+  std::filesystem::last_write_time(folder / "plate.4.jpg",
+                                   std::filesystem::last_write_time(folder / outputName(4)) + std::chrono::seconds(1));
+  const CommandResult result = run(folder, std::string(kShot) + " --resume --json");
+  EXPECT_EQ(result.code, 0);
+  EXPECT_NE(result.err.find("2 of 5 frames were done already"), std::string::npos) << result.err;
+  std::set<int> frames;
+  for (const nlohmann::json& line : result.lines())
+    frames.insert(line["frame"].get<int>());
+  EXPECT_EQ(frames, (std::set<int>{1, 2, 4}));
+  // Newer keyframes make every frame old.
+  std::filesystem::last_write_time(folder / "track.csv",
+                                   std::filesystem::file_time_type::clock::now() + std::chrono::hours(1));
+  EXPECT_EQ(run(folder, std::string(kShot) + " --resume --json").lines().size(), 5u);
+}
+
+TEST(SequenceCommand, ABrokenFrameStopsTheRunOrIsListed) {
+  const TestFolder folder;
+  makeShot(folder);
+  folder.cutShort("plate.3.jpg", 0.6);
+  const CommandResult stopped = run(folder, std::string(kShot) + " --threads 1");
+  EXPECT_EQ(stopped.code, 3);
+  EXPECT_NE(stopped.err.find("vantorel: plate.3.jpg: breaks off"), std::string::npos) << stopped.err;
+  EXPECT_TRUE(std::filesystem::exists(folder / outputName(2)));
+  EXPECT_FALSE(std::filesystem::exists(folder / outputName(3)));
+  EXPECT_FALSE(std::filesystem::exists(folder / outputName(4)));
+
+  // A plate of another size, and a first frame that is not there.
+  runWell(folder, "testcard -o plate.5.jpg --size 100x100");
+  std::filesystem::remove(folder / "plate.1.jpg");
+  const CommandResult listed = run(folder, std::string(kShot) + " --keep-going");
+  EXPECT_EQ(listed.code, 1);
+  for (const char* part :
+       {"frame 1: plate.1.jpg: does not exist", "frame 3: plate.3.jpg: breaks off",
+        "frame 5: plate.5.jpg: its size is 100x100, the shot's is 160x120", "3 of 5 frames failed: 1, 3, 5;"})
+    EXPECT_NE(listed.err.find(part), std::string::npos) << part << "\n" << listed.err;
+  EXPECT_TRUE(std::filesystem::exists(folder / outputName(4)));
+  EXPECT_FALSE(std::filesystem::exists(folder / outputName(5)));
+}
+
+TEST(SequenceCommand, AnInterruptedRunLeavesWholeFramesAndGoesOnLater) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 320x240");
+  const std::string shot = "render card.png -o 'out.%04d.png' --frames 1-100000 --ul 5,5";
+  // `timeout` sends the signal; without --foreground it would reach the test's shell too.
+  const CommandResult result = run(folder, shot, "timeout --foreground --preserve-status -s INT 3");
+  EXPECT_EQ(result.code, 130) << result.err;
+  EXPECT_EQ(result.err, "vantorel: interrupted; no unfinished picture was left behind\n");
+  std::size_t frames = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+    EXPECT_EQ(entry.path().extension(), ".png") << entry.path();
+    frames += entry.path().filename() == "card.png" ? 0 : 1;
+  }
+  const CommandResult resumed =
+      run(folder, "render card.png -o 'out.%04d.png' --resume --ul 5,5 --frames 1-" + std::to_string(frames + 2));
+  EXPECT_EQ(resumed.code, 0) << resumed.err;
+  EXPECT_EQ(folder.count(), frames + 3);
+}
+
+}  // namespace
+}  // namespace vantorel::cli
