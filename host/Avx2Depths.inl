@@ -38,6 +38,16 @@ struct BoxPart {
   std::uint32_t bottom;
 };
 
+// sum / area rounded to nearest, halves up, for the sums of weighted 8 or 16-bit channels and the areas of boxes of up
+// to two pixels' size: whole numbers, the areas up to 2^34. The quotient is taken by the area's reciprocal, which does
+// not wait for the sum, and lies less than 2^-35 beside the true one, which is a whole number or 2^-34 at least below
+// the next: with 2^-35 added, truncation finds the right one.
+inline __m128i roundedQuotient(__m256d sum, __m256d area) {
+  const __m256d reciprocal = _mm256_div_pd(_mm256_set1_pd(1.0), area);
+  const __m256d rounded = _mm256_fmadd_pd(area, _mm256_set1_pd(0.5), sum);
+  return _mm256_cvttpd_epi32(_mm256_fmadd_pd(rounded, reciprocal, _mm256_set1_pd(0x1p-35)));
+}
+
 // ---- 8 bit ---------------------------------------------------------------------------------------------------------
 
 struct Depth8 {
@@ -56,12 +66,7 @@ struct Depth8 {
   static constexpr int kSignFlip = 0;
   static constexpr double kSignedZero = 0.0;
 
-  // Both are whole numbers, the sum of weighted channels below 2^52 and the weights' below 2^35, so that a quotient
-  // below a whole number lies farther below it than the division rounds: the truncated quotient is exact.
-  static void storeQuotient(__m256d sum, __m256d area, Pixel* out) {
-    const __m256d rounded = _mm256_fmadd_pd(area, _mm256_set1_pd(0.5), sum);
-    storeLanes(_mm256_cvttpd_epi32(_mm256_div_pd(rounded, area)), out);
-  }
+  static void storeQuotient(__m256d sum, __m256d area, Pixel* out) { storeLanes(roundedQuotient(sum, area), out); }
 
   static void storeLanes(__m128i lanes, Pixel* out) {
     const __m128i words = _mm_packus_epi32(lanes, lanes);
@@ -147,11 +152,7 @@ struct Depth16 {
 
   static __m256d widen(const std::byte* pixel) { return _mm256_cvtepi32_pd(_mm_cvtepu16_epi32(loadBytes8(pixel))); }
 
-  // As at 8 bits.
-  static void storeQuotient(__m256d sum, __m256d area, Pixel* out) {
-    const __m256d rounded = _mm256_fmadd_pd(area, _mm256_set1_pd(0.5), sum);
-    storeLanes(_mm256_cvttpd_epi32(_mm256_div_pd(rounded, area)), out);
-  }
+  static void storeQuotient(__m256d sum, __m256d area, Pixel* out) { storeLanes(roundedQuotient(sum, area), out); }
 
   // A channel times 65536 takes all 32 bits: the conversion to double, which is signed, sees it less 2^31.
   static constexpr int kSignFlip = -2147483648;
