@@ -54,8 +54,10 @@ int run(std::vector<char*> arguments) {
     return 2;
   }
   addAll(quick ? kQuick : bench::Effort{}, module);
-  for (const auto& [what, ratio] : bench::agreements(module)) {
-    benchmark::AddCustomContext("agreement " + what, ratio);
+  if (!quick) {
+    for (const auto& [what, ratio] : bench::agreements(module)) {
+      benchmark::AddCustomContext("agreement " + what, ratio);
+    }
   }
   benchmark::AddCustomContext("processors", std::to_string(bench::processorCount()));
   benchmark::RunSpecifiedBenchmarks();
