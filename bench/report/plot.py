@@ -3,6 +3,8 @@
 from math import log10
 from xml.sax.saxutils import escape
 
+from tables import ratio_text
+
 ROW = 19
 TOP = 62
 LABELS = 470
@@ -36,12 +38,11 @@ def axis(bottom):
 def bar(outcome, y):
     goal = outcome.goal
     end = position(outcome.ratio)
-    shown = f"{outcome.ratio:.2f}" if outcome.ratio >= 0.02 else f"1/{1 / outcome.ratio:.0f}"
     yield text(LABELS - 8, y + 13, f"{goal.name} / {goal.against}", "end")
     yield (f'<rect x="{LABELS}" y="{y + 3}" width="{end - LABELS:.1f}" height="{ROW - 6}" '
            f'fill="{REACHED if outcome.reached else MISSED}"/>')
     yield line(position(goal.limit), y + 1, y + ROW - 1, GOAL, 2.5)
-    yield text(max(end, position(goal.limit)) + 6, y + 13, shown, size=11)
+    yield text(max(end, position(goal.limit)) + 6, y + 13, ratio_text(outcome.ratio), size=11)
 
 
 def draw(outcomes):

@@ -51,6 +51,17 @@ def load(path):
     return measurements, content["context"]
 
 
+def busyness(measurements):
+    """Wall time divided by processor time of all that ran on one thread: 1 on a machine that does nothing else."""
+    single = [measured for key, measured in measurements.items() if key.kind == "frame" and key.cpus == "1"]
+    return sum(m.seconds(wall=True) for m in single) / sum(m.seconds() for m in single)
+
+
+def in_order(measurements):
+    """Pairs of keys and measurements, sorted by their labels, depths by their bits."""
+    return sorted(measurements.items(), key=lambda pair: pair[0]._replace(depth=pair[0].depth.rjust(2)))
+
+
 def as_json(measurements):
     return [
         {
@@ -62,5 +73,5 @@ def as_json(measurements):
             "cpu_ms_most": 1e3 * max(measured.cpu),
             "wall_ms": 1e3 * measured.seconds(wall=True),
         }
-        for key, measured in sorted(measurements.items())
+        for key, measured in in_order(measurements)
     ]

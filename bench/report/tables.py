@@ -3,7 +3,7 @@
 from typing import NamedTuple
 
 from goals import DEPTHS, HD, SMALL, UHD, depth_text, frame
-from results import Key
+from results import Key, in_order
 
 TOOLS = {
     "opencv-linear": "OpenCV linear",
@@ -31,7 +31,7 @@ def milliseconds(seconds):
 
 
 def ratio_text(ratio):
-    return f"1/{1 / ratio:.0f}" if ratio < 0.02 else f"{ratio:.2f}"
+    return f"1/{1 / ratio:.0f}" if ratio < 0.05 else f"{ratio:.2f}"
 
 
 def limit_text(limit):
@@ -83,7 +83,7 @@ def filtering_peers(measurements):
 
 def two_threads(measurements):
     rows = []
-    for key, measured in sorted(measurements.items()):
+    for key, measured in in_order(measurements):
         single = key._replace(cpus="1")
         if key.cpus == "2" and single in measurements:
             name = "Vantorel" if key.tool == "vantorel" else TOOLS[key.tool]
@@ -96,7 +96,7 @@ def two_threads(measurements):
 
 def per_item(measurements, kind):
     return [(key, 1e9 * measured.seconds() / measured.items)
-            for key, measured in sorted(measurements.items()) if key.kind == kind]
+            for key, measured in in_order(measurements) if key.kind == kind]
 
 
 def parts(measurements):
@@ -118,7 +118,7 @@ def setup_and_floors(measurements):
         if key in measurements:
             rows.append((f"{name} frame of an instance: (g) high, 8 bit, wall time",
                          milliseconds(measurements[key].seconds(wall=True))))
-    for key, measured in sorted(measurements.items()):
+    for key, measured in in_order(measurements):
         if key.kind == "copy":
             rows.append((f"memcpy of a {key.size} picture, {depth_text(key.depth)}", milliseconds(measured.seconds())))
         if key.kind == "sum":
