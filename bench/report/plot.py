@@ -6,7 +6,7 @@ from xml.sax.saxutils import escape
 from tables import ratio_text
 
 ROW = 19
-TOP = 62
+TOP = 76
 LABELS = 470
 SCALE = 420
 RIGHT = 90
