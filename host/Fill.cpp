@@ -1,5 +1,6 @@
 #include "host/Fill.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <optional>
@@ -30,18 +31,18 @@ std::int32_t fillWorld(void* effect_ref, const void* color, const M_LRect* rect,
   if (!depth || world->data == nullptr) {
     return kCodeBadArgument;
   }
-  M_LRect area(0, 0, world->width, world->height);
-  if (rect != nullptr) {
-    IntersectLRect(rect, &area);
-  }
-  if (area.IsEmpty()) {
+  const std::int32_t left = rect != nullptr ? std::max(rect->left, 0) : 0;
+  const std::int32_t top = rect != nullptr ? std::max(rect->top, 0) : 0;
+  const std::int32_t right = rect != nullptr ? std::min(rect->right, world->width) : world->width;
+  const std::int32_t bottom = rect != nullptr ? std::min(rect->bottom, world->height) : world->height;
+  if (left >= right) {
     return ERR_NONE;
   }
   const std::size_t pixel_bytes = bytesPerPixel(*depth);
-  const std::size_t pixels = static_cast<std::size_t>(area.right - area.left);
-  for (std::int32_t y = area.top; y < area.bottom; ++y) {
+  const std::size_t pixels = static_cast<std::size_t>(right) - static_cast<std::size_t>(left);
+  for (std::int32_t y = top; y < bottom; ++y) {
     std::byte* const row = static_cast<std::byte*>(world->data) + std::ptrdiff_t{world->row_bytes} * y;
-    fillRow(row + pixel_bytes * static_cast<std::size_t>(area.left), pixels, pixel_bytes, color);
+    fillRow(row + pixel_bytes * static_cast<std::size_t>(left), pixels, pixel_bytes, color);
   }
   return ERR_NONE;
 }

@@ -23,7 +23,7 @@ PF_Handle HandleStore::allocate(std::uint64_t size) noexcept {
   }
 }
 
-bool HandleStore::free(PF_Handle handle) noexcept {
+bool HandleStore::release(PF_Handle handle) noexcept {
   const std::lock_guard lock(mutex_);
   return handle == nullptr || blocks_.erase(handle) == 1;
 }

@@ -18,8 +18,8 @@ class HandleStore {
   // A zeroed block, or null when the memory is not to be had.
   PF_Handle allocate(std::uint64_t size) noexcept;
 
-  // Frees a block; false, and nothing is done, for a handle that is not of this store's. Null is freed for nothing.
-  bool free(PF_Handle handle) noexcept;
+  // Frees a block; false, and nothing is done, for a handle that is not of this store's. Null frees nothing.
+  bool release(PF_Handle handle) noexcept;
 
   std::size_t count() const;
 

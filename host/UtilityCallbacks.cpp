@@ -25,7 +25,7 @@ void disposeHandle(PF_Handle handle) {
   if (context == nullptr) {
     return;
   }
-  const bool known = context->resources.handles.free(handle);
+  const bool known = context->resources.handles.release(handle);
   if (!known && context->ledger != nullptr) {
     guarded([&] {
       context->ledger->report("a handle was disposed of that is not allocated");
@@ -50,7 +50,9 @@ int formatText(char* destination, const char* format, ...) {
   const std::size_t capacity = capacityAt(destination);
   std::va_list arguments;
   va_start(arguments, format);
-  const int length = std::vsnprintf(destination, capacity, format, arguments);
+  // With several files in one run the analyzer loses sight of va_start.
+  const int length =
+      std::vsnprintf(destination, capacity, format, arguments);  // NOLINT(clang-analyzer-valist.Uninitialized)
   va_end(arguments);
   if (length >= 0 && static_cast<std::size_t>(length) >= capacity) {
     const std::size_t end = completeCharacters({destination, capacity - 1}).size();

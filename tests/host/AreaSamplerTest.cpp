@@ -1,5 +1,7 @@
 #include "host/AreaSampler.h"
 
+#include <array>
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -25,6 +27,12 @@ PF_AreaSampler<Pixel> samplerOf(const AreaSamplers& samplers) {
   } else {
     return samplers.sampleFloat;
   }
+}
+
+template <typename Pixel>
+bool sameBits(const Pixel& a, const Pixel& b) {
+  using Bytes = std::array<std::byte, sizeof(Pixel)>;
+  return std::bit_cast<Bytes>(a) == std::bit_cast<Bytes>(b);
 }
 
 struct Box {
@@ -114,8 +122,7 @@ TYPED_TEST(AreaSamplerTest, ReferenceIsTheMeanOverTheBoxAndEveryVariantEqualsItT
       if (const AreaSamplers* samplers = areaSamplersOf(variant); samplers != nullptr) {
         TypeParam sampled;
         ASSERT_EQ(ERR_NONE, samplerOf<TypeParam>(*samplers)(nullptr, box.x, box.y, &params, &sampled));
-        ASSERT_EQ(0, std::memcmp(&expected, &sampled, sizeof(sampled)))
-            << where << " variant " << static_cast<int>(variant);
+        ASSERT_TRUE(sameBits(expected, sampled)) << where << " variant " << static_cast<int>(variant);
       }
     }
   }
@@ -134,7 +141,7 @@ TYPED_TEST(AreaSamplerTest, EndsOfTheRangeAndBadArgumentsGiveTransparentPixels) 
       TypeParam out;
       std::memset(&out, 0x5A, sizeof(out));
       EXPECT_EQ(expect_success, sample(nullptr, box.x, box.y, &params, &out) == ERR_NONE);
-      return std::memcmp(&out, &transparent, sizeof(out)) == 0;
+      return sameBits(out, transparent);
     };
     EXPECT_TRUE(sampled({kMin, kMin, 32768, 32768}, &world, true));
     EXPECT_TRUE(sampled({kMax, 0, 32768, 524288}, &world, true));
@@ -150,6 +157,11 @@ TYPED_TEST(AreaSamplerTest, EndsOfTheRangeAndBadArgumentsGiveTransparentPixels) 
 TEST(AreaSamplerFloat, WholePositionsCopyEveryBitAndNoWeightlessNeighbourMatters) {
   Image image = testing::noise({3, 3}, Depth::Float);
   PF_LayerDef world = worldOf(image.view());
+  const auto middle = [&] {
+    PF_PixelFloat pixel;
+    std::memcpy(&pixel, image.view().pixel(1, 1), sizeof(pixel));
+    return pixel;
+  };
   const float odd[] = {std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN(), -0.0F,
                        std::numeric_limits<float>::denorm_min(), std::numeric_limits<float>::signaling_NaN()};
   for (const float value : odd) {
@@ -162,13 +174,13 @@ TEST(AreaSamplerFloat, WholePositionsCopyEveryBitAndNoWeightlessNeighbourMatters
       const PF_SampleParams params{32768, 32768, 65536, &world, {}};
       PF_PixelFloat out;
       samplers->sampleFloat(nullptr, 65536, 65536, &params, &out);
-      EXPECT_EQ(0, std::memcmp(&out, image.view().pixel(1, 1), sizeof(out))) << value;
+      EXPECT_TRUE(sameBits(out, middle())) << value;
 
       const float half[4] = {0.5F, 0.25F, 1.0F, 8.0F};
       std::memcpy(image.view().pixel(1, 1), half, sizeof(half));
       std::memcpy(image.view().pixel(1, 2), half, sizeof(half));
       samplers->sampleFloat(nullptr, 65536, 65536 + 32768, &params, &out);
-      EXPECT_EQ(0, std::memcmp(&out, half, sizeof(out))) << "between two equal pixels";
+      EXPECT_TRUE(sameBits(out, middle())) << "between two equal pixels";
     }
   }
 }

@@ -109,11 +109,11 @@ TEST(HandleStoreTest, GivesZeroedBlocksThroughHandlesAndKnowsItsOwn) {
   ASSERT_NE(nullptr, handle);
   EXPECT_EQ(0, std::memcmp(*handle, "\0\0\0\0\0\0\0\0", 8));
   void* stranger = nullptr;
-  EXPECT_FALSE(store.free(&stranger));
+  EXPECT_FALSE(store.release(&stranger));
   EXPECT_EQ(nullptr, store.allocate(~std::uint64_t{0}));
-  EXPECT_TRUE(store.free(handle));
-  EXPECT_FALSE(store.free(handle));
-  EXPECT_TRUE(store.free(nullptr));
+  EXPECT_TRUE(store.release(handle));
+  EXPECT_FALSE(store.release(handle));
+  EXPECT_TRUE(store.release(nullptr));
   EXPECT_EQ(0u, store.count());
 }
 

@@ -58,8 +58,9 @@ double psnr(const ConstImageView& layer, const Corners& c, Image& output) {
     for (int x = 0; x < output.size().width; ++x) {
       double sums[4] = {};
       for (int i = 0; i < kSamples * kSamples; ++i) {
+        const int row = i / kSamples;
         const double px = x + (i % kSamples + 0.5) / kSamples - 0.5;
-        const double py = y + (i / kSamples + 0.5) / kSamples - 0.5;
+        const double py = y + (row + 0.5) / kSamples - 0.5;
         const double w = map[6] * px + map[7] * py + map[8];
         const double u = (map[0] * px + map[1] * py + map[2]) / w * layer.size.width;
         const double v = (map[3] * px + map[4] * py + map[5]) / w * layer.size.height;

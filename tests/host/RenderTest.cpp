@@ -196,11 +196,13 @@ TEST(RenderTest, ManyInstancesOfOneModuleRenderAtOnce) {
     return renderFrame(instance, layer, {0, 0, 64, 64}, {.threads = 2}).pixels;
   };
   std::vector<Image> expected;
+  expected.reserve(6);
   for (int i = 0; i < 6; ++i) {
     expected.push_back(render(i));
   }
   std::atomic<int> same = 0;
   std::vector<std::jthread> callers;
+  callers.reserve(6);
   for (int i = 0; i < 6; ++i) {
     callers.emplace_back([&, i] {
       for (int repeat = 0; repeat < 5; ++repeat) {
