@@ -19,7 +19,7 @@ int channelNamed(const OIIO::ImageSpec& spec, std::initializer_list<const char*>
   return -1;
 }
 
-SampleType sampleType(OIIO::TypeDesc type) {
+SampleType sampleType(const OIIO::TypeDesc& type) {
   switch (type.basetype) {
     case OIIO::TypeDesc::UINT8:
     case OIIO::TypeDesc::INT8:

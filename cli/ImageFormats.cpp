@@ -20,7 +20,7 @@ constexpr std::array<ImageFormat, 5> kFormats{{
      .unassociatedAlpha = true,
      .holds8 = true,
      .holds16 = true},
-    {.name = "JPEG", .extensions = ".jpg .jpeg", .holds8 = true},
+    {.name = "JPEG", .extensions = ".jpg .jpeg", .longestSide = 65500, .holds8 = true},
     {.name = "TIFF",
      .extensions = ".tif .tiff",
      .holdsAlpha = true,
@@ -89,6 +89,13 @@ const ImageFormat& formatForOutput(const std::string& option, const std::string&
   const std::string fault = extension.empty() ? "has no extension that tells the format"
                                               : fmt::format("has the unknown format '{}'", extension);
   throw badArgument(option, fmt::format("'{}' {}; end the name in .png, .jpg, .tif, .exr or .dpx", path, fault));
+}
+
+void requireSizeHeld(const ImageFormat& format, const std::string& path, host::Size size) {
+  if (format.longestSide > 0 && std::max(size.width, size.height) > format.longestSide)
+    throw badArgument("--output", fmt::format("'{}' would have {}x{} pixels and {} holds {} in a side; write another "
+                                              "format or a smaller picture",
+                                              path, size.width, size.height, format.name, format.longestSide));
 }
 
 host::Depth renderDepth(DepthChoice choice, SampleType source) {

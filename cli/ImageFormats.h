@@ -20,6 +20,7 @@ struct ImageFormat {
   bool holdsDataWindow = false;    // keeps pixels at a place of their own inside (or outside) the picture's frame
   bool linearLight = false;        // holds linear light by convention
   bool needsPath = false;          // OpenImageIO must write to a named file, since it reads back what it wrote
+  int longestSide = 0;             // in pixels; 0 where other limits come first
   bool holds8 = false;
   bool holds16 = false;
   bool holdsHalf = false;
@@ -29,6 +30,9 @@ struct ImageFormat {
 // The format that the file name's extension stands for. Throws CommandError (bad argument), naming the option and
 // listing the known formats, when there is none.
 const ImageFormat& formatForOutput(const std::string& option, const std::string& path);
+
+// Throws CommandError (bad argument) when the format cannot hold a picture of that size.
+void requireSizeHeld(const ImageFormat& format, const std::string& path, host::Size size);
 
 // The depth to render at for files of that type: half and float samples become float.
 host::Depth renderDepth(DepthChoice choice, SampleType source);

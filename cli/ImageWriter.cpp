@@ -147,6 +147,7 @@ CommandError writerFailure(const std::string& path, OIIO::ImageOutput& output) {
 
 void writePicture(const std::string& path, const ImageFormat& format, const OutputPicture& picture,
                   const std::stop_token& stop) {
+  requireSizeHeld(format, path, picture.pixels.size);
   OutputFile file(path);
   // The file outlives the writer, which may write as it is destroyed.
   const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(path);

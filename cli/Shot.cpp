@@ -182,6 +182,8 @@ Shot planShot(const RenderOptions& options) {
   shot.depth = options.linear ? host::Depth::Float : renderDepth(options.depth, source);
   shot.samples = outputSamples(*shot.format, options.depth, source);
   shot.frameSize = options.size ? *options.size : (heads.plate ? heads.plate->size : heads.layer.size);
+  if (!options.fit)
+    requireSizeHeld(*shot.format, options.output, host::downsampled(shot.frameSize, options.downsample));
   const std::uint64_t bytesEach = bytesPerFrame(shot, heads);
   requireMemory(options, bytesEach, shot.frameSize, shot.depth);
   shot.framesInFlight = framesInFlight(options, shot.frames, bytesEach);

@@ -68,6 +68,7 @@ TEST(CommandError, Arguments) {
           {still + "--frames 1-2", 2, "--output: 'out.png' has no place for the frame number"},
           {"render card.png -o out.%s.png --frames 1-2", 2, "--output: 'out.%s.png' has a % that is no frame number"},
           {"render card.%04d.png -o out.png", 2, "LAYER: 'card.%04d.png' stands for a sequence"},
+          {"render card.png -o out.jpg --size 65501x8", 2, "--output: 'out.jpg' would have 65501x8 pixels"},
           {"render card.png -o out.gif", 2, "--output: 'out.gif' has the unknown format '.gif'"},
           {"testcard --size 8x8", 2, "--output: is missing"},
           {"testcard -o out.png --size 1000000x1000000", 2, "--size: 1000000x1000000 needs"},
