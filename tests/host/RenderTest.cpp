@@ -145,6 +145,29 @@ RC_GTEST_PROP(RenderPropertyTest, AnyCornersDrawInsideTheOutputAlone, ()) {
   RC_ASSERT(drawn_or_refused);
 }
 
+// The two sides meet at (50, 0), so that the map's horizon runs along the output's first row and through its corner.
+TEST(RenderTest, AHorizonThroughTheOutputsCornerIsDrawnAsFromAnyOther) {
+  const Corners corners{{47.5, 10}, {52.5, 10}, {37.5, 50}, {62.5, 50}};
+  Instance instance = testing::instanceWith(testing::loadModule("vantorel"), corners);
+  Image layer = testing::waves({64, 48}, Depth::Bits8, 16);
+  for (const Quality quality : {Quality::Standard, Quality::High}) {
+    FrameOptions options;
+    options.quality = quality;
+    const testing::Frame frame = testing::renderFrame(instance, layer, {0, 0, 100, 60}, options);
+    const testing::Frame moved = testing::renderFrame(instance, layer, {-7, -3, 100, 60}, options);
+    for (int y = 0; y < 60; ++y) {
+      for (int x = 0; x < 100; ++x) {
+        const std::byte* const a = frame.pixels.view().pixel(x, y);
+        const std::byte* const b = moved.pixels.view().pixel(x + 7, y + 3);
+        for (int c = 0; c < 4; ++c) {
+          ASSERT_NEAR(std::to_integer<int>(a[c]), std::to_integer<int>(b[c]), 1) << x << ' ' << y;
+        }
+      }
+    }
+    EXPECT_EQ(std::to_integer<int>(*frame.pixels.view().pixel(50, 30)), 255);
+  }
+}
+
 TEST(RenderTest, OutputMemoryBeyondTheRowsIsTheCallersOwn) {
   Image layer = noise({20, 20}, Depth::Bits8);
   Image memory = testing::dirty({50, 24}, Depth::Bits8);
