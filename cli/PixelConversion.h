@@ -65,7 +65,10 @@ Channel quantise(float value) {
   constexpr float kMax = static_cast<float>(kOpaque<Channel>);
   if (!(value > 0.0f))
     return 0;
-  return value >= 1.0f ? kOpaque<Channel> : static_cast<Channel>(value * kMax + 0.5f);
+  if (value >= 1.0f)
+    return kOpaque<Channel>;
+  // Half of the next whole number above twice the value: rounded, ties up.
+  return static_cast<Channel>((static_cast<std::uint32_t>(value * (2.0f * kMax)) + 1) / 2);
 }
 
 }  // namespace vantorel::cli

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
 #include <cstdio>
 
 namespace vantorel::cli {
@@ -11,7 +12,7 @@ namespace {
 constexpr std::chrono::milliseconds kBetweenDrawings{100};
 
 std::string durationText(double seconds) {
-  const auto whole = static_cast<std::int64_t>(seconds + 0.5);
+  const std::int64_t whole = std::llround(seconds);
   if (whole >= 3600)
     return fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
   return fmt::format("{}:{:02}", whole / 60, whole % 60);
