@@ -18,6 +18,7 @@ constexpr std::array<ImageFormat, 5> kFormats{{
      .extensions = ".png",
      .holdsAlpha = true,
      .unassociatedAlpha = true,
+     .mustBeFinished = true,
      .holds8 = true,
      .holds16 = true},
     {.name = "JPEG", .extensions = ".jpg .jpeg", .longestSide = 65500, .holds8 = true},

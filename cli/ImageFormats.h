@@ -20,6 +20,7 @@ struct ImageFormat {
   bool holdsDataWindow = false;    // keeps pixels at a place of their own inside (or outside) the picture's frame
   bool linearLight = false;        // holds linear light by convention
   bool needsPath = false;          // OpenImageIO must write to a named file, since it reads back what it wrote
+  bool mustBeFinished = false;     // its library complains on standard error about a picture that ends early
   int longestSide = 0;             // in pixels; 0 where other limits come first
   bool holds8 = false;
   bool holds16 = false;

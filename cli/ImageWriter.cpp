@@ -143,6 +143,16 @@ CommandError writerFailure(const std::string& path, OIIO::ImageOutput& output) {
                                        reason.empty() ? "no reason given" : reason));
 }
 
+// Fills up a picture that nobody is going to see, so that its writer can be closed in peace. Blank rows are packed at
+// no cost to speak of.
+void writeBlankRows(OIIO::ImageOutput& output, int from_row) {
+  const OIIO::ImageSpec& spec = output.spec();
+  const std::vector<std::byte> blank(spec.scanline_bytes(true));
+  for (int y = from_row; y < spec.height; ++y)
+    if (!output.write_scanline(spec.y + y, 0, spec.format, blank.data()))
+      return;
+}
+
 }  // namespace
 
 void writePicture(const std::string& path, const ImageFormat& format, const OutputPicture& picture,
@@ -163,8 +173,11 @@ void writePicture(const std::string& path, const ImageFormat& format, const Outp
   std::vector<std::byte> encoded;
   const host::ConstImageView& pixels = picture.pixels;
   for (int y = 0; y < pixels.size.height; y += std::min(kRowsPerWrite, pixels.size.height - y)) {
-    if (stop.stop_requested())
+    if (stop.stop_requested()) {
+      if (format.mustBeFinished)
+        writeBlankRows(*output, y);
       throw interrupted();
+    }
     const int end = y + std::min(kRowsPerWrite, pixels.size.height - y);
     host::ConstImageView rows{pixels.row(y), pixels.rowBytes, {pixels.size.width, end - y}, pixels.depth};
     if (encoder.changesPixels()) {
