@@ -35,7 +35,7 @@ std::int32_t ReportSizeLimit(PF_InData* in_data, PF_OutData* out_data) {
 
 std::int32_t FrameSetup(PF_InData* in_data, PF_OutData* out_data, PF_ParamDef** params, PF_LayerDef* output) {
   PF_LayerDef* const input = &params[0]->value.layer_world;
-  M_Vector2T<double> corners[4];
+  M_Vector2T<double> corners[4]{};
   if (UseBilinear(in_data, out_data, input)) {
     CornersFromParams(in_data, params, corners);
   } else {

@@ -31,7 +31,7 @@ M_Vector3T<double> UnitEdge(const PF_InData* in_data, const M_Vector2T<double>& 
 }  // namespace
 
 bool UseBilinear(PF_InData* in_data, PF_OutData* out_data, PF_LayerDef* input) {
-  M_Vector2T<double> points[4];
+  M_Vector2T<double> points[4]{};
   if (GetCornerPoints(in_data, out_data, input, points) != ERR_NONE || !IsStrictlyConvex(points)) {
     return true;
   }

@@ -49,7 +49,7 @@ std::int32_t PreRender(PF_InData* in_data, PF_OutData* out_data, PF_PreRenderExt
   buffer.height = WrapSub(delivered.bottom, delivered.top);
   PF_LayerDef* const input = TellsBufferSize(in_data, delivered) ? &buffer : nullptr;
 
-  M_Vector2T<double> corners[4];
+  M_Vector2T<double> corners[4]{};
   err = UseBilinear(in_data, out_data, input) ? GetCornerParams(in_data, corners, 0, 0)
                                               : GetCornerPoints(in_data, out_data, input, corners);
   if (err != ERR_NONE) {

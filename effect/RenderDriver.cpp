@@ -116,7 +116,7 @@ std::int32_t DoRender(PF_InData* in_data, PF_OutData* out_data, PF_LayerDef* inp
   KZFX_PerspectiveInfo info;
   FillSizes(in_data, input, output, &info);
 
-  M_Vector2T<double> points[4];
+  M_Vector2T<double> points[4]{};
   std::int32_t err = GetCornerPoints(in_data, out_data, input, points);
   if (err != ERR_NONE) {
     return err;
