@@ -41,7 +41,12 @@ struct Mp_RectObject : Base {
   using Coordinate = decltype(Base::left);
 
   Mp_RectObject() = default;
-  constexpr Mp_RectObject(Coordinate l, Coordinate t, Coordinate r, Coordinate b) : Base{l, t, r, b} {}
+  constexpr Mp_RectObject(Coordinate l, Coordinate t, Coordinate r, Coordinate b) : Base() {
+    this->left = l;
+    this->top = t;
+    this->right = r;
+    this->bottom = b;
+  }
 
   constexpr Coordinate Left() const { return this->left; }
   constexpr Coordinate Top() const { return this->top; }
