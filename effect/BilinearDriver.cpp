@@ -46,8 +46,10 @@ std::int32_t TracePointBilinear(PF_InData* in_data, PF_OutData* out_data, PF_Lay
     case 16:
       FixedToFixed16(in_data, input, source, corners, output);
       break;
-    default:
+    case 8:
       FixedToFixed(in_data, input, source, corners, output);
+      break;
+    default:
       break;
   }
   return ERR_NONE;

@@ -133,7 +133,9 @@ std::int32_t DoRender(PF_InData* in_data, PF_OutData* out_data, PF_LayerDef* inp
       return IterateFloatRows(in_data, out_data, area, &info, output);
     case 16:
       return Iterate16Rows(in_data, area, &info, output);
-    default:
+    case 8:
       return Iterate8Rows(in_data, area, &info, output);
+    default:
+      return ERR_NONE;
   }
 }
