@@ -13,6 +13,7 @@
 #include "cli/ChannelPlan.h"
 #include "cli/CommandError.h"
 #include "cli/FileEnd.h"
+#include "cli/MemoryType.h"
 #include "cli/Orientation.h"
 #include "cli/PixelConversion.h"
 
@@ -87,24 +88,12 @@ PictureInfo infoOf(const Source& source) {
   return {size, samplesOf(source.spec, source.plan), source.plan.hasAlpha()};
 }
 
-OIIO::TypeDesc typeFor(host::Depth depth) {
-  switch (depth) {
-    case host::Depth::Bits8:
-      return OIIO::TypeDesc::UINT8;
-    case host::Depth::Bits16:
-      return OIIO::TypeDesc::UINT16;
-    case host::Depth::Float:
-      return OIIO::TypeDesc::FLOAT;
-  }
-  return OIIO::TypeDesc::FLOAT;
-}
-
 // Rows yBegin to yEnd (counted in the data window) of channels [first, end), four channels of room to a pixel.
 void readChannels(Source& source, int yBegin, int yEnd, int first, int end, const host::ImageView& rows,
                   std::byte* data) {
   const OIIO::ImageSpec& spec = source.spec;
   const auto pixelBytes = static_cast<OIIO::stride_t>(host::bytesPerPixel(rows.depth));
-  const OIIO::TypeDesc type = typeFor(rows.depth);
+  const OIIO::TypeDesc type = memoryType(rows.depth);
   const bool read =
       spec.tile_width > 0
           ? source.input->read_tiles(0, 0, spec.x, spec.x + spec.width, spec.y + yBegin, spec.y + yEnd, spec.z,

@@ -9,6 +9,7 @@
 
 #include "cli/CommandError.h"
 #include "cli/ImageReader.h"
+#include "cli/MemoryType.h"
 #include "cli/OutputFile.h"
 #include "cli/PixelConversion.h"
 
@@ -33,18 +34,6 @@ OIIO::TypeDesc fileType(SampleType samples) {
     case SampleType::Half:
       return OIIO::TypeDesc::HALF;
     case SampleType::Float:
-      return OIIO::TypeDesc::FLOAT;
-  }
-  return OIIO::TypeDesc::FLOAT;
-}
-
-OIIO::TypeDesc memoryType(host::Depth depth) {
-  switch (depth) {
-    case host::Depth::Bits8:
-      return OIIO::TypeDesc::UINT8;
-    case host::Depth::Bits16:
-      return OIIO::TypeDesc::UINT16;
-    case host::Depth::Float:
       return OIIO::TypeDesc::FLOAT;
   }
   return OIIO::TypeDesc::FLOAT;
