@@ -57,7 +57,8 @@ void addSampler(const Effort& effort, const char* variant, PF_AreaSampler<Pixel>
 
 void addAreaSamplers(const Effort& effort) {
   constexpr std::pair<host::SamplerVariant, const char*> kVariants[] = {{host::SamplerVariant::Plain, "plain"},
-                                                                        {host::SamplerVariant::Avx2, "avx2"}};
+                                                                        {host::SamplerVariant::Avx2, "avx2"},
+                                                                        {host::SamplerVariant::Avx512, "avx512"}};
   for (const auto& [variant, name] : kVariants) {
     if (const host::AreaSamplers* samplers = host::areaSamplersOf(variant)) {
       addSampler(effort, name, samplers->sample8, host::Depth::Bits8);

@@ -10,9 +10,9 @@ const RowBlockFunctions* RowBlockFunctionsFor(InstructionSet set) {
       return &kRowBlocksPlain;
 #if defined(__x86_64__)
     case InstructionSet::Avx2:
-      return __builtin_cpu_supports("avx2") ? &kRowBlocksAvx2 : nullptr;
+      return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") ? &kRowBlocksAvx2 : nullptr;
     case InstructionSet::Avx512:
-      return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
+      return __builtin_cpu_supports("fma") && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
                      __builtin_cpu_supports("avx512vl")
                  ? &kRowBlocksAvx512
                  : nullptr;

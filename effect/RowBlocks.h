@@ -1,49 +1,15 @@
-// The row samplers' arithmetic in blocks of pixels: the projective coordinates of a block are walked one after the
-// other, since every step rounds, and what follows from them is computed for the whole block at once.
+// The row samplers' arithmetic in blocks of pixels: the walk along the row in homogeneous coordinates, every step of
+// which rounds, and what follows from them: each pixel's position in the input and its footprint.
 //
-// The computation exists once per instruction set, from one text, and gives the same bits in all of them.
+// The computation exists once per instruction set and gives the same bits in all of them.
 #pragma once
 
 #include <cstdint>
 
-// Pixels per block.
+#include "effect/RowWalk.h"
+
+// Pixels per block; a whole number of every set's vectors.
 constexpr int kRowBlock = 64;
-
-// A block's homogeneous coordinates.
-struct HomogeneousBlock {
-  double u[kRowBlock];
-  double v[kRowBlock];
-  double w[kRowBlock];
-};
-
-// Where a block's pixels lie in the input, 16.16, and which of them lie nowhere because a projective divisor is 0.
-struct PositionBlock {
-  std::int32_t x[kRowBlock];
-  std::int32_t y[kRowBlock];
-  std::int32_t no_divisor[kRowBlock];
-};
-
-// A block's pixels and the three neighbours that measure their footprints.
-struct NeighbourhoodBlock {
-  HomogeneousBlock centre;
-  HomogeneousBlock right;
-  HomogeneousBlock lower_right;
-  HomogeneousBlock lower;
-};
-
-// Positions and sampling boxes of a block's pixels, 16.16.
-struct FootprintBlock {
-  PositionBlock position;
-  std::int32_t x_radius[kRowBlock];
-  std::int32_t y_radius[kRowBlock];
-  std::int32_t area[kRowBlock];
-};
-
-// The change of the divisor from a pixel to its neighbours.
-struct DivisorSteps {
-  double right;
-  double down;
-};
 
 // Input size divided by output size.
 struct InputScale {
@@ -51,14 +17,32 @@ struct InputScale {
   double y;
 };
 
-// The block computations of one instruction set. Every element of the outputs is written, whatever the inputs hold.
+// The sampling box of a pixel, 16.16, laid out as at the start of PF_SampleParams.
+struct SampleBoxSize {
+  std::int32_t x_radius;
+  std::int32_t y_radius;
+  std::int32_t area;
+  std::int32_t unused;
+};
+
+// Where a block's pixels lie in the input, 16.16, and at high quality their boxes. A pixel that lies nowhere, because a
+// projective divisor is 0, has undefined ones.
+struct PixelBlock {
+  std::int32_t x[kRowBlock];
+  std::int32_t y[kRowBlock];
+  SampleBoxSize box[kRowBlock];
+  bool lies_nowhere[kRowBlock];  // defined only if the block's function returned true
+};
+
+// The block computations of one instruction set. They step before they evaluate, fill the first `count` pixels (1 to
+// kRowBlock) of the block, and leave the walk at the last of them where `count` is kRowBlock. They return whether any
+// pixel lies nowhere.
 struct RowBlockFunctions {
   // x = trunc(trunc(u / w) * scale), likewise y.
-  void (*positions)(const HomogeneousBlock& at, const InputScale& scale, PositionBlock* out);
-  // Radii between 0.5 and 8 pixels from the largest distance to a neighbour, the box's area, and the rounded position.
-  // Returns whether any pixel has a zero divisor, its own or a neighbour's.
-  bool (*footprints)(const NeighbourhoodBlock& at, const DivisorSteps& steps, const InputScale& scale,
-                     FootprintBlock* out);
+  bool (*positions)(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out);
+  // Walks round each pixel's neighbours: right, lower right, lower and back; the walk goes on from there. The position
+  // is rounded, and the box has radii between 0.5 and 8 pixels: half the largest distance to a neighbour.
+  bool (*footprints)(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out);
 };
 
 enum class InstructionSet { Plain, Avx2, Avx512 };

@@ -1,4 +1,122 @@
-#include "effect/RowBlockLoops.inl"
+// The block computations pixel by pixel: for every machine, for the pixels that vectors leave over, and the reference
+// that the vectors must equal to the bit.
+#include <algorithm>
+#include <cmath>
+
+#include "effect/Int32Arithmetic.h"
 #include "effect/RowBlocksVariants.h"
 
-const RowBlockFunctions kRowBlocksPlain = kFunctions;
+namespace {
+
+// The extent of a pixel's box in the input, 16.16: one to 16 pixels.
+constexpr std::int32_t kSmallestExtent = 65536;
+constexpr std::int32_t kLargestExtent = 16 * 65536;
+
+// 16.16, halves rounded away from zero.
+std::int32_t RoundedFixed(double value) {
+  return Int32FromDouble(value * 65536.0 + (value < 0.0 ? -0.5 : 0.5));
+}
+
+// For the divisor's walk at a pixel whose divisor is `w`.
+bool HasZeroDivisor(const CoordinateWalk& walk, double w) {
+  return w == 0.0 || w + walk.down + walk.right == 0.0 || w + walk.right == 0.0 || w + walk.down == 0.0;
+}
+
+// A coordinate of a pixel and its neighbours.
+struct Neighbourhood {
+  double centre;
+  double right;
+  double lower_right;
+  double lower;
+};
+
+// Walks round the neighbours of the pixel at `centre`, and back.
+Neighbourhood GoRound(double centre, CoordinateWalk* walk) {
+  Neighbourhood around;
+  around.centre = centre;
+  around.right = centre + walk->right;
+  around.lower_right = around.right + walk->down;
+  around.lower = around.lower_right - walk->right;
+  walk->at = around.lower - walk->down;
+  return around;
+}
+
+double Larger(double a, double b) {
+  return a < b ? b : a;
+}
+
+// The largest distance from a pixel to a neighbour, where w holds the divisors.
+double Extent(const Neighbourhood& at, const Neighbourhood& w) {
+  const double centre = at.centre / w.centre;
+  const double right = std::abs(at.right / w.right - centre);
+  const double lower_right = std::abs(at.lower_right / w.lower_right - centre);
+  const double lower = std::abs(at.lower / w.lower - centre);
+  return Larger(Larger(right, lower_right), lower);
+}
+
+std::int32_t Radius(double extent) {
+  return std::clamp(RoundedFixed(extent), kSmallestExtent, kLargestExtent) >> 1;
+}
+
+SampleBoxSize BoxOf(double x_extent, double y_extent) {
+  const std::int32_t x_radius = Radius(x_extent);
+  const std::int32_t y_radius = Radius(y_extent);
+  const double product = static_cast<double>(x_radius) * static_cast<double>(y_radius);
+  return {x_radius, y_radius, static_cast<std::int32_t>(product * (1.0 / 65536.0)) * 4, 0};
+}
+
+// After steps that the runs were not told of.
+void ForgetRuns(RowWalk* walk) {
+  walk->u.run = 0;
+  walk->v.run = 0;
+  walk->w.run = 0;
+}
+
+bool PositionsOfBlock(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
+  return PlainPositions(walk, scale, 0, count, out);
+}
+
+bool FootprintsOfBlock(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
+  return PlainFootprints(walk, scale, 0, count, out);
+}
+
+}  // namespace
+
+bool PlainPositions(RowWalk* walk, const InputScale& scale, int first, int end, PixelBlock* out) {
+  bool any_nowhere = false;
+  for (int i = first; i < end; ++i) {
+    const double u = walk->u.at += walk->u.right;
+    const double v = walk->v.at += walk->v.right;
+    const double w = walk->w.at += walk->w.right;
+    out->lies_nowhere[i] = w == 0.0;
+    any_nowhere = any_nowhere || out->lies_nowhere[i];
+    out->x[i] = Int32FromDouble(Int32FromDouble(u / w) * scale.x);
+    out->y[i] = Int32FromDouble(Int32FromDouble(v / w) * scale.y);
+  }
+  ForgetRuns(walk);
+  return any_nowhere;
+}
+
+bool PlainFootprints(RowWalk* walk, const InputScale& scale, int first, int end, PixelBlock* out) {
+  bool any_nowhere = false;
+  for (int i = first; i < end; ++i) {
+    walk->u.at += walk->u.right;
+    walk->v.at += walk->v.right;
+    walk->w.at += walk->w.right;
+    out->lies_nowhere[i] = HasZeroDivisor(walk->w, walk->w.at);
+    if (out->lies_nowhere[i]) {
+      any_nowhere = true;
+      continue;
+    }
+    const Neighbourhood u = GoRound(walk->u.at, &walk->u);
+    const Neighbourhood v = GoRound(walk->v.at, &walk->v);
+    const Neighbourhood w = GoRound(walk->w.at, &walk->w);
+    out->box[i] = BoxOf(Extent(u, w) * scale.x, Extent(v, w) * scale.y);
+    out->x[i] = RoundedFixed(u.centre / w.centre * scale.x);
+    out->y[i] = RoundedFixed(v.centre / w.centre * scale.y);
+  }
+  ForgetRuns(walk);
+  return any_nowhere;
+}
+
+const RowBlockFunctions kRowBlocksPlain{PositionsOfBlock, FootprintsOfBlock};

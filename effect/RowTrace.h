@@ -1,8 +1,7 @@
 // Tracing one output row of the perspective renderer, written once for both qualities and every pixel type.
 //
-// A walk gives the row's pixels: it steps the projective coordinates from pixel to pixel, stores them into a block, has
-// the block computed, and hands out each pixel's sample. While a block's pixels are sampled by the host, the walk
-// already stores the next block, so that the two overlap.
+// A quality gives the walk along the row, the function that computes a block of its pixels, and what of the sampling
+// record changes from pixel to pixel. The host samples a block's pixels one by one.
 #pragma once
 
 #include <algorithm>
@@ -13,10 +12,6 @@
 
 #include "effect/PerspectiveInfo.h"
 #include "effect/RowBlocks.h"
-
-// So many pixels of the next block are stored at once: enough to keep the coordinates in registers meanwhile, few
-// enough for the processor to overlap their chain of additions with the sampling.
-constexpr int kWalkGroup = 4;
 
 // The columns of a row inside the reject box, [first, end); a bound that is not a number rejects nothing.
 struct ColumnRange {
@@ -51,51 +46,59 @@ void ClearPixels(Pixel* out, std::int64_t count) {
   std::memset(static_cast<void*>(out), 0, static_cast<std::size_t>(count) * sizeof(Pixel));
 }
 
+// Samples a block's pixels in order into `out`. The host's error codes are not looked at: a pixel that the host does
+// not write repeats the one before it, which `working` holds.
+template <typename Quality, bool kSomeLieNowhere, typename Pixel>
+void SampleBlock(const KZFX_PerspectiveInfo& info, const PixelBlock& block, int count, PF_SampleParams* params,
+                 Pixel* working, Pixel* out) {
+  const PF_AreaSampler<Pixel> sample = AreaSamplerOf<Pixel>(info);
+  void* const effect_ref = info.effect_ref;
+  for (int i = 0; i < count; ++i) {
+    if (kSomeLieNowhere && block.lies_nowhere[i]) {
+      *working = Pixel{};
+    } else {
+      Quality::SetBox(block.box[i], params);
+      sample(effect_ref, block.x[i], block.y[i], params, working);
+    }
+    out[i] = *working;
+  }
+}
+
+// Draws the accepted columns of row y, from column x of the walk on.
+template <typename Quality, typename Pixel>
+void TraceColumns(const KZFX_PerspectiveInfo& info, const ColumnRange& columns, std::int32_t x, std::int32_t y,
+                  Pixel* out, const RowBlockFunctions& functions) {
+  InputScale scale;
+  RowWalk walk = Quality::WalkFrom(info, x, y, &scale);
+  WalkAlong(&walk, static_cast<int>(columns.first - x));
+  PF_SampleParams params = Quality::FirstParams(info);
+  PixelBlock block;
+  Pixel working{};
+  for (std::int64_t remaining = columns.end - columns.first; remaining > 0; remaining -= kRowBlock, out += kRowBlock) {
+    const int count = static_cast<int>(std::min<std::int64_t>(remaining, kRowBlock));
+    if (Quality::ComputeBlock(functions, &walk, scale, count, &block)) {
+      SampleBlock<Quality, true>(info, block, count, &params, &working, out);
+    } else {
+      SampleBlock<Quality, false>(info, block, count, &params, &working, out);
+    }
+  }
+}
+
 // Writes the row of `out_width` pixels that starts at output pixel (x, y), from `out` on.
 //
-// The walk steps before it evaluates; the driver's corner points are shifted by a pixel to make up for it. The host's
-// error codes are not looked at: a pixel that the host does not write repeats the one before it.
-template <typename Walk, typename Pixel>
+// The walk steps before it evaluates; the driver's corner points are shifted by a pixel to make up for it.
+template <typename Quality, typename Pixel>
 void TraceRow(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y, Pixel* out,
               const RowBlockFunctions& functions) {
   if (info.out_width <= 0) {
     return;
   }
   const std::int64_t row_end = std::int64_t{x} + info.out_width;
-  if (RowIsRejected(info, y)) {
-    ClearPixels(out, info.out_width);
-    return;
-  }
-  const ColumnRange columns = AcceptedColumns(info, x, row_end);
-  if (columns.first == columns.end) {
-    ClearPixels(out, info.out_width);
-    return;
-  }
+  const ColumnRange columns =
+      RowIsRejected(info, y) ? ColumnRange{row_end, row_end} : AcceptedColumns(info, x, row_end);
   ClearPixels(out, columns.first - x);
   ClearPixels(out + (columns.end - x), row_end - columns.end);
-
-  const PF_AreaSampler<Pixel> sample = AreaSamplerOf<Pixel>(info);
-  Walk walk(info, x, y);
-  for (std::int64_t column = x; column < columns.first; ++column) {
-    walk.Skip();
-  }
-  std::int64_t remaining = columns.end - columns.first;
-  walk.StoreNext(0, static_cast<int>(std::min<std::int64_t>(remaining, kRowBlock)));
-  Pixel working{};
-  for (Pixel* block_out = out + (columns.first - x); remaining > 0; block_out += kRowBlock, remaining -= kRowBlock) {
-    const int count = static_cast<int>(std::min<std::int64_t>(remaining, kRowBlock));
-    walk.ComputeBlock(functions, count);
-    const int next_count = static_cast<int>(std::clamp<std::int64_t>(remaining - kRowBlock, 0, kRowBlock));
-    for (int i = 0; i < count; ++i) {
-      if (i % kWalkGroup == 0 && i < next_count) {
-        walk.StoreNext(i, std::min(i + kWalkGroup, next_count));
-      }
-      if (walk.HasSample(i)) {
-        sample(info.effect_ref, walk.X(i), walk.Y(i), walk.Params(i), &working);
-      } else {
-        working = Pixel{};
-      }
-      block_out[i] = working;
-    }
+  if (columns.first < columns.end) {
+    TraceColumns<Quality>(info, columns, x, y, out + (columns.first - x), functions);
   }
 }

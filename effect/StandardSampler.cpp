@@ -20,64 +20,29 @@ AxisUnits UnitsAlong(double out_length, double scale) {
   return out_length > 32767.0 ? AxisUnits{out_length * scale, 1.0} : AxisUnits{out_length, scale};
 }
 
-// Steps the homogeneous coordinates along a row, u and v in 16.16 units of the output's size.
-class StandardWalk {
- public:
-  StandardWalk(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y)
-      : params_{kHalfPixel, kHalfPixel, kOneSquarePixel, info.input_world, {}} {
+// The coordinates u and v in 16.16 units of the output's size, and one box for all pixels.
+struct StandardQuality {
+  static RowWalk WalkFrom(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y, InputScale* scale) {
     const auto& m = info.quad_to_unit.m;
     const AxisUnits across = UnitsAlong(info.out_width_d, info.x_scale);
     const AxisUnits down = UnitsAlong(info.out_height_d, info.y_scale);
-    scale_ = {across.to_input, down.to_input};
-    du_ = 65536.0 * (m[0][0] * across.length);
-    dv_ = 65536.0 * (m[0][1] * down.length);
-    dw_ = m[0][2];
-    u_ = (65536.0 * across.length) * (m[0][0] * x + m[1][0] * y + m[2][0]);
-    v_ = (65536.0 * down.length) * (m[0][1] * x + m[1][1] * y + m[2][1]);
-    w_ = m[0][2] * x + m[1][2] * y + m[2][2];
+    *scale = {across.to_input, down.to_input};
+    return {
+        {(65536.0 * across.length) * (m[0][0] * x + m[1][0] * y + m[2][0]), 65536.0 * (m[0][0] * across.length), 0.0},
+        {(65536.0 * down.length) * (m[0][1] * x + m[1][1] * y + m[2][1]), 65536.0 * (m[0][1] * down.length), 0.0},
+        {m[0][2] * x + m[1][2] * y + m[2][2], m[0][2], 0.0}};
   }
 
-  void Skip() {
-    u_ += du_;
-    v_ += dv_;
-    w_ += dw_;
+  static PF_SampleParams FirstParams(const KZFX_PerspectiveInfo& info) {
+    return {kHalfPixel, kHalfPixel, kOneSquarePixel, info.input_world, {}};
   }
 
-  void StoreNext(int first, int end) {
-    double u = u_;
-    double v = v_;
-    double w = w_;
-    for (int i = first; i < end; ++i) {
-      u += du_;
-      v += dv_;
-      w += dw_;
-      next_.u[i] = u;
-      next_.v[i] = v;
-      next_.w[i] = w;
-    }
-    u_ = u;
-    v_ = v;
-    w_ = w;
+  static bool ComputeBlock(const RowBlockFunctions& functions, RowWalk* walk, const InputScale& scale, int count,
+                           PixelBlock* block) {
+    return functions.positions(walk, scale, count, block);
   }
 
-  void ComputeBlock(const RowBlockFunctions& functions, int /*count*/) { functions.positions(next_, scale_, &block_); }
-
-  bool HasSample(int i) const { return block_.no_divisor[i] == 0; }
-  std::int32_t X(int i) const { return block_.x[i]; }
-  std::int32_t Y(int i) const { return block_.y[i]; }
-  const PF_SampleParams* Params(int /*i*/) const { return &params_; }
-
- private:
-  double u_;
-  double v_;
-  double w_;
-  double du_;
-  double dv_;
-  double dw_;
-  InputScale scale_;
-  PF_SampleParams params_;
-  HomogeneousBlock next_{};
-  PositionBlock block_;
+  static void SetBox(const SampleBoxSize& /*box*/, PF_SampleParams* /*params*/) {}
 };
 
 }  // namespace
@@ -85,7 +50,7 @@ class StandardWalk {
 template <typename Pixel>
 void TraceStandardRow(const void* info, std::int32_t x, std::int32_t y, Pixel* out,
                       const RowBlockFunctions& functions) {
-  TraceRow<StandardWalk>(*static_cast<const KZFX_PerspectiveInfo*>(info), x, y, out, functions);
+  TraceRow<StandardQuality>(*static_cast<const KZFX_PerspectiveInfo*>(info), x, y, out, functions);
 }
 template void TraceStandardRow(const void*, std::int32_t, std::int32_t, PF_Pixel8*, const RowBlockFunctions&);
 template void TraceStandardRow(const void*, std::int32_t, std::int32_t, PF_Pixel16*, const RowBlockFunctions&);

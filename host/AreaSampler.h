@@ -27,7 +27,7 @@ struct AreaSamplers {
 // The samplers that modules get: those of the best instruction set that the machine has.
 const AreaSamplers& areaSamplers();
 
-enum class SamplerVariant { Plain, Avx2 };
+enum class SamplerVariant { Plain, Avx2, Avx512 };
 
 // The samplers of a variant, or null where this machine or build does not have it. All give the same bits.
 const AreaSamplers* areaSamplersOf(SamplerVariant variant);

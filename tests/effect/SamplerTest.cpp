@@ -9,6 +9,7 @@
 
 #include "effect/HighQualitySampler.h"
 #include "effect/PerspectiveInfo.h"
+#include "effect/ProjectiveMap.h"
 #include "effect/RowBlocks.h"
 #include "effect/StandardSampler.h"
 #include "tests/effect/ScriptedHost.h"
@@ -167,6 +168,34 @@ RC_GTEST_PROP(RowSamplers, EqualTheirDefinitionToTheBit, ()) {
   info.x_scale = *rc::gen::inRange(1, 4000) / 100.0;
   info.y_scale = *rc::gen::inRange(1, 4000) / 100.0;
   checkAllSamplers(host, info, *rc::gen::element(0, 0, 0, 7, -9), *rc::gen::inRange(-3, 60));
+}
+
+// The maps of quadrilaterals, along whole rows: coordinates that keep their binary exponents for long, which vectors
+// may rely on, and change them at times, which they must notice.
+RC_GTEST_PROP(RowSamplers, EqualTheirDefinitionOnQuadrilaterals, ()) {
+  ScriptedHost host;
+  const int width = *rc::gen::inRange(300, 2000);
+  const int height = *rc::gen::inRange(100, 1100);
+  KZFX_PerspectiveInfo info = infoFor(host, width, height);
+  // Corners on whole pixels, on fractions, or beside a rectangle; the map must exist.
+  const double grid = *rc::gen::element(1.0, 65536.0, 10.0);
+  const double spread = *rc::gen::element(0.0, 0.3, 2.0);
+  M_Vector2T<double> quad[4];
+  for (int i = 0; i < 4; ++i) {
+    const auto place = [&](int low_end, int length) {
+      const double at = low_end * length + *rc::gen::inRange(-1000, 1001) / 1000.0 * spread * length;
+      return std::round(at * grid) / grid;
+    };
+    quad[i].x = place(i == 1 || i == 2, width);
+    quad[i].y = place(i >= 2, height);
+  }
+  info.quad_to_unit = M_Matrix3(true);
+  KZFX_MapUnitSquareToFromQuad(quad, &info.quad_to_unit, 0);
+  info.bound_left = info.bound_top = -1e9;
+  info.bound_right = info.bound_bottom = 1e9;
+  info.x_scale = *rc::gen::element(1.0, 2.0, 1.0 / 3.0, 1920.0 / 1817.0, 12.0);
+  info.y_scale = *rc::gen::element(1.0, 2.0, 1.0 / 3.0, 1080.0 / 1017.0, 12.0);
+  checkAllSamplers(host, info, 0, *rc::gen::inRange(0, height));
 }
 
 TEST(RowSamplers, PixelsByTheVanishingLineAreNotWalkedRound) {

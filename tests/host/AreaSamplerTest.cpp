@@ -118,7 +118,7 @@ TYPED_TEST(AreaSamplerTest, ReferenceIsTheMeanOverTheBoxAndEveryVariantEqualsItT
         ASSERT_TRUE(!is_exact || std::floor(exact + 0.5L) == value) << where;
       }
     }
-    for (const SamplerVariant variant : {SamplerVariant::Plain, SamplerVariant::Avx2}) {
+    for (const SamplerVariant variant : {SamplerVariant::Plain, SamplerVariant::Avx2, SamplerVariant::Avx512}) {
       if (const AreaSamplers* samplers = areaSamplersOf(variant); samplers != nullptr) {
         TypeParam sampled;
         ASSERT_EQ(ERR_NONE, samplerOf<TypeParam>(*samplers)(nullptr, box.x, box.y, &params, &sampled));

@@ -1,5 +1,5 @@
-// The pixel depths for the AVX2 area samplers: how pixels are loaded and stored, and the sum of a box of up to 17 by 17
-// pixels. Included by AreaSamplerAvx2.cpp alone.
+// The pixel depths of the area samplers that use vectors: how pixels are loaded and stored, and the sum of a box of up
+// to 17 by 17 pixels. Included by the small boxes' files.
 #include <immintrin.h>
 
 #include "host/AreaSamplerVariants.h"
@@ -38,6 +38,14 @@ struct BoxPart {
   std::uint32_t bottom;
 };
 
+// A box of one to two pixels' size that begins in a given pixel: where in it, and its size, in 1/65536 pixel.
+struct SmallBox {
+  std::int32_t left;
+  std::int32_t top;
+  std::int32_t width;
+  std::int32_t height;
+};
+
 // sum / area rounded to nearest, halves up, for the sums of weighted 8 or 16-bit channels and the areas of boxes of up
 // to two pixels' size: whole numbers, the areas up to 2^34. The quotient is taken by the area's reciprocal, which does
 // not wait for the sum, and lies less than 2^-35 beside the true one, which is a whole number or 2^-34 at least below
@@ -54,7 +62,7 @@ struct Depth8 {
   using Pixel = PF_Pixel8;
   static constexpr std::ptrdiff_t kPixelBytes = 4;
   static constexpr int kColumnsPerLoad = 4;
-  static constexpr bool kZeroWeightsVanish = true;  // a neighbour of weight 0 takes no part by itself
+  static constexpr bool kOnePixelIsMean = true;  // the mean over a box in one pixel is that pixel to the bit
 
   static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().sample8; }
 
@@ -144,7 +152,7 @@ struct Depth16 {
   using Pixel = PF_Pixel16;
   static constexpr std::ptrdiff_t kPixelBytes = 8;
   static constexpr int kColumnsPerLoad = 2;
-  static constexpr bool kZeroWeightsVanish = true;
+  static constexpr bool kOnePixelIsMean = true;
 
   static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().sample16; }
 
@@ -220,7 +228,7 @@ struct DepthFloat {
   using Pixel = PF_PixelFloat;
   static constexpr std::ptrdiff_t kPixelBytes = 16;
   static constexpr int kColumnsPerLoad = 1;
-  static constexpr bool kZeroWeightsVanish = false;  // it may be infinite or NaN
+  static constexpr bool kOnePixelIsMean = false;  // it may be NaN or -0
 
   static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().sampleFloat; }
 

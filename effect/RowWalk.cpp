@@ -1,0 +1,122 @@
+#include "effect/RowWalk.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+namespace {
+
+// So many pixels are walked one by one before another run is looked for.
+constexpr int kPixelsBetweenRuns = 4;
+constexpr double kLongestRun = 1 << 20;
+
+// Sign and exponent, as they stand in a double.
+std::uint64_t SignAndExponent(double value) {
+  std::uint64_t bits = 0;
+  std::memcpy(&bits, &value, sizeof bits);
+  return bits >> 52;
+}
+
+double PowerOfTwo(std::uint64_t exponent) {
+  const std::uint64_t bits = exponent << 52;
+  double power = 0.0;
+  std::memcpy(&power, &bits, sizeof power);
+  return power;
+}
+
+// Finds a run from where the coordinate is.
+//
+// With q the value of its last digit, a step is a whole number of q, S, and a rest of at most q / 2. Added to a
+// multiple of q, it leads to a number whose distance to the sum with S is that rest, so that it rounds to it, unless
+// the rest is q / 2 or the numbers there lie closer than q, below the exponent's smallest.
+void FindRun(CoordinateWalk* walk) {
+  walk->run = 0;
+  const double at = walk->at;
+  const std::uint64_t sign_and_exponent = SignAndExponent(at);
+  const std::uint64_t exponent = sign_and_exponent & 0x7FF;
+  // The last digit must be a normal number, and the next exponent's smallest number finite.
+  if (exponent <= 52 || exponent >= 0x7FE) {
+    return;
+  }
+  const double right = at + walk->right - at;
+  const double down = at + walk->down - at;
+  const double rest = std::max(std::abs(walk->right - right), std::abs(walk->down - down));
+  if (!(2.0 * rest < PowerOfTwo(exponent - 52))) {
+    return;
+  }
+  // The exponent's end on the way, less what the neighbours below take of it. Two steps are taken off for the neighbours
+  // on the right and for this estimate's own rounding.
+  const bool grows = (at < 0.0) == (right < 0.0);
+  const double end = std::copysign(PowerOfTwo(grows ? exponent + 1 : exponent), at);
+  const double reach = (right < 0.0) == (down < 0.0) ? down : 0.0;
+  const double steps = right == 0.0 ? kLongestRun : std::min((end - at - reach) / right - 2.0, kLongestRun);
+  if (!(steps >= 1.0)) {
+    return;
+  }
+  const int run = static_cast<int>(steps);
+  // The neighbours of the last pixel lie a step beyond it.
+  const double last = at + (run + 1.0) * right;
+  const double low = std::min(at, last) + std::min(down, 0.0) - rest;
+  const double high = std::max(at, last) + std::max(down, 0.0) + rest;
+  if (SignAndExponent(low) == sign_and_exponent && SignAndExponent(high) == sign_and_exponent) {
+    walk->run = run;
+    walk->step = right;
+  }
+}
+
+struct StepAlong {
+  static double From(double at, const CoordinateWalk& walk) { return at + walk.right; }
+};
+
+struct StepRound {
+  static double From(double at, const CoordinateWalk& walk) {
+    const double centre = at + walk.right;
+    return centre + walk.right + walk.down - walk.right - walk.down;
+  }
+};
+
+template <typename Step>
+void Advance(CoordinateWalk* walk, int pixels) {
+  while (pixels > 0) {
+    if (walk->run == 0) {
+      FindRun(walk);
+    }
+    int passed = std::min(pixels, walk->run);
+    if (passed > 0) {
+      walk->at += passed * walk->step;
+      walk->run -= passed;
+    } else {
+      passed = std::min(pixels, kPixelsBetweenRuns);
+      for (int i = 0; i < passed; ++i) {
+        walk->at = Step::From(walk->at, *walk);
+      }
+    }
+    pixels -= passed;
+  }
+}
+
+bool HasRun(CoordinateWalk* walk, int pixels) {
+  if (walk->run < pixels) {
+    FindRun(walk);
+  }
+  return walk->run >= pixels;
+}
+
+}  // namespace
+
+bool HasRun(RowWalk* walk, int pixels) {
+  return HasRun(&walk->u, pixels) && HasRun(&walk->v, pixels) && HasRun(&walk->w, pixels);
+}
+
+void WalkAlong(RowWalk* walk, int pixels) {
+  Advance<StepAlong>(&walk->u, pixels);
+  Advance<StepAlong>(&walk->v, pixels);
+  Advance<StepAlong>(&walk->w, pixels);
+}
+
+void WalkRound(RowWalk* walk, int pixels) {
+  Advance<StepRound>(&walk->u, pixels);
+  Advance<StepRound>(&walk->v, pixels);
+  Advance<StepRound>(&walk->w, pixels);
+}

@@ -1,0 +1,32 @@
+// The row samplers' walk along an output row in homogeneous input coordinates: additions that each round.
+#pragma once
+
+// One coordinate: its value at the pixel before the next one, and the changes to the pixel on the right and to the one
+// below.
+//
+// At standard quality the walk goes from pixel to pixel, and `down` is 0. At high quality it goes round each pixel's
+// neighbours, right, lower right, lower and back, with a rounding at each, and on from there.
+//
+// As long as everything that a coordinate comes by has the same binary exponent, its additions of a step all add the
+// same multiple of that exponent's last digit. So within such a run the walk's exact values are at + k * step, and
+// those of the neighbours follow by their additions.
+struct CoordinateWalk {
+  double at;
+  double right;
+  double down;
+  double step = 0.0;  // what each pixel of the run adds
+  int run = 0;        // the number of pixels that are known to be a run; there may be more
+};
+
+struct RowWalk {
+  CoordinateWalk u;
+  CoordinateWalk v;
+  CoordinateWalk w;
+};
+
+// Whether the next pixels are a run of at least that length, for all coordinates. Looks ahead where that is not known.
+bool HasRun(RowWalk* walk, int pixels);
+
+// Moves the walk on by so many pixels, to the bit as if step by step, from pixel to pixel or round the neighbours.
+void WalkAlong(RowWalk* walk, int pixels);
+void WalkRound(RowWalk* walk, int pixels);
