@@ -1,13 +1,74 @@
 // The block computations in vectors, compiled once per instruction set by the RowBlocksAvx*.cpp files, each of which
-// defines its vectors beforehand: DoubleVector and IntVector of kVectorLanes lanes and the functions on them.
+// defines its vectors beforehand: Doubles and Ints of kLanes lanes and the functions on them.
 // Everything stands in an unnamed namespace and nothing of the standard library is called, so that no code of a set
 // that a machine lacks can stand in for another file's.
-#include "effect/RowBlockPairs.inl"
 #include "effect/RowBlocksVariants.h"
 
 namespace {
 
-// ---- The walk, a vector of pixels at a time ------------------------------------------------------------------------
+// The number of pixels of a block that are computed, in whole vectors.
+inline int WholeVectors(int count) {
+  return (count + kLanes - 1) / kLanes * kLanes;
+}
+
+// Before the first pixel of a block that may lie nowhere, those that are not asked whether they do must be said not to.
+inline void LetNoneLieNowhere(PixelBlock* out) {
+  __builtin_memset(out->lies_nowhere, 0, sizeof out->lies_nowhere);
+}
+
+// ---- Positions -----------------------------------------------------------------------------------------------------
+
+inline void StorePositions(Doubles u, Doubles v, Doubles w, const InputScale& scale, int i, PixelBlock* out) {
+  Store(Truncated(FromInts(Truncated(u / w)) * Broadcast(scale.x)), out->x + i);
+  Store(Truncated(FromInts(Truncated(v / w)) * Broadcast(scale.y)), out->y + i);
+}
+
+// Pixels that are a run of all coordinates: their divisors have one exponent, so that none is 0.
+inline void ComputeRun(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
+  const auto pixel_of = [](const CoordinateWalk& c, Doubles number) {
+    return MultiplyAdd(number, Broadcast(c.step), Broadcast(c.at));
+  };
+  Doubles number = Ramp();
+  for (int i = 0; i < count; i += kLanes) {
+    StorePositions(pixel_of(walk->u, number), pixel_of(walk->v, number), pixel_of(walk->w, number), scale, i, out);
+    number = number + Broadcast(kLanes);
+  }
+  WalkAlong(walk, count);
+}
+
+// Any pixels.
+[[gnu::noinline]] bool ComputeStored(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
+  double u[kRowBlock];
+  double v[kRowBlock];
+  double w[kRowBlock];
+  StoreAlong(&walk->u, count, u);
+  StoreAlong(&walk->v, count, v);
+  StoreAlong(&walk->w, count, w);
+  LetNoneLieNowhere(out);
+  bool any_nowhere = false;
+  for (int i = 0; i < count; i += kLanes) {
+    const Doubles divisor = Load(w + i);
+    if (AllGreater(Magnitude(divisor), Broadcast(0.0))) {
+      StorePositions(Load(u + i), Load(v + i), divisor, scale, i, out);
+      continue;
+    }
+    for (int j = i; j < i + kLanes; ++j) {
+      any_nowhere = StorePlainPosition(u[j], v[j], w[j], scale, j, out) || any_nowhere;
+    }
+  }
+  return any_nowhere;
+}
+
+bool Positions(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
+  const int end = WholeVectors(count);
+  if (!HasRun(walk, end)) {
+    return ComputeStored(walk, scale, end, out);
+  }
+  ComputeRun(walk, scale, end, out);
+  return false;
+}
+
+// ---- Footprints ----------------------------------------------------------------------------------------------------
 
 // A coordinate of pixels and of their neighbours, as the walk comes by them.
 struct Neighbourhood {
@@ -15,158 +76,70 @@ struct Neighbourhood {
   Doubles right;
   Doubles lower_right;
   Doubles lower;
-
-  static Neighbourhood WalkOneByOne(CoordinateWalk* walk) {
-    double centre[kLanes];
-    double to_right[kLanes];
-    double lower_right[kLanes];
-    double lower[kLanes];
-    for (int i = 0; i < kLanes; ++i) {
-      centre[i] = walk->at + walk->right;
-      to_right[i] = centre[i] + walk->right;
-      lower_right[i] = to_right[i] + walk->down;
-      lower[i] = lower_right[i] - walk->right;
-      walk->at = lower[i] - walk->down;
-    }
-    walk->run = 0;
-    return {Load(centre), Load(to_right), Load(lower_right), Load(lower)};
-  }
 };
 
-// A coordinate of pixels alone.
-struct Centres {
-  Doubles centre;
-
-  static Centres WalkOneByOne(CoordinateWalk* walk) {
-    double centre[kLanes];
-    for (double& pixel : centre) {
-      pixel = walk->at += walk->right;
-    }
-    walk->run = 0;
-    return {Load(centre)};
+inline Neighbourhood WalkOneByOne(CoordinateWalk* walk) {
+  double centre[kLanes];
+  double right[kLanes];
+  double lower_right[kLanes];
+  double lower[kLanes];
+  for (int i = 0; i < kLanes; ++i) {
+    centre[i] = walk->at + walk->right;
+    right[i] = centre[i] + walk->right;
+    lower_right[i] = right[i] + walk->down;
+    lower[i] = lower_right[i] - walk->right;
+    walk->at = lower[i] - walk->down;
   }
-};
+  walk->run = 0;
+  return {Load(centre), Load(right), Load(lower_right), Load(lower)};
+}
 
 // What the walk comes by at a vector of pixels.
-template <typename Coordinate>
 struct Stretch {
-  Coordinate u;
-  Coordinate v;
-  Coordinate w;
+  Neighbourhood u;
+  Neighbourhood v;
+  Neighbourhood w;
 };
 
-template <typename Coordinate>
-[[gnu::noinline]] Stretch<Coordinate> WalkOneByOne(RowWalk* walk) {
-  return {Coordinate::WalkOneByOne(&walk->u), Coordinate::WalkOneByOne(&walk->v), Coordinate::WalkOneByOne(&walk->w)};
+[[gnu::noinline]] Stretch WalkOneByOne(RowWalk* walk) {
+  return {WalkOneByOne(&walk->u), WalkOneByOne(&walk->v), WalkOneByOne(&walk->w)};
 }
 
-// Whether no divisor of the pixels or their neighbours can be 0, for steps of the divisor that add up to `reach`.
-inline bool HasSafeDivisors(const Doubles& w, double reach) {
-  return AllGreater(Magnitude(w), Broadcast(2.0 * reach));
-}
+// The extents of a block's boxes, 16.16, neither clamped nor halved.
+struct Extents {
+  std::int32_t x[kRowBlock];
+  std::int32_t y[kRowBlock];
+};
 
-// Leaves the pixels [i, i + kLanes), in some of which a divisor may be 0, to a plain computation. Those before them lie
-// somewhere unless `any_nowhere` says otherwise. Returns what becomes of that.
-template <typename Plain>
-inline bool ComputePlainly(Plain plain, RowWalk* walk, const InputScale& scale, int i, bool any_nowhere,
-                           PixelBlock* out) {
-  if (!any_nowhere) {
-    __builtin_memset(out->lies_nowhere, 0, sizeof out->lies_nowhere);
-  }
-  return plain(walk, scale, i, i + kLanes, out) || any_nowhere;
-}
-
-// ---- Positions -----------------------------------------------------------------------------------------------------
-
-// The number of pixels of a block that are computed, in whole vectors.
-inline int WholeVectors(int count) {
-  return (count + kLanes - 1) / kLanes * kLanes;
-}
-
-inline void StorePositions(const Stretch<Centres>& at, const InputScale& scale, int i, PixelBlock* out) {
-  Store(Truncated(FromInts(Truncated(at.u.centre / at.w.centre)) * Broadcast(scale.x)), out->x + i);
-  Store(Truncated(FromInts(Truncated(at.v.centre / at.w.centre)) * Broadcast(scale.y)), out->y + i);
-}
-
-// The pixels [first, end), which are a run: their divisors all have one exponent, so that none is 0.
-inline void ComputeRun(RowWalk* walk, const InputScale& scale, int first, int end, PixelBlock* out) {
-  const auto pixel_of = [](const CoordinateWalk& c, const Doubles& number) {
-    return Centres{MultiplyAdd(number, Broadcast(c.step), Broadcast(c.at))};
-  };
-  Doubles number = Ramp();
+// The boxes of a block's pixels [first, end).
+inline void StoreBoxes(const Extents& extents, int first, int end, PixelBlock* out) {
   for (int i = first; i < end; i += kLanes) {
-    StorePositions({pixel_of(walk->u, number), pixel_of(walk->v, number), pixel_of(walk->w, number)}, scale, i, out);
-    number = number + Broadcast(kLanes);
+    const Ints x_radius = HalfClamped(Load(extents.x + i), 65536, 1048576);
+    const Ints y_radius = HalfClamped(Load(extents.y + i), 65536, 1048576);
+    const Doubles product = FromInts(x_radius) * FromInts(y_radius);
+    StoreBoxes(x_radius, y_radius, TimesFour(Truncated(product * Broadcast(1.0 / 65536.0))), out->box + i);
   }
-  WalkAlong(walk, end - first);
 }
 
-bool Positions(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
-  const int end = WholeVectors(count);
-  if (HasRun(walk, end)) {
-    ComputeRun(walk, scale, 0, end, out);
-    return false;
-  }
-  bool any_nowhere = false;
-  for (int i = 0; i < end; i += kLanes) {
-    if (HasRun(walk, kLanes)) {
-      ComputeRun(walk, scale, i, i + kLanes, out);
-      continue;
-    }
-    RowWalk ahead = *walk;
-    const Stretch<Centres> at = WalkOneByOne<Centres>(&ahead);
-    if (HasSafeDivisors(at.w.centre, 0.0)) {
-      StorePositions(at, scale, i, out);
-      *walk = ahead;
-    } else {
-      any_nowhere = ComputePlainly(PlainPositions, walk, scale, i, any_nowhere, out);
-    }
-  }
-  return any_nowhere;
-}
-
-// ---- Footprints ----------------------------------------------------------------------------------------------------
-
-struct Points {
-  Doubles x;
-  Doubles y;
-};
-
-// What becomes whole numbers when it is truncated: positions and extents in 1/65536 pixel, a half added.
-struct Untruncated {
-  Points position;
-  Points extent;
-};
-
-inline void StoreFootprints(const Untruncated& pixels, int i, PixelBlock* out) {
-  Store(Truncated(pixels.position.x), out->x + i);
-  Store(Truncated(pixels.position.y), out->y + i);
-  const Ints x_radius = HalfClamped(Truncated(pixels.extent.x), 65536, 1048576);
-  const Ints y_radius = HalfClamped(Truncated(pixels.extent.y), 65536, 1048576);
-  const Doubles product = FromInts(x_radius) * FromInts(y_radius);
-  StoreBoxes(x_radius, y_radius, TimesFour(Truncated(product * Broadcast(1.0 / 65536.0))), out->box + i);
-}
-
-inline Doubles Extent(const Doubles& centre, const Doubles& right, const Doubles& lower_right, const Doubles& lower) {
+inline Doubles Extent(Doubles centre, Doubles right, Doubles lower_right, Doubles lower) {
   return Larger(Larger(Magnitude(right - centre), Magnitude(lower_right - centre)), Magnitude(lower - centre));
 }
 
-// Every quotient by itself, as the definition has it.
-inline Untruncated MeasureExactly(const Stretch<Neighbourhood>& at, const InputScale& scale) {
+// Every quotient of a vector at pixel i by itself, as the definition has it.
+inline void MeasureExactly(const Stretch& at, const InputScale& scale, int i, Extents* extents, PixelBlock* out) {
   const Doubles fixed = Broadcast(65536.0);
   const Doubles half = Broadcast(0.5);
-  const auto measure = [&](const Neighbourhood& p, double to_input, Doubles* position, Doubles* extent) {
+  const auto measure = [&](const Neighbourhood& p, double to_input, std::int32_t* position, std::int32_t* extent) {
     const Doubles centre = p.centre / at.w.centre;
     const Doubles scaled = centre * Broadcast(to_input);
-    *position = scaled * fixed + WithSignOf(half, scaled);
-    *extent = Extent(centre, p.right / at.w.right, p.lower_right / at.w.lower_right, p.lower / at.w.lower) *
-                  Broadcast(to_input) * fixed +
-              half;
+    const Doubles scaled_extent =
+        Extent(centre, p.right / at.w.right, p.lower_right / at.w.lower_right, p.lower / at.w.lower) *
+        Broadcast(to_input);
+    Store(Truncated(scaled * fixed + WithSignOf(half, scaled)), position + i);
+    Store(Truncated(scaled_extent * fixed + half), extent + i);
   };
-  Untruncated measured;
-  measure(at.u, scale.x, &measured.position.x, &measured.extent.x);
-  measure(at.v, scale.y, &measured.position.y, &measured.extent.y);
-  return measured;
+  measure(at.u, scale.x, out->x, extents->x);
+  measure(at.v, scale.y, out->y, extents->y);
 }
 
 // The smallest and the largest magnitude among a block's pixels and their neighbours, to within a factor that the
@@ -210,99 +183,119 @@ inline double LargestError(const RowWalk& walk, const InputScale& scale) {
   return is_tame && farthest < 0x1p31 ? farthest * 0x1p-39 + 0x1p-30 : kNever;
 }
 
-// A block's pixels, measured with one division for all quotients of a pixel, and without the walk's roundings.
-class NearBlock {
- public:
-  NearBlock(const RowWalk& walk, const InputScale& scale)
-      : u_(Broadcast(walk.u.at)),
-        v_(Broadcast(walk.v.at)),
-        w_(Broadcast(walk.w.at)),
-        right_{Broadcast(walk.u.right), Broadcast(walk.v.right), Broadcast(walk.w.right)},
-        down_{Broadcast(walk.u.down), Broadcast(walk.v.down), Broadcast(walk.w.down)},
-        diagonal_{right_.u + down_.u, right_.v + down_.v, right_.w + down_.w},
-        x_scale_(Broadcast(scale.x * 65536.0)),
-        y_scale_(Broadcast(scale.y * 65536.0)) {}
-
-  // The pixels of these numbers, the first of a block being 1.
-  Untruncated Measure(const Doubles& pixel) const {
-    const Doubles w = MultiplyAdd(pixel, right_.w, w_);
-    const Doubles right_w = w + right_.w;
-    const Doubles diagonal_w = w + diagonal_.w;
-    const Doubles down_w = w + down_.w;
-    const Doubles upper = w * right_w;
-    const Doubles lower = diagonal_w * down_w;
-    const Doubles reciprocal = Broadcast(1.0) / (upper * lower);
-    const Doubles upper_reciprocal = reciprocal * lower;
-    const Doubles lower_reciprocal = reciprocal * upper;
-    const Doubles own_reciprocal = upper_reciprocal * right_w;
-    const Distances to{upper_reciprocal * w, lower_reciprocal * down_w, lower_reciprocal * diagonal_w};
-    const Doubles x = MultiplyAdd(pixel, right_.u, u_) * own_reciprocal;
-    const Doubles y = MultiplyAdd(pixel, right_.v, v_) * own_reciprocal;
-    const Doubles half = Broadcast(0.5);
-    return {{MultiplyAdd(x, x_scale_, WithSignOf(half, x)), MultiplyAdd(y, y_scale_, WithSignOf(half, y))},
-            {MultiplyAdd(NearExtent(x, right_.u, diagonal_.u, down_.u, to), x_scale_, half),
-             MultiplyAdd(NearExtent(y, right_.v, diagonal_.v, down_.v, to), y_scale_, half)}};
-  }
-
- private:
-  struct Step {
-    Doubles u;
-    Doubles v;
-    Doubles w;
-  };
-  // The reciprocals of the neighbours' divisors.
-  struct Distances {
-    Doubles right;
-    Doubles diagonal;
-    Doubles down;
-  };
-
-  // From a quotient p = u / w to a neighbour's it is (du - p dw) / (w + dw), for a step (du, dw).
-  Doubles NearExtent(const Doubles& position, const Doubles& right, const Doubles& diagonal, const Doubles& down,
-                     const Distances& to) const {
-    const Doubles right_distance = SubtractProduct(right, position, right_.w) * to.right;
-    const Doubles diagonal_distance = SubtractProduct(diagonal, position, diagonal_.w) * to.diagonal;
-    const Doubles down_distance = SubtractProduct(down, position, down_.w) * to.down;
-    return LargerMagnitude(LargerMagnitude(right_distance, diagonal_distance), down_distance);
-  }
-
-  Doubles u_;
-  Doubles v_;
-  Doubles w_;
-  Step right_;
-  Step down_;
-  Step diagonal_;
-  Doubles x_scale_;
-  Doubles y_scale_;
+// The reciprocals of a block's divisors and of their neighbours', a vector each.
+struct Reciprocals {
+  static constexpr int kVectors = kRowBlock / kLanes;
+  Doubles own[kVectors];
+  Doubles right[kVectors];
+  Doubles diagonal[kVectors];
+  Doubles down[kVectors];
 };
 
-// Whether numbers that may be off by `error` are sure to truncate as the exact ones do.
-inline bool TruncatesAlike(const Untruncated& near, const Doubles& error) {
-  const Doubles to_whole = SmallerMagnitude(SmallerMagnitude(ToWhole(near.position.x), ToWhole(near.position.y)),
-                                            SmallerMagnitude(ToWhole(near.extent.x), ToWhole(near.extent.y)));
-  return AllGreater(to_whole, error);
+// With one division for all four of a pixel, and without the walk's roundings.
+inline void ComputeReciprocals(const CoordinateWalk& walk, int count, Reciprocals* out) {
+  const Doubles at = Broadcast(walk.at);
+  const Doubles step_right = Broadcast(walk.right);
+  const Doubles step_down = Broadcast(walk.down);
+  const Doubles step_diagonal = step_right + step_down;
+  Doubles pixel = Ramp();
+  for (int i = 0; i < count / kLanes; ++i) {
+    const Doubles own = MultiplyAdd(pixel, step_right, at);
+    const Doubles right = own + step_right;
+    const Doubles diagonal = own + step_diagonal;
+    const Doubles down = own + step_down;
+    const Doubles upper = own * right;
+    const Doubles lower = diagonal * down;
+    const Doubles all = Broadcast(1.0) / (upper * lower);
+    const Doubles of_upper = all * lower;
+    const Doubles of_lower = all * upper;
+    out->own[i] = of_upper * right;
+    out->right[i] = of_upper * own;
+    out->diagonal[i] = of_lower * down;
+    out->down[i] = of_lower * diagonal;
+    pixel = pixel + Broadcast(kLanes);
+  }
+}
+
+// Vectors of a block, a bit each.
+using VectorSet = unsigned;
+
+// A block's positions and extents along one axis, from near quotients. Returns the vectors in which numbers that may be
+// off by `error` are not sure to truncate as the exact ones do.
+//
+// From a quotient p = u / w to a neighbour's it is (du - p dw) / (w + dw), for a step (du, dw).
+inline VectorSet MeasureAxis(const CoordinateWalk& walk, const CoordinateWalk& divisor, double to_input, double error,
+                             const Reciprocals& reciprocals, int count, std::int32_t* positions,
+                             std::int32_t* extents) {
+  const Doubles at = Broadcast(walk.at);
+  const Doubles right = Broadcast(walk.right);
+  const Doubles down = Broadcast(walk.down);
+  const Doubles diagonal = right + down;
+  const Doubles divisor_right = Broadcast(divisor.right);
+  const Doubles divisor_down = Broadcast(divisor.down);
+  const Doubles divisor_diagonal = divisor_right + divisor_down;
+  const Doubles scale = Broadcast(to_input * 65536.0);
+  const Doubles half = Broadcast(0.5);
+  const Doubles largest_error = Broadcast(error);
+  Doubles pixel = Ramp();
+  VectorSet unsure = 0;
+  for (int i = 0; i < count / kLanes; ++i) {
+    const Doubles place = MultiplyAdd(pixel, right, at) * reciprocals.own[i];
+    const Doubles to_right = SubtractProduct(right, place, divisor_right) * reciprocals.right[i];
+    const Doubles to_diagonal = SubtractProduct(diagonal, place, divisor_diagonal) * reciprocals.diagonal[i];
+    const Doubles to_down = SubtractProduct(down, place, divisor_down) * reciprocals.down[i];
+    const Doubles farthest = LargerMagnitude(LargerMagnitude(to_right, to_diagonal), to_down);
+    const Doubles position = MultiplyAdd(place, scale, WithSignOf(half, place));
+    const Doubles extent = MultiplyAdd(farthest, scale, half);
+    const bool is_sure = AllGreater(SmallerMagnitude(ToWhole(position), ToWhole(extent)), largest_error);
+    unsure |= static_cast<VectorSet>(!is_sure) << i;
+    Store(Truncated(position), positions + i * kLanes);
+    Store(Truncated(extent), extents + i * kLanes);
+    pixel = pixel + Broadcast(kLanes);
+  }
+  return unsure;
 }
 
 // The vector at pixel i of a block that begins at `begin`, in which no divisor is near 0.
-[[gnu::noinline]] Untruncated MeasureExactlyAt(const RowWalk& begin, int i, const InputScale& scale) {
+[[gnu::noinline]] void MeasureExactlyAt(const RowWalk& begin, const InputScale& scale, int i, Extents* extents,
+                                        PixelBlock* out) {
   RowWalk walk = begin;
   WalkRound(&walk, i);
-  return MeasureExactly(WalkOneByOne<Neighbourhood>(&walk), scale);
+  MeasureExactly(WalkOneByOne(&walk), scale, i, extents, out);
 }
 
-void ComputeNearBlock(RowWalk* walk, const InputScale& scale, double largest_error, int end, PixelBlock* out) {
-  const NearBlock block(*walk, scale);
-  const Doubles error = Broadcast(largest_error);
-  Doubles pixel = Ramp();
-  for (int i = 0; i < end; i += kLanes) {
-    Untruncated measured = block.Measure(pixel);
-    if (!TruncatesAlike(measured, error)) [[unlikely]] {
-      measured = MeasureExactlyAt(*walk, i, scale);
-    }
-    StoreFootprints(measured, i, out);
-    pixel = pixel + Broadcast(kLanes);
+void ComputeNearBlock(RowWalk* walk, const InputScale& scale, double largest_error, int count, PixelBlock* out) {
+  Reciprocals reciprocals;
+  Extents extents;
+  ComputeReciprocals(walk->w, count, &reciprocals);
+  VectorSet unsure = MeasureAxis(walk->u, walk->w, scale.x, largest_error, reciprocals, count, out->x, extents.x) |
+                     MeasureAxis(walk->v, walk->w, scale.y, largest_error, reciprocals, count, out->y, extents.y);
+  for (; unsure != 0; unsure &= unsure - 1) {
+    MeasureExactlyAt(*walk, scale, __builtin_ctz(unsure) * kLanes, &extents, out);
   }
-  WalkRound(walk, end);
+  StoreBoxes(extents, 0, count, out);
+  WalkRound(walk, count);
+}
+
+// Near a horizon, or of any other map.
+bool ComputeExactBlock(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
+  Extents extents;
+  // No divisor above this can lead to one that is 0.
+  const Doubles safe_divisor = Broadcast(2.0 * (__builtin_fabs(walk->w.right) + __builtin_fabs(walk->w.down)));
+  LetNoneLieNowhere(out);
+  bool any_nowhere = false;
+  for (int i = 0; i < count; i += kLanes) {
+    RowWalk ahead = *walk;
+    const Stretch at = WalkOneByOne(&ahead);
+    if (AllGreater(Magnitude(at.w.centre), safe_divisor)) {
+      MeasureExactly(at, scale, i, &extents, out);
+      StoreBoxes(extents, i, i + kLanes, out);
+      *walk = ahead;
+    } else {
+      any_nowhere = PlainFootprints(walk, scale, i, i + kLanes, out) || any_nowhere;
+    }
+  }
+  return any_nowhere;
 }
 
 bool Footprints(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
@@ -312,19 +305,7 @@ bool Footprints(RowWalk* walk, const InputScale& scale, int count, PixelBlock* o
     ComputeNearBlock(walk, scale, largest_error, end, out);
     return false;
   }
-  const double reach = __builtin_fabs(walk->w.right) + __builtin_fabs(walk->w.down);
-  bool any_nowhere = false;
-  for (int i = 0; i < end; i += kLanes) {
-    RowWalk ahead = *walk;
-    const Stretch<Neighbourhood> at = WalkOneByOne<Neighbourhood>(&ahead);
-    if (HasSafeDivisors(at.w.centre, reach)) {
-      StoreFootprints(MeasureExactly(at, scale), i, out);
-      *walk = ahead;
-    } else {
-      any_nowhere = ComputePlainly(PlainFootprints, walk, scale, i, any_nowhere, out);
-    }
-  }
-  return any_nowhere;
+  return ComputeExactBlock(walk, scale, end, out);
 }
 
 constexpr RowBlockFunctions kFunctions{Positions, Footprints};

@@ -5,79 +5,81 @@
 
 namespace {
 
-constexpr int kVectorLanes = 8;
-using DoubleVector = __m512d;
-using IntVector = __m256i;
+constexpr int kLanes = 8;
+using Doubles = __m512d;
+using Ints = __m256i;
 
-inline DoubleVector BroadcastVector(double value) {
+inline Doubles Broadcast(double value) {
   return _mm512_set1_pd(value);
 }
-inline DoubleVector LoadVector(const double* from) {
+inline Doubles Load(const double* from) {
   return _mm512_loadu_pd(from);
 }
-inline DoubleVector RampVector() {
+inline Doubles Ramp() {
   return _mm512_set_pd(8, 7, 6, 5, 4, 3, 2, 1);
 }
-inline DoubleVector MultiplyAdd(DoubleVector a, DoubleVector b, DoubleVector c) {
+inline Doubles MultiplyAdd(Doubles a, Doubles b, Doubles c) {
   return _mm512_fmadd_pd(a, b, c);
 }
 // a - b * c
-inline DoubleVector SubtractProduct(DoubleVector a, DoubleVector b, DoubleVector c) {
+inline Doubles SubtractProduct(Doubles a, Doubles b, Doubles c) {
   return _mm512_fnmadd_pd(b, c, a);
 }
-inline double Lowest(DoubleVector a) {
+inline double Lowest(Doubles a) {
   return _mm512_cvtsd_f64(a);
 }
-inline DoubleVector Magnitude(DoubleVector a) {
+inline Doubles Magnitude(Doubles a) {
   return _mm512_abs_pd(a);
 }
 // a < b ? b : a, also for NaN.
-inline DoubleVector Larger(DoubleVector a, DoubleVector b) {
+inline Doubles Larger(Doubles a, Doubles b) {
   return _mm512_max_pd(b, a);
 }
 // The one of smaller or larger magnitude, as a magnitude.
-inline DoubleVector SmallerMagnitude(DoubleVector a, DoubleVector b) {
+inline Doubles SmallerMagnitude(Doubles a, Doubles b) {
   return _mm512_range_pd(a, b, 0b1010);
 }
-inline DoubleVector LargerMagnitude(DoubleVector a, DoubleVector b) {
+inline Doubles LargerMagnitude(Doubles a, Doubles b) {
   return _mm512_range_pd(a, b, 0b1011);
 }
 // `magnitude`, which is not negative, with the sign of `signs`.
-inline DoubleVector WithSignOf(DoubleVector magnitude, DoubleVector signs) {
+inline Doubles WithSignOf(Doubles magnitude, Doubles signs) {
   return _mm512_or_pd(magnitude, _mm512_and_pd(signs, _mm512_set1_pd(-0.0)));
 }
 // The signed distance to the nearest whole number.
-inline DoubleVector ToWhole(DoubleVector a) {
+inline Doubles ToWhole(Doubles a) {
   return _mm512_reduce_pd(a, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
 }
-inline bool AllGreater(DoubleVector a, DoubleVector b) {
+inline bool AllGreater(Doubles a, Doubles b) {
   return _mm512_cmp_pd_mask(a, b, _CMP_GT_OQ) == 0xFF;
 }
 
+inline Ints Load(const std::int32_t* from) {
+  return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
+}
 // Toward zero; NaN and what an int does not hold give -2147483648.
-inline IntVector Truncated(DoubleVector a) {
+inline Ints Truncated(Doubles a) {
   return _mm512_cvttpd_epi32(a);
 }
-inline DoubleVector FromInts(IntVector a) {
+inline Doubles FromInts(Ints a) {
   return _mm512_cvtepi32_pd(a);
 }
-inline IntVector HalfClamped(IntVector a, int least, int most) {
+inline Ints HalfClamped(Ints a, int least, int most) {
   return _mm256_srai_epi32(_mm256_min_epi32(_mm256_max_epi32(a, _mm256_set1_epi32(least)), _mm256_set1_epi32(most)), 1);
 }
-inline IntVector TimesFour(IntVector a) {
+inline Ints TimesFour(Ints a) {
   return _mm256_slli_epi32(a, 2);
 }
-inline void Store(IntVector a, std::int32_t* out) {
+inline void Store(Ints a, std::int32_t* out) {
   _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), a);
 }
-inline void StoreBoxes(IntVector x_radius, IntVector y_radius, IntVector area, SampleBoxSize* out) {
-  const IntVector radii_low = _mm256_unpacklo_epi32(x_radius, y_radius);
-  const IntVector radii_high = _mm256_unpackhi_epi32(x_radius, y_radius);
-  const IntVector area_low = _mm256_unpacklo_epi32(area, _mm256_setzero_si256());
-  const IntVector area_high = _mm256_unpackhi_epi32(area, _mm256_setzero_si256());
-  const IntVector boxes[4] = {_mm256_unpacklo_epi64(radii_low, area_low), _mm256_unpackhi_epi64(radii_low, area_low),
-                              _mm256_unpacklo_epi64(radii_high, area_high),
-                              _mm256_unpackhi_epi64(radii_high, area_high)};
+inline void StoreBoxes(Ints x_radius, Ints y_radius, Ints area, SampleBoxSize* out) {
+  const Ints radii_low = _mm256_unpacklo_epi32(x_radius, y_radius);
+  const Ints radii_high = _mm256_unpackhi_epi32(x_radius, y_radius);
+  const Ints area_low = _mm256_unpacklo_epi32(area, _mm256_setzero_si256());
+  const Ints area_high = _mm256_unpackhi_epi32(area, _mm256_setzero_si256());
+  const Ints boxes[4] = {_mm256_unpacklo_epi64(radii_low, area_low), _mm256_unpackhi_epi64(radii_low, area_low),
+                         _mm256_unpacklo_epi64(radii_high, area_high), _mm256_unpackhi_epi64(radii_high, area_high)};
   __m128i* const to = reinterpret_cast<__m128i*>(out);
   for (int i = 0; i < 4; ++i) {
     _mm_storeu_si128(to + i, _mm256_castsi256_si128(boxes[i]));

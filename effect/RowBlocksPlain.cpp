@@ -73,7 +73,15 @@ void ForgetRuns(RowWalk* walk) {
 }
 
 bool PositionsOfBlock(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
-  return PlainPositions(walk, scale, 0, count, out);
+  bool any_nowhere = false;
+  for (int i = 0; i < count; ++i) {
+    walk->u.at += walk->u.right;
+    walk->v.at += walk->v.right;
+    walk->w.at += walk->w.right;
+    any_nowhere = StorePlainPosition(walk->u.at, walk->v.at, walk->w.at, scale, i, out) || any_nowhere;
+  }
+  ForgetRuns(walk);
+  return any_nowhere;
 }
 
 bool FootprintsOfBlock(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
@@ -82,19 +90,11 @@ bool FootprintsOfBlock(RowWalk* walk, const InputScale& scale, int count, PixelB
 
 }  // namespace
 
-bool PlainPositions(RowWalk* walk, const InputScale& scale, int first, int end, PixelBlock* out) {
-  bool any_nowhere = false;
-  for (int i = first; i < end; ++i) {
-    const double u = walk->u.at += walk->u.right;
-    const double v = walk->v.at += walk->v.right;
-    const double w = walk->w.at += walk->w.right;
-    out->lies_nowhere[i] = w == 0.0;
-    any_nowhere = any_nowhere || out->lies_nowhere[i];
-    out->x[i] = Int32FromDouble(Int32FromDouble(u / w) * scale.x);
-    out->y[i] = Int32FromDouble(Int32FromDouble(v / w) * scale.y);
-  }
-  ForgetRuns(walk);
-  return any_nowhere;
+bool StorePlainPosition(double u, double v, double w, const InputScale& scale, int i, PixelBlock* out) {
+  out->lies_nowhere[i] = w == 0.0;
+  out->x[i] = Int32FromDouble(Int32FromDouble(u / w) * scale.x);
+  out->y[i] = Int32FromDouble(Int32FromDouble(v / w) * scale.y);
+  return out->lies_nowhere[i];
 }
 
 bool PlainFootprints(RowWalk* walk, const InputScale& scale, int first, int end, PixelBlock* out) {

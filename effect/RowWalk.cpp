@@ -45,8 +45,8 @@ void FindRun(CoordinateWalk* walk) {
   if (!(2.0 * rest < PowerOfTwo(exponent - 52))) {
     return;
   }
-  // The exponent's end on the way, less what the neighbours below take of it. Two steps are taken off for the neighbours
-  // on the right and for this estimate's own rounding.
+  // The exponent's end on the way, less what the neighbours below take of it. Two steps are taken off for the
+  // neighbours on the right and for this estimate's own rounding.
   const bool grows = (at < 0.0) == (right < 0.0);
   const double end = std::copysign(PowerOfTwo(grows ? exponent + 1 : exponent), at);
   const double reach = (right < 0.0) == (down < 0.0) ? down : 0.0;
@@ -65,39 +65,46 @@ void FindRun(CoordinateWalk* walk) {
   }
 }
 
-struct StepAlong {
-  static double From(double at, const CoordinateWalk& walk) { return at + walk.right; }
-};
+double StepAlong(const CoordinateWalk& walk) {
+  return walk.at + walk.right;
+}
 
-struct StepRound {
-  static double From(double at, const CoordinateWalk& walk) {
-    const double centre = at + walk.right;
-    return centre + walk.right + walk.down - walk.right - walk.down;
-  }
-};
+double StepRound(const CoordinateWalk& walk) {
+  const double centre = walk.at + walk.right;
+  return centre + walk.right + walk.down - walk.right - walk.down;
+}
 
-template <typename Step>
-void Advance(CoordinateWalk* walk, int pixels) {
+// Takes runs as wholes, and some steps between them one by one: `pass_run(pixels)` is called before the former, and
+// `take_step()` takes one of the latter.
+template <typename PassRun, typename TakeStep>
+void Advance(CoordinateWalk* walk, int pixels, PassRun pass_run, TakeStep take_step) {
   while (pixels > 0) {
     if (walk->run == 0) {
       FindRun(walk);
     }
     int passed = std::min(pixels, walk->run);
     if (passed > 0) {
+      pass_run(passed);
       walk->at += passed * walk->step;
       walk->run -= passed;
     } else {
       passed = std::min(pixels, kPixelsBetweenRuns);
       for (int i = 0; i < passed; ++i) {
-        walk->at = Step::From(walk->at, *walk);
+        take_step();
       }
     }
     pixels -= passed;
   }
 }
 
+template <typename Step>
+void Advance(CoordinateWalk* walk, int pixels, Step step) {
+  Advance(
+      walk, pixels, [](int) {}, [&] { walk->at = step(*walk); });
+}
+
 bool HasRun(CoordinateWalk* walk, int pixels) {
-  if (walk->run < pixels) {
+  if (walk->run == 0) {
     FindRun(walk);
   }
   return walk->run >= pixels;
@@ -110,13 +117,25 @@ bool HasRun(RowWalk* walk, int pixels) {
 }
 
 void WalkAlong(RowWalk* walk, int pixels) {
-  Advance<StepAlong>(&walk->u, pixels);
-  Advance<StepAlong>(&walk->v, pixels);
-  Advance<StepAlong>(&walk->w, pixels);
+  Advance(&walk->u, pixels, StepAlong);
+  Advance(&walk->v, pixels, StepAlong);
+  Advance(&walk->w, pixels, StepAlong);
 }
 
 void WalkRound(RowWalk* walk, int pixels) {
-  Advance<StepRound>(&walk->u, pixels);
-  Advance<StepRound>(&walk->v, pixels);
-  Advance<StepRound>(&walk->w, pixels);
+  Advance(&walk->u, pixels, StepRound);
+  Advance(&walk->v, pixels, StepRound);
+  Advance(&walk->w, pixels, StepRound);
+}
+
+void StoreAlong(CoordinateWalk* walk, int pixels, double* values) {
+  Advance(
+      walk, pixels,
+      [&](int run) {
+        for (int i = 0; i < run; ++i) {
+          values[i] = walk->at + (i + 1) * walk->step;
+        }
+        values += run;
+      },
+      [&] { *values++ = walk->at = StepAlong(*walk); });
 }

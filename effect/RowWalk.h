@@ -24,9 +24,12 @@ struct RowWalk {
   CoordinateWalk w;
 };
 
-// Whether the next pixels are a run of at least that length, for all coordinates. Looks ahead where that is not known.
+// Whether the next pixels are known to be a run of that length for all coordinates; looks ahead where nothing is known.
 bool HasRun(RowWalk* walk, int pixels);
 
 // Moves the walk on by so many pixels, to the bit as if step by step, from pixel to pixel or round the neighbours.
 void WalkAlong(RowWalk* walk, int pixels);
 void WalkRound(RowWalk* walk, int pixels);
+
+// As WalkAlong() for one coordinate, storing its value at each pixel.
+void StoreAlong(CoordinateWalk* walk, int pixels, double* values);

@@ -67,72 +67,71 @@ template <typename Depth>
   return sampleAnyBox<Depth>(effect_ref, x, y, params, out);
 }
 
-// Whether pixels [first, first + count) lie inside an axis of `size` pixels: a first pixel below 0 counts as one far
-// beyond the end, which saves a comparison.
-inline bool liesInside(std::int32_t first, std::int32_t count, std::int32_t size) {
-  return std::int64_t{static_cast<std::uint32_t>(first)} + count <= size;
-}
-
 inline bool isSmall(std::int32_t radius) {
   return static_cast<std::uint32_t>(radius) - kHalfPixel <= kHalfPixel;
 }
 
-inline const std::byte* pixelAddress(const PF_LayerDef& world, std::int32_t column, std::int32_t row,
-                                     std::int64_t pixel_bytes) {
-  return static_cast<const std::byte*>(world.data) + std::int64_t{row} * world.row_bytes + column * pixel_bytes;
+inline std::int32_t beginOf(std::int32_t centre, std::int32_t radius) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(centre) - static_cast<std::uint32_t>(radius) +
+                                   kHalfPixel);
 }
 
-// A box of one to two pixels' size, which meets three by three pixels at most.
-template <typename Depth>
-[[gnu::noinline]] std::int32_t sampleSmallBox(void* effect_ref, std::int32_t x, std::int32_t y,
-                                              const PF_SampleParams* params, typename Depth::Pixel* out) {
-  const PF_LayerDef& world = *params->source;
-  const std::int64_t left = std::int64_t{x} - params->x_radius + kHalfPixel;
-  const std::int64_t top = std::int64_t{y} - params->y_radius + kHalfPixel;
-  const std::int32_t column = static_cast<std::int32_t>(left >> 16);
-  const std::int32_t row = static_cast<std::int32_t>(top >> 16);
-  if (!liesInside(column, 3, world.width) || !liesInside(row, 3, world.height)) {
-    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
-  }
-  const SmallBox box{static_cast<std::int32_t>(left) & 65535, static_cast<std::int32_t>(top) & 65535,
-                     params->x_radius * 2, params->y_radius * 2};
-  const std::byte* const pixel = pixelAddress(world, column, row, Depth::kPixelBytes);
-  __builtin_prefetch(pixel + 3 * std::ptrdiff_t{world.row_bytes});
-  sampleThreeByThree<Depth>(pixel, world.row_bytes, box, out);
-  return ERR_NONE;
-}
-
-// A box of no pixel's size, or not well inside the world.
+// Any box but that of one pixel's size. One of up to two pixels' size meets three by three pixels at most; its place is
+// computed apart from its weights, which the pixels' arrival does not wait for.
 template <typename Depth>
 [[gnu::noinline]] std::int32_t sampleBox(void* effect_ref, std::int32_t x, std::int32_t y,
                                          const PF_SampleParams* params, typename Depth::Pixel* out) {
-  if (isSampleable(params) && isSmall(params->x_radius) && isSmall(params->y_radius)) {
-    return sampleSmallBox<Depth>(effect_ref, x, y, params, out);
+  const std::int32_t x_radius = params->x_radius;
+  const std::int32_t y_radius = params->y_radius;
+  const std::int32_t left = beginOf(x, x_radius);
+  const std::int32_t top = beginOf(y, y_radius);
+  // A sum that ran over would be that of a negative position.
+  if (!isSmall(x_radius) || !isSmall(y_radius) || (x | y | left | top) < 0 || params->source == nullptr) {
+    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
   }
-  return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
+  const PF_LayerDef& world = *params->source;
+  const std::int32_t column = left >> 16;
+  const std::int32_t row = top >> 16;
+  if (world.width < column + 3 || world.height < row + 3 || world.data == nullptr) {
+    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
+  }
+  const std::ptrdiff_t row_bytes = world.row_bytes;
+  const std::byte* const pixel =
+      static_cast<const std::byte*>(world.data) + row * row_bytes + column * Depth::kPixelBytes;
+  __builtin_prefetch(pixel + 3 * row_bytes);
+  sampleThreeByThree<Depth>(pixel, row_bytes, smallBox(x, y, *params), out);
+  return ERR_NONE;
 }
 
-// The box of one pixel's size comes first and calls nothing, so that it needs no stack.
+// The box of one pixel's size comes first, and so lean that it needs neither calls nor a stack. What the row below will
+// need is fetched meanwhile: rows cut across a turned layer's rows too often for the processor to foresee it.
 template <typename Depth>
 std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
                     typename Depth::Pixel* out) {
-  if (params == nullptr || params->x_radius != kHalfPixel || params->y_radius != kHalfPixel ||
-      params->source == nullptr || params->source->data == nullptr || (x | y) < 0) {
+  if (params == nullptr) {
+    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
+  }
+  if (params->x_radius != kHalfPixel || params->y_radius != kHalfPixel) {
     return sampleBox<Depth>(effect_ref, x, y, params, out);
+  }
+  if ((x | y) < 0 || params->source == nullptr) {
+    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
   }
   const PF_LayerDef& world = *params->source;
   const std::uint32_t column = static_cast<std::uint32_t>(x) >> 16;
   const std::uint32_t row = static_cast<std::uint32_t>(y) >> 16;
-  if (world.width < static_cast<std::int32_t>(column + 2) || world.height < static_cast<std::int32_t>(row + 2)) {
-    return sampleBox<Depth>(effect_ref, x, y, params, out);
+  if (world.width < static_cast<std::int32_t>(column + 2) || world.height < static_cast<std::int32_t>(row + 2) ||
+      world.data == nullptr) {
+    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
   }
-  const std::byte* const pixel = static_cast<const std::byte*>(world.data) + std::int64_t{row} * world.row_bytes +
-                                 std::int64_t{column} * Depth::kPixelBytes;
-  __builtin_prefetch(pixel + 2 * std::ptrdiff_t{world.row_bytes});
+  const std::ptrdiff_t row_bytes = world.row_bytes;
+  const std::byte* const pixel =
+      static_cast<const std::byte*>(world.data) + row * row_bytes + column * Depth::kPixelBytes;
+  __builtin_prefetch(pixel + 2 * row_bytes);
   if (!Depth::kOnePixelIsMean && ((x | y) & 65535) == 0) {
     __builtin_memcpy(out, pixel, Depth::kPixelBytes);
   } else {
-    sampleSquare<Depth>(pixel, world.row_bytes, x & 65535, y & 65535, out);
+    sampleSquare<Depth>(pixel, row_bytes, x & 65535, y & 65535, out);
   }
   return ERR_NONE;
 }

@@ -1,9 +1,12 @@
 // The pixel depths of the area samplers that use vectors: how pixels are loaded and stored, and the sum of a box of up
-// to 17 by 17 pixels. Included by the small boxes' files.
+// to 17 by 17 pixels. Included by the small boxes of float pixels.
 #include <immintrin.h>
+
+#include <cstddef>
 
 #include "host/AreaSamplerVariants.h"
 #include "host/SampleBox.h"
+#include "host/SmallBoxConstants.h"
 
 namespace vantorel::host {
 
@@ -26,6 +29,11 @@ inline __m128i loadBytes16(const void* address) {
   return _mm_loadu_si128(static_cast<const __m128i*>(address));
 }
 
+template <typename Lane>
+inline __m128i constant128(const Lane* lanes) {
+  return _mm_load_si128(reinterpret_cast<const __m128i*>(lanes));
+}
+
 // The columns and rows of a box that lie in the world, and the weights of the outermost ones; those between weigh kOne.
 struct BoxPart {
   const std::byte* first;  // the upper left pixel
@@ -38,22 +46,29 @@ struct BoxPart {
   std::uint32_t bottom;
 };
 
-// A box of one to two pixels' size that begins in a given pixel: where in it, and its size, in 1/65536 pixel.
+// A box of one to two pixels' size: where in its first pixel it begins and how long it is, in 1/65536 pixel, x in lane
+// 0 and y in lane 1 of 32 bits; the other lanes are 0.
 struct SmallBox {
-  std::int32_t left;
-  std::int32_t top;
-  std::int32_t width;
-  std::int32_t height;
+  __m128i begin;
+  __m128i length;
 };
 
+// The radii stand side by side; a caller had better store them at once, for a load across two stores waits for both.
+inline SmallBox smallBox(std::int32_t x, std::int32_t y, const PF_SampleParams& params) {
+  static_assert(offsetof(PF_SampleParams, y_radius) == offsetof(PF_SampleParams, x_radius) + 4);
+  const __m128i centre = _mm_insert_epi32(_mm_cvtsi32_si128(x), y, 1);
+  const __m128i radius = loadBytes8(&params.x_radius);
+  const __m128i begin = _mm_add_epi32(_mm_sub_epi32(centre, radius), constant128(kSmallBoxConstants.half));
+  return {_mm_and_si128(begin, constant128(kSmallBoxConstants.fraction)), _mm_add_epi32(radius, radius)};
+}
+
 // sum / area rounded to nearest, halves up, for the sums of weighted 8 or 16-bit channels and the areas of boxes of up
-// to two pixels' size: whole numbers, the areas up to 2^34. The quotient is taken by the area's reciprocal, which does
-// not wait for the sum, and lies less than 2^-35 beside the true one, which is a whole number or 2^-34 at least below
-// the next: with 2^-35 added, truncation finds the right one.
+// to two pixels' size: whole numbers, the areas up to 2^34 and multiples of 4. It is taken by the area's reciprocal,
+// which does not wait for the sum. With a half added, the quotient is a whole number or at least 2^-34 below the next,
+// and the computed one is off by less than 2^-36: with 2^-35 added besides, truncation finds the right one.
 inline __m128i roundedQuotient(__m256d sum, __m256d area) {
   const __m256d reciprocal = _mm256_div_pd(_mm256_set1_pd(1.0), area);
-  const __m256d rounded = _mm256_fmadd_pd(area, _mm256_set1_pd(0.5), sum);
-  return _mm256_cvttpd_epi32(_mm256_fmadd_pd(rounded, reciprocal, _mm256_set1_pd(0x1p-35)));
+  return _mm256_cvttpd_epi32(_mm256_fmadd_pd(sum, reciprocal, _mm256_set1_pd(0.5 + 0x1p-35)));
 }
 
 // ---- 8 bit ---------------------------------------------------------------------------------------------------------
@@ -73,8 +88,6 @@ struct Depth8 {
 
   static constexpr int kSignFlip = 0;
   static constexpr double kSignedZero = 0.0;
-
-  static void storeQuotient(__m256d sum, __m256d area, Pixel* out) { storeLanes(roundedQuotient(sum, area), out); }
 
   static void storeLanes(__m128i lanes, Pixel* out) {
     const __m128i words = _mm_packus_epi32(lanes, lanes);
@@ -160,8 +173,6 @@ struct Depth16 {
 
   static __m256d widen(const std::byte* pixel) { return _mm256_cvtepi32_pd(_mm_cvtepu16_epi32(loadBytes8(pixel))); }
 
-  static void storeQuotient(__m256d sum, __m256d area, Pixel* out) { storeLanes(roundedQuotient(sum, area), out); }
-
   // A channel times 65536 takes all 32 bits: the conversion to double, which is signed, sees it less 2^31.
   static constexpr int kSignFlip = -2147483648;
   static constexpr double kSignedZero = 32768.0;
@@ -237,10 +248,6 @@ struct DepthFloat {
   }
 
   static void store(__m256d mean, Pixel* out) { _mm_storeu_ps(&out->alpha, _mm256_cvtpd_ps(mean)); }
-
-  static void storeQuotient(__m256d sum, __m256d area, Pixel* out) {
-    store(_mm256_mul_pd(sum, _mm256_div_pd(_mm256_set1_pd(1.0), area)), out);
-  }
 
   // The sums of `kRows` rows, side by side so that their chains of additions overlap.
   template <int kRows>

@@ -1,0 +1,10 @@
+#include "host/SmallBoxConstants.h"
+
+namespace vantorel::host {
+
+constexpr SmallBoxConstants kSmallBoxConstants{
+    {1, 1, 1, 1, 1, 1, 1, 1}, {0, 0, 0, 0, 8, 8, 8, 8}, {1LL << 31, 1LL << 31, 1LL << 31, 1LL << 31},
+    {65536, 65536},           {131072, 131072},         {32768, 32768, 32768, 32768},
+    {65535, 65535, 0, 0}};
+
+}  // namespace vantorel::host

@@ -1,0 +1,22 @@
+// The numbers that the small boxes' vectors are computed with. They are defined in a file of their own so that
+// compilers, which do not see them there, load them: put together from immediate numbers, as compilers prefer, they
+// would take a sixth of a sample's instructions.
+#pragma once
+
+#include <cstdint>
+
+namespace vantorel::host {
+
+struct SmallBoxConstants {
+  alignas(64) std::int64_t second_lane[8];  // indices: the second lane in all lanes
+  alignas(64) std::int64_t pair_lanes[8];   // the first lane of one vector in four lanes, that of another in the others
+  alignas(32) std::int64_t rounding[4];     // half of 2^32
+  alignas(16) std::int64_t one[2];          // a pixel
+  alignas(16) std::int64_t two[2];          // two pixels
+  alignas(16) std::int32_t half[4];         // half a pixel
+  alignas(16) std::int32_t fraction[4];     // the bits of a position in its pixel, in two lanes
+};
+
+[[gnu::visibility("hidden")]] extern const SmallBoxConstants kSmallBoxConstants;
+
+}  // namespace vantorel::host
