@@ -64,7 +64,21 @@ void SampleBlock(const KZFX_PerspectiveInfo& info, const PixelBlock& block, int 
   }
 }
 
-// Draws the accepted columns of row y, from column x of the walk on.
+// A block's pixels and how many of them there are.
+struct FilledBlock {
+  PixelBlock pixels;
+  int count = 0;
+  bool any_nowhere = false;
+
+  template <typename Quality>
+  void Fill(const RowBlockFunctions& functions, const InputScale& scale, std::int64_t remaining, RowWalk* walk) {
+    count = static_cast<int>(std::min<std::int64_t>(remaining, kRowBlock));
+    any_nowhere = count > 0 && Quality::ComputeBlock(functions, walk, scale, count, &pixels);
+  }
+};
+
+// Draws the accepted columns of row y, from column x of the walk on. The next block is computed before a block is
+// sampled: the first samples of a block would else wait for its computation to end.
 template <typename Quality, typename Pixel>
 void TraceColumns(const KZFX_PerspectiveInfo& info, const ColumnRange& columns, std::int32_t x, std::int32_t y,
                   Pixel* out, const RowBlockFunctions& functions) {
@@ -72,14 +86,18 @@ void TraceColumns(const KZFX_PerspectiveInfo& info, const ColumnRange& columns, 
   RowWalk walk = Quality::WalkFrom(info, x, y, &scale);
   WalkAlong(&walk, static_cast<int>(columns.first - x));
   PF_SampleParams params = Quality::FirstParams(info);
-  PixelBlock block;
   Pixel working{};
-  for (std::int64_t remaining = columns.end - columns.first; remaining > 0; remaining -= kRowBlock, out += kRowBlock) {
-    const int count = static_cast<int>(std::min<std::int64_t>(remaining, kRowBlock));
-    if (Quality::ComputeBlock(functions, &walk, scale, count, &block)) {
-      SampleBlock<Quality, true>(info, block, count, &params, &working, out);
+  FilledBlock blocks[2];
+  std::int64_t remaining = columns.end - columns.first;
+  blocks[0].Fill<Quality>(functions, scale, remaining, &walk);
+  for (int current = 0; blocks[current].count > 0; current = 1 - current, out += kRowBlock) {
+    const FilledBlock& block = blocks[current];
+    remaining -= block.count;
+    blocks[1 - current].Fill<Quality>(functions, scale, remaining, &walk);
+    if (block.any_nowhere) {
+      SampleBlock<Quality, true>(info, block.pixels, block.count, &params, &working, out);
     } else {
-      SampleBlock<Quality, false>(info, block, count, &params, &working, out);
+      SampleBlock<Quality, false>(info, block.pixels, block.count, &params, &working, out);
     }
   }
 }
