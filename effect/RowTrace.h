@@ -8,8 +8,8 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
+#include "effect/ClearPixels.h"
 #include "effect/PerspectiveInfo.h"
 #include "effect/RowBlocks.h"
 
@@ -40,10 +40,11 @@ inline bool RowIsRejected(const KZFX_PerspectiveInfo& info, std::int32_t y) {
   return y > info.bound_bottom || y < info.bound_top;
 }
 
-// Makes `count` pixels transparent, at the speed of memory: all channels zero is all bytes zero, also for floats.
+// Makes `count` pixels of a row of the output transparent.
 template <typename Pixel>
-void ClearPixels(Pixel* out, std::int64_t count) {
-  std::memset(static_cast<void*>(out), 0, static_cast<std::size_t>(count) * sizeof(Pixel));
+void ClearPixels(const KZFX_PerspectiveInfo& info, Pixel* out, std::int64_t count) {
+  const std::uint64_t pixels = static_cast<std::uint64_t>(info.out_width) * static_cast<std::uint32_t>(info.out_height);
+  ClearBytes(out, static_cast<std::size_t>(count) * sizeof(Pixel), ClearingWayFor(pixels * sizeof(Pixel)));
 }
 
 // Samples a block's pixels in order into `out`. The host's error codes are not looked at: a pixel that the host does
@@ -114,8 +115,8 @@ void TraceRow(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y, 
   const std::int64_t row_end = std::int64_t{x} + info.out_width;
   const ColumnRange columns =
       RowIsRejected(info, y) ? ColumnRange{row_end, row_end} : AcceptedColumns(info, x, row_end);
-  ClearPixels(out, columns.first - x);
-  ClearPixels(out + (columns.end - x), row_end - columns.end);
+  ClearPixels(info, out, columns.first - x);
+  ClearPixels(info, out + (columns.end - x), row_end - columns.end);
   if (columns.first < columns.end) {
     TraceColumns<Quality>(info, columns, x, y, out + (columns.first - x), functions);
   }

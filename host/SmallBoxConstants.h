@@ -8,13 +8,14 @@
 namespace vantorel::host {
 
 struct SmallBoxConstants {
-  alignas(64) std::int64_t second_lane[8];  // indices: the second lane in all lanes
-  alignas(64) std::int64_t pair_lanes[8];   // the first lane of one vector in four lanes, that of another in the others
+  alignas(64) std::int64_t pair_lanes[8];   // indices: lane 1 of one vector four times, then that of another
   alignas(32) std::int64_t rounding[4];     // half of 2^32
   alignas(16) std::int64_t one[2];          // a pixel
   alignas(16) std::int64_t two[2];          // two pixels
-  alignas(16) std::int32_t half[4];         // half a pixel
-  alignas(16) std::int32_t fraction[4];     // the bits of a position in its pixel, in two lanes
+  alignas(16) std::int64_t half[2];         // half a pixel
+  alignas(16) std::int64_t fraction[2];     // the bits of a position in its pixel
+  alignas(16) std::int32_t narrow_half[4];  // the same two in lanes of 32 bits
+  alignas(16) std::int32_t narrow_fraction[4];
 };
 
 [[gnu::visibility("hidden")]] extern const SmallBoxConstants kSmallBoxConstants;

@@ -27,9 +27,9 @@ inline void sampleSquare(const std::byte* pixel, std::ptrdiff_t row_bytes, std::
 
 // The mean of a box that lies within the three by three pixels at `pixel`, summed in doubles, which hold it exactly.
 template <typename Depth>
-inline void sampleThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes, const SmallBox& box,
-                               typename Depth::Pixel* out) {
-  const ThreeWeights weights = threeWeights(box);
+inline void sampleThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x_centre,
+                               std::int32_t y_centre, const PF_SampleParams& params, typename Depth::Pixel* out) {
+  const ThreeWeights weights = threeWeights(smallBox(x_centre, y_centre, params));
   const __m256d x[3] = {broadcastX(weights.weight[0]), broadcastX(weights.weight[1]), broadcastX(weights.weight[2])};
   __m256d total;
   for (int row = 0; row < 3; ++row, pixel += row_bytes) {
@@ -49,9 +49,9 @@ inline void sampleSquare<DepthFloat>(const std::byte* pixel, std::ptrdiff_t row_
 }
 
 template <>
-inline void sampleThreeByThree<DepthFloat>(const std::byte* pixel, std::ptrdiff_t row_bytes, const SmallBox& box,
-                                           PF_PixelFloat* out) {
-  sampleFloatThreeByThree(pixel, row_bytes, box, out);
+inline void sampleThreeByThree<DepthFloat>(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x,
+                                           std::int32_t y, const PF_SampleParams& params, PF_PixelFloat* out) {
+  sampleFloatThreeByThree(pixel, row_bytes, smallBox(x, y, params), out);
 }
 
 }  // namespace

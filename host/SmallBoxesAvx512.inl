@@ -70,45 +70,67 @@ inline __m256i roundedQuotientBits(__m256d sum, __m256d area) {
   return _mm256_castpd_si256(_mm256_fmadd_pd(sum, reciprocal, _mm256_set1_pd(0x1p52)));
 }
 
-// The second lane in all lanes.
-inline __m512i broadcastY(__m128i both) {
-  return _mm512_permutexvar_epi64(constant512(kSmallBoxConstants.second_lane), _mm512_castsi128_si512(both));
+// lanes * weight, for sums of columns of both depths.
+inline __m256i weighted(__m256i lanes, __m256i weight, Depth8) {
+  return _mm256_mul_epu32(lanes, weight);
+}
+inline __m256i weighted(__m256i lanes, __m256i weight, Depth16) {
+  return _mm256_madd52lo_epu64(_mm256_setzero_si256(), lanes, weight);  // a sum takes 33 bits
+}
+inline __m512i weighted(__m512i lanes, __m512i weights, Depth8) {
+  return _mm512_mul_epu32(lanes, weights);
+}
+inline __m512i weighted(__m512i lanes, __m512i weights, Depth16) {
+  return _mm512_madd52lo_epu64(_mm512_setzero_si512(), lanes, weights);
+}
+
+// y in lane 0 and x in lane 1 of 64 bits.
+inline __m128i bothAxes(std::int32_t x, std::int32_t y) {
+  return _mm_insert_epi32(_mm_cvtsi32_si128(y), x, 2);
 }
 
 // The mean of a box that lies within the three by three pixels at `pixel`.
 template <typename Depth>
-inline void sampleThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes, const SmallBox& box,
-                               typename Depth::Pixel* out) {
-  // The weights of the columns in the first lane, of the rows in the second.
+inline void sampleThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
+                               const PF_SampleParams& params, typename Depth::Pixel* out) {
+  // Where the box begins and ends from its first pixel on, and from these the weights, of the rows in lane 0 and of the
+  // columns in lane 1.
   const __m128i one = constant128(kSmallBoxConstants.one);
   const __m128i two = constant128(kSmallBoxConstants.two);
-  const __m128i begin = _mm_cvtepu32_epi64(box.begin);
-  const __m128i end = _mm_cvtepu32_epi64(_mm_add_epi32(box.begin, box.length));
+  const __m128i radius = bothAxes(params.x_radius, params.y_radius);
+  const __m128i length = _mm_add_epi64(radius, radius);
+  const __m128i from_centre = _mm_sub_epi32(bothAxes(x, y), radius);
+  const __m128i begin = _mm_and_si128(_mm_add_epi32(from_centre, constant128(kSmallBoxConstants.half)),
+                                      constant128(kSmallBoxConstants.fraction));
+  const __m128i end = _mm_add_epi64(begin, length);
   const __m128i first = _mm_sub_epi64(one, begin);
   const __m128i second = _mm_sub_epi64(_mm_min_epu32(end, two), one);
   const __m128i third = _mm_sub_epi64(_mm_max_epu32(end, two), two);
 
+  // The rows' sums of the first two columns and of the third.
   const std::byte* const lower = pixel + row_bytes;
   const std::byte* const lowest = lower + row_bytes;
-  const __m512i y[3] = {broadcastY(first), broadcastY(second), broadcastY(third)};
-  const __m512i upper_pairs =
-      _mm512_madd52lo_epu64(_mm512_mul_epu32(widenPair64(pixel, Depth{}), y[0]), widenPair64(lower, Depth{}), y[1]);
-  const __m512i pairs = _mm512_add_epi64(upper_pairs, _mm512_mul_epu32(widenPair64(lowest, Depth{}), y[2]));
+  const __m512i rows[3] = {_mm512_broadcastq_epi64(first), _mm512_broadcastq_epi64(second),
+                           _mm512_broadcastq_epi64(third)};
+  const auto row_of_third = [&](int i) { return _mm512_castsi512_si256(rows[i]); };
+  const __m512i upper_pairs = _mm512_madd52lo_epu64(_mm512_mul_epu32(widenPair64(pixel, Depth{}), rows[0]),
+                                                    widenPair64(lower, Depth{}), rows[1]);
+  const __m512i pairs = _mm512_add_epi64(upper_pairs, _mm512_mul_epu32(widenPair64(lowest, Depth{}), rows[2]));
   constexpr std::ptrdiff_t kTwoPixels = 2 * Depth::kPixelBytes;
   const __m256i upper_thirds =
-      _mm256_madd52lo_epu64(_mm256_mul_epu32(widenOne64(pixel + kTwoPixels, Depth{}), _mm512_castsi512_si256(y[0])),
-                            widenOne64(lower + kTwoPixels, Depth{}), _mm512_castsi512_si256(y[1]));
-  const __m256i thirds = _mm256_add_epi64(
-      upper_thirds, _mm256_mul_epu32(widenOne64(lowest + kTwoPixels, Depth{}), _mm512_castsi512_si256(y[2])));
+      _mm256_madd52lo_epu64(_mm256_mul_epu32(widenOne64(pixel + kTwoPixels, Depth{}), row_of_third(0)),
+                            widenOne64(lower + kTwoPixels, Depth{}), row_of_third(1));
+  const __m256i thirds =
+      _mm256_add_epi64(upper_thirds, _mm256_mul_epu32(widenOne64(lowest + kTwoPixels, Depth{}), row_of_third(2)));
 
-  const __m512i x = _mm512_permutex2var_epi64(_mm512_castsi128_si512(first), constant512(kSmallBoxConstants.pair_lanes),
-                                              _mm512_castsi128_si512(second));
-  const __m256i weighted_thirds = _mm256_madd52lo_epu64(_mm256_setzero_si256(), thirds, _mm256_broadcastq_epi64(third));
+  const __m512i columns = _mm512_permutex2var_epi64(
+      _mm512_castsi128_si512(first), constant512(kSmallBoxConstants.pair_lanes), _mm512_castsi128_si512(second));
+  const __m256i third_column = _mm256_permute4x64_epi64(_mm256_castsi128_si256(third), 0x55);
   const __m256i total =
-      _mm256_add_epi64(sumOfHalves(_mm512_madd52lo_epu64(_mm512_setzero_si512(), pairs, x)), weighted_thirds);
-  const __m128d length = _mm_cvtepi32_pd(box.length);
+      _mm256_add_epi64(sumOfHalves(weighted(pairs, columns, Depth{})), weighted(thirds, third_column, Depth{}));
+  const __m128d lengths = _mm_cvtepi64_pd(length);
   const __m256d area =
-      _mm256_mul_pd(_mm256_broadcastsd_pd(length), _mm256_permute4x64_pd(_mm256_castpd128_pd256(length), 0x55));
+      _mm256_mul_pd(_mm256_broadcastsd_pd(lengths), _mm256_permute4x64_pd(_mm256_castpd128_pd256(lengths), 0x55));
   storeLow(roundedQuotientBits(_mm256_cvtepu64_pd(total), area), out);
 }
 
@@ -119,9 +141,9 @@ inline void sampleSquare<DepthFloat>(const std::byte* pixel, std::ptrdiff_t row_
 }
 
 template <>
-inline void sampleThreeByThree<DepthFloat>(const std::byte* pixel, std::ptrdiff_t row_bytes, const SmallBox& box,
-                                           PF_PixelFloat* out) {
-  sampleFloatThreeByThree(pixel, row_bytes, box, out);
+inline void sampleThreeByThree<DepthFloat>(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x,
+                                           std::int32_t y, const PF_SampleParams& params, PF_PixelFloat* out) {
+  sampleFloatThreeByThree(pixel, row_bytes, smallBox(x, y, params), out);
 }
 
 }  // namespace

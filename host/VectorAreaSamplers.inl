@@ -99,7 +99,7 @@ template <typename Depth>
   const std::byte* const pixel =
       static_cast<const std::byte*>(world.data) + row * row_bytes + column * Depth::kPixelBytes;
   __builtin_prefetch(pixel + 3 * row_bytes);
-  sampleThreeByThree<Depth>(pixel, row_bytes, smallBox(x, y, *params), out);
+  sampleThreeByThree<Depth>(pixel, row_bytes, x, y, *params, out);
   return ERR_NONE;
 }
 

@@ -58,8 +58,8 @@ inline SmallBox smallBox(std::int32_t x, std::int32_t y, const PF_SampleParams& 
   static_assert(offsetof(PF_SampleParams, y_radius) == offsetof(PF_SampleParams, x_radius) + 4);
   const __m128i centre = _mm_insert_epi32(_mm_cvtsi32_si128(x), y, 1);
   const __m128i radius = loadBytes8(&params.x_radius);
-  const __m128i begin = _mm_add_epi32(_mm_sub_epi32(centre, radius), constant128(kSmallBoxConstants.half));
-  return {_mm_and_si128(begin, constant128(kSmallBoxConstants.fraction)), _mm_add_epi32(radius, radius)};
+  const __m128i begin = _mm_add_epi32(_mm_sub_epi32(centre, radius), constant128(kSmallBoxConstants.narrow_half));
+  return {_mm_and_si128(begin, constant128(kSmallBoxConstants.narrow_fraction)), _mm_add_epi32(radius, radius)};
 }
 
 // sum / area rounded to nearest, halves up, for the sums of weighted 8 or 16-bit channels and the areas of boxes of up
