@@ -86,7 +86,7 @@ inline __m512i weighted(__m512i lanes, __m512i weights, Depth16) {
 
 // y in lane 0 and x in lane 1 of 64 bits.
 inline __m128i bothAxes(std::int32_t x, std::int32_t y) {
-  return _mm_insert_epi32(_mm_cvtsi32_si128(y), x, 2);
+  return _mm_unpacklo_epi64(_mm_cvtsi32_si128(y), _mm_cvtsi32_si128(x));
 }
 
 // The mean of a box that lies within the three by three pixels at `pixel`.
@@ -97,7 +97,7 @@ inline void sampleThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes,
   // columns in lane 1.
   const __m128i one = constant128(kSmallBoxConstants.one);
   const __m128i two = constant128(kSmallBoxConstants.two);
-  const __m128i radius = bothAxes(params.x_radius, params.y_radius);
+  const __m128i radius = _mm_shuffle_epi32(_mm_cvtepu32_epi64(loadBytes8(&params.x_radius)), 0x4E);
   const __m128i length = _mm_add_epi64(radius, radius);
   const __m128i from_centre = _mm_sub_epi32(bothAxes(x, y), radius);
   const __m128i begin = _mm_and_si128(_mm_add_epi32(from_centre, constant128(kSmallBoxConstants.half)),

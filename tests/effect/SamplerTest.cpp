@@ -198,6 +198,50 @@ RC_GTEST_PROP(RowSamplers, EqualTheirDefinitionOnQuadrilaterals, ()) {
   checkAllSamplers(host, info, 0, *rc::gen::inRange(0, height));
 }
 
+// Millions of pixels, a few of which lie so near the half of 1/65536 pixel that only exact quotients round them as they
+// should be.
+TEST(RowSamplers, WholeFramesEqualThePlainComputation) {
+  constexpr int kWidth = 1920, kHeight = 1080;
+  const double quads[][8] = {{193, 108, 1729, 54, 1825, 1026, 97, 972},
+                             {801, 450, 1101, 460, 1121, 640, 791, 650},
+                             {11.5, 20.25, 1901.7, 3.3, 1801.1, 1000.9, 101.4, 900.2}};
+  for (const auto& quad : quads) {
+    M_Vector2T<double> corners[4];
+    for (int i = 0; i < 4; ++i) {
+      corners[i].x = quad[2 * i];
+      corners[i].y = quad[2 * i + 1];
+    }
+    M_Matrix3 map(true);
+    ASSERT_EQ(KZFX_MapUnitSquareToFromQuad(corners, &map, 0), 1);
+    const auto walk_at = [&](int y) {
+      const auto coordinate = [&](int c, double unit) {
+        return CoordinateWalk{(map.m[1][c] * y + map.m[2][c]) * unit, map.m[0][c] * unit, map.m[1][c] * unit};
+      };
+      return RowWalk{coordinate(0, kWidth), coordinate(1, kHeight), coordinate(2, 1.0)};
+    };
+    for (const InstructionSet set : {InstructionSet::Avx2, InstructionSet::Avx512}) {
+      const RowBlockFunctions* const plain = RowBlockFunctionsFor(InstructionSet::Plain);
+      const RowBlockFunctions* const functions = RowBlockFunctionsFor(set);
+      for (int y = 0; functions != nullptr && y < kHeight; ++y) {
+        RowWalk expected_walk = walk_at(y);
+        RowWalk walk = expected_walk;
+        for (int x = 0; x < kWidth; x += kRowBlock) {
+          PixelBlock expected, block;
+          ASSERT_FALSE(plain->footprints(&expected_walk, {1.0, 1.5}, kRowBlock, &expected));
+          ASSERT_FALSE(functions->footprints(&walk, {1.0, 1.5}, kRowBlock, &block));
+          for (int i = 0; i < kRowBlock; ++i) {
+            const bool same = block.x[i] == expected.x[i] && block.y[i] == expected.y[i] &&
+                              block.box[i].x_radius == expected.box[i].x_radius &&
+                              block.box[i].y_radius == expected.box[i].y_radius &&
+                              block.box[i].area == expected.box[i].area;
+            ASSERT_TRUE(same) << "pixel " << x + i << ", " << y;
+          }
+        }
+      }
+    }
+  }
+}
+
 TEST(RowSamplers, PixelsByTheVanishingLineAreNotWalkedRound) {
   ScriptedHost host;
   KZFX_PerspectiveInfo info = infoFor(host, 200, 100);
