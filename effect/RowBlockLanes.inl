@@ -33,7 +33,9 @@ inline void ComputeRun(RowWalk* walk, const InputScale& scale, int count, PixelB
     StorePositions(pixel_of(walk->u, number), pixel_of(walk->v, number), pixel_of(walk->w, number), scale, i, out);
     number = number + Broadcast(kLanes);
   }
-  WalkAlong(walk, count);
+  PassRun(&walk->u, count);
+  PassRun(&walk->v, count);
+  PassRun(&walk->w, count);
 }
 
 // Any pixels.
@@ -116,8 +118,7 @@ inline void StoreBoxes(const Extents& extents, int first, int end, PixelBlock* o
   for (int i = first; i < end; i += kLanes) {
     const Ints x_radius = HalfClamped(Load(extents.x + i), 65536, 1048576);
     const Ints y_radius = HalfClamped(Load(extents.y + i), 65536, 1048576);
-    const Doubles product = FromInts(x_radius) * FromInts(y_radius);
-    StoreBoxes(x_radius, y_radius, TimesFour(Truncated(product * Broadcast(1.0 / 65536.0))), out->box + i);
+    StoreBoxes(x_radius, y_radius, out->box + i);
   }
 }
 
@@ -142,8 +143,8 @@ inline void MeasureExactly(const Stretch& at, const InputScale& scale, int i, Ex
   measure(at.v, scale.y, out->y, extents->y);
 }
 
-// The smallest and the largest magnitude among a block's pixels and their neighbours, to within a factor that the
-// bounds below have room for; the smallest is 0 where the sign changes.
+// The smallest and the largest magnitude among pixels and their neighbours, to within a factor that the bounds below
+// have room for; the smallest is 0 where the sign changes.
 struct Magnitudes {
   double smallest;
   double largest;
@@ -156,63 +157,67 @@ inline double Greater(double a, double b) {
   return a > b ? a : b;
 }
 
-inline Magnitudes MagnitudesOfBlock(const CoordinateWalk& walk) {
-  const double last = walk.at + (kRowBlock + 1) * walk.right;
+inline Magnitudes MagnitudesOf(const CoordinateWalk& walk, int pixels) {
+  const double last = walk.at + (pixels + 1) * walk.right;
   const double low = Lesser(walk.at, last) + Lesser(walk.down, 0.0);
   const double high = Greater(walk.at, last) + Greater(walk.down, 0.0);
   const double smallest = low > 0.0 ? low : high < 0.0 ? -high : 0.0;
   return {smallest, Greater(high, -low)};
 }
 
-// How far the near computation below may be from the exact one in this block, in 1/65536 pixel; infinite where it must
-// not be used.
+// How far the near computation below may be from the exact one in blocks among the next pixels, in 1/65536 pixel;
+// infinite where it must not be used.
 //
 // With q = 2^-53, every addition of the walk errs by at most q times the largest magnitude, which in a block adds up to
 // less than 5 * 64 + 4 such errors: less than 2^-44.6 of the largest u, v or w. Where the divisors' magnitudes are
 // within a factor of 8 of each other, a quotient is therefore off by less than 2^-41.4 of the largest u or v over the
 // smallest w, a distance of two by less than twice that, and the near computation's own roundings are far smaller.
-inline double LargestError(const RowWalk& walk, const InputScale& scale) {
+inline double LargestError(const RowWalk& walk, const InputScale& scale, int pixels) {
   constexpr double kNever = __builtin_inf();
-  const Magnitudes u = MagnitudesOfBlock(walk.u);
-  const Magnitudes v = MagnitudesOfBlock(walk.v);
-  const Magnitudes w = MagnitudesOfBlock(walk.w);
+  const Magnitudes u = MagnitudesOf(walk.u, pixels);
+  const Magnitudes v = MagnitudesOf(walk.v, pixels);
+  const Magnitudes w = MagnitudesOf(walk.w, pixels);
   // What is compared this way round is false for NaN.
-  const bool is_tame = w.smallest > 0x1p-100 && w.largest < 0x1p100 && w.largest < 8.0 * w.smallest &&
-                       4.0 * __builtin_fabs(walk.w.down) < w.smallest && scale.x > 0.0 && scale.y > 0.0;
+  const bool is_tame =
+      w.smallest > 0x1p-100 && w.largest < 0x1p100 && w.largest < 8.0 * w.smallest && scale.x > 0.0 && scale.y > 0.0;
   const double farthest = Greater(u.largest * scale.x, v.largest * scale.y) * 65536.0 / w.smallest;
   return is_tame && farthest < 0x1p31 ? farthest * 0x1p-39 + 0x1p-30 : kNever;
 }
 
-// The reciprocals of a block's divisors and of their neighbours', a vector each.
-struct Reciprocals {
-  static constexpr int kVectors = kRowBlock / kLanes;
-  Doubles own[kVectors];
-  Doubles right[kVectors];
-  Doubles diagonal[kVectors];
-  Doubles down[kVectors];
+// The quotients of a block's pixels and of the pixels below them, and those of some pixels beyond the block: the right
+// neighbours are the next pixels, and the lower right ones those below the next.
+struct NearQuotients {
+  static constexpr int kPixels = kRowBlock + kLanes;
+  double x[kPixels];
+  double y[kPixels];
+  double lower_x[kPixels];
+  double lower_y[kPixels];
 };
 
 // With one division for all four of a pixel, and without the walk's roundings.
-inline void ComputeReciprocals(const CoordinateWalk& walk, int count, Reciprocals* out) {
-  const Doubles at = Broadcast(walk.at);
-  const Doubles step_right = Broadcast(walk.right);
-  const Doubles step_down = Broadcast(walk.down);
-  const Doubles step_diagonal = step_right + step_down;
+inline void ComputeQuotients(const RowWalk& walk, int count, NearQuotients* out) {
+  const Doubles u = Broadcast(walk.u.at);
+  const Doubles v = Broadcast(walk.v.at);
+  const Doubles w = Broadcast(walk.w.at);
+  const Doubles u_right = Broadcast(walk.u.right);
+  const Doubles v_right = Broadcast(walk.v.right);
+  const Doubles w_right = Broadcast(walk.w.right);
+  const Doubles u_down = Broadcast(walk.u.down);
+  const Doubles v_down = Broadcast(walk.v.down);
+  const Doubles w_down = Broadcast(walk.w.down);
   Doubles pixel = Ramp();
-  for (int i = 0; i < count / kLanes; ++i) {
-    const Doubles own = MultiplyAdd(pixel, step_right, at);
-    const Doubles right = own + step_right;
-    const Doubles diagonal = own + step_diagonal;
-    const Doubles down = own + step_down;
-    const Doubles upper = own * right;
-    const Doubles lower = diagonal * down;
-    const Doubles all = Broadcast(1.0) / (upper * lower);
-    const Doubles of_upper = all * lower;
-    const Doubles of_lower = all * upper;
-    out->own[i] = of_upper * right;
-    out->right[i] = of_upper * own;
-    out->diagonal[i] = of_lower * down;
-    out->down[i] = of_lower * diagonal;
+  for (int i = 0; i < count + kLanes; i += kLanes) {
+    const Doubles own_w = MultiplyAdd(pixel, w_right, w);
+    const Doubles lower_w = own_w + w_down;
+    const Doubles both = Broadcast(1.0) / (own_w * lower_w);
+    const Doubles own = both * lower_w;
+    const Doubles lower = both * own_w;
+    const Doubles own_u = MultiplyAdd(pixel, u_right, u);
+    const Doubles own_v = MultiplyAdd(pixel, v_right, v);
+    Store(own_u * own, out->x + i);
+    Store(own_v * own, out->y + i);
+    Store((own_u + u_down) * lower, out->lower_x + i);
+    Store((own_v + v_down) * lower, out->lower_y + i);
     pixel = pixel + Broadcast(kLanes);
   }
 }
@@ -222,59 +227,80 @@ using VectorSet = unsigned;
 
 // A block's positions and extents along one axis, from near quotients. Returns the vectors in which numbers that may be
 // off by `error` are not sure to truncate as the exact ones do.
-//
-// From a quotient p = u / w to a neighbour's it is (du - p dw) / (w + dw), for a step (du, dw).
-inline VectorSet MeasureAxis(const CoordinateWalk& walk, const CoordinateWalk& divisor, double to_input, double error,
-                             const Reciprocals& reciprocals, int count, std::int32_t* positions,
-                             std::int32_t* extents) {
-  const Doubles at = Broadcast(walk.at);
-  const Doubles right = Broadcast(walk.right);
-  const Doubles down = Broadcast(walk.down);
-  const Doubles diagonal = right + down;
-  const Doubles divisor_right = Broadcast(divisor.right);
-  const Doubles divisor_down = Broadcast(divisor.down);
-  const Doubles divisor_diagonal = divisor_right + divisor_down;
+inline VectorSet MeasureAxis(const double* own, const double* lower, double to_input, double error, int count,
+                             std::int32_t* positions, std::int32_t* extents) {
   const Doubles scale = Broadcast(to_input * 65536.0);
   const Doubles half = Broadcast(0.5);
   const Doubles largest_error = Broadcast(error);
-  Doubles pixel = Ramp();
   VectorSet unsure = 0;
-  for (int i = 0; i < count / kLanes; ++i) {
-    const Doubles place = MultiplyAdd(pixel, right, at) * reciprocals.own[i];
-    const Doubles to_right = SubtractProduct(right, place, divisor_right) * reciprocals.right[i];
-    const Doubles to_diagonal = SubtractProduct(diagonal, place, divisor_diagonal) * reciprocals.diagonal[i];
-    const Doubles to_down = SubtractProduct(down, place, divisor_down) * reciprocals.down[i];
-    const Doubles farthest = LargerMagnitude(LargerMagnitude(to_right, to_diagonal), to_down);
+  for (int i = 0; i < count; i += kLanes) {
+    const Doubles place = Load(own + i);
+    const Doubles farthest = LargerMagnitude(LargerMagnitude(Load(own + i + 1) - place, Load(lower + i + 1) - place),
+                                             Load(lower + i) - place);
     const Doubles position = MultiplyAdd(place, scale, WithSignOf(half, place));
     const Doubles extent = MultiplyAdd(farthest, scale, half);
     const bool is_sure = AllGreater(SmallerMagnitude(ToWhole(position), ToWhole(extent)), largest_error);
-    unsure |= static_cast<VectorSet>(!is_sure) << i;
-    Store(Truncated(position), positions + i * kLanes);
-    Store(Truncated(extent), extents + i * kLanes);
-    pixel = pixel + Broadcast(kLanes);
+    unsure |= static_cast<VectorSet>(!is_sure) << (i / kLanes);
+    Store(Truncated(position), positions + i);
+    Store(Truncated(extent), extents + i);
   }
   return unsure;
 }
 
-// The vector at pixel i of a block that begins at `begin`, in which no divisor is near 0.
-[[gnu::noinline]] void MeasureExactlyAt(const RowWalk& begin, const InputScale& scale, int i, Extents* extents,
-                                        PixelBlock* out) {
-  RowWalk walk = begin;
-  WalkRound(&walk, i);
-  MeasureExactly(WalkOneByOne(&walk), scale, i, extents, out);
+// The same for the block to come, and whether the near computation may be used. It is looked for over some blocks at
+// once.
+inline bool AllowsNearBlock(RowWalk* walk, const InputScale& scale) {
+  constexpr double kLargest = 0x1p-7;
+  constexpr int kPixelsAhead = 4 * kRowBlock;
+  if (walk->error_pixels < kRowBlock) {
+    walk->error = LargestError(*walk, scale, kPixelsAhead);
+    walk->error_pixels = kPixelsAhead;
+    if (!(walk->error < kLargest)) {
+      walk->error = LargestError(*walk, scale, kRowBlock);
+      walk->error_pixels = kRowBlock;
+    }
+  }
+  walk->error_pixels -= kRowBlock;
+  return walk->error < kLargest;
 }
 
-void ComputeNearBlock(RowWalk* walk, const InputScale& scale, double largest_error, int count, PixelBlock* out) {
-  Reciprocals reciprocals;
+// The vector at pixel i of a block that begins at `begin`, in which no divisor is near 0; `is_run` tells whether all
+// its coordinates are runs.
+[[gnu::noinline]] void MeasureExactlyAt(const RowWalk& begin, bool is_run, const InputScale& scale, int i,
+                                        Extents* extents, PixelBlock* out) {
+  if (is_run) {
+    const auto go_round = [i](const CoordinateWalk& c) {
+      const Doubles centre = MultiplyAdd(Ramp() + Broadcast(i), Broadcast(c.step), Broadcast(c.at));
+      const Doubles right = centre + Broadcast(c.right);
+      const Doubles lower_right = right + Broadcast(c.down);
+      return Neighbourhood{centre, right, lower_right, lower_right - Broadcast(c.right)};
+    };
+    MeasureExactly({go_round(begin.u), go_round(begin.v), go_round(begin.w)}, scale, i, extents, out);
+  } else {
+    RowWalk walk = begin;
+    WalkRound(&walk, i);
+    MeasureExactly(WalkOneByOne(&walk), scale, i, extents, out);
+  }
+}
+
+void ComputeNearBlock(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
+  NearQuotients near;
   Extents extents;
-  ComputeReciprocals(walk->w, count, &reciprocals);
-  VectorSet unsure = MeasureAxis(walk->u, walk->w, scale.x, largest_error, reciprocals, count, out->x, extents.x) |
-                     MeasureAxis(walk->v, walk->w, scale.y, largest_error, reciprocals, count, out->y, extents.y);
+  ComputeQuotients(*walk, count, &near);
+  VectorSet unsure = MeasureAxis(near.x, near.lower_x, scale.x, walk->error, count, out->x, extents.x) |
+                     MeasureAxis(near.y, near.lower_y, scale.y, walk->error, count, out->y, extents.y);
+  const bool is_run = HasRun(walk, count);
   for (; unsure != 0; unsure &= unsure - 1) {
-    MeasureExactlyAt(*walk, scale, __builtin_ctz(unsure) * kLanes, &extents, out);
+    MeasureExactlyAt(*walk, is_run, scale, __builtin_ctz(unsure) * kLanes, &extents, out);
   }
   StoreBoxes(extents, 0, count, out);
-  WalkRound(walk, count);
+  if (is_run) {
+    PassRun(&walk->u, count);
+    PassRun(&walk->v, count);
+    PassRun(&walk->w, count);
+  } else {
+    WalkRound(walk, count);
+  }
 }
 
 // Near a horizon, or of any other map.
@@ -300,9 +326,8 @@ bool ComputeExactBlock(RowWalk* walk, const InputScale& scale, int count, PixelB
 
 bool Footprints(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
   const int end = WholeVectors(count);
-  const double largest_error = LargestError(*walk, scale);
-  if (largest_error < 0x1p-7) {
-    ComputeNearBlock(walk, scale, largest_error, end, out);
+  if (AllowsNearBlock(walk, scale)) {
+    ComputeNearBlock(walk, scale, end, out);
     return false;
   }
   return ComputeExactBlock(walk, scale, end, out);

@@ -15,6 +15,10 @@ inline Doubles Broadcast(double value) {
 inline Doubles Load(const double* from) {
   return _mm256_loadu_pd(from);
 }
+inline void Store(Doubles a, double* out) {
+  _mm256_storeu_pd(out, a);
+}
+// 1, 2, 3 and so on.
 inline Doubles Ramp() {
   return _mm256_set_pd(4, 3, 2, 1);
 }
@@ -67,17 +71,19 @@ inline Doubles FromInts(Ints a) {
 inline Ints HalfClamped(Ints a, int least, int most) {
   return _mm_srai_epi32(_mm_min_epi32(_mm_max_epi32(a, _mm_set1_epi32(least)), _mm_set1_epi32(most)), 1);
 }
-inline Ints TimesFour(Ints a) {
-  return _mm_slli_epi32(a, 2);
-}
 inline void Store(Ints a, std::int32_t* out) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(out), a);
 }
-inline void StoreBoxes(Ints x_radius, Ints y_radius, Ints area, SampleBoxSize* out) {
+// The areas of boxes whose radii stand side by side in lanes of 64 bits.
+inline Ints Areas(Ints radii) {
+  const Ints products = _mm_mul_epu32(radii, _mm_srli_epi64(radii, 32));
+  return _mm_slli_epi64(_mm_srli_epi64(products, 16), 2);
+}
+inline void StoreBoxes(Ints x_radius, Ints y_radius, SampleBoxSize* out) {
   const Ints radii_low = _mm_unpacklo_epi32(x_radius, y_radius);
   const Ints radii_high = _mm_unpackhi_epi32(x_radius, y_radius);
-  const Ints area_low = _mm_unpacklo_epi32(area, _mm_setzero_si128());
-  const Ints area_high = _mm_unpackhi_epi32(area, _mm_setzero_si128());
+  const Ints area_low = Areas(radii_low);
+  const Ints area_high = Areas(radii_high);
   __m128i* const to = reinterpret_cast<__m128i*>(out);
   _mm_storeu_si128(to, _mm_unpacklo_epi64(radii_low, area_low));
   _mm_storeu_si128(to + 1, _mm_unpackhi_epi64(radii_low, area_low));

@@ -15,6 +15,10 @@ inline Doubles Broadcast(double value) {
 inline Doubles Load(const double* from) {
   return _mm512_loadu_pd(from);
 }
+inline void Store(Doubles a, double* out) {
+  _mm512_storeu_pd(out, a);
+}
+// 1, 2, 3 and so on.
 inline Doubles Ramp() {
   return _mm512_set_pd(8, 7, 6, 5, 4, 3, 2, 1);
 }
@@ -67,17 +71,19 @@ inline Doubles FromInts(Ints a) {
 inline Ints HalfClamped(Ints a, int least, int most) {
   return _mm256_srai_epi32(_mm256_min_epi32(_mm256_max_epi32(a, _mm256_set1_epi32(least)), _mm256_set1_epi32(most)), 1);
 }
-inline Ints TimesFour(Ints a) {
-  return _mm256_slli_epi32(a, 2);
-}
 inline void Store(Ints a, std::int32_t* out) {
   _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), a);
 }
-inline void StoreBoxes(Ints x_radius, Ints y_radius, Ints area, SampleBoxSize* out) {
+// The areas of boxes whose radii stand side by side in lanes of 64 bits.
+inline Ints Areas(Ints radii) {
+  const Ints products = _mm256_mul_epu32(radii, _mm256_srli_epi64(radii, 32));
+  return _mm256_slli_epi64(_mm256_srli_epi64(products, 16), 2);
+}
+inline void StoreBoxes(Ints x_radius, Ints y_radius, SampleBoxSize* out) {
   const Ints radii_low = _mm256_unpacklo_epi32(x_radius, y_radius);
   const Ints radii_high = _mm256_unpackhi_epi32(x_radius, y_radius);
-  const Ints area_low = _mm256_unpacklo_epi32(area, _mm256_setzero_si256());
-  const Ints area_high = _mm256_unpackhi_epi32(area, _mm256_setzero_si256());
+  const Ints area_low = Areas(radii_low);
+  const Ints area_high = Areas(radii_high);
   const Ints boxes[4] = {_mm256_unpacklo_epi64(radii_low, area_low), _mm256_unpackhi_epi64(radii_low, area_low),
                          _mm256_unpacklo_epi64(radii_high, area_high), _mm256_unpackhi_epi64(radii_high, area_high)};
   __m128i* const to = reinterpret_cast<__m128i*>(out);

@@ -74,19 +74,18 @@ double StepRound(const CoordinateWalk& walk) {
   return centre + walk.right + walk.down - walk.right - walk.down;
 }
 
-// Takes runs as wholes, and some steps between them one by one: `pass_run(pixels)` is called before the former, and
-// `take_step()` takes one of the latter.
-template <typename PassRun, typename TakeStep>
-void Advance(CoordinateWalk* walk, int pixels, PassRun pass_run, TakeStep take_step) {
+// Takes runs as wholes, and some steps between them one by one: `before_run(pixels)` is called before each of the
+// former, and `take_step()` takes one of the latter.
+template <typename BeforeRun, typename TakeStep>
+void Advance(CoordinateWalk* walk, int pixels, BeforeRun before_run, TakeStep take_step) {
   while (pixels > 0) {
     if (walk->run == 0) {
       FindRun(walk);
     }
     int passed = std::min(pixels, walk->run);
     if (passed > 0) {
-      pass_run(passed);
-      walk->at += passed * walk->step;
-      walk->run -= passed;
+      before_run(passed);
+      PassRun(walk, passed);
     } else {
       passed = std::min(pixels, kPixelsBetweenRuns);
       for (int i = 0; i < passed; ++i) {

@@ -22,10 +22,18 @@ struct RowWalk {
   CoordinateWalk u;
   CoordinateWalk v;
   CoordinateWalk w;
+  double error = 0.0;  // a bound on the error of a computation that the next pixels allow, kept for the blocks to come
+  int error_pixels = 0;  // the number of pixels that it holds for
 };
 
 // Whether the next pixels are known to be a run of that length for all coordinates; looks ahead where nothing is known.
 bool HasRun(RowWalk* walk, int pixels);
+
+// Moves the walk on within such a run.
+inline void PassRun(CoordinateWalk* walk, int pixels) {
+  walk->at += pixels * walk->step;
+  walk->run -= pixels;
+}
 
 // Moves the walk on by so many pixels, to the bit as if step by step, from pixel to pixel or round the neighbours.
 void WalkAlong(RowWalk* walk, int pixels);
