@@ -144,7 +144,7 @@ inline void MeasureExactly(const Stretch& at, const InputScale& scale, int i, Ex
 }
 
 // The smallest and the largest magnitude among pixels and their neighbours, to within a factor that the bounds below
-// have room for; the smallest is 0 where the sign changes.
+// have room for, NaN where one of them is; the smallest is 0 where the sign changes.
 struct Magnitudes {
   double smallest;
   double largest;
@@ -159,8 +159,8 @@ inline double Greater(double a, double b) {
 
 inline Magnitudes MagnitudesOf(const CoordinateWalk& walk, int pixels) {
   const double last = walk.at + (pixels + 1) * walk.right;
-  const double low = Lesser(walk.at, last) + Lesser(walk.down, 0.0);
-  const double high = Greater(walk.at, last) + Greater(walk.down, 0.0);
+  const double low = Lesser(walk.at, last) + Lesser(0.0, walk.down);
+  const double high = Greater(walk.at, last) + Greater(0.0, walk.down);
   const double smallest = low > 0.0 ? low : high < 0.0 ? -high : 0.0;
   return {smallest, Greater(high, -low)};
 }
@@ -181,7 +181,7 @@ inline double LargestError(const RowWalk& walk, const InputScale& scale, int pix
   const bool is_tame =
       w.smallest > 0x1p-100 && w.largest < 0x1p100 && w.largest < 8.0 * w.smallest && scale.x > 0.0 && scale.y > 0.0;
   const double farthest = Greater(u.largest * scale.x, v.largest * scale.y) * 65536.0 / w.smallest;
-  return is_tame && farthest < 0x1p31 ? farthest * 0x1p-39 + 0x1p-30 : kNever;
+  return is_tame && farthest < 0x1p30 ? farthest * 0x1p-39 + 0x1p-30 : kNever;
 }
 
 // The quotients of a block's pixels and of the pixels below them, and those of some pixels beyond the block: the right
@@ -225,24 +225,35 @@ inline void ComputeQuotients(const RowWalk& walk, int count, NearQuotients* out)
 // Vectors of a block, a bit each.
 using VectorSet = unsigned;
 
+// A vector's numbers times a factor, rounded to nearest by way of numbers of which 1 is the last digit.
+struct Rounded {
+  Doubles shifted;   // kRoundingShift more than the whole number
+  Doubles distance;  // from the whole number to what was rounded
+};
+
+inline Rounded RoundProduct(Doubles number, Doubles factor) {
+  const Doubles shift = Broadcast(kRoundingShift);
+  const Doubles shifted = MultiplyAdd(number, factor, shift);
+  return {shifted, MultiplySubtract(number, factor, shifted - shift)};
+}
+
 // A block's positions and extents along one axis, from near quotients. Returns the vectors in which numbers that may be
-// off by `error` are not sure to truncate as the exact ones do.
+// off by `error` are not sure to round as the exact ones do.
 inline VectorSet MeasureAxis(const double* own, const double* lower, double to_input, double error, int count,
                              std::int32_t* positions, std::int32_t* extents) {
   const Doubles scale = Broadcast(to_input * 65536.0);
-  const Doubles half = Broadcast(0.5);
-  const Doubles largest_error = Broadcast(error);
+  const Doubles most = Broadcast(0.5 - error);
   VectorSet unsure = 0;
   for (int i = 0; i < count; i += kLanes) {
     const Doubles place = Load(own + i);
     const Doubles farthest = LargerMagnitude(LargerMagnitude(Load(own + i + 1) - place, Load(lower + i + 1) - place),
                                              Load(lower + i) - place);
-    const Doubles position = MultiplyAdd(place, scale, WithSignOf(half, place));
-    const Doubles extent = MultiplyAdd(farthest, scale, half);
-    const bool is_sure = AllGreater(SmallerMagnitude(ToWhole(position), ToWhole(extent)), largest_error);
+    const Rounded position = RoundProduct(place, scale);
+    const Rounded extent = RoundProduct(farthest, scale);
+    const bool is_sure = AllGreater(most, LargerMagnitude(position.distance, extent.distance));
     unsure |= static_cast<VectorSet>(!is_sure) << (i / kLanes);
-    Store(Truncated(position), positions + i);
-    Store(Truncated(extent), extents + i);
+    Store(IntsOfShifted(position.shifted), positions + i);
+    Store(IntsOfShifted(extent.shifted), extents + i);
   }
   return unsure;
 }

@@ -25,12 +25,8 @@ inline Doubles Ramp() {
 inline Doubles MultiplyAdd(Doubles a, Doubles b, Doubles c) {
   return _mm256_fmadd_pd(a, b, c);
 }
-// a - b * c
-inline Doubles SubtractProduct(Doubles a, Doubles b, Doubles c) {
-  return _mm256_fnmadd_pd(b, c, a);
-}
-inline double Lowest(Doubles a) {
-  return _mm256_cvtsd_f64(a);
+inline Doubles MultiplySubtract(Doubles a, Doubles b, Doubles c) {
+  return _mm256_fmsub_pd(a, b, c);
 }
 inline Doubles Magnitude(Doubles a) {
   return _mm256_andnot_pd(_mm256_set1_pd(-0.0), a);
@@ -39,20 +35,13 @@ inline Doubles Magnitude(Doubles a) {
 inline Doubles Larger(Doubles a, Doubles b) {
   return _mm256_max_pd(b, a);
 }
-// The one of smaller or larger magnitude, as a magnitude.
-inline Doubles SmallerMagnitude(Doubles a, Doubles b) {
-  return _mm256_min_pd(Magnitude(a), Magnitude(b));
-}
+// The larger magnitude.
 inline Doubles LargerMagnitude(Doubles a, Doubles b) {
   return _mm256_max_pd(Magnitude(a), Magnitude(b));
 }
 // `magnitude`, which is not negative, with the sign of `signs`.
 inline Doubles WithSignOf(Doubles magnitude, Doubles signs) {
   return _mm256_or_pd(magnitude, _mm256_and_pd(signs, _mm256_set1_pd(-0.0)));
-}
-// The signed distance to the nearest whole number.
-inline Doubles ToWhole(Doubles a) {
-  return a - _mm256_round_pd(a, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
 }
 inline bool AllGreater(Doubles a, Doubles b) {
   return _mm256_movemask_pd(_mm256_cmp_pd(a, b, _CMP_GT_OQ)) == 0xF;
@@ -64,6 +53,11 @@ inline Ints Load(const std::int32_t* from) {
 // Toward zero; NaN and what an int does not hold give -2147483648.
 inline Ints Truncated(Doubles a) {
   return _mm256_cvttpd_epi32(a);
+}
+// Added to a number of up to 2^31, this rounds it to a whole one, which the low bits of the sum then hold.
+constexpr double kRoundingShift = 0x1.8p52;
+inline Ints IntsOfShifted(Doubles a) {
+  return _mm256_cvtpd_epi32(a - Broadcast(kRoundingShift));
 }
 inline Doubles FromInts(Ints a) {
   return _mm256_cvtepi32_pd(a);

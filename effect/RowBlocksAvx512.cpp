@@ -25,12 +25,8 @@ inline Doubles Ramp() {
 inline Doubles MultiplyAdd(Doubles a, Doubles b, Doubles c) {
   return _mm512_fmadd_pd(a, b, c);
 }
-// a - b * c
-inline Doubles SubtractProduct(Doubles a, Doubles b, Doubles c) {
-  return _mm512_fnmadd_pd(b, c, a);
-}
-inline double Lowest(Doubles a) {
-  return _mm512_cvtsd_f64(a);
+inline Doubles MultiplySubtract(Doubles a, Doubles b, Doubles c) {
+  return _mm512_fmsub_pd(a, b, c);
 }
 inline Doubles Magnitude(Doubles a) {
   return _mm512_abs_pd(a);
@@ -39,20 +35,13 @@ inline Doubles Magnitude(Doubles a) {
 inline Doubles Larger(Doubles a, Doubles b) {
   return _mm512_max_pd(b, a);
 }
-// The one of smaller or larger magnitude, as a magnitude.
-inline Doubles SmallerMagnitude(Doubles a, Doubles b) {
-  return _mm512_range_pd(a, b, 0b1010);
-}
+// The larger magnitude.
 inline Doubles LargerMagnitude(Doubles a, Doubles b) {
   return _mm512_range_pd(a, b, 0b1011);
 }
 // `magnitude`, which is not negative, with the sign of `signs`.
 inline Doubles WithSignOf(Doubles magnitude, Doubles signs) {
   return _mm512_or_pd(magnitude, _mm512_and_pd(signs, _mm512_set1_pd(-0.0)));
-}
-// The signed distance to the nearest whole number.
-inline Doubles ToWhole(Doubles a) {
-  return _mm512_reduce_pd(a, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
 }
 inline bool AllGreater(Doubles a, Doubles b) {
   return _mm512_cmp_pd_mask(a, b, _CMP_GT_OQ) == 0xFF;
@@ -64,6 +53,11 @@ inline Ints Load(const std::int32_t* from) {
 // Toward zero; NaN and what an int does not hold give -2147483648.
 inline Ints Truncated(Doubles a) {
   return _mm512_cvttpd_epi32(a);
+}
+// Added to a number of up to 2^31, this rounds it to a whole one, which the low bits of the sum then hold.
+constexpr double kRoundingShift = 0x1.8p52;
+inline Ints IntsOfShifted(Doubles a) {
+  return _mm512_cvtepi64_epi32(_mm512_castpd_si512(a));
 }
 inline Doubles FromInts(Ints a) {
   return _mm512_cvtepi32_pd(a);

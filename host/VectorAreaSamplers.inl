@@ -71,8 +71,8 @@ template <typename Depth>
 // turned layer's rows too often for the processor to foresee it. The address may lie outside of the world; nothing is
 // read.
 inline void fetchBelow(const std::byte* pixel, std::ptrdiff_t bytes) {
-  __builtin_prefetch(
-      reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(pixel) + static_cast<std::uintptr_t>(bytes)));
+  const std::uintptr_t address = __builtin_bit_cast(std::uintptr_t, pixel) + static_cast<std::uintptr_t>(bytes);
+  __builtin_prefetch(__builtin_bit_cast(const void*, address));
 }
 
 inline bool isSmall(std::int32_t radius) {

@@ -39,7 +39,8 @@ TEST(Composite, EightBitOverIsTheRoundedFormulaForEveryAlphaAndValue) {
   for (int alpha = 0; alpha < 256; ++alpha)
     for (int value = 0; value < 256; ++value) {
       const std::uint8_t* result = channels<std::uint8_t>(picture, value, alpha);
-      const int expected = static_cast<int>(std::floor(alpha / 2 + value * (255 - alpha) / 255.0 + 0.5));
+      const int color = alpha / 2;
+      const int expected = static_cast<int>(std::floor(color + value * (255 - alpha) / 255.0 + 0.5));
       ASSERT_EQ(result[0], expected) << "alpha " << alpha << ", plate " << value;
       ASSERT_EQ(result[2], 255);
       ASSERT_EQ(result[3], 255);

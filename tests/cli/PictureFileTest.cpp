@@ -176,8 +176,10 @@ TEST(PictureFile, DataWindowsLieInTheirDisplayWindow) {
   spec.full_width = 8;
   spec.full_height = 3;
   std::vector<float> data(4 * 4 * 3);
-  for (std::size_t i = 0; i < data.size(); ++i)
-    data[i] = static_cast<float>(i / 4) / 16.0f;
+  for (std::size_t i = 0; i < data.size(); ++i) {
+    const std::size_t pixel = i / 4;
+    data[i] = static_cast<float>(pixel) / 16.0f;
+  }
   for (const bool tiled : {false, true}) {
     if (tiled)
       spec.tile_width = spec.tile_height = 2;
