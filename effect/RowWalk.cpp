@@ -78,15 +78,18 @@ double StepRound(const CoordinateWalk& walk) {
 // former, and `take_step()` takes one of the latter.
 template <typename BeforeRun, typename TakeStep>
 void Advance(CoordinateWalk* walk, int pixels, BeforeRun before_run, TakeStep take_step) {
+  bool is_after_run = false;  // where the exponent is about to change
   while (pixels > 0) {
-    if (walk->run == 0) {
+    if (walk->run == 0 && !is_after_run) {
       FindRun(walk);
     }
     int passed = std::min(pixels, walk->run);
     if (passed > 0) {
       before_run(passed);
       PassRun(walk, passed);
+      is_after_run = true;
     } else {
+      is_after_run = false;
       passed = std::min(pixels, kPixelsBetweenRuns);
       for (int i = 0; i < passed; ++i) {
         take_step();
