@@ -23,39 +23,54 @@ inline void StorePositions(Doubles u, Doubles v, Doubles w, const InputScale& sc
   Store(Truncated(FromInts(Truncated(v / w)) * Broadcast(scale.y)), out->y + i);
 }
 
-// Pixels that are a run of all coordinates: their divisors have one exponent, so that none is 0.
-inline void ComputeRun(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
+// The pixels [first, end), which are a run of all coordinates: their divisors have one exponent, so that none is 0.
+inline void ComputeRun(RowWalk* walk, const InputScale& scale, int first, int end, PixelBlock* out) {
   const auto pixel_of = [](const CoordinateWalk& c, Doubles number) {
     return MultiplyAdd(number, Broadcast(c.step), Broadcast(c.at));
   };
   Doubles number = Ramp();
-  for (int i = 0; i < count; i += kLanes) {
+  for (int i = first; i < end; i += kLanes) {
     StorePositions(pixel_of(walk->u, number), pixel_of(walk->v, number), pixel_of(walk->w, number), scale, i, out);
     number = number + Broadcast(kLanes);
   }
-  PassRun(&walk->u, count);
-  PassRun(&walk->v, count);
-  PassRun(&walk->w, count);
+  PassRun(&walk->u, end - first);
+  PassRun(&walk->v, end - first);
+  PassRun(&walk->w, end - first);
 }
 
-// Any pixels.
-[[gnu::noinline]] bool ComputeStored(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
-  double u[kRowBlock];
-  double v[kRowBlock];
-  double w[kRowBlock];
-  StoreAlong(&walk->u, count, u);
-  StoreAlong(&walk->v, count, v);
-  StoreAlong(&walk->w, count, w);
+// The vector of any pixels from pixel i on.
+[[gnu::noinline]] bool ComputeStored(RowWalk* walk, const InputScale& scale, int i, PixelBlock* out) {
+  double u[kLanes];
+  double v[kLanes];
+  double w[kLanes];
+  StoreAlong(&walk->u, kLanes, u);
+  StoreAlong(&walk->v, kLanes, v);
+  StoreAlong(&walk->w, kLanes, w);
+  const Doubles divisor = Load(w);
+  if (AllGreater(Magnitude(divisor), Broadcast(0.0))) {
+    StorePositions(Load(u), Load(v), divisor, scale, i, out);
+    return false;
+  }
+  bool any_nowhere = false;
+  for (int lane = 0; lane < kLanes; ++lane) {
+    any_nowhere = StorePlainPosition(u[lane], v[lane], w[lane], scale, i + lane, out) || any_nowhere;
+  }
+  return any_nowhere;
+}
+
+// Takes the longest runs of whole vectors, and the vectors between them.
+[[gnu::noinline]] bool ComputeBetweenRuns(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
   LetNoneLieNowhere(out);
   bool any_nowhere = false;
-  for (int i = 0; i < count; i += kLanes) {
-    const Doubles divisor = Load(w + i);
-    if (AllGreater(Magnitude(divisor), Broadcast(0.0))) {
-      StorePositions(Load(u + i), Load(v + i), divisor, scale, i, out);
-      continue;
-    }
-    for (int j = i; j < i + kLanes; ++j) {
-      any_nowhere = StorePlainPosition(u[j], v[j], w[j], scale, j, out) || any_nowhere;
+  for (int i = 0; i < count;) {
+    const int run = KnownRun(walk) / kLanes * kLanes;
+    if (run > 0) {
+      const int end = run < count - i ? i + run : count;
+      ComputeRun(walk, scale, i, end, out);
+      i = end;
+    } else {
+      any_nowhere = ComputeStored(walk, scale, i, out) || any_nowhere;
+      i += kLanes;
     }
   }
   return any_nowhere;
@@ -63,10 +78,10 @@ inline void ComputeRun(RowWalk* walk, const InputScale& scale, int count, PixelB
 
 bool Positions(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
   const int end = WholeVectors(count);
-  if (!HasRun(walk, end)) {
-    return ComputeStored(walk, scale, end, out);
+  if (KnownRun(walk) < end) {
+    return ComputeBetweenRuns(walk, scale, end, out);
   }
-  ComputeRun(walk, scale, end, out);
+  ComputeRun(walk, scale, 0, end, out);
   return false;
 }
 
@@ -300,7 +315,7 @@ void ComputeNearBlock(RowWalk* walk, const InputScale& scale, int count, PixelBl
   ComputeQuotients(*walk, count, &near);
   VectorSet unsure = MeasureAxis(near.x, near.lower_x, scale.x, walk->error, count, out->x, extents.x) |
                      MeasureAxis(near.y, near.lower_y, scale.y, walk->error, count, out->y, extents.y);
-  const bool is_run = HasRun(walk, count);
+  const bool is_run = KnownRun(walk) >= count;
   for (; unsure != 0; unsure &= unsure - 1) {
     MeasureExactlyAt(*walk, is_run, scale, __builtin_ctz(unsure) * kLanes, &extents, out);
   }

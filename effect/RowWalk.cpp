@@ -105,17 +105,17 @@ void Advance(CoordinateWalk* walk, int pixels, Step step) {
       walk, pixels, [](int) {}, [&] { walk->at = step(*walk); });
 }
 
-bool HasRun(CoordinateWalk* walk, int pixels) {
+int KnownRun(CoordinateWalk* walk) {
   if (walk->run == 0) {
     FindRun(walk);
   }
-  return walk->run >= pixels;
+  return walk->run;
 }
 
 }  // namespace
 
-bool HasRun(RowWalk* walk, int pixels) {
-  return HasRun(&walk->u, pixels) && HasRun(&walk->v, pixels) && HasRun(&walk->w, pixels);
+int KnownRun(RowWalk* walk) {
+  return std::min({KnownRun(&walk->u), KnownRun(&walk->v), KnownRun(&walk->w)});
 }
 
 void WalkAlong(RowWalk* walk, int pixels) {

@@ -26,8 +26,8 @@ struct RowWalk {
   int error_pixels = 0;  // the number of pixels that it holds for
 };
 
-// Whether the next pixels are known to be a run of that length for all coordinates; looks ahead where nothing is known.
-bool HasRun(RowWalk* walk, int pixels);
+// The number of pixels that are known to be a run for all coordinates; looks ahead where nothing is known.
+int KnownRun(RowWalk* walk);
 
 // Moves the walk on within such a run.
 inline void PassRun(CoordinateWalk* walk, int pixels) {

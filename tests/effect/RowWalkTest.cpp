@@ -62,8 +62,8 @@ RC_GTEST_PROP(RowWalk, EqualsItsStepsToTheBit, ()) {
 
 TEST(RowWalk, PassesOverLongRunsAtOnce) {
   RowWalk walk{{1000.0, 0.1, 0.3}, {1.0, 0.0, 0.0}, {0.7, -1e-5, 1e-5}};
-  EXPECT_TRUE(HasRun(&walk, 200));
+  EXPECT_GE(KnownRun(&walk), 200);
   walk.u.at = 1023.0;  // ten steps before its exponent changes
   walk.u.run = 0;
-  EXPECT_FALSE(HasRun(&walk, 20));
+  EXPECT_LT(KnownRun(&walk), 20);
 }
