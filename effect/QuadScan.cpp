@@ -18,6 +18,7 @@ void ScanQuad(const PF_LayerDef& input, const M_FixedPoint* source, const M_Fixe
   if (!BeginWalk(corners, &walk)) {
     return;
   }
+  QuadSpan before{};
   for (; HasRow(walk); LeaveRow(&walk)) {
     EnterRow(&walk);
     QuadSpan span;
@@ -25,7 +26,8 @@ void ScanQuad(const PF_LayerDef& input, const M_FixedPoint* source, const M_Fixe
       continue;
     }
     std::byte* const row = static_cast<std::byte*>(output.data) + (walk.y >> 16) * output.row_bytes;
-    DrawSpan<Family>(view, span, walk.cover, row, output.width);
+    DrawSpan<Family>(view, span, RowsAhead(before, span), walk.cover, row, output.width);
+    before = span;
   }
 }
 

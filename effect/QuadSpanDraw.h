@@ -49,15 +49,24 @@ void DrawRightEnd(const InputView& input, const QuadSpan& span, std::int32_t cov
   draw(last_column, last_covered, span.right_u, span.right_v);
 }
 
-// Draws a span into an output row of `width` pixels.
+// How many source rows below what is read for a span the next row will read something new, if the source position
+// changes from that span to the next as it did from the one before.
+inline std::int64_t RowsAhead(const QuadSpan& before, const QuadSpan& span) {
+  const std::int64_t columns = std::int64_t{span.left} - before.left;
+  const std::int64_t change = std::int64_t{span.v} - before.v - before.dv * (columns >> 16);
+  return change < 0 ? change >> 16 : ((change + kFixedOne - 1) >> 16) + 1;
+}
+
+// Draws a span into an output row of `width` pixels; `rows_ahead` as in PixelRun.
 template <typename Family>
-void DrawSpan(const InputView& input, const QuadSpan& span, std::int32_t cover, std::byte* row, std::int32_t width) {
+void DrawSpan(const InputView& input, const QuadSpan& span, std::int64_t rows_ahead, std::int32_t cover, std::byte* row,
+              std::int32_t width) {
   const std::int64_t world_end = std::int64_t{width} * kFixedOne;
   const bool ends_inside = span.right < world_end;
   const std::int64_t x_end = ends_inside ? std::int64_t{span.right} - kFixedOne : world_end;
 
   std::int64_t x = span.left;
-  PixelRun run{span.u, span.v, span.du, span.dv, 0};
+  PixelRun run{span.u, span.v, span.du, span.dv, 0, rows_ahead};
   const std::int32_t fraction = FixedFraction(span.left);
   if (fraction != 0) {
     const std::int32_t rest = kFixedOne - fraction;
