@@ -31,13 +31,13 @@ inline void sampleThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes,
                                std::int32_t y_centre, const PF_SampleParams& params, typename Depth::Pixel* out) {
   const ThreeWeights weights = threeWeights(smallBox(x_centre, y_centre, params));
   const __m256d x[3] = {broadcastX(weights.weight[0]), broadcastX(weights.weight[1]), broadcastX(weights.weight[2])};
-  __m256d total;
+  __m256d total = _mm256_setzero_pd();
   for (int row = 0; row < 3; ++row, pixel += row_bytes) {
     __m256d sum = _mm256_mul_pd(x[0], Depth::widen(pixel));
     sum = _mm256_fmadd_pd(x[1], Depth::widen(pixel + Depth::kPixelBytes), sum);
     sum = _mm256_fmadd_pd(x[2], Depth::widen(pixel + 2 * Depth::kPixelBytes), sum);
     const __m256d y = broadcastY(weights.weight[row]);
-    total = row == 0 ? _mm256_mul_pd(y, sum) : _mm256_fmadd_pd(y, sum, total);
+    total = _mm256_fmadd_pd(y, sum, total);
   }
   Depth::storeLanes(roundedQuotient(total, areaOf(weights)), out);
 }

@@ -64,13 +64,13 @@ inline void sampleFloatThreeByThree(const std::byte* pixel, std::ptrdiff_t row_b
                                     PF_PixelFloat* out) {
   const ThreeWeights weights = threeWeights(box);
   const __m256d x[3] = {broadcastX(weights.weight[0]), broadcastX(weights.weight[1]), broadcastX(weights.weight[2])};
-  __m256d total;
+  __m256d total = _mm256_setzero_pd();
   for (int row = 0; row < 3; ++row, pixel += row_bytes) {
     __m256d sum = _mm256_mul_pd(x[0], DepthFloat::widen(pixel));
     sum = _mm256_fmadd_pd(x[1], present(DepthFloat::widen(pixel + 16), x[1]), sum);
     sum = _mm256_fmadd_pd(x[2], present(DepthFloat::widen(pixel + 32), x[2]), sum);
     const __m256d y = broadcastY(weights.weight[row]);
-    total = row == 0 ? _mm256_mul_pd(y, sum) : _mm256_add_pd(total, _mm256_mul_pd(y, present(sum, y)));
+    total = _mm256_add_pd(total, _mm256_mul_pd(y, row == 0 ? sum : present(sum, y)));
   }
   const __m256d reciprocal = _mm256_div_pd(_mm256_set1_pd(1.0), areaOf(weights));
   DepthFloat::store(_mm256_fmadd_pd(total, reciprocal, _mm256_setzero_pd()), out);
