@@ -202,17 +202,21 @@ RC_GTEST_PROP(RowSamplers, EqualTheirDefinitionOnQuadrilaterals, ()) {
 // should be.
 TEST(RowSamplers, WholeFramesEqualThePlainComputation) {
   constexpr int kWidth = 1920, kHeight = 1080;
-  const double quads[][8] = {{193, 108, 1729, 54, 1825, 1026, 97, 972},
-                             {801, 450, 1101, 460, 1121, 640, 791, 650},
-                             {11.5, 20.25, 1901.7, 3.3, 1801.1, 1000.9, 101.4, 900.2}};
-  for (const auto& quad : quads) {
+  const struct {
+    double corners[8];
+    double scale;
+  } frames[] = {{{193, 108, 1729, 54, 1825, 1026, 97, 972}, 8.0},
+                {{801, 450, 1101, 460, 1121, 640, 791, 650}, 1.0},
+                {{-299.7, -200.1, 5001.3, -2500.9, 5501.1, 3000.7, -279.9, 330.1}, 3.7}};
+  for (const auto& frame : frames) {
     M_Vector2T<double> corners[4];
     for (int i = 0; i < 4; ++i) {
-      corners[i].x = quad[2 * i];
-      corners[i].y = quad[2 * i + 1];
+      corners[i].x = frame.corners[2 * i];
+      corners[i].y = frame.corners[2 * i + 1];
     }
     M_Matrix3 map(true);
     ASSERT_EQ(KZFX_MapUnitSquareToFromQuad(corners, &map, 0), 1);
+    const InputScale scale{frame.scale, frame.scale};
     const auto walk_at = [&](int y) {
       const auto coordinate = [&](int c, double unit) {
         return CoordinateWalk{(map.m[1][c] * y + map.m[2][c]) * unit, map.m[0][c] * unit, map.m[1][c] * unit};
@@ -227,8 +231,8 @@ TEST(RowSamplers, WholeFramesEqualThePlainComputation) {
         RowWalk walk = expected_walk;
         for (int x = 0; x < kWidth; x += kRowBlock) {
           PixelBlock expected, block;
-          ASSERT_FALSE(plain->footprints(&expected_walk, {1.0, 1.5}, kRowBlock, &expected));
-          ASSERT_FALSE(functions->footprints(&walk, {1.0, 1.5}, kRowBlock, &block));
+          ASSERT_FALSE(plain->footprints(&expected_walk, scale, kRowBlock, &expected));
+          ASSERT_FALSE(functions->footprints(&walk, scale, kRowBlock, &block));
           for (int i = 0; i < kRowBlock; ++i) {
             const bool same = block.x[i] == expected.x[i] && block.y[i] == expected.y[i] &&
                               block.box[i].x_radius == expected.box[i].x_radius &&
