@@ -31,11 +31,6 @@ Pixel AverageAs(const Pixel& a, const Pixel& b) {
   return FromWide<Family, Pixel>(Family::Average(ToWide<Family>(a), ToWide<Family>(b)));
 }
 
-// `p` moved by a number of bytes. It may start outside the input, so the sum is done on the address.
-const std::byte* MoveAddress(const void* p, std::ptrdiff_t bytes) {
-  return std::bit_cast<const std::byte*>(std::bit_cast<std::uintptr_t>(p) + static_cast<std::uintptr_t>(bytes));
-}
-
 template <typename Family, typename Pixel>
 Pixel HorizontalSample(const Pixel* p, int u, int du, int width) {
   const std::byte* const row = MoveAddress(p, -(FixedFloor(u) * Family::kPixelBytes));

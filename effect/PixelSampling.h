@@ -1,6 +1,7 @@
 // Sampling an input at fractional positions, written once for every pixel family.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -22,6 +23,11 @@ struct InputView {
   std::int32_t width;
   std::int32_t height;
 };
+
+// `p` moved by a number of bytes. It may lie outside the input, so the sum is done on the address.
+inline const std::byte* MoveAddress(const void* p, std::ptrdiff_t bytes) {
+  return std::bit_cast<const std::byte*>(std::bit_cast<std::uintptr_t>(p) + static_cast<std::uintptr_t>(bytes));
+}
 
 // How a sample is made along an axis for a step: from a pixel and its partner so many pixels on, which are either mixed
 // by the position's fraction or averaged.

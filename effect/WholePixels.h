@@ -2,7 +2,6 @@
 // arise, which is told once for the run instead of for every pixel.
 #pragma once
 
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -81,15 +80,11 @@ typename Family::Word SampleSquare(const std::byte* address, std::ptrdiff_t part
   }
 }
 
-// Has the processor fetch what the next output row will read: rows cut across a turned source's rows too often for the
-// processor to foresee it. The address may lie outside of the input; nothing is read.
-inline void FetchAhead(const std::byte* address, std::ptrdiff_t bytes) {
-  const std::uintptr_t ahead = std::bit_cast<std::uintptr_t>(address) + static_cast<std::uintptr_t>(bytes);
-  __builtin_prefetch(std::bit_cast<const void*>(ahead));
-}
-
 // A run whose pixels and partners all lie inside the input, with the filters of its steps. The input's fields are kept
 // in locals: the pixels written might, for all the compiler knows, be they.
+//
+// Meanwhile the processor fetches what the next output row will read, which may lie outside: rows cut across a turned
+// source's rows too often for it to foresee that.
 template <typename Family, bool kAveragesU, bool kAveragesV>
 void DrawInteriorPixels(const InputView& input, const PixelRun& run, std::int32_t cover, std::byte* out) {
   const std::byte* const data = input.data;
@@ -104,7 +99,7 @@ void DrawInteriorPixels(const InputView& input, const PixelRun& run, std::int32_
   const std::byte* const end = out + run.count * Family::kPixelBytes;
   for (; out != end; out += Family::kPixelBytes) {
     const std::byte* const address = data + FixedFloor(v) * row_bytes + FixedFloor(u) * Family::kPixelBytes;
-    FetchAhead(address, bytes_ahead);
+    __builtin_prefetch(MoveAddress(address, bytes_ahead));
     const typename Family::Word sample =
         SampleSquare<Family, kAveragesU, kAveragesV>(address, partner_u, partner_v, u, v);
     if (cover == 0) {

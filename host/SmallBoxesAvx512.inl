@@ -62,9 +62,10 @@ inline void sampleSquare(const std::byte* pixel, std::ptrdiff_t row_bytes, std::
   storeLow(_mm256_srli_epi64(rounded, 32), out);
 }
 
-// As roundedQuotient(), in the low bits of 64-bit lanes, by the processor's own rounding: added to 2^52, whose last
-// digit is 1, a number is rounded to a whole one. The reciprocal is taken too large by 2^-53 to 2^-51.4 of itself, so
-// that halves come out above the half, and since a quotient below a half is at least 2^-35 below it, no other one does.
+// sum / area rounded to nearest, halves up, in the low bits of 64-bit lanes, for whole sums and areas of up to 2^34. It
+// is rounded by the processor: added to 2^52, whose last digit is 1, a number becomes a whole one. The reciprocal,
+// which does not wait for the sum, is taken too large by 2^-53 to 2^-51.4 of itself, so that halves come out above the
+// half; and since a quotient below a half is at least 2^-35 below it, no other one does.
 inline __m256i roundedQuotientBits(__m256d sum, __m256d area) {
   const __m256d reciprocal = _mm256_div_pd(_mm256_set1_pd(1.0 + 0x1p-52), area);
   return _mm256_castpd_si256(_mm256_fmadd_pd(sum, reciprocal, _mm256_set1_pd(0x1p52)));

@@ -62,15 +62,6 @@ inline SmallBox smallBox(std::int32_t x, std::int32_t y, const PF_SampleParams& 
   return {_mm_and_si128(begin, constant128(kSmallBoxConstants.narrow_fraction)), _mm_add_epi32(radius, radius)};
 }
 
-// sum / area rounded to nearest, halves up, for the sums of weighted 8 or 16-bit channels and the areas of boxes of up
-// to two pixels' size: whole numbers, the areas up to 2^34 and multiples of 4. It is taken by the area's reciprocal,
-// which does not wait for the sum. With a half added, the quotient is a whole number or at least 2^-34 below the next,
-// and the computed one is off by less than 2^-36: with 2^-35 added besides, truncation finds the right one.
-inline __m128i roundedQuotient(__m256d sum, __m256d area) {
-  const __m256d reciprocal = _mm256_div_pd(_mm256_set1_pd(1.0), area);
-  return _mm256_cvttpd_epi32(_mm256_fmadd_pd(sum, reciprocal, _mm256_set1_pd(0.5 + 0x1p-35)));
-}
-
 // ---- 8 bit ---------------------------------------------------------------------------------------------------------
 
 struct Depth8 {
