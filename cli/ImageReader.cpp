@@ -15,6 +15,7 @@
 #include "cli/FileEnd.h"
 #include "cli/MemoryType.h"
 #include "cli/Orientation.h"
+#include "cli/PictureHeader.h"
 #include "cli/PixelConversion.h"
 
 namespace vantorel::cli {
@@ -71,13 +72,10 @@ Source openSource(const std::string& path) {
   if (!source.input)
     throw unreadable(path, OIIO::geterror());
   source.spec = source.input->spec();
+  requireSaneHeader(source.spec, path);
   source.plan = planChannels(source.spec, path);
   source.unassociated = source.plan.hasAlpha() && source.spec.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
-  const int orientation = source.spec.get_int_attribute("Orientation", 1);
-  source.orientation = orientation >= 1 && orientation <= 8 ? orientation : 1;
-  if (source.spec.width < 1 || source.spec.height < 1 || source.displaySize().width < 1 ||
-      source.displaySize().height < 1)
-    throw unreadable(path, "it has no pixels");
+  source.orientation = orientationOf(source.spec);
   return source;
 }
 
@@ -157,13 +155,6 @@ void forStretches(const OIIO::ImageSpec& spec, const std::stop_token& stop, cons
       throw interrupted();
     visit(y, y + std::min(step, spec.height - y));
   }
-}
-
-// The data window in the display window's pixels.
-host::Rect dataWindow(const OIIO::ImageSpec& spec) {
-  const int left = spec.x - spec.full_x;
-  const int top = spec.y - spec.full_y;
-  return {left, top, left + spec.width, top + spec.height};
 }
 
 void readInside(Source& source, const host::Rect& window, const host::ImageView& picture, const std::stop_token& stop) {

@@ -4,6 +4,8 @@
 
 #include <cmath>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <numeric>
 #include <utility>
 
@@ -204,6 +206,66 @@ TEST(PictureFile, DataWindowsLieInTheirDisplayWindow) {
   const Picture cropped = readAt(path, host::Depth::Float);
   ASSERT_EQ(cropped.pixels.size(), output.frame);
   EXPECT_EQ(std::memcmp(cropped.pixels.view().pixel(0, 0), image.view().pixel(5, 7), 16 * 10), 0);
+}
+
+// The check sum of a PNG's chunk, over its type and data.
+std::uint32_t pngCheckSum(const std::string& bytes) {
+  std::uint32_t sum = 0xFFFFFFFF;
+  for (const char byte : bytes) {
+    sum ^= static_cast<unsigned char>(byte);
+    for (int bit = 0; bit < 8; ++bit) {
+      sum = (sum & 1) != 0 ? sum >> 1 ^ 0xEDB88320 : sum >> 1;
+    }
+  }
+  return ~sum;
+}
+
+std::string bigEndian(std::uint32_t value) {
+  return {static_cast<char>(value >> 24), static_cast<char>(value >> 16), static_cast<char>(value >> 8),
+          static_cast<char>(value)};
+}
+
+std::string contents(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// A file's own offset once wrapped around 32 bits, and the pixels were written far outside the picture.
+TEST(PictureFile, OffsetsNearTheEndsOfTheirRangeAreRefused) {
+  const TestFolder folder;
+  const std::vector<std::uint8_t> data(64 * 48 * 3, 7);
+  const std::string png = folder / "a.png";
+  const std::string dpx = folder / "a.dpx";
+  const ImageSpec spec(64, 48, 3, TypeDesc::UINT8);
+  writeFile(png, spec, data);
+  writeFile(dpx, spec, data);
+  const std::string whole_png = contents(png);
+  const std::string whole_dpx = contents(dpx);
+  const auto expectRefused = [](const std::string& path, std::uint32_t offset) {
+    EXPECT_THROW(readAt(path, host::Depth::Bits8), CommandError) << path << " " << offset;
+    EXPECT_THROW(probePicture(path), CommandError) << path << " " << offset;
+    EXPECT_FALSE(isWholePicture(path, {64, 48})) << path << " " << offset;
+  };
+  for (const std::uint32_t offset : {0x7FFFFFC0u, 0x7FFFFFFFu, 0x80000001u, 0x60000000u, 0xA0000000u}) {
+    for (const bool horizontal : {true, false}) {
+      const std::string chunk = "oFFs" + bigEndian(horizontal ? offset : 0) + bigEndian(horizontal ? 0 : offset) + '\0';
+      constexpr std::size_t kEndOfHeader = 33;
+      std::ofstream(png, std::ios::binary) << whole_png.substr(0, kEndOfHeader) << bigEndian(9) << chunk
+                                           << bigEndian(pngCheckSum(chunk)) << whole_png.substr(kEndOfHeader);
+      expectRefused(png, offset);
+
+      // As the library writes it here, the numbers of a DPX begin with the lowest byte. Offsets of a DPX are not
+      // negative, and the library takes those that are for none.
+      if (offset < 0x80000000u) {
+        constexpr std::size_t kOffsetOfDpx = 1408;
+        const std::string bytes = bigEndian(offset);
+        std::string moved = whole_dpx;
+        moved.replace(kOffsetOfDpx + (horizontal ? 0 : 4), 4, std::string(bytes.rbegin(), bytes.rend()));
+        std::ofstream(dpx, std::ios::binary) << moved;
+        expectRefused(dpx, offset);
+      }
+    }
+  }
 }
 
 TEST(PictureFile, CameraOrientationsAreTurnedUpright) {
