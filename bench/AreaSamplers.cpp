@@ -44,7 +44,7 @@ void addSampler(const Effort& effort, const char* variant, PF_AreaSampler<Pixel>
                    const host::ConstImageView view = picture(kHd, depth);
                    PF_LayerDef layer{};
                    layer.data = const_cast<std::byte*>(view.data);
-                   layer.row_bytes = static_cast<std::int32_t>(view.rowBytes);
+                   layer.row_bytes = static_cast<std::int32_t>(view.row_bytes);
                    layer.width = view.size.width;
                    layer.height = view.size.height;
                    sampleRows(sample, &layer, box.radius, box.rows);
@@ -63,7 +63,7 @@ void addAreaSamplers(const Effort& effort) {
     if (const host::AreaSamplers* samplers = host::areaSamplersOf(variant)) {
       addSampler(effort, name, samplers->sample8, host::Depth::Bits8);
       addSampler(effort, name, samplers->sample16, host::Depth::Bits16);
-      addSampler(effort, name, samplers->sampleFloat, host::Depth::Float);
+      addSampler(effort, name, samplers->sample_float, host::Depth::Float);
     }
   }
 }

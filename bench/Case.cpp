@@ -54,7 +54,7 @@ void add(const Effort& effort, Case measured) {
   };
   auto* registered = benchmark::RegisterBenchmark(nameOf(measured.labels).c_str(), body)
                          ->MeasureProcessCPUTime()
-                         ->Repetitions(measured.slow ? effort.slowRepetitions : effort.repetitions)
+                         ->Repetitions(measured.slow ? effort.slow_repetitions : effort.repetitions)
                          ->MinTime(effort.seconds);
   if (measured.labels.threads > 1) {
     registered->UseRealTime();
@@ -71,7 +71,7 @@ void addTimedByItself(const Effort& effort, const Labels& labels, std::function<
   benchmark::RegisterBenchmark(nameOf(labels).c_str(), body)
       ->Iterations(1)
       ->UseManualTime()
-      ->Repetitions(effort.slowRepetitions);
+      ->Repetitions(effort.slow_repetitions);
 }
 
 }  // namespace vantorel::bench

@@ -14,7 +14,7 @@ namespace vantorel::bench {
 // How often measurements are repeated. Each repetition is one run of at least `seconds`, in random order among all.
 struct Effort {
   int repetitions = 9;
-  int slowRepetitions = 3;  // of what takes a second and more
+  int slow_repetitions = 3;  // of what takes a second and more
   double seconds = 0.03;
 };
 

@@ -21,11 +21,11 @@ int matType(host::Depth depth) {
 }
 
 cv::Mat matOf(const host::ImageView& view) {
-  return {view.size.height, view.size.width, matType(view.depth), view.data, static_cast<std::size_t>(view.rowBytes)};
+  return {view.size.height, view.size.width, matType(view.depth), view.data, static_cast<std::size_t>(view.row_bytes)};
 }
 
 cv::Mat matOf(const host::ConstImageView& view) {
-  return matOf(host::ImageView{const_cast<std::byte*>(view.data), view.rowBytes, view.size, view.depth});
+  return matOf(host::ImageView{const_cast<std::byte*>(view.data), view.row_bytes, view.size, view.depth});
 }
 
 cv::Point2f pointOf(const host::Point& point) {
@@ -36,8 +36,8 @@ cv::Mat layerToCanvas(const Work& work) {
   const auto width = static_cast<float>(work.layer.width);
   const auto height = static_cast<float>(work.layer.height);
   const cv::Point2f from[] = {{0, 0}, {width, 0}, {0, height}, {width, height}};
-  const cv::Point2f to[] = {pointOf(work.corners.upperLeft), pointOf(work.corners.upperRight),
-                            pointOf(work.corners.lowerLeft), pointOf(work.corners.lowerRight)};
+  const cv::Point2f to[] = {pointOf(work.corners.upper_left), pointOf(work.corners.upper_right),
+                            pointOf(work.corners.lower_left), pointOf(work.corners.lower_right)};
   return cv::getPerspectiveTransform(from, to);
 }
 

@@ -35,10 +35,10 @@ void addPeers(const Effort& effort) {
   for (const Peer& peer : allPeers()) {
     for (const int factor : {1, 2}) {
       for (const Work& work : worksAt(factor)) {
-        if (contains(peer.works, work.name) && (factor == 1 || peer.atUhd)) {
+        if (contains(peer.works, work.name) && (factor == 1 || peer.at_uhd)) {
           addPeer(effort, peer, work, 1);
         }
-        if (contains(peer.worksAtTwo, work.name) && factor == 1) {
+        if (contains(peer.works_at_two, work.name) && factor == 1) {
           addPeer(effort, peer, work, 2);
         }
       }

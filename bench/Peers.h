@@ -18,11 +18,11 @@ struct Drawing {
 
 struct Peer {
   std::string tool;
-  std::vector<std::string> works;       // measured at 1920x1080 and one thread
-  std::vector<std::string> worksAtTwo;  // and at two threads
+  std::vector<std::string> works;         // measured at 1920x1080 and one thread
+  std::vector<std::string> works_at_two;  // and at two threads
   std::vector<host::Depth> depths;
-  bool atUhd;  // measured at 3840x2160 too
-  bool slow;   // takes a second or more
+  bool at_uhd;  // measured at 3840x2160 too
+  bool slow;    // takes a second or more
   Drawing (*prepare)(const Work& work, host::Depth depth, int threads);
 };
 

@@ -41,9 +41,9 @@ KZFX_PerspectiveInfo infoFor(const Work& work, PF_LayerDef* layer) {
   return info;
 }
 
-using TraceRow = void (*)(const void*, std::int32_t, std::int32_t, PF_Pixel8*, const RowBlockFunctions&);
+using traceRow = void (*)(const void*, std::int32_t, std::int32_t, PF_Pixel8*, const RowBlockFunctions&);
 
-void addTrace(const Effort& effort, const Labels& labels, TraceRow trace, const RowBlockFunctions* functions) {
+void addTrace(const Effort& effort, const Labels& labels, traceRow trace, const RowBlockFunctions* functions) {
   const Work work = hdWork(labels.work);
   add(effort, {labels,
                [=, row = std::vector<PF_Pixel8>(static_cast<std::size_t>(work.canvas.width))]() mutable {
@@ -62,11 +62,11 @@ void addRowSamplers(const Effort& effort) {
   constexpr std::pair<InstructionSet, const char*> kSets[] = {
       {InstructionSet::Plain, "plain"}, {InstructionSet::Avx2, "avx2"}, {InstructionSet::Avx512, "avx512"}};
   for (const auto& [set, name] : kSets) {
-    if (const RowBlockFunctions* functions = RowBlockFunctionsFor(set)) {
+    if (const RowBlockFunctions* functions = rowBlockFunctionsFor(set)) {
       Labels labels{"row-sampler", "a", sizeText(kHd), "", "standard", name};
-      addTrace(effort, labels, TraceStandardRow<PF_Pixel8>, functions);
+      addTrace(effort, labels, traceStandardRow<PF_Pixel8>, functions);
       labels.quality = "high";
-      addTrace(effort, labels, TraceHighQualityRow<PF_Pixel8>, functions);
+      addTrace(effort, labels, traceHighQualityRow<PF_Pixel8>, functions);
     }
   }
 }

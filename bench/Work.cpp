@@ -28,7 +28,7 @@ Work scaled(Work work, int factor) {
   enlarge(work.layer);
   enlarge(work.canvas);
   for (Point* corner :
-       {&work.corners.upperLeft, &work.corners.upperRight, &work.corners.lowerLeft, &work.corners.lowerRight}) {
+       {&work.corners.upper_left, &work.corners.upper_right, &work.corners.lower_left, &work.corners.lower_right}) {
     *corner = {corner->x * factor, corner->y * factor};
   }
   return work;

@@ -12,10 +12,13 @@ namespace vantorel::cli {
 namespace {
 
 int channelNamed(const OIIO::ImageSpec& spec, std::initializer_list<const char*> names) {
-  for (const char* name : names)
-    for (int c = 0; c < spec.nchannels; ++c)
-      if (OIIO::Strutil::iequals(spec.channelnames[static_cast<std::size_t>(c)], name))
+  for (const char* name : names) {
+    for (int c = 0; c < spec.nchannels; ++c) {
+      if (OIIO::Strutil::iequals(spec.channelnames[static_cast<std::size_t>(c)], name)) {
         return c;
+      }
+    }
+  }
   return -1;
 }
 
@@ -46,21 +49,26 @@ int ChannelPlan::end() const {
 }
 
 ChannelPlan planChannels(const OIIO::ImageSpec& spec, const std::string& path) {
-  if (spec.deep)
+  if (spec.deep) {
     throw fileFailure(path, "holds deep samples, not a flat picture; flatten it first");
-  if (spec.depth > 1)
+  }
+  if (spec.depth > 1) {
     throw fileFailure(path, "holds a volume, not a flat picture; give a picture with one slice");
-  if (channelNamed(spec, {"RY"}) >= 0 || channelNamed(spec, {"BY"}) >= 0)
+  }
+  if (channelNamed(spec, {"RY"}) >= 0 || channelNamed(spec, {"BY"}) >= 0) {
     throw fileFailure(path, "holds luminance and chroma channels; convert it to RGB first");
+  }
 
   const int alpha = spec.alpha_channel >= 0 ? spec.alpha_channel : channelNamed(spec, {"A", "Alpha"});
   const int red = channelNamed(spec, {"R", "Red"});
   const int green = channelNamed(spec, {"G", "Green"});
   const int blue = channelNamed(spec, {"B", "Blue"});
-  if (red >= 0 && green >= 0 && blue >= 0)
+  if (red >= 0 && green >= 0 && blue >= 0) {
     return {{red, green, blue, alpha}};
-  if (const int grey = channelNamed(spec, {"Y", "I", "L"}); grey >= 0)
+  }
+  if (const int grey = channelNamed(spec, {"Y", "I", "L"}); grey >= 0) {
     return {{grey, grey, grey, alpha}};
+  }
   switch (spec.nchannels) {
     case 1:
     case 2:
@@ -79,9 +87,11 @@ ChannelPlan planChannels(const OIIO::ImageSpec& spec, const std::string& path) {
 
 SampleType samplesOf(const OIIO::ImageSpec& spec, const ChannelPlan& plan) {
   SampleType finest = SampleType::Bits8;
-  for (const int channel : plan.source)
-    if (channel >= 0)
+  for (const int channel : plan.source) {
+    if (channel >= 0) {
       finest = std::max(finest, sampleType(spec.channelformat(channel)));
+    }
+  }
   return finest;
 }
 

@@ -14,6 +14,6 @@ void fromLinear(const host::ImageView& picture, const std::string& to, const std
 
 // The colour space to write a picture in that was made in linear light from one in `source`: linear for formats that
 // hold linear light by convention, else the source's own, or sRGB where that is linear or not stated.
-std::string outputColourSpace(const std::string& source, bool formatIsLinear);
+std::string outputColourSpace(const std::string& source, bool format_is_linear);
 
 }  // namespace vantorel::cli

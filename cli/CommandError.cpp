@@ -15,8 +15,9 @@ CommandError interrupted() {
 }
 
 CommandError fromHost(const host::Error& error) {
-  if (error.kind == host::ErrorKind::Interrupted)
+  if (error.kind == host::ErrorKind::Interrupted) {
     return interrupted();
+  }
   return {ExitCode::EffectFailed, error.input, error.message};
 }
 

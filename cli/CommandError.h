@@ -35,10 +35,12 @@ CommandError fromHost(const host::Error& error);
 // The value, or throws what fromHost makes of the error.
 template <typename T>
 T valueOrThrow(host::Result<T> result) {
-  if (!result)
+  if (!result) {
     throw fromHost(result.error());
-  if constexpr (!std::is_void_v<T>)
+  }
+  if constexpr (!std::is_void_v<T>) {
     return std::move(*result);
+  }
 }
 
 }  // namespace vantorel::cli

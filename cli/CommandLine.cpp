@@ -38,12 +38,13 @@ class HelpFormatter : public CLI::Formatter {
   std::string make_usage(const CLI::App* app, std::string) const override {
     const std::string& command = app->get_name();
     std::string arguments = "COMMAND ...";
-    if (command == "render")
+    if (command == "render") {
       arguments = "render LAYER -o OUT [OPTIONS]";
-    else if (command == "info")
+    } else if (command == "info") {
       arguments = "info [OPTIONS]";
-    else if (command == "testcard")
+    } else if (command == "testcard") {
       arguments = "testcard -o OUT [OPTIONS]";
+    }
     return "Usage: vantorel " + arguments + "\n";
   }
 };
@@ -76,49 +77,57 @@ CLI::App* addTestCard(CLI::App& app, TestCardArguments& arguments) {
 
 std::vector<std::string> optionNames(const CLI::App& app) {
   std::vector<std::string> names;
-  for (const CLI::Option* option : app.get_options())
-    for (const std::string& name : option->get_lnames())
+  for (const CLI::Option* option : app.get_options()) {
+    for (const std::string& name : option->get_lnames()) {
       names.push_back("--" + name);
+    }
+  }
   return names;
 }
 
-std::string meant(const std::optional<std::string>& suggestion, const std::string& helpCommand) {
-  if (suggestion)
+std::string meant(const std::optional<std::string>& suggestion, const std::string& help_command) {
+  if (suggestion) {
     return fmt::format("did you mean '{}'?", *suggestion);
-  return fmt::format("see '{}'", helpCommand);
+  }
+  return fmt::format("see '{}'", help_command);
 }
 
 // Complains about what no option or argument took.
 void refuseExtras(const CLI::App& app) {
   const std::vector<std::string> extras = app.remaining();
-  if (extras.empty())
+  if (extras.empty()) {
     return;
+  }
   const std::string help = fmt::format("vantorel {} --help", app.get_name());
-  for (const std::string& extra : extras)
+  for (const std::string& extra : extras) {
     if (extra.size() > 1 && extra.front() == '-') {
       const std::string name = extra.substr(0, extra.find('='));
       throw badArgument(name, fmt::format("is no option of '{}'; {}", app.get_name(),
                                           meant(nearestWord(name, optionNames(app)), help)));
     }
+  }
   throw badArgument(extras.front(), fmt::format("is one argument too many for '{}'; see '{}'", app.get_name(), help));
 }
 
 CommandError unknownCommand(const CLI::App& app) {
   const std::vector<std::string> extras = app.remaining();
-  if (extras.empty())
+  if (extras.empty()) {
     return badArgument("", fmt::format("no command was given; use render, info or testcard, or see 'vantorel --help'"));
+  }
   const std::string& word = extras.front();
-  if (word.front() == '-')
+  if (word.front() == '-') {
     return badArgument(word, fmt::format("is no option of vantorel; {}",
                                          meant(nearestWord(word, optionNames(app)), "vantorel --help")));
+  }
   return badArgument(word, fmt::format("is no command; {}",
                                        meant(nearestWord(word, {"render", "info", "testcard"}), "vantorel --help")));
 }
 
 CommandError fromParser(const CLI::ParseError& error) {
   std::string text = error.what();
-  if (const std::size_t end = text.find('\n'); end != std::string::npos)
+  if (const std::size_t end = text.find('\n'); end != std::string::npos) {
     text.resize(end);
+  }
   const std::size_t colon = text.find(": ");
   const std::string input = colon == std::string::npos ? "" : text.substr(0, colon);
   const std::string fault = colon == std::string::npos ? text : text.substr(colon + 2);
@@ -126,12 +135,14 @@ CommandError fromParser(const CLI::ParseError& error) {
 }
 
 TestCardOptions testCardOptions(const TestCardArguments& arguments) {
-  if (arguments.output.empty())
+  if (arguments.output.empty()) {
     throw badArgument("--output", "is missing; name the picture to write with -o OUT");
+  }
   TestCardOptions options;
   options.output = arguments.output;
-  if (!arguments.size.empty())
+  if (!arguments.size.empty()) {
     options.size = parseSize("--size", arguments.size);
+  }
   return options;
 }
 
@@ -142,14 +153,14 @@ ExitCode runCommandLine(int argc, const char* const* argv, const std::stop_token
   prepare(app);
   app.set_version_flag("--version", "vantorel " VANTOREL_VERSION);
   app.footer(std::string("'vantorel COMMAND --help' tells about a command, 'man vantorel' about all.\n") + kExitCodes);
-  RenderArguments renderArguments;
-  InfoOptions infoOptions;
-  TestCardArguments cardArguments;
-  CLI::App* render = addRender(app, renderArguments);
+  RenderArguments render_arguments;
+  InfoOptions info_options;
+  TestCardArguments card_arguments;
+  CLI::App* render = addRender(app, render_arguments);
   prepare(*render);
   render->footer(std::string(kRenderExamples) + kExitCodes);
-  CLI::App* info = addInfo(app, infoOptions);
-  CLI::App* card = addTestCard(app, cardArguments);
+  CLI::App* info = addInfo(app, info_options);
+  CLI::App* card = addTestCard(app, card_arguments);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& success) {
@@ -159,14 +170,18 @@ ExitCode runCommandLine(int argc, const char* const* argv, const std::stop_token
     throw fromParser(error);
   }
 
-  for (const CLI::App* command : app.get_subcommands())
+  for (const CLI::App* command : app.get_subcommands()) {
     refuseExtras(*command);
-  if (render->parsed())
-    return runRender(renderOptions(renderArguments), stop);
-  if (info->parsed())
-    return runInfo(infoOptions);
-  if (card->parsed())
-    return runTestCard(testCardOptions(cardArguments), stop);
+  }
+  if (render->parsed()) {
+    return runRender(renderOptions(render_arguments), stop);
+  }
+  if (info->parsed()) {
+    return runInfo(info_options);
+  }
+  if (card->parsed()) {
+    return runTestCard(testCardOptions(card_arguments), stop);
+  }
   throw unknownCommand(app);
 }
 

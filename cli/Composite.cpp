@@ -46,13 +46,17 @@ void reduceRow(const host::ConstImageView& picture, int n, int y, Channel* out) 
     const int left = x * n;
     const int right = std::min(picture.size.width, left + n);
     double sums[4] = {};
-    for (int v = top; v < bottom; ++v)
-      for (int u = left; u < right; ++u)
-        for (int c = 0; c < 4; ++c)
+    for (int v = top; v < bottom; ++v) {
+      for (int u = left; u < right; ++u) {
+        for (int c = 0; c < 4; ++c) {
           sums[c] += reinterpret_cast<const Channel*>(picture.pixel(u, v))[c];
+        }
+      }
+    }
     const double count = static_cast<double>(bottom - top) * (right - left);
-    for (int c = 0; c < 4; ++c)
+    for (int c = 0; c < 4; ++c) {
       out[c] = static_cast<Channel>(sums[c] / count + (std::is_floating_point_v<Channel> ? 0.0 : 0.5));
+    }
   }
 }
 

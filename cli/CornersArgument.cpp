@@ -15,9 +15,10 @@ constexpr double kBeyond = 32768.0;
 
 void requireFixedRange(const std::string& input, double pixels) {
   // Negated, so that NaN is refused too.
-  if (!(pixels >= kLowest && pixels < kBeyond))
+  if (!(pixels >= kLowest && pixels < kBeyond)) {
     throw badArgument(
         input, fmt::format("{} pixels is outside -32768 to 32767.99; move the corner nearer to the layer", pixels));
+  }
 }
 
 }  // namespace
@@ -26,22 +27,26 @@ Coordinate parseCoordinate(const std::string& input, std::string_view text) {
   text = trimmed(text);
   std::string_view digits = text;
   const bool percent = !digits.empty() && digits.back() == '%';
-  if (percent)
+  if (percent) {
     digits.remove_suffix(1);
+  }
   const auto value = parseNumber(trimmed(digits));
-  if (!value)
+  if (!value) {
     throw badArgument(
         input, fmt::format("'{}' {}; give layer pixels (640.5) or percent of the layer (12.5%)", text, value.error()));
-  if (!percent)
+  }
+  if (!percent) {
     requireFixedRange(input, *value);
+  }
   return {*value, percent};
 }
 
 CornerPosition parseCorner(const std::string& input, std::string_view text) {
   const std::size_t comma = text.find(',');
-  if (comma == std::string_view::npos || text.find(',', comma + 1) != std::string_view::npos)
+  if (comma == std::string_view::npos || text.find(',', comma + 1) != std::string_view::npos) {
     throw badArgument(
         input, fmt::format("'{}' is not a position; give X,Y in layer pixels (640,12.5) or percent (10%,90%)", text));
+  }
   return {parseCoordinate(input, text.substr(0, comma)), parseCoordinate(input, text.substr(comma + 1))};
 }
 

@@ -27,8 +27,9 @@ std::vector<std::string_view> splitFields(std::string_view line) {
   while (true) {
     const std::size_t comma = line.find(',');
     fields.push_back(trimmed(line.substr(0, comma)));
-    if (comma == std::string_view::npos)
+    if (comma == std::string_view::npos) {
       return fields;
+    }
     line.remove_prefix(comma + 1);
   }
 }
@@ -41,10 +42,12 @@ ColumnOrder readHeader(const std::vector<std::string_view>& fields, const std::s
   ColumnOrder order{};
   for (std::size_t c = 0; c < kColumnCount; ++c) {
     const auto found = std::find(fields.begin(), fields.end(), kColumns[c]);
-    if (found == fields.end())
+    if (found == fields.end()) {
       throw fileFailure(place, fmt::format("the column '{}' is missing; the columns are {}", kColumns[c], kColumnList));
-    if (std::find(found + 1, fields.end(), kColumns[c]) != fields.end())
+    }
+    if (std::find(found + 1, fields.end(), kColumns[c]) != fields.end()) {
       throw fileFailure(place, fmt::format("the column '{}' is there twice; keep one", kColumns[c]));
+    }
     order[c] = static_cast<std::size_t>(found - fields.begin());
   }
   return order;
@@ -57,8 +60,9 @@ class CsvReader {
   void line(std::string_view text) {
     ++number_;
     text = trimmed(text.substr(0, text.find('#')));
-    if (text.empty())
+    if (text.empty()) {
       return;
+    }
     const std::vector<std::string_view> fields = splitFields(text);
     if (track_.keys.empty() && !header_ && std::any_of(fields.begin(), fields.end(), namesAColumn)) {
       order_ = readHeader(fields, place());
@@ -66,15 +70,17 @@ class CsvReader {
       return;
     }
     const std::size_t expected = header_.value_or(kColumnCount);
-    if (fields.size() != expected)
+    if (fields.size() != expected) {
       throw fileFailure(place(), fmt::format("has {} fields instead of {}; the columns are {}", fields.size(), expected,
                                              kColumnList));
+    }
     addKey(fields);
   }
 
   CornersTrack finish() && {
-    if (track_.keys.empty())
+    if (track_.keys.empty()) {
       throw fileFailure(name_, fmt::format("holds no keys; give one line a key: {}", kColumnList));
+    }
     return std::move(track_);
   }
 
@@ -86,13 +92,15 @@ class CsvReader {
     const auto field = [&](std::size_t column) { return fields[order_[column]]; };
     CornersKey key;
     const auto frame = parseNumber(field(0));
-    if (!frame)
+    if (!frame) {
       throw fileFailure(input(0), fmt::format("'{}' {}; give the frame's number", field(0), frame.error()));
+    }
     key.frame = *frame;
-    const auto [earlier, isNew] = lineOfFrame_.try_emplace(key.frame, number_);
-    if (!isNew)
+    const auto [earlier, isNew] = line_of_frame_.try_emplace(key.frame, number_);
+    if (!isNew) {
       throw fileFailure(input(0),
                         fmt::format("frame {} is on line {} already; keep one of them", field(0), earlier->second));
+    }
     for (std::size_t c = 0; c < kCornerCount; ++c) {
       key.corners[c].x = coordinate(input(1 + 2 * c), field(1 + 2 * c));
       key.corners[c].y = coordinate(input(2 + 2 * c), field(2 + 2 * c));
@@ -110,7 +118,7 @@ class CsvReader {
   int number_ = 0;
   std::optional<std::size_t> header_;  // how many fields it has, once seen
   ColumnOrder order_ = kUsualOrder;
-  std::map<double, int> lineOfFrame_;
+  std::map<double, int> line_of_frame_;
   CornersTrack track_;
 };
 

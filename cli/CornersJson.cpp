@@ -31,26 +31,30 @@ class JsonReader {
   }
 
   CornersTrack read() {
-    if (!document_.is_object())
+    if (!document_.is_object()) {
       throw fault("", "is not an object; write {\"keys\": [...]}");
+    }
     refuseOthers("", document_, {"keys", "units", "interpolation", "$schema"});
     CornersTrack track;
     track.source = name_;
     const bool percent = choice("units", "px", "percent");
     track.interpolation =
         choice("interpolation", "linear", "hold") ? host::Interpolation::Hold : host::Interpolation::Linear;
-    if (!document_.contains("keys"))
+    if (!document_.contains("keys")) {
       throw fault("", "has no \"keys\"; list the keyframes in it");
+    }
     const json& keys = document_["keys"];
-    if (!keys.is_array() || keys.empty())
+    if (!keys.is_array() || keys.empty()) {
       throw fault("/keys", "is no list of keyframes; give at least one");
+    }
     std::map<double, std::size_t> seen;
     for (std::size_t k = 0; k < keys.size(); ++k) {
       track.keys.push_back(readKey(fmt::format("/keys/{}", k), keys[k], percent));
       const auto [earlier, isNew] = seen.try_emplace(track.keys.back().frame, k);
-      if (!isNew)
+      if (!isNew) {
         throw fault(fmt::format("/keys/{}/frame", k),
                     fmt::format("is the same frame as keys[{}]; keep one of them", earlier->second));
+      }
     }
     return track;
   }
@@ -58,55 +62,64 @@ class JsonReader {
  private:
   // Whether the optional field holds the second of its two words rather than the first.
   bool choice(const char* field, const char* usual, const char* other) {
-    if (!document_.contains(field))
+    if (!document_.contains(field)) {
       return false;
+    }
     const json& value = document_[field];
-    if (value != usual && value != other)
+    if (value != usual && value != other) {
       throw fault(std::string("/") + field,
                   fmt::format("is neither \"{}\" nor \"{}\"; write one of them", usual, other));
+    }
     return value == other;
   }
 
   CornersKey readKey(const std::string& path, const json& value, bool percent) {
-    if (!value.is_object())
+    if (!value.is_object()) {
       throw fault(path, "is no keyframe; write {\"frame\": 1, \"ul\": [x, y], ...}");
+    }
     refuseOthers(path, value, {"frame", "ul", "ur", "ll", "lr"});
     CornersKey key;
     key.frame = number(path + "/frame", member(path, value, "frame"));
     for (std::size_t c = 0; c < kCornerCount; ++c) {
-      const std::string cornerPath = fmt::format("{}/{}", path, kCornerNames[c]);
+      const std::string corner_path = fmt::format("{}/{}", path, kCornerNames[c]);
       const json& corner = member(path, value, kCornerNames[c]);
-      if (!corner.is_array() || corner.size() != 2)
-        throw fault(cornerPath, "is no position; write [x, y]");
-      key.corners[c].x = coordinate(cornerPath + "/0", corner[0], percent);
-      key.corners[c].y = coordinate(cornerPath + "/1", corner[1], percent);
+      if (!corner.is_array() || corner.size() != 2) {
+        throw fault(corner_path, "is no position; write [x, y]");
+      }
+      key.corners[c].x = coordinate(corner_path + "/0", corner[0], percent);
+      key.corners[c].y = coordinate(corner_path + "/1", corner[1], percent);
     }
     return key;
   }
 
   const json& member(const std::string& path, const json& object, const char* name) {
-    if (!object.contains(name))
+    if (!object.contains(name)) {
       throw fault(path, fmt::format("has no \"{}\"; every keyframe needs frame, ul, ur, ll and lr", name));
+    }
     return object[name];
   }
 
   void refuseOthers(const std::string& path, const json& object, const std::vector<std::string>& known) {
-    for (const auto& item : object.items())
-      if (std::find(known.begin(), known.end(), item.key()) == known.end())
+    for (const auto& item : object.items()) {
+      if (std::find(known.begin(), known.end(), item.key()) == known.end()) {
         throw fault(path + '/' + item.key(), fmt::format("is unknown; known here are {}", fmt::join(known, ", ")));
+      }
+    }
   }
 
   double number(const std::string& path, const json& value) {
-    if (!value.is_number())
+    if (!value.is_number()) {
       throw fault(path, "is not a number; write one without quotes");
+    }
     return value.get<double>();
   }
 
   Coordinate coordinate(const std::string& path, const json& value, bool percent) {
     const double pixels = number(path, value);
-    if (!percent && !(pixels >= -32768.0 && pixels < 32768.0))
+    if (!percent && !(pixels >= -32768.0 && pixels < 32768.0)) {
       throw fault(path,
                   fmt::format("{} pixels is outside -32768 to 32767.99; move the corner nearer to the layer", pixels));
+    }
     return {pixels, percent};
   }
 
@@ -114,10 +127,12 @@ class JsonReader {
   CommandError fault(const std::string& path, const std::string& message) const {
     const std::map<std::string, int> lines = jsonLines(text_);
     std::string input = name_;
-    if (const auto line = lines.find(path); line != lines.end())
+    if (const auto line = lines.find(path); line != lines.end()) {
       input += fmt::format(": line {}", line->second);
-    if (!path.empty())
+    }
+    if (!path.empty()) {
       input += ": " + readable(path);
+    }
     return fileFailure(input, message);
   }
 

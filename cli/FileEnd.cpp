@@ -21,10 +21,12 @@ bool pngIsWhole(std::istream& file, std::uint64_t size) {
                                  std::uint64_t{head[2]} << 8 | std::uint64_t{head[3]};
     constexpr std::uint64_t kHeadAndCheck = 12;
     at += kHeadAndCheck + length;
-    if (at > size)
+    if (at > size) {
       return false;
-    if (std::memcmp(head.data() + 4, "IEND", 4) == 0)
+    }
+    if (std::memcmp(head.data() + 4, "IEND", 4) == 0) {
       return true;
+    }
   }
   return false;
 }
@@ -42,23 +44,30 @@ bool jpegIsWhole(std::istream& file) {
   bytes.pubseekpos(2);
   while (true) {
     int byte = bytes.sbumpc();
-    while (byte != kFill && byte != std::char_traits<char>::eof())
+    while (byte != kFill && byte != std::char_traits<char>::eof()) {
       byte = bytes.sbumpc();
+    }
     int marker = byte;
-    while (marker == kFill)
+    while (marker == kFill) {
       marker = bytes.sbumpc();
-    if (marker == std::char_traits<char>::eof())
+    }
+    if (marker == std::char_traits<char>::eof()) {
       return false;
-    if (marker == kEndOfImage)
+    }
+    if (marker == kEndOfImage) {
       return true;
-    if (standsAlone(marker))
+    }
+    if (standsAlone(marker)) {
       continue;
+    }
     const int high = bytes.sbumpc();
     const int low = bytes.sbumpc();
-    if (low == std::char_traits<char>::eof())
+    if (low == std::char_traits<char>::eof()) {
       return false;
-    for (int left = high * 256 + low - 2; left > 0; --left)
+    }
+    for (int left = high * 256 + low - 2; left > 0; --left) {
       bytes.sbumpc();
+    }
   }
 }
 
@@ -67,16 +76,19 @@ bool jpegIsWhole(std::istream& file) {
 bool breaksOff(const std::string& path) {
   std::ifstream file(path, std::ios::binary | std::ios::ate);
   const std::streamoff size = file.tellg();
-  if (!file || size < 2)
+  if (!file || size < 2) {
     return false;
+  }
   std::array<unsigned char, 8> start{};
   file.seekg(0);
   file.read(reinterpret_cast<char*>(start.data()), start.size());
   file.clear();
-  if (start == kPngSignature)
+  if (start == kPngSignature) {
     return !pngIsWhole(file, static_cast<std::uint64_t>(size));
-  if (start[0] == 0xFF && start[1] == 0xD8)
+  }
+  if (start[0] == 0xFF && start[1] == 0xD8) {
     return !jpegIsWhole(file);
+  }
   return false;
 }
 

@@ -26,21 +26,23 @@ FramePattern FramePattern::literal(const std::string& text) {
 FramePattern FramePattern::parse(const std::string& input, const std::string& text) {
   FramePattern pattern;
   pattern.text_ = text;
-  const auto placeNumber = [&](int width, bool zeroPadded) {
-    if (pattern.hasNumber_)
+  const auto place_number = [&](int width, bool zero_padded) {
+    if (pattern.has_number_) {
       throw badArgument(input, fmt::format("'{}' has two places for the frame number; keep one", text));
-    if (width > kWidestNumber)
+    }
+    if (width > kWidestNumber) {
       throw badArgument(input, fmt::format("'{}' asks for {} digits; give at most {}", text, width, kWidestNumber));
-    pattern.hasNumber_ = true;
+    }
+    pattern.has_number_ = true;
     pattern.width_ = width;
-    pattern.zeroPadded_ = zeroPadded;
+    pattern.zero_padded_ = zero_padded;
   };
   std::size_t at = 0;
   while (at < text.size()) {
-    std::string& part = pattern.hasNumber_ ? pattern.after_ : pattern.before_;
+    std::string& part = pattern.has_number_ ? pattern.after_ : pattern.before_;
     if (text[at] == '#') {
       const std::size_t end = std::min(text.find_first_not_of('#', at), text.size());
-      placeNumber(static_cast<int>(std::min<std::size_t>(end - at, kWidestNumber + 1)), true);
+      place_number(static_cast<int>(std::min<std::size_t>(end - at, kWidestNumber + 1)), true);
       at = end;
     } else if (text[at] != '%') {
       part += text[at++];
@@ -49,15 +51,17 @@ FramePattern FramePattern::parse(const std::string& input, const std::string& te
       at += 2;
     } else {
       std::size_t end = at + 1;
-      const bool zeroPadded = end < text.size() && text[end] == '0';
+      const bool zero_padded = end < text.size() && text[end] == '0';
       int width = 0;
-      for (; end < text.size() && isDigit(text[end]); ++end)
+      for (; end < text.size() && isDigit(text[end]); ++end) {
         width = std::min(width * 10 + (text[end] - '0'), kWidestNumber + 1);
-      if (end == text.size() || text[end] != 'd')
+      }
+      if (end == text.size() || text[end] != 'd') {
         throw badArgument(input, fmt::format("'{}' has a % that is no frame number; write %04d or ####, and %% for a "
                                              "percent sign",
                                              text));
-      placeNumber(width, zeroPadded);
+      }
+      place_number(width, zero_padded);
       at = end + 1;
     }
   }
@@ -65,9 +69,11 @@ FramePattern FramePattern::parse(const std::string& input, const std::string& te
 }
 
 std::string FramePattern::path(std::int32_t frame) const {
-  if (!hasNumber_)
+  if (!has_number_) {
     return before_;
-  const std::string number = zeroPadded_ ? fmt::format("{:0{}d}", frame, width_) : fmt::format("{:{}d}", frame, width_);
+  }
+  const std::string number =
+      zero_padded_ ? fmt::format("{:0{}d}", frame, width_) : fmt::format("{:{}d}", frame, width_);
   return before_ + number + after_;
 }
 

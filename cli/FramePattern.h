@@ -17,7 +17,7 @@ class FramePattern {
   // The name as it is, whatever characters it holds.
   static FramePattern literal(const std::string& text);
 
-  bool hasNumber() const { return hasNumber_; }
+  bool hasNumber() const { return has_number_; }
   std::string path(std::int32_t frame) const;
   const std::string& text() const { return text_; }
 
@@ -25,9 +25,9 @@ class FramePattern {
   std::string text_;
   std::string before_;
   std::string after_;
-  bool hasNumber_ = false;
+  bool has_number_ = false;
   int width_ = 0;
-  bool zeroPadded_ = false;
+  bool zero_padded_ = false;
 };
 
 }  // namespace vantorel::cli

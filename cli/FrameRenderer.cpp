@@ -48,11 +48,12 @@ std::optional<FrameReport> FrameRenderer::render(std::int32_t frame) {
   const std::string path = shot_.output.path(frame);
   if (shot_.options.resume) {
     const host::Rect canvas = canvasFor(frame, std::nullopt);
-    const host::Size full = shot_.options.fit && !shot_.format->holdsDataWindow
+    const host::Size full = shot_.options.fit && !shot_.format->holds_data_window
                                 ? host::Size{canvas.width(), canvas.height()}
-                                : shot_.frameSize;
-    if (isFrameDone(shot_, frame, host::downsampled(full, shot_.options.downsample)))
+                                : shot_.frame_size;
+    if (isFrameDone(shot_, frame, host::downsampled(full, shot_.options.downsample))) {
       return std::nullopt;
+    }
   }
 
   FrameReport report;
@@ -62,22 +63,23 @@ std::optional<FrameReport> FrameRenderer::render(std::int32_t frame) {
   const Stopwatch reading;
   const std::shared_ptr<const Picture> layer = shot_.layer->at(frame, stop_);
   const std::shared_ptr<const Picture> plate = shot_.plate ? shot_.plate->at(frame, stop_) : nullptr;
-  report.readSeconds = reading.seconds();
+  report.read_seconds = reading.seconds();
 
   const host::Rect canvas = canvasFor(frame, layer->pixels.size());
   prepareOutput(canvas);
   const host::FrameResult result =
       valueOrThrow(instance_.render(std::as_const(layer->pixels).view(), canvas, output_.view(), frameOptions(frame)));
   report.path = result.path;
-  report.renderSeconds = result.renderSeconds;
+  report.render_seconds = result.render_seconds;
 
   const Stopwatch writing;
-  if (plate)
+  if (plate) {
     composite(*plate, shot_.plate->path(frame));
+  }
   write(canvas, plate ? *plate : *layer, path);
-  report.writeSeconds = writing.seconds();
-  report.originX = canvas.left / shot_.options.downsample;
-  report.originY = canvas.top / shot_.options.downsample;
+  report.write_seconds = writing.seconds();
+  report.origin_x = canvas.left / shot_.options.downsample;
+  report.origin_y = canvas.top / shot_.options.downsample;
   report.size = output_.size();
   return report;
 }
@@ -88,47 +90,53 @@ host::FrameOptions FrameRenderer::frameOptions(std::int32_t frame) const {
   options.quality = shot_.options.quality;
   options.protocol = shot_.options.protocol;
   options.downsample = shot_.options.downsample;
-  options.threads = shot_.threadsPerFrame;
+  options.threads = shot_.threads_per_frame;
   options.progress = progress_;
   options.stop = stop_;
   return options;
 }
 
 void FrameRenderer::placeCorners(host::Size layer) {
-  if (cornersLayer_ == layer)
+  if (corners_layer_ == layer) {
     return;
+  }
   valueOrThrow(instance_.setCorners(toAnimation(shot_.corners, layer, shot_.options.rate)));
-  cornersLayer_ = layer;
+  corners_layer_ = layer;
 }
 
 host::Rect FrameRenderer::canvasFor(std::int32_t frame, const std::optional<host::Size>& layer) {
-  const host::Rect whole{0, 0, shot_.frameSize.width, shot_.frameSize.height};
-  if (!layer && !shot_.options.fit)
+  const host::Rect whole{0, 0, shot_.frame_size.width, shot_.frame_size.height};
+  if (!layer && !shot_.options.fit) {
     return whole;
-  const host::Size layerSize = layer ? *layer : probePicture(shot_.layer->path(frame)).size;
-  placeCorners(layerSize);
-  if (!shot_.options.fit)
+  }
+  const host::Size layer_size = layer ? *layer : probePicture(shot_.layer->path(frame)).size;
+  placeCorners(layer_size);
+  if (!shot_.options.fit) {
     return whole;
-  return alignedOutward(valueOrThrow(instance_.boundingBox(layerSize, frameOptions(frame))), shot_.options.downsample);
+  }
+  return alignedOutward(valueOrThrow(instance_.boundingBox(layer_size, frameOptions(frame))), shot_.options.downsample);
 }
 
 void FrameRenderer::prepareOutput(const host::Rect& canvas) {
   const host::Size size = host::downsampled({canvas.width(), canvas.height()}, shot_.options.downsample);
-  if (size == output_.size())
+  if (size == output_.size()) {
     return;
+  }
   output_ = {};
   const std::uint64_t bytes = pictureBytes(size, shot_.depth);
-  if (const auto available = availableMemory(); available && bytes > *available / 10 * 9)
+  if (const auto available = availableMemory(); available && bytes > *available / 10 * 9) {
     throw badArgument("--fit", fmt::format("the picture, {}, needs {} of memory and {} are free; move the corners "
                                            "nearer to the layer or give --size",
                                            toText(size), memoryText(bytes), memoryText(*available)));
+  }
   output_ = valueOrThrow(host::Image::create(size, shot_.depth));
 }
 
-void FrameRenderer::composite(const Picture& plate, const std::string& plateName) {
-  if (plate.pixels.size() != output_.size())
-    throw fileFailure(plateName, fmt::format("its size is {}, the shot's is {}; give plates of one size",
-                                             toText(plate.info.size), toText(shot_.frameSize)));
+void FrameRenderer::composite(const Picture& plate, const std::string& plate_name) {
+  if (plate.pixels.size() != output_.size()) {
+    throw fileFailure(plate_name, fmt::format("its size is {}, the shot's is {}; give plates of one size",
+                                              toText(plate.info.size), toText(shot_.frame_size)));
+  }
   compositeOver(output_.view(), plate.pixels.view());
 }
 
@@ -137,17 +145,18 @@ void FrameRenderer::write(const host::Rect& canvas, const Picture& reference, co
   OutputPicture picture;
   picture.metadata = reference.metadata;
   if (shot_.options.linear) {
-    const std::string space = outputColourSpace(reference.colourSpace, shot_.format->linearLight);
+    const std::string space = outputColourSpace(reference.colour_space, shot_.format->linear_light);
     fromLinear(output_.view(), space, path);
-    if (space != reference.colourSpace)
+    if (space != reference.colour_space) {
       picture.metadata.remove("ICCProfile");
+    }
     picture.metadata.attribute("oiio:ColorSpace", space);
   }
   picture.pixels = std::as_const(output_).view();
   picture.window = {canvas.left / n, canvas.top / n, canvas.left / n + output_.size().width,
                     canvas.top / n + output_.size().height};
-  picture.frame = host::downsampled(shot_.frameSize, n);
-  picture.hasAlpha = !shot_.plate || reference.info.hasAlpha;
+  picture.frame = host::downsampled(shot_.frame_size, n);
+  picture.has_alpha = !shot_.plate || reference.info.has_alpha;
   picture.samples = shot_.samples;
   writePicture(path, *shot_.format, picture, stop_);
 }

@@ -25,14 +25,14 @@ class FrameRenderer {
   void placeCorners(host::Size layer);
   host::Rect canvasFor(std::int32_t frame, const std::optional<host::Size>& layer);
   void prepareOutput(const host::Rect& canvas);
-  void composite(const Picture& plate, const std::string& plateName);
+  void composite(const Picture& plate, const std::string& plate_name);
   void write(const host::Rect& canvas, const Picture& reference, const std::string& path);
 
   const Shot& shot_;
   std::stop_token stop_;
   std::function<void(double)> progress_;
   host::Instance instance_;
-  std::optional<host::Size> cornersLayer_;  // the layer size that the instance's corners are for
+  std::optional<host::Size> corners_layer_;  // the layer size that the instance's corners are for
   host::Image output_;
 };
 

@@ -27,24 +27,29 @@ class Run {
   void work() {
     try {
       FrameRenderer renderer(shot_, stop_, rowProgress());
-      while (const std::optional<std::int32_t> frame = next())
+      while (const std::optional<std::int32_t> frame = next()) {
         renderOne(renderer, *frame);
+      }
     } catch (const CommandError& error) {
       end(error);
     }
   }
 
   ExitCode finish() {
-    if (error_)
+    if (error_) {
       throw *error_;
+    }
     // A request to stop that comes after the last frame has begun and does not touch it changes nothing.
-    if (nextIndex_ != shot_.frames.count())
+    if (next_index_ != shot_.frames.count()) {
       throw interrupted();
-    if (skipped_ > 0)
+    }
+    if (skipped_ > 0) {
       progress_.message(fmt::format("vantorel: {} of {} frames were done already and newer than their inputs; skipped",
                                     skipped_, shot_.frames.count()));
-    if (failed_.empty())
+    }
+    if (failed_.empty()) {
       return ExitCode::Done;
+    }
     progress_.message(fmt::format("vantorel: {} of {} frames failed: {}; mend their files and run again with --resume",
                                   failed_.size(), shot_.frames.count(), frameList(failed_)));
     return ExitCode::EffectFailed;
@@ -52,16 +57,18 @@ class Run {
 
  private:
   std::function<void(double)> rowProgress() const {
-    if (!shot_.options.progress || shot_.frames.count() > 1)
+    if (!shot_.options.progress || shot_.frames.count() > 1) {
       return {};
+    }
     return [this](double share) { progress_.rows(share); };
   }
 
   std::optional<std::int32_t> next() {
     const std::scoped_lock lock(mutex_);
-    if (ended_ || stop_.stop_requested() || nextIndex_ == shot_.frames.count())
+    if (ended_ || stop_.stop_requested() || next_index_ == shot_.frames.count()) {
       return std::nullopt;
-    return shot_.frames.at(nextIndex_++);
+    }
+    return shot_.frames.at(next_index_++);
   }
 
   void renderOne(FrameRenderer& renderer, std::int32_t frame) {
@@ -91,8 +98,9 @@ class Run {
   }
 
   void fail(std::int32_t frame, const CommandError& error) {
-    if (!shot_.options.keepGoing || shot_.frames.count() == 1 || error.code() == ExitCode::Interrupted)
+    if (!shot_.options.keep_going || shot_.frames.count() == 1 || error.code() == ExitCode::Interrupted) {
       return end(error);
+    }
     progress_.message("vantorel: frame " + std::to_string(frame) + ": " + error.text());
     const std::scoped_lock lock(mutex_);
     failed_.push_back(frame);
@@ -101,15 +109,16 @@ class Run {
   void end(const CommandError& error) {
     const std::scoped_lock lock(mutex_);
     ended_ = true;
-    if (!error_)
+    if (!error_) {
       error_ = error;
+    }
   }
 
   const Shot& shot_;
   const std::stop_token stop_;
   Progress& progress_;
   std::mutex mutex_;
-  std::int64_t nextIndex_ = 0;
+  std::int64_t next_index_ = 0;
   std::int64_t skipped_ = 0;
   bool ended_ = false;
   std::optional<CommandError> error_;
@@ -123,8 +132,9 @@ std::string frameList(std::vector<std::int32_t> frames) {
   std::vector<std::string> ranges;
   for (std::size_t first = 0; first < frames.size();) {
     std::size_t last = first;
-    while (last + 1 < frames.size() && frames[last + 1] == frames[last] + 1)
+    while (last + 1 < frames.size() && frames[last + 1] == frames[last] + 1) {
       ++last;
+    }
     ranges.push_back(first == last ? fmt::format("{}", frames[first])
                                    : fmt::format("{}-{}", frames[first], frames[last]));
     first = last + 1;
@@ -136,8 +146,9 @@ ExitCode renderFrames(const Shot& shot, const std::stop_token& stop, Progress& p
   Run run(shot, stop, progress);
   {
     std::vector<std::jthread> others;
-    for (int w = 1; w < shot.framesInFlight; ++w)
+    for (int w = 1; w < shot.frames_in_flight; ++w) {
       others.emplace_back([&] { run.work(); });
+    }
     run.work();
   }
   return run.finish();

@@ -16,26 +16,26 @@ namespace {
 constexpr std::array<ImageFormat, 5> kFormats{{
     {.name = "PNG",
      .extensions = ".png",
-     .holdsAlpha = true,
-     .unassociatedAlpha = true,
-     .mustBeFinished = true,
+     .holds_alpha = true,
+     .unassociated_alpha = true,
+     .must_be_finished = true,
      .holds8 = true,
      .holds16 = true},
-    {.name = "JPEG", .extensions = ".jpg .jpeg", .longestSide = 65500, .holds8 = true},
+    {.name = "JPEG", .extensions = ".jpg .jpeg", .longest_side = 65500, .holds8 = true},
     {.name = "TIFF",
      .extensions = ".tif .tiff",
-     .holdsAlpha = true,
-     .needsPath = true,
+     .holds_alpha = true,
+     .needs_path = true,
      .holds8 = true,
      .holds16 = true,
-     .holdsFloat = true},
+     .holds_float = true},
     {.name = "OpenEXR",
      .extensions = ".exr",
-     .holdsAlpha = true,
-     .holdsDataWindow = true,
-     .linearLight = true,
-     .holdsHalf = true,
-     .holdsFloat = true},
+     .holds_alpha = true,
+     .holds_data_window = true,
+     .linear_light = true,
+     .holds_half = true,
+     .holds_float = true},
     {.name = "DPX", .extensions = ".dpx", .holds8 = true, .holds16 = true},
 }};
 
@@ -57,9 +57,9 @@ bool holds(const ImageFormat& format, SampleType type) {
     case SampleType::Bits16:
       return format.holds16;
     case SampleType::Half:
-      return format.holdsHalf;
+      return format.holds_half;
     case SampleType::Float:
-      return format.holdsFloat;
+      return format.holds_float;
   }
   return false;
 }
@@ -83,20 +83,24 @@ SampleType wantedSamples(DepthChoice choice, SampleType source) {
 
 const ImageFormat& formatForOutput(const std::string& option, const std::string& path) {
   const std::string extension = lowerCaseExtension(path);
-  if (!extension.empty())
-    for (const ImageFormat& format : kFormats)
-      if (lists(format, extension))
+  if (!extension.empty()) {
+    for (const ImageFormat& format : kFormats) {
+      if (lists(format, extension)) {
         return format;
+      }
+    }
+  }
   const std::string fault = extension.empty() ? "has no extension that tells the format"
                                               : fmt::format("has the unknown format '{}'", extension);
   throw badArgument(option, fmt::format("'{}' {}; end the name in .png, .jpg, .tif, .exr or .dpx", path, fault));
 }
 
 void requireSizeHeld(const ImageFormat& format, const std::string& path, host::Size size) {
-  if (format.longestSide > 0 && std::max(size.width, size.height) > format.longestSide)
+  if (format.longest_side > 0 && std::max(size.width, size.height) > format.longest_side) {
     throw badArgument("--output", fmt::format("'{}' would have {}x{} pixels and {} holds {} in a side; write another "
                                               "format or a smaller picture",
-                                              path, size.width, size.height, format.name, format.longestSide));
+                                              path, size.width, size.height, format.name, format.longest_side));
+  }
 }
 
 host::Depth renderDepth(DepthChoice choice, SampleType source) {
@@ -113,12 +117,16 @@ host::Depth renderDepth(DepthChoice choice, SampleType source) {
 SampleType outputSamples(const ImageFormat& format, DepthChoice choice, SampleType source) {
   const SampleType wanted = wantedSamples(choice, source);
   // Half cannot hold every 16-bit value, so it is no finer form of it.
-  for (const SampleType type : {SampleType::Bits8, SampleType::Bits16, SampleType::Half, SampleType::Float})
-    if (type >= wanted && holds(format, type) && !(wanted == SampleType::Bits16 && type == SampleType::Half))
+  for (const SampleType type : {SampleType::Bits8, SampleType::Bits16, SampleType::Half, SampleType::Float}) {
+    if (type >= wanted && holds(format, type) && !(wanted == SampleType::Bits16 && type == SampleType::Half)) {
       return type;
-  for (const SampleType type : {SampleType::Float, SampleType::Half, SampleType::Bits16})
-    if (holds(format, type))
+    }
+  }
+  for (const SampleType type : {SampleType::Float, SampleType::Half, SampleType::Bits16}) {
+    if (holds(format, type)) {
       return type;
+    }
+  }
   return SampleType::Bits8;
 }
 

@@ -14,18 +14,18 @@ enum class DepthChoice { Auto, Bits8, Bits16, Float };
 
 struct ImageFormat {
   const char* name = "";
-  const char* extensions = "";     // each with its dot, a blank between two
-  bool holdsAlpha = false;         // without, the premultiplied colour is kept: the picture over black
-  bool unassociatedAlpha = false;  // colour in the file is not multiplied by alpha
-  bool holdsDataWindow = false;    // keeps pixels at a place of their own inside (or outside) the picture's frame
-  bool linearLight = false;        // holds linear light by convention
-  bool needsPath = false;          // OpenImageIO must write to a named file, since it reads back what it wrote
-  bool mustBeFinished = false;     // its library complains on standard error about a picture that ends early
-  int longestSide = 0;             // in pixels; 0 where other limits come first
+  const char* extensions = "";      // each with its dot, a blank between two
+  bool holds_alpha = false;         // without, the premultiplied colour is kept: the picture over black
+  bool unassociated_alpha = false;  // colour in the file is not multiplied by alpha
+  bool holds_data_window = false;   // keeps pixels at a place of their own inside (or outside) the picture's frame
+  bool linear_light = false;        // holds linear light by convention
+  bool needs_path = false;          // OpenImageIO must write to a named file, since it reads back what it wrote
+  bool must_be_finished = false;    // its library complains on standard error about a picture that ends early
+  int longest_side = 0;             // in pixels; 0 where other limits come first
   bool holds8 = false;
   bool holds16 = false;
-  bool holdsHalf = false;
-  bool holdsFloat = false;
+  bool holds_half = false;
+  bool holds_float = false;
 };
 
 // The format that the file name's extension stands for. Throws CommandError (bad argument), naming the option and

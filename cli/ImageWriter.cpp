@@ -40,25 +40,28 @@ OIIO::TypeDesc fileType(SampleType samples) {
 }
 
 bool writesAlpha(const ImageFormat& format, const OutputPicture& picture) {
-  return picture.hasAlpha && format.holdsAlpha;
+  return picture.has_alpha && format.holds_alpha;
 }
 
 OIIO::ImageSpec describe(const ImageFormat& format, const OutputPicture& picture) {
   const host::Size size = picture.pixels.size;
   OIIO::ImageSpec spec(size.width, size.height, writesAlpha(format, picture) ? 4 : 3, fileType(picture.samples));
-  if (format.holdsDataWindow) {
+  if (format.holds_data_window) {
     spec.x = picture.window.left;
     spec.y = picture.window.top;
     spec.full_width = picture.frame.width;
     spec.full_height = picture.frame.height;
   }
-  for (const OIIO::ParamValue& value : picture.metadata)
+  for (const OIIO::ParamValue& value : picture.metadata) {
     spec.extra_attribs.add_or_replace(value);
+  }
   // Ten and twelve bits are DPX's own way to hold what is read as 16.
-  if (std::strcmp(format.name, "DPX") != 0 || picture.samples != SampleType::Bits16)
+  if (std::strcmp(format.name, "DPX") != 0 || picture.samples != SampleType::Bits16) {
     spec.erase_attribute("oiio:BitsPerSample");
-  if (format.unassociatedAlpha)
+  }
+  if (format.unassociated_alpha) {
     spec.attribute("oiio:UnassociatedAlpha", 1);
+  }
   spec.attribute("png:compressionLevel", kPngCompressionLevel);
   spec.attribute("png:filter", kPngFilterSub);
   spec.attribute("Software", "vantorel");
@@ -69,7 +72,7 @@ OIIO::ImageSpec describe(const ImageFormat& format, const OutputPicture& picture
 class RowEncoder {
  public:
   RowEncoder(const ImageFormat& format, const OutputPicture& picture)
-      : unpremultiply_(format.unassociatedAlpha && writesAlpha(format, picture)),
+      : unpremultiply_(format.unassociated_alpha && writesAlpha(format, picture)),
         quantise_(picture.pixels.depth == host::Depth::Float && picture.samples <= SampleType::Bits16),
         samples_(picture.samples) {}
 
@@ -79,11 +82,11 @@ class RowEncoder {
   OIIO::TypeDesc type(host::Depth depth) const { return quantise_ ? fileType(samples_) : memoryType(depth); }
 
   void encode(const host::ConstImageView& rows, std::vector<std::byte>& encoded) const {
-    const std::size_t pixelBytes = type(rows.depth).size() * 4;
-    const std::size_t rowBytes = pixelBytes * static_cast<std::size_t>(rows.size.width);
-    encoded.resize(rowBytes * static_cast<std::size_t>(rows.size.height));
+    const std::size_t pixel_bytes = type(rows.depth).size() * 4;
+    const std::size_t row_bytes = pixel_bytes * static_cast<std::size_t>(rows.size.width);
+    encoded.resize(row_bytes * static_cast<std::size_t>(rows.size.height));
     for (int y = 0; y < rows.size.height; ++y) {
-      std::byte* out = encoded.data() + rowBytes * static_cast<std::size_t>(y);
+      std::byte* out = encoded.data() + row_bytes * static_cast<std::size_t>(y);
       switch (rows.depth) {
         case host::Depth::Bits8:
           copyRow<std::uint8_t>(rows, y, out);
@@ -103,21 +106,25 @@ class RowEncoder {
   void copyRow(const host::ConstImageView& rows, int y, std::byte* out) const {
     const auto width = static_cast<std::size_t>(rows.size.width);
     std::memcpy(out, rows.row(y), width * 4 * sizeof(Channel));
-    if (unpremultiply_)
+    if (unpremultiply_) {
       unpremultiplyRow(reinterpret_cast<Channel*>(out), rows.size.width);
+    }
   }
 
   void encodeFloatRow(const host::ConstImageView& rows, int y, std::byte* out) const {
-    if (!quantise_)
+    if (!quantise_) {
       return copyRow<float>(rows, y, out);
+    }
     const auto* row = reinterpret_cast<const float*>(rows.row(y));
     std::vector<float> values(row, row + 4 * static_cast<std::size_t>(rows.size.width));
-    if (unpremultiply_)
+    if (unpremultiply_) {
       unpremultiplyRow(values.data(), rows.size.width);
-    if (samples_ == SampleType::Bits8)
+    }
+    if (samples_ == SampleType::Bits8) {
       std::transform(values.begin(), values.end(), reinterpret_cast<std::uint8_t*>(out), quantise<std::uint8_t>);
-    else
+    } else {
       std::transform(values.begin(), values.end(), reinterpret_cast<std::uint16_t*>(out), quantise<std::uint16_t>);
+    }
   }
 
   bool unpremultiply_;
@@ -137,9 +144,11 @@ CommandError writerFailure(const std::string& path, OIIO::ImageOutput& output) {
 void writeBlankRows(OIIO::ImageOutput& output, int from_row) {
   const OIIO::ImageSpec& spec = output.spec();
   const std::vector<std::byte> blank(spec.scanline_bytes(true));
-  for (int y = from_row; y < spec.height; ++y)
-    if (!output.write_scanline(spec.y + y, 0, spec.format, blank.data()))
+  for (int y = from_row; y < spec.height; ++y) {
+    if (!output.write_scanline(spec.y + y, 0, spec.format, blank.data())) {
       return;
+    }
+  }
 }
 
 }  // namespace
@@ -150,33 +159,37 @@ void writePicture(const std::string& path, const ImageFormat& format, const Outp
   OutputFile file(path);
   // The file outlives the writer, which may write as it is destroyed.
   const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(path);
-  if (!output)
+  if (!output) {
     throw fileFailure(path, fmt::format("{} files are not supported by this machine's OpenImageIO", format.name));
+  }
   const OIIO::ImageSpec spec = describe(format, picture);
-  if (!format.needsPath)
+  if (!format.needs_path) {
     output->set_ioproxy(&file);
-  if (!output->open(format.needsPath ? file.temporaryPath() : path, spec))
+  }
+  if (!output->open(format.needs_path ? file.temporaryPath() : path, spec)) {
     throw writerFailure(path, *output);
+  }
 
   const RowEncoder encoder(format, picture);
   std::vector<std::byte> encoded;
   const host::ConstImageView& pixels = picture.pixels;
   for (int y = 0; y < pixels.size.height; y += std::min(kRowsPerWrite, pixels.size.height - y)) {
     if (stop.stop_requested()) {
-      if (format.mustBeFinished)
+      if (format.must_be_finished) {
         writeBlankRows(*output, y);
+      }
       throw interrupted();
     }
     const int end = y + std::min(kRowsPerWrite, pixels.size.height - y);
-    host::ConstImageView rows{pixels.row(y), pixels.rowBytes, {pixels.size.width, end - y}, pixels.depth};
+    host::ConstImageView rows{pixels.row(y), pixels.row_bytes, {pixels.size.width, end - y}, pixels.depth};
     if (encoder.changesPixels()) {
       encoder.encode(rows, encoded);
       rows.data = encoded.data();
-      rows.rowBytes = static_cast<std::ptrdiff_t>(encoded.size()) / rows.size.height;
+      rows.row_bytes = static_cast<std::ptrdiff_t>(encoded.size()) / rows.size.height;
     }
     const OIIO::TypeDesc type = encoder.type(pixels.depth);
     if (!output->write_scanlines(spec.y + y, spec.y + end, 0, type, rows.data,
-                                 static_cast<OIIO::stride_t>(type.size()) * 4, rows.rowBytes)) {
+                                 static_cast<OIIO::stride_t>(type.size()) * 4, rows.row_bytes)) {
       file.throwIfFailed();
       throw writerFailure(path, *output);
     }
@@ -184,8 +197,9 @@ void writePicture(const std::string& path, const ImageFormat& format, const Outp
   const bool closed = output->close();
   file.throwIfFailed();
   // Writers that go round the sink do not tell whether the last that they wrote found room.
-  if (!closed || (format.needsPath && !isWholePicture(file.temporaryPath(), pixels.size)))
+  if (!closed || (format.needs_path && !isWholePicture(file.temporaryPath(), pixels.size))) {
     throw writerFailure(path, *output);
+  }
   file.commit();
 }
 

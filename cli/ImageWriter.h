@@ -15,7 +15,7 @@ struct OutputPicture {
   host::ConstImageView pixels;  // premultiplied RGBA
   host::Rect window;            // where the pixels lie in the frame; kept by formats that hold a data window
   host::Size frame;             // the display window; its upper left corner is (0, 0)
-  bool hasAlpha = true;         // without, every pixel is opaque and only R, G and B are written
+  bool has_alpha = true;        // without, every pixel is opaque and only R, G and B are written
   SampleType samples = SampleType::Bits8;
   OIIO::ParamValueList metadata;
 };

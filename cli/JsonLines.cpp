@@ -14,11 +14,11 @@ constexpr std::size_t kDeepest = 8;
 // What the parser has read so far. A number is known to have ended only when the character after it has been read.
 struct Position {
   int line = 1;
-  bool afterBreak = false;
+  bool after_break = false;
 
   void advance(char c) {
-    afterBreak = c == '\n';
-    line += afterBreak ? 1 : 0;
+    after_break = c == '\n';
+    line += after_break ? 1 : 0;
   }
 };
 
@@ -75,32 +75,35 @@ class LineRecorder : public nlohmann::json_sax<nlohmann::json> {
 
  private:
   struct Level {
-    bool isArray;
+    bool is_array;
     std::size_t index;
     std::string name;
   };
 
   std::string path() const {
     std::string text;
-    for (const Level& level : open_)
-      text += '/' + (level.isArray ? std::to_string(level.index) : level.name);
+    for (const Level& level : open_) {
+      text += '/' + (level.is_array ? std::to_string(level.index) : level.name);
+    }
     return text;
   }
   bool record(int line) {
-    if (open_.size() <= kDeepest)
+    if (open_.size() <= kDeepest) {
       lines_[path()] = line;
+    }
     return true;
   }
   bool next() {
-    if (!open_.empty() && open_.back().isArray)
+    if (!open_.empty() && open_.back().is_array) {
       ++open_.back().index;
+    }
     return true;
   }
   bool value() { return record(position_.line) && next(); }
-  bool number() { return record(position_.line - (position_.afterBreak ? 1 : 0)) && next(); }
-  bool start(bool isArray) {
+  bool number() { return record(position_.line - (position_.after_break ? 1 : 0)) && next(); }
+  bool start(bool is_array) {
     record(position_.line);
-    open_.push_back({isArray, 0, {}});
+    open_.push_back({is_array, 0, {}});
     return true;
   }
   bool end() {

@@ -14,12 +14,12 @@ struct FrameReport {
   std::int32_t frame = 0;
   host::RenderPath path = host::RenderPath::Perspective;
   host::Depth depth = host::Depth::Bits8;
-  int originX = 0;  // where the output's first pixel lies on the canvas, in pixels of the rendered resolution
-  int originY = 0;
+  int origin_x = 0;  // where the output's first pixel lies on the canvas, in pixels of the rendered resolution
+  int origin_y = 0;
   host::Size size;
-  double readSeconds = 0;    // reading and decoding layer and plate
-  double renderSeconds = 0;  // inside the module's commands
-  double writeSeconds = 0;   // compositing, encoding and writing
+  double read_seconds = 0;    // reading and decoding layer and plate
+  double render_seconds = 0;  // inside the module's commands
+  double write_seconds = 0;   // compositing, encoding and writing
   std::string output;
 };
 

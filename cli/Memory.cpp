@@ -15,8 +15,9 @@ std::optional<std::uint64_t> availableOnMachine() {
   std::uint64_t kibibytes = 0;
   std::string unit;
   while (file >> key >> kibibytes) {
-    if (key == "MemAvailable:")
+    if (key == "MemAvailable:") {
       return kibibytes * 1024;
+    }
     std::getline(file, unit);
   }
   return std::nullopt;
@@ -25,27 +26,32 @@ std::optional<std::uint64_t> availableOnMachine() {
 std::optional<std::uint64_t> numberIn(const std::string& path) {
   std::ifstream file(path);
   std::uint64_t value = 0;
-  if (file >> value)
+  if (file >> value) {
     return value;
+  }
   return std::nullopt;
 }
 
 // Cached files count as used, though the kernel gives them up when asked.
-std::uint64_t cachedFiles(const std::string& statisticsPath) {
-  std::ifstream file(statisticsPath);
+std::uint64_t cachedFiles(const std::string& statistics_path) {
+  std::ifstream file(statistics_path);
   std::uint64_t cached = 0;
   std::string key;
-  for (std::uint64_t value = 0; file >> key >> value;)
-    if (key == "inactive_file" || key == "active_file")
+  for (std::uint64_t value = 0; file >> key >> value;) {
+    if (key == "inactive_file" || key == "active_file") {
       cached += value;
+    }
+  }
   return cached;
 }
 
-std::optional<std::uint64_t> availableInGroup(const std::string& folder, const char* limitName, const char* usageName) {
-  const auto limit = numberIn(folder + limitName);
-  const auto usage = numberIn(folder + usageName);
-  if (!limit || !usage)
+std::optional<std::uint64_t> availableInGroup(const std::string& folder, const char* limit_name,
+                                              const char* usage_name) {
+  const auto limit = numberIn(folder + limit_name);
+  const auto usage = numberIn(folder + usage_name);
+  if (!limit || !usage) {
     return std::nullopt;
+  }
   const std::uint64_t cached = std::min(*usage, cachedFiles(folder + "/memory.stat"));
   return *limit > *usage - cached ? *limit - (*usage - cached) : 0;
 }
@@ -54,9 +60,11 @@ std::optional<std::uint64_t> availableInGroup(const std::string& folder, const c
 std::string ownGroupFolder() {
   std::ifstream file("/proc/self/cgroup");
   std::string line;
-  while (std::getline(file, line))
-    if (line.rfind("0::", 0) == 0)
+  while (std::getline(file, line)) {
+    if (line.rfind("0::", 0) == 0) {
       return "/sys/fs/cgroup" + line.substr(3);
+    }
+  }
   return "/sys/fs/cgroup";
 }
 
@@ -69,9 +77,11 @@ std::optional<std::uint64_t> availableMemory() {
       availableInGroup("/sys/fs/cgroup/memory", "/memory.limit_in_bytes", "/memory.usage_in_bytes"),
   };
   std::optional<std::uint64_t> least;
-  for (const auto& limit : limits)
-    if (limit && (!least || *limit < *least))
+  for (const auto& limit : limits) {
+    if (limit && (!least || *limit < *least)) {
       least = limit;
+    }
+  }
   return least;
 }
 

@@ -19,9 +19,11 @@ std::string findModule() {
   const fs::path folder = fs::read_symlink("/proc/self/exe", fault).parent_path();
   // VANTOREL_MODULE_FOLDER is where the module is installed, seen from the command's folder.
   const fs::path places[] = {folder / kModuleName, (folder / VANTOREL_MODULE_FOLDER).lexically_normal() / kModuleName};
-  for (const fs::path& place : places)
-    if (fs::is_regular_file(place, fault))
+  for (const fs::path& place : places) {
+    if (fs::is_regular_file(place, fault)) {
       return place.string();
+    }
+  }
   throw fileFailure(kModuleName, fmt::format("was found neither in '{}' nor in '{}'; name it with --module FILE",
                                              places[0].parent_path().string(), places[1].parent_path().string()));
 }
@@ -30,8 +32,9 @@ std::string findModule() {
 
 std::shared_ptr<const host::Module> loadModule(const std::string& path) {
   std::error_code fault;
-  if (!path.empty() && !fs::exists(path, fault))
+  if (!path.empty() && !fs::exists(path, fault)) {
     throw fileFailure(path, "does not exist; give the file of the effect module with --module");
+  }
   return valueOrThrow(host::Module::load(path.empty() ? findModule() : path));
 }
 

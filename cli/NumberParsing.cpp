@@ -9,13 +9,15 @@ namespace {
 
 template <typename Number>
 std::optional<Number> parseAll(std::string_view text, std::errc& fault) {
-  if (text.size() > 1 && text.front() == '+' && text[1] != '-')
+  if (text.size() > 1 && text.front() == '+' && text[1] != '-') {
     text.remove_prefix(1);
+  }
   Number value{};
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   fault = error;
-  if (error != std::errc() || end != text.data() + text.size())
+  if (error != std::errc() || end != text.data() + text.size()) {
     return std::nullopt;
+  }
   return value;
 }
 
@@ -24,12 +26,15 @@ std::optional<Number> parseAll(std::string_view text, std::errc& fault) {
 tl::expected<double, std::string> parseNumber(std::string_view text) {
   std::errc fault{};
   const std::optional<double> value = parseAll<double>(text, fault);
-  if (fault == std::errc::result_out_of_range)
+  if (fault == std::errc::result_out_of_range) {
     return tl::make_unexpected("is beyond what a number can hold");
-  if (!value)
+  }
+  if (!value) {
     return tl::make_unexpected(text.empty() ? "is empty" : "is not a number");
-  if (!std::isfinite(*value))
+  }
+  if (!std::isfinite(*value)) {
     return tl::make_unexpected("is not finite");
+  }
   return *value;
 }
 
@@ -41,8 +46,9 @@ std::optional<std::int32_t> parseWhole(std::string_view text) {
 std::string_view trimmed(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\r";
   const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos)
+  if (first == std::string_view::npos) {
     return {};
+  }
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 

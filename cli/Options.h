@@ -16,7 +16,7 @@ struct RenderOptions {
   std::string layer;
   std::string output;
   std::array<std::optional<CornerPosition>, kCornerCount> corners;
-  std::string cornersFile;
+  std::string corners_file;
   std::optional<host::Size> size;
   bool fit = false;
   std::string plate;
@@ -28,7 +28,7 @@ struct RenderOptions {
   std::optional<FrameRange> frames;
   FrameRate rate;
   bool resume = false;
-  bool keepGoing = false;
+  bool keep_going = false;
   unsigned threads = 1;
   std::string module;
   bool progress = false;

@@ -39,19 +39,21 @@ StoredPosition storedPosition(int orientation, int x, int y, host::Size stored) 
 
 template <std::size_t kPixelBytes>
 void turn(const host::ConstImageView& stored, int orientation, const host::ImageView& turned) {
-  for (int y = 0; y < turned.size.height; ++y)
+  for (int y = 0; y < turned.size.height; ++y) {
     for (int x = 0; x < turned.size.width; ++x) {
       const StoredPosition from = storedPosition(orientation, x, y, stored.size);
       std::memcpy(turned.pixel(x, y), stored.pixel(from.x, from.y), kPixelBytes);
     }
+  }
 }
 
 }  // namespace
 
 host::Image upright(const host::ConstImageView& stored, int orientation) {
   host::Size size = stored.size;
-  if (swapsAxes(orientation))
+  if (swapsAxes(orientation)) {
     std::swap(size.width, size.height);
+  }
   host::Image turned = valueOrThrow(host::Image::create(size, stored.depth));
   switch (stored.depth) {
     case host::Depth::Bits8:

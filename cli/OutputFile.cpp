@@ -35,8 +35,9 @@ fs::path folderOf(const fs::path& target) {
 
 fs::path followLinks(const std::string& path) {
   std::error_code fault;
-  if (!fs::is_symlink(fs::symlink_status(path, fault)))
+  if (!fs::is_symlink(fs::symlink_status(path, fault))) {
     return path;
+  }
   fs::path target = fs::weakly_canonical(path, fault);
   return fault ? fs::path(path) : target;
 }
@@ -56,16 +57,20 @@ void requireWritablePlace(const std::string& path) {
   const fs::path target = followLinks(path);
   const fs::path folder = folderOf(target);
   std::error_code fault;
-  const fs::file_status folderStatus = fs::status(folder, fault);
-  if (folderStatus.type() == fs::file_type::not_found)
+  const fs::file_status folder_status = fs::status(folder, fault);
+  if (folder_status.type() == fs::file_type::not_found) {
     throw fileFailure(path, fmt::format("the folder '{}' does not exist; create it first", folder.string()));
-  if (!fs::is_directory(folderStatus))
+  }
+  if (!fs::is_directory(folder_status)) {
     throw fileFailure(path, fmt::format("'{}' is not a folder; give a name inside one", folder.string()));
-  if (access(folder.c_str(), W_OK | X_OK) != 0)
+  }
+  if (access(folder.c_str(), W_OK | X_OK) != 0) {
     throw unwritable(path, errno);
+  }
   const fs::file_status status = fs::status(target, fault);
-  if (fs::exists(status) && !fs::is_regular_file(status))
+  if (fs::exists(status) && !fs::is_regular_file(status)) {
     throw fileFailure(path, "is there already and is not a plain file; give another name");
+  }
 }
 
 OutputFile::OutputFile(const std::string& path)
@@ -74,8 +79,9 @@ OutputFile::OutputFile(const std::string& path)
   const std::string temporary = temporaryName(target_);
   constexpr mode_t kLeftToUmask = 0666;
   const int descriptor = open(temporary.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, kLeftToUmask);
-  if (descriptor < 0)
+  if (descriptor < 0) {
     throw unwritable(path, errno);
+  }
   temporary_ = temporary;
   file_.reset(fdopen(descriptor, "w+b"));
   if (!file_) {
@@ -88,26 +94,30 @@ OutputFile::OutputFile(const std::string& path)
 
 OutputFile::~OutputFile() {
   file_.reset();
-  if (!temporary_.empty())
+  if (!temporary_.empty()) {
     unlink(temporary_.c_str());
+  }
 }
 
 void OutputFile::commit() {
   note(std::fclose(file_.release()) == 0);
   throwIfFailed();
-  if (std::rename(temporary_.c_str(), target_.c_str()) != 0)
+  if (std::rename(temporary_.c_str(), target_.c_str()) != 0) {
     throw unwritable(path_, errno);
+  }
   temporary_.clear();
 }
 
 void OutputFile::throwIfFailed() const {
-  if (fault_ != 0)
+  if (fault_ != 0) {
     throw unwritable(path_, fault_);
+  }
 }
 
 void OutputFile::note(bool succeeded) const {
-  if (!succeeded && fault_ == 0)
+  if (!succeeded && fault_ == 0) {
     fault_ = errno != 0 ? errno : EIO;
+  }
 }
 
 bool OutputFile::seek(int64_t offset) {

@@ -14,13 +14,13 @@ namespace vantorel::cli {
 struct PictureInfo {
   host::Size size;  // after its orientation has been applied
   SampleType samples = SampleType::Bits8;
-  bool hasAlpha = false;
+  bool has_alpha = false;
 };
 
 struct Picture {
   host::Image pixels;  // premultiplied RGBA
   PictureInfo info;
-  std::string colourSpace;        // as the file states it or its format implies, for example "sRGB"; or empty
+  std::string colour_space;       // as the file states it or its format implies, for example "sRGB"; or empty
   OIIO::ParamValueList metadata;  // what a picture made from this one keeps
 };
 

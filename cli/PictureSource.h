@@ -33,7 +33,7 @@ class PictureSource {
   FramePattern files_;
   host::Depth depth_;
   Prepare prepare_;
-  std::mutex stillMutex_;
+  std::mutex still_mutex_;
   std::shared_ptr<const Picture> still_;
 };
 

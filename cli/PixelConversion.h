@@ -23,14 +23,15 @@ template <typename Channel>
 void rearrangeRow(Channel* row, int width, const ChannelMap& map) {
   for (int x = 0; x < width; ++x, row += 4) {
     const Channel read[4] = {row[0], row[1], row[2], row[3]};
-    for (std::size_t c = 0; c < 4; ++c)
+    for (std::size_t c = 0; c < 4; ++c) {
       row[c] = map[c] < 0 ? kOpaque<Channel> : read[map[c]];
+    }
   }
 }
 
 template <typename Channel>
 void premultiplyRow(Channel* row, int width) {
-  for (int x = 0; x < width; ++x, row += 4)
+  for (int x = 0; x < width; ++x, row += 4) {
     for (int c = 0; c < 3; ++c) {
       if constexpr (std::is_floating_point_v<Channel>) {
         row[c] = row[c] * row[3];
@@ -39,6 +40,7 @@ void premultiplyRow(Channel* row, int width) {
         row[c] = static_cast<Channel>((std::uint32_t{row[c]} * row[3] + kMax / 2) / kMax);
       }
     }
+  }
 }
 
 // Where alpha is zero the colour stays as it is.
@@ -46,8 +48,9 @@ template <typename Channel>
 void unpremultiplyRow(Channel* row, int width) {
   for (int x = 0; x < width; ++x, row += 4) {
     const Channel alpha = row[3];
-    if (alpha == Channel{0} || alpha == kOpaque<Channel>)
+    if (alpha == Channel{0} || alpha == kOpaque<Channel>) {
       continue;
+    }
     for (int c = 0; c < 3; ++c) {
       if constexpr (std::is_floating_point_v<Channel>) {
         row[c] = row[c] / alpha;
@@ -63,10 +66,12 @@ void unpremultiplyRow(Channel* row, int width) {
 template <typename Channel>
 Channel quantise(float value) {
   constexpr float kMax = static_cast<float>(kOpaque<Channel>);
-  if (!(value > 0.0f))
+  if (!(value > 0.0f)) {
     return 0;
-  if (value >= 1.0f)
+  }
+  if (value >= 1.0f) {
     return kOpaque<Channel>;
+  }
   // Half of the next whole number above twice the value: rounded, ties up.
   return static_cast<Channel>((static_cast<std::uint32_t>(value * (2.0f * kMax)) + 1) / 2);
 }

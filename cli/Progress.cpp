@@ -13,8 +13,9 @@ constexpr std::chrono::milliseconds kBetweenDrawings{100};
 
 std::string durationText(double seconds) {
   const std::int64_t whole = std::llround(seconds);
-  if (whole >= 3600)
+  if (whole >= 3600) {
     return fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
+  }
   return fmt::format("{}:{:02}", whole / 60, whole % 60);
 }
 
@@ -27,8 +28,9 @@ Progress::~Progress() {
 }
 
 void Progress::rows(double share) {
-  if (!shown_)
+  if (!shown_) {
     return;
+  }
   const std::scoped_lock lock(mutex_);
   draw(fmt::format("rendering {:3.0f} %", share * 100.0), false);
 }
@@ -37,8 +39,9 @@ void Progress::frameDone(bool skipped) {
   const std::scoped_lock lock(mutex_);
   ++done_;
   skipped_ += skipped ? 1 : 0;
-  if (shown_ && frames_ > 1)
+  if (shown_ && frames_ > 1) {
     draw(framesLine(), done_ == frames_);
+  }
 }
 
 void Progress::message(const std::string& text) {
@@ -49,18 +52,20 @@ void Progress::message(const std::string& text) {
 
 void Progress::draw(const std::string& line, bool always) {
   const Clock::time_point now = Clock::now();
-  if (!always && now - lastDrawn_ < kBetweenDrawings)
+  if (!always && now - last_drawn_ < kBetweenDrawings) {
     return;
-  lastDrawn_ = now;
-  lineIsThere_ = true;
+  }
+  last_drawn_ = now;
+  line_is_there_ = true;
   std::fprintf(stderr, "\r\x1b[K%s", line.c_str());
   std::fflush(stderr);
 }
 
 void Progress::erase() {
-  if (lineIsThere_)
+  if (line_is_there_) {
     std::fputs("\r\x1b[K", stderr);
-  lineIsThere_ = false;
+  }
+  line_is_there_ = false;
 }
 
 std::string Progress::framesLine() const {
@@ -68,8 +73,9 @@ std::string Progress::framesLine() const {
   const std::int64_t rendered = done_ - skipped_;
   const double rate = seconds > 0 ? static_cast<double>(rendered) / seconds : 0.0;
   std::string line = fmt::format("{} of {} frames", done_, frames_);
-  if (rendered > 0 && rate > 0)
+  if (rendered > 0 && rate > 0) {
     line += fmt::format(", {:.1f} frames/s, {} left", rate, durationText(static_cast<double>(frames_ - done_) / rate));
+  }
   return line;
 }
 

@@ -38,8 +38,8 @@ class Progress {
   std::mutex mutex_;
   std::int64_t done_ = 0;
   std::int64_t skipped_ = 0;
-  Clock::time_point lastDrawn_{};
-  bool lineIsThere_ = false;
+  Clock::time_point last_drawn_{};
+  bool line_is_there_ = false;
 };
 
 }  // namespace vantorel::cli

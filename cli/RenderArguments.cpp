@@ -27,12 +27,14 @@ constexpr int kLeastResolution = 1024;
 template <typename Value>
 Value choose(const std::string& option, const std::string& word,
              std::initializer_list<std::pair<const char*, Value>> choices) {
-  if (word.empty())
+  if (word.empty()) {
     return choices.begin()->second;
+  }
   std::string known;
   for (const auto& [name, value] : choices) {
-    if (word == name)
+    if (word == name) {
       return value;
+    }
     known += (known.empty() ? "" : ", ") + std::string(name);
   }
   throw badArgument(option, fmt::format("'{}' is not known; give one of {}", word, known));
@@ -40,27 +42,30 @@ Value choose(const std::string& option, const std::string& word,
 
 int wholeBetween(const std::string& option, const std::string& text, int least, int most) {
   const auto value = parseWhole(text);
-  if (!value || *value < least || *value > most)
+  if (!value || *value < least || *value > most) {
     throw badArgument(option, fmt::format("'{}' is not a whole number from {} to {}; give one", text, least, most));
+  }
   return *value;
 }
 
 unsigned threadCount(const std::string& text) {
-  if (text.empty())
+  if (text.empty()) {
     return std::clamp(std::thread::hardware_concurrency(), 1u, static_cast<unsigned>(kMostThreads));
+  }
   return static_cast<unsigned>(wholeBetween("--threads", text, 1, kMostThreads));
 }
 
 void addPlacing(CLI::App& render, RenderArguments& arguments) {
   constexpr std::array<const char*, kCornerCount> kPlaces{"upper left", "upper right", "lower left", "lower right"};
-  for (std::size_t c = 0; c < kCornerCount; ++c)
+  for (std::size_t c = 0; c < kCornerCount; ++c) {
     render
         .add_option(kCornerOptions[c], arguments.corners[c],
                     fmt::format("Where the layer's {} corner goes (default: where it is)", kPlaces[c]))
         ->type_name("X,Y")
         ->group(kPlacing);
+  }
   render
-      .add_option("--corners", arguments.cornersFile, "The corners, or keyframes for them, from a .json or .csv file")
+      .add_option("--corners", arguments.corners_file, "The corners, or keyframes for them, from a .json or .csv file")
       ->type_name("FILE")
       ->group(kPlacing);
   render.add_option("--size", arguments.size, "The output picture's size (default: the plate's, else the layer's)")
@@ -99,7 +104,7 @@ void addSequence(CLI::App& render, RenderArguments& arguments) {
   render.add_flag("--resume", arguments.resume, "Skip frames whose output is there, whole and newer than its inputs")
       ->group("Sequences");
   render
-      .add_flag("--keep-going", arguments.keepGoing,
+      .add_flag("--keep-going", arguments.keep_going,
                 "Go on after a frame that fails, list those at the end and exit with 1")
       ->group("Sequences");
 }
@@ -107,7 +112,7 @@ void addSequence(CLI::App& render, RenderArguments& arguments) {
 void addReporting(CLI::App& render, RenderArguments& arguments) {
   render.add_flag("--progress", arguments.progress, "Show progress (default: when standard error is a terminal)")
       ->group("Reporting");
-  render.add_flag("--no-progress", arguments.noProgress, "Show none")->group("Reporting");
+  render.add_flag("--no-progress", arguments.no_progress, "Show none")->group("Reporting");
   render.add_flag("--json", arguments.json, "Print a line of JSON on standard output for every finished frame")
       ->group("Reporting");
 }
@@ -127,19 +132,24 @@ CLI::App* addRender(CLI::App& app, RenderArguments& arguments) {
 }
 
 RenderOptions renderOptions(const RenderArguments& arguments) {
-  if (arguments.layer.empty())
+  if (arguments.layer.empty()) {
     throw badArgument("LAYER", "is missing; name the picture to render: vantorel render LAYER -o OUT");
-  if (arguments.output.empty())
+  }
+  if (arguments.output.empty()) {
     throw badArgument("--output", "is missing; name the picture to write with -o OUT");
+  }
   RenderOptions options;
   options.layer = arguments.layer;
   options.output = arguments.output;
-  for (std::size_t c = 0; c < kCornerCount; ++c)
-    if (!arguments.corners[c].empty())
+  for (std::size_t c = 0; c < kCornerCount; ++c) {
+    if (!arguments.corners[c].empty()) {
       options.corners[c] = parseCorner(kCornerOptions[c], arguments.corners[c]);
-  options.cornersFile = arguments.cornersFile;
-  if (!arguments.size.empty())
+    }
+  }
+  options.corners_file = arguments.corners_file;
+  if (!arguments.size.empty()) {
     options.size = parseSize("--size", arguments.size);
+  }
   options.fit = arguments.fit;
   options.plate = arguments.plate;
   options.linear = arguments.linear;
@@ -152,17 +162,20 @@ RenderOptions renderOptions(const RenderArguments& arguments) {
                                        {"float", DepthChoice::Float}});
   options.protocol = choose<host::Protocol>("--protocol", arguments.protocol,
                                             {{"smart", host::Protocol::Smart}, {"plain", host::Protocol::Plain}});
-  if (!arguments.downsample.empty())
+  if (!arguments.downsample.empty()) {
     options.downsample = wholeBetween("--downsample", arguments.downsample, 1, kLeastResolution);
-  if (!arguments.frames.empty())
+  }
+  if (!arguments.frames.empty()) {
     options.frames = parseFrameRange("--frames", arguments.frames);
-  if (!arguments.rate.empty())
+  }
+  if (!arguments.rate.empty()) {
     options.rate = parseFrameRate("--fps", arguments.rate);
+  }
   options.resume = arguments.resume;
-  options.keepGoing = arguments.keepGoing;
+  options.keep_going = arguments.keep_going;
   options.threads = threadCount(arguments.threads);
   options.module = arguments.module;
-  options.progress = !arguments.noProgress && (arguments.progress || isatty(STDERR_FILENO) != 0);
+  options.progress = !arguments.no_progress && (arguments.progress || isatty(STDERR_FILENO) != 0);
   options.json = arguments.json;
   return options;
 }

@@ -14,7 +14,7 @@ struct RenderArguments {
   std::string layer;
   std::string output;
   std::array<std::string, kCornerCount> corners;
-  std::string cornersFile;
+  std::string corners_file;
   std::string size;
   bool fit = false;
   std::string plate;
@@ -26,11 +26,11 @@ struct RenderArguments {
   std::string frames;
   std::string rate;
   bool resume = false;
-  bool keepGoing = false;
+  bool keep_going = false;
   std::string threads;
   std::string module;
   bool progress = false;
-  bool noProgress = false;
+  bool no_progress = false;
   bool json = false;
 };
 

@@ -19,12 +19,12 @@ struct Shot {
   std::unique_ptr<PictureSource> layer;
   std::unique_ptr<PictureSource> plate;  // null without one
   CornersTrack corners;
-  host::Size frameSize;                    // the output picture's size at full resolution
+  host::Size frame_size;                   // the output picture's size at full resolution
   host::Depth depth = host::Depth::Bits8;  // what is rendered at
   SampleType samples = SampleType::Bits8;  // what is written
   std::shared_ptr<const host::Module> module;
-  int framesInFlight = 1;
-  unsigned threadsPerFrame = 1;
+  int frames_in_flight = 1;
+  unsigned threads_per_frame = 1;
 };
 
 // Checks everything that can be checked before rendering, and reads the heads of the first frame's files (of the first
@@ -32,6 +32,6 @@ struct Shot {
 Shot planShot(const RenderOptions& options);
 
 // Whether that frame's output is there, whole and newer than everything it is made from.
-bool isFrameDone(const Shot& shot, std::int32_t frame, host::Size outputSize);
+bool isFrameDone(const Shot& shot, std::int32_t frame, host::Size output_size);
 
 }  // namespace vantorel::cli

@@ -42,32 +42,41 @@ class Card {
         square_(std::max(4, (std::min(size.width, size.height) + 6) / 12)) {}
 
   Colour at(int x, int y) const {
-    if (const Colour* edge = edgeLine(x, y))
+    if (const Colour* edge = edgeLine(x, y)) {
       return *edge;
-    if (const Colour* corner = cornerSquare(x, y))
+    }
+    if (const Colour* corner = cornerSquare(x, y)) {
       return *corner;
+    }
     const float u = (static_cast<float>(x) + 0.5f) / static_cast<float>(size_.width);
     const float v = (static_cast<float>(y) + 0.5f) / static_cast<float>(size_.height);
-    if (isCentreLine(x, y))
+    if (isCentreLine(x, y)) {
       return kWhite;
-    if (distanceToCircle(x, y) < 1.0f)
+    }
+    if (distanceToCircle(x, y) < 1.0f) {
       return kWhite;
-    if (u > 0.3f && u < 0.7f && v > 0.1f && v < 0.9f)
+    }
+    if (u > 0.3f && u < 0.7f && v > 0.1f && v < 0.9f) {
       return column(x, y, (u - 0.3f) / 0.4f, v);
+    }
     return background(x, y, v);
   }
 
  private:
   // The outermost line of pixels: a frame that loses a row or column of the layer loses one colour.
   const Colour* edgeLine(int x, int y) const {
-    if (y == 0)
+    if (y == 0) {
       return &kRed;
-    if (y == size_.height - 1)
+    }
+    if (y == size_.height - 1) {
       return &kBlue;
-    if (x == 0)
+    }
+    if (x == 0) {
       return &kGreen;
-    if (x == size_.width - 1)
+    }
+    if (x == size_.width - 1) {
       return &kYellow;
+    }
     return nullptr;
   }
 
@@ -75,12 +84,15 @@ class Card {
   const Colour* cornerSquare(int x, int y) const {
     const bool left = x < square_;
     const bool right = x >= size_.width - square_;
-    if (!left && !right)
+    if (!left && !right) {
       return nullptr;
-    if (y < square_)
+    }
+    if (y < square_) {
       return left ? &kRed : &kGreen;
-    if (y >= size_.height - square_)
+    }
+    if (y >= size_.height - square_) {
       return left ? &kBlue : &kYellow;
+    }
     return nullptr;
   }
 
@@ -94,16 +106,21 @@ class Card {
 
   // From top to bottom: bars, a grey ramp, lines one, two and four pixels wide, rings, a transparent window.
   Colour column(int x, int y, float u, float v) const {
-    if (v < 0.22f)
+    if (v < 0.22f) {
       return kBars[static_cast<std::size_t>(std::clamp(static_cast<int>(u * 7.0f), 0, 6))];
-    if (v < 0.3f)
+    }
+    if (v < 0.3f) {
       return grey(u);
-    if (v < 0.38f)
+    }
+    if (v < 0.38f) {
       return fineLines(x, u);
-    if (v < 0.7f)
+    }
+    if (v < 0.7f) {
       return rings(x, y);
-    if (v < 0.8f)
+    }
+    if (v < 0.8f) {
       return window(u);
+    }
     return {u, 0.25f, 1.0f - u, 1.0f};
   }
 
@@ -142,10 +159,11 @@ void drawRow(const Card& card, int y, Channel* row, int width) {
   for (int x = 0; x < width; ++x, row += 4) {
     const Colour colour = card.at(x, y);
     for (std::size_t c = 0; c < 4; ++c) {
-      if constexpr (std::is_floating_point_v<Channel>)
+      if constexpr (std::is_floating_point_v<Channel>) {
         row[c] = colour[c];
-      else
+      } else {
         row[c] = quantise<Channel>(colour[c]);
+      }
     }
   }
 }

@@ -17,9 +17,10 @@ ExitCode runTestCard(const TestCardOptions& options, const std::stop_token& stop
   picture.samples = outputSamples(format, DepthChoice::Auto, SampleType::Bits8);
   const host::Depth depth = renderDepth(DepthChoice::Auto, picture.samples);
   const std::uint64_t bytes = pictureBytes(options.size, depth);
-  if (const auto available = availableMemory(); available && bytes > *available / 10 * 9)
+  if (const auto available = availableMemory(); available && bytes > *available / 10 * 9) {
     throw badArgument("--size", fmt::format("{} needs {} of memory and {} are free; give a smaller size",
                                             toText(options.size), memoryText(bytes), memoryText(*available)));
+  }
   host::Image card = valueOrThrow(host::Image::create(options.size, depth));
   drawTestCard(card.view());
   picture.pixels = std::as_const(card).view();

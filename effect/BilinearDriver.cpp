@@ -9,12 +9,12 @@
 namespace {
 
 // The layer's own rectangle inside the input, in corner order, its right and bottom edges cut to whole pixels.
-void SourceRect(const PF_InData* in_data, M_FixedPoint* source) {
-  const ScaledSize layer = ScaledLayerSize(in_data);
-  const std::int32_t left = FixedFromInt(in_data->source_origin_x);
-  const std::int32_t top = FixedFromInt(in_data->source_origin_y);
-  const std::int32_t right = FixedFromInt(Int32FromDouble(in_data->source_origin_x + layer.width));
-  const std::int32_t bottom = FixedFromInt(Int32FromDouble(in_data->source_origin_y + layer.height));
+void sourceRect(const PF_InData* in_data, M_FixedPoint* source) {
+  const ScaledSize layer = scaledLayerSize(in_data);
+  const std::int32_t left = fixedFromInt(in_data->source_origin_x);
+  const std::int32_t top = fixedFromInt(in_data->source_origin_y);
+  const std::int32_t right = fixedFromInt(int32FromDouble(in_data->source_origin_x + layer.width));
+  const std::int32_t bottom = fixedFromInt(int32FromDouble(in_data->source_origin_y + layer.height));
   source[0] = {left, top};
   source[1] = {right, top};
   source[2] = {right, bottom};
@@ -25,7 +25,7 @@ void SourceRect(const PF_InData* in_data, M_FixedPoint* source) {
 
 std::int32_t TracePointBilinear(PF_InData* in_data, PF_OutData* out_data, PF_LayerDef* input, PF_LayerDef* output) {
   M_FixedPoint source[4];
-  SourceRect(in_data, source);
+  sourceRect(in_data, source);
   M_FixedPoint corners[4];
   std::int32_t err = GetCornerParamsFixed(in_data, corners, in_data->output_origin_x, in_data->output_origin_y);
   if (err != ERR_NONE) {
@@ -64,14 +64,14 @@ std::int32_t GetCornerParamsFixed(PF_InData* in_data, M_FixedPoint* corners, std
     }
   }
   for (int slot = 0; slot < 4; ++slot) {
-    corners[slot].x = WrapAdd(corners[slot].x, FixedFromInt(offset_x));
-    corners[slot].y = WrapAdd(corners[slot].y, FixedFromInt(offset_y));
+    corners[slot].x = wrapAdd(corners[slot].x, fixedFromInt(offset_x));
+    corners[slot].y = wrapAdd(corners[slot].y, fixedFromInt(offset_y));
   }
   return ERR_NONE;
 }
 
 std::int32_t GetSingleFixedPointParam(PF_InData* in_data, std::int32_t index, M_FixedPoint* point) {
-  return WithCheckedOutPoint(in_data, index, [point](const PF_PointValue& value) {
+  return withCheckedOutPoint(in_data, index, [point](const PF_PointValue& value) {
     *point = {value.point_x, value.point_y};
   });
 }

@@ -17,7 +17,7 @@ constexpr std::size_t kCacheLine = 64;
 // Below this the fence costs more than is gained.
 constexpr std::size_t kStreamedBytes = 1024;
 
-void StreamZeros(std::byte* out, std::size_t count) {
+void streamZeros(std::byte* out, std::size_t count) {
   const std::size_t head = (kCacheLine - reinterpret_cast<std::uintptr_t>(out) % kCacheLine) % kCacheLine;
   std::memset(out, 0, head);
   out += head;
@@ -39,14 +39,14 @@ void StreamZeros(std::byte* out, std::size_t count) {
 
 }  // namespace
 
-ClearingWay ClearingWayFor(std::uint64_t world_bytes) {
+ClearingWay clearingWayFor(std::uint64_t world_bytes) {
   return world_bytes > kCachedWorldBytes ? ClearingWay::Streamed : ClearingWay::Cached;
 }
 
-void ClearBytes(void* out, std::size_t count, ClearingWay way) {
+void clearBytes(void* out, std::size_t count, ClearingWay way) {
 #if defined(__x86_64__)
   if (way == ClearingWay::Streamed && count >= kStreamedBytes) {
-    StreamZeros(static_cast<std::byte*>(out), count);
+    streamZeros(static_cast<std::byte*>(out), count);
     return;
   }
 #endif

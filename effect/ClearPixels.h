@@ -11,7 +11,7 @@ enum class ClearingWay {
 };
 
 // The way for a world of so many bytes.
-ClearingWay ClearingWayFor(std::uint64_t world_bytes);
+ClearingWay clearingWayFor(std::uint64_t world_bytes);
 
 // Other threads see the bytes once this one has told them in the usual ways that it is done.
-void ClearBytes(void* out, std::size_t count, ClearingWay way);
+void clearBytes(void* out, std::size_t count, ClearingWay way);

@@ -12,7 +12,7 @@ struct ScaledSize {
   double width;
   double height;
 };
-ScaledSize ScaledLayerSize(const PF_InData* in_data);
+ScaledSize scaledLayerSize(const PF_InData* in_data);
 
 // Fills points[0..3] with the output positions of the input buffer's corners (0, 0), (W, 0), (W, H), (0, H): the
 // parameters, shifted by the output origin, say where the corners of the layer itself land, and the buffer, which may
@@ -26,4 +26,4 @@ ScaledSize ScaledLayerSize(const PF_InData* in_data);
 std::int32_t GetCornerPoints(PF_InData* in_data, PF_OutData* out_data, PF_LayerDef* input, M_Vector2T<double>* points);
 
 // The bounding box of four points.
-M_FloatRect CornerBounds(const M_Vector2T<double>* points);
+M_FloatRect cornerBounds(const M_Vector2T<double>* points);

@@ -13,5 +13,5 @@ std::int32_t KZ_FixMulDiv(std::int32_t a, std::int32_t b, std::int32_t c) {
   const float fc = static_cast<float>(c / 65536.0);
   const float product = fa * fb;
   const float quotient = product / fc;
-  return Int32FromDouble(static_cast<double>(quotient) * 65536.0);
+  return int32FromDouble(static_cast<double>(quotient) * 65536.0);
 }

@@ -7,12 +7,12 @@
 constexpr std::int32_t kFixedOne = 65536;
 
 // The low 16 bits: the distance above the floor, also for negative numbers.
-constexpr std::int32_t FixedFraction(std::int32_t value) {
+constexpr std::int32_t fixedFraction(std::int32_t value) {
   return value & 0xFFFF;
 }
 
 // The floor, as a whole number.
-constexpr std::int32_t FixedFloor(std::int32_t value) {
+constexpr std::int32_t fixedFloor(std::int32_t value) {
   return value >> 16;
 }
 

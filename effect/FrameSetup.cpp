@@ -9,7 +9,7 @@
 namespace {
 
 // The corners as the host passed them with the command, without checking them out.
-void CornersFromParams(const PF_InData* in_data, PF_ParamDef** params, M_Vector2T<double>* corners) {
+void cornersFromParams(const PF_InData* in_data, PF_ParamDef** params, M_Vector2T<double>* corners) {
   for (int slot = 0; slot < 4; ++slot) {
     const PF_PointValue& value = params[kCornerParameters[slot]]->value.point;
     corners[slot] = {value.point_x / 65536.0 + in_data->output_origin_x,
@@ -18,13 +18,13 @@ void CornersFromParams(const PF_InData* in_data, PF_ParamDef** params, M_Vector2
 }
 
 // The box, a pixel wider on every side, cut to the hint.
-M_FloatRect OutputRect(const M_FloatRect& box, const M_LRect& hint) {
+M_FloatRect outputRect(const M_FloatRect& box, const M_LRect& hint) {
   const M_FloatRect wide(box.left - 1.0, box.top - 1.0, box.right + 1.0, box.bottom + 1.0);
   return {wide.left > hint.left ? wide.left : hint.left, wide.top > hint.top ? wide.top : hint.top,
           hint.right > wide.right ? wide.right : hint.right, hint.bottom > wide.bottom ? wide.bottom : hint.bottom};
 }
 
-std::int32_t ReportSizeLimit(PF_InData* in_data, PF_OutData* out_data) {
+std::int32_t reportSizeLimit(PF_InData* in_data, PF_OutData* out_data) {
   const char* const text = LookupString(in_data, FX_STRING_SIZE_LIMIT);
   out_data->out_flags |= OUT_FLAG_SHOW_MESSAGE;
   in_data->utility_callbacks->sprintf(out_data->return_msg, text, kLargestOutput);
@@ -37,7 +37,7 @@ std::int32_t FrameSetup(PF_InData* in_data, PF_OutData* out_data, PF_ParamDef** 
   PF_LayerDef* const input = &params[0]->value.layer_world;
   M_Vector2T<double> corners[4]{};
   if (UseBilinear(in_data, out_data, input)) {
-    CornersFromParams(in_data, params, corners);
+    cornersFromParams(in_data, params, corners);
   } else {
     const std::int32_t err = GetCornerPoints(in_data, out_data, input, corners);
     if (err != ERR_NONE) {
@@ -45,14 +45,14 @@ std::int32_t FrameSetup(PF_InData* in_data, PF_OutData* out_data, PF_ParamDef** 
     }
   }
 
-  const M_FloatRect rect = OutputRect(CornerBounds(corners), M_RemoveUnionableness(output->extent_hint));
-  const auto ceiling = [in_data](double value) { return Int32FromDouble(in_data->utility_callbacks->ceil(value)); };
+  const M_FloatRect rect = outputRect(cornerBounds(corners), M_RemoveUnionableness(output->extent_hint));
+  const auto ceiling = [in_data](double value) { return int32FromDouble(in_data->utility_callbacks->ceil(value)); };
   out_data->origin_x = ceiling(-rect.left);
   out_data->origin_y = ceiling(-rect.top);
   const std::int32_t width = ceiling(rect.right - rect.left);
   const std::int32_t height = ceiling(rect.bottom - rect.top);
   if (width > kLargestOutput || height > kLargestOutput) {
-    return ReportSizeLimit(in_data, out_data);
+    return reportSizeLimit(in_data, out_data);
   }
   out_data->width = M_Max(width, 1);
   out_data->height = M_Max(height, 1);

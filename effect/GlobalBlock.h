@@ -13,7 +13,7 @@ struct GlobalBlock {
 static_assert(sizeof(GlobalBlock) == 8);
 
 // The string-table reference of the global block, or null when there is no block (no successful global setup).
-inline void* StringTableReference(const PF_InData* in_data) {
+inline void* stringTableReference(const PF_InData* in_data) {
   return in_data->global_data == nullptr ? nullptr
                                          : static_cast<const GlobalBlock*>(*in_data->global_data)->string_table;
 }

@@ -10,7 +10,7 @@ namespace {
 
 // The coordinates u and v in units of the output's size, and a box of each pixel's own.
 struct HighQuality {
-  static RowWalk WalkFrom(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y, InputScale* scale) {
+  static RowWalk walkFrom(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y, InputScale* scale) {
     const auto& m = info.quad_to_unit.m;
     *scale = {info.x_scale, info.y_scale};
     const double width = info.out_width_d;
@@ -20,14 +20,14 @@ struct HighQuality {
             {m[0][2] * x + m[1][2] * y + m[2][2], m[0][2], m[1][2]}};
   }
 
-  static PF_SampleParams FirstParams(const KZFX_PerspectiveInfo& info) { return {0, 0, 0, info.input_world, {}}; }
+  static PF_SampleParams firstParams(const KZFX_PerspectiveInfo& info) { return {0, 0, 0, info.input_world, {}}; }
 
-  static bool ComputeBlock(const RowBlockFunctions& functions, RowWalk* walk, const InputScale& scale, int count,
+  static bool computeBlock(const RowBlockFunctions& functions, RowWalk* walk, const InputScale& scale, int count,
                            PixelBlock* block) {
     return functions.footprints(walk, scale, count, block);
   }
 
-  static void SetBox(const SampleBoxSize& box, PF_SampleParams* params) { std::memcpy(params, &box, sizeof box); }
+  static void setBox(const SampleBoxSize& box, PF_SampleParams* params) { std::memcpy(params, &box, sizeof box); }
 };
 static_assert(offsetof(PF_SampleParams, x_radius) == offsetof(SampleBoxSize, x_radius) &&
               offsetof(PF_SampleParams, y_radius) == offsetof(SampleBoxSize, y_radius) &&
@@ -37,26 +37,26 @@ static_assert(offsetof(PF_SampleParams, x_radius) == offsetof(SampleBoxSize, x_r
 }  // namespace
 
 template <typename Pixel>
-void TraceHighQualityRow(const void* info, std::int32_t x, std::int32_t y, Pixel* out,
+void traceHighQualityRow(const void* info, std::int32_t x, std::int32_t y, Pixel* out,
                          const RowBlockFunctions& functions) {
-  TraceRow<HighQuality>(*static_cast<const KZFX_PerspectiveInfo*>(info), x, y, out, functions);
+  traceRow<HighQuality>(*static_cast<const KZFX_PerspectiveInfo*>(info), x, y, out, functions);
 }
-template void TraceHighQualityRow(const void*, std::int32_t, std::int32_t, PF_Pixel8*, const RowBlockFunctions&);
-template void TraceHighQualityRow(const void*, std::int32_t, std::int32_t, PF_Pixel16*, const RowBlockFunctions&);
-template void TraceHighQualityRow(const void*, std::int32_t, std::int32_t, PF_PixelFloat*, const RowBlockFunctions&);
+template void traceHighQualityRow(const void*, std::int32_t, std::int32_t, PF_Pixel8*, const RowBlockFunctions&);
+template void traceHighQualityRow(const void*, std::int32_t, std::int32_t, PF_Pixel16*, const RowBlockFunctions&);
+template void traceHighQualityRow(const void*, std::int32_t, std::int32_t, PF_PixelFloat*, const RowBlockFunctions&);
 
 std::int32_t KZFX_TracePointHi(void* info, std::int32_t x, std::int32_t y, PF_Pixel8* /*in*/, PF_Pixel8* out) {
-  TraceHighQualityRow(info, x, y, out, BestRowBlockFunctions());
+  traceHighQualityRow(info, x, y, out, bestRowBlockFunctions());
   return ERR_NONE;
 }
 
 std::int32_t KZFX_TracePointHi16(void* info, std::int32_t x, std::int32_t y, PF_Pixel16* /*in*/, PF_Pixel16* out) {
-  TraceHighQualityRow(info, x, y, out, BestRowBlockFunctions());
+  traceHighQualityRow(info, x, y, out, bestRowBlockFunctions());
   return ERR_NONE;
 }
 
 std::int32_t KZFX_TracePointHiFloat(void* info, std::int32_t x, std::int32_t y, PF_PixelFloat* /*in*/,
                                     PF_PixelFloat* out) {
-  TraceHighQualityRow(info, x, y, out, BestRowBlockFunctions());
+  traceHighQualityRow(info, x, y, out, bestRowBlockFunctions());
   return ERR_NONE;
 }

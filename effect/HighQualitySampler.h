@@ -16,5 +16,5 @@ std::int32_t KZFX_TracePointHiFloat(void* info, std::int32_t x, std::int32_t y, 
 
 // The same with the block computations of a chosen instruction set; the results are the same in all.
 template <typename Pixel>
-void TraceHighQualityRow(const void* info, std::int32_t x, std::int32_t y, Pixel* out,
+void traceHighQualityRow(const void* info, std::int32_t x, std::int32_t y, Pixel* out,
                          const RowBlockFunctions& functions);

@@ -15,7 +15,7 @@ constexpr long kMinorVersion = 0;
 constexpr std::uint32_t kCapabilities = OUT_FLAG_USES_EXTENT_HINT | OUT_FLAG_SETS_OUTPUT_SIZE | OUT_FLAG_16BIT_WORLDS;
 
 // A zeroed global block from the host's allocator or, where it has none, from the platform's; null without memory.
-PF_Handle NewGlobalBlock(const PF_UtilityCallbacks& utilities) {
+PF_Handle newGlobalBlock(const PF_UtilityCallbacks& utilities) {
   const PF_Handle handle =
       utilities.new_handle != nullptr ? utilities.new_handle(sizeof(GlobalBlock)) : NewHandle(sizeof(GlobalBlock));
   if (handle != nullptr) {
@@ -24,7 +24,7 @@ PF_Handle NewGlobalBlock(const PF_UtilityCallbacks& utilities) {
   return handle;
 }
 
-void DisposeGlobalBlock(const PF_UtilityCallbacks& utilities, PF_Handle handle) {
+void disposeGlobalBlock(const PF_UtilityCallbacks& utilities, PF_Handle handle) {
   if (utilities.dispose_handle != nullptr) {
     utilities.dispose_handle(handle);
   } else {
@@ -32,7 +32,7 @@ void DisposeGlobalBlock(const PF_UtilityCallbacks& utilities, PF_Handle handle) 
   }
 }
 
-std::int32_t ReportSetupFailure(PF_InData* in_data, PF_OutData* out_data, void** string_table, std::int32_t err) {
+std::int32_t reportSetupFailure(PF_InData* in_data, PF_OutData* out_data, void** string_table, std::int32_t err) {
   if (*string_table != nullptr) {
     in_data->unregister_string_table(string_table);
   }
@@ -53,11 +53,11 @@ std::int32_t GlobalSetup(PF_InData* in_data, PF_OutData* out_data, PF_ParamDef**
   void* string_table = FX_G_zref.header;
   const std::int32_t err = in_data->register_string_table(&string_table, PF_STRING_TABLE_FORMAT);
   if (err != ERR_NONE) {
-    return ReportSetupFailure(in_data, out_data, &string_table, err);
+    return reportSetupFailure(in_data, out_data, &string_table, err);
   }
-  const PF_Handle handle = NewGlobalBlock(*in_data->utility_callbacks);
+  const PF_Handle handle = newGlobalBlock(*in_data->utility_callbacks);
   if (handle == nullptr) {
-    return ReportSetupFailure(in_data, out_data, &string_table, ERR_OUT_OF_MEMORY);
+    return reportSetupFailure(in_data, out_data, &string_table, ERR_OUT_OF_MEMORY);
   }
 
   static_cast<GlobalBlock*>(*handle)->string_table = string_table;
@@ -74,12 +74,12 @@ std::int32_t GlobalSetdown(PF_InData* in_data, PF_OutData* out_data, PF_ParamDef
   if (in_data->global_data == nullptr) {
     return ERR_NONE;
   }
-  void* string_table = StringTableReference(in_data);
+  void* string_table = stringTableReference(in_data);
   in_data->unregister_string_table(&string_table);
   if (out_data->global_data != nullptr) {
     static_cast<GlobalBlock*>(*out_data->global_data)->string_table = nullptr;
   }
-  DisposeGlobalBlock(*in_data->utility_callbacks, in_data->global_data);
+  disposeGlobalBlock(*in_data->utility_callbacks, in_data->global_data);
   out_data->global_data = nullptr;
   in_data->global_data = nullptr;
   return ERR_NONE;

@@ -44,7 +44,7 @@ std::int32_t ParamsSetup(PF_InData* in_data, PF_OutData* out_data, PF_ParamDef**
 }
 
 std::int32_t GetSinglePointParam(PF_InData* in_data, std::int32_t index, M_Vector2T<double>* point) {
-  return WithCheckedOutPoint(in_data, index, [point](const PF_PointValue& value) {
+  return withCheckedOutPoint(in_data, index, [point](const PF_PointValue& value) {
     *point = {value.point_x / 65536.0, value.point_y / 65536.0};
   });
 }

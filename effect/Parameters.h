@@ -21,7 +21,7 @@ std::int32_t ParamsSetup(PF_InData* in_data, PF_OutData* out_data, PF_ParamDef**
 // Reads one parameter's value at the current time: checks it out, hands it to `read`, checks it in. A failed checkout
 // is returned at once, without `read` and without a check-in.
 template <typename Read>
-std::int32_t WithCheckedOutPoint(PF_InData* in_data, std::int32_t index, Read read) {
+std::int32_t withCheckedOutPoint(PF_InData* in_data, std::int32_t index, Read read) {
   PF_ParamDef definition{};
   const std::int32_t err = in_data->checkout_param(in_data->effect_ref, index, in_data->current_time,
                                                    in_data->time_step, in_data->time_scale, &definition);

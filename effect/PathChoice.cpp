@@ -9,14 +9,14 @@ namespace {
 constexpr double kShortestEdge = 1e-12;
 constexpr double kStraightCorner = 0.01;  // how near to 1 the cosine of a nearly straight corner's turn is
 
-bool IsStrictlyConvex(M_Vector2T<double>* p) {
+bool isStrictlyConvex(M_Vector2T<double>* p) {
   const std::int32_t turn = CCW(&p[0], &p[1], &p[2]);
   return turn != 0 && CCW(&p[1], &p[2], &p[3]) == turn && CCW(&p[2], &p[3], &p[0]) == turn &&
          CCW(&p[3], &p[0], &p[1]) == turn;
 }
 
 // The edge from p to q, of unit length unless it is too short to have a direction.
-M_Vector3T<double> UnitEdge(const PF_InData* in_data, const M_Vector2T<double>& p, const M_Vector2T<double>& q) {
+M_Vector3T<double> unitEdge(const PF_InData* in_data, const M_Vector2T<double>& p, const M_Vector2T<double>& q) {
   M_Vector3T<double> edge{q.x - p.x, q.y - p.y, 0.0};
   const double length = in_data->utility_callbacks->sqrt(edge.x * edge.x + edge.y * edge.y + edge.z * edge.z);
   if (length > kShortestEdge) {
@@ -32,12 +32,12 @@ M_Vector3T<double> UnitEdge(const PF_InData* in_data, const M_Vector2T<double>& 
 
 bool UseBilinear(PF_InData* in_data, PF_OutData* out_data, PF_LayerDef* input) {
   M_Vector2T<double> points[4]{};
-  if (GetCornerPoints(in_data, out_data, input, points) != ERR_NONE || !IsStrictlyConvex(points)) {
+  if (GetCornerPoints(in_data, out_data, input, points) != ERR_NONE || !isStrictlyConvex(points)) {
     return true;
   }
   M_Vector3T<double> edges[4];
   for (int i = 0; i < 4; ++i) {
-    edges[i] = UnitEdge(in_data, points[i], points[(i + 1) % 4]);
+    edges[i] = unitEdge(in_data, points[i], points[(i + 1) % 4]);
   }
   bool straight = false;
   for (int i = 0; i < 4; ++i) {

@@ -33,19 +33,19 @@ struct KZFX_PerspectiveInfo {
 
 // The record's sampler for a pixel type.
 template <typename Pixel>
-PF_AreaSampler<Pixel> AreaSamplerOf(const KZFX_PerspectiveInfo& info);
+PF_AreaSampler<Pixel> areaSamplerOf(const KZFX_PerspectiveInfo& info);
 
 template <>
-inline PF_AreaSampler<PF_Pixel8> AreaSamplerOf<PF_Pixel8>(const KZFX_PerspectiveInfo& info) {
+inline PF_AreaSampler<PF_Pixel8> areaSamplerOf<PF_Pixel8>(const KZFX_PerspectiveInfo& info) {
   return info.sample_8;
 }
 
 template <>
-inline PF_AreaSampler<PF_Pixel16> AreaSamplerOf<PF_Pixel16>(const KZFX_PerspectiveInfo& info) {
+inline PF_AreaSampler<PF_Pixel16> areaSamplerOf<PF_Pixel16>(const KZFX_PerspectiveInfo& info) {
   return info.sample_16;
 }
 
 template <>
-inline PF_AreaSampler<PF_PixelFloat> AreaSamplerOf<PF_PixelFloat>(const KZFX_PerspectiveInfo& info) {
+inline PF_AreaSampler<PF_PixelFloat> areaSamplerOf<PF_PixelFloat>(const KZFX_PerspectiveInfo& info) {
   return info.sample_float;
 }

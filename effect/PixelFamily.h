@@ -13,26 +13,26 @@
 #include "support/PF_HostRecords.h"
 
 // The mix factor of a 16.16 weight, 0 to 255.
-constexpr std::uint32_t MixFactor(std::int32_t weight) {
+constexpr std::uint32_t mixFactor(std::int32_t weight) {
   return static_cast<std::uint32_t>(weight >> 8) & 255;
 }
 
 // The mix factor in 256ths of the second pixel: a factor of 255 takes it whole.
-constexpr std::uint64_t MixShare(std::int32_t weight) {
-  const std::uint32_t factor = MixFactor(weight);
+constexpr std::uint64_t mixShare(std::int32_t weight) {
+  const std::uint32_t factor = mixFactor(weight);
   return factor + ((factor + 1) >> 8);
 }
 
 // Pixels lie in memory of the host's, whose alignment and type are not known here.
 template <typename T>
-T LoadAs(const std::byte* address) {
+T loadAs(const std::byte* address) {
   T value;
   std::memcpy(&value, address, sizeof(T));
   return value;
 }
 
 template <typename T>
-void StoreAs(std::byte* address, const T& value) {
+void storeAs(std::byte* address, const T& value) {
   std::memcpy(address, &value, sizeof(T));
 }
 
@@ -41,21 +41,21 @@ struct PixelFamily8 {
   using Wide = std::uint64_t;  // bytes 0, 2, 1, 3 of the word in 16-bit lanes
   static constexpr std::ptrdiff_t kPixelBytes = 4;
 
-  static Wide Spread(Word word) { return (Wide{word} | Wide{word} << 24) & kLanes; }
-  static Word Gather(Wide wide) { return static_cast<Word>(wide | wide >> 24); }
+  static Wide spread(Word word) { return (Wide{word} | Wide{word} << 24) & kLanes; }
+  static Word gather(Wide wide) { return static_cast<Word>(wide | wide >> 24); }
 
-  static Wide Load(const std::byte* address) { return Spread(LoadAs<Word>(address)); }
-  static void Store(std::byte* address, Wide wide) { StoreAs(address, Gather(wide)); }
+  static Wide load(const std::byte* address) { return spread(loadAs<Word>(address)); }
+  static void store(std::byte* address, Wide wide) { storeAs(address, gather(wide)); }
 
-  static Wide Mix(Wide a, Wide b, std::int32_t weight) {
-    const std::uint64_t share = MixShare(weight);
+  static Wide mix(Wide a, Wide b, std::int32_t weight) {
+    const std::uint64_t share = mixShare(weight);
     return ((a * (256 - share) + b * share) >> 8) & kLanes;
   }
 
-  static Wide Average(Wide a, Wide b) { return ((a >> 1) & kHalves) + ((b >> 1) & kHalves); }
+  static Wide average(Wide a, Wide b) { return ((a >> 1) & kHalves) + ((b >> 1) & kHalves); }
 
   // Rows of 8-bit pixels are stepped in whole pixels.
-  static std::ptrdiff_t RowStep(std::int32_t row_bytes) { return std::ptrdiff_t{row_bytes / 4} * 4; }
+  static std::ptrdiff_t rowStep(std::int32_t row_bytes) { return std::ptrdiff_t{row_bytes / 4} * 4; }
 
  private:
   static constexpr Wide kLanes = 0x00FF00FF00FF00FF;
@@ -71,23 +71,23 @@ struct PixelFamily16 {
   };
   static constexpr std::ptrdiff_t kPixelBytes = 8;
 
-  static Wide Spread(Word word) { return {word & kLanes, (word >> 16) & kLanes}; }
-  static Word Gather(const Wide& wide) { return wide.even | wide.odd << 16; }
+  static Wide spread(Word word) { return {word & kLanes, (word >> 16) & kLanes}; }
+  static Word gather(const Wide& wide) { return wide.even | wide.odd << 16; }
 
-  static Wide Load(const std::byte* address) { return Spread(LoadAs<Word>(address)); }
-  static void Store(std::byte* address, const Wide& wide) { StoreAs(address, Gather(wide)); }
+  static Wide load(const std::byte* address) { return spread(loadAs<Word>(address)); }
+  static void store(std::byte* address, const Wide& wide) { storeAs(address, gather(wide)); }
 
-  static Wide Mix(const Wide& a, const Wide& b, std::int32_t weight) {
-    const std::uint64_t share = MixShare(weight);
+  static Wide mix(const Wide& a, const Wide& b, std::int32_t weight) {
+    const std::uint64_t share = mixShare(weight);
     return {((a.even * (256 - share) + b.even * share) >> 8) & kLanes,
             ((a.odd * (256 - share) + b.odd * share) >> 8) & kLanes};
   }
 
-  static Wide Average(const Wide& a, const Wide& b) {
+  static Wide average(const Wide& a, const Wide& b) {
     return {((a.even >> 1) & kHalves) + ((b.even >> 1) & kHalves), ((a.odd >> 1) & kHalves) + ((b.odd >> 1) & kHalves)};
   }
 
-  static std::ptrdiff_t RowStep(std::int32_t row_bytes) { return row_bytes; }
+  static std::ptrdiff_t rowStep(std::int32_t row_bytes) { return row_bytes; }
 
  private:
   static constexpr std::uint64_t kLanes = 0x0000FFFF0000FFFF;
@@ -99,14 +99,14 @@ struct PixelFamilyFloat {
   using Word = Wide;
   static constexpr std::ptrdiff_t kPixelBytes = 16;
 
-  static Wide Spread(const Word& word) { return word; }
-  static Word Gather(const Wide& wide) { return wide; }
+  static Wide spread(const Word& word) { return word; }
+  static Word gather(const Wide& wide) { return wide; }
 
-  static Wide Load(const std::byte* address) { return LoadAs<Wide>(address); }
-  static void Store(std::byte* address, const Wide& wide) { StoreAs(address, wide); }
+  static Wide load(const std::byte* address) { return loadAs<Wide>(address); }
+  static void store(std::byte* address, const Wide& wide) { storeAs(address, wide); }
 
-  static Wide Mix(const Wide& a, const Wide& b, std::int32_t weight) {
-    const std::uint32_t factor = MixFactor(weight);
+  static Wide mix(const Wide& a, const Wide& b, std::int32_t weight) {
+    const std::uint32_t factor = mixFactor(weight);
     if (factor == 0) {
       return a;
     }
@@ -117,9 +117,9 @@ struct PixelFamilyFloat {
   }
 
   // Halving in single precision gives what halving in double and rounding back does: both round the same exact half.
-  static Wide Average(const Wide& a, const Wide& b) { return (a + b) * 0.5F; }
+  static Wide average(const Wide& a, const Wide& b) { return (a + b) * 0.5F; }
 
-  static std::ptrdiff_t RowStep(std::int32_t row_bytes) { return row_bytes; }
+  static std::ptrdiff_t rowStep(std::int32_t row_bytes) { return row_bytes; }
 
  private:
   // The factors as shares of the second pixel, factor / 255.

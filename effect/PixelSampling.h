@@ -12,7 +12,7 @@
 constexpr std::int32_t kAveragingStep = 2 * kFixedOne;
 
 // Half a step, in whole pixels.
-constexpr std::int32_t HalfStep(std::int32_t step) {
+constexpr std::int32_t halfStep(std::int32_t step) {
   return step >> 17;
 }
 
@@ -25,7 +25,7 @@ struct InputView {
 };
 
 // `p` moved by a number of bytes. It may lie outside the input, so the sum is done on the address.
-inline const std::byte* MoveAddress(const void* p, std::ptrdiff_t bytes) {
+inline const std::byte* moveAddress(const void* p, std::ptrdiff_t bytes) {
   return std::bit_cast<const std::byte*>(std::bit_cast<std::uintptr_t>(p) + static_cast<std::uintptr_t>(bytes));
 }
 
@@ -36,8 +36,8 @@ struct AxisFilter {
   std::int32_t partner;
 };
 
-constexpr AxisFilter FilterForStep(std::int32_t step) {
-  return step < kAveragingStep ? AxisFilter{false, 1} : AxisFilter{true, HalfStep(step)};
+constexpr AxisFilter filterForStep(std::int32_t step) {
+  return step < kAveragingStep ? AxisFilter{false, 1} : AxisFilter{true, halfStep(step)};
 }
 
 // What a position selects along an axis of `size` pixels: the first pixel, and whether its partner takes part, which it
@@ -47,53 +47,53 @@ struct AxisSample {
   bool single;
 };
 
-constexpr AxisSample SelectAlongAxis(std::int32_t position, const AxisFilter& filter, std::int32_t size) {
-  const std::int32_t index = FixedFloor(position);
+constexpr AxisSample selectAlongAxis(std::int32_t position, const AxisFilter& filter, std::int32_t size) {
+  const std::int32_t index = fixedFloor(position);
   if (index < 0) {
     return {0, true};
   }
   const std::int32_t first = index < size ? index : size - 1;
-  return {first, FixedFraction(position) == 0 || filter.partner >= size - first};
+  return {first, fixedFraction(position) == 0 || filter.partner >= size - first};
 }
 
 template <typename Family>
-typename Family::Wide Combine(const AxisFilter& filter, const typename Family::Wide& first,
+typename Family::Wide combine(const AxisFilter& filter, const typename Family::Wide& first,
                               const typename Family::Wide& second, std::int32_t position) {
-  return filter.averages ? Family::Average(first, second) : Family::Mix(first, second, position);
+  return filter.averages ? Family::average(first, second) : Family::mix(first, second, position);
 }
 
 // The sample of one row, `row` being the address of its column 0.
 template <typename Family>
-typename Family::Wide SampleRow(const std::byte* row, std::int32_t u, const AxisFilter& filter, std::int32_t width) {
-  const AxisSample column = SelectAlongAxis(u, filter, width);
+typename Family::Wide sampleRow(const std::byte* row, std::int32_t u, const AxisFilter& filter, std::int32_t width) {
+  const AxisSample column = selectAlongAxis(u, filter, width);
   const std::byte* const address = row + column.first * Family::kPixelBytes;
-  const typename Family::Wide first = Family::Load(address);
+  const typename Family::Wide first = Family::load(address);
   if (column.single) {
     return first;
   }
-  return Combine<Family>(filter, first, Family::Load(address + filter.partner * Family::kPixelBytes), u);
+  return combine<Family>(filter, first, Family::load(address + filter.partner * Family::kPixelBytes), u);
 }
 
 // The sample of the input at (u, v), with the filters of both axes.
 template <typename Family>
-typename Family::Wide SampleInput(const InputView& input, std::int32_t u, std::int32_t v, const AxisFilter& filter_u,
+typename Family::Wide sampleInput(const InputView& input, std::int32_t u, std::int32_t v, const AxisFilter& filter_u,
                                   const AxisFilter& filter_v) {
-  const AxisSample row = SelectAlongAxis(v, filter_v, input.height);
+  const AxisSample row = selectAlongAxis(v, filter_v, input.height);
   const std::byte* const address = input.data + std::ptrdiff_t{row.first} * input.row_bytes;
-  const typename Family::Wide first = SampleRow<Family>(address, u, filter_u, input.width);
+  const typename Family::Wide first = sampleRow<Family>(address, u, filter_u, input.width);
   if (row.single) {
     return first;
   }
-  const std::byte* const second = address + Family::RowStep(input.row_bytes) * filter_v.partner;
-  return Combine<Family>(filter_v, first, SampleRow<Family>(second, u, filter_u, input.width), v);
+  const std::byte* const second = address + Family::rowStep(input.row_bytes) * filter_v.partner;
+  return combine<Family>(filter_v, first, sampleRow<Family>(second, u, filter_u, input.width), v);
 }
 
 // The pixel at (u, v), clamped to the input, without any filtering.
 template <typename Family>
-typename Family::Wide ReadInput(const InputView& input, std::int32_t u, std::int32_t v) {
+typename Family::Wide readInput(const InputView& input, std::int32_t u, std::int32_t v) {
   const auto clamp = [](std::int32_t index, std::int32_t size) {
     return index < 0 ? 0 : index < size ? index : size - 1;
   };
-  return Family::Load(input.data + std::ptrdiff_t{clamp(FixedFloor(v), input.height)} * input.row_bytes +
-                      clamp(FixedFloor(u), input.width) * Family::kPixelBytes);
+  return Family::load(input.data + std::ptrdiff_t{clamp(fixedFloor(v), input.height)} * input.row_bytes +
+                      clamp(fixedFloor(u), input.width) * Family::kPixelBytes);
 }

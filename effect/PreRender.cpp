@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::int32_t kInputLayer = 0;
 
-std::int32_t CheckOutWholeLayer(PF_InData* in_data, const PF_PreRenderExtra* extra, PF_CheckoutResult* checkout) {
+std::int32_t checkOutWholeLayer(PF_InData* in_data, const PF_PreRenderExtra* extra, PF_CheckoutResult* checkout) {
   PF_RenderRequest request = *extra->request;
   request.rect = M_LRect(0, 0, in_data->width, in_data->height);
   return extra->callbacks->checkout_layer(in_data->effect_ref, kInputLayer, kInputCheckoutId, &request,
@@ -19,35 +19,35 @@ std::int32_t CheckOutWholeLayer(PF_InData* in_data, const PF_PreRenderExtra* ext
 // True when the delivered rectangle is a buffer in pixels of the current resolution that holds the whole layer where
 // PF_InData says: hosts that answer with the request itself, at full resolution, or with a part of the layer do not
 // tell the buffer's size.
-bool TellsBufferSize(const PF_InData* in_data, const M_LRect& delivered) {
+bool tellsBufferSize(const PF_InData* in_data, const M_LRect& delivered) {
   const bool is_request = delivered.left == 0 && delivered.top == 0 && delivered.right == in_data->width &&
                           delivered.bottom == in_data->height;
-  const ScaledSize layer = ScaledLayerSize(in_data);
-  return !delivered.IsEmpty() && !is_request && delivered.left == WrapSub(0, in_data->source_origin_x) &&
-         delivered.top == WrapSub(0, in_data->source_origin_y) && delivered.right >= layer.width &&
+  const ScaledSize layer = scaledLayerSize(in_data);
+  return !delivered.IsEmpty() && !is_request && delivered.left == wrapSub(0, in_data->source_origin_x) &&
+         delivered.top == wrapSub(0, in_data->source_origin_y) && delivered.right >= layer.width &&
          delivered.bottom >= layer.height;
 }
 
 // The corners' bounding box, widened by a pixel and truncated toward zero.
-M_LRect WidenedBounds(const M_Vector2T<double>* corners) {
-  const M_FloatRect box = CornerBounds(corners);
-  return {Int32FromDouble(box.left - 1.0), Int32FromDouble(box.top - 1.0), Int32FromDouble(box.right + 1.0),
-          Int32FromDouble(box.bottom + 1.0)};
+M_LRect widenedBounds(const M_Vector2T<double>* corners) {
+  const M_FloatRect box = cornerBounds(corners);
+  return {int32FromDouble(box.left - 1.0), int32FromDouble(box.top - 1.0), int32FromDouble(box.right + 1.0),
+          int32FromDouble(box.bottom + 1.0)};
 }
 
 }  // namespace
 
 std::int32_t PreRender(PF_InData* in_data, PF_OutData* out_data, PF_PreRenderExtra* extra) {
   PF_CheckoutResult checkout;
-  std::int32_t err = CheckOutWholeLayer(in_data, extra, &checkout);
+  std::int32_t err = checkOutWholeLayer(in_data, extra, &checkout);
   if (err != ERR_NONE) {
     return err;
   }
   const M_LRect& delivered = M_RemoveUnionableness(checkout.result_rect);
   PF_LayerDef buffer{};
-  buffer.width = WrapSub(delivered.right, delivered.left);
-  buffer.height = WrapSub(delivered.bottom, delivered.top);
-  PF_LayerDef* const input = TellsBufferSize(in_data, delivered) ? &buffer : nullptr;
+  buffer.width = wrapSub(delivered.right, delivered.left);
+  buffer.height = wrapSub(delivered.bottom, delivered.top);
+  PF_LayerDef* const input = tellsBufferSize(in_data, delivered) ? &buffer : nullptr;
 
   M_Vector2T<double> corners[4]{};
   err = UseBilinear(in_data, out_data, input) ? GetCornerParams(in_data, corners, 0, 0)
@@ -55,7 +55,7 @@ std::int32_t PreRender(PF_InData* in_data, PF_OutData* out_data, PF_PreRenderExt
   if (err != ERR_NONE) {
     return err;
   }
-  const M_LRect bounds = WidenedBounds(corners);
+  const M_LRect bounds = widenedBounds(corners);
   PF_PreRenderResult& result = *extra->result;
   if (delivered.left != delivered.right) {
     result.result_rect = delivered;

@@ -8,11 +8,11 @@ namespace {
 
 constexpr double kNearZero = 1e-12;
 
-double ZeroWhenNear(double value) {
+double zeroWhenNear(double value) {
   return std::abs(value) <= kNearZero ? 0.0 : value;
 }
 
-M_Matrix3 MapFromUnitSquare(const M_Vector2T<double>* q) {
+M_Matrix3 mapFromUnitSquare(const M_Vector2T<double>* q) {
   const double sum_x = q[0].x - q[1].x + q[2].x - q[3].x;
   const double sum_y = q[0].y - q[1].y + q[2].y - q[3].y;
   const double dx1 = q[1].x - q[2].x;
@@ -40,7 +40,7 @@ M_Matrix3 MapFromUnitSquare(const M_Vector2T<double>* q) {
 }
 
 // The adjugate of rows (a, d, g), (b, e, h), (c, f, i): the inverse up to a factor, which a projective map ignores.
-M_Matrix3 Adjugate(const M_Matrix3& map) {
+M_Matrix3 adjugate(const M_Matrix3& map) {
   const double a = map.m[0][0];
   const double d = map.m[0][1];
   const double g = map.m[0][2];
@@ -51,22 +51,22 @@ M_Matrix3 Adjugate(const M_Matrix3& map) {
   const double f = map.m[2][1];
   const double i = map.m[2][2];
 
-  M_Matrix3 adjugate(false);
-  adjugate.m[0][0] = e * i - h * f;
-  adjugate.m[0][1] = g * f - d * i;
-  adjugate.m[0][2] = d * h - g * e;
-  adjugate.m[1][0] = h * c - b * i;
-  adjugate.m[1][1] = a * i - g * c;
-  adjugate.m[1][2] = g * b - a * h;
-  adjugate.m[2][0] = b * f - e * c;
-  adjugate.m[2][1] = d * c - a * f;
-  adjugate.m[2][2] = a * e - d * b;
-  return adjugate;
+  M_Matrix3 result(false);
+  result.m[0][0] = e * i - h * f;
+  result.m[0][1] = g * f - d * i;
+  result.m[0][2] = d * h - g * e;
+  result.m[1][0] = h * c - b * i;
+  result.m[1][1] = a * i - g * c;
+  result.m[1][2] = g * b - a * h;
+  result.m[2][0] = b * f - e * c;
+  result.m[2][1] = d * c - a * f;
+  result.m[2][2] = a * e - d * b;
+  return result;
 }
 
 // True when the three points span a triangle. The bound follows the rounding of coordinates of that magnitude, so that
 // the test means the same wherever the points lie.
-bool SpanTriangle(const M_Vector2T<double>& p, const M_Vector2T<double>& q, const M_Vector2T<double>& r) {
+bool spanTriangle(const M_Vector2T<double>& p, const M_Vector2T<double>& q, const M_Vector2T<double>& r) {
   const double dx1 = q.x - p.x;
   const double dy1 = q.y - p.y;
   const double dx2 = r.x - p.x;
@@ -80,12 +80,12 @@ bool SpanTriangle(const M_Vector2T<double>& p, const M_Vector2T<double>& q, cons
 }
 
 // A projective map onto the unit square exists exactly when no three of the four points are collinear.
-bool IsProperQuad(const M_Vector2T<double>* q) {
-  return SpanTriangle(q[0], q[1], q[2]) && SpanTriangle(q[1], q[2], q[3]) && SpanTriangle(q[2], q[3], q[0]) &&
-         SpanTriangle(q[3], q[0], q[1]);
+bool isProperQuad(const M_Vector2T<double>* q) {
+  return spanTriangle(q[0], q[1], q[2]) && spanTriangle(q[1], q[2], q[3]) && spanTriangle(q[2], q[3], q[0]) &&
+         spanTriangle(q[3], q[0], q[1]);
 }
 
-bool AllFinite(const M_Matrix3& map) {
+bool allFinite(const M_Matrix3& map) {
   for (const auto& row : map.m) {
     for (const double entry : row) {
       if (!std::isfinite(entry)) {
@@ -99,19 +99,19 @@ bool AllFinite(const M_Matrix3& map) {
 }  // namespace
 
 unsigned char KZFX_MapUnitSquareToFromQuad(M_Vector2T<double>* quad, M_Matrix3* out, unsigned char to_quad) {
-  const M_Matrix3 map = MapFromUnitSquare(quad);
+  const M_Matrix3 map = mapFromUnitSquare(quad);
   if (to_quad != 0) {
     *out = map;
     return 1;
   }
-  const M_Matrix3 adjugate = Adjugate(map);
-  const double bottom_right = adjugate.m[2][2];
-  if (!IsProperQuad(quad) || !AllFinite(adjugate) || std::abs(bottom_right) <= kNearZero) {
+  const M_Matrix3 to_unit = adjugate(map);
+  const double bottom_right = to_unit.m[2][2];
+  if (!isProperQuad(quad) || !allFinite(to_unit) || std::abs(bottom_right) <= kNearZero) {
     return 0;
   }
   for (int i = 0; i < 3; ++i) {
     for (int j = 0; j < 3; ++j) {
-      out->m[i][j] = ZeroWhenNear(adjugate.m[i][j] / bottom_right);
+      out->m[i][j] = zeroWhenNear(to_unit.m[i][j] / bottom_right);
     }
   }
   return 1;
@@ -140,8 +140,8 @@ std::int32_t HomogeneouslyTransformFloatPoints(const M_Matrix3* m, int count, M_
     if (std::abs(v.z) <= kNearZero) {
       return 1;
     }
-    points[k].x = ZeroWhenNear(v.x / v.z);
-    points[k].y = ZeroWhenNear(v.y / v.z);
+    points[k].x = zeroWhenNear(v.x / v.z);
+    points[k].y = zeroWhenNear(v.y / v.z);
   }
   return 0;
 }

@@ -10,26 +10,26 @@ namespace {
 constexpr int kDecreasing = 3;
 constexpr int kIncreasing = 1;
 
-int StepIndex(int index, int direction) {
+int stepIndex(int index, int direction) {
   return (index + direction) % 4;
 }
 
-EdgeChain ChainFrom(int corner, int direction) {
-  return {corner, StepIndex(corner, direction), direction, 0, 0};
+EdgeChain chainFrom(int corner, int direction) {
+  return {corner, stepIndex(corner, direction), direction, 0, 0};
 }
 
-void StepChain(EdgeChain* chain) {
+void stepChain(EdgeChain* chain) {
   chain->current = chain->next;
-  chain->next = StepIndex(chain->next, chain->direction);
+  chain->next = stepIndex(chain->next, chain->direction);
 }
 
 // Whether the chain's edge ends at or above y and the chains have not met yet.
-bool EdgeIsPassed(const QuadWalk& walk, const EdgeChain& chain) {
+bool edgeIsPassed(const QuadWalk& walk, const EdgeChain& chain) {
   return walk.a.next != walk.b.next && walk.y >= walk.corners[chain.next].y;
 }
 
 // Puts the chain at the start of its edge. Only these first slopes use double precision.
-void StartEdge(const M_FixedPoint* corners, EdgeChain* chain) {
+void startEdge(const M_FixedPoint* corners, EdgeChain* chain) {
   const M_FixedPoint& from = corners[chain->current];
   const M_FixedPoint& to = corners[chain->next];
   chain->x = from.x;
@@ -37,19 +37,19 @@ void StartEdge(const M_FixedPoint* corners, EdgeChain* chain) {
   if (to.y != from.y) {
     const double run = static_cast<double>(to.x) - static_cast<double>(from.x);
     const double rise = static_cast<double>(to.y) - static_cast<double>(from.y);
-    chain->slope = Int32FromDouble(run / rise * 65536.0);
+    chain->slope = int32FromDouble(run / rise * 65536.0);
   }
 }
 
 // Steps the chain past the edges that end at or above the row's top.
-void AdvanceChain(QuadWalk* walk, EdgeChain* chain) {
-  while (EdgeIsPassed(*walk, *chain)) {
-    StepChain(chain);
+void advanceChain(QuadWalk* walk, EdgeChain* chain) {
+  while (edgeIsPassed(*walk, *chain)) {
+    stepChain(chain);
     const M_FixedPoint& from = walk->corners[chain->current];
     const M_FixedPoint& to = walk->corners[chain->next];
-    chain->slope = to.y == from.y ? 0 : FixedDiv(WrapSub(to.x, from.x), WrapSub(to.y, from.y));
-    const std::int32_t below = WrapSub(static_cast<std::int32_t>(walk->y), from.y);
-    chain->x = WrapAdd(from.x, KZ_FixMulDiv(chain->slope, below, kFixedOne));
+    chain->slope = to.y == from.y ? 0 : FixedDiv(wrapSub(to.x, from.x), wrapSub(to.y, from.y));
+    const std::int32_t below = wrapSub(static_cast<std::int32_t>(walk->y), from.y);
+    chain->x = wrapAdd(from.x, KZ_FixMulDiv(chain->slope, below, kFixedOne));
   }
 }
 
@@ -59,22 +59,22 @@ struct SourcePosition {
 };
 
 // The source position where the chain crosses y; false on a flat edge.
-bool SourceAlongEdge(const QuadWalk& walk, const EdgeChain& chain, const M_FixedPoint* source, SourcePosition* at) {
-  const std::int32_t below = WrapSub(static_cast<std::int32_t>(walk.y), walk.corners[chain.current].y);
-  const std::int32_t length = WrapSub(walk.corners[chain.next].y, walk.corners[chain.current].y);
+bool sourceAlongEdge(const QuadWalk& walk, const EdgeChain& chain, const M_FixedPoint* source, SourcePosition* at) {
+  const std::int32_t below = wrapSub(static_cast<std::int32_t>(walk.y), walk.corners[chain.current].y);
+  const std::int32_t length = wrapSub(walk.corners[chain.next].y, walk.corners[chain.current].y);
   if (length == 0) {
     return false;
   }
   const M_FixedPoint& from = source[chain.current];
   const M_FixedPoint& to = source[chain.next];
-  at->u = WrapAdd(from.x, KZ_FixMulDiv(WrapSub(to.x, from.x), below, length));
-  at->v = WrapAdd(from.y, KZ_FixMulDiv(WrapSub(to.y, from.y), below, length));
+  at->u = wrapAdd(from.x, KZ_FixMulDiv(wrapSub(to.x, from.x), below, length));
+  at->v = wrapAdd(from.y, KZ_FixMulDiv(wrapSub(to.y, from.y), below, length));
   return true;
 }
 
 }  // namespace
 
-bool BeginWalk(const M_FixedPoint* corners, QuadWalk* walk) {
+bool beginWalk(const M_FixedPoint* corners, QuadWalk* walk) {
   int top = 0;
   std::int32_t y_min = corners[0].y;
   std::int32_t y_max = corners[0].y;
@@ -88,40 +88,40 @@ bool BeginWalk(const M_FixedPoint* corners, QuadWalk* walk) {
   if (y_min >= y_max) {
     return false;
   }
-  *walk = {corners, ChainFrom(top, kDecreasing), ChainFrom(top, kIncreasing), y_min, y_max, 0, false};
+  *walk = {corners, chainFrom(top, kDecreasing), chainFrom(top, kIncreasing), y_min, y_max, 0, false};
   for (EdgeChain* chain : {&walk->a, &walk->b}) {
-    while (EdgeIsPassed(*walk, *chain)) {
-      StepChain(chain);
+    while (edgeIsPassed(*walk, *chain)) {
+      stepChain(chain);
     }
   }
-  StartEdge(corners, &walk->a);
-  StartEdge(corners, &walk->b);
+  startEdge(corners, &walk->a);
+  startEdge(corners, &walk->b);
   return true;
 }
 
-bool HasRow(const QuadWalk& walk) {
+bool hasRow(const QuadWalk& walk) {
   return walk.y < walk.y_max;
 }
 
-void EnterRow(QuadWalk* walk) {
-  const std::int32_t fraction = FixedFraction(static_cast<std::int32_t>(walk->y));
+void enterRow(QuadWalk* walk) {
+  const std::int32_t fraction = fixedFraction(static_cast<std::int32_t>(walk->y));
   if (fraction != 0) {
     walk->cover = kFixedOne - fraction;
   }
-  AdvanceChain(walk, &walk->a);
-  AdvanceChain(walk, &walk->b);
+  advanceChain(walk, &walk->a);
+  advanceChain(walk, &walk->b);
 }
 
-void LeaveRow(QuadWalk* walk) {
+void leaveRow(QuadWalk* walk) {
   if (walk->cover != 0) {
-    walk->a.x = WrapAdd(walk->a.x, KZ_FixMulDiv(walk->a.slope, walk->cover, kFixedOne));
-    walk->b.x = WrapAdd(walk->b.x, KZ_FixMulDiv(walk->b.slope, walk->cover, kFixedOne));
+    walk->a.x = wrapAdd(walk->a.x, KZ_FixMulDiv(walk->a.slope, walk->cover, kFixedOne));
+    walk->b.x = wrapAdd(walk->b.x, KZ_FixMulDiv(walk->b.slope, walk->cover, kFixedOne));
     walk->y += walk->last_row ? kFixedOne : walk->cover;
     walk->cover = 0;
   } else {
     walk->y += kFixedOne;
-    walk->a.x = WrapAdd(walk->a.x, walk->a.slope);
-    walk->b.x = WrapAdd(walk->b.x, walk->b.slope);
+    walk->a.x = wrapAdd(walk->a.x, walk->a.slope);
+    walk->b.x = wrapAdd(walk->b.x, walk->b.slope);
   }
   if (walk->y > std::int64_t{walk->y_max} - kFixedOne && !walk->last_row) {
     walk->cover = static_cast<std::int32_t>(walk->y_max - walk->y);
@@ -129,11 +129,11 @@ void LeaveRow(QuadWalk* walk) {
   }
 }
 
-bool RowSpan(const QuadWalk& walk, const M_FixedPoint* source, QuadSpan* span) {
-  const std::int32_t width = WrapSub(walk.b.x, walk.a.x);
+bool rowSpan(const QuadWalk& walk, const M_FixedPoint* source, QuadSpan* span) {
+  const std::int32_t width = wrapSub(walk.b.x, walk.a.x);
   SourcePosition at_a;
   SourcePosition at_b;
-  if (width == 0 || !SourceAlongEdge(walk, walk.a, source, &at_a) || !SourceAlongEdge(walk, walk.b, source, &at_b)) {
+  if (width == 0 || !sourceAlongEdge(walk, walk.a, source, &at_a) || !sourceAlongEdge(walk, walk.b, source, &at_b)) {
     return false;
   }
   const bool a_is_left = walk.b.x > walk.a.x;
@@ -145,7 +145,7 @@ bool RowSpan(const QuadWalk& walk, const M_FixedPoint* source, QuadSpan* span) {
   span->v = left.v;
   span->right_u = right.u;
   span->right_v = right.v;
-  span->du = FixedDiv(WrapSub(at_b.u, at_a.u), width);
-  span->dv = FixedDiv(WrapSub(at_b.v, at_a.v), width);
+  span->du = FixedDiv(wrapSub(at_b.u, at_a.u), width);
+  span->dv = FixedDiv(wrapSub(at_b.v, at_a.v), width);
   return true;
 }

@@ -31,16 +31,16 @@ struct QuadWalk {
 };
 
 // Starts the walk at the top corner. False when all corners lie on one row, so that there is nothing to draw.
-bool BeginWalk(const M_FixedPoint* corners, QuadWalk* walk);
+bool beginWalk(const M_FixedPoint* corners, QuadWalk* walk);
 
 // Whether there is a row at walk.y.
-bool HasRow(const QuadWalk& walk);
+bool hasRow(const QuadWalk& walk);
 
 // Prepares the row at walk.y: its cover, and both chains on the edges that cross it.
-void EnterRow(QuadWalk* walk);
+void enterRow(QuadWalk* walk);
 
 // Moves on to the next row.
-void LeaveRow(QuadWalk* walk);
+void leaveRow(QuadWalk* walk);
 
 // A row's span in the output, and the source positions along it.
 struct QuadSpan {
@@ -56,4 +56,4 @@ struct QuadSpan {
 
 // The span of the entered row, with the source corners drawn at the walk's. False when the row has none: the chains
 // meet or an edge is flat.
-bool RowSpan(const QuadWalk& walk, const M_FixedPoint* source, QuadSpan* span);
+bool rowSpan(const QuadWalk& walk, const M_FixedPoint* source, QuadSpan* span);

@@ -7,7 +7,7 @@
 namespace {
 
 template <typename Family>
-void ScanQuad(const PF_LayerDef& input, const M_FixedPoint* source, const M_FixedPoint* corners,
+void scanQuad(const PF_LayerDef& input, const M_FixedPoint* source, const M_FixedPoint* corners,
               const PF_LayerDef& output) {
   if (input.width <= 0 || input.height <= 0 || output.width <= 0) {
     return;
@@ -15,18 +15,18 @@ void ScanQuad(const PF_LayerDef& input, const M_FixedPoint* source, const M_Fixe
   const InputView view{static_cast<const std::byte*>(input.data), input.row_bytes, input.width, input.height};
   const std::int64_t world_bottom = std::int64_t{output.height} * kFixedOne;
   QuadWalk walk;
-  if (!BeginWalk(corners, &walk)) {
+  if (!beginWalk(corners, &walk)) {
     return;
   }
   QuadSpan before{};
-  for (; HasRow(walk); LeaveRow(&walk)) {
-    EnterRow(&walk);
+  for (; hasRow(walk); leaveRow(&walk)) {
+    enterRow(&walk);
     QuadSpan span;
-    if (walk.y < 0 || walk.y >= world_bottom || !RowSpan(walk, source, &span)) {
+    if (walk.y < 0 || walk.y >= world_bottom || !rowSpan(walk, source, &span)) {
       continue;
     }
     std::byte* const row = static_cast<std::byte*>(output.data) + (walk.y >> 16) * output.row_bytes;
-    DrawSpan<Family>(view, span, RowsAhead(before, span), walk.cover, row, output.width);
+    drawSpan<Family>(view, span, rowsAhead(before, span), walk.cover, row, output.width);
     before = span;
   }
 }
@@ -35,15 +35,15 @@ void ScanQuad(const PF_LayerDef& input, const M_FixedPoint* source, const M_Fixe
 
 void FixedToFixed(PF_InData* /*in_data*/, PF_LayerDef* input, M_FixedPoint* source, M_FixedPoint* corners,
                   PF_LayerDef* output) {
-  ScanQuad<PixelFamily8>(*input, source, corners, *output);
+  scanQuad<PixelFamily8>(*input, source, corners, *output);
 }
 
 void FixedToFixed16(PF_InData* /*in_data*/, PF_LayerDef* input, M_FixedPoint* source, M_FixedPoint* corners,
                     PF_LayerDef* output) {
-  ScanQuad<PixelFamily16>(*input, source, corners, *output);
+  scanQuad<PixelFamily16>(*input, source, corners, *output);
 }
 
 void FixedToFixedFloat(PF_InData* /*in_data*/, PF_LayerDef* input, M_FixedPoint* source, M_FixedPoint* corners,
                        PF_LayerDef* output) {
-  ScanQuad<PixelFamilyFloat>(*input, source, corners, *output);
+  scanQuad<PixelFamilyFloat>(*input, source, corners, *output);
 }

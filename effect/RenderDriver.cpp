@@ -18,12 +18,12 @@ namespace {
 constexpr double kRejectMargin = 5.0;
 
 // One pixel per row: the row samplers draw whole rows.
-M_LRect IterationArea(PF_LayerDef* output) {
+M_LRect iterationArea(PF_LayerDef* output) {
   const M_LRect& extent = M_RemoveUnionableness(output->extent_hint);
   return {0, M_Max(extent.top, 0), 1, M_Min(extent.bottom, output->height)};
 }
 
-void FillSizes(const PF_InData* in_data, PF_LayerDef* input, const PF_LayerDef* output, KZFX_PerspectiveInfo* info) {
+void fillSizes(const PF_InData* in_data, PF_LayerDef* input, const PF_LayerDef* output, KZFX_PerspectiveInfo* info) {
   info->out_width_d = output->width;
   info->out_height_d = output->height;
   info->out_width = output->width;
@@ -34,7 +34,7 @@ void FillSizes(const PF_InData* in_data, PF_LayerDef* input, const PF_LayerDef* 
 
 // Fills the map, the reject box and the scales from the corner points, which it shifts: the row samplers step by a
 // pixel before they evaluate, so that output pixel (x, y) is mapped as the point (x, y) of the unshifted quadrilateral.
-void FillGeometry(const PF_LayerDef* input, M_Vector2T<double>* points, KZFX_PerspectiveInfo* info) {
+void fillGeometry(const PF_LayerDef* input, M_Vector2T<double>* points, KZFX_PerspectiveInfo* info) {
   for (int i = 0; i < 4; ++i) {
     points[i].x += 1.0;
   }
@@ -46,7 +46,7 @@ void FillGeometry(const PF_LayerDef* input, M_Vector2T<double>* points, KZFX_Per
   }
   KZFX_MapUnitSquareToFromQuad(points, &info->quad_to_unit, 0);
 
-  const M_FloatRect box = CornerBounds(points);
+  const M_FloatRect box = cornerBounds(points);
   info->bound_left = box.left - kRejectMargin;
   info->bound_right = box.right + kRejectMargin;
   info->bound_top = box.top - kRejectMargin;
@@ -55,7 +55,7 @@ void FillGeometry(const PF_LayerDef* input, M_Vector2T<double>* points, KZFX_Per
   info->y_scale = input->height / info->out_height_d;
 }
 
-std::int32_t IterateFloatRows(PF_InData* in_data, PF_OutData* out_data, const M_LRect& area, KZFX_PerspectiveInfo* info,
+std::int32_t iterateFloatRows(PF_InData* in_data, PF_OutData* out_data, const M_LRect& area, KZFX_PerspectiveInfo* info,
                               PF_LayerDef* output) {
   const void* suite = nullptr;
   std::int32_t err =
@@ -71,14 +71,14 @@ std::int32_t IterateFloatRows(PF_InData* in_data, PF_OutData* out_data, const M_
   return err;
 }
 
-std::int32_t Iterate16Rows(PF_InData* in_data, const M_LRect& area, KZFX_PerspectiveInfo* info, PF_LayerDef* output) {
+std::int32_t iterate16Rows(PF_InData* in_data, const M_LRect& area, KZFX_PerspectiveInfo* info, PF_LayerDef* output) {
   info->sample_16 = in_data->utility_callbacks->sample_area_16;
   const PF_PixelFunction16 sample_row =
       in_data->quality == PF_QUALITY_HIGH ? KZFX_TracePointHi16 : KZFX_TracePointFPU16;
   return in_data->utility_callbacks->iterate_16(in_data, 0, info->out_height, nullptr, &area, info, sample_row, output);
 }
 
-std::int32_t Iterate8Rows(PF_InData* in_data, const M_LRect& area, KZFX_PerspectiveInfo* info, PF_LayerDef* output) {
+std::int32_t iterate8Rows(PF_InData* in_data, const M_LRect& area, KZFX_PerspectiveInfo* info, PF_LayerDef* output) {
   info->sample_8 = in_data->utility_callbacks->sample_area_8;
   const PF_PixelFunction8 sample_row = in_data->quality == PF_QUALITY_HIGH ? KZFX_TracePointHi : KZFX_TracePointFPU;
   return in_data->utility_callbacks->iterate_8(in_data, 0, info->out_height, nullptr, &area, info, sample_row, output);
@@ -112,16 +112,16 @@ std::int32_t DoRender(PF_InData* in_data, PF_OutData* out_data, PF_LayerDef* inp
   if (UseBilinear(in_data, out_data, input)) {
     return TracePointBilinear(in_data, out_data, input, output);
   }
-  const M_LRect area = IterationArea(output);
+  const M_LRect area = iterationArea(output);
   KZFX_PerspectiveInfo info;
-  FillSizes(in_data, input, output, &info);
+  fillSizes(in_data, input, output, &info);
 
   M_Vector2T<double> points[4]{};
   std::int32_t err = GetCornerPoints(in_data, out_data, input, points);
   if (err != ERR_NONE) {
     return err;
   }
-  FillGeometry(input, points, &info);
+  fillGeometry(input, points, &info);
 
   std::int32_t depth = 0;
   err = KZFX_GetEffectWorldRGBDepth(in_data, out_data, output, &depth);
@@ -130,11 +130,11 @@ std::int32_t DoRender(PF_InData* in_data, PF_OutData* out_data, PF_LayerDef* inp
   }
   switch (depth) {
     case 32:
-      return IterateFloatRows(in_data, out_data, area, &info, output);
+      return iterateFloatRows(in_data, out_data, area, &info, output);
     case 16:
-      return Iterate16Rows(in_data, area, &info, output);
+      return iterate16Rows(in_data, area, &info, output);
     case 8:
-      return Iterate8Rows(in_data, area, &info, output);
+      return iterate8Rows(in_data, area, &info, output);
     default:
       return ERR_NONE;
   }

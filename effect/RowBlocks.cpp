@@ -4,7 +4,7 @@
 
 #include "effect/RowBlocksVariants.h"
 
-const RowBlockFunctions* RowBlockFunctionsFor(InstructionSet set) {
+const RowBlockFunctions* rowBlockFunctionsFor(InstructionSet set) {
   switch (set) {
     case InstructionSet::Plain:
       return &kRowBlocksPlain;
@@ -22,10 +22,10 @@ const RowBlockFunctions* RowBlockFunctionsFor(InstructionSet set) {
   }
 }
 
-const RowBlockFunctions& BestRowBlockFunctions() {
+const RowBlockFunctions& bestRowBlockFunctions() {
   static const RowBlockFunctions& best = []() -> const RowBlockFunctions& {
     for (const InstructionSet set : {InstructionSet::Avx512, InstructionSet::Avx2}) {
-      if (const RowBlockFunctions* const functions = RowBlockFunctionsFor(set)) {
+      if (const RowBlockFunctions* const functions = rowBlockFunctionsFor(set)) {
         return *functions;
       }
     }

@@ -48,7 +48,7 @@ struct RowBlockFunctions {
 enum class InstructionSet { Plain, Avx2, Avx512 };
 
 // The functions of an instruction set, or null where this machine or build does not have it.
-const RowBlockFunctions* RowBlockFunctionsFor(InstructionSet set);
+const RowBlockFunctions* rowBlockFunctionsFor(InstructionSet set);
 
 // The functions of the best instruction set that this machine has.
-const RowBlockFunctions& BestRowBlockFunctions();
+const RowBlockFunctions& bestRowBlockFunctions();

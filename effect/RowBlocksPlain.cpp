@@ -13,12 +13,12 @@ constexpr std::int32_t kSmallestExtent = 65536;
 constexpr std::int32_t kLargestExtent = 16 * 65536;
 
 // 16.16, halves rounded away from zero.
-std::int32_t RoundedFixed(double value) {
-  return Int32FromDouble(value * 65536.0 + (value < 0.0 ? -0.5 : 0.5));
+std::int32_t roundedFixed(double value) {
+  return int32FromDouble(value * 65536.0 + (value < 0.0 ? -0.5 : 0.5));
 }
 
 // For the divisor's walk at a pixel whose divisor is `w`.
-bool HasZeroDivisor(const CoordinateWalk& walk, double w) {
+bool hasZeroDivisor(const CoordinateWalk& walk, double w) {
   return w == 0.0 || w + walk.down + walk.right == 0.0 || w + walk.right == 0.0 || w + walk.down == 0.0;
 }
 
@@ -31,7 +31,7 @@ struct Neighbourhood {
 };
 
 // Walks round the neighbours of the pixel at `centre`, and back.
-Neighbourhood GoRound(double centre, CoordinateWalk* walk) {
+Neighbourhood goRound(double centre, CoordinateWalk* walk) {
   Neighbourhood around;
   around.centre = centre;
   around.right = centre + walk->right;
@@ -41,82 +41,82 @@ Neighbourhood GoRound(double centre, CoordinateWalk* walk) {
   return around;
 }
 
-double Larger(double a, double b) {
+double larger(double a, double b) {
   return a < b ? b : a;
 }
 
 // The largest distance from a pixel to a neighbour, where w holds the divisors.
-double Extent(const Neighbourhood& at, const Neighbourhood& w) {
+double extentOf(const Neighbourhood& at, const Neighbourhood& w) {
   const double centre = at.centre / w.centre;
   const double right = std::abs(at.right / w.right - centre);
   const double lower_right = std::abs(at.lower_right / w.lower_right - centre);
   const double lower = std::abs(at.lower / w.lower - centre);
-  return Larger(Larger(right, lower_right), lower);
+  return larger(larger(right, lower_right), lower);
 }
 
-std::int32_t Radius(double extent) {
-  return std::clamp(RoundedFixed(extent), kSmallestExtent, kLargestExtent) >> 1;
+std::int32_t radius(double extent) {
+  return std::clamp(roundedFixed(extent), kSmallestExtent, kLargestExtent) >> 1;
 }
 
-SampleBoxSize BoxOf(double x_extent, double y_extent) {
-  const std::int32_t x_radius = Radius(x_extent);
-  const std::int32_t y_radius = Radius(y_extent);
+SampleBoxSize boxOf(double x_extent, double y_extent) {
+  const std::int32_t x_radius = radius(x_extent);
+  const std::int32_t y_radius = radius(y_extent);
   const double product = static_cast<double>(x_radius) * static_cast<double>(y_radius);
   return {x_radius, y_radius, static_cast<std::int32_t>(product * (1.0 / 65536.0)) * 4, 0};
 }
 
 // After steps that the runs were not told of.
-void ForgetRuns(RowWalk* walk) {
+void forgetRuns(RowWalk* walk) {
   walk->u.run = 0;
   walk->v.run = 0;
   walk->w.run = 0;
 }
 
-bool PositionsOfBlock(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
+bool positionsOfBlock(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
   bool any_nowhere = false;
   for (int i = 0; i < count; ++i) {
     walk->u.at += walk->u.right;
     walk->v.at += walk->v.right;
     walk->w.at += walk->w.right;
-    any_nowhere = StorePlainPosition(walk->u.at, walk->v.at, walk->w.at, scale, i, out) || any_nowhere;
+    any_nowhere = storePlainPosition(walk->u.at, walk->v.at, walk->w.at, scale, i, out) || any_nowhere;
   }
-  ForgetRuns(walk);
+  forgetRuns(walk);
   return any_nowhere;
 }
 
-bool FootprintsOfBlock(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
-  return PlainFootprints(walk, scale, 0, count, out);
+bool footprintsOfBlock(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
+  return plainFootprints(walk, scale, 0, count, out);
 }
 
 }  // namespace
 
-bool StorePlainPosition(double u, double v, double w, const InputScale& scale, int i, PixelBlock* out) {
+bool storePlainPosition(double u, double v, double w, const InputScale& scale, int i, PixelBlock* out) {
   out->lies_nowhere[i] = w == 0.0;
-  out->x[i] = Int32FromDouble(Int32FromDouble(u / w) * scale.x);
-  out->y[i] = Int32FromDouble(Int32FromDouble(v / w) * scale.y);
+  out->x[i] = int32FromDouble(int32FromDouble(u / w) * scale.x);
+  out->y[i] = int32FromDouble(int32FromDouble(v / w) * scale.y);
   return out->lies_nowhere[i];
 }
 
-bool PlainFootprints(RowWalk* walk, const InputScale& scale, int first, int end, PixelBlock* out) {
+bool plainFootprints(RowWalk* walk, const InputScale& scale, int first, int end, PixelBlock* out) {
   bool any_nowhere = false;
   for (int i = first; i < end; ++i) {
     walk->u.at += walk->u.right;
     walk->v.at += walk->v.right;
     walk->w.at += walk->w.right;
-    out->lies_nowhere[i] = HasZeroDivisor(walk->w, walk->w.at);
+    out->lies_nowhere[i] = hasZeroDivisor(walk->w, walk->w.at);
     if (out->lies_nowhere[i]) {
       any_nowhere = true;
       continue;
     }
-    const Neighbourhood u = GoRound(walk->u.at, &walk->u);
-    const Neighbourhood v = GoRound(walk->v.at, &walk->v);
-    const Neighbourhood w = GoRound(walk->w.at, &walk->w);
-    out->box[i] = BoxOf(Extent(u, w) * scale.x, Extent(v, w) * scale.y);
-    out->x[i] = RoundedFixed(u.centre / w.centre * scale.x);
-    out->y[i] = RoundedFixed(v.centre / w.centre * scale.y);
+    const Neighbourhood u = goRound(walk->u.at, &walk->u);
+    const Neighbourhood v = goRound(walk->v.at, &walk->v);
+    const Neighbourhood w = goRound(walk->w.at, &walk->w);
+    out->box[i] = boxOf(extentOf(u, w) * scale.x, extentOf(v, w) * scale.y);
+    out->x[i] = roundedFixed(u.centre / w.centre * scale.x);
+    out->y[i] = roundedFixed(v.centre / w.centre * scale.y);
   }
-  ForgetRuns(walk);
+  forgetRuns(walk);
   return any_nowhere;
 }
 
-const RowBlockFunctions kRowBlocksPlain{PositionsOfBlock, FootprintsOfBlock};
+const RowBlockFunctions kRowBlocksPlain{positionsOfBlock, footprintsOfBlock};

@@ -9,5 +9,5 @@ extern const RowBlockFunctions kRowBlocksAvx512;
 
 // The plain computations of a block's pixel i at (u, v, w) and of its pixels [first, end). They write `lies_nowhere`
 // and return whether it is true of any.
-bool StorePlainPosition(double u, double v, double w, const InputScale& scale, int i, PixelBlock* out);
-bool PlainFootprints(RowWalk* walk, const InputScale& scale, int first, int end, PixelBlock* out);
+bool storePlainPosition(double u, double v, double w, const InputScale& scale, int i, PixelBlock* out);
+bool plainFootprints(RowWalk* walk, const InputScale& scale, int first, int end, PixelBlock* out);

@@ -19,7 +19,7 @@ struct ColumnRange {
   std::int64_t end;
 };
 
-inline ColumnRange AcceptedColumns(const KZFX_PerspectiveInfo& info, std::int64_t first, std::int64_t end) {
+inline ColumnRange acceptedColumns(const KZFX_PerspectiveInfo& info, std::int64_t first, std::int64_t end) {
   ColumnRange range{first, end};
   if (info.bound_left > static_cast<double>(first)) {
     range.first =
@@ -36,29 +36,29 @@ inline ColumnRange AcceptedColumns(const KZFX_PerspectiveInfo& info, std::int64_
 }
 
 // True when the row lies above or below the reject box.
-inline bool RowIsRejected(const KZFX_PerspectiveInfo& info, std::int32_t y) {
+inline bool rowIsRejected(const KZFX_PerspectiveInfo& info, std::int32_t y) {
   return y > info.bound_bottom || y < info.bound_top;
 }
 
 // Makes `count` pixels of a row of the output transparent.
 template <typename Pixel>
-void ClearPixels(const KZFX_PerspectiveInfo& info, Pixel* out, std::int64_t count) {
+void clearPixels(const KZFX_PerspectiveInfo& info, Pixel* out, std::int64_t count) {
   const std::uint64_t pixels = static_cast<std::uint64_t>(info.out_width) * static_cast<std::uint32_t>(info.out_height);
-  ClearBytes(out, static_cast<std::size_t>(count) * sizeof(Pixel), ClearingWayFor(pixels * sizeof(Pixel)));
+  clearBytes(out, static_cast<std::size_t>(count) * sizeof(Pixel), clearingWayFor(pixels * sizeof(Pixel)));
 }
 
 // Samples a block's pixels in order into `out`. The host's error codes are not looked at: a pixel that the host does
 // not write repeats the one before it, which `working` holds.
 template <typename Quality, bool kSomeLieNowhere, typename Pixel>
-void SampleBlock(const KZFX_PerspectiveInfo& info, const PixelBlock& block, int count, PF_SampleParams* params,
+void sampleBlock(const KZFX_PerspectiveInfo& info, const PixelBlock& block, int count, PF_SampleParams* params,
                  Pixel* working, Pixel* out) {
-  const PF_AreaSampler<Pixel> sample = AreaSamplerOf<Pixel>(info);
+  const PF_AreaSampler<Pixel> sample = areaSamplerOf<Pixel>(info);
   void* const effect_ref = info.effect_ref;
   for (int i = 0; i < count; ++i) {
     if (kSomeLieNowhere && block.lies_nowhere[i]) {
       *working = Pixel{};
     } else {
-      Quality::SetBox(block.box[i], params);
+      Quality::setBox(block.box[i], params);
       sample(effect_ref, block.x[i], block.y[i], params, working);
     }
     out[i] = *working;
@@ -72,33 +72,33 @@ struct FilledBlock {
   bool any_nowhere = false;
 
   template <typename Quality>
-  void Fill(const RowBlockFunctions& functions, const InputScale& scale, std::int64_t remaining, RowWalk* walk) {
+  void fill(const RowBlockFunctions& functions, const InputScale& scale, std::int64_t remaining, RowWalk* walk) {
     count = static_cast<int>(std::min<std::int64_t>(remaining, kRowBlock));
-    any_nowhere = count > 0 && Quality::ComputeBlock(functions, walk, scale, count, &pixels);
+    any_nowhere = count > 0 && Quality::computeBlock(functions, walk, scale, count, &pixels);
   }
 };
 
 // Draws the accepted columns of row y, from column x of the walk on. The next block is computed before a block is
 // sampled: the first samples of a block would else wait for its computation to end.
 template <typename Quality, typename Pixel>
-void TraceColumns(const KZFX_PerspectiveInfo& info, const ColumnRange& columns, std::int32_t x, std::int32_t y,
+void traceColumns(const KZFX_PerspectiveInfo& info, const ColumnRange& columns, std::int32_t x, std::int32_t y,
                   Pixel* out, const RowBlockFunctions& functions) {
   InputScale scale;
-  RowWalk walk = Quality::WalkFrom(info, x, y, &scale);
-  WalkAlong(&walk, static_cast<int>(columns.first - x));
-  PF_SampleParams params = Quality::FirstParams(info);
+  RowWalk walk = Quality::walkFrom(info, x, y, &scale);
+  walkAlong(&walk, static_cast<int>(columns.first - x));
+  PF_SampleParams params = Quality::firstParams(info);
   Pixel working{};
   FilledBlock blocks[2];
   std::int64_t remaining = columns.end - columns.first;
-  blocks[0].Fill<Quality>(functions, scale, remaining, &walk);
+  blocks[0].fill<Quality>(functions, scale, remaining, &walk);
   for (int current = 0; blocks[current].count > 0; current = 1 - current, out += kRowBlock) {
     const FilledBlock& block = blocks[current];
     remaining -= block.count;
-    blocks[1 - current].Fill<Quality>(functions, scale, remaining, &walk);
+    blocks[1 - current].fill<Quality>(functions, scale, remaining, &walk);
     if (block.any_nowhere) {
-      SampleBlock<Quality, true>(info, block.pixels, block.count, &params, &working, out);
+      sampleBlock<Quality, true>(info, block.pixels, block.count, &params, &working, out);
     } else {
-      SampleBlock<Quality, false>(info, block.pixels, block.count, &params, &working, out);
+      sampleBlock<Quality, false>(info, block.pixels, block.count, &params, &working, out);
     }
   }
 }
@@ -107,17 +107,17 @@ void TraceColumns(const KZFX_PerspectiveInfo& info, const ColumnRange& columns, 
 //
 // The walk steps before it evaluates; the driver's corner points are shifted by a pixel to make up for it.
 template <typename Quality, typename Pixel>
-void TraceRow(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y, Pixel* out,
+void traceRow(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y, Pixel* out,
               const RowBlockFunctions& functions) {
   if (info.out_width <= 0) {
     return;
   }
   const std::int64_t row_end = std::int64_t{x} + info.out_width;
   const ColumnRange columns =
-      RowIsRejected(info, y) ? ColumnRange{row_end, row_end} : AcceptedColumns(info, x, row_end);
-  ClearPixels(info, out, columns.first - x);
-  ClearPixels(info, out + (columns.end - x), row_end - columns.end);
+      rowIsRejected(info, y) ? ColumnRange{row_end, row_end} : acceptedColumns(info, x, row_end);
+  clearPixels(info, out, columns.first - x);
+  clearPixels(info, out + (columns.end - x), row_end - columns.end);
   if (columns.first < columns.end) {
-    TraceColumns<Quality>(info, columns, x, y, out + (columns.first - x), functions);
+    traceColumns<Quality>(info, columns, x, y, out + (columns.first - x), functions);
   }
 }

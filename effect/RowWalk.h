@@ -27,17 +27,17 @@ struct RowWalk {
 };
 
 // The number of pixels that are known to be a run for all coordinates; looks ahead where nothing is known.
-int KnownRun(RowWalk* walk);
+int knownRun(RowWalk* walk);
 
 // Moves the walk on within such a run.
-inline void PassRun(CoordinateWalk* walk, int pixels) {
+inline void passRun(CoordinateWalk* walk, int pixels) {
   walk->at += pixels * walk->step;
   walk->run -= pixels;
 }
 
 // Moves the walk on by so many pixels, to the bit as if step by step, from pixel to pixel or round the neighbours.
-void WalkAlong(RowWalk* walk, int pixels);
-void WalkRound(RowWalk* walk, int pixels);
+void walkAlong(RowWalk* walk, int pixels);
+void walkRound(RowWalk* walk, int pixels);
 
-// As WalkAlong() for one coordinate, storing its value at each pixel.
-void StoreAlong(CoordinateWalk* walk, int pixels, double* values);
+// As walkAlong() for one coordinate, storing its value at each pixel.
+void storeAlong(CoordinateWalk* walk, int pixels, double* values);

@@ -16,16 +16,16 @@ struct AxisUnits {
 
 // Normally the output's size. Positions across a world larger than 16.16 holds would run over, so that such an axis is
 // walked in input pixels at once.
-AxisUnits UnitsAlong(double out_length, double scale) {
+AxisUnits unitsAlong(double out_length, double scale) {
   return out_length > 32767.0 ? AxisUnits{out_length * scale, 1.0} : AxisUnits{out_length, scale};
 }
 
 // The coordinates u and v in 16.16 units of the output's size, and one box for all pixels.
 struct StandardQuality {
-  static RowWalk WalkFrom(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y, InputScale* scale) {
+  static RowWalk walkFrom(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y, InputScale* scale) {
     const auto& m = info.quad_to_unit.m;
-    const AxisUnits across = UnitsAlong(info.out_width_d, info.x_scale);
-    const AxisUnits down = UnitsAlong(info.out_height_d, info.y_scale);
+    const AxisUnits across = unitsAlong(info.out_width_d, info.x_scale);
+    const AxisUnits down = unitsAlong(info.out_height_d, info.y_scale);
     *scale = {across.to_input, down.to_input};
     return {
         {(65536.0 * across.length) * (m[0][0] * x + m[1][0] * y + m[2][0]), 65536.0 * (m[0][0] * across.length), 0.0},
@@ -33,41 +33,41 @@ struct StandardQuality {
         {m[0][2] * x + m[1][2] * y + m[2][2], m[0][2], 0.0}};
   }
 
-  static PF_SampleParams FirstParams(const KZFX_PerspectiveInfo& info) {
+  static PF_SampleParams firstParams(const KZFX_PerspectiveInfo& info) {
     return {kHalfPixel, kHalfPixel, kOneSquarePixel, info.input_world, {}};
   }
 
-  static bool ComputeBlock(const RowBlockFunctions& functions, RowWalk* walk, const InputScale& scale, int count,
+  static bool computeBlock(const RowBlockFunctions& functions, RowWalk* walk, const InputScale& scale, int count,
                            PixelBlock* block) {
     return functions.positions(walk, scale, count, block);
   }
 
-  static void SetBox(const SampleBoxSize& /*box*/, PF_SampleParams* /*params*/) {}
+  static void setBox(const SampleBoxSize& /*box*/, PF_SampleParams* /*params*/) {}
 };
 
 }  // namespace
 
 template <typename Pixel>
-void TraceStandardRow(const void* info, std::int32_t x, std::int32_t y, Pixel* out,
+void traceStandardRow(const void* info, std::int32_t x, std::int32_t y, Pixel* out,
                       const RowBlockFunctions& functions) {
-  TraceRow<StandardQuality>(*static_cast<const KZFX_PerspectiveInfo*>(info), x, y, out, functions);
+  traceRow<StandardQuality>(*static_cast<const KZFX_PerspectiveInfo*>(info), x, y, out, functions);
 }
-template void TraceStandardRow(const void*, std::int32_t, std::int32_t, PF_Pixel8*, const RowBlockFunctions&);
-template void TraceStandardRow(const void*, std::int32_t, std::int32_t, PF_Pixel16*, const RowBlockFunctions&);
-template void TraceStandardRow(const void*, std::int32_t, std::int32_t, PF_PixelFloat*, const RowBlockFunctions&);
+template void traceStandardRow(const void*, std::int32_t, std::int32_t, PF_Pixel8*, const RowBlockFunctions&);
+template void traceStandardRow(const void*, std::int32_t, std::int32_t, PF_Pixel16*, const RowBlockFunctions&);
+template void traceStandardRow(const void*, std::int32_t, std::int32_t, PF_PixelFloat*, const RowBlockFunctions&);
 
 std::int32_t KZFX_TracePointFPU(void* info, std::int32_t x, std::int32_t y, PF_Pixel8* /*in*/, PF_Pixel8* out) {
-  TraceStandardRow(info, x, y, out, BestRowBlockFunctions());
+  traceStandardRow(info, x, y, out, bestRowBlockFunctions());
   return ERR_NONE;
 }
 
 std::int32_t KZFX_TracePointFPU16(void* info, std::int32_t x, std::int32_t y, PF_Pixel16* /*in*/, PF_Pixel16* out) {
-  TraceStandardRow(info, x, y, out, BestRowBlockFunctions());
+  traceStandardRow(info, x, y, out, bestRowBlockFunctions());
   return ERR_NONE;
 }
 
 std::int32_t KZFX_TracePointFPUFloat(void* info, std::int32_t x, std::int32_t y, PF_PixelFloat* /*in*/,
                                      PF_PixelFloat* out) {
-  TraceStandardRow(info, x, y, out, BestRowBlockFunctions());
+  traceStandardRow(info, x, y, out, bestRowBlockFunctions());
   return ERR_NONE;
 }

@@ -17,4 +17,4 @@ std::int32_t KZFX_TracePointFPUFloat(void* info, std::int32_t x, std::int32_t y,
 
 // The same with the block computations of a chosen instruction set; the results are the same in all.
 template <typename Pixel>
-void TraceStandardRow(const void* info, std::int32_t x, std::int32_t y, Pixel* out, const RowBlockFunctions& functions);
+void traceStandardRow(const void* info, std::int32_t x, std::int32_t y, Pixel* out, const RowBlockFunctions& functions);

@@ -27,5 +27,5 @@ FX_StringReference FX_G_zref = {&FX_G_zhdr, 0};
 static_assert(sizeof(FX_StringRow) == 32 && sizeof(FX_StringHeader) == 32 && sizeof(FX_StringReference) == 16);
 
 const char* LookupString(const PF_InData* in_data, std::int32_t row) {
-  return in_data->lookup_string(StringTableReference(in_data), row, 0, nullptr);
+  return in_data->lookup_string(stringTableReference(in_data), row, 0, nullptr);
 }

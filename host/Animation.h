@@ -14,10 +14,10 @@ struct Point {
 
 // The four corners that the effect stretches the layer onto, in full-resolution layer pixels.
 struct Corners {
-  Point upperLeft;
-  Point upperRight;
-  Point lowerLeft;
-  Point lowerRight;
+  Point upper_left;
+  Point upper_right;
+  Point lower_left;
+  Point lower_right;
   bool operator==(const Corners&) const = default;
 };
 
@@ -49,10 +49,10 @@ class AnimatedPoint {
 
 // The effect's four animated parameters.
 struct AnimatedCorners {
-  AnimatedPoint upperLeft;
-  AnimatedPoint upperRight;
-  AnimatedPoint lowerLeft;
-  AnimatedPoint lowerRight;
+  AnimatedPoint upper_left;
+  AnimatedPoint upper_right;
+  AnimatedPoint lower_left;
+  AnimatedPoint lower_right;
 };
 
 }  // namespace vantorel::host

@@ -21,7 +21,7 @@ namespace vantorel::host {
 struct AreaSamplers {
   PF_AreaSampler<PF_Pixel8> sample8;
   PF_AreaSampler<PF_Pixel16> sample16;
-  PF_AreaSampler<PF_PixelFloat> sampleFloat;
+  PF_AreaSampler<PF_PixelFloat> sample_float;
 };
 
 // The samplers that modules get: those of the best instruction set that the machine has.

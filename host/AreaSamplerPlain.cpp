@@ -144,7 +144,7 @@ std::int32_t sample16(void* /*effect_ref*/, std::int32_t x, std::int32_t y, cons
 
 std::int32_t sampleFloat(void* /*effect_ref*/, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
                          PF_PixelFloat* out) {
-  return sample<PF_PixelFloat, float>(referenceAreaSamplers().sampleFloat, x, y, params, out);
+  return sample<PF_PixelFloat, float>(referenceAreaSamplers().sample_float, x, y, params, out);
 }
 
 }  // namespace

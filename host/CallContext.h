@@ -29,7 +29,7 @@ struct CallContext {
   std::vector<ParameterInfo>* declared = nullptr;  // where declared parameters go; null except in parameter setup
   PF_OutData* out = nullptr;
   CallLedger* ledger = nullptr;  // null unless misuse is looked for
-  std::string shortenedText;     // the last text looked up in parameter setup, cut to a parameter's name
+  std::string shortened_text;    // the last text looked up in parameter setup, cut to a parameter's name
   std::optional<Error> failure;  // why a callback failed, where its code cannot tell
 };
 

@@ -56,14 +56,14 @@ void prepareOutput(FrameState& frame, const Rect& rows) {
 }
 
 Result<Rect> askPreRender(const FrameJob& job, const Rect& asked) {
-  job.frame.layerCheckout.reset();
+  job.frame.layer_checkout.reset();
   PF_RenderRequest request{};
   request.rect = M_LRect(asked.left, asked.top, asked.right, asked.bottom);
   PF_PreRenderResult answer{};
   PF_PreRenderExtra extra{&request, &answer, preRenderCallbacks()};
   ModuleCall call(job.module, &job.frame);
-  call.setFrame(job.layerSize, job.options);
-  return call.run(CMD_PRE_RENDER, job.frame.paramPointers.data(), nullptr, &extra).map([&] {
+  call.setFrame(job.layer_size, job.options);
+  return call.run(CMD_PRE_RENDER, job.frame.param_pointers.data(), nullptr, &extra).map([&] {
     const M_LRect& rect = answer.result_rect;
     return Rect{rect.left, rect.top, rect.right, rect.bottom};
   });
@@ -71,13 +71,13 @@ Result<Rect> askPreRender(const FrameJob& job, const Rect& asked) {
 
 Result<void> render(const FrameJob& job, const Rect& canvas) {
   ModuleCall call(job.module, &job.frame);
-  call.setFrame(job.layerSize, job.options);
+  call.setFrame(job.layer_size, job.options);
   call.in.output_origin_x = -canvas.left;
   call.in.output_origin_y = -canvas.top;
   PF_SmartRenderExtra extra{smartRenderCallbacks()};
   const bool smart = job.options.protocol == Protocol::Smart;
-  Result<void> done = smart ? call.run(CMD_SMART_RENDER, job.frame.paramPointers.data(), nullptr, &extra)
-                            : call.run(CMD_RENDER, job.frame.paramPointers.data(), &job.frame.output, nullptr);
+  Result<void> done = smart ? call.run(CMD_SMART_RENDER, job.frame.param_pointers.data(), nullptr, &extra)
+                            : call.run(CMD_RENDER, job.frame.param_pointers.data(), &job.frame.output, nullptr);
   if (done && job.frame.guard != nullptr) {
     CallLedger ledger;
     job.frame.guard->finish(job.frame.iterated, ledger);
@@ -94,8 +94,8 @@ Result<Rect> askFrameSetup(const FrameJob& job, const Rect& hint) {
   PF_LayerDef output{};
   output.extent_hint = M_LRect(hint.left, hint.top, hint.right, hint.bottom);
   ModuleCall call(job.module, &job.frame);
-  call.setFrame(job.layerSize, job.options);
-  return call.run(CMD_FRAME_SETUP, job.frame.paramPointers.data(), &output, nullptr).map([&] {
+  call.setFrame(job.layer_size, job.options);
+  return call.run(CMD_FRAME_SETUP, job.frame.param_pointers.data(), &output, nullptr).map([&] {
     const auto bounded = [](std::int64_t value) {
       return static_cast<int>(std::clamp<std::int64_t>(value, -(1 << 30), 1 << 30));
     };

@@ -12,7 +12,7 @@ namespace vantorel::host {
 struct FrameJob {
   const Module::State& module;
   FrameState& frame;
-  Size layerSize;  // at full resolution
+  Size layer_size;  // at full resolution
   const FrameOptions& options;
 };
 

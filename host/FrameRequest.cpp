@@ -29,11 +29,11 @@ Result<void> checkView(const BasicImageView<Byte>& view, const char* name) {
   }
   const auto channel_bytes = static_cast<std::ptrdiff_t>(bytesPerPixel(view.depth) / 4);
   const std::int64_t pixel_bytes = std::int64_t{view.size.width} * static_cast<std::int64_t>(bytesPerPixel(view.depth));
-  if (view.rowBytes < pixel_bytes || view.rowBytes > std::numeric_limits<std::int32_t>::max()) {
-    return invalidArgument(name, "its row stride of " + std::to_string(view.rowBytes) + " bytes must be from " +
+  if (view.row_bytes < pixel_bytes || view.row_bytes > std::numeric_limits<std::int32_t>::max()) {
+    return invalidArgument(name, "its row stride of " + std::to_string(view.row_bytes) + " bytes must be from " +
                                      std::to_string(pixel_bytes) + " (a row's pixels) to 2147483647");
   }
-  if (view.rowBytes % channel_bytes != 0 ||
+  if (view.row_bytes % channel_bytes != 0 ||
       reinterpret_cast<std::uintptr_t>(view.data) % static_cast<std::uintptr_t>(channel_bytes) != 0) {
     return invalidArgument(
         name, "its data and row stride must be multiples of the channel's " + std::to_string(channel_bytes) + " bytes");
@@ -44,7 +44,7 @@ Result<void> checkView(const BasicImageView<Byte>& view, const char* name) {
 template <typename Byte>
 std::uintptr_t endOf(const BasicImageView<Byte>& view) {
   const auto rows_before = static_cast<std::uintptr_t>(view.size.height - 1);
-  return reinterpret_cast<std::uintptr_t>(view.data) + rows_before * static_cast<std::uintptr_t>(view.rowBytes) +
+  return reinterpret_cast<std::uintptr_t>(view.data) + rows_before * static_cast<std::uintptr_t>(view.row_bytes) +
          static_cast<std::uintptr_t>(view.size.width) * bytesPerPixel(view.depth);
 }
 

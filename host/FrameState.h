@@ -27,7 +27,7 @@ struct FrameState {
   PF_LayerDef input{};
   PF_LayerDef output{};
   WorldStore worlds;
-  std::optional<std::int32_t> layerCheckout;  // the id under which pre-render checked the layer out
+  std::optional<std::int32_t> layer_checkout;  // the id under which pre-render checked the layer out
 
   // The rows.
   RowScheduler rows;
@@ -36,9 +36,9 @@ struct FrameState {
 
   // The parameters as they go with every command: the layer, then the points.
   std::array<PF_ParamDef, kPointParameters + 1> params{};
-  std::array<PF_ParamDef*, kPointParameters + 1> paramPointers{};
+  std::array<PF_ParamDef*, kPointParameters + 1> param_pointers{};
 
-  double renderSeconds = 0.0;  // inside the module's commands
+  double render_seconds = 0.0;  // inside the module's commands
 };
 
 }  // namespace vantorel::host

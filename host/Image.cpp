@@ -43,7 +43,7 @@ Result<Image> Image::create(Size size, Depth depth) {
 
 void Image::clear() {
   if (!empty()) {
-    std::memset(view_.data, 0, static_cast<std::size_t>(view_.rowBytes) * static_cast<std::size_t>(view_.size.height));
+    std::memset(view_.data, 0, static_cast<std::size_t>(view_.row_bytes) * static_cast<std::size_t>(view_.size.height));
   }
 }
 

@@ -37,16 +37,16 @@ struct Rect {
   bool operator==(const Rect&) const = default;
 };
 
-// A view of `size.height` rows of `size.width` pixels. `rowBytes` may exceed a row's pixels; it must be a multiple of
+// A view of `size.height` rows of `size.width` pixels. `row_bytes` may exceed a row's pixels; it must be a multiple of
 // the channel size, and `data` aligned to it.
 template <typename Byte>
 struct BasicImageView {
   Byte* data = nullptr;
-  std::ptrdiff_t rowBytes = 0;
+  std::ptrdiff_t row_bytes = 0;
   Size size;
   Depth depth = Depth::Bits8;
 
-  Byte* row(int y) const { return data + rowBytes * y; }
+  Byte* row(int y) const { return data + row_bytes * y; }
   Byte* pixel(int x, int y) const { return row(y) + static_cast<std::ptrdiff_t>(bytesPerPixel(depth)) * x; }
 };
 
@@ -54,7 +54,7 @@ using ImageView = BasicImageView<std::byte>;
 using ConstImageView = BasicImageView<const std::byte>;
 
 inline ConstImageView asConst(const ImageView& view) {
-  return {view.data, view.rowBytes, view.size, view.depth};
+  return {view.data, view.row_bytes, view.size, view.depth};
 }
 
 // Pixels that the host owns, rows aligned to kRowAlignment bytes.

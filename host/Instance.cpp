@@ -22,8 +22,8 @@ struct Instance::State {
   std::shared_ptr<const Module> module;
   AnimatedCorners corners;
   FrameState frame;
-  Image scaledLayer;    // the layer at the last frame's resolution
-  Image anotherCorner;  // a larger canvas, for the rare frame that its own gives no map for
+  Image scaled_layer;    // the layer at the last frame's resolution
+  Image another_corner;  // a larger canvas, for the rare frame that its own gives no map for
 };
 
 namespace {
@@ -78,7 +78,7 @@ void copyPixels(const ImageView& from, const ImageView& to) {
 
 // The module reads the layer and is trusted not to write it; the interface has no constant worlds.
 ImageView readOnly(const ConstImageView& view) {
-  return {const_cast<std::byte*>(view.data), view.rowBytes, view.size, view.depth};
+  return {const_cast<std::byte*>(view.data), view.row_bytes, view.size, view.depth};
 }
 
 // The layer at the frame's resolution: itself, or scaled into `scaled`.
@@ -103,7 +103,7 @@ void beginFrame(FrameState& frame, const AnimatedCorners& corners, const FrameOp
   frame.corners = &corners;
   frame.downsample = options.downsample;
   frame.iterated = false;
-  frame.renderSeconds = 0.0;
+  frame.render_seconds = 0.0;
   frame.rows.begin(checking ? 1 : options.threads, options.progress, options.stop);
 }
 
@@ -140,26 +140,26 @@ Instance::Instance(Instance&&) noexcept = default;
 Instance& Instance::operator=(Instance&&) noexcept = default;
 
 Result<void> Instance::setCorners(const AnimatedCorners& corners) {
-  return checkCorner(corners.upperLeft, "upper left corner")
-      .and_then([&] { return checkCorner(corners.upperRight, "upper right corner"); })
-      .and_then([&] { return checkCorner(corners.lowerLeft, "lower left corner"); })
-      .and_then([&] { return checkCorner(corners.lowerRight, "lower right corner"); })
+  return checkCorner(corners.upper_left, "upper left corner")
+      .and_then([&] { return checkCorner(corners.upper_right, "upper right corner"); })
+      .and_then([&] { return checkCorner(corners.lower_left, "lower left corner"); })
+      .and_then([&] { return checkCorner(corners.lower_right, "lower right corner"); })
       .map([&] { state_->corners = corners; });
 }
 
 Result<void> Instance::setCorners(const Corners& corners) {
-  return setCorners(AnimatedCorners{AnimatedPoint(corners.upperLeft), AnimatedPoint(corners.upperRight),
-                                    AnimatedPoint(corners.lowerLeft), AnimatedPoint(corners.lowerRight)});
+  return setCorners(AnimatedCorners{AnimatedPoint(corners.upper_left), AnimatedPoint(corners.upper_right),
+                                    AnimatedPoint(corners.lower_left), AnimatedPoint(corners.lower_right)});
 }
 
-Corners Instance::defaultCorners(Size layerSize) const {
+Corners Instance::defaultCorners(Size layer_size) const {
   const auto point = [&](std::size_t index) -> Point {
     const std::vector<ParameterInfo>& parameters = state_->module->info().parameters;
     if (index >= parameters.size()) {
       return {};
     }
-    const Point& percent = parameters[index].defaultPercent;
-    return {percent.x * layerSize.width / 100.0, percent.y * layerSize.height / 100.0};
+    const Point& percent = parameters[index].default_percent;
+    return {percent.x * layer_size.width / 100.0, percent.y * layer_size.height / 100.0};
   };
   return {point(0), point(1), point(2), point(3)};
 }
@@ -173,7 +173,7 @@ Result<FrameResult> Instance::render(const ConstImageView& layer, const Rect& ca
   FrameState& frame = state_->frame;
   const FrameEnd end(frame);
   beginFrame(frame, state_->corners, options, state_->module->checking());
-  Result<ImageView> input = layerAtResolution(layer, options.downsample, &state_->scaledLayer);
+  Result<ImageView> input = layerAtResolution(layer, options.downsample, &state_->scaled_layer);
   if (!input) {
     return tl::unexpected(std::move(input).error());
   }
@@ -197,7 +197,7 @@ Result<FrameResult> Instance::render(const ConstImageView& layer, const Rect& ca
   const FrameJob job{state_->module->state(), frame, layer.size, options};
   Result<Rect> drawn = drawFrame(job, scaled_canvas);
   if (drawn && frame.iterated && !guard && isUnexpectedlyBlank(frame, scaled_canvas)) {
-    drawn = drawFromAnotherCorner(job, scaled_canvas, &state_->anotherCorner).map([&] { return *drawn; });
+    drawn = drawFromAnotherCorner(job, scaled_canvas, &state_->another_corner).map([&] { return *drawn; });
   }
   if (drawn) {
     frame.rows.report(1.0);
@@ -217,15 +217,15 @@ Result<FrameResult> Instance::render(const ConstImageView& layer, const Rect& ca
   FrameResult result;
   result.path = frame.iterated || drawn->empty() ? RenderPath::Perspective : RenderPath::Bilinear;
   result.drawn = *drawn;
-  result.renderSeconds = frame.renderSeconds;
+  result.render_seconds = frame.render_seconds;
   if (result.path == RenderPath::Bilinear) {
     return checkBilinearReach(frame, scaled_canvas).map([&] { return result; });
   }
   return result;
 }
 
-Result<Rect> Instance::boundingBox(Size layerSize, const FrameOptions& options) {
-  Result<void> valid = checkBoxRequest(*state_->module, layerSize, options);
+Result<Rect> Instance::boundingBox(Size layer_size, const FrameOptions& options) {
+  Result<void> valid = checkBoxRequest(*state_->module, layer_size, options);
   if (!valid) {
     return tl::unexpected(std::move(valid).error());
   }
@@ -235,10 +235,10 @@ Result<Rect> Instance::boundingBox(Size layerSize, const FrameOptions& options) 
   FrameState& frame = state_->frame;
   const FrameEnd end(frame);
   beginFrame(frame, state_->corners, full, state_->module->checking());
-  frame.input.width = layerSize.width;
-  frame.input.height = layerSize.height;
+  frame.input.width = layer_size.width;
+  frame.input.height = layer_size.height;
   fillParameters(&frame, full.time);
-  return askFrameSetup({state_->module->state(), frame, layerSize, full}, {-kFar, -kFar, kFar, kFar});
+  return askFrameSetup({state_->module->state(), frame, layer_size, full}, {-kFar, -kFar, kFar, kFar});
 }
 
 }  // namespace vantorel::host

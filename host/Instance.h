@@ -45,7 +45,7 @@ struct FrameResult {
   // The rows that the effect was asked to draw, whole, in canvas pixels at this resolution: those of its own answer and
   // a few beside them; empty when it wants to draw nothing of this canvas.
   Rect drawn;
-  double renderSeconds = 0;  // inside the module's commands
+  double render_seconds = 0;  // inside the module's commands
 };
 
 // One instance renders one frame at a time; different instances may render at the same time.
@@ -62,7 +62,7 @@ class Instance {
   Result<void> setCorners(const Corners& corners);
 
   // The module's declared defaults, converted from percent of the layer to layer pixels.
-  Corners defaultCorners(Size layerSize) const;
+  Corners defaultCorners(Size layer_size) const;
 
   // Renders the layer into `output`, which is the whole canvas: canvas.width() by canvas.height() pixels of the
   // layer's depth, at 1/downsample resolution rounded up. Every pixel of `output` is written; the quadrilateral's
@@ -81,7 +81,7 @@ class Instance {
 
   // The rectangle, in full-resolution layer pixels, that the effect itself asks for at that time when nothing limits
   // it: the bounding box of the corners, a pixel wider on every side.
-  Result<Rect> boundingBox(Size layerSize, const FrameOptions& options);
+  Result<Rect> boundingBox(Size layer_size, const FrameOptions& options);
 
  private:
   struct State;

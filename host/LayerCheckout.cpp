@@ -22,11 +22,11 @@ std::int32_t checkoutLayer(void* effect_ref, std::int32_t index, std::int32_t ch
   }
   return guarded([&]() -> std::int32_t {
     FrameState& frame = *context->frame;
-    if (frame.layerCheckout) {
+    if (frame.layer_checkout) {
       reportMisuse(context, "the layer was checked out twice in one pre-render");
       return kCodeBadArgument;
     }
-    frame.layerCheckout = checkout_id;
+    frame.layer_checkout = checkout_id;
     out->result_rect = M_LRect(0, 0, frame.input.width, frame.input.height);
     out->max_result_rect = out->result_rect;
     return ERR_NONE;
@@ -39,7 +39,7 @@ std::int32_t checkoutLayerPixels(void* effect_ref, std::int32_t checkout_id, PF_
     return kCodeBadArgument;
   }
   return guarded([&]() -> std::int32_t {
-    if (context->frame->layerCheckout != checkout_id) {
+    if (context->frame->layer_checkout != checkout_id) {
       reportMisuse(context, "layer pixels were asked for under an id that was not checked out in pre-render");
       return kCodeBadArgument;
     }

@@ -28,11 +28,11 @@ Result<void> setUp(Module::State& module) {
   ModuleCall call(module);
   Result<void> done = call.run(CMD_GLOBAL_SETUP, nullptr, nullptr, nullptr);
   // A command that succeeded and misused the host has left something to set down too.
-  module.isSetUp = done || done.error().code == ERR_NONE;
-  module.globalData = module.isSetUp ? call.out.global_data : nullptr;
+  module.is_set_up = done || done.error().code == ERR_NONE;
+  module.global_data = module.is_set_up ? call.out.global_data : nullptr;
   module.info.version = call.out.version;
-  module.info.outFlags = call.out.out_flags;
-  module.info.outFlags2 = call.out.out_flags2;
+  module.info.out_flags = call.out.out_flags;
+  module.info.out_flags2 = call.out.out_flags2;
   return done;
 }
 
@@ -63,7 +63,7 @@ Result<std::shared_ptr<const Module>> Module::load(const std::string& path, Modu
   }
   state->resources.translations = std::move(options.translations);
   state->checking = options.checking;
-  state->onSetdownFailure = std::move(options.onSetdownFailure);
+  state->on_setdown_failure = std::move(options.on_setdown_failure);
   state->info.path = path;
 
   // From here on a failure sets the module down again, where its global setup has left something to set down.
@@ -81,11 +81,11 @@ Module::Module(std::unique_ptr<State> state) : state_(std::move(state)) {}
 
 Module::~Module() {
   const auto report = [this](Error error) {
-    if (state_->onSetdownFailure) {
-      state_->onSetdownFailure(aboutModule(state_->info.path, std::move(error)));
+    if (state_->on_setdown_failure) {
+      state_->on_setdown_failure(aboutModule(state_->info.path, std::move(error)));
     }
   };
-  if (state_->isSetUp) {
+  if (state_->is_set_up) {
     ModuleCall call(*state_);
     if (Result<void> done = call.run(CMD_GLOBAL_SETDOWN, nullptr, nullptr, nullptr); !done) {
       report(std::move(done).error());

@@ -27,7 +27,7 @@ struct ModuleOptions {
   bool checking = false;
   // Told what goes wrong at global set-down, when no caller is left to get an error back: the command failed, or, in
   // checking mode, blocks are still allocated. Called from the thread that lets go of the module; must not throw.
-  std::function<void(const Error&)> onSetdownFailure = nullptr;
+  std::function<void(const Error&)> on_setdown_failure = nullptr;
 };
 
 // One parameter as the module declared it.
@@ -35,7 +35,7 @@ struct ParameterInfo {
   int index = 0;  // 1 and up; 0 is the input layer
   int type = 0;   // PARAM_TYPE_POINT
   std::string name;
-  Point defaultPercent;  // percent of the layer's width and height
+  Point default_percent;  // percent of the layer's width and height
 };
 
 // What a module says of itself.
@@ -43,8 +43,8 @@ struct ModuleInfo {
   std::string path;
   std::string about;  // with line breaks in place of the table's tokens
   std::uint32_t version = 0;
-  std::uint32_t outFlags = 0;
-  std::uint32_t outFlags2 = 0;
+  std::uint32_t out_flags = 0;
+  std::uint32_t out_flags2 = 0;
   std::vector<ParameterInfo> parameters;
 };
 

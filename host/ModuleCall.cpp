@@ -46,7 +46,7 @@ ModuleCall::ModuleCall(const Module::State& module, FrameState* frame) : context
   in.utility_callbacks = utilityCallbacks();
   in.suite_provider = suiteProvider();
   in.effect_ref = &context;
-  in.global_data = module.globalData;
+  in.global_data = module.global_data;
   in.quality = PF_QUALITY_HIGH;
   in.time_step = 1;
   in.time_scale = 1;
@@ -54,7 +54,7 @@ ModuleCall::ModuleCall(const Module::State& module, FrameState* frame) : context
   in.downsample_x_den = 1;
   in.downsample_y_num = 1;
   in.downsample_y_den = 1;
-  out.global_data = module.globalData;
+  out.global_data = module.global_data;
   out.version = module.info.version;
 }
 
@@ -73,7 +73,7 @@ Result<void> ModuleCall::run(PF_Command command, PF_ParamDef** params, PF_LayerD
   const auto begin = std::chrono::steady_clock::now();
   const std::int32_t code = callModule(command, params, output, extra);
   if (context.frame != nullptr) {
-    context.frame->renderSeconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    context.frame->render_seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
   }
   ledger_.close();
   if (!ledger_.misuse().empty()) {

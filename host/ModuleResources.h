@@ -30,7 +30,7 @@ class StringTableStore {
 
 struct ModuleResources {
   Translations translations;
-  StringTableStore stringTables;
+  StringTableStore string_tables;
   HandleStore handles;
 };
 

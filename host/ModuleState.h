@@ -14,10 +14,10 @@ struct Module::State {
   SharedLibrary library;  // first: what the members below point into
   PF_EffectMain entry = nullptr;
   mutable ModuleResources resources;  // guarded by themselves
-  PF_Handle globalData = nullptr;
-  bool isSetUp = false;  // global setup succeeded, so global set-down is owed
+  PF_Handle global_data = nullptr;
+  bool is_set_up = false;  // global setup succeeded, so global set-down is owed
   bool checking = false;
-  std::function<void(const Error&)> onSetdownFailure;
+  std::function<void(const Error&)> on_setdown_failure;
   ModuleInfo info;
 
   explicit State(SharedLibrary loaded) : library(std::move(loaded)) {}

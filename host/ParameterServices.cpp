@@ -16,13 +16,13 @@ constexpr double kFixedOne = 65536.0;
 const AnimatedPoint& pointOf(const AnimatedCorners& corners, std::int32_t index) {
   switch (index) {
     case 1:
-      return corners.upperLeft;
+      return corners.upper_left;
     case 2:
-      return corners.upperRight;
+      return corners.upper_right;
     case 3:
-      return corners.lowerLeft;
+      return corners.lower_left;
     default:
-      return corners.lowerRight;
+      return corners.lower_right;
   }
 }
 
@@ -81,7 +81,7 @@ std::int32_t addParam(void* effect_ref, std::int32_t position, PF_ParamDef* defi
     info.name.assign(definition->name, strnlen(definition->name, sizeof(definition->name)));
     if (definition->param_type == PARAM_TYPE_POINT) {
       const PF_PointValue& point = definition->value.point;
-      info.defaultPercent = {point.point_default_x / kFixedOne, point.point_default_y / kFixedOne};
+      info.default_percent = {point.point_default_x / kFixedOne, point.point_default_y / kFixedOne};
     }
     context->declared->push_back(info);
     return ERR_NONE;
@@ -100,7 +100,7 @@ void fillParameters(FrameState* frame, const FrameTime& time) {
   const double seconds = static_cast<double>(time.time) / time.scale;
   for (std::size_t i = 0; i < frame->params.size(); ++i) {
     fillValue(*frame, static_cast<std::int32_t>(i), seconds, &frame->params[i]);
-    frame->paramPointers[i] = &frame->params[i];
+    frame->param_pointers[i] = &frame->params[i];
   }
 }
 

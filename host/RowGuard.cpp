@@ -20,7 +20,7 @@ bool same(std::span<const std::byte> a, std::span<const std::byte> b) {
 void fillGuards(Image& image) {
   const ImageView view = image.view();
   std::memset(view.data, kGuardByte,
-              static_cast<std::size_t>(view.rowBytes) * static_cast<std::size_t>(view.size.height));
+              static_cast<std::size_t>(view.row_bytes) * static_cast<std::size_t>(view.size.height));
 }
 
 }  // namespace
@@ -43,7 +43,7 @@ Result<RowGuard> RowGuard::create(Size size, Depth depth) {
 void RowGuard::remember() {
   const ImageView from = pixels_.view();
   std::memcpy(remembered_.view().data, from.data,
-              static_cast<std::size_t>(from.rowBytes) * static_cast<std::size_t>(from.size.height));
+              static_cast<std::size_t>(from.row_bytes) * static_cast<std::size_t>(from.size.height));
 }
 
 void RowGuard::rowWritten(int y, CallLedger& ledger) {
@@ -70,7 +70,7 @@ void RowGuard::finish(bool drawn_by_rows, CallLedger& ledger) const {
 
 ImageView RowGuard::worldIn(Image& image) {
   const ImageView view = image.view();
-  return {view.row(kGuardRows), view.rowBytes, size_, view.depth};
+  return {view.row(kGuardRows), view.row_bytes, size_, view.depth};
 }
 
 std::span<std::byte> RowGuard::rowOf(Image& image, int y) const {
@@ -79,7 +79,7 @@ std::span<std::byte> RowGuard::rowOf(Image& image, int y) const {
 
 std::span<const std::byte> RowGuard::whole(const Image& image, int y) const {
   const ConstImageView view = image.view();
-  return {view.row(y + kGuardRows), static_cast<std::size_t>(view.rowBytes)};
+  return {view.row(y + kGuardRows), static_cast<std::size_t>(view.row_bytes)};
 }
 
 }  // namespace vantorel::host

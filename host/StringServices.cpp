@@ -20,14 +20,14 @@ std::int32_t registerStringTable(void** table_ref, std::int32_t format) {
       context->failure = std::move(table).error();
       return kCodeBadArgument;
     }
-    *table_ref = context->resources.stringTables.add(std::move(*table));
+    *table_ref = context->resources.string_tables.add(std::move(*table));
     return ERR_NONE;
   });
 }
 
 const char* lookupString(void* table_ref, std::int32_t row, std::int32_t /*zero*/, void* /*null_pointer*/) {
   CallContext* const context = currentCall();
-  const StringTable* const table = context != nullptr ? context->resources.stringTables.find(table_ref) : nullptr;
+  const StringTable* const table = context != nullptr ? context->resources.string_tables.find(table_ref) : nullptr;
   if (table == nullptr) {
     return "";
   }
@@ -37,15 +37,15 @@ const char* lookupString(void* table_ref, std::int32_t row, std::int32_t /*zero*
   }
   // What is looked up now is copied into a parameter's name.
   const std::int32_t code = guarded([&] {
-    context->shortenedText = cutToBytes(text, PF_PARAM_NAME_CAPACITY - 1);
+    context->shortened_text = cutToBytes(text, PF_PARAM_NAME_CAPACITY - 1);
     return ERR_NONE;
   });
-  return code == ERR_NONE ? context->shortenedText.c_str() : "";
+  return code == ERR_NONE ? context->shortened_text.c_str() : "";
 }
 
 std::int32_t unregisterStringTable(void** table_ref) {
   CallContext* const context = currentCall();
-  if (context == nullptr || table_ref == nullptr || !context->resources.stringTables.remove(*table_ref)) {
+  if (context == nullptr || table_ref == nullptr || !context->resources.string_tables.remove(*table_ref)) {
     return kCodeBadArgument;
   }
   *table_ref = nullptr;

@@ -35,7 +35,7 @@ std::int32_t getPixelFormat(PF_LayerDef* world, std::int32_t* pixel_format) {
 
 const void* findSuite(const char* name, std::int32_t version) {
   static constexpr PF_WorldSuite2 kWorldSuite{newWorld, nullptr, getPixelFormat};
-  static const PF_SamplingFloatSuite1 kSamplingFloatSuite{nullptr, nullptr, areaSamplers().sampleFloat};
+  static const PF_SamplingFloatSuite1 kSamplingFloatSuite{nullptr, nullptr, areaSamplers().sample_float};
   const auto is = [&](const char* suite, std::int32_t suite_version) {
     return version == suite_version && std::strcmp(name, suite) == 0;
   };

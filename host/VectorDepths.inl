@@ -232,7 +232,7 @@ struct DepthFloat {
   static constexpr int kColumnsPerLoad = 1;
   static constexpr bool kOnePixelIsMean = false;  // it may be NaN or -0
 
-  static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().sampleFloat; }
+  static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().sample_float; }
 
   static __m256d widen(const std::byte* pixel) {
     return _mm256_cvtps_pd(_mm_loadu_ps(reinterpret_cast<const float*>(pixel)));

@@ -32,7 +32,7 @@ std::int32_t pixelFormatOfDepth(Depth depth) {
 PF_LayerDef worldOf(const ImageView& view) {
   PF_LayerDef world{};
   world.data = view.data;
-  world.row_bytes = static_cast<std::int32_t>(view.rowBytes);
+  world.row_bytes = static_cast<std::int32_t>(view.row_bytes);
   world.width = view.size.width;
   world.height = view.size.height;
   world.extent_hint = M_LRect(0, 0, view.size.width, view.size.height);

@@ -9,7 +9,7 @@ namespace {
 constexpr double kRadiansPerDegree = 0.017453292519943295;
 
 // m = m * rows.
-void AppendTransform(M_Matrix3* m, const double (&rows)[3][3]) {
+void appendTransform(M_Matrix3* m, const double (&rows)[3][3]) {
   M_Matrix3 transform(false);
   for (int i = 0; i < 3; ++i) {
     for (int j = 0; j < 3; ++j) {
@@ -48,7 +48,7 @@ std::int32_t M_TranslateMatrix(M_Matrix3* m, double tx, double ty) {
   if (m == nullptr) {
     return 0;
   }
-  AppendTransform(m, {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {tx, ty, 1.0}});
+  appendTransform(m, {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {tx, ty, 1.0}});
   return 0;
 }
 
@@ -56,7 +56,7 @@ std::int32_t M_ScaleMatrix(M_Matrix3* m, double sx, double sy, double cx, double
   if (sx == 1.0 && sy == 1.0) {
     return 0;
   }
-  AppendTransform(m, {{sx, 0.0, 0.0}, {0.0, sy, 0.0}, {(1.0 - sx) * cx, (1.0 - sy) * cy, 1.0}});
+  appendTransform(m, {{sx, 0.0, 0.0}, {0.0, sy, 0.0}, {(1.0 - sx) * cx, (1.0 - sy) * cy, 1.0}});
   return 0;
 }
 
@@ -70,7 +70,7 @@ std::int32_t M_RotateMatrix(M_Matrix3* m, double degrees, double cx, double cy) 
   const double radians = degrees * kRadiansPerDegree;
   const double s = std::sin(radians);
   const double c = std::cos(radians);
-  AppendTransform(m, {{c, s, 0.0}, {-s, c, 0.0}, {cx * (1.0 - c) + cy * s, cy * (1.0 - c) - cx * s, 1.0}});
+  appendTransform(m, {{c, s, 0.0}, {-s, c, 0.0}, {cx * (1.0 - c) + cy * s, cy * (1.0 - c) - cx * s, 1.0}});
   return 0;
 }
 

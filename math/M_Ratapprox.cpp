@@ -36,7 +36,7 @@ struct BinaryFraction {
   int scale;
 };
 
-BinaryFraction SplitFloat(float x) {
+BinaryFraction splitFloat(float x) {
   int exponent = 0;
   const float fraction = std::frexp(x, &exponent);
   return {static_cast<std::uint32_t>(std::ldexp(fraction, kMantissaBits)), kMantissaBits - exponent};
@@ -44,7 +44,7 @@ BinaryFraction SplitFloat(float x) {
 
 // 2^power / divisor by long division, for a quotient below 2^32 and a divisor below 2^24: with the remainder below
 // 2^24 too, steps of 8 bits stay within 32.
-Division DividePowerOfTwo(int power, std::uint32_t divisor) {
+Division dividePowerOfTwo(int power, std::uint32_t divisor) {
   int shift = M_Min(power, 31);
   Division result = {(std::uint32_t{1} << shift) / divisor, (std::uint32_t{1} << shift) % divisor};
   for (int left = power - shift; left > 0; left -= shift) {
@@ -55,19 +55,19 @@ Division DividePowerOfTwo(int power, std::uint32_t divisor) {
   return result;
 }
 
-Expansion ExpandLarge(float x) {
+Expansion expandLarge(float x) {
   const float integer = std::floor(x);
   const float fraction_in_units = std::ldexp(x - integer, kMantissaBits - 1);
   return {static_cast<std::uint32_t>(integer), std::uint32_t{1} << (kMantissaBits - 1),
           static_cast<std::uint32_t>(fraction_in_units)};
 }
 
-Expansion ExpandReciprocal(BinaryFraction x) {
-  const Division reciprocal = DividePowerOfTwo(x.scale, x.mantissa);
+Expansion expandReciprocal(BinaryFraction x) {
+  const Division reciprocal = dividePowerOfTwo(x.scale, x.mantissa);
   return {reciprocal.quotient, x.mantissa, reciprocal.remainder};
 }
 
-bool ProductIsAtMost(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uint32_t d) {
+bool productIsAtMost(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uint32_t d) {
   std::uint32_t left_hi = 0;
   std::uint32_t left_lo = 0;
   std::uint32_t right_hi = 0;
@@ -78,13 +78,13 @@ bool ProductIsAtMost(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uin
 }
 
 // The convergent `steps` times `last` after `before_last`.
-Convergent Advance(std::uint32_t steps, Convergent last, Convergent before_last) {
+Convergent advance(std::uint32_t steps, Convergent last, Convergent before_last) {
   return {steps * last.bounded + before_last.bounded, steps * last.other + before_last.other};
 }
 
 // The best approximation of y whose bounded term is at most `limit`, which is above y's integer part. "Best" is
 // measured on x, whose denominators are y's other terms, or, where y is the reciprocal, its bounded ones.
-Convergent BestConvergent(std::uint32_t limit, Expansion y, bool reciprocal) {
+Convergent bestConvergent(std::uint32_t limit, Expansion y, bool reciprocal) {
   Convergent before_last = {0, 1};
   Convergent last = {1, 0};
   Convergent current = {y.integer, 1};
@@ -98,7 +98,7 @@ Convergent BestConvergent(std::uint32_t limit, Expansion y, bool reciprocal) {
 
     const std::uint32_t fitting = (limit - before_last.bounded) / last.bounded;
     if (fitting > partial_quotient) {
-      current = Advance(partial_quotient, last, before_last);
+      current = advance(partial_quotient, last, before_last);
       continue;
     }
     // The limit is reached. The semiconvergent `fitting` steps on is nearer than the last convergent if that is more
@@ -108,42 +108,42 @@ Convergent BestConvergent(std::uint32_t limit, Expansion y, bool reciprocal) {
     const std::uint32_t before_last_denominator = reciprocal ? before_last.bounded : before_last.other;
     const bool keep_last = twice_fitting < partial_quotient ||
                            (twice_fitting == partial_quotient &&
-                            ProductIsAtMost(before_last_denominator, y.divisor, last_denominator, y.remainder));
-    return keep_last ? last : Advance(fitting, last, before_last);
+                            productIsAtMost(before_last_denominator, y.divisor, last_denominator, y.remainder));
+    return keep_last ? last : advance(fitting, last, before_last);
   }
   return current;
 }
 
 // x from 1 on.
-M_Ratio ApproximateLarge(std::int32_t limit, float x) {
+M_Ratio approximateLarge(std::int32_t limit, float x) {
   if (x >= kTwoTo31) {
     return {limit, 1};
   }
   const auto bound = static_cast<std::uint32_t>(limit);
-  const Expansion y = ExpandLarge(x);
+  const Expansion y = expandLarge(x);
   if (y.integer >= bound) {
     return {limit, 1};
   }
-  const Convergent best = BestConvergent(bound, y, false);
+  const Convergent best = bestConvergent(bound, y, false);
   return {static_cast<std::int32_t>(best.bounded), best.other};
 }
 
 // x below 1, positive. Where 1/x is at least the limit, only 0 and 1/limit are left: the nearer one, a tie giving 0.
-M_Ratio ApproximateSmall(std::int32_t limit, float x) {
+M_Ratio approximateSmall(std::int32_t limit, float x) {
   const auto bound = static_cast<std::uint32_t>(limit);
   if (x <= 0.5f / kTwoTo31) {
     return ratZero;
   }
-  const BinaryFraction split = SplitFloat(x);
+  const BinaryFraction split = splitFloat(x);
   if (x <= 1.0f / kTwoTo31) {
-    const std::uint32_t half_reciprocal = DividePowerOfTwo(split.scale - 1, split.mantissa).quotient;
+    const std::uint32_t half_reciprocal = dividePowerOfTwo(split.scale - 1, split.mantissa).quotient;
     return bound > half_reciprocal ? M_Ratio{1, bound} : ratZero;
   }
-  const Expansion y = ExpandReciprocal(split);
+  const Expansion y = expandReciprocal(split);
   if (y.integer >= bound) {
     return 2 * bound > y.integer ? M_Ratio{1, bound} : ratZero;
   }
-  const Convergent best = BestConvergent(bound, y, true);
+  const Convergent best = bestConvergent(bound, y, true);
   return {static_cast<std::int32_t>(best.other), best.bounded};
 }
 
@@ -158,7 +158,7 @@ M_Ratio ratapprox(std::int32_t limit, float x) {
   }
   const bool negative = x < 0.0f;
   const float magnitude = negative ? -x : x;
-  M_Ratio result = magnitude >= 1.0f ? ApproximateLarge(limit, magnitude) : ApproximateSmall(limit, magnitude);
+  M_Ratio result = magnitude >= 1.0f ? approximateLarge(limit, magnitude) : approximateSmall(limit, magnitude);
   if (negative) {
     result.num = -result.num;
   }

@@ -15,7 +15,7 @@ struct StatusRequest {
 };
 
 // Reads the status argument, and clears the byte if there is one.
-StatusRequest ReadStatus(unsigned char* status) {
+StatusRequest readStatus(unsigned char* status) {
   if (status == nullptr) {
     return {nullptr, false};
   }
@@ -28,7 +28,7 @@ StatusRequest ReadStatus(unsigned char* status) {
 }
 
 // The error code of a result of this kind; a failed one becomes 0/0.
-std::int32_t Report(M_RatioKind kind, const StatusRequest& request, M_Ratio* out) {
+std::int32_t report(M_RatioKind kind, const StatusRequest& request, M_Ratio* out) {
   if (kind == M_RatioOverflow) {
     *out = {0, 0};
   }
@@ -39,12 +39,12 @@ std::int32_t Report(M_RatioKind kind, const StatusRequest& request, M_Ratio* out
   return kind == M_RatioOverflow ? M_ErrRatioOverflow : 0;
 }
 
-double ToDouble(const M_Ratio& ratio) {
+double toDouble(const M_Ratio& ratio) {
   return static_cast<double>(ratio.num) / ratio.den;
 }
 
 // Returns whether the terms had a common divisor.
-bool Reduce(M_Ratio* ratio) {
+bool reduce(M_Ratio* ratio) {
   bool reduced = false;
   M_ReduceRatio(ratio, ratio, &reduced);
   return reduced;
@@ -52,7 +52,7 @@ bool Reduce(M_Ratio* ratio) {
 
 // Each of these gives false, and leaves the result as it is, where the result may not fit.
 
-bool Multiply(std::uint32_t a, std::uint32_t b, std::uint32_t* product) {
+bool multiply(std::uint32_t a, std::uint32_t b, std::uint32_t* product) {
   if (M_UMulWouldOverflow(a, b)) {
     return false;
   }
@@ -60,7 +60,7 @@ bool Multiply(std::uint32_t a, std::uint32_t b, std::uint32_t* product) {
   return true;
 }
 
-bool Multiply(std::int32_t a, std::int32_t b, std::int32_t* product) {
+bool multiply(std::int32_t a, std::int32_t b, std::int32_t* product) {
   if (M_MulWouldOverflow(a, b)) {
     return false;
   }
@@ -68,7 +68,7 @@ bool Multiply(std::int32_t a, std::int32_t b, std::int32_t* product) {
   return true;
 }
 
-bool Add(std::int32_t a, std::int32_t b, std::int32_t* sum) {
+bool add(std::int32_t a, std::int32_t b, std::int32_t* sum) {
   if (M_AddWouldOverflow(a, b)) {
     return false;
   }
@@ -76,7 +76,7 @@ bool Add(std::int32_t a, std::int32_t b, std::int32_t* sum) {
   return true;
 }
 
-bool Negate(std::int32_t* number) {
+bool negate(std::int32_t* number) {
   if (*number == std::numeric_limits<std::int32_t>::min()) {
     return false;
   }
@@ -84,10 +84,10 @@ bool Negate(std::int32_t* number) {
   return true;
 }
 
-bool AddOverCommonDenominator(const M_Ratio& a, const M_Ratio& b, M_Ratio* out) {
+bool addOverCommonDenominator(const M_Ratio& a, const M_Ratio& b, M_Ratio* out) {
   if (a.den == b.den) {
     std::int32_t sum = 0;
-    if (!Add(a.num, b.num, &sum)) {
+    if (!add(a.num, b.num, &sum)) {
       return false;
     }
     *out = {sum, a.den};
@@ -102,64 +102,64 @@ bool AddOverCommonDenominator(const M_Ratio& a, const M_Ratio& b, M_Ratio* out) 
   std::int32_t term_b = 0;
   std::int32_t sum = 0;
   // A factor of 2^31 or more fails the first step, so the factors are positive as signed numbers.
-  if (!Multiply(factor_a, a.den, &den) || !Multiply(a.num, static_cast<std::int32_t>(factor_a), &term_a) ||
-      !Multiply(b.num, static_cast<std::int32_t>(factor_b), &term_b) || !Add(term_a, term_b, &sum)) {
+  if (!multiply(factor_a, a.den, &den) || !multiply(a.num, static_cast<std::int32_t>(factor_a), &term_a) ||
+      !multiply(b.num, static_cast<std::int32_t>(factor_b), &term_b) || !add(term_a, term_b, &sum)) {
     return false;
   }
   *out = {sum, den};
   return true;
 }
 
-bool TryCalc(const M_Ratio& a, M_Ratio b, bool subtract, M_Ratio* out) {
+bool tryCalc(const M_Ratio& a, M_Ratio b, bool subtract, M_Ratio* out) {
   if (a.num != 0 && b.num == 0) {
     *out = a;
     return true;
   }
-  if (subtract && !Negate(&b.num)) {
+  if (subtract && !negate(&b.num)) {
     return false;
   }
   if (a.num == 0) {
     *out = b;
     return true;
   }
-  return AddOverCommonDenominator(a, b, out);
+  return addOverCommonDenominator(a, b, out);
 }
 
-bool TryMultiply(const M_Ratio& a, const M_Ratio& b, M_Ratio* out) {
+bool tryMultiply(const M_Ratio& a, const M_Ratio& b, M_Ratio* out) {
   M_Ratio product = {0, 0};
-  if (!Multiply(a.den, b.den, &product.den) || !Multiply(a.num, b.num, &product.num)) {
+  if (!multiply(a.den, b.den, &product.den) || !multiply(a.num, b.num, &product.num)) {
     return false;
   }
   *out = product;
   return true;
 }
 
-bool CalcExactly(M_Ratio a, M_Ratio b, bool subtract, M_Ratio* out) {
-  if (TryCalc(a, b, subtract, out)) {
+bool calcExactly(M_Ratio a, M_Ratio b, bool subtract, M_Ratio* out) {
+  if (tryCalc(a, b, subtract, out)) {
     return true;
   }
-  const bool a_reduced = Reduce(&a);
-  const bool b_reduced = Reduce(&b);
-  return (a_reduced || b_reduced) && TryCalc(a, b, subtract, out);
+  const bool a_reduced = reduce(&a);
+  const bool b_reduced = reduce(&b);
+  return (a_reduced || b_reduced) && tryCalc(a, b, subtract, out);
 }
 
-bool MultiplyExactly(M_Ratio a, M_Ratio b, M_Ratio* out) {
-  if (TryMultiply(a, b, out)) {
+bool multiplyExactly(M_Ratio a, M_Ratio b, M_Ratio* out) {
+  if (tryMultiply(a, b, out)) {
     return true;
   }
-  bool reduced = Reduce(&a);
-  reduced |= Reduce(&b);
+  bool reduced = reduce(&a);
+  reduced |= reduce(&b);
   // a/b * c/d = c/b * a/d
   const std::int32_t numerator = a.num;
   a.num = b.num;
   b.num = numerator;
-  reduced |= Reduce(&a);
-  reduced |= Reduce(&b);
-  return reduced && TryMultiply(a, b, out);
+  reduced |= reduce(&a);
+  reduced |= reduce(&b);
+  return reduced && tryMultiply(a, b, out);
 }
 
 // `value`, the result in floating point, as a ratio, where that is allowed and succeeds.
-M_RatioKind Approximate(double value, const StatusRequest& request, M_Ratio* out) {
+M_RatioKind approximate(double value, const StatusRequest& request, M_Ratio* out) {
   if (!request.approximation_allowed) {
     return M_RatioOverflow;
   }
@@ -182,29 +182,29 @@ std::int32_t Mp_CalcRatio(const M_Ratio* a, const M_Ratio* b, bool subtract, M_R
   if (a == nullptr || b == nullptr || out == nullptr) {
     return M_ErrNullPointer;
   }
-  const StatusRequest request = ReadStatus(status);
+  const StatusRequest request = readStatus(status);
   if (a->den == 0 || b->den == 0) {
     *out = {0, 0};
     return M_ErrZeroDenominator;
   }
-  if (CalcExactly(*a, *b, subtract, out)) {
-    return Report(M_RatioExact, request, out);
+  if (calcExactly(*a, *b, subtract, out)) {
+    return report(M_RatioExact, request, out);
   }
-  const double value = subtract ? ToDouble(*a) - ToDouble(*b) : ToDouble(*a) + ToDouble(*b);
-  return Report(Approximate(value, request, out), request, out);
+  const double value = subtract ? toDouble(*a) - toDouble(*b) : toDouble(*a) + toDouble(*b);
+  return report(approximate(value, request, out), request, out);
 }
 
 std::int32_t M_MulRatio(const M_Ratio* a, const M_Ratio* b, M_Ratio* out, unsigned char* status) {
   if (a == nullptr || b == nullptr || out == nullptr) {
     return M_ErrNullPointer;
   }
-  const StatusRequest request = ReadStatus(status);
+  const StatusRequest request = readStatus(status);
   if (a->den == 0 || b->den == 0) {
     *out = {0, 0};
     return M_ErrNullPointer;
   }
-  if (MultiplyExactly(*a, *b, out)) {
-    return Report(M_RatioExact, request, out);
+  if (multiplyExactly(*a, *b, out)) {
+    return report(M_RatioExact, request, out);
   }
-  return Report(Approximate(ToDouble(*a) * ToDouble(*b), request, out), request, out);
+  return report(approximate(toDouble(*a) * toDouble(*b), request, out), request, out);
 }

@@ -11,16 +11,16 @@ namespace {
 constexpr std::int32_t kLargestTerm = 1 << 30;
 constexpr std::uint32_t kSignBit = 0x80000000u;
 
-bool FitsInt32(double x) {
+bool fitsInt32(double x) {
   return x >= -2147483648.0 && x <= 2147483647.0;
 }
 
 // The numerator of num / den over new_den, not rounded to an integer yet.
-double NumeratorOver(std::uint32_t new_den, std::int32_t num, std::uint32_t den) {
+double numeratorOver(std::uint32_t new_den, std::int32_t num, std::uint32_t den) {
   return num * (static_cast<double>(new_den) / den);
 }
 
-void SetFlag(bool* flag, bool value) {
+void setFlag(bool* flag, bool value) {
   if (flag != nullptr) {
     *flag = value;
   }
@@ -29,7 +29,7 @@ void SetFlag(bool* flag, bool value) {
 }  // namespace
 
 std::int32_t M_ReduceRatio(const M_Ratio* in, M_Ratio* out, bool* reduced) {
-  SetFlag(reduced, false);
+  setFlag(reduced, false);
   if (in == nullptr || out == nullptr) {
     return 0;
   }
@@ -40,7 +40,7 @@ std::int32_t M_ReduceRatio(const M_Ratio* in, M_Ratio* out, bool* reduced) {
   } else {
     *out = {in->num / static_cast<std::int32_t>(gcd), in->den / gcd};
   }
-  SetFlag(reduced, gcd != 1);
+  setFlag(reduced, gcd != 1);
   return 0;
 }
 
@@ -51,19 +51,19 @@ std::int32_t M_ConvRatio(const M_Ratio* in, std::uint32_t new_den, M_Ratio* out,
   const M_Ratio from = *in;
   if (from.den == 0 || new_den == 0) {
     *out = {0, 0};
-    SetFlag(overflow, false);
+    setFlag(overflow, false);
     return M_ErrZeroDenominator;
   }
   if (from.den == new_den) {
     *out = from;
-    SetFlag(exact, true);
+    setFlag(exact, true);
     return 0;
   }
-  const double numerator = NumeratorOver(new_den, from.num, from.den);
-  const bool fits = FitsInt32(numerator);
+  const double numerator = numeratorOver(new_den, from.num, from.den);
+  const bool fits = fitsInt32(numerator);
   *out = fits ? M_Ratio{M_RoundDouble(numerator), new_den} : M_Ratio{0, 0};
-  SetFlag(exact, fits && static_cast<double>(new_den) * from.num == static_cast<double>(from.den) * out->num);
-  SetFlag(overflow, !fits);
+  setFlag(exact, fits && static_cast<double>(new_den) * from.num == static_cast<double>(from.den) * out->num);
+  setFlag(overflow, !fits);
   return 0;
 }
 
@@ -73,7 +73,7 @@ std::int32_t M_ShortConvRatio(std::int32_t num, std::uint32_t den, std::uint32_t
     return M_ErrNullPointer;
   }
   *out_num = 0;
-  SetFlag(overflow, false);
+  setFlag(overflow, false);
   if (den == 0 || new_den == 0) {
     return M_ErrZeroDenominator;
   }
@@ -81,12 +81,12 @@ std::int32_t M_ShortConvRatio(std::int32_t num, std::uint32_t den, std::uint32_t
     *out_num = num;
     return 0;
   }
-  const double numerator = NumeratorOver(new_den, num, den);
-  if (FitsInt32(numerator)) {
+  const double numerator = numeratorOver(new_den, num, den);
+  if (fitsInt32(numerator)) {
     *out_num = M_RoundDouble(numerator);
     return 0;
   }
-  SetFlag(overflow, true);
+  setFlag(overflow, true);
   return overflow != nullptr ? 0 : M_ErrNullPointer;
 }
 

@@ -50,18 +50,18 @@ struct M_Matrix3 {
   double m[3][3];
 
   // Leaves the entries unset. A program that loads the module instead of linking the library constructs its matrices
-  // so, since the next constructor and SetIdentity call into the library.
+  // so, since the next constructor and setIdentity call into the library.
   M_Matrix3() = default;
   // The identity, or, for false, nine entries left unset.
   explicit M_Matrix3(bool identity) {
     if (identity) {
-      SetIdentity();
+      setIdentity();
     }
   }
   M_Matrix3(const M_Matrix3&) = default;
   M_Matrix3& operator=(const M_Matrix3&) = default;
 
-  void SetIdentity() { M_SetIdentityMatrix(this); }
+  void setIdentity() { M_SetIdentityMatrix(this); }
 };
 
 // The kinds of transform that M_GetMatrixType tells apart.

@@ -8,7 +8,7 @@ namespace {
 
 // Calls `entry` of the float iteration suite with the arguments, turning what is thrown back into a code.
 template <typename Entry, typename... Arguments>
-std::int32_t IterateFloat(PF_InData* in_data, Entry PF_iterateFloatSuite1::*entry, Arguments... arguments) {
+std::int32_t iterateFloat(PF_InData* in_data, Entry PF_iterateFloatSuite1::*entry, Arguments... arguments) {
   std::int32_t err = ERR_NONE;
   try {
     const KZFX_SuiteScoper<PF_iterateFloatSuite1> suite(in_data, PF_ITERATE_FLOAT_SUITE, PF_ITERATE_FLOAT_SUITE_VERSION,
@@ -44,7 +44,7 @@ std::int32_t PF_IterateWrap(PF_InData* in_data, std::int32_t progress_base, std:
 std::int32_t PF_IterateWrap(PF_InData* in_data, std::int32_t progress_base, std::int32_t progress_final,
                             PF_LayerDef* source, const M_LRect* area, void* refcon, PF_PixelFunctionFloat function,
                             PF_LayerDef* destination) {
-  return IterateFloat(in_data, &PF_iterateFloatSuite1::iterate, progress_base, progress_final, source, area, refcon,
+  return iterateFloat(in_data, &PF_iterateFloatSuite1::iterate, progress_base, progress_final, source, area, refcon,
                       function, destination);
 }
 
@@ -65,7 +65,7 @@ std::int32_t PF_IterateOriginWrap(PF_InData* in_data, std::int32_t progress_base
 std::int32_t PF_IterateOriginWrap(PF_InData* in_data, std::int32_t progress_base, std::int32_t progress_final,
                                   PF_LayerDef* source, const M_LRect* area, const M_LPoint* origin, void* refcon,
                                   PF_PixelFunctionFloat function, PF_LayerDef* destination) {
-  return IterateFloat(in_data, &PF_iterateFloatSuite1::iterate_origin, progress_base, progress_final, source, area,
+  return iterateFloat(in_data, &PF_iterateFloatSuite1::iterate_origin, progress_base, progress_final, source, area,
                       origin, refcon, function, destination);
 }
 
@@ -86,6 +86,6 @@ std::int32_t PF_IterateOriginNonClipSrcWrap(PF_InData* in_data, std::int32_t pro
 std::int32_t PF_IterateOriginNonClipSrcWrap(PF_InData* in_data, std::int32_t progress_base, std::int32_t progress_final,
                                             PF_LayerDef* source, const M_LRect* area, const M_LPoint* origin,
                                             void* refcon, PF_PixelFunctionFloat function, PF_LayerDef* destination) {
-  return IterateFloat(in_data, &PF_iterateFloatSuite1::iterate_origin_non_clip_src, progress_base, progress_final,
+  return iterateFloat(in_data, &PF_iterateFloatSuite1::iterate_origin_non_clip_src, progress_base, progress_final,
                       source, area, origin, refcon, function, destination);
 }

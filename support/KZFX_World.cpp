@@ -12,7 +12,7 @@ struct DepthFormat {
 constexpr DepthFormat kDepthFormats[] = {
     {32, PF_PIXEL_FORMAT_ARGB32F}, {16, PF_PIXEL_FORMAT_ARGB16}, {8, PF_PIXEL_FORMAT_ARGB8}};
 
-std::int32_t ReportUnexpectedFormat(PF_InData* in_data, PF_OutData* out_data, const char* message) {
+std::int32_t reportUnexpectedFormat(PF_InData* in_data, PF_OutData* out_data, const char* message) {
   out_data->out_flags |= OUT_FLAG_SHOW_MESSAGE;
   in_data->utility_callbacks->sprintf(out_data->return_msg, message);
   return ERR_FAILED;
@@ -20,7 +20,7 @@ std::int32_t ReportUnexpectedFormat(PF_InData* in_data, PF_OutData* out_data, co
 
 // Runs `use` with the world suite acquired. The release's error counts only when `use` succeeded.
 template <typename Use>
-std::int32_t WithWorldSuite(PF_InData* in_data, PF_OutData* out_data, Use use) {
+std::int32_t withWorldSuite(PF_InData* in_data, PF_OutData* out_data, Use use) {
   const void* suite = nullptr;
   std::int32_t err = KZFX_AcquireSuite(in_data, out_data, PF_WORLD_SUITE, PF_WORLD_SUITE_VERSION, nullptr, &suite);
   if (err != ERR_NONE) {
@@ -37,7 +37,7 @@ std::int32_t WithWorldSuite(PF_InData* in_data, PF_OutData* out_data, Use use) {
 std::int32_t KZFX_GetEffectWorldRGBDepth(PF_InData* in_data, PF_OutData* out_data, PF_LayerDef* world,
                                          std::int32_t* depth) {
   std::int32_t pixel_format = 0;
-  const std::int32_t err = WithWorldSuite(
+  const std::int32_t err = withWorldSuite(
       in_data, out_data, [&](const PF_WorldSuite2& suite) { return suite.get_pixel_format(world, &pixel_format); });
   if (err != ERR_NONE) {
     return err;
@@ -48,17 +48,17 @@ std::int32_t KZFX_GetEffectWorldRGBDepth(PF_InData* in_data, PF_OutData* out_dat
       return ERR_NONE;
     }
   }
-  return ReportUnexpectedFormat(in_data, out_data, "Unexpected pixel format in KZFX_GetEffectWorldRGBDepth()");
+  return reportUnexpectedFormat(in_data, out_data, "Unexpected pixel format in KZFX_GetEffectWorldRGBDepth()");
 }
 
 std::int32_t KZFX_NewWorldRGBDepth(PF_InData* in_data, PF_OutData* out_data, std::int32_t width, std::int32_t height,
                                    std::int32_t depth, bool clear, PF_LayerDef* world) {
   for (const DepthFormat& known : kDepthFormats) {
     if (known.depth == depth) {
-      return WithWorldSuite(in_data, out_data, [&](const PF_WorldSuite2& suite) {
+      return withWorldSuite(in_data, out_data, [&](const PF_WorldSuite2& suite) {
         return suite.new_world(in_data->effect_ref, width, height, clear, known.pixel_format, world);
       });
     }
   }
-  return ReportUnexpectedFormat(in_data, out_data, "Unexpected pixel format in KZFX_NewWorldRGBDepth()");
+  return reportUnexpectedFormat(in_data, out_data, "Unexpected pixel format in KZFX_NewWorldRGBDepth()");
 }

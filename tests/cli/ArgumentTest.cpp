@@ -30,16 +30,18 @@ TEST(Argument, CornersArePixelsOrPercentOfTheLayer) {
   EXPECT_EQ(parseCorner("--ul", "+1e2,-.5").x.value, 100.0);
   EXPECT_EQ(parseCorner("--ul", "-32768,32767.99").x.value, -32768.0);
   for (const char* text : {"", "1", "1,2,3", ",", "1,", "a,b", "nan,0", "0,inf", "-inf%,0", "1e999,0", "32768,0",
-                           "0,-32768.1", "1px,2", "0x10,1", "1 2,3", "1,2%%", "++1,2", "+-1,2"})
+                           "0,-32768.1", "1px,2", "0x10,1", "1 2,3", "1,2%%", "++1,2", "+-1,2"}) {
     EXPECT_NE(faultOf(parseCorner, text), "") << text;
+  }
   EXPECT_THROW(toLayerPixels("--ul", parseCorner("--ul", "2000%,0"), {1920, 1080}), CommandError);
 }
 
 TEST(Argument, SizesAreTwoPositiveNumbers) {
   EXPECT_EQ(parseSize("--size", "1920x1080"), (host::Size{1920, 1080}));
   EXPECT_EQ(parseSize("--size", "1X2"), (host::Size{1, 2}));
-  for (const char* text : {"", "x", "10", "10x", "x10", "0x5", "5x0", "-1x5", "1.5x2", "10x10x10", "4294967297x1"})
+  for (const char* text : {"", "x", "10", "10x", "x10", "0x5", "5x0", "-1x5", "1.5x2", "10x10x10", "4294967297x1"}) {
     EXPECT_NE(faultOf(parseSize, text), "") << text;
+  }
 }
 
 TEST(Argument, FrameRangesCountUpAndMayBeNegative) {
@@ -51,23 +53,25 @@ TEST(Argument, FrameRangesCountUpAndMayBeNegative) {
   EXPECT_EQ(negative.first, -5);
   EXPECT_EQ(negative.last, -3);
   EXPECT_EQ(parseFrameRange("--frames", "-2147483648-2147483647").count(), std::int64_t{1} << 32);
-  for (const char* text : {"", "-", "1-", "-1-", "a-b", "5-1", "1-5x0", "1-5x", "1-5x-1", "1..5", "1-99999999999"})
+  for (const char* text : {"", "-", "1-", "-1-", "a-b", "5-1", "1-5x0", "1-5x", "1-5x-1", "1..5", "1-99999999999"}) {
     EXPECT_NE(faultOf(parseFrameRange, text), "") << text;
+  }
 }
 
 TEST(Argument, FrameRatesGiveTheTimesOfFrames) {
-  const auto expectRate = [](const char* text, std::uint32_t scale, std::int32_t step) {
+  const auto expect_rate = [](const char* text, std::uint32_t scale, std::int32_t step) {
     const FrameRate rate = parseFrameRate("--fps", text);
     EXPECT_EQ(rate.scale, scale) << text;
     EXPECT_EQ(rate.step, step) << text;
   };
-  expectRate("25", 25, 1);
-  expectRate("12.5", 25, 2);
-  expectRate("23.976", 24000, 1001);
-  expectRate("29.97", 30000, 1001);
-  expectRate("30000/1001", 30000, 1001);
-  for (const char* text : {"", "0", "-25", "nan", "25/0", "/", "1e9", "fast"})
+  expect_rate("25", 25, 1);
+  expect_rate("12.5", 25, 2);
+  expect_rate("23.976", 24000, 1001);
+  expect_rate("29.97", 30000, 1001);
+  expect_rate("30000/1001", 30000, 1001);
+  for (const char* text : {"", "0", "-25", "nan", "25/0", "/", "1e9", "fast"}) {
     EXPECT_NE(faultOf(parseFrameRate, text), "") << text;
+  }
 
   const host::FrameTime time = timeOf(100, {24000, 1001});
   EXPECT_EQ(time.time, 100100);
@@ -87,8 +91,9 @@ TEST(Argument, FramePatternsPlaceTheNumber) {
   EXPECT_EQ(path("50%%.%03d", 1), "50%.001");
   EXPECT_EQ(path("still.png", 1), "still.png");
   EXPECT_EQ(FramePattern::literal("50%#.png").path(9), "50%#.png");
-  for (const char* text : {"%s", "100%.png", "%04d.%04d", "##.##", "%", "%04", "%-4d", "%999d", "%04d#"})
+  for (const char* text : {"%s", "100%.png", "%04d.%04d", "##.##", "%", "%04", "%-4d", "%999d", "%04d#"}) {
     EXPECT_NE(faultOf(FramePattern::parse, text), "") << text;
+  }
 }
 
 TEST(Argument, OutputFormatsFollowTheNameAndKeepTheDepthTheyCan) {
@@ -104,8 +109,9 @@ TEST(Argument, OutputFormatsFollowTheNameAndKeepTheDepthTheyCan) {
   EXPECT_EQ(samples("a.exr", DepthChoice::Float, Half), Half);
   EXPECT_EQ(samples("a.tif", DepthChoice::Auto, Half), Float);
   EXPECT_EQ(samples("a.dpx", DepthChoice::Bits16, Bits8), Bits16);
-  for (const char* name : {"a", "a.gif", ".png", "a.png.", "dir.png/a"})
+  for (const char* name : {"a", "a.gif", ".png", "a.png.", "dir.png/a"}) {
     EXPECT_NE(faultOf(formatForOutput, name), "") << name;
+  }
 }
 
 TEST(Argument, SuggestionsAreNearOrNone) {

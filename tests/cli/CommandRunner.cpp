@@ -22,8 +22,9 @@ std::string contents(const std::string& path) {
 std::vector<nlohmann::json> CommandResult::lines() const {
   std::vector<nlohmann::json> parsed;
   std::istringstream stream(out);
-  for (std::string line; std::getline(stream, line);)
+  for (std::string line; std::getline(stream, line);) {
     parsed.push_back(nlohmann::json::parse(line));
+  }
   return parsed;
 }
 
@@ -52,14 +53,16 @@ double difference(const std::string& first, const std::string& second) {
   const auto a = OIIO::ImageInput::open(first);
   const auto b = OIIO::ImageInput::open(second);
   if (!a || !b || a->spec().width != b->spec().width || a->spec().height != b->spec().height ||
-      a->spec().nchannels != b->spec().nchannels)
+      a->spec().nchannels != b->spec().nchannels) {
     return 1.0;
+  }
   const int channels = a->spec().nchannels;
   std::vector<float> as(a->spec().image_pixels() * static_cast<std::size_t>(channels));
   std::vector<float> bs(as.size());
   if (!a->read_image(0, 0, 0, channels, OIIO::TypeDesc::FLOAT, as.data()) ||
-      !b->read_image(0, 0, 0, channels, OIIO::TypeDesc::FLOAT, bs.data()))
+      !b->read_image(0, 0, 0, channels, OIIO::TypeDesc::FLOAT, bs.data())) {
     return 1.0;
+  }
   // Reading the same file twice can differ in a float's last bits; a step of 16 bits is fifteen times this.
   constexpr double kReadingNoise = 1e-6;
   double sum = 0.0;

@@ -25,7 +25,7 @@ Channel* channels(host::Image& image, int x, int y) {
 TEST(Composite, EightBitOverIsTheRoundedFormulaForEveryAlphaAndValue) {
   host::Image picture = imageOf({256, 256}, host::Depth::Bits8);
   host::Image plate = imageOf({256, 256}, host::Depth::Bits8);
-  for (int alpha = 0; alpha < 256; ++alpha)
+  for (int alpha = 0; alpha < 256; ++alpha) {
     for (int value = 0; value < 256; ++value) {
       std::uint8_t* front = channels<std::uint8_t>(picture, value, alpha);
       front[0] = front[1] = static_cast<std::uint8_t>(alpha / 2);
@@ -35,8 +35,9 @@ TEST(Composite, EightBitOverIsTheRoundedFormulaForEveryAlphaAndValue) {
       back[0] = back[1] = back[2] = static_cast<std::uint8_t>(value);
       back[3] = 255;
     }
+  }
   compositeOver(picture.view(), std::as_const(plate).view());
-  for (int alpha = 0; alpha < 256; ++alpha)
+  for (int alpha = 0; alpha < 256; ++alpha) {
     for (int value = 0; value < 256; ++value) {
       const std::uint8_t* result = channels<std::uint8_t>(picture, value, alpha);
       const int color = alpha / 2;
@@ -45,6 +46,7 @@ TEST(Composite, EightBitOverIsTheRoundedFormulaForEveryAlphaAndValue) {
       ASSERT_EQ(result[2], 255);
       ASSERT_EQ(result[3], 255);
     }
+  }
 }
 
 TEST(Composite, DeeperPicturesKeepTheirPrecision) {
@@ -71,9 +73,11 @@ TEST(Composite, DeeperPicturesKeepTheirPrecision) {
 
 TEST(Composite, ReducingAveragesWhatIsThere) {
   host::Image picture = imageOf({3, 3}, host::Depth::Bits8);
-  for (int y = 0; y < 3; ++y)
-    for (int x = 0; x < 3; ++x)
+  for (int y = 0; y < 3; ++y) {
+    for (int x = 0; x < 3; ++x) {
       std::fill_n(channels<std::uint8_t>(picture, x, y), 4, static_cast<std::uint8_t>(10 * (3 * y + x)));
+    }
+  }
   host::Image half = reduced(std::as_const(picture).view(), 2);
   ASSERT_EQ(half.size(), (host::Size{2, 2}));
   EXPECT_EQ(channels<std::uint8_t>(half, 0, 0)[0], 20);  // of 0, 10, 30, 40
@@ -82,7 +86,7 @@ TEST(Composite, ReducingAveragesWhatIsThere) {
 }
 
 TEST(Composite, PremultiplyingIsUndoneWhereAlphaCarriesTheValue) {
-  for (int alpha = 1; alpha < 256; ++alpha)
+  for (int alpha = 1; alpha < 256; ++alpha) {
     for (int value = 0; value < 256; ++value) {
       std::uint8_t row[4] = {static_cast<std::uint8_t>(value), 0, 255, static_cast<std::uint8_t>(alpha)};
       premultiplyRow(row, 1);
@@ -95,6 +99,7 @@ TEST(Composite, PremultiplyingIsUndoneWhereAlphaCarriesTheValue) {
       premultiplyRow(row, 1);
       ASSERT_EQ(row[0], before);
     }
+  }
   EXPECT_EQ(quantise<std::uint8_t>(std::nanf("")), 0);
   EXPECT_EQ(quantise<std::uint16_t>(2.0f), 65535);
   EXPECT_EQ(quantise<std::uint8_t>(-1.0f), 0);
@@ -111,8 +116,9 @@ TEST(Composite, LinearLightGoesThereAndBackUnderAlpha) {
   EXPECT_EQ(pixel[3], 0.5f);
   EXPECT_NEAR(pixel[4], 0.21404f, 1e-4f);
   fromLinear(picture.view(), outputColourSpace("", false), "output");
-  for (int c = 0; c < 8; ++c)
+  for (int c = 0; c < 8; ++c) {
     EXPECT_NEAR(pixel[c], values[c], 1e-5f);
+  }
   EXPECT_THROW(toLinear(picture.view(), "no such space", "layer"), CommandError);
   EXPECT_EQ(outputColourSpace("Rec709", false), "Rec709");
   EXPECT_EQ(outputColourSpace("Linear", false), "sRGB");

@@ -65,12 +65,12 @@ TEST(CornersFile, JsonTakesUnitsAndInterpolation) {
       R"({"units": "percent", "interpolation": "hold", "keys": [)" + jsonKey("1.5", "[50, 25]") + "]}", "track");
   EXPECT_EQ(track.interpolation, host::Interpolation::Hold);
   const host::AnimatedCorners corners = toAnimation(track, {200, 100}, {24, 1});
-  EXPECT_EQ(corners.upperLeft.at(0.0), (host::Point{100.0, 25.0}));
+  EXPECT_EQ(corners.upper_left.at(0.0), (host::Point{100.0, 25.0}));
 }
 
 TEST(CornersFile, JsonFaultsNameLineAndField) {
   const auto fault = [](const std::string& text) { return faultOf(parseCornersJson, text); };
-  const auto faultOfKeys = [&](const std::string& keys) { return fault("{\"keys\": [\n" + keys + "\n]}"); };
+  const auto fault_of_keys = [&](const std::string& keys) { return fault("{\"keys\": [\n" + keys + "\n]}"); };
   expectFault(fault("{\"keys\": [\n\n}"), "track: line 3", "not valid JSON");
   expectFault(fault("{\"keys\": [NaN]}"), "track: line 1", "not valid JSON");
   expectFault(fault("[]"), "track: line 1", "not an object");
@@ -79,19 +79,19 @@ TEST(CornersFile, JsonFaultsNameLineAndField) {
   expectFault(fault("{\n\"keys\": []}"), "track: line 2: keys", "at least one");
   expectFault(fault("{\n\n\"units\": \"feet\", \"keys\": []}"), "track: line 3: units", "neither");
   expectFault(fault("{\"keys\": [],\n\"speed\": 3}"), "track: line 2: speed", "unknown");
-  expectFault(faultOfKeys(jsonKey("1", "[0, 0]") + ",\n" + jsonKey("1", "[0, 0]")), "track: line 3: keys[1].frame",
+  expectFault(fault_of_keys(jsonKey("1", "[0, 0]") + ",\n" + jsonKey("1", "[0, 0]")), "track: line 3: keys[1].frame",
               "same frame as keys[0]");
-  expectFault(faultOfKeys(jsonKey("1", "[0,\n\"x\"]")), "track: line 3: keys[0].ul[1]", "not a number");
-  expectFault(faultOfKeys(jsonKey("1", "[0,\n70000\n]")), "track: line 3: keys[0].ul[1]", "outside");
-  expectFault(faultOfKeys(jsonKey("1", "[0]")), "track: line 2: keys[0].ul", "no position");
-  expectFault(faultOfKeys("{\"frame\": 1}"), "track: line 2: keys[0]", "has no \"ul\"");
-  expectFault(faultOfKeys(jsonKey("1e999", "[0, 0]")), "track", "");
+  expectFault(fault_of_keys(jsonKey("1", "[0,\n\"x\"]")), "track: line 3: keys[0].ul[1]", "not a number");
+  expectFault(fault_of_keys(jsonKey("1", "[0,\n70000\n]")), "track: line 3: keys[0].ul[1]", "outside");
+  expectFault(fault_of_keys(jsonKey("1", "[0]")), "track: line 2: keys[0].ul", "no position");
+  expectFault(fault_of_keys("{\"frame\": 1}"), "track: line 2: keys[0]", "has no \"ul\"");
+  expectFault(fault_of_keys(jsonKey("1e999", "[0, 0]")), "track", "");
 }
 
 TEST(CornersFile, KeysAreHeldOutsideAndReachedExactly) {
   const CornersTrack track = parseCornersCsv("10,0,0,9,0,0,9,9,9\n20,5,10,9,0,0,9,9,9\n", "track");
   const FrameRate rate{24000, 1001};
-  const host::AnimatedPoint point = toAnimation(track, {100, 100}, rate).upperLeft;
+  const host::AnimatedPoint point = toAnimation(track, {100, 100}, rate).upper_left;
   EXPECT_EQ(point.at(rate.seconds(1)), (host::Point{0.0, 0.0}));
   EXPECT_EQ(point.at(rate.seconds(20)), (host::Point{5.0, 10.0}));
   EXPECT_EQ(point.at(rate.seconds(99)), (host::Point{5.0, 10.0}));

@@ -43,19 +43,22 @@ std::vector<int> pixel8(const Picture& picture, int x, int y) {
 // A picture with partly transparent pixels of every kind.
 host::Image sample(host::Depth depth) {
   host::Image image = std::move(*host::Image::create({19, 300}, depth));
-  for (int y = 0; y < 300; ++y)
-    for (int x = 0; x < 19; ++x)
+  for (int y = 0; y < 300; ++y) {
+    for (int x = 0; x < 19; ++x) {
       for (int c = 0; c < 4; ++c) {
         const double alpha = x < 9 ? 1.0 : (x - 9) / 10.0;
         const double value = c == 3 ? alpha : alpha * std::fmod(0.013 * x + 0.0031 * y + 0.3 * c, 1.0);
         std::byte* channel = image.view().pixel(x, y) + host::bytesPerPixel(depth) / 4 * static_cast<std::size_t>(c);
-        if (depth == host::Depth::Bits8)
+        if (depth == host::Depth::Bits8) {
           *reinterpret_cast<std::uint8_t*>(channel) = static_cast<std::uint8_t>(value * 255 + 0.5);
-        else if (depth == host::Depth::Bits16)
+        } else if (depth == host::Depth::Bits16) {
           *reinterpret_cast<std::uint16_t*>(channel) = static_cast<std::uint16_t>(value * 65535 + 0.5);
-        else
+        } else {
           *reinterpret_cast<float*>(channel) = static_cast<float>(static_cast<int>(value * 1024)) / 1024.0f;
+        }
       }
+    }
+  }
   return image;
 }
 
@@ -70,9 +73,10 @@ OutputPicture describe(const host::Image& image, SampleType samples) {
 
 bool samePixels(const host::Image& a, const host::Image& b) {
   bool same = a.size() == b.size() && a.depth() == b.depth();
-  for (int y = 0; same && y < a.size().height; ++y)
+  for (int y = 0; same && y < a.size().height; ++y) {
     same = std::memcmp(a.view().row(y), b.view().row(y),
                        host::bytesPerPixel(a.depth()) * static_cast<std::size_t>(a.size().width)) == 0;
+  }
   return same;
 }
 
@@ -93,7 +97,7 @@ TEST(PictureFile, EveryFormatGivesBackWhatItHolds) {
     writePicture(path, formatForOutput("", path), describe(image, one.samples), {});
     const Picture back = readAt(path, one.depth);
     EXPECT_TRUE(samePixels(image, back.pixels)) << one.name;
-    EXPECT_TRUE(back.info.hasAlpha);
+    EXPECT_TRUE(back.info.has_alpha);
     EXPECT_EQ(back.info.samples, one.samples) << one.name;
     EXPECT_TRUE(isWholePicture(path, image.size()));
     EXPECT_FALSE(isWholePicture(path, {19, 299}));
@@ -107,13 +111,14 @@ TEST(PictureFile, FormatsWithoutAlphaHoldThePictureOverBlack) {
     const std::string path = folder / name;
     writePicture(path, formatForOutput("", path), describe(image, SampleType::Bits8), {});
     const Picture back = readAt(path, host::Depth::Bits8);
-    EXPECT_FALSE(back.info.hasAlpha);
+    EXPECT_FALSE(back.info.has_alpha);
     const auto* written = reinterpret_cast<const std::uint8_t*>(image.view().pixel(14, 100));
     const std::vector<int> read = pixel8(back, 14, 100);
     // JPEG rounds, and shares colour between neighbours.
     const int tolerance = std::string(name) == "a.dpx" ? 0 : 16;
-    for (std::size_t c = 0; c < 3; ++c)
+    for (std::size_t c = 0; c < 3; ++c) {
       EXPECT_NEAR(read[c], written[c], tolerance) << name;
+    }
     EXPECT_EQ(read[3], 255);
   }
 }
@@ -138,11 +143,11 @@ TEST(PictureFile, GreyAndExtraChannelsAndOddOrdersBecomeRgba) {
   writeFile<std::uint8_t>(folder / "grey.png", ImageSpec(1, 1, 1, TypeDesc::UINT8), {77});
   EXPECT_EQ(pixel8(readAt(folder / "grey.png", host::Depth::Bits8), 0, 0), (std::vector<int>{77, 77, 77, 255}));
 
-  ImageSpec greyAlpha(1, 1, 2, TypeDesc::UINT8);
-  greyAlpha.channelnames = {"Y", "A"};
-  greyAlpha.alpha_channel = 1;
-  greyAlpha.attribute("oiio:UnassociatedAlpha", 1);
-  writeFile<std::uint8_t>(folder / "greyalpha.png", greyAlpha, {200, 51});
+  ImageSpec grey_alpha(1, 1, 2, TypeDesc::UINT8);
+  grey_alpha.channelnames = {"Y", "A"};
+  grey_alpha.alpha_channel = 1;
+  grey_alpha.attribute("oiio:UnassociatedAlpha", 1);
+  writeFile<std::uint8_t>(folder / "greyalpha.png", grey_alpha, {200, 51});
   EXPECT_EQ(pixel8(readAt(folder / "greyalpha.png", host::Depth::Bits8), 0, 0), (std::vector<int>{40, 40, 40, 51}));
 
   ImageSpec odd(1, 1, 7, TypeDesc::FLOAT);
@@ -160,8 +165,9 @@ TEST(PictureFile, AssociatedAlphaIsTakenAsItIs) {
   const TestFolder folder;
   for (const bool unassociated : {false, true}) {
     ImageSpec spec(1, 1, 4, TypeDesc::UINT8);
-    if (unassociated)
+    if (unassociated) {
       spec.attribute("oiio:UnassociatedAlpha", 1);
+    }
     writeFile<std::uint8_t>(folder / "a.tif", spec, {100, 50, 0, 128});
     EXPECT_EQ(pixel8(readAt(folder / "a.tif", host::Depth::Bits8), 0, 0),
               unassociated ? (std::vector<int>{50, 25, 0, 128}) : (std::vector<int>{100, 50, 0, 128}));
@@ -183,8 +189,9 @@ TEST(PictureFile, DataWindowsLieInTheirDisplayWindow) {
     data[i] = static_cast<float>(pixel) / 16.0f;
   }
   for (const bool tiled : {false, true}) {
-    if (tiled)
+    if (tiled) {
       spec.tile_width = spec.tile_height = 2;
+    }
     const std::string path = folder / (tiled ? "tiles.exr" : "lines.exr");
     writeFile(path, spec, data);
     const Picture picture = readAt(path, host::Depth::Float);
@@ -241,7 +248,7 @@ TEST(PictureFile, OffsetsNearTheEndsOfTheirRangeAreRefused) {
   writeFile(dpx, spec, data);
   const std::string whole_png = contents(png);
   const std::string whole_dpx = contents(dpx);
-  const auto expectRefused = [](const std::string& path, std::uint32_t offset) {
+  const auto expect_refused = [](const std::string& path, std::uint32_t offset) {
     EXPECT_THROW(readAt(path, host::Depth::Bits8), CommandError) << path << " " << offset;
     EXPECT_THROW(probePicture(path), CommandError) << path << " " << offset;
     EXPECT_FALSE(isWholePicture(path, {64, 48})) << path << " " << offset;
@@ -252,7 +259,7 @@ TEST(PictureFile, OffsetsNearTheEndsOfTheirRangeAreRefused) {
       constexpr std::size_t kEndOfHeader = 33;
       std::ofstream(png, std::ios::binary) << whole_png.substr(0, kEndOfHeader) << bigEndian(9) << chunk
                                            << bigEndian(pngCheckSum(chunk)) << whole_png.substr(kEndOfHeader);
-      expectRefused(png, offset);
+      expect_refused(png, offset);
 
       // As the library writes it here, the numbers of a DPX begin with the lowest byte. Offsets of a DPX are not
       // negative, and the library takes those that are for none.
@@ -262,7 +269,7 @@ TEST(PictureFile, OffsetsNearTheEndsOfTheirRangeAreRefused) {
         std::string moved = whole_dpx;
         moved.replace(kOffsetOfDpx + (horizontal ? 0 : 4), 4, std::string(bytes.rbegin(), bytes.rend()));
         std::ofstream(dpx, std::ios::binary) << moved;
-        expectRefused(dpx, offset);
+        expect_refused(dpx, offset);
       }
     }
   }
@@ -283,9 +290,11 @@ TEST(PictureFile, CameraOrientationsAreTurnedUpright) {
     ASSERT_EQ(picture.pixels.size(), size);
     ASSERT_EQ(probePicture(folder / "a.tif").size, size);
     std::vector<int> read;
-    for (int y = 0; y < size.height; ++y)
-      for (int x = 0; x < size.width; ++x)
+    for (int y = 0; y < size.height; ++y) {
+      for (int x = 0; x < size.width; ++x) {
         read.push_back(pixel8(picture, x, y)[0]);
+      }
+    }
     EXPECT_EQ(read, upright[static_cast<std::size_t>(orientation - 1)]) << "orientation " << orientation;
   }
 }
@@ -293,7 +302,7 @@ TEST(PictureFile, CameraOrientationsAreTurnedUpright) {
 TEST(PictureFile, WhatIsCutShortIsRefused) {
   const TestFolder folder;
   const host::Image image = sample(host::Depth::Float);
-  for (const char* name : {"a.png", "a.jpg", "a.tif", "a.exr", "a.dpx"})
+  for (const char* name : {"a.png", "a.jpg", "a.tif", "a.exr", "a.dpx"}) {
     for (const double share : {0.98, 0.5, 0.1, 0.0}) {
       const std::string path = folder / name;
       writePicture(path, formatForOutput("", path),
@@ -303,6 +312,7 @@ TEST(PictureFile, WhatIsCutShortIsRefused) {
       EXPECT_THROW(readAt(path, host::Depth::Bits8), CommandError) << name << " " << share;
       EXPECT_FALSE(isWholePicture(path, image.size())) << name << " " << share;
     }
+  }
 }
 
 TEST(PictureFile, AnOutputThatIsNotCommittedLeavesNothing) {

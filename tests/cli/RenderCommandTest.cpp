@@ -34,7 +34,7 @@ TEST(RenderCommand, PathProtocolAndThreadsDoNotChangeThePicture) {
     const char* path;
   };
   for (const Shape& shape :
-       {Shape{kTurned, "perspective"}, Shape{" --ul 20,10 --ur 60,80 --ll 10,120 --lr 150,140", "bilinear"}})
+       {Shape{kTurned, "perspective"}, Shape{" --ul 20,10 --ur 60,80 --ll 10,120 --lr 150,140", "bilinear"}}) {
     for (const std::string quality : {"high", "standard"}) {
       const std::string common = shape.corners + (" --quality " + quality);
       const auto lines = runWell(folder, "render card.png -o a.png --json" + common).lines();
@@ -48,13 +48,15 @@ TEST(RenderCommand, PathProtocolAndThreadsDoNotChangeThePicture) {
       EXPECT_EQ(difference(folder / "a.png", folder / "b.png"), 0.0) << quality << shape.path;
       EXPECT_GT(difference(folder / "a.png", folder / "card.png"), 0.05);
     }
+  }
 }
 
 TEST(RenderCommand, DepthsAgreeWithinTheirRounding) {
   const TestFolder folder;
   runWell(folder, "testcard -o card.png --size 200x150");
-  for (const std::string depth : {"8", "16", "float"})
+  for (const std::string depth : {"8", "16", "float"}) {
     runWell(folder, "render card.png -o " + depth + ".tif --depth " + depth + kTurned);
+  }
   // Eight bits round three times on the way, to 1/255 each.
   EXPECT_LT(difference(folder / "8.tif", folder / "float.tif"), 1.5 / 255);
   EXPECT_LT(difference(folder / "16.tif", folder / "float.tif"), 1.5 / 65535);
@@ -124,8 +126,9 @@ TEST(RenderCommand, LinearLightBrightensMixesOfBlackAndWhite) {
   const auto output = OIIO::ImageOutput::create("a.png");
   ASSERT_TRUE(output->open(folder / "a.png", OIIO::ImageSpec(64, 64, 1, OIIO::TypeDesc::UINT8)));
   std::vector<std::uint8_t> stripes(64 * 64);
-  for (std::size_t i = 0; i < stripes.size(); ++i)
+  for (std::size_t i = 0; i < stripes.size(); ++i) {
     stripes[i] = i % 2 == 0 ? 0 : 255;
+  }
   output->write_image(OIIO::TypeDesc::UINT8, stripes.data());
   output->close();
   const std::string shrink = " --ul 0,0 --ur 16,0 --ll 0,16 --lr 16,16 --size 16x16";
@@ -148,8 +151,9 @@ TEST(RenderCommand, InfoTellsOfTheModule) {
   EXPECT_EQ(info["parameters"][3]["name"], "Lower Right");
   EXPECT_EQ(info["parameters"][3]["default_percent"], (std::vector<double>{100.0, 100.0}));
   EXPECT_NE(runWell(folder, "info").out.find("Upper Left"), std::string::npos);
-  for (const std::string arguments : {"--help", "render --help", "info --help", "testcard --help"})
+  for (const std::string arguments : {"--help", "render --help", "info --help", "testcard --help"}) {
     EXPECT_EQ(runWell(folder, arguments).out.find("Usage: vantorel") == std::string::npos, false) << arguments;
+  }
   EXPECT_NE(runWell(folder, "--version").out.find("vantorel "), std::string::npos);
 }
 

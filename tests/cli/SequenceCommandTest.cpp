@@ -14,8 +14,9 @@ namespace {
 void makeShot(const TestFolder& folder) {
   runWell(folder, "testcard -o card.png --size 80x60");
   runWell(folder, "testcard -o big.png --size 160x120");
-  for (int frame = 1; frame <= 5; ++frame)
+  for (int frame = 1; frame <= 5; ++frame) {
     runWell(folder, "render big.png -o plate." + std::to_string(frame) + ".jpg --ul 0," + std::to_string(frame));
+  }
   folder.write("track.csv", "1,0,0,60,0,0,40,60,40\n5,40,20,120,10,30,80,130,90\n");
 }
 
@@ -64,8 +65,9 @@ TEST(SequenceCommand, ResumeRendersWhatIsMissingOldOrBroken) {
   EXPECT_EQ(result.code, 0);
   EXPECT_NE(result.err.find("2 of 5 frames were done already"), std::string::npos) << result.err;
   std::set<int> frames;
-  for (const nlohmann::json& line : result.lines())
+  for (const nlohmann::json& line : result.lines()) {
     frames.insert(line["frame"].get<int>());
+  }
   EXPECT_EQ(frames, (std::set<int>{1, 2, 4}));
   // Newer keyframes make every frame old.
   std::filesystem::last_write_time(folder / "track.csv",
@@ -91,8 +93,9 @@ TEST(SequenceCommand, ABrokenFrameStopsTheRunOrIsListed) {
   EXPECT_EQ(listed.code, 1);
   for (const char* part :
        {"frame 1: plate.1.jpg: does not exist", "frame 3: plate.3.jpg: breaks off",
-        "frame 5: plate.5.jpg: its size is 100x100, the shot's is 160x120", "3 of 5 frames failed: 1, 3, 5;"})
+        "frame 5: plate.5.jpg: its size is 100x100, the shot's is 160x120", "3 of 5 frames failed: 1, 3, 5;"}) {
     EXPECT_NE(listed.err.find(part), std::string::npos) << part << "\n" << listed.err;
+  }
   EXPECT_TRUE(std::filesystem::exists(folder / outputName(4)));
   EXPECT_FALSE(std::filesystem::exists(folder / outputName(5)));
 }

@@ -11,10 +11,10 @@ namespace {
 struct Frame {
   std::int32_t command;
   int depth;
-  bool crossed;         // corners that the bilinear renderer draws
-  Log before;           // what precedes the reads that the choice of the path makes
-  Log after;            // what follows them
-  Log afterFailedRead;  // what follows when they fail, which chooses the bilinear path
+  bool crossed;           // corners that the bilinear renderer draws
+  Log before;             // what precedes the reads that the choice of the path makes
+  Log after;              // what follows them
+  Log after_failed_read;  // what follows when they fail, which chooses the bilinear path
 };
 
 std::string callbackOf(const std::string& line) {
@@ -30,23 +30,23 @@ struct Outcome {
 
 Outcome outcomeOf(const Frame& frame, const Log& all, std::size_t failing) {
   const std::string callback = callbackOf(all[failing]);
-  const Log upTo(all.begin(), all.begin() + static_cast<int>(failing) + 1);
+  const Log up_to(all.begin(), all.begin() + static_cast<int>(failing) + 1);
   if (failing >= frame.before.size() && failing < frame.before.size() + kReadCorners.size()) {
-    return {upTo + frame.afterFailedRead, 0, false};
+    return {up_to + frame.after_failed_read, 0, false};
   }
   if (callback == "release" || callback == "fill") {  // ignored
     return {all, 0, false};
   }
   if (all[failing] == "acquire PF iterateFloat Suite 1") {
-    return {upTo + Log{"release PF SamplingFloat Suite 1"}, ERR_SUITE_UNAVAILABLE, false};
+    return {up_to + Log{"release PF SamplingFloat Suite 1"}, ERR_SUITE_UNAVAILABLE, false};
   }
   if (callback == "acquire") {
-    return {upTo + Log{"sprintf Not able to acquire KZFX Suite."}, ERR_FAILED, true};
+    return {up_to + Log{"sprintf Not able to acquire KZFX Suite."}, ERR_FAILED, true};
   }
   if (callback == "get_pixel_format") {
-    return {upTo + Log{"release PF World Suite 2"}, 62, false};
+    return {up_to + Log{"release PF World Suite 2"}, 62, false};
   }
-  return {callback == "iterate_float" ? all : upTo, 62, false};
+  return {callback == "iterate_float" ? all : up_to, 62, false};
 }
 
 void expectOutcomes(const Frame& frame) {
@@ -112,7 +112,7 @@ TEST(Failures, ReadsThatKeepFailingLeaveTheOutputAlone) {
   host.fail("checkout_param", 1, 63, true);
   EXPECT_EQ(host.run(CMD_RENDER), 63);
   EXPECT_EQ(host.output.at<PF_Pixel8>(0, 0).alpha, 0x11);
-  host.handsBackWorlds = false;
+  host.hands_back_worlds = false;
   EXPECT_EQ(host.run(CMD_SMART_RENDER), 0);
   EXPECT_EQ(host.log.back(), "checkout_output fx");
 }

@@ -8,8 +8,8 @@ TEST(FrameSetup, SizesTheOutputToTheWidenedCorners) {
   struct {
     double corners[4][2];
     M_LRect hint;
-    M_LPoint outputOrigin;
-    std::int32_t width, height, originX, originY;
+    M_LPoint output_origin;
+    std::int32_t width, height, origin_x, origin_y;
   } const cases[] = {
       {{{0, 0}, {100, 0}, {100, 80}, {0, 80}}, {-1, -1, 101, 81}, {0, 0}, 102, 82, 1, 1},
       {{{0.25, 0}, {10.5, 0}, {10.5, 8}, {0.25, 8}}, {-99, -99, 99, 99}, {0, 0}, 13, 10, 1, 1},
@@ -23,16 +23,16 @@ TEST(FrameSetup, SizesTheOutputToTheWidenedCorners) {
     ScriptedHost host(8, {100, 80});
     host.setCorners(c.corners);
     host.output.world.extent_hint = c.hint;
-    host.in.output_origin_x = c.outputOrigin.x;
-    host.in.output_origin_y = c.outputOrigin.y;
+    host.in.output_origin_x = c.output_origin.x;
+    host.in.output_origin_y = c.output_origin.y;
     EXPECT_EQ(host.run(CMD_FRAME_SETUP), 0);
     const bool bilinear = c.corners[0][0] > c.corners[1][0];
     EXPECT_EQ(host.log, bilinear ? kReadCorners : kReadCorners + kReadCorners);
     EXPECT_TRUE(host.outIs([&](PF_OutData& out) {
       out.width = c.width;
       out.height = c.height;
-      out.origin_x = c.originX;
-      out.origin_y = c.originY;
+      out.origin_x = c.origin_x;
+      out.origin_y = c.origin_y;
     })) << host.out.width
         << "x" << host.out.height << " at " << host.out.origin_x << ", " << host.out.origin_y;
   }
@@ -76,9 +76,9 @@ TEST(PreRender, UnitesTheCheckoutWithTheCornersInsideTheRequest) {
   constexpr M_LRect kAround = {-1, -1, 101, 81};
   struct {
     M_FloatRect corners;
-    M_LRect request, delivered, largest, expected, expectedLargest;
+    M_LRect request, delivered, largest, expected, expected_largest;
     std::uint32_t downsample;
-    int outputOrigin;  // counts on the perspective path alone
+    int output_origin;  // counts on the perspective path alone
   } const cases[] = {
       {{0, 0, 100, 80}, kWide, kLayer, kNo, kAround, kAround, 1, 0},
       // Cut to the host's own request, not to the whole layer.
@@ -95,7 +95,7 @@ TEST(PreRender, UnitesTheCheckoutWithTheCornersInsideTheRequest) {
   for (const auto& c : cases) {
     ScriptedHost host(8, {100, 80});
     host.in.downsample_x_den = host.in.downsample_y_den = c.downsample;
-    host.in.output_origin_x = c.outputOrigin;
+    host.in.output_origin_x = c.output_origin;
     const M_FloatRect& q = c.corners;
     host.setCorners({{q.left, q.top}, {q.right, q.top}, {q.right, q.bottom}, {q.left, q.bottom}});
     host.request.rect = c.request;
@@ -103,7 +103,7 @@ TEST(PreRender, UnitesTheCheckoutWithTheCornersInsideTheRequest) {
     host.result = {kAlone, kAlone};
     EXPECT_EQ(host.run(CMD_PRE_RENDER), 0);
     EXPECT_TRUE(std::memcmp(&host.result.result_rect, &c.expected, sizeof c.expected) == 0) << &c - cases;
-    EXPECT_TRUE(std::memcmp(&host.result.max_result_rect, &c.expectedLargest, sizeof c.expected) == 0) << &c - cases;
+    EXPECT_TRUE(std::memcmp(&host.result.max_result_rect, &c.expected_largest, sizeof c.expected) == 0) << &c - cases;
   }
 }
 

@@ -21,9 +21,9 @@ void expectQuad(const Point* p, const Quad& expected, double tolerance) {
   }
 }
 
-void expectMap(Quad quad, unsigned char toQuad, const double (&rows)[3][3]) {
+void expectMap(Quad quad, unsigned char to_quad, const double (&rows)[3][3]) {
   M_Matrix3 m(false);
-  EXPECT_EQ(KZFX_MapUnitSquareToFromQuad(quad.data(), &m, toQuad), 1);
+  EXPECT_EQ(KZFX_MapUnitSquareToFromQuad(quad.data(), &m, to_quad), 1);
   for (int i = 0; i < 9; ++i) {
     EXPECT_NEAR(m.m[i / 3][i % 3], rows[i / 3][i % 3], 1e-13) << i;
   }
@@ -140,8 +140,8 @@ TEST(CornerPoints, CarryTheWholeBuffer) {
   // The product wraps at 32 bits, the denominator is unsigned, and a size has its fraction.
   host.in.width = host.in.height = host.in.downsample_x_num = host.in.downsample_y_num = 65537;
   host.in.downsample_x_den = 0x80000000u;
-  EXPECT_EQ(ScaledLayerSize(&host.in).width, 131073 / 2147483648.0);
-  EXPECT_EQ(ScaledLayerSize(&host.in).height, 131073 / 2.0);
+  EXPECT_EQ(scaledLayerSize(&host.in).width, 131073 / 2147483648.0);
+  EXPECT_EQ(scaledLayerSize(&host.in).height, 131073 / 2.0);
   EXPECT_TRUE(host.outIs());
 }
 
@@ -185,7 +185,7 @@ TEST(PathChoice, SendsTheRightQuadsToEachRenderer) {
   ScriptedHost host(8, {100, 80});
   host.setCorners({{0, 0}, {1, 0}, {2, 3}, {0, 4}});
   EXPECT_FALSE(UseBilinear(&host.in, &host.out, &host.input.world));
-  host.squareRootFactor = 1e-13;
+  host.square_root_factor = 1e-13;
   EXPECT_TRUE(UseBilinear(&host.in, &host.out, &host.input.world));
   EXPECT_TRUE(host.outIs());
 }

@@ -31,12 +31,12 @@ TEST(StringTable, HasTheBytesThatHostsRead) {
   ScriptedHost host;
   host.run(CMD_GLOBAL_SETUP);
   // Words of 8 bytes, as a host sees them from the reference on.
-  const auto* const header = static_cast<const std::uint64_t*>(host.registeredTable);
+  const auto* const header = static_cast<const std::uint64_t*>(host.registered_table);
   const auto* const rows = reinterpret_cast<const std::uint64_t*>(header[2]);
   EXPECT_STREQ(reinterpret_cast<const char*>(header[0]), "FX");
   EXPECT_EQ(header[1], 7u);
   EXPECT_EQ(header[3], 0u);
-  EXPECT_EQ(std::memcmp(&FX_G_zref, &host.registeredTable, 8), 0);
+  EXPECT_EQ(std::memcmp(&FX_G_zref, &host.registered_table, 8), 0);
   host.strings = {
       "",           "Upper Left",  "Upper Right",
       "Lower Left", "Lower Right", "Vantorel cannot allocate a buffer larger than %d pixels in either dimension."};
@@ -59,16 +59,16 @@ TEST(StringTable, HasTheBytesThatHostsRead) {
 }
 
 TEST(GlobalSetup, DeclaresTheEffectAndKeepsTheHostsReference) {
-  for (const bool hostAllocates : {true, false}) {
+  for (const bool host_allocates : {true, false}) {
     ScriptedHost host;
     host.in.global_data = nullptr;
-    if (!hostAllocates) {
+    if (!host_allocates) {
       host.utilities.new_handle = nullptr;
       host.utilities.dispose_handle = nullptr;
     }
     EXPECT_EQ(host.run(CMD_GLOBAL_SETUP), 0);
     ASSERT_NE(host.in.global_data, nullptr);
-    EXPECT_EQ(*static_cast<void**>(*host.in.global_data), host.replacementTable);
+    EXPECT_EQ(*static_cast<void**>(*host.in.global_data), host.replacement_table);
     EXPECT_TRUE(host.outIs([&](PF_OutData& out) {
       out.version = 0x00100600;
       out.global_data = host.in.global_data;
@@ -78,24 +78,24 @@ TEST(GlobalSetup, DeclaresTheEffectAndKeepsTheHostsReference) {
     host.fail("unregister_string_table", 1, 73);  // ignored
     EXPECT_EQ(host.run(CMD_GLOBAL_SETDOWN), 0);
     EXPECT_TRUE(host.in.global_data == nullptr && host.out.global_data == nullptr);
-    EXPECT_EQ(host.log, hostAllocates ? (Log{kRegister, "new_handle 8", kUnregister, "dispose_handle handle"})
-                                      : (Log{kRegister, kUnregister}));
+    EXPECT_EQ(host.log, host_allocates ? (Log{kRegister, "new_handle 8", kUnregister, "dispose_handle handle"})
+                                       : (Log{kRegister, kUnregister}));
     EXPECT_EQ(host.run(CMD_GLOBAL_SETDOWN), 0);  // no block: nothing to undo
-    EXPECT_EQ(host.log.back(), hostAllocates ? "dispose_handle handle" : kUnregister);
+    EXPECT_EQ(host.log.back(), host_allocates ? "dispose_handle handle" : kUnregister);
   }
 }
 
 TEST(GlobalSetup, LeavesNothingBehindOnFailure) {
   for (const bool registers : {true, false}) {
-    for (const bool referenceIsNull : {true, false}) {
+    for (const bool reference_is_null : {true, false}) {
       ScriptedHost host;
       host.in.global_data = nullptr;
-      host.replacementTable = referenceIsNull ? nullptr : host.replacementTable;
+      host.replacement_table = reference_is_null ? nullptr : host.replacement_table;
       host.fail(registers ? "new_handle" : "register_string_table", 1, 71);
       host.fail("unregister_string_table", 1, 72);  // ignored
       EXPECT_EQ(host.run(CMD_GLOBAL_SETUP), registers ? ERR_OUT_OF_MEMORY : 71);
       EXPECT_EQ(host.log, Log{kRegister} + (registers ? Log{"new_handle 8"} : Log{}) +
-                              (referenceIsNull ? Log{} : Log{kUnregister}) + Log{"strcpy " + kSetupFailed});
+                              (reference_is_null ? Log{} : Log{kUnregister}) + Log{"strcpy " + kSetupFailed});
       EXPECT_EQ(host.in.global_data, nullptr);
       EXPECT_TRUE(host.outIs([](PF_OutData& out) {
         out.out_flags |= OUT_FLAG_SHOW_MESSAGE;

@@ -20,7 +20,7 @@ struct Family8 {
   static constexpr auto mix = MixPixels;
   static constexpr auto average = PixAverage;
   static constexpr auto sample = GetAPixel;
-  static constexpr auto sampleRow = GetHSeg;
+  static constexpr auto sample_row = GetHSeg;
 };
 
 struct Family16 {
@@ -30,7 +30,7 @@ struct Family16 {
   static constexpr auto mix = MixPixels16;
   static constexpr auto average = PixAverage16;
   static constexpr auto sample = GetAPixel16;
-  static constexpr auto sampleRow = GetHSeg16;
+  static constexpr auto sample_row = GetHSeg16;
 };
 
 struct FamilyFloat {
@@ -40,7 +40,7 @@ struct FamilyFloat {
   static constexpr auto mix = MixPixelsFloat;
   static constexpr auto average = PixAverageFloat;
   static constexpr auto sample = GetAPixelFloat;
-  static constexpr auto sampleRow = GetHSegFloat;
+  static constexpr auto sample_row = GetHSegFloat;
 };
 
 template <typename Family>
@@ -63,16 +63,16 @@ TEST(FixedPoint, MultiplyDivideInSinglePrecision) {
 
 TYPED_TEST(Pixels, MixAndAverage) {
   using F = TypeParam;
-  constexpr bool isFloat = std::is_same_v<F, FamilyFloat>;
+  constexpr bool is_float = std::is_same_v<F, FamilyFloat>;
   const auto mixed = [](int a, int b, int weight) { return F::channel(F::mix(F::gray(a), F::gray(b), weight)); };
   EXPECT_EQ(mixed(10, 200, kOne), 10);
   EXPECT_EQ(mixed(10, 200, kOne - 1), 200);
-  EXPECT_EQ(mixed(255, 0, 32768), isFloat ? double(255.0F - 255.0F * (128 / 255.0F)) : 127);
-  EXPECT_EQ(mixed(10, 0, 256), isFloat ? double(10.0F - 10.0F * (1 / 255.0F)) : 9);
-  EXPECT_EQ(mixed(0, 10, 256 - 3 * kOne), isFloat ? double(10.0F * (1 / 255.0F)) : 0);
+  EXPECT_EQ(mixed(255, 0, 32768), is_float ? double(255.0F - 255.0F * (128 / 255.0F)) : 127);
+  EXPECT_EQ(mixed(10, 0, 256), is_float ? double(10.0F - 10.0F * (1 / 255.0F)) : 9);
+  EXPECT_EQ(mixed(0, 10, 256 - 3 * kOne), is_float ? double(10.0F * (1 / 255.0F)) : 0);
   EXPECT_EQ(MixPixels(0x00FF0A00, 0xFF000000, 32768), 0x7F7F0500u);  // channels do not mingle
-  EXPECT_EQ(F::channel(F::average(F::gray(1), F::gray(1))), isFloat ? 1 : 0);
-  EXPECT_EQ(F::channel(F::average(F::gray(255), F::gray(4))), isFloat ? 129.5 : 129);
+  EXPECT_EQ(F::channel(F::average(F::gray(1), F::gray(1))), is_float ? 1 : 0);
+  EXPECT_EQ(F::channel(F::average(F::gray(255), F::gray(4))), is_float ? 129.5 : 129);
 }
 
 // Pixels 0, 10, 20 .. 70, sampled along a row and down a column (with padded rows) at every kind of position.
@@ -97,13 +97,14 @@ TYPED_TEST(Pixels, SampleAlongBothAxes) {
     const int step = static_cast<int>(c.step * kOne);
     // The address of the position's pixel may lie outside the world.
     using Argument = std::conditional_t<kBytes == 4, int, Pixel>;
-    const auto pixelAt = [at](const GuardedWorld& world, int pitch) {
+    const auto pixel_at = [at](const GuardedWorld& world, int pitch) {
       return reinterpret_cast<Argument*>(reinterpret_cast<std::intptr_t>(world.world.data) +
                                          std::intptr_t{at >> 16} * pitch);
     };
-    EXPECT_EQ(F::channel(F::sampleRow(pixelAt(wide, kBytes), at, step, 8)), c.expected) << c.position << " " << c.step;
-    EXPECT_EQ(F::channel(F::sample(pixelAt(wide, kBytes), 0, at, 0, step, kOne, 8, 1)), c.expected);
-    const int rowBytes = tall.world.row_bytes;
-    EXPECT_EQ(F::channel(F::sample(pixelAt(tall, rowBytes), rowBytes, 0, at, kOne, step, 1, 8)), c.expected);
+    EXPECT_EQ(F::channel(F::sample_row(pixel_at(wide, kBytes), at, step, 8)), c.expected)
+        << c.position << " " << c.step;
+    EXPECT_EQ(F::channel(F::sample(pixel_at(wide, kBytes), 0, at, 0, step, kOne, 8, 1)), c.expected);
+    const int row_bytes = tall.world.row_bytes;
+    EXPECT_EQ(F::channel(F::sample(pixel_at(tall, row_bytes), row_bytes, 0, at, kOne, step, 1, 8)), c.expected);
   }
 }

@@ -46,15 +46,15 @@ RC_GTEST_PROP(RowWalk, EqualsItsStepsToTheBit, ()) {
     const int pixels = *rc::gen::inRange(1, 100);
     total += pixels;
     std::vector<double> values(static_cast<std::size_t>(pixels));
-    StoreAlong(&stored, pixels, values.data());
+    storeAlong(&stored, pixels, values.data());
     for (const double value : values) {
       at_along += coordinate.right;
       RC_ASSERT(sameBits(value, at_along));
       const double centre = at_round + coordinate.right;
       at_round = centre + coordinate.right + coordinate.down - coordinate.right - coordinate.down;
     }
-    WalkAlong(&along, pixels);
-    WalkRound(&round, pixels);
+    walkAlong(&along, pixels);
+    walkRound(&round, pixels);
     RC_ASSERT(sameBits(stored.at, at_along) && sameBits(along.u.at, at_along) && sameBits(along.w.at, at_along));
     RC_ASSERT(sameBits(round.u.at, at_round) && sameBits(round.w.at, at_round));
   }
@@ -62,8 +62,8 @@ RC_GTEST_PROP(RowWalk, EqualsItsStepsToTheBit, ()) {
 
 TEST(RowWalk, PassesOverLongRunsAtOnce) {
   RowWalk walk{{1000.0, 0.1, 0.3}, {1.0, 0.0, 0.0}, {0.7, -1e-5, 1e-5}};
-  EXPECT_GE(KnownRun(&walk), 200);
+  EXPECT_GE(knownRun(&walk), 200);
   walk.u.at = 1023.0;  // ten steps before its exponent changes
   walk.u.run = 0;
-  EXPECT_LT(KnownRun(&walk), 20);
+  EXPECT_LT(knownRun(&walk), 20);
 }

@@ -127,9 +127,9 @@ void checkAllSamplers(ScriptedHost& host, KZFX_PerspectiveInfo info, std::int32_
   exported(KZFX_TracePointHi16, high);
   exported(KZFX_TracePointHiFloat, high);
   for (const InstructionSet set : {InstructionSet::Plain, InstructionSet::Avx2, InstructionSet::Avx512}) {
-    if (const RowBlockFunctions* const functions = RowBlockFunctionsFor(set)) {
-      checkRow<PF_Pixel8>(host, standard, [&](PF_Pixel8* out) { TraceStandardRow(&info, x, y, out, *functions); });
-      checkRow<PF_Pixel8>(host, high, [&](PF_Pixel8* out) { TraceHighQualityRow(&info, x, y, out, *functions); });
+    if (const RowBlockFunctions* const functions = rowBlockFunctionsFor(set)) {
+      checkRow<PF_Pixel8>(host, standard, [&](PF_Pixel8* out) { traceStandardRow(&info, x, y, out, *functions); });
+      checkRow<PF_Pixel8>(host, high, [&](PF_Pixel8* out) { traceHighQualityRow(&info, x, y, out, *functions); });
     }
   }
 }
@@ -224,8 +224,8 @@ TEST(RowSamplers, WholeFramesEqualThePlainComputation) {
       return RowWalk{coordinate(0, kWidth), coordinate(1, kHeight), coordinate(2, 1.0)};
     };
     for (const InstructionSet set : {InstructionSet::Avx2, InstructionSet::Avx512}) {
-      const RowBlockFunctions* const plain = RowBlockFunctionsFor(InstructionSet::Plain);
-      const RowBlockFunctions* const functions = RowBlockFunctionsFor(set);
+      const RowBlockFunctions* const plain = rowBlockFunctionsFor(InstructionSet::Plain);
+      const RowBlockFunctions* const functions = rowBlockFunctionsFor(set);
       for (int y = 0; functions != nullptr && y < kHeight; ++y) {
         RowWalk expected_walk = walk_at(y);
         RowWalk walk = expected_walk;
@@ -265,8 +265,8 @@ TEST(RowSamplers, PixelsByTheVanishingLineAreNotWalkedRound) {
 
 TEST(RowSamplers, WorkedPositionsAndBoxes) {
   struct {
-    int inputWidth, inputHeight, quality, x, y;
-    double sampleX, sampleY;
+    int input_width, input_height, quality, x, y;
+    double sample_x, sample_y;
     std::int32_t radius, area;
   } const cases[] = {{100, 50, 0, 116, 45, 106, 25, 32768, 65536},
                      {100, 50, 1, 60, 45, 50, 25, 32768, 65536},
@@ -275,16 +275,16 @@ TEST(RowSamplers, WorkedPositionsAndBoxes) {
                      {25, 25, 1, 60, 45, 12.5, 12.5, 32768, 65536}};
   for (const auto& c : cases) {
     ScriptedHost host(8, {4, 4}, {200, 100});
-    host.in.width = host.input.world.width = c.inputWidth;  // the scripted samplers read no pixels
-    host.in.height = host.input.world.height = c.inputHeight;
+    host.in.width = host.input.world.width = c.input_width;  // the scripted samplers read no pixels
+    host.in.height = host.input.world.height = c.input_height;
     host.setCorners({{10, 20}, {110, 20}, {110, 70}, {10, 70}});
     host.in.quality = c.quality;
     ASSERT_EQ(host.run(CMD_SMART_RENDER), 0);
     ASSERT_EQ(host.samples.size(), 61u * 111u);  // rows 15 to 75, columns 6 to 116
     const Sample& s = host.samples[static_cast<std::size_t>((c.y - 15) * 111 + c.x - 6)];
     // The double truncation at standard quality may lose a unit of 1/65536.
-    EXPECT_NEAR(s.x, c.sampleX * 65536, 1 - c.quality) << c.x;
-    EXPECT_NEAR(s.y, c.sampleY * 65536, 1 - c.quality) << c.y;
+    EXPECT_NEAR(s.x, c.sample_x * 65536, 1 - c.quality) << c.x;
+    EXPECT_NEAR(s.y, c.sample_y * 65536, 1 - c.quality) << c.y;
     EXPECT_EQ(s, (Sample{s.x, s.y, c.radius, c.radius, c.area, &host.input.world}));
   }
 }

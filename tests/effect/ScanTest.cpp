@@ -126,14 +126,14 @@ void referenceRow(const ReferenceChain& a, const ReferenceChain& b, int cover, s
 Picture referenceScan(const Corners& s, const Corners& q, int before) {
   Picture out(8, std::vector<int>(10, before));
   const auto at = [](const Corners& corners, int i) { return corners[std::size_t(i)]; };
-  int top = 0, yMax = q[0].y;
+  int top = 0, y_max = q[0].y;
   for (int i = 1; i < 4; ++i) {
     top = at(q, i).y < at(q, top).y ? i : top;
-    yMax = std::max(yMax, at(q, i).y);
+    y_max = std::max(y_max, at(q, i).y);
   }
   int y = at(q, top).y;
   ReferenceChain a{3, top, (top + 3) % 4}, b{1, top, (top + 1) % 4};
-  const auto passed = [&](const ReferenceChain& c) { return a.to != b.to && y < yMax && y >= at(q, c.to).y; };
+  const auto passed = [&](const ReferenceChain& c) { return a.to != b.to && y < y_max && y >= at(q, c.to).y; };
   for (ReferenceChain* c : {&a, &b}) {
     while (passed(*c)) {
       c->step();
@@ -145,7 +145,7 @@ Picture referenceScan(const Corners& s, const Corners& q, int before) {
     c->slope = rise == 0 ? 0 : int(run / rise * 65536);
   }
   bool last = false;
-  for (int cover = 0; y < yMax;) {
+  for (int cover = 0; y < y_max;) {
     cover = (y & 65535) != 0 ? kOne - (y & 65535) : cover;
     bool flat = false;
     for (ReferenceChain* c : {&a, &b}) {
@@ -170,8 +170,8 @@ Picture referenceScan(const Corners& s, const Corners& q, int before) {
       c->x += cover != 0 ? KZ_FixMulDiv(c->slope, cover, kOne) : c->slope;
     }
     y += cover == 0 || last ? kOne : cover;
-    cover = y > yMax - kOne && !last ? yMax - y : 0;
-    last = last || y > yMax - kOne;
+    cover = y > y_max - kOne && !last ? y_max - y : 0;
+    last = last || y > y_max - kOne;
   }
   return out;
 }

@@ -41,9 +41,9 @@ std::int32_t call(const std::string& callback, const Arguments&... arguments) {
 }
 
 template <typename Pixel>
-std::int32_t sample(void* effectRef, std::int32_t x, std::int32_t y, const PF_SampleParams* p, Pixel* out) {
+std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_SampleParams* p, Pixel* out) {
   current->samples.push_back({x, y, p->x_radius, p->y_radius, p->area, p->source});
-  if (current->samplerWrites && effectRef == current->in.effect_ref) {
+  if (current->sampler_writes && effect_ref == current->in.effect_ref) {
     *out = pixelFromCode<Pixel>(static_cast<std::uint32_t>(current->samples.size()));
   }
   return 99;
@@ -56,7 +56,7 @@ std::int32_t iterateArea(const std::string& kind, PF_InData* in, std::int32_t ba
   const std::string depth = sizeof(Pixel) == 4 ? "8" : sizeof(Pixel) == 8 ? "16" : "float";
   const std::int32_t code = call(kind + depth, static_cast<void*>(in), base, total, source, area, origin...,
                                  reinterpret_cast<const void*>(function), destination);
-  current->onIterate(refcon);
+  current->on_iterate(refcon);
   for (int y = area->top; code == 0 && y < area->bottom; ++y) {
     for (int x = area->left; x < area->right; ++x) {
       auto* const row = static_cast<char*>(destination->data) + std::ptrdiff_t{y} * destination->row_bytes;
@@ -104,7 +104,7 @@ const PF_WorldSuite2 kWorldSuite = {
     },
     nullptr,
     [](PF_LayerDef* world, std::int32_t* format) {
-      *format = current->pixelFormat;
+      *format = current->pixel_format;
       return call("get_pixel_format", world);
     }};
 const PF_iterateFloatSuite1 kIterateFloatSuite = {iterate<PF_PixelFloat>, iterateOrigin<PF_PixelFloat, true>,
@@ -128,8 +128,8 @@ void fillCallbacks(PF_InData* in) {
                 d->param_flags, p.point_x, p.point_y, p.point_default_x, p.point_default_y);
   };
   in->register_string_table = [](void** reference, std::int32_t format) {
-    current->registeredTable = *reference;
-    *reference = current->replacementTable;
+    current->registered_table = *reference;
+    *reference = current->replacement_table;
     return call("register_string_table", format);
   };
   in->lookup_string = [](void* reference, std::int32_t row, std::int32_t zero, void* null) {
@@ -157,7 +157,7 @@ void fillUtilities(PF_UtilityCallbacks* u) {
   };
   u->dispose_handle = [](PF_Handle handle) { call("dispose_handle", handle); };
   u->ceil = [](double value) { return std::ceil(value); };
-  u->sqrt = [](double value) { return current->squareRootFactor * std::sqrt(value); };
+  u->sqrt = [](double value) { return current->square_root_factor * std::sqrt(value); };
   u->sprintf = formatMessage;
   u->strcpy = [](char* destination, const char* source) {
     call("strcpy", source);
@@ -168,17 +168,17 @@ void fillUtilities(PF_UtilityCallbacks* u) {
 std::int32_t checkoutLayer(void* ref, std::int32_t index, std::int32_t id, const PF_RenderRequest* request,
                            std::int32_t time, std::int32_t step, std::uint32_t scale, PF_CheckoutResult* out) {
   *out = current->checkout;
-  const bool sameTail = std::memcmp(request->reserved, current->request.reserved, sizeof request->reserved) == 0;
-  return call(sameTail ? "checkout_layer" : "?", ref, index, id, &request->rect, time, step, scale);
+  const bool same_tail = std::memcmp(request->reserved, current->request.reserved, sizeof request->reserved) == 0;
+  return call(same_tail ? "checkout_layer" : "?", ref, index, id, &request->rect, time, step, scale);
 }
 
 std::int32_t checkoutPixels(void* ref, std::int32_t id, PF_LayerDef** world) {
-  *world = current->handsBackWorlds ? &current->input.world : nullptr;
+  *world = current->hands_back_worlds ? &current->input.world : nullptr;
   return call("checkout_layer_pixels", ref, id);
 }
 
 std::int32_t checkoutOutput(void* ref, PF_LayerDef** world) {
-  *world = current->handsBackWorlds ? &current->output.world : nullptr;
+  *world = current->hands_back_worlds ? &current->output.world : nullptr;
   return call("checkout_output", ref);
 }
 
@@ -194,35 +194,35 @@ Log operator+(Log a, const Log& b) {
   return a;
 }
 
-GuardedWorld::GuardedWorld(int depth, int width, int height) : pixelRowBytes_(std::size_t(width) * (depth / 2)) {
-  const std::size_t rowBytes = pixelRowBytes_ + std::size_t(depth / 2) * 3;
-  bytes_.assign(2 * kGuardBytes + rowBytes * std::size_t(height), kGuard);
-  world = {bytes_.data() + kGuardBytes, static_cast<std::int32_t>(rowBytes), width, height, {0, 0, width, height}};
+GuardedWorld::GuardedWorld(int depth, int width, int height) : pixel_row_bytes_(std::size_t(width) * (depth / 2)) {
+  const std::size_t row_bytes = pixel_row_bytes_ + std::size_t(depth / 2) * 3;
+  bytes_.assign(2 * kGuardBytes + row_bytes * std::size_t(height), kGuard);
+  world = {bytes_.data() + kGuardBytes, static_cast<std::int32_t>(row_bytes), width, height, {0, 0, width, height}};
   fillBytes(0);
 }
 
 void GuardedWorld::fillBytes(std::uint8_t value) {
   for (int y = 0; y < world.height; ++y) {
-    std::memset(&at<char>(0, y), value, pixelRowBytes_);
+    std::memset(&at<char>(0, y), value, pixel_row_bytes_);
   }
 }
 
 bool GuardedWorld::guardsIntact() const {
   std::vector<std::uint8_t> rest = bytes_;
   for (int y = 0; y < world.height; ++y) {
-    std::memset(rest.data() + kGuardBytes + std::ptrdiff_t{y} * world.row_bytes, kGuard, pixelRowBytes_);
+    std::memset(rest.data() + kGuardBytes + std::ptrdiff_t{y} * world.row_bytes, kGuard, pixel_row_bytes_);
   }
   return std::ranges::all_of(rest, [](std::uint8_t byte) { return byte == kGuard; });
 }
 
-ScriptedHost::ScriptedHost(int depth, M_LPoint layerSize, M_LPoint outputSize)
+ScriptedHost::ScriptedHost(int depth, M_LPoint layer_size, M_LPoint output_size)
     : entry(EffectMainExtra),
-      input(depth, layerSize.x, layerSize.y),
-      output(depth, outputSize.x, outputSize.y),
-      replacementTable(block),
-      pixelFormat(depth == 8    ? PF_PIXEL_FORMAT_ARGB8
-                  : depth == 16 ? PF_PIXEL_FORMAT_ARGB16
-                                : PF_PIXEL_FORMAT_ARGB32F),
+      input(depth, layer_size.x, layer_size.y),
+      output(depth, output_size.x, output_size.y),
+      replacement_table(block),
+      pixel_format(depth == 8    ? PF_PIXEL_FORMAT_ARGB8
+                   : depth == 16 ? PF_PIXEL_FORMAT_ARGB16
+                                 : PF_PIXEL_FORMAT_ARGB32F),
       block{block},
       handle(block) {
   current = this;
@@ -240,15 +240,15 @@ ScriptedHost::ScriptedHost(int depth, M_LPoint layerSize, M_LPoint outputSize)
   in.current_time = 5;
   in.time_step = 2;
   in.time_scale = 24;
-  in.width = layerSize.x;
-  in.height = layerSize.y;
+  in.width = layer_size.x;
+  in.height = layer_size.y;
   in.downsample_x_num = in.downsample_y_num = 1;
   in.downsample_x_den = in.downsample_y_den = 1;
   values[0].value.layer_world = input.world;
-  const double w = layerSize.x;
-  const double h = layerSize.y;
+  const double w = layer_size.x;
+  const double h = layer_size.y;
   setCorners({{0, 0}, {w, 0}, {w, h}, {0, h}});
-  request.rect = {0, 0, layerSize.x, layerSize.y};
+  request.rect = {0, 0, layer_size.x, layer_size.y};
   std::memset(request.reserved, 0x5C, sizeof request.reserved);
   checkout = {request.rect, request.rect};
   names = {{in.effect_ref, "fx"},
@@ -259,7 +259,7 @@ ScriptedHost::ScriptedHost(int depth, M_LPoint layerSize, M_LPoint outputSize)
            {&output.world, "output"},
            {&values[0].value.layer_world, "input"}};
   std::memset(static_cast<void*>(&out), 0xA5, sizeof out);
-  outAtFirst_.assign(reinterpret_cast<const char*>(&out), sizeof out);
+  out_at_first_.assign(reinterpret_cast<const char*>(&out), sizeof out);
 }
 
 ScriptedHost::~ScriptedHost() {
@@ -281,10 +281,10 @@ void ScriptedHost::fail(const std::string& callback, int nth, std::int32_t code,
 
 std::int32_t ScriptedHost::run(std::int32_t command) {
   PF_ParamDef* params[5] = {&values[0], &values[1], &values[2], &values[3], &values[4]};
-  PF_PreRenderCallbacks preCallbacks = {checkoutLayer};
-  PF_PreRenderExtra pre = {&request, &result, &preCallbacks};
-  PF_SmartRenderCallbacks smartCallbacks = {checkoutPixels, nullptr, checkoutOutput};
-  PF_SmartRenderExtra smart = {&smartCallbacks};
+  PF_PreRenderCallbacks pre_callbacks = {checkoutLayer};
+  PF_PreRenderExtra pre = {&request, &result, &pre_callbacks};
+  PF_SmartRenderCallbacks smart_callbacks = {checkoutPixels, nullptr, checkoutOutput};
+  PF_SmartRenderExtra smart = {&smart_callbacks};
   if (command == CMD_PRE_RENDER || command == CMD_SMART_RENDER) {
     void* const extra = command == CMD_PRE_RENDER ? static_cast<void*>(&pre) : &smart;
     return entry(command, &in, &out, nullptr, nullptr, extra);
@@ -294,7 +294,7 @@ std::int32_t ScriptedHost::run(std::int32_t command) {
 
 bool ScriptedHost::outIs(const std::function<void(PF_OutData&)>& change) const {
   PF_OutData expected;
-  std::memcpy(static_cast<void*>(&expected), outAtFirst_.data(), sizeof expected);
+  std::memcpy(static_cast<void*>(&expected), out_at_first_.data(), sizeof expected);
   change(expected);
   return std::memcmp(&expected, &out, sizeof out) == 0;
 }

@@ -53,17 +53,17 @@ class GuardedWorld {
 
  private:
   std::vector<std::uint8_t> bytes_;
-  std::size_t pixelRowBytes_;
+  std::size_t pixel_row_bytes_;
 };
 
 class ScriptedHost {
  public:
-  explicit ScriptedHost(int depth = 8, M_LPoint layerSize = {8, 6}, M_LPoint outputSize = {8, 6});
+  explicit ScriptedHost(int depth = 8, M_LPoint layer_size = {8, 6}, M_LPoint output_size = {8, 6});
   ~ScriptedHost();
   ScriptedHost(const ScriptedHost&) = delete;
 
   // Sets the values of the four point parameters, in pixels, given once round the quadrilateral.
-  void setCorners(const double (&cornersInPixels)[4][2]);
+  void setCorners(const double (&corners_in_pixels)[4][2]);
 
   // The nth call (from 1 on) of the named callback gives `code`; with `ever`, so do all after it.
   void fail(const std::string& callback, int nth, std::int32_t code, bool ever = false);
@@ -87,16 +87,16 @@ class ScriptedHost {
 
   std::vector<std::string> strings{"About %ld.%ld", "Upper Left",  "Upper Right",
                                    "Lower Left",    "Lower Right", "Limit %d"};
-  void* registeredTable = nullptr;            // what the effect registered
-  void* replacementTable;                     // what the host leaves in the reference instead
+  void* registered_table = nullptr;           // what the effect registered
+  void* replacement_table;                    // what the host leaves in the reference instead
   std::map<std::string, const void*> suites;  // by "name/version"
-  std::int32_t pixelFormat;
+  std::int32_t pixel_format;
   void* block[1];  // the effect's global block: a string-table reference
   void* handle;
-  double squareRootFactor = 1.0;
-  std::function<void(void*)> onIterate = [](void*) {};  // sees the iteration's reference value
-  bool samplerWrites = true;
-  bool handsBackWorlds = true;
+  double square_root_factor = 1.0;
+  std::function<void(void*)> on_iterate = [](void*) {};  // sees the iteration's reference value
+  bool sampler_writes = true;
+  bool hands_back_worlds = true;
 
   Log log;                                   // every call except those of ceil and sqrt
   std::map<const void*, std::string> names;  // how pointers are called in the log
@@ -107,7 +107,7 @@ class ScriptedHost {
  private:
   std::map<std::string, int> calls_;
   std::map<std::string, std::function<std::int32_t(int)>> failures_;
-  std::string outAtFirst_;
+  std::string out_at_first_;
 };
 
 // What reading the four corner parameters, and asking for the output's depth, leave in the log.

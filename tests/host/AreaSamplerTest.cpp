@@ -25,7 +25,7 @@ PF_AreaSampler<Pixel> samplerOf(const AreaSamplers& samplers) {
   } else if constexpr (std::is_same_v<Pixel, PF_Pixel16>) {
     return samplers.sample16;
   } else {
-    return samplers.sampleFloat;
+    return samplers.sample_float;
   }
 }
 
@@ -173,13 +173,13 @@ TEST(AreaSamplerFloat, WholePositionsCopyEveryBitAndNoWeightlessNeighbourMatters
     for (const AreaSamplers* samplers : {&referenceAreaSamplers(), &areaSamplers()}) {
       const PF_SampleParams params{32768, 32768, 65536, &world, {}};
       PF_PixelFloat out;
-      samplers->sampleFloat(nullptr, 65536, 65536, &params, &out);
+      samplers->sample_float(nullptr, 65536, 65536, &params, &out);
       EXPECT_TRUE(sameBits(out, middle())) << value;
 
       const float half[4] = {0.5F, 0.25F, 1.0F, 8.0F};
       std::memcpy(image.view().pixel(1, 1), half, sizeof(half));
       std::memcpy(image.view().pixel(1, 2), half, sizeof(half));
-      samplers->sampleFloat(nullptr, 65536, 65536 + 32768, &params, &out);
+      samplers->sample_float(nullptr, 65536, 65536 + 32768, &params, &out);
       EXPECT_TRUE(sameBits(out, middle())) << "between two equal pixels";
     }
   }

@@ -74,7 +74,7 @@ Image waves(Size size, Depth depth, double wavelength) {
 
 Image dirty(Size size, Depth depth) {
   Image image = orThrow(Image::create(size, depth));
-  std::memset(image.view().data, 0xDB, static_cast<std::size_t>(image.view().rowBytes) * size.height);
+  std::memset(image.view().data, 0xDB, static_cast<std::size_t>(image.view().row_bytes) * size.height);
   return image;
 }
 

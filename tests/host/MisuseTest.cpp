@@ -89,11 +89,11 @@ TEST(MisuseTest, FailuresOfTheModuleComeThroughWithTheirCodeAndMessage) {
 TEST(MisuseTest, HandlesLeftAtSetDownAreReported) {
   std::vector<Error> failures;
   const auto keep = [&](const Error& error) { failures.push_back(error); };
-  loadModule("fixture_leaks_handle", {.checking = true, .onSetdownFailure = keep});
+  loadModule("fixture_leaks_handle", {.checking = true, .on_setdown_failure = keep});
   ASSERT_EQ(1u, failures.size());
   EXPECT_EQ(ErrorKind::Misuse, failures[0].kind);
   EXPECT_EQ(modulePath("fixture_leaks_handle"), failures[0].input);
-  loadModule("vantorel", {.checking = true, .onSetdownFailure = keep});
+  loadModule("vantorel", {.checking = true, .on_setdown_failure = keep});
   EXPECT_EQ(1u, failures.size());
 }
 

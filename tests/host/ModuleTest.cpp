@@ -11,15 +11,15 @@ TEST(ModuleTest, TellsAboutTextVersionCapabilitiesAndParameters) {
   EXPECT_EQ(0u, info.about.find("Vantorel, v2.0\n\n"));
   EXPECT_NE(std::string::npos, info.about.find("\n\nDistort an image to a convex quadrilateral."));
   EXPECT_EQ(0x00100600u, info.version);
-  EXPECT_EQ(0x02000240u, info.outFlags);
-  EXPECT_EQ(0x1000u, info.outFlags2);
+  EXPECT_EQ(0x02000240u, info.out_flags);
+  EXPECT_EQ(0x1000u, info.out_flags2);
   const char* const names[] = {"Upper Left", "Upper Right", "Lower Left", "Lower Right"};
   const Point defaults[] = {{0, 0}, {100, 0}, {0, 100}, {100, 100}};
   ASSERT_EQ(4u, info.parameters.size());
   for (int i = 0; i < 4; ++i) {
     EXPECT_EQ(i + 1, info.parameters[i].index);
     EXPECT_EQ(names[i], info.parameters[i].name);
-    EXPECT_EQ(defaults[i], info.parameters[i].defaultPercent);
+    EXPECT_EQ(defaults[i], info.parameters[i].default_percent);
   }
   EXPECT_EQ((Corners{{0, 0}, {640, 0}, {0, 360}, {640, 360}}),
             Instance(testing::checkedEffect()).defaultCorners({640, 360}));

@@ -52,7 +52,7 @@ std::uint8_t layerAt(const ConstImageView& layer, double x, double y, int channe
 
 // The peak signal-to-noise ratio in dB, over the output's pixels and channels.
 double psnr(const ConstImageView& layer, const Corners& c, Image& output) {
-  const Map map = inverse(squareTo({c.upperLeft, c.upperRight, c.lowerRight, c.lowerLeft}));
+  const Map map = inverse(squareTo({c.upper_left, c.upper_right, c.lower_right, c.lower_left}));
   double squares = 0;
   for (int y = 0; y < output.size().height; ++y) {
     for (int x = 0; x < output.size().width; ++x) {

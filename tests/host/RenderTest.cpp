@@ -87,7 +87,7 @@ TEST(RenderTest, BothProtocolsGiveTheSamePixels) {
             options.protocol = Protocol::Plain;
             auto plain = renderFrame(instance, layer, canvas, options);
             EXPECT_TRUE(samePixels(asConst(smart.pixels.view()), asConst(plain.pixels.view())))
-                << quad.upperLeft.x << " canvas " << canvas.left;
+                << quad.upper_left.x << " canvas " << canvas.left;
             bilinear += smart.result.path == RenderPath::Bilinear;
           }
         }
@@ -171,7 +171,7 @@ TEST(RenderTest, AHorizonThroughTheOutputsCornerIsDrawnAsFromAnyOther) {
 TEST(RenderTest, OutputMemoryBeyondTheRowsIsTheCallersOwn) {
   Image layer = noise({20, 20}, Depth::Bits8);
   Image memory = testing::dirty({50, 24}, Depth::Bits8);
-  const ImageView inner{memory.view().pixel(5, 2), memory.view().rowBytes, {30, 20}, Depth::Bits8};
+  const ImageView inner{memory.view().pixel(5, 2), memory.view().row_bytes, {30, 20}, Depth::Bits8};
   for (const Corners& quad : kQuads) {
     Instance instance = instanceWith(effect(), quad);
     ASSERT_TRUE(instance.render(asConst(layer.view()), {0, 0, 30, 20}, inner, {}));
@@ -273,7 +273,7 @@ TEST(RenderTest, WorldsWiderThanSixteenBitsAreDrawnToTheirEnd) {
   Image layer = noise({16, 4}, Depth::Bits8);
   Instance instance = instanceWith(effect(), cornersOf({32740, 0, 32756, 4}));
   auto frame = renderFrame(instance, layer, {0, 0, 40000, 4}, {});
-  const ImageView at{frame.pixels.view().pixel(32740, 0), frame.pixels.view().rowBytes, {16, 4}, Depth::Bits8};
+  const ImageView at{frame.pixels.view().pixel(32740, 0), frame.pixels.view().row_bytes, {16, 4}, Depth::Bits8};
   EXPECT_TRUE(samePixels(asConst(layer.view()), asConst(at)));
 }
 

@@ -8,10 +8,10 @@ namespace vantorel::host {
 namespace {
 
 struct Request {
-  Image layerImage = testing::noise({8, 8}, Depth::Float);
-  Image outputImage = testing::dirty({8, 8}, Depth::Float);
-  ConstImageView layer = asConst(layerImage.view());
-  ImageView output = outputImage.view();
+  Image layer_image = testing::noise({8, 8}, Depth::Float);
+  Image output_image = testing::dirty({8, 8}, Depth::Float);
+  ConstImageView layer = asConst(layer_image.view());
+  ImageView output = output_image.view();
   Rect canvas{0, 0, 8, 8};
   FrameOptions options;
 };
@@ -26,10 +26,10 @@ TEST(RequestTest, EachArgumentThatCannotBeServedIsNamed) {
          r.layer.size = {0, 8};
        }},
       {"layer", [](Request& r) { r.layer.data = nullptr; }},
-      {"layer", [](Request& r) { r.layer.rowBytes = 8 * 16 - 1; }},
-      {"layer", [](Request& r) { r.layer.rowBytes = -r.layer.rowBytes; }},
-      {"layer", [](Request& r) { r.layer.rowBytes = std::ptrdiff_t{1} << 31; }},
-      {"layer", [](Request& r) { r.layer.rowBytes += 2; }},
+      {"layer", [](Request& r) { r.layer.row_bytes = 8 * 16 - 1; }},
+      {"layer", [](Request& r) { r.layer.row_bytes = -r.layer.row_bytes; }},
+      {"layer", [](Request& r) { r.layer.row_bytes = std::ptrdiff_t{1} << 31; }},
+      {"layer", [](Request& r) { r.layer.row_bytes += 2; }},
       {"layer", [](Request& r) { r.layer.data += 1; }},
       {"layer",
        [](Request& r) {

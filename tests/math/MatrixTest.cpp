@@ -28,17 +28,17 @@ TEST(Matrix, BuildersAppendTheirTransform) {
   M_Matrix3 m(true);
   M_TranslateMatrix(&m, 5, 7);
   expectPoint(carried(m, {1, 1}), 6, 8);
-  m.SetIdentity();
+  m.setIdentity();
   M_ScaleMatrix(&m, 2, 3, 10, 10);
   expectPoint(carried(m, {10, 10}), 10, 10);
   expectPoint(carried(m, {11, 11}), 12, 13);
-  m.SetIdentity();
+  m.setIdentity();
   M_RotateMatrix(&m, 90, 0, 0);
   expectPoint(carried(m, {1, 0}), 0, 1);
-  m.SetIdentity();
+  m.setIdentity();
   M_RotateMatrix(&m, 30, 4, -2);
   expectPoint(carried(m, {4, -2}), 4, -2);
-  m.SetIdentity();
+  m.setIdentity();
   M_TranslateMatrix(&m, 5, 0);
   M_ScaleMatrix(&m, 2, 2, 0, 0);
   expectPoint(carried(m, {1, 0}), 12, 0);
@@ -74,7 +74,7 @@ TEST(Matrix, TypesAreExact) {
   EXPECT_EQ(typeOf(m), M_MatrixAffine);
   m.m[0][2] = 1e-300;
   EXPECT_EQ(typeOf(m), M_MatrixPerspective);
-  m.SetIdentity();
+  m.setIdentity();
   m.m[1][1] = std::nextafter(1.0, 2.0);
   EXPECT_EQ(typeOf(m), M_MatrixScale);
   m.m[1][2] = NAN;
@@ -95,7 +95,7 @@ TEST(Matrix, RectanglesBecomeTheBoxOfTheirCorners) {
   expectPoint(corners[3], -half_diagonal, half_diagonal);
   EXPECT_TRUE(not_rect);
 
-  m.SetIdentity();
+  m.setIdentity();
   M_TranslateMatrix(&m, 1, 2);
   EXPECT_EQ(M_TransformFloatRect(&m, &r, nullptr, &not_rect), 0);
   EXPECT_FALSE(not_rect);

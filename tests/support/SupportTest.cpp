@@ -49,7 +49,7 @@ void expectIteration(const std::string& depth, const Log& before, const Log& aft
   host.names[reinterpret_cast<const void*>(function)] = "function";
   PF_LayerDef* const in = &host.input.world;
   PF_LayerDef* const out = &host.output.world;
-  host.onIterate = [&](void* refcon) { EXPECT_EQ(refcon, &area); };
+  host.on_iterate = [&](void* refcon) { EXPECT_EQ(refcon, &area); };
   void* const refcon = const_cast<M_LRect*>(&area);
   host.fail("iterate_" + depth, 2, 7);
   host.fail("iterate_origin_" + depth, 1, 8);
@@ -74,7 +74,7 @@ TEST(Rectangles, EmptinessUnionAndIntersection) {
   EXPECT_TRUE(M_LRect(5, 0, 5, 10).IsEmpty());
   EXPECT_TRUE(M_LRect(0, 3, 10, 2).IsEmpty());
   struct {
-    M_LRect a, b, united, boundingBox, clipped;
+    M_LRect a, b, united, bounding_box, clipped;
   } const cases[] = {
       {{0, 0, 10, 10}, {100, 100, 100, 100}, {0, 0, 10, 10}, {0, 0, 100, 100}, {100, 100, 10, 10}},
       {{3, 3, 3, 3}, {20, 20, 30, 30}, {20, 20, 30, 30}, {3, 3, 30, 30}, {20, 20, 3, 3}},
@@ -82,11 +82,11 @@ TEST(Rectangles, EmptinessUnionAndIntersection) {
   };
   const auto same = [](const M_LRect& r, const M_LRect& s) { return std::memcmp(&r, &s, sizeof r) == 0; };
   for (const auto& c : cases) {
-    M_LRect united = c.a, boundingBox = c.a, clipped = c.b;
+    M_LRect united = c.a, bounding_box = c.a, clipped = c.b;
     united.Union(c.b);
-    boundingBox.UnionEmptyOrNot(c.b);
+    bounding_box.UnionEmptyOrNot(c.b);
     IntersectLRect(&c.a, &clipped);
-    EXPECT_TRUE(same(united, c.united) && same(boundingBox, c.boundingBox) && same(clipped, c.clipped)) << c.b.left;
+    EXPECT_TRUE(same(united, c.united) && same(bounding_box, c.bounding_box) && same(clipped, c.clipped)) << c.b.left;
   }
 }
 
@@ -156,14 +156,14 @@ TEST(Worlds, DepthComesFromThePixelFormat) {
       {"argb", 0, 0, 8}, {"kz16", 0, 0, 16}, {"kz32", 0, 0, 32}, {"23zk", 0, ERR_FAILED, -1}, {"argb", 21, 21, -1}};
   for (const auto& c : cases) {
     ScriptedHost host;
-    std::memcpy(&host.pixelFormat, c.tag, 4);
+    std::memcpy(&host.pixel_format, c.tag, 4);
     host.fail("get_pixel_format", 1, c.failure);
     std::int32_t depth = -1;
     EXPECT_EQ(KZFX_GetEffectWorldRGBDepth(&host.in, &host.out, &host.output.world, &depth), c.code);
     EXPECT_EQ(depth, c.depth) << c.tag;
-    const bool isUnknown = c.code == ERR_FAILED;
-    EXPECT_EQ(host.log, isUnknown ? kAskDepth + Log{"sprintf " + unexpected} : kAskDepth);
-    EXPECT_TRUE(onlyMessages(host, isUnknown ? Log{unexpected} : Log{}));
+    const bool is_unknown = c.code == ERR_FAILED;
+    EXPECT_EQ(host.log, is_unknown ? kAskDepth + Log{"sprintf " + unexpected} : kAskDepth);
+    EXPECT_TRUE(onlyMessages(host, is_unknown ? Log{unexpected} : Log{}));
   }
 }
 
@@ -193,10 +193,10 @@ TEST(Iteration, FloatFailuresBecomeCodes) {
   const auto iterate = [&] {
     return PF_IterateWrap(&host.in, 0, 1, nullptr, &area, nullptr, pixelFunction<PF_PixelFloat>, &host.output.world);
   };
-  host.onIterate = [](void*) { throw std::bad_alloc(); };
+  host.on_iterate = [](void*) { throw std::bad_alloc(); };
   EXPECT_EQ(iterate(), ERR_OUT_OF_MEMORY);
   EXPECT_EQ(host.log.back(), kDropSuite[0]);
-  host.onIterate = [](void*) { throw 1.5; };
+  host.on_iterate = [](void*) { throw 1.5; };
   EXPECT_THROW(iterate(), double);
   EXPECT_EQ(host.log.back(), kDropSuite[0]);
   host.suites.clear();
