@@ -5,24 +5,6 @@
 
 #include "support/PF_HostRecords.h"
 
-// A row: "key=default text", and working space of the host's. The terminating row has a null text.
-struct FX_StringRow {
-  const char* text;
-  std::uint64_t host_work[3];
-};
-
-struct FX_StringHeader {
-  const char* tag;          // "FX"
-  std::uint64_t row_count;  // the terminating row counts
-  FX_StringRow* rows;
-  std::uint64_t reserved;
-};
-
-struct FX_StringReference {
-  FX_StringHeader* header;
-  std::uint64_t reserved;
-};
-
 // The rows' indices.
 enum FX_StringIndex : std::int32_t {
   FX_STRING_ABOUT = 0,

@@ -6,23 +6,11 @@
 
 #include "host/Errors.h"
 #include "host/Translations.h"
+#include "support/PF_HostRecords.h"
 
 namespace vantorel::host {
 
 namespace {
-
-// The format in which a module hands its table over.
-struct TableRow {
-  const char* text;  // "key=default text"; null in the row that ends the table
-  std::uint64_t host_work[3];
-};
-
-struct TableHeader {
-  const char* tag;          // "FX"
-  std::uint64_t row_count;  // the ending row counts
-  const TableRow* rows;
-  std::uint64_t reserved;
-};
 
 constexpr std::string_view kTag = "FX";
 constexpr std::uint64_t kMostRows = 4096;
@@ -51,7 +39,7 @@ Result<std::string> translated(std::string_view row, const Translations& transla
 }  // namespace
 
 Result<StringTable> StringTable::read(const void* header, const Translations& translations) {
-  const auto* const table = static_cast<const TableHeader*>(header);
+  const auto* const table = static_cast<const FX_StringHeader*>(header);
   if (table == nullptr || table->tag == nullptr || std::strncmp(table->tag, kTag.data(), kTag.size() + 1) != 0) {
     return invalidArgument("string table", "its header does not bear the tag \"FX\"");
   }

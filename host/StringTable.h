@@ -13,7 +13,7 @@ namespace vantorel::host {
 
 class StringTable {
  public:
-  // Copies the table whose header a module registers (see StringTable.cpp for its layout). InvalidArgument for a header
+  // Copies the table whose header a module registers (an FX_StringHeader). InvalidArgument for a header
   // that is not one, for more than 4096 rows, and for a translation that changes a text's printf placeholders.
   static Result<StringTable> read(const void* header, const Translations& translations);
 

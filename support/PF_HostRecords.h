@@ -56,9 +56,6 @@ constexpr std::int32_t PF_QUALITY_HIGH = 1;
 // PF_ParamDef.param_type of a 2-D point.
 constexpr std::int32_t PARAM_TYPE_POINT = 6;
 
-// The number that accompanies a string table at registration.
-constexpr std::int32_t PF_STRING_TABLE_FORMAT = 4065;
-
 // Capacity of PF_OutData.return_msg and PF_ParamDef.name in bytes, the terminating NUL included.
 constexpr std::size_t PF_RETURN_MSG_CAPACITY = 256;
 constexpr std::size_t PF_PARAM_NAME_CAPACITY = 32;
@@ -243,6 +240,30 @@ struct PF_SamplingFloatSuite1 {
   void (*reserved_1)();
   void (*reserved_2)();
   PF_AreaSampler<PF_PixelFloat> sample_area_float;
+};
+
+// ---- String tables --------------------------------------------------------------------------------------------------
+
+// The number that accompanies a string table at registration.
+constexpr std::int32_t PF_STRING_TABLE_FORMAT = 4065;
+
+// A row: "key=default text", and working space of the host's. The terminating row has a null text.
+struct FX_StringRow {
+  const char* text;
+  std::uint64_t host_work[3];
+};
+
+// The table that a module registers: `register_string_table` is given the address of a pointer to this header.
+struct FX_StringHeader {
+  const char* tag;          // "FX"
+  std::uint64_t row_count;  // the terminating row counts
+  FX_StringRow* rows;
+  std::uint64_t reserved;
+};
+
+struct FX_StringReference {
+  FX_StringHeader* header;
+  std::uint64_t reserved;
 };
 
 // ---- The records of every call -------------------------------------------------------------------------------------
