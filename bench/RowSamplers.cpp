@@ -2,10 +2,10 @@
 #include <vector>
 
 #include "bench/Parts.h"
-#include "effect/HighQualitySampler.h"
-#include "effect/PerspectiveInfo.h"
+#include "effect/perspective/HighQualitySampler.h"
+#include "effect/perspective/PerspectiveInfo.h"
 #include "effect/ProjectiveMap.h"
-#include "effect/StandardSampler.h"
+#include "effect/perspective/StandardSampler.h"
 
 namespace vantorel::bench {
 

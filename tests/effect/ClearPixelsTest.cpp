@@ -1,4 +1,4 @@
-#include "effect/ClearPixels.h"
+#include "effect/perspective/ClearPixels.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "effect/HighQualitySampler.h"
-#include "effect/StandardSampler.h"
+#include "effect/perspective/HighQualitySampler.h"
+#include "effect/perspective/StandardSampler.h"
 #include "tests/effect/ScriptedHost.h"
 
 namespace {

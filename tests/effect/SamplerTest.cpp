@@ -7,11 +7,11 @@
 #include <limits>
 #include <vector>
 
-#include "effect/HighQualitySampler.h"
-#include "effect/PerspectiveInfo.h"
+#include "effect/perspective/HighQualitySampler.h"
+#include "effect/perspective/PerspectiveInfo.h"
 #include "effect/ProjectiveMap.h"
-#include "effect/RowBlocks.h"
-#include "effect/StandardSampler.h"
+#include "effect/perspective/PixelBatch.h"
+#include "effect/perspective/StandardSampler.h"
 #include "tests/effect/ScriptedHost.h"
 
 namespace {

@@ -1,9 +1,10 @@
-#include "effect/QuadEdges.h"
+#include "effect/bilinear/QuadEdges.h"
 
 #include <initializer_list>
 
 #include "effect/FixedPoint.h"
 #include "effect/Int32Arithmetic.h"
+#include "math/Int32FromDouble.h"
 
 namespace {
 
@@ -37,7 +38,7 @@ void startEdge(const M_FixedPoint* corners, EdgeChain* chain) {
   if (to.y != from.y) {
     const double run = static_cast<double>(to.x) - static_cast<double>(from.x);
     const double rise = static_cast<double>(to.y) - static_cast<double>(from.y);
-    chain->slope = int32FromDouble(run / rise * 65536.0);
+    chain->slope = int32FromDouble(run / rise * kFixedOne);
   }
 }
 

@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-#include "effect/RowWalk.h"
+#include "effect/perspective/IncrementalMap.h"
 
 // Pixels per block; a whole number of every set's vectors.
 constexpr int kRowBlock = 64;

@@ -2,7 +2,7 @@
 // defines its vectors beforehand: Doubles and Ints of kLanes lanes and the functions on them.
 // Everything stands in an unnamed namespace and nothing of the standard library is called, so that no code of a set
 // that a machine lacks can stand in for another file's.
-#include "effect/RowBlocksVariants.h"
+#include "effect/perspective/PixelBatchScalar.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "effect/PixelFamily.h"
+#include "effect/bilinear/PixelTraits.h"
 
 #if defined(__SSE2__)
 #include <emmintrin.h>

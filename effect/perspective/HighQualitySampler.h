@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "effect/RowBlocks.h"
+#include "effect/perspective/PixelBatch.h"
 #include "support/PF_HostRecords.h"
 
 // As the samplers at standard quality (StandardSampler.h); pixels are also transparent where a neighbour's projective

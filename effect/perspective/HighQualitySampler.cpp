@@ -1,10 +1,10 @@
-#include "effect/HighQualitySampler.h"
+#include "effect/perspective/HighQualitySampler.h"
 
 #include <cstddef>
 #include <cstring>
 
-#include "effect/PerspectiveInfo.h"
-#include "effect/RowTrace.h"
+#include "effect/perspective/PerspectiveInfo.h"
+#include "effect/perspective/RowTrace.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "effect/QuadScan.h"
+#include "effect/bilinear/QuadScan.h"
 
-#include "effect/PixelFamily.h"
-#include "effect/QuadEdges.h"
-#include "effect/QuadSpanDraw.h"
+#include "effect/bilinear/PixelTraits.h"
+#include "effect/bilinear/QuadEdges.h"
+#include "effect/bilinear/SpanFill.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
-#include "effect/StandardSampler.h"
+#include "effect/perspective/StandardSampler.h"
 
-#include "effect/PerspectiveInfo.h"
-#include "effect/RowTrace.h"
+#include "effect/perspective/PerspectiveInfo.h"
+#include "effect/perspective/RowTrace.h"
 
 namespace {
 

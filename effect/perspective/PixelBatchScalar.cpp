@@ -3,18 +3,19 @@
 #include <algorithm>
 #include <cmath>
 
-#include "effect/Int32Arithmetic.h"
-#include "effect/RowBlocksVariants.h"
+#include "effect/FixedPoint.h"
+#include "effect/perspective/PixelBatchScalar.h"
+#include "math/Int32FromDouble.h"
 
 namespace {
 
 // The extent of a pixel's box in the input, 16.16: one to 16 pixels.
-constexpr std::int32_t kSmallestExtent = 65536;
-constexpr std::int32_t kLargestExtent = 16 * 65536;
+constexpr std::int32_t kSmallestExtent = kFixedOne;
+constexpr std::int32_t kLargestExtent = 16 * kFixedOne;
 
 // 16.16, halves rounded away from zero.
 std::int32_t roundedFixed(double value) {
-  return int32FromDouble(value * 65536.0 + (value < 0.0 ? -0.5 : 0.5));
+  return int32FromDouble(value * kFixedOne + (value < 0.0 ? -0.5 : 0.5));
 }
 
 // For the divisor's walk at a pixel whose divisor is `w`.

@@ -1,4 +1,4 @@
-#include "effect/RowWalk.h"
+#include "effect/perspective/IncrementalMap.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "effect/RowBlocks.h"
+#include "effect/perspective/PixelBatch.h"
 #include "support/PF_HostRecords.h"
 
 // Writes the row of `out_width` pixels that starts at output pixel (x, y), from `out` on. `info` is the

@@ -1,8 +1,8 @@
-#include "effect/RowBlocks.h"
+#include "effect/perspective/PixelBatch.h"
 
 #include <initializer_list>
 
-#include "effect/RowBlocksVariants.h"
+#include "effect/perspective/PixelBatchScalar.h"
 
 const RowBlockFunctions* rowBlockFunctionsFor(InstructionSet set) {
   switch (set) {

@@ -6,9 +6,9 @@
 
 #include "effect/FixedPoint.h"
 #include "effect/Int32Arithmetic.h"
-#include "effect/PixelSampling.h"
-#include "effect/QuadEdges.h"
-#include "effect/WholePixels.h"
+#include "effect/bilinear/PixelSampling.h"
+#include "effect/bilinear/QuadEdges.h"
+#include "effect/bilinear/WholePixels.h"
 
 // The weight that keeps the output where the source covers `covered_width` by `cover` of a pixel; a cover of 0 is a
 // whole row. Of the weight only the fraction counts, so the product may wrap.

@@ -8,8 +8,8 @@
 
 #include "effect/FixedPoint.h"
 #include "effect/Int32Arithmetic.h"
-#include "effect/PixelSampling.h"
-#include "effect/PixelSquare.h"
+#include "effect/bilinear/PixelSampling.h"
+#include "effect/bilinear/PixelSquare.h"
 
 // Pixels side by side in an output row, and the source positions that they are sampled at, 16.16, which wrap.
 struct PixelRun {

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "effect/FixedPoint.h"
-#include "effect/PixelFamily.h"
+#include "effect/bilinear/PixelTraits.h"
 
 // A step of this size or more averages two pixels instead of interpolating between neighbours.
 constexpr std::int32_t kAveragingStep = 2 * kFixedOne;

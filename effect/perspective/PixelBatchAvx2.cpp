@@ -1,7 +1,7 @@
 // The block computations with AVX2 and FMA; called only where the machine has them.
 #include <immintrin.h>
 
-#include "effect/RowBlocks.h"
+#include "effect/perspective/PixelBatch.h"
 
 namespace {
 
@@ -87,6 +87,6 @@ inline void storeBoxes(Ints x_radius, Ints y_radius, SampleBoxSize* out) {
 
 }  // namespace
 
-#include "effect/RowBlockLanes.inl"
+#include "effect/perspective/PixelBatchVector.inl"
 
 const RowBlockFunctions kRowBlocksAvx2 = kFunctions;

@@ -9,9 +9,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "effect/ClearPixels.h"
-#include "effect/PerspectiveInfo.h"
-#include "effect/RowBlocks.h"
+#include "effect/perspective/ClearPixels.h"
+#include "effect/perspective/PerspectiveInfo.h"
+#include "effect/perspective/PixelBatch.h"
 
 // The columns of a row inside the reject box, [first, end); a bound that is not a number rejects nothing.
 struct ColumnRange {

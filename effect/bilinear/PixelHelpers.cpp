@@ -1,9 +1,9 @@
-#include "effect/PixelHelpers.h"
+#include "effect/bilinear/PixelHelpers.h"
 
 #include <bit>
 
-#include "effect/PixelFamily.h"
-#include "effect/PixelSampling.h"
+#include "effect/bilinear/PixelSampling.h"
+#include "effect/bilinear/PixelTraits.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "effect/RowWalk.h"
+#include "effect/perspective/IncrementalMap.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
