@@ -4,14 +4,15 @@
 #include <cstddef>
 #include <cstdint>
 
-// How the pixels of a world are cleared.
-enum class ClearingWay {
-  Cached,   // as any other store: for worlds that the processor's caches hold
-  Streamed  // past the caches: for larger worlds, whose cleared pixels would only drive the input out of them
+// How the cleared bytes are stored.
+enum class StorePolicy {
+  Cached,      // ordinary stores: for worlds that fit into the processor's caches
+  NonTemporal  // stores that bypass the caches: for larger worlds, where cleared pixels would evict the input
 };
 
-// The way for a world of so many bytes.
-ClearingWay clearingWayFor(std::uint64_t world_bytes);
+// The policy for a world of so many bytes.
+StorePolicy storePolicyFor(std::uint64_t world_bytes);
 
-// Other threads see the bytes once this one has told them in the usual ways that it is done.
-void clearBytes(void* out, std::size_t count, ClearingWay way);
+// Zeroes `count` bytes from `out` on. With either policy, a thread that synchronises with this one afterwards sees
+// them.
+void clearBytes(void* out, std::size_t count, StorePolicy policy);

@@ -1,43 +1,53 @@
-// The row samplers' walk along an output row in homogeneous input coordinates: additions that each round.
+// The inverse map along an output row, evaluated incrementally in homogeneous input coordinates: from pixel to pixel by
+// additions, each of which rounds, so that the values depend on the steps taken.
 #pragma once
 
-// One coordinate: its value at the pixel before the next one, and the changes to the pixel on the right and to the one
-// below.
+// One homogeneous coordinate.
 //
-// At standard quality the walk goes from pixel to pixel, and `down` is 0. At high quality it goes round each pixel's
-// neighbours, right, lower right, lower and back, with a rounding at each, and on from there.
+// At standard quality it steps from pixel to pixel, and `down` is 0. At high quality it visits each pixel's neighbours
+// in turn, right, lower right, lower, and back, with a rounding at each, and goes on from there.
 //
-// As long as everything that a coordinate comes by has the same binary exponent, its additions of a step all add the
-// same multiple of that exponent's last digit. So within such a run the walk's exact values are at + k * step, and
-// those of the neighbours follow by their additions.
-struct CoordinateWalk {
-  double at;
-  double right;
-  double down;
-  double step = 0.0;  // what each pixel of the run adds
-  int run = 0;        // the number of pixels that are known to be a run; there may be more
+// While all values that it takes have the same binary exponent, adding a step always adds the same multiple of that
+// exponent's last digit. Within such a constant-exponent range the k-th pixel's value is exactly at + k * increment,
+// and those of its neighbours follow from it by the same additions.
+struct Stepper {
+  double at;               // the value at the pixel before the next one
+  double right;            // the change to the pixel on the right
+  double down;             // the change to the pixel below
+  double increment = 0.0;  // what each pixel of the constant-exponent range adds
+  int range = 0;           // the pixels ahead that are known to lie in the range; there may be more
 };
 
-struct RowWalk {
-  CoordinateWalk u;
-  CoordinateWalk v;
-  CoordinateWalk w;
-  double error = 0.0;  // a bound on the error of a computation that the next pixels allow, kept for the blocks to come
-  int error_pixels = 0;  // the number of pixels that it holds for
+struct IncrementalMap {
+  Stepper u;
+  Stepper v;
+  Stepper w;
+  // A bound on the error of approximate footprints over the next `error_pixels` pixels, in 1/65536 input pixel; kept
+  // here from batch to batch.
+  double error = 0.0;
+  int error_pixels = 0;
 };
 
-// The number of pixels that are known to be a run for all coordinates; looks ahead where nothing is known.
-int knownRun(RowWalk* walk);
+// The number of pixels ahead that are known to lie in the constant-exponent ranges of all three coordinates; searches
+// where none is known.
+int constantExponentRange(IncrementalMap* map);
 
-// Moves the walk on within such a run.
-inline void passRun(CoordinateWalk* walk, int pixels) {
-  walk->at += pixels * walk->step;
-  walk->run -= pixels;
+// Advances within the constant-exponent range. Always inlined: a copy compiled for an instruction set that the machine
+// lacks must not serve other files.
+[[gnu::always_inline]] inline void advanceInRange(Stepper* stepper, int pixels) {
+  stepper->at += pixels * stepper->increment;
+  stepper->range -= pixels;
 }
 
-// Moves the walk on by so many pixels, to the bit as if step by step, from pixel to pixel or round the neighbours.
-void walkAlong(RowWalk* walk, int pixels);
-void walkRound(RowWalk* walk, int pixels);
+[[gnu::always_inline]] inline void advanceInRange(IncrementalMap* map, int pixels) {
+  advanceInRange(&map->u, pixels);
+  advanceInRange(&map->v, pixels);
+  advanceInRange(&map->w, pixels);
+}
 
-// As walkAlong() for one coordinate, storing its value at each pixel.
-void storeAlong(CoordinateWalk* walk, int pixels, double* values);
+// Advances by so many pixels, with the bits of single steps: from pixel to pixel, or visiting each pixel's neighbours.
+void advance(IncrementalMap* map, int pixels);
+void advanceVisitingNeighbours(IncrementalMap* map, int pixels);
+
+// As advance() for one coordinate, storing its value at each pixel.
+void storeValues(Stepper* stepper, int pixels, double* values);

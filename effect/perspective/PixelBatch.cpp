@@ -1,35 +1,22 @@
 #include "effect/perspective/PixelBatch.h"
 
-#include <initializer_list>
+#include <cstddef>
 
-#include "effect/perspective/PixelBatchScalar.h"
+#include "effect/perspective/PixelBatchVariants.h"
 
-const RowBlockFunctions* rowBlockFunctionsFor(InstructionSet set) {
-  switch (set) {
-    case InstructionSet::Plain:
-      return &kRowBlocksPlain;
+namespace {
+
+// In the order of InstructionSet.
+constexpr const PixelBatchFunctions* kFunctions[] = {
+    &kPixelBatchScalar,
 #if defined(__x86_64__)
-    case InstructionSet::Avx2:
-      return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") ? &kRowBlocksAvx2 : nullptr;
-    case InstructionSet::Avx512:
-      return __builtin_cpu_supports("fma") && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
-                     __builtin_cpu_supports("avx512vl")
-                 ? &kRowBlocksAvx512
-                 : nullptr;
+    &kPixelBatchAvx2,
+    &kPixelBatchAvx512,
 #endif
-    default:
-      return nullptr;
-  }
-}
+};
 
-const RowBlockFunctions& bestRowBlockFunctions() {
-  static const RowBlockFunctions& best = []() -> const RowBlockFunctions& {
-    for (const InstructionSet set : {InstructionSet::Avx512, InstructionSet::Avx2}) {
-      if (const RowBlockFunctions* const functions = rowBlockFunctionsFor(set)) {
-        return *functions;
-      }
-    }
-    return kRowBlocksPlain;
-  }();
-  return best;
+}  // namespace
+
+const PixelBatchFunctions& pixelBatchFunctions(InstructionSet set) {
+  return *kFunctions[static_cast<std::size_t>(set)];
 }

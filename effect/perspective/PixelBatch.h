@@ -1,15 +1,21 @@
-// The row samplers' arithmetic in blocks of pixels: the walk along the row in homogeneous coordinates, every step of
-// which rounds, and what follows from them: each pixel's position in the input and its footprint.
+// The row samplers' arithmetic in batches of pixels: the incremental map along the row, every step of which rounds, and
+// what follows from it: each pixel's position in the input and its footprint.
 //
 // The computation exists once per instruction set and gives the same bits in all of them.
 #pragma once
 
 #include <cstdint>
 
+#include "effect/FixedPoint.h"
 #include "effect/perspective/IncrementalMap.h"
+#include "platform/Cpu.h"
 
-// Pixels per block; a whole number of every set's vectors.
-constexpr int kRowBlock = 64;
+// Pixels per batch; a whole number of every set's vectors.
+constexpr int kBatchPixels = 64;
+
+// The limits of a footprint's extent along an axis, 16.16: one to 16 input pixels. The box's radius is half of it.
+constexpr std::int32_t kSmallestExtent = kFixedOne;
+constexpr std::int32_t kLargestExtent = 16 * kFixedOne;
 
 // Input size divided by output size.
 struct InputScale {
@@ -25,30 +31,25 @@ struct SampleBoxSize {
   std::int32_t unused;
 };
 
-// Where a block's pixels lie in the input, 16.16, and at high quality their boxes. A pixel that lies nowhere, because a
-// projective divisor is 0, has undefined ones.
-struct PixelBlock {
-  std::int32_t x[kRowBlock];
-  std::int32_t y[kRowBlock];
-  SampleBoxSize box[kRowBlock];
-  bool lies_nowhere[kRowBlock];  // defined only if the block's function returned true
+// Where a batch's pixels lie in the input, 16.16, and at high quality their boxes. Those of a pixel at infinity, which
+// has a projective divisor of 0, are undefined.
+struct PixelBatch {
+  std::int32_t x[kBatchPixels];
+  std::int32_t y[kBatchPixels];
+  SampleBoxSize box[kBatchPixels];
+  bool at_infinity[kBatchPixels];  // defined only if the batch's function returned true
 };
 
-// The block computations of one instruction set. They step before they evaluate, fill the first `count` pixels (1 to
-// kRowBlock) of the block, and leave the walk at the last of them where `count` is kRowBlock. They return whether any
-// pixel lies nowhere.
-struct RowBlockFunctions {
+// The computations of one instruction set. They step before they evaluate, fill the first `count` pixels (1 to
+// kBatchPixels) of the batch, and leave the map at the last of them where `count` is kBatchPixels. They return whether
+// any pixel lies at infinity.
+struct PixelBatchFunctions {
   // x = trunc(trunc(u / w) * scale), likewise y.
-  bool (*positions)(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out);
-  // Walks round each pixel's neighbours: right, lower right, lower and back; the walk goes on from there. The position
-  // is rounded, and the box has radii between 0.5 and 8 pixels: half the largest distance to a neighbour.
-  bool (*footprints)(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out);
+  bool (*positions)(IncrementalMap* map, const InputScale& scale, int count, PixelBatch* out);
+  // Visits each pixel's neighbours: right, lower right, lower and back; the map goes on from there. The position is
+  // rounded, and the box has radii between 0.5 and 8 pixels: half the largest distance to a neighbour.
+  bool (*footprints)(IncrementalMap* map, const InputScale& scale, int count, PixelBatch* out);
 };
 
-enum class InstructionSet { Plain, Avx2, Avx512 };
-
-// The functions of an instruction set, or null where this machine or build does not have it.
-const RowBlockFunctions* rowBlockFunctionsFor(InstructionSet set);
-
-// The functions of the best instruction set that this machine has.
-const RowBlockFunctions& bestRowBlockFunctions();
+// The functions of an instruction set, which must be available.
+const PixelBatchFunctions& pixelBatchFunctions(InstructionSet set);

@@ -1,364 +1,399 @@
-// The block computations in vectors, compiled once per instruction set by the RowBlocksAvx*.cpp files, each of which
-// defines its vectors beforehand: Doubles and Ints of kLanes lanes and the functions on them.
-// Everything stands in an unnamed namespace and nothing of the standard library is called, so that no code of a set
-// that a machine lacks can stand in for another file's.
-#include "effect/perspective/PixelBatchScalar.h"
+// The batch computations in vectors. PixelBatchAvx2.cpp and PixelBatchAvx512.cpp each define the vectors of their
+// instruction set and then include this body.
+//
+// Doubles holds kLanes doubles, of which GCC and Clang form sums, differences, products and quotients, and Ints as many
+// 32-bit integers. Beyond the plain names:
+//   maxAbs(a, b)             the larger of the two magnitudes
+//   maxOrSecond(a, b)        the larger number; b where they do not compare, one of them being a NaN
+//   copySign(m, s)           m, which is not negative, with the sign of s
+//   truncate(a)              toward zero; NaN and what an int does not hold give -2147483648
+//   intsOfShifted(a, shift)  the whole numbers a - shift, for the kRoundingShift below
+//
+// Everything stands in an unnamed namespace, and nothing of the standard library is called: the linker keeps one copy
+// of an inline function, and one compiled for this set must not serve files that run on every processor.
 
 namespace {
 
-// The number of pixels of a block that are computed, in whole vectors.
-inline int wholeVectors(int count) {
-  return (count + kLanes - 1) / kLanes * kLanes;
+// The pixels of a step: whole vectors, and the eight boxes that are stored at once.
+constexpr int kStepPixels = 8;
+static_assert(kStepPixels % kLanes == 0 && kBatchPixels % kStepPixels == 0);
+
+inline int wholeSteps(int count) {
+  return (count + kStepPixels - 1) / kStepPixels * kStepPixels;
 }
 
-// Before the first pixel of a block that may lie nowhere, those that are not asked whether they do must be said not to.
-inline void letNoneLieNowhere(PixelBlock* out) {
-  __builtin_memset(out->lies_nowhere, 0, sizeof out->lies_nowhere);
+// Where only some pixels of a batch are tested for a divisor of 0, the others' flags must be defined as well.
+inline void clearAtInfinity(PixelBatch* out) {
+  __builtin_memset(out->at_infinity, 0, sizeof out->at_infinity);
 }
 
 // ---- Positions -----------------------------------------------------------------------------------------------------
 
-inline void storePositions(Doubles u, Doubles v, Doubles w, const InputScale& scale, int i, PixelBlock* out) {
-  store(truncated(fromInts(truncated(u / w)) * broadcast(scale.x)), out->x + i);
-  store(truncated(fromInts(truncated(v / w)) * broadcast(scale.y)), out->y + i);
+inline void storePositions(Doubles u, Doubles v, Doubles w, const InputScale& scale, int i, PixelBatch* out) {
+  store(truncate(toDoubles(truncate(u / w)) * set(scale.x)), out->x + i);
+  store(truncate(toDoubles(truncate(v / w)) * set(scale.y)), out->y + i);
 }
 
-// The pixels [first, end), which are a run of all coordinates: their divisors have one exponent, so that none is 0.
-inline void computeRun(RowWalk* walk, const InputScale& scale, int first, int end, PixelBlock* out) {
-  const auto pixel_of = [](const CoordinateWalk& c, Doubles number) {
-    return multiplyAdd(number, broadcast(c.step), broadcast(c.at));
-  };
-  Doubles number = ramp();
+// The pixels [first, end), in the constant-exponent ranges of all coordinates: no divisor is 0 there.
+inline void positionsInRange(IncrementalMap* map, const InputScale& scale, int first, int end, PixelBatch* out) {
+  const auto values = [](const Stepper& c, Doubles pixel) { return mulAdd(pixel, set(c.increment), set(c.at)); };
+  Doubles pixel = iota();
   for (int i = first; i < end; i += kLanes) {
-    storePositions(pixel_of(walk->u, number), pixel_of(walk->v, number), pixel_of(walk->w, number), scale, i, out);
-    number = number + broadcast(kLanes);
+    storePositions(values(map->u, pixel), values(map->v, pixel), values(map->w, pixel), scale, i, out);
+    pixel = pixel + set(kLanes);
   }
-  passRun(&walk->u, end - first);
-  passRun(&walk->v, end - first);
-  passRun(&walk->w, end - first);
+  advanceInRange(map, end - first);
 }
 
-// The vector of any pixels from pixel i on.
-[[gnu::noinline]] bool computeStored(RowWalk* walk, const InputScale& scale, int i, PixelBlock* out) {
+// The vector of pixels from i on, which need not lie in a range.
+[[gnu::noinline]] bool positionsOfVector(IncrementalMap* map, const InputScale& scale, int i, PixelBatch* out) {
   double u[kLanes];
   double v[kLanes];
   double w[kLanes];
-  storeAlong(&walk->u, kLanes, u);
-  storeAlong(&walk->v, kLanes, v);
-  storeAlong(&walk->w, kLanes, w);
-  const Doubles divisor = load(w);
-  if (allGreater(magnitude(divisor), broadcast(0.0))) {
-    storePositions(load(u), load(v), divisor, scale, i, out);
+  storeValues(&map->u, kLanes, u);
+  storeValues(&map->v, kLanes, v);
+  storeValues(&map->w, kLanes, w);
+  const Doubles divisors = load(w);
+  if (allGreater(abs(divisors), set(0.0))) {
+    storePositions(load(u), load(v), divisors, scale, i, out);
     return false;
   }
-  bool any_nowhere = false;
+  bool any_at_infinity = false;
   for (int lane = 0; lane < kLanes; ++lane) {
-    any_nowhere = storePlainPosition(u[lane], v[lane], w[lane], scale, i + lane, out) || any_nowhere;
+    any_at_infinity = scalarPosition(u[lane], v[lane], w[lane], scale, i + lane, out) || any_at_infinity;
   }
-  return any_nowhere;
+  return any_at_infinity;
 }
 
-// Takes the longest runs of whole vectors, and the vectors between them.
-[[gnu::noinline]] bool computeBetweenRuns(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
-  letNoneLieNowhere(out);
-  bool any_nowhere = false;
+// Takes as many whole vectors of each range as it holds, and single vectors between ranges.
+[[gnu::noinline]] bool positionsAcrossRanges(IncrementalMap* map, const InputScale& scale, int count, PixelBatch* out) {
+  clearAtInfinity(out);
+  bool any_at_infinity = false;
   for (int i = 0; i < count;) {
-    const int run = knownRun(walk) / kLanes * kLanes;
-    if (run > 0) {
-      const int end = run < count - i ? i + run : count;
-      computeRun(walk, scale, i, end, out);
+    const int range = constantExponentRange(map) / kLanes * kLanes;
+    if (range > 0) {
+      const int end = range < count - i ? i + range : count;
+      positionsInRange(map, scale, i, end, out);
       i = end;
     } else {
-      any_nowhere = computeStored(walk, scale, i, out) || any_nowhere;
+      any_at_infinity = positionsOfVector(map, scale, i, out) || any_at_infinity;
       i += kLanes;
     }
   }
-  return any_nowhere;
+  return any_at_infinity;
 }
 
-bool positions(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
-  const int end = wholeVectors(count);
-  if (knownRun(walk) < end) {
-    return computeBetweenRuns(walk, scale, end, out);
+bool positions(IncrementalMap* map, const InputScale& scale, int count, PixelBatch* out) {
+  const int end = wholeSteps(count);
+  if (constantExponentRange(map) < end) {
+    return positionsAcrossRanges(map, scale, end, out);
   }
-  computeRun(walk, scale, 0, end, out);
+  positionsInRange(map, scale, 0, end, out);
   return false;
 }
 
-// ---- Footprints ----------------------------------------------------------------------------------------------------
+// ---- Boxes ---------------------------------------------------------------------------------------------------------
 
-// A coordinate of pixels and of their neighbours, as the walk comes by them.
-struct Neighbourhood {
+// The extents of a batch's footprints, 16.16, not clamped yet.
+struct Extents {
+  std::int32_t x[kBatchPixels];
+  std::int32_t y[kBatchPixels];
+};
+
+// The radii of eight boxes along one axis.
+inline __m256i radii(const std::int32_t* extents) {
+  const __m256i extent = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(extents));
+  const __m256i clamped =
+      _mm256_min_epi32(_mm256_max_epi32(extent, _mm256_set1_epi32(kSmallestExtent)), _mm256_set1_epi32(kLargestExtent));
+  return _mm256_srai_epi32(clamped, 1);
+}
+
+// The areas of boxes whose radii stand side by side in lanes of 64 bits.
+inline __m256i areas(__m256i radii) {
+  const __m256i products = _mm256_mul_epu32(radii, _mm256_srli_epi64(radii, 32));
+  return _mm256_slli_epi64(_mm256_srli_epi64(products, 16), 2);
+}
+
+// The boxes of the pixels [first, end).
+inline void storeBoxes(const Extents& extents, int first, int end, PixelBatch* out) {
+  for (int i = first; i < end; i += kStepPixels) {
+    const __m256i x = radii(extents.x + i);
+    const __m256i y = radii(extents.y + i);
+    const __m256i low = _mm256_unpacklo_epi32(x, y);
+    const __m256i high = _mm256_unpackhi_epi32(x, y);
+    const __m256i low_areas = areas(low);
+    const __m256i high_areas = areas(high);
+    // Of each vector, the first box belongs to the first four pixels and the second to the last four.
+    const __m256i boxes[4] = {_mm256_unpacklo_epi64(low, low_areas), _mm256_unpackhi_epi64(low, low_areas),
+                              _mm256_unpacklo_epi64(high, high_areas), _mm256_unpackhi_epi64(high, high_areas)};
+    __m128i* const to = reinterpret_cast<__m128i*>(out->box + i);
+    for (int k = 0; k < 4; ++k) {
+      _mm_storeu_si128(to + k, _mm256_castsi256_si128(boxes[k]));
+      _mm_storeu_si128(to + k + 4, _mm256_extracti128_si256(boxes[k], 1));
+    }
+  }
+}
+
+// ---- Exact footprints ----------------------------------------------------------------------------------------------
+
+// One coordinate of a vector's pixels and of their neighbours, as the stepper takes them.
+struct Footprint {
   Doubles centre;
   Doubles right;
   Doubles lower_right;
   Doubles lower;
 };
 
-inline Neighbourhood walkOneByOne(CoordinateWalk* walk) {
+struct FootprintVectors {
+  Footprint u, v, w;
+};
+
+inline Footprint visitNeighbours(Stepper* stepper) {
   double centre[kLanes];
   double right[kLanes];
   double lower_right[kLanes];
   double lower[kLanes];
   for (int i = 0; i < kLanes; ++i) {
-    centre[i] = walk->at + walk->right;
-    right[i] = centre[i] + walk->right;
-    lower_right[i] = right[i] + walk->down;
-    lower[i] = lower_right[i] - walk->right;
-    walk->at = lower[i] - walk->down;
+    centre[i] = stepper->at + stepper->right;
+    right[i] = centre[i] + stepper->right;
+    lower_right[i] = right[i] + stepper->down;
+    lower[i] = lower_right[i] - stepper->right;
+    stepper->at = lower[i] - stepper->down;
   }
-  walk->run = 0;
+  stepper->range = 0;
   return {load(centre), load(right), load(lower_right), load(lower)};
 }
 
-// What the walk comes by at a vector of pixels.
-struct Stretch {
-  Neighbourhood u;
-  Neighbourhood v;
-  Neighbourhood w;
-};
-
-[[gnu::noinline]] Stretch walkOneByOne(RowWalk* walk) {
-  return {walkOneByOne(&walk->u), walkOneByOne(&walk->v), walkOneByOne(&walk->w)};
+[[gnu::noinline]] FootprintVectors visitNeighbours(IncrementalMap* map) {
+  return {visitNeighbours(&map->u), visitNeighbours(&map->v), visitNeighbours(&map->w)};
 }
 
-// The extents of a block's boxes, 16.16, neither clamped nor halved.
-struct Extents {
-  std::int32_t x[kRowBlock];
-  std::int32_t y[kRowBlock];
-};
-
-// The boxes of a block's pixels [first, end).
-inline void storeBoxes(const Extents& extents, int first, int end, PixelBlock* out) {
-  for (int i = first; i < end; i += kLanes) {
-    const Ints x_radius = halfClamped(load(extents.x + i), 65536, 1048576);
-    const Ints y_radius = halfClamped(load(extents.y + i), 65536, 1048576);
-    storeBoxes(x_radius, y_radius, out->box + i);
-  }
+inline Doubles largestDistance(Doubles centre, Doubles right, Doubles lower_right, Doubles lower) {
+  return maxOrSecond(abs(lower - centre), maxOrSecond(abs(lower_right - centre), abs(right - centre)));
 }
 
-inline Doubles extentOf(Doubles centre, Doubles right, Doubles lower_right, Doubles lower) {
-  return larger(larger(magnitude(right - centre), magnitude(lower_right - centre)), magnitude(lower - centre));
-}
-
-// Every quotient of a vector at pixel i by itself, as the definition has it.
-inline void measureExactly(const Stretch& at, const InputScale& scale, int i, Extents* extents, PixelBlock* out) {
-  const Doubles fixed = broadcast(65536.0);
-  const Doubles half = broadcast(0.5);
-  const auto measure = [&](const Neighbourhood& p, double to_input, std::int32_t* position, std::int32_t* extent) {
+// The vector of pixels from i on, with a division for every quotient of the definition.
+inline void measureExactly(const FootprintVectors& at, const InputScale& scale, int i, Extents* extents,
+                           PixelBatch* out) {
+  const Doubles fixed = set(kFixedOne);
+  const Doubles half = set(0.5);
+  const auto measure = [&](const Footprint& p, double to_input, std::int32_t* position, std::int32_t* extent) {
     const Doubles centre = p.centre / at.w.centre;
-    const Doubles scaled = centre * broadcast(to_input);
+    const Doubles scaled = centre * set(to_input);
     const Doubles scaled_extent =
-        extentOf(centre, p.right / at.w.right, p.lower_right / at.w.lower_right, p.lower / at.w.lower) *
-        broadcast(to_input);
-    store(truncated(scaled * fixed + withSignOf(half, scaled)), position + i);
-    store(truncated(scaled_extent * fixed + half), extent + i);
+        largestDistance(centre, p.right / at.w.right, p.lower_right / at.w.lower_right, p.lower / at.w.lower) *
+        set(to_input);
+    store(truncate(scaled * fixed + copySign(half, scaled)), position + i);
+    store(truncate(scaled_extent * fixed + half), extent + i);
   };
   measure(at.u, scale.x, out->x, extents->x);
   measure(at.v, scale.y, out->y, extents->y);
 }
 
-// The smallest and the largest magnitude among pixels and their neighbours, to within a factor that the bounds below
-// have room for, NaN where one of them is; the smallest is 0 where the sign changes.
-struct Magnitudes {
-  double smallest;
-  double largest;
-};
+// For batches near a horizon, and for maps whose numbers the approximation below has no bound for.
+[[gnu::noinline]] bool exactFootprints(IncrementalMap* map, const InputScale& scale, int count, PixelBatch* out) {
+  Extents extents;
+  // No divisor above this can lead to one that is 0.
+  const Doubles safe_divisor = set(2.0 * (__builtin_fabs(map->w.right) + __builtin_fabs(map->w.down)));
+  clearAtInfinity(out);
+  bool any_at_infinity = false;
+  for (int i = 0; i < count; i += kStepPixels) {
+    IncrementalMap ahead = *map;
+    bool is_safe = true;
+    for (int k = i; is_safe && k < i + kStepPixels; k += kLanes) {
+      const FootprintVectors at = visitNeighbours(&ahead);
+      is_safe = allGreater(abs(at.w.centre), safe_divisor);
+      measureExactly(at, scale, k, &extents, out);
+    }
+    if (is_safe) {
+      storeBoxes(extents, i, i + kStepPixels, out);
+      *map = ahead;
+    } else {
+      any_at_infinity = scalarFootprints(map, scale, i, i + kStepPixels, out) || any_at_infinity;
+    }
+  }
+  return any_at_infinity;
+}
 
-inline double lesser(double a, double b) {
+// ---- Approximate footprints ----------------------------------------------------------------------------------------
+
+// One division a pixel instead of eight, without the steps' roundings. Where a bound on the error shows that a result
+// rounds to the exact one's 16.16 number, it stands; the few ambiguous vectors are measured again exactly.
+
+// The second one where two numbers do not compare, one of them being a NaN.
+inline double minOrSecond(double a, double b) {
   return a < b ? a : b;
 }
-inline double greater(double a, double b) {
+inline double maxOrSecond(double a, double b) {
   return a > b ? a : b;
 }
 
-inline Magnitudes magnitudesOf(const CoordinateWalk& walk, int pixels) {
-  const double last = walk.at + (pixels + 1) * walk.right;
-  const double low = lesser(walk.at, last) + lesser(0.0, walk.down);
-  const double high = greater(walk.at, last) + greater(0.0, walk.down);
+// The smallest and the largest magnitude among pixels and their neighbours, to within a factor that the bounds below
+// have room for, NaN where one of them is.
+struct Magnitudes {
+  double smallest;  // 0 where the sign changes
+  double largest;
+};
+
+inline Magnitudes magnitudesOf(const Stepper& stepper, int pixels) {
+  const double last = stepper.at + (pixels + 1) * stepper.right;
+  const double low = minOrSecond(stepper.at, last) + minOrSecond(0.0, stepper.down);
+  const double high = maxOrSecond(stepper.at, last) + maxOrSecond(0.0, stepper.down);
   const double smallest = low > 0.0 ? low : high < 0.0 ? -high : 0.0;
-  return {smallest, greater(high, -low)};
+  return {smallest, maxOrSecond(high, -low)};
 }
 
-// How far the near computation below may be from the exact one in blocks among the next pixels, in 1/65536 pixel;
-// infinite where it must not be used.
+// How far approximate positions and extents may be from the exact ones in batches among the next pixels, in 1/65536
+// pixel; infinite where they must not be used.
 //
-// With q = 2^-53, every addition of the walk errs by at most q times the largest magnitude, which in a block adds up to
-// less than 5 * 64 + 4 such errors: less than 2^-44.6 of the largest u, v or w. Where the divisors' magnitudes are
+// With q = 2^-53, every addition of a stepper errs by at most q times the largest magnitude, which in a batch adds up
+// to less than 5 * 64 + 4 such errors: less than 2^-44.6 of the largest u, v or w. Where the divisors' magnitudes are
 // within a factor of 8 of each other, a quotient is therefore off by less than 2^-41.4 of the largest u or v over the
-// smallest w, a distance of two by less than twice that, and the near computation's own roundings are far smaller.
-inline double largestError(const RowWalk& walk, const InputScale& scale, int pixels) {
-  constexpr double kNever = __builtin_inf();
-  const Magnitudes u = magnitudesOf(walk.u, pixels);
-  const Magnitudes v = magnitudesOf(walk.v, pixels);
-  const Magnitudes w = magnitudesOf(walk.w, pixels);
+// smallest w, a distance of two by less than twice that, and the approximation's own roundings are far smaller.
+inline double approximationError(const IncrementalMap& map, const InputScale& scale, int pixels) {
+  const Magnitudes u = magnitudesOf(map.u, pixels);
+  const Magnitudes v = magnitudesOf(map.v, pixels);
+  const Magnitudes w = magnitudesOf(map.w, pixels);
   // What is compared this way round is false for NaN.
-  const bool is_tame =
+  const bool is_well_conditioned =
       w.smallest > 0x1p-100 && w.largest < 0x1p100 && w.largest < 8.0 * w.smallest && scale.x > 0.0 && scale.y > 0.0;
-  const double farthest = greater(u.largest * scale.x, v.largest * scale.y) * 65536.0 / w.smallest;
-  return is_tame && farthest < 0x1p30 ? farthest * 0x1p-39 + 0x1p-30 : kNever;
+  const double farthest = maxOrSecond(u.largest * scale.x, v.largest * scale.y) * kFixedOne / w.smallest;
+  return is_well_conditioned && farthest < 0x1p30 ? farthest * 0x1p-39 + 0x1p-30 : __builtin_inf();
 }
 
-// The quotients of a block's pixels and of the pixels below them, and those of some pixels beyond the block: the right
+// Whether the next batch may be approximated, with the error left in the map. The bound is computed for several batches
+// at once, or for one where it fails for several.
+inline bool allowsApproximation(IncrementalMap* map, const InputScale& scale) {
+  constexpr double kLargestError = 0x1p-7;
+  constexpr int kPixelsAhead = 4 * kBatchPixels;
+  if (map->error_pixels < kBatchPixels) {
+    map->error = approximationError(*map, scale, kPixelsAhead);
+    map->error_pixels = kPixelsAhead;
+    if (!(map->error < kLargestError)) {
+      map->error = approximationError(*map, scale, kBatchPixels);
+      map->error_pixels = kBatchPixels;
+    }
+  }
+  map->error_pixels -= kBatchPixels;
+  return map->error < kLargestError;
+}
+
+// The quotients of a batch's pixels and of the pixels below them, and those of some pixels beyond the batch: the right
 // neighbours are the next pixels, and the lower right ones those below the next.
-struct NearQuotients {
-  static constexpr int kPixels = kRowBlock + kLanes;
+struct ApproximateQuotients {
+  static constexpr int kPixels = kBatchPixels + kLanes;
   double x[kPixels];
   double y[kPixels];
   double lower_x[kPixels];
   double lower_y[kPixels];
 };
 
-// With one division for all four of a pixel, and without the walk's roundings.
-inline void computeQuotients(const RowWalk& walk, int count, NearQuotients* out) {
-  const Doubles u = broadcast(walk.u.at);
-  const Doubles v = broadcast(walk.v.at);
-  const Doubles w = broadcast(walk.w.at);
-  const Doubles u_right = broadcast(walk.u.right);
-  const Doubles v_right = broadcast(walk.v.right);
-  const Doubles w_right = broadcast(walk.w.right);
-  const Doubles u_down = broadcast(walk.u.down);
-  const Doubles v_down = broadcast(walk.v.down);
-  const Doubles w_down = broadcast(walk.w.down);
-  Doubles pixel = ramp();
+// Divides once for all four of a pixel's quotients.
+inline void approximateQuotients(const IncrementalMap& map, int count, ApproximateQuotients* out) {
+  struct Terms {
+    Doubles at;
+    Doubles right;
+    Doubles down;
+  };
+  const auto terms_of = [](const Stepper& c) { return Terms{set(c.at), set(c.right), set(c.down)}; };
+  const Terms u = terms_of(map.u);
+  const Terms v = terms_of(map.v);
+  const Terms w = terms_of(map.w);
+  Doubles pixel = iota();
   for (int i = 0; i < count + kLanes; i += kLanes) {
-    const Doubles own_w = multiplyAdd(pixel, w_right, w);
-    const Doubles lower_w = own_w + w_down;
-    const Doubles both = broadcast(1.0) / (own_w * lower_w);
-    const Doubles own = both * lower_w;
-    const Doubles lower = both * own_w;
-    const Doubles own_u = multiplyAdd(pixel, u_right, u);
-    const Doubles own_v = multiplyAdd(pixel, v_right, v);
+    const Doubles own_w = mulAdd(pixel, w.right, w.at);
+    const Doubles lower_w = own_w + w.down;
+    const Doubles reciprocal = set(1.0) / (own_w * lower_w);
+    const Doubles own = reciprocal * lower_w;
+    const Doubles lower = reciprocal * own_w;
+    const Doubles own_u = mulAdd(pixel, u.right, u.at);
+    const Doubles own_v = mulAdd(pixel, v.right, v.at);
     store(own_u * own, out->x + i);
     store(own_v * own, out->y + i);
-    store((own_u + u_down) * lower, out->lower_x + i);
-    store((own_v + v_down) * lower, out->lower_y + i);
-    pixel = pixel + broadcast(kLanes);
+    store((own_u + u.down) * lower, out->lower_x + i);
+    store((own_v + v.down) * lower, out->lower_y + i);
+    pixel = pixel + set(kLanes);
   }
 }
 
-// Vectors of a block, a bit each.
-using VectorSet = unsigned;
+// Added to a number of magnitude up to 2^31, this rounds it to a whole one, which the sum's low bits then hold.
+constexpr double kRoundingShift = 0x1.8p52;
 
-// A vector's numbers times a factor, rounded to nearest by way of numbers of which 1 is the last digit.
 struct Rounded {
-  Doubles shifted;   // kRoundingShift more than the whole number
+  Doubles shifted;   // the whole number plus kRoundingShift
   Doubles distance;  // from the whole number to what was rounded
 };
 
+// number * factor, rounded to nearest.
 inline Rounded roundProduct(Doubles number, Doubles factor) {
-  const Doubles shift = broadcast(kRoundingShift);
-  const Doubles shifted = multiplyAdd(number, factor, shift);
-  return {shifted, multiplySubtract(number, factor, shifted - shift)};
+  const Doubles shift = set(kRoundingShift);
+  const Doubles shifted = mulAdd(number, factor, shift);
+  return {shifted, mulSub(number, factor, shifted - shift)};
 }
 
-// A block's positions and extents along one axis, from near quotients. Returns the vectors in which numbers that may be
-// off by `error` are not sure to round as the exact ones do.
+using VectorSet = unsigned;  // vectors of a batch, a bit each
+
+// A batch's positions and extents along one axis, from approximate quotients. Returns the ambiguous vectors: those with
+// numbers that, being off by up to `error`, may round differently from the exact ones.
 inline VectorSet measureAxis(const double* own, const double* lower, double to_input, double error, int count,
                              std::int32_t* positions, std::int32_t* extents) {
-  const Doubles scale = broadcast(to_input * 65536.0);
-  const Doubles most = broadcast(0.5 - error);
-  VectorSet unsure = 0;
+  const Doubles scale = set(to_input * kFixedOne);
+  const Doubles most = set(0.5 - error);
+  VectorSet ambiguous = 0;
   for (int i = 0; i < count; i += kLanes) {
     const Doubles place = load(own + i);
-    const Doubles farthest = largerMagnitude(largerMagnitude(load(own + i + 1) - place, load(lower + i + 1) - place),
-                                             load(lower + i) - place);
+    const Doubles farthest =
+        maxAbs(maxAbs(load(own + i + 1) - place, load(lower + i + 1) - place), load(lower + i) - place);
     const Rounded position = roundProduct(place, scale);
     const Rounded extent = roundProduct(farthest, scale);
-    const bool is_sure = allGreater(most, largerMagnitude(position.distance, extent.distance));
-    unsure |= static_cast<VectorSet>(!is_sure) << (i / kLanes);
-    store(intsOfShifted(position.shifted), positions + i);
-    store(intsOfShifted(extent.shifted), extents + i);
+    const bool is_certain = allGreater(most, maxAbs(position.distance, extent.distance));
+    ambiguous |= static_cast<VectorSet>(!is_certain) << (i / kLanes);
+    store(intsOfShifted(position.shifted, set(kRoundingShift)), positions + i);
+    store(intsOfShifted(extent.shifted, set(kRoundingShift)), extents + i);
   }
-  return unsure;
+  return ambiguous;
 }
 
-// The same for the block to come, and whether the near computation may be used. It is looked for over some blocks at
-// once.
-inline bool allowsNearBlock(RowWalk* walk, const InputScale& scale) {
-  constexpr double kLargest = 0x1p-7;
-  constexpr int kPixelsAhead = 4 * kRowBlock;
-  if (walk->error_pixels < kRowBlock) {
-    walk->error = largestError(*walk, scale, kPixelsAhead);
-    walk->error_pixels = kPixelsAhead;
-    if (!(walk->error < kLargest)) {
-      walk->error = largestError(*walk, scale, kRowBlock);
-      walk->error_pixels = kRowBlock;
-    }
-  }
-  walk->error_pixels -= kRowBlock;
-  return walk->error < kLargest;
-}
-
-// The vector at pixel i of a block that begins at `begin`, in which no divisor is near 0; `is_run` tells whether all
-// its coordinates are runs.
-[[gnu::noinline]] void measureExactlyAt(const RowWalk& begin, bool is_run, const InputScale& scale, int i,
-                                        Extents* extents, PixelBlock* out) {
-  if (is_run) {
-    const auto go_round = [i](const CoordinateWalk& c) {
-      const Doubles centre = multiplyAdd(ramp() + broadcast(i), broadcast(c.step), broadcast(c.at));
-      const Doubles right = centre + broadcast(c.right);
-      const Doubles lower_right = right + broadcast(c.down);
-      return Neighbourhood{centre, right, lower_right, lower_right - broadcast(c.right)};
+// Measures the vector at pixel i of a batch that begins at `begin`, in which no divisor is near 0; `is_in_range` tells
+// whether the whole batch lies in the constant-exponent ranges.
+[[gnu::noinline]] void measureAgain(const IncrementalMap& begin, bool is_in_range, const InputScale& scale, int i,
+                                    Extents* extents, PixelBatch* out) {
+  if (is_in_range) {
+    const auto footprint = [i](const Stepper& c) {
+      const Doubles centre = mulAdd(iota() + set(i), set(c.increment), set(c.at));
+      const Doubles right = centre + set(c.right);
+      const Doubles lower_right = right + set(c.down);
+      return Footprint{centre, right, lower_right, lower_right - set(c.right)};
     };
-    measureExactly({go_round(begin.u), go_round(begin.v), go_round(begin.w)}, scale, i, extents, out);
+    measureExactly({footprint(begin.u), footprint(begin.v), footprint(begin.w)}, scale, i, extents, out);
   } else {
-    RowWalk walk = begin;
-    walkRound(&walk, i);
-    measureExactly(walkOneByOne(&walk), scale, i, extents, out);
+    IncrementalMap map = begin;
+    advanceVisitingNeighbours(&map, i);
+    measureExactly(visitNeighbours(&map), scale, i, extents, out);
   }
 }
 
-void computeNearBlock(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
-  NearQuotients near;
-  Extents extents;
-  computeQuotients(*walk, count, &near);
-  VectorSet unsure = measureAxis(near.x, near.lower_x, scale.x, walk->error, count, out->x, extents.x) |
-                     measureAxis(near.y, near.lower_y, scale.y, walk->error, count, out->y, extents.y);
-  const bool is_run = knownRun(walk) >= count;
-  for (; unsure != 0; unsure &= unsure - 1) {
-    measureExactlyAt(*walk, is_run, scale, __builtin_ctz(unsure) * kLanes, &extents, out);
+bool footprints(IncrementalMap* map, const InputScale& scale, int count, PixelBatch* out) {
+  const int end = wholeSteps(count);
+  if (!allowsApproximation(map, scale)) {
+    return exactFootprints(map, scale, end, out);
   }
-  storeBoxes(extents, 0, count, out);
-  if (is_run) {
-    passRun(&walk->u, count);
-    passRun(&walk->v, count);
-    passRun(&walk->w, count);
+  ApproximateQuotients quotients;
+  Extents extents;
+  approximateQuotients(*map, end, &quotients);
+  VectorSet ambiguous = measureAxis(quotients.x, quotients.lower_x, scale.x, map->error, end, out->x, extents.x) |
+                        measureAxis(quotients.y, quotients.lower_y, scale.y, map->error, end, out->y, extents.y);
+  const bool is_in_range = constantExponentRange(map) >= end;
+  for (; ambiguous != 0; ambiguous &= ambiguous - 1) {
+    measureAgain(*map, is_in_range, scale, __builtin_ctz(ambiguous) * kLanes, &extents, out);
+  }
+  storeBoxes(extents, 0, end, out);
+  if (is_in_range) {
+    advanceInRange(map, end);
   } else {
-    walkRound(walk, count);
+    advanceVisitingNeighbours(map, end);
   }
+  return false;
 }
-
-// Near a horizon, or of any other map.
-bool computeExactBlock(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
-  Extents extents;
-  // No divisor above this can lead to one that is 0.
-  const Doubles safe_divisor = broadcast(2.0 * (__builtin_fabs(walk->w.right) + __builtin_fabs(walk->w.down)));
-  letNoneLieNowhere(out);
-  bool any_nowhere = false;
-  for (int i = 0; i < count; i += kLanes) {
-    RowWalk ahead = *walk;
-    const Stretch at = walkOneByOne(&ahead);
-    if (allGreater(magnitude(at.w.centre), safe_divisor)) {
-      measureExactly(at, scale, i, &extents, out);
-      storeBoxes(extents, i, i + kLanes, out);
-      *walk = ahead;
-    } else {
-      any_nowhere = plainFootprints(walk, scale, i, i + kLanes, out) || any_nowhere;
-    }
-  }
-  return any_nowhere;
-}
-
-bool footprints(RowWalk* walk, const InputScale& scale, int count, PixelBlock* out) {
-  const int end = wholeVectors(count);
-  if (allowsNearBlock(walk, scale)) {
-    computeNearBlock(walk, scale, end, out);
-    return false;
-  }
-  return computeExactBlock(walk, scale, end, out);
-}
-
-constexpr RowBlockFunctions kFunctions{positions, footprints};
 
 }  // namespace
