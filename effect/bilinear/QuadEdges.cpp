@@ -25,8 +25,8 @@ void stepChain(EdgeChain* chain) {
 }
 
 // Whether the chain's edge ends at or above y and the chains have not met yet.
-bool edgeIsPassed(const QuadWalk& walk, const EdgeChain& chain) {
-  return walk.a.next != walk.b.next && walk.y >= walk.corners[chain.next].y;
+bool edgeIsPassed(const EdgeWalker& walker, const EdgeChain& chain) {
+  return walker.a.next != walker.b.next && walker.y >= walker.corners[chain.next].y;
 }
 
 // Puts the chain at the start of its edge. Only these first slopes use double precision.
@@ -43,13 +43,13 @@ void startEdge(const M_FixedPoint* corners, EdgeChain* chain) {
 }
 
 // Steps the chain past the edges that end at or above the row's top.
-void advanceChain(QuadWalk* walk, EdgeChain* chain) {
-  while (edgeIsPassed(*walk, *chain)) {
+void advanceChain(EdgeWalker* walker, EdgeChain* chain) {
+  while (edgeIsPassed(*walker, *chain)) {
     stepChain(chain);
-    const M_FixedPoint& from = walk->corners[chain->current];
-    const M_FixedPoint& to = walk->corners[chain->next];
+    const M_FixedPoint& from = walker->corners[chain->current];
+    const M_FixedPoint& to = walker->corners[chain->next];
     chain->slope = to.y == from.y ? 0 : FixedDiv(wrapSub(to.x, from.x), wrapSub(to.y, from.y));
-    const std::int32_t below = wrapSub(static_cast<std::int32_t>(walk->y), from.y);
+    const std::int32_t below = wrapSub(static_cast<std::int32_t>(walker->y), from.y);
     chain->x = wrapAdd(from.x, KZ_FixMulDiv(chain->slope, below, kFixedOne));
   }
 }
@@ -60,9 +60,9 @@ struct SourcePosition {
 };
 
 // The source position where the chain crosses y; false on a flat edge.
-bool sourceAlongEdge(const QuadWalk& walk, const EdgeChain& chain, const M_FixedPoint* source, SourcePosition* at) {
-  const std::int32_t below = wrapSub(static_cast<std::int32_t>(walk.y), walk.corners[chain.current].y);
-  const std::int32_t length = wrapSub(walk.corners[chain.next].y, walk.corners[chain.current].y);
+bool sourceAlongEdge(const EdgeWalker& walker, const EdgeChain& chain, const M_FixedPoint* source, SourcePosition* at) {
+  const std::int32_t below = wrapSub(static_cast<std::int32_t>(walker.y), walker.corners[chain.current].y);
+  const std::int32_t length = wrapSub(walker.corners[chain.next].y, walker.corners[chain.current].y);
   if (length == 0) {
     return false;
   }
@@ -73,9 +73,27 @@ bool sourceAlongEdge(const QuadWalk& walk, const EdgeChain& chain, const M_Fixed
   return true;
 }
 
+// Leaves the row: y and both chains to the top of the next one, and its coverage if that is the last.
+void stepRow(EdgeWalker* walker) {
+  if (walker->coverage != 0) {
+    walker->a.x = wrapAdd(walker->a.x, KZ_FixMulDiv(walker->a.slope, walker->coverage, kFixedOne));
+    walker->b.x = wrapAdd(walker->b.x, KZ_FixMulDiv(walker->b.slope, walker->coverage, kFixedOne));
+    walker->y += walker->last_row ? kFixedOne : walker->coverage;
+    walker->coverage = 0;
+  } else {
+    walker->y += kFixedOne;
+    walker->a.x = wrapAdd(walker->a.x, walker->a.slope);
+    walker->b.x = wrapAdd(walker->b.x, walker->b.slope);
+  }
+  if (walker->y > std::int64_t{walker->y_max} - kFixedOne && !walker->last_row) {
+    walker->coverage = static_cast<std::int32_t>(walker->y_max - walker->y);
+    walker->last_row = true;
+  }
+}
+
 }  // namespace
 
-bool beginWalk(const M_FixedPoint* corners, QuadWalk* walk) {
+bool startAtTop(const M_FixedPoint* corners, EdgeWalker* walker) {
   int top = 0;
   std::int32_t y_min = corners[0].y;
   std::int32_t y_max = corners[0].y;
@@ -89,59 +107,44 @@ bool beginWalk(const M_FixedPoint* corners, QuadWalk* walk) {
   if (y_min >= y_max) {
     return false;
   }
-  *walk = {corners, chainFrom(top, kDecreasing), chainFrom(top, kIncreasing), y_min, y_max, 0, false};
-  for (EdgeChain* chain : {&walk->a, &walk->b}) {
-    while (edgeIsPassed(*walk, *chain)) {
+  *walker = {corners, chainFrom(top, kDecreasing), chainFrom(top, kIncreasing), y_min, y_max, 0, false};
+  for (EdgeChain* chain : {&walker->a, &walker->b}) {
+    while (edgeIsPassed(*walker, *chain)) {
       stepChain(chain);
     }
   }
-  startEdge(corners, &walk->a);
-  startEdge(corners, &walk->b);
+  startEdge(corners, &walker->a);
+  startEdge(corners, &walker->b);
+  const std::int32_t fraction = fixedFraction(y_min);
+  if (fraction != 0) {
+    walker->coverage = kFixedOne - fraction;
+  }
   return true;
 }
 
-bool hasRow(const QuadWalk& walk) {
-  return walk.y < walk.y_max;
-}
-
-void enterRow(QuadWalk* walk) {
-  const std::int32_t fraction = fixedFraction(static_cast<std::int32_t>(walk->y));
-  if (fraction != 0) {
-    walk->cover = kFixedOne - fraction;
-  }
-  advanceChain(walk, &walk->a);
-  advanceChain(walk, &walk->b);
-}
-
-void leaveRow(QuadWalk* walk) {
-  if (walk->cover != 0) {
-    walk->a.x = wrapAdd(walk->a.x, KZ_FixMulDiv(walk->a.slope, walk->cover, kFixedOne));
-    walk->b.x = wrapAdd(walk->b.x, KZ_FixMulDiv(walk->b.slope, walk->cover, kFixedOne));
-    walk->y += walk->last_row ? kFixedOne : walk->cover;
-    walk->cover = 0;
-  } else {
-    walk->y += kFixedOne;
-    walk->a.x = wrapAdd(walk->a.x, walk->a.slope);
-    walk->b.x = wrapAdd(walk->b.x, walk->b.slope);
-  }
-  if (walk->y > std::int64_t{walk->y_max} - kFixedOne && !walk->last_row) {
-    walk->cover = static_cast<std::int32_t>(walk->y_max - walk->y);
-    walk->last_row = true;
-  }
-}
-
-bool rowSpan(const QuadWalk& walk, const M_FixedPoint* source, QuadSpan* span) {
-  const std::int32_t width = wrapSub(walk.b.x, walk.a.x);
-  SourcePosition at_a;
-  SourcePosition at_b;
-  if (width == 0 || !sourceAlongEdge(walk, walk.a, source, &at_a) || !sourceAlongEdge(walk, walk.b, source, &at_b)) {
+bool nextRow(EdgeWalker* walker) {
+  stepRow(walker);
+  if (walker->y >= walker->y_max) {
     return false;
   }
-  const bool a_is_left = walk.b.x > walk.a.x;
+  advanceChain(walker, &walker->a);
+  advanceChain(walker, &walker->b);
+  return true;
+}
+
+bool rowSpan(const EdgeWalker& walker, const M_FixedPoint* source, QuadSpan* span) {
+  const std::int32_t width = wrapSub(walker.b.x, walker.a.x);
+  SourcePosition at_a;
+  SourcePosition at_b;
+  if (width == 0 || !sourceAlongEdge(walker, walker.a, source, &at_a) ||
+      !sourceAlongEdge(walker, walker.b, source, &at_b)) {
+    return false;
+  }
+  const bool a_is_left = walker.b.x > walker.a.x;
   const SourcePosition& left = a_is_left ? at_a : at_b;
   const SourcePosition& right = a_is_left ? at_b : at_a;
-  span->left = a_is_left ? walk.a.x : walk.b.x;
-  span->right = a_is_left ? walk.b.x : walk.a.x;
+  span->left = a_is_left ? walker.a.x : walker.b.x;
+  span->right = a_is_left ? walker.b.x : walker.a.x;
   span->u = left.u;
   span->v = left.v;
   span->right_u = right.u;
