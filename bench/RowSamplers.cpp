@@ -1,11 +1,9 @@
-#include <utility>
 #include <vector>
 
 #include "bench/Parts.h"
-#include "effect/HighQualitySampler.h"
-#include "effect/PerspectiveInfo.h"
 #include "effect/ProjectiveMap.h"
-#include "effect/StandardSampler.h"
+#include "effect/perspective/PerspectiveInfo.h"
+#include "effect/perspective/RowSamplers.h"
 
 namespace vantorel::bench {
 
@@ -41,16 +39,15 @@ KZFX_PerspectiveInfo infoFor(const Work& work, PF_LayerDef* layer) {
   return info;
 }
 
-using traceRow = void (*)(const void*, std::int32_t, std::int32_t, PF_Pixel8*, const RowBlockFunctions&);
-
-void addTrace(const Effort& effort, const Labels& labels, traceRow trace, const RowBlockFunctions* functions) {
+template <SamplingQuality kQuality>
+void addTrace(const Effort& effort, const Labels& labels, InstructionSet set) {
   const Work work = hdWork(labels.work);
   add(effort, {labels,
                [=, row = std::vector<PF_Pixel8>(static_cast<std::size_t>(work.canvas.width))]() mutable {
                  PF_LayerDef layer{};
                  const KZFX_PerspectiveInfo info = infoFor(work, &layer);
                  for (int y = 0; y < work.canvas.height; ++y) {
-                   trace(&info, 0, y, row.data(), *functions);
+                   traceRow<kQuality>(info, 0, y, row.data(), set);
                  }
                },
                std::int64_t{work.canvas.width} * work.canvas.height});
@@ -59,14 +56,12 @@ void addTrace(const Effort& effort, const Labels& labels, traceRow trace, const 
 }  // namespace
 
 void addRowSamplers(const Effort& effort) {
-  constexpr std::pair<InstructionSet, const char*> kSets[] = {
-      {InstructionSet::Plain, "plain"}, {InstructionSet::Avx2, "avx2"}, {InstructionSet::Avx512, "avx512"}};
-  for (const auto& [set, name] : kSets) {
-    if (const RowBlockFunctions* functions = rowBlockFunctionsFor(set)) {
-      Labels labels{"row-sampler", "a", sizeText(kHd), "", "standard", name};
-      addTrace(effort, labels, traceStandardRow<PF_Pixel8>, functions);
+  for (const InstructionSet set : kInstructionSets) {
+    if (isAvailable(set)) {
+      Labels labels{"row-sampler", "a", sizeText(kHd), "", "standard", instructionSetName(set)};
+      addTrace<SamplingQuality::Standard>(effort, labels, set);
       labels.quality = "high";
-      addTrace(effort, labels, traceHighQualityRow<PF_Pixel8>, functions);
+      addTrace<SamplingQuality::High>(effort, labels, set);
     }
   }
 }

@@ -1,12 +1,12 @@
-#include "effect/QuadScan.h"
+#include "effect/bilinear/QuadScan.h"
 
-#include "effect/PixelFamily.h"
-#include "effect/QuadEdges.h"
-#include "effect/QuadSpanDraw.h"
+#include "effect/bilinear/PixelTraits.h"
+#include "effect/bilinear/QuadEdges.h"
+#include "effect/bilinear/SpanFill.h"
 
 namespace {
 
-template <typename Family>
+template <typename Traits>
 void scanQuad(const PF_LayerDef& input, const M_FixedPoint* source, const M_FixedPoint* corners,
               const PF_LayerDef& output) {
   if (input.width <= 0 || input.height <= 0 || output.width <= 0) {
@@ -14,19 +14,20 @@ void scanQuad(const PF_LayerDef& input, const M_FixedPoint* source, const M_Fixe
   }
   const InputView view{static_cast<const std::byte*>(input.data), input.row_bytes, input.width, input.height};
   const std::int64_t world_bottom = std::int64_t{output.height} * kFixedOne;
-  QuadWalk walk;
-  if (!beginWalk(corners, &walk)) {
-    return;
-  }
+  EdgeWalker walker;
   QuadSpan before{};
-  for (; hasRow(walk); leaveRow(&walk)) {
-    enterRow(&walk);
+  for (bool has_row = startAtTop(corners, &walker); has_row; has_row = nextRow(&walker)) {
     QuadSpan span;
-    if (walk.y < 0 || walk.y >= world_bottom || !rowSpan(walk, source, &span)) {
+    if (walker.y < 0 || walker.y >= world_bottom || !rowSpan(walker, source, &span)) {
       continue;
     }
-    std::byte* const row = static_cast<std::byte*>(output.data) + (walk.y >> 16) * output.row_bytes;
-    drawSpan<Family>(view, span, rowsAhead(before, span), walk.cover, row, output.width);
+    const OutputRow row{static_cast<std::byte*>(output.data) + (walker.y >> 16) * output.row_bytes, output.width,
+                        walker.coverage};
+    drawLeftEnd<Traits>(view, span, row);
+    fillSpan<Traits>(view, wholePixels(span, row.width, rowsAhead(before, span)), row);
+    if (endsInside(span, row.width)) {
+      drawRightEnd<Traits>(view, span, row);
+    }
     before = span;
   }
 }
@@ -35,15 +36,15 @@ void scanQuad(const PF_LayerDef& input, const M_FixedPoint* source, const M_Fixe
 
 void FixedToFixed(PF_InData* /*in_data*/, PF_LayerDef* input, M_FixedPoint* source, M_FixedPoint* corners,
                   PF_LayerDef* output) {
-  scanQuad<PixelFamily8>(*input, source, corners, *output);
+  scanQuad<PixelTraits8>(*input, source, corners, *output);
 }
 
 void FixedToFixed16(PF_InData* /*in_data*/, PF_LayerDef* input, M_FixedPoint* source, M_FixedPoint* corners,
                     PF_LayerDef* output) {
-  scanQuad<PixelFamily16>(*input, source, corners, *output);
+  scanQuad<PixelTraits16>(*input, source, corners, *output);
 }
 
 void FixedToFixedFloat(PF_InData* /*in_data*/, PF_LayerDef* input, M_FixedPoint* source, M_FixedPoint* corners,
                        PF_LayerDef* output) {
-  scanQuad<PixelFamilyFloat>(*input, source, corners, *output);
+  scanQuad<PixelTraitsFloat>(*input, source, corners, *output);
 }

@@ -1,4 +1,4 @@
-// Mixing, averaging and sampling pixels for the bilinear renderer: one family of functions a depth.
+// Mixing, averaging and sampling pixels for the bilinear renderer: the same functions for each depth.
 //
 // Positions (u, v) and steps (du, dv) are 16.16 in input pixels. Of a weight only the high byte of its fraction counts,
 // the mix factor f = 0..255; a coordinate serves as the weight for interpolating at it. 8-bit pixels are handled as one

@@ -1,5 +1,5 @@
-// Walking a quadrilateral row by row in 16.16 fixed point: two chains of edges run down from its top corner, one
-// through decreasing and one through increasing corner indices, and every row is the span between them.
+// Edge walking: a quadrilateral is drawn row by row in 16.16 fixed point. Two chains of edges run down from its top
+// corner, one through decreasing and one through increasing corner indices, and every row is the span between them.
 //
 // A concave or self-crossing quadrilateral is walked the same way: one span a row, whichever chain lies on the left.
 // Sums and differences wrap at 32 bits; y and the clip tests are 64 bits wide, so that corners at the ends of the 16.16
@@ -19,28 +19,22 @@ struct EdgeChain {
   std::int32_t slope;  // the change of x per row
 };
 
-// The walk's state at the top of a row.
-struct QuadWalk {
+// The state of the walk at a row.
+struct EdgeWalker {
   const M_FixedPoint* corners;
   EdgeChain a;
   EdgeChain b;
   std::int64_t y;  // the row's top
   std::int32_t y_max;
-  std::int32_t cover;  // the covered part of the row's height when that is less than a whole row, else 0
-  bool last_row;       // the last, partly covered row has been scheduled
+  std::int32_t coverage;  // the covered part of the row's height when that is less than a whole row, else 0
+  bool last_row;          // the last, partly covered row has been scheduled
 };
 
-// Starts the walk at the top corner. False when all corners lie on one row, so that there is nothing to draw.
-bool beginWalk(const M_FixedPoint* corners, QuadWalk* walk);
+// Starts at the top row. False when all corners lie on one row, so that there is nothing to draw.
+bool startAtTop(const M_FixedPoint* corners, EdgeWalker* walker);
 
-// Whether there is a row at walk.y.
-bool hasRow(const QuadWalk& walk);
-
-// Prepares the row at walk.y: its cover, and both chains on the edges that cross it.
-void enterRow(QuadWalk* walk);
-
-// Moves on to the next row.
-void leaveRow(QuadWalk* walk);
+// Moves on to the next row. False when there is none.
+bool nextRow(EdgeWalker* walker);
 
 // A row's span in the output, and the source positions along it.
 struct QuadSpan {
@@ -54,6 +48,6 @@ struct QuadSpan {
   std::int32_t dv;
 };
 
-// The span of the entered row, with the source corners drawn at the walk's. False when the row has none: the chains
-// meet or an edge is flat.
-bool rowSpan(const QuadWalk& walk, const M_FixedPoint* source, QuadSpan* span);
+// The span of the walker's row, with the source corners drawn at the walker's corners. False when the row has none: the
+// chains meet or an edge is flat.
+bool rowSpan(const EdgeWalker& walker, const M_FixedPoint* source, QuadSpan* span);

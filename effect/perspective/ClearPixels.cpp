@@ -1,4 +1,4 @@
-#include "effect/ClearPixels.h"
+#include "effect/perspective/ClearPixels.h"
 
 #include <cstring>
 
@@ -8,16 +8,16 @@
 
 namespace {
 
-// About what one processor core has to itself.
+// The order of a core's own cache: a world beyond it does not stay cached until the next frame.
 constexpr std::uint64_t kCachedWorldBytes = std::uint64_t{2} << 20;
 
 #if defined(__x86_64__)
 
 constexpr std::size_t kCacheLine = 64;
-// Below this the fence costs more than is gained.
-constexpr std::size_t kStreamedBytes = 1024;
+// Below this the fence costs more than bypassing the caches gains.
+constexpr std::size_t kLeastNonTemporalBytes = 1024;
 
-void streamZeros(std::byte* out, std::size_t count) {
+void clearPastCaches(std::byte* out, std::size_t count) {
   const std::size_t head = (kCacheLine - reinterpret_cast<std::uintptr_t>(out) % kCacheLine) % kCacheLine;
   std::memset(out, 0, head);
   out += head;
@@ -31,7 +31,7 @@ void streamZeros(std::byte* out, std::size_t count) {
     _mm_stream_si128(line + 3, zero);
   }
   std::memset(out, 0, count);
-  // Streamed stores wait for no later ones, among them those that tell of the row's end.
+  // Non-temporal stores are not ordered with later ones, such as those that report the row as done to other threads.
   _mm_sfence();
 }
 
@@ -39,17 +39,16 @@ void streamZeros(std::byte* out, std::size_t count) {
 
 }  // namespace
 
-ClearingWay clearingWayFor(std::uint64_t world_bytes) {
-  return world_bytes > kCachedWorldBytes ? ClearingWay::Streamed : ClearingWay::Cached;
+StorePolicy storePolicyFor(std::uint64_t world_bytes) {
+  return world_bytes > kCachedWorldBytes ? StorePolicy::NonTemporal : StorePolicy::Cached;
 }
 
-void clearBytes(void* out, std::size_t count, ClearingWay way) {
+void clearBytes(void* out, std::size_t count, [[maybe_unused]] StorePolicy policy) {
 #if defined(__x86_64__)
-  if (way == ClearingWay::Streamed && count >= kStreamedBytes) {
-    streamZeros(static_cast<std::byte*>(out), count);
+  if (policy == StorePolicy::NonTemporal && count >= kLeastNonTemporalBytes) {
+    clearPastCaches(static_cast<std::byte*>(out), count);
     return;
   }
 #endif
-  static_cast<void>(way);
   std::memset(out, 0, count);
 }

@@ -1,9 +1,10 @@
-#include "effect/BilinearDriver.h"
+#include "effect/bilinear/BilinearDriver.h"
 
 #include "effect/CornerGeometry.h"
-#include "effect/Int32Arithmetic.h"
+#include "effect/FixedPoint.h"
 #include "effect/Parameters.h"
-#include "effect/QuadScan.h"
+#include "effect/bilinear/QuadScan.h"
+#include "math/Int32FromDouble.h"
 #include "support/KZFX_World.h"
 
 namespace {
@@ -53,25 +54,4 @@ std::int32_t TracePointBilinear(PF_InData* in_data, PF_OutData* out_data, PF_Lay
       break;
   }
   return ERR_NONE;
-}
-
-std::int32_t GetCornerParamsFixed(PF_InData* in_data, M_FixedPoint* corners, std::int32_t offset_x,
-                                  std::int32_t offset_y) {
-  for (int slot = 0; slot < 4; ++slot) {
-    const std::int32_t err = GetSingleFixedPointParam(in_data, kCornerParameters[slot], &corners[slot]);
-    if (err != ERR_NONE) {
-      return err;
-    }
-  }
-  for (int slot = 0; slot < 4; ++slot) {
-    corners[slot].x = wrapAdd(corners[slot].x, fixedFromInt(offset_x));
-    corners[slot].y = wrapAdd(corners[slot].y, fixedFromInt(offset_y));
-  }
-  return ERR_NONE;
-}
-
-std::int32_t GetSingleFixedPointParam(PF_InData* in_data, std::int32_t index, M_FixedPoint* point) {
-  return withCheckedOutPoint(in_data, index, [point](const PF_PointValue& value) {
-    *point = {value.point_x, value.point_y};
-  });
 }

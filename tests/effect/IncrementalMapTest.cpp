@@ -1,4 +1,4 @@
-#include "effect/RowWalk.h"
+#include "effect/perspective/IncrementalMap.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
@@ -32,38 +32,38 @@ double someNumber(int exponent) {
 
 }  // namespace
 
-// Whether it passes over runs or not, a walk comes by the values that it would come by one by one.
-RC_GTEST_PROP(RowWalk, EqualsItsStepsToTheBit, ()) {
+// Whether it takes ranges as wholes or not, the map has the values that it would have step by step.
+RC_GTEST_PROP(IncrementalMap, EqualsItsStepsToTheBit, ()) {
   const int exponent = *rc::gen::inRange(-30, 30);
   const auto step_exponent = [&] { return exponent - *rc::gen::inRange(0, 60); };
-  CoordinateWalk coordinate{someNumber(exponent), someNumber(step_exponent()), someNumber(step_exponent())};
-  RowWalk along{coordinate, coordinate, coordinate};
-  RowWalk round = along;
-  CoordinateWalk stored = coordinate;
-  double at_along = coordinate.at;
-  double at_round = coordinate.at;
+  const Stepper start{someNumber(exponent), someNumber(step_exponent()), someNumber(step_exponent())};
+  IncrementalMap along{start, start, start};
+  IncrementalMap visiting = along;
+  Stepper stored = start;
+  double at_along = start.at;
+  double at_visiting = start.at;
   for (int total = 0; total < 500;) {
     const int pixels = *rc::gen::inRange(1, 100);
     total += pixels;
     std::vector<double> values(static_cast<std::size_t>(pixels));
-    storeAlong(&stored, pixels, values.data());
+    storeValues(&stored, pixels, values.data());
     for (const double value : values) {
-      at_along += coordinate.right;
+      at_along += start.right;
       RC_ASSERT(sameBits(value, at_along));
-      const double centre = at_round + coordinate.right;
-      at_round = centre + coordinate.right + coordinate.down - coordinate.right - coordinate.down;
+      const double centre = at_visiting + start.right;
+      at_visiting = centre + start.right + start.down - start.right - start.down;
     }
-    walkAlong(&along, pixels);
-    walkRound(&round, pixels);
+    advance(&along, pixels);
+    advanceVisitingNeighbours(&visiting, pixels);
     RC_ASSERT(sameBits(stored.at, at_along) && sameBits(along.u.at, at_along) && sameBits(along.w.at, at_along));
-    RC_ASSERT(sameBits(round.u.at, at_round) && sameBits(round.w.at, at_round));
+    RC_ASSERT(sameBits(visiting.u.at, at_visiting) && sameBits(visiting.w.at, at_visiting));
   }
 }
 
-TEST(RowWalk, PassesOverLongRunsAtOnce) {
-  RowWalk walk{{1000.0, 0.1, 0.3}, {1.0, 0.0, 0.0}, {0.7, -1e-5, 1e-5}};
-  EXPECT_GE(knownRun(&walk), 200);
-  walk.u.at = 1023.0;  // ten steps before its exponent changes
-  walk.u.run = 0;
-  EXPECT_LT(knownRun(&walk), 20);
+TEST(IncrementalMap, TakesLongRangesAtOnce) {
+  IncrementalMap map{{1000.0, 0.1, 0.3}, {1.0, 0.0, 0.0}, {0.7, -1e-5, 1e-5}};
+  EXPECT_GE(constantExponentRange(&map), 200);
+  map.u.at = 1023.0;  // ten steps before its exponent changes
+  map.u.range = 0;
+  EXPECT_LT(constantExponentRange(&map), 20);
 }
