@@ -8,31 +8,23 @@
 #include "cli/base/CommandError.h"
 #include "cli/commands/Commands.h"
 #include "cli/shots/ModuleLocation.h"
+#include "host/Simd.h"
 
 namespace vantorel::cli {
 
 namespace {
 
-struct Capability {
-  std::uint32_t flag;
-  bool second;  // in the second word of flags
-  const char* text;
-};
-
-constexpr Capability kCapabilities[] = {
-    {0x40, false, "renders only the part that is asked for"},
-    {0x200, false, "sets the size of its output"},
-    {0x2000000, false, "16 bits per channel"},
-    {0x1000, true, "32-bit float"},
-};
-
-std::vector<std::string> capabilities(const host::ModuleInfo& info) {
-  std::vector<std::string> texts;
-  for (const Capability& capability : kCapabilities) {
-    if (((capability.second ? info.out_flags2 : info.out_flags) & capability.flag) != 0) {
-      texts.emplace_back(capability.text);
+std::vector<const char*> capabilities(const host::ModuleInfo& info) {
+  std::vector<const char*> texts;
+  const auto list = [&](bool has, const char* text) {
+    if (has) {
+      texts.push_back(text);
     }
-  }
+  };
+  list(info.uses_extent_hint, "renders only the part that is asked for");
+  list(info.sets_output_size, "sets the size of its output");
+  list(info.renders_16_bit, "16 bits per channel");
+  list(info.renders_float, "32-bit float");
   return texts;
 }
 
@@ -40,7 +32,8 @@ std::string asJson(const host::ModuleInfo& info) {
   nlohmann::ordered_json object;
   object["module"] = info.path;
   object["about"] = info.about;
-  object["version"] = fmt::format("0x{:08x}", info.version_word);
+  object["version"] = info.version;
+  object["version_word"] = fmt::format("0x{:08x}", info.version_word);
   object["flags"] = fmt::format("0x{:08x}", info.out_flags);
   object["flags2"] = fmt::format("0x{:08x}", info.out_flags2);
   object["capabilities"] = capabilities(info);
@@ -51,24 +44,44 @@ std::string asJson(const host::ModuleInfo& info) {
                                     {"name", parameter.name},
                                     {"default_percent", {parameter.default_percent.x, parameter.default_percent.y}}});
   }
+  object["simd"] = nlohmann::ordered_json::array();
+  for (const host::SimdVariant& variant : host::simdVariants()) {
+    object["simd"].push_back({{"name", variant.name}, {"available", variant.available}, {"active", variant.active}});
+  }
   return object.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
 }
 
+// A table of labels and lines; of lines under one label only the first shows it.
+class Listing {
+ public:
+  void add(const std::string& label, const std::string& line) {
+    text_ += fmt::format("{:13} {}\n", label == last_ ? "" : label, line);
+    last_ = label;
+  }
+  const std::string& text() const { return text_; }
+
+ private:
+  std::string text_;
+  std::string last_;
+};
+
 std::string asText(const host::ModuleInfo& info) {
-  std::string text = fmt::format("{}\n\nmodule        {}\nversion       0x{:08x}\nflags         0x{:08x} 0x{:08x}\n",
-                                 info.about, info.path, info.version_word, info.out_flags, info.out_flags2);
-  const char* label = "capabilities";
-  for (const std::string& capability : capabilities(info)) {
-    text += fmt::format("{:13} {}\n", label, capability);
-    label = "";
+  Listing listing;
+  listing.add("module", info.path);
+  listing.add("version", info.version);
+  listing.add("shapes", "convex quadrilaterals in perspective, all others by a bilinear mapping");
+  for (const char* capability : capabilities(info)) {
+    listing.add("capabilities", capability);
   }
-  label = "parameters";
   for (const host::ParameterInfo& parameter : info.parameters) {
-    text += fmt::format("{:13} {}  {} (default {}%, {}%)\n", label, parameter.index, parameter.name,
-                        parameter.default_percent.x, parameter.default_percent.y);
-    label = "";
+    listing.add("parameters", fmt::format("{}  {} (default {}%, {}%)", parameter.index, parameter.name,
+                                          parameter.default_percent.x, parameter.default_percent.y));
   }
-  return text;
+  for (const host::SimdVariant& variant : host::simdVariants()) {
+    listing.add("SIMD", fmt::format("{:8} {}", variant.name,
+                                    variant.active ? "in use" : (variant.available ? "available" : "not available")));
+  }
+  return info.about + "\n\n" + listing.text();
 }
 
 }  // namespace

@@ -9,8 +9,8 @@
 namespace vantorel::cli {
 
 // Loads the module at `path`, or when that is empty the one beside the command or where it is installed, seen from
-// there. Throws CommandError: a file failure when there is no such file, an effect failure when it is there but does
-// not work.
+// there. Throws CommandError: a file failure when there is no such file, an effect failure when the file does not
+// work, a bad argument when VANTOREL_SIMD names no instruction set of this machine.
 std::shared_ptr<const host::Module> loadModule(const std::string& path);
 
 }  // namespace vantorel::cli

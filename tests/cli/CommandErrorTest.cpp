@@ -70,6 +70,7 @@ TEST(CommandError, Arguments) {
           {"render card.%04d.png -o out.png", 2, "LAYER: 'card.%04d.png' stands for a sequence"},
           {"render card.png -o out.jpg --size 65501x8", 2, "--output: 'out.jpg' would have 65501x8 pixels"},
           {"render card.png -o out.gif", 2, "--output: 'out.gif' has the unknown format '.gif'"},
+          {still, 2, "VANTOREL_SIMD: \"mmx\" is not an instruction set; use", "export VANTOREL_SIMD=mmx;"},
           {"testcard --size 8x8", 2, "--output: is missing"},
           {"testcard -o out.png --size 1000000x1000000", 2, "--size: 1000000x1000000 needs"},
       });
