@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "bench/Parts.h"
+#include "bench/Components.h"
 #include "bench/Pictures.h"
 
 namespace vantorel::bench {
