@@ -1,6 +1,6 @@
 #include <vector>
 
-#include "bench/Parts.h"
+#include "bench/Components.h"
 #include "effect/ProjectiveMap.h"
 #include "effect/perspective/PerspectiveInfo.h"
 #include "effect/perspective/RowSamplers.h"
@@ -15,22 +15,23 @@ std::int32_t sampleNothing(void* /*effect_ref*/, std::int32_t /*x*/, std::int32_
   return ERR_NONE;
 }
 
-// The render driver's record of the work; rows are begun a pixel early, hence the shift.
-KZFX_PerspectiveInfo infoFor(const Work& work, PF_LayerDef* layer) {
+// The record that the render driver would fill for the workload. The row samplers step before they evaluate, hence the
+// shift by a pixel.
+KZFX_PerspectiveInfo infoFor(const Workload& workload, PF_LayerDef* layer) {
   KZFX_PerspectiveInfo info;
-  info.out_width_d = info.out_width = work.canvas.width;
-  info.out_height_d = info.out_height = work.canvas.height;
-  const auto& [upper_left, upper_right, lower_left, lower_right] = work.corners;
+  info.out_width_d = info.out_width = workload.canvas.width;
+  info.out_height_d = info.out_height = workload.canvas.height;
+  const auto& [upper_left, upper_right, lower_left, lower_right] = workload.corners;
   M_Vector2T<double> quad[] = {{upper_left.x + 1, upper_left.y},
                                {upper_right.x + 1, upper_right.y},
                                {lower_right.x + 1, lower_right.y},
                                {lower_left.x + 1, lower_left.y}};
   KZFX_MapUnitSquareToFromQuad(quad, &info.quad_to_unit, 0);
   info.bound_left = info.bound_top = 0;
-  info.bound_right = work.canvas.width;
-  info.bound_bottom = work.canvas.height;
-  info.x_scale = static_cast<double>(work.layer.width) / work.canvas.width;
-  info.y_scale = static_cast<double>(work.layer.height) / work.canvas.height;
+  info.bound_right = workload.canvas.width;
+  info.bound_bottom = workload.canvas.height;
+  info.x_scale = static_cast<double>(workload.layer.width) / workload.canvas.width;
+  info.y_scale = static_cast<double>(workload.layer.height) / workload.canvas.height;
   info.input_world = layer;
   info.effect_ref = nullptr;
   info.sample_8 = sampleNothing<PF_Pixel8>;
@@ -41,16 +42,16 @@ KZFX_PerspectiveInfo infoFor(const Work& work, PF_LayerDef* layer) {
 
 template <SamplingQuality kQuality>
 void addTrace(const Effort& effort, const Labels& labels, InstructionSet set) {
-  const Work work = hdWork(labels.work);
+  const Workload workload = hdWorkload(labels.workload);
   add(effort, {labels,
-               [=, row = std::vector<PF_Pixel8>(static_cast<std::size_t>(work.canvas.width))]() mutable {
+               [=, row = std::vector<PF_Pixel8>(static_cast<std::size_t>(workload.canvas.width))]() mutable {
                  PF_LayerDef layer{};
-                 const KZFX_PerspectiveInfo info = infoFor(work, &layer);
-                 for (int y = 0; y < work.canvas.height; ++y) {
+                 const KZFX_PerspectiveInfo info = infoFor(workload, &layer);
+                 for (int y = 0; y < workload.canvas.height; ++y) {
                    traceRow<kQuality>(info, 0, y, row.data(), set);
                  }
                },
-               std::int64_t{work.canvas.width} * work.canvas.height});
+               std::int64_t{workload.canvas.width} * workload.canvas.height});
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstring>
 
-#include "bench/Parts.h"
+#include "bench/Components.h"
 #include "bench/Pictures.h"
 
 namespace vantorel::bench {
@@ -17,7 +17,7 @@ void copyRows(const host::ConstImageView& from, const host::ImageView& to) {
   benchmark::ClobberMemory();
 }
 
-// The four channel sums of the picture: within a row in RowSum, which holds it exactly for integers, then in Sum.
+// The four channel sums of the picture: per row in RowSum, which holds an integer sum exactly, then in Sum.
 template <typename Channel, typename RowSum, typename Sum>
 std::array<Sum, 4> sumOnce(const host::ConstImageView& view) {
   std::array<Sum, 4> total{};
@@ -52,7 +52,7 @@ void sumPicture(const host::ConstImageView& view) {
 
 }  // namespace
 
-void addFloors(const Effort& effort) {
+void addBaselines(const Effort& effort) {
   for (const host::Depth depth : kDepths) {
     for (const host::Size size : {kHd, kUhd}) {
       const Labels labels{"copy", "", sizeText(size), depthText(depth), "", "memcpy"};

@@ -1,13 +1,13 @@
-#include "bench/Agreement.h"
+#include "bench/PictureDifference.h"
 
 #include <cmath>
 #include <cstdio>
 #include <map>
 
 #include "bench/Cpu.h"
-#include "bench/Own.h"
 #include "bench/Peers.h"
 #include "bench/Pictures.h"
+#include "bench/VantorelFrames.h"
 
 namespace vantorel::bench {
 
@@ -35,31 +35,32 @@ std::string signalToNoise(const std::vector<std::uint16_t>& a, const std::vector
   return text;
 }
 
-std::vector<std::uint16_t> ownPicture(const std::shared_ptr<const host::Module>& module, const Work& work) {
-  host::Instance instance = instanceFor(module, work);
-  renderFrame(instance, work, kDepth, host::Quality::High, 1);
-  return channelsOf(canvas(work.canvas, kDepth));
+std::vector<std::uint16_t> vantorelPicture(const std::shared_ptr<const host::Module>& module,
+                                           const Workload& workload) {
+  host::Instance instance = instanceFor(module, workload);
+  renderFrame(instance, workload, kDepth, host::Quality::High, 1);
+  return channelsOf(canvas(workload.canvas, kDepth));
 }
 
-std::vector<std::uint16_t> peerPicture(const Peer& peer, const Work& work) {
-  const Drawing drawing = peer.prepare(work, kDepth, 1);
+std::vector<std::uint16_t> peerPicture(const Peer& peer, const Workload& workload) {
+  const Drawing drawing = peer.prepare(workload, kDepth, 1);
   drawing.run();
   if (drawing.deliver) {
     drawing.deliver();
   }
-  return channelsOf(canvas(work.canvas, kDepth));
+  return channelsOf(canvas(workload.canvas, kDepth));
 }
 
 }  // namespace
 
-std::vector<std::pair<std::string, std::string>> agreements(const std::shared_ptr<const host::Module>& module) {
+std::vector<std::pair<std::string, std::string>> pictureDifferences(const std::shared_ptr<const host::Module>& module) {
   pinTo(1);
   std::map<std::string, std::string> found;
   for (const Peer& peer : allPeers()) {
-    for (const std::string& name : peer.works) {
-      const Work work = hdWork(name);
-      if (work.perspective) {
-        found[name + " " + peer.tool] = signalToNoise(ownPicture(module, work), peerPicture(peer, work));
+    for (const std::string& name : peer.workloads) {
+      const Workload workload = hdWorkload(name);
+      if (workload.perspective) {
+        found[name + " " + peer.tool] = signalToNoise(vantorelPicture(module, workload), peerPicture(peer, workload));
       }
     }
   }

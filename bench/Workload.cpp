@@ -1,4 +1,4 @@
-#include "bench/Work.h"
+#include "bench/Workload.h"
 
 #include <cmath>
 #include <numbers>
@@ -23,18 +23,18 @@ Corners rotatedSquare(double side, Size canvas) {
   return {turned(-half, -half), turned(half, -half), turned(-half, half), turned(half, half)};
 }
 
-Work scaled(Work work, int factor) {
+Workload scaled(Workload workload, int factor) {
   const auto enlarge = [factor](Size& size) { size = {size.width * factor, size.height * factor}; };
-  enlarge(work.layer);
-  enlarge(work.canvas);
-  for (Point* corner :
-       {&work.corners.upper_left, &work.corners.upper_right, &work.corners.lower_left, &work.corners.lower_right}) {
+  enlarge(workload.layer);
+  enlarge(workload.canvas);
+  for (Point* corner : {&workload.corners.upper_left, &workload.corners.upper_right, &workload.corners.lower_left,
+                        &workload.corners.lower_right}) {
     *corner = {corner->x * factor, corner->y * factor};
   }
-  return work;
+  return workload;
 }
 
-std::vector<Work> hdWorks() {
+std::vector<Workload> hdWorkloads() {
   constexpr int kSquare = 760;
   return {
       {"a", kHd, kHd, {{192, 108}, {1728, 54}, {96, 972}, {1824, 1026}}},
@@ -49,23 +49,23 @@ std::vector<Work> hdWorks() {
 
 }  // namespace
 
-std::vector<Work> worksAt(int factor) {
-  std::vector<Work> works;
-  for (const Work& work : hdWorks()) {
-    if (factor == 1 || !work.minifies) {
-      works.push_back(scaled(work, factor));
+std::vector<Workload> workloadsAt(int factor) {
+  std::vector<Workload> workloads;
+  for (const Workload& workload : hdWorkloads()) {
+    if (factor == 1 || !workload.minifies) {
+      workloads.push_back(scaled(workload, factor));
     }
   }
-  return works;
+  return workloads;
 }
 
-Work hdWork(const std::string& name) {
-  for (const Work& work : hdWorks()) {
-    if (work.name == name) {
-      return work;
+Workload hdWorkload(const std::string& name) {
+  for (const Workload& workload : hdWorkloads()) {
+    if (workload.name == name) {
+      return workload;
     }
   }
-  throw std::invalid_argument("no work is called " + name);
+  throw std::invalid_argument("there is no workload " + name);
 }
 
 }  // namespace vantorel::bench
