@@ -25,12 +25,12 @@ Corners rectangle(double left, double top, double right, double bottom) {
   return {{{l, t}, {r, t}, {r, b}, {l, b}}};
 }
 
-// Pictures of gray pixels of any depth, as their red channels.
+// Pictures of gray pixels of any depth, as their alpha channels.
 template <typename Function>
-void paint(int depth, GuardedWorld& world, Function red) {
+void paint(int depth, GuardedWorld& world, Function gray) {
   for (int i = 0; i < world.world.width * world.world.height; ++i) {
     const int x = i % world.world.width, y = i / world.world.width;
-    const auto c = static_cast<std::uint16_t>(red(x, y));
+    const auto c = static_cast<std::uint16_t>(gray(x, y));
     if (depth == 8) {
       world.at<PF_Pixel8>(x, y) = pixelFromCode<PF_Pixel8>(c * 0x01010101u);
     } else if (depth == 16) {
@@ -45,19 +45,32 @@ Picture pictureOf(int depth, GuardedWorld& world) {
   Picture picture(std::size_t(world.world.height));
   for (int i = 0; i < world.world.width * world.world.height; ++i) {
     const int x = i % world.world.width, y = i / world.world.width;
-    picture[std::size_t(y)].push_back(depth == 8    ? world.at<PF_Pixel8>(x, y).red
-                                      : depth == 16 ? world.at<PF_Pixel16>(x, y).red
-                                                    : int(world.at<PF_PixelFloat>(x, y).red + 0.5F));
+    picture[std::size_t(y)].push_back(depth == 8    ? world.at<PF_Pixel8>(x, y).alpha
+                                      : depth == 16 ? world.at<PF_Pixel16>(x, y).alpha
+                                                    : int(world.at<PF_PixelFloat>(x, y).alpha + 0.5F));
   }
   return picture;
 }
 
+// Float mixing divides by 255 instead of 256 and does not round down, up to three times for a pixel.
+constexpr int kFloatSlack = 4;
+
+int largestDifference(const Picture& a, const Picture& b) {
+  int largest = 0;
+  for (std::size_t y = 0; y < a.size(); ++y) {
+    for (std::size_t x = 0; x < a[y].size(); ++x) {
+      largest = std::max(largest, std::abs(a[y][x] - b[y][x]));
+    }
+  }
+  return largest;
+}
+
 // What a layer of 4 x 4 pixels leaves of an output of 10 x 8 pixels that held `before`.
 template <typename Function>
-Picture drawn(int depth, Function red, Corners source, Corners corners, int before = 0) {
+Picture drawn(int depth, Function gray, Corners source, Corners corners, int before = 0) {
   GuardedWorld input(depth, 4, 4);
   GuardedWorld output(depth, 10, 8);
-  paint(depth, input, red);
+  paint(depth, input, gray);
   paint(depth, output, [before](int, int) { return before; });
   const auto draw = depth == 8 ? FixedToFixed : depth == 16 ? FixedToFixed16 : FixedToFixedFloat;
   draw(nullptr, &input.world, source.data(), corners.data(), &output.world);
@@ -202,13 +215,7 @@ RC_GTEST_PROP(Scan, EqualsItsDefinition, ()) {
   const Corners source = *rc::gen::inRange(0, 2) == 0 ? rectangle(0, 0, 4, 4) : someCorners(-2, 7);
   const Picture expected = referenceScan(source, corners, 8);
   for (const int depth : {8, 16, 32}) {
-    const Picture picture = drawn(depth, texel, source, corners, 8);
-    for (std::size_t y = 0; y < 8; ++y) {
-      for (std::size_t x = 0; x < 10; ++x) {
-        // Float mixing divides by 255 instead of 256 and does not round down, up to three times for a pixel.
-        RC_ASSERT(std::abs(picture[y][x] - expected[y][x]) <= (depth == 32 ? 4 : 0));
-      }
-    }
+    RC_ASSERT(largestDifference(drawn(depth, texel, source, corners, 8), expected) <= (depth == 32 ? kFloatSlack : 0));
   }
 }
 
@@ -234,15 +241,38 @@ TEST(Scan, NarrowRowsAndPartialCoverage) {
 
 // A layer of 2 x 2 pixels inside a larger buffer: nothing that surrounds it is drawn, the row's right end included.
 TEST(Scan, AnUnmirroredPictureReadsTheLayerAlone) {
-  const auto red = [](int x, int y) { return x > 0 && x < 3 && y > 0 && y < 3 ? 20 * x : 250; };
+  const auto gray = [](int x, int y) { return x > 0 && x < 3 && y > 0 && y < 3 ? 20 * x : 250; };
   for (const int depth : {8, 16, 32}) {
     for (const double left : {2.0, 2.25, 2.875}) {
-      const Picture picture = drawn(depth, red, rectangle(1, 1, 3, 3), rectangle(left, 1, left + 2, 3));
+      const Picture picture = drawn(depth, gray, rectangle(1, 1, 3, 3), rectangle(left, 1, left + 2, 3));
       for (const int row : {1, 2}) {
         EXPECT_LE(*std::max_element(picture[row].begin(), picture[row].end()), 40) << depth << " " << left;
         EXPECT_TRUE(left != 2.0 || picture[row] == (std::vector<int>{0, 0, 20, 40, 0, 0, 0, 0, 0, 0})) << depth;
       }
     }
+  }
+}
+
+// Whole frames against pixels that are known otherwise: those of the definition where the bilinear renderer draws a
+// crossed quadrilateral, and the samples in their order where the perspective renderer draws.
+TEST(Render, EveryDepthRendererQualityAndProtocol) {
+  for (int combination = 0; combination < 24; ++combination) {
+    const int depth = 8 << combination / 8;
+    const bool is_crossed = (combination & 1) != 0;
+    ScriptedHost host(depth, {4, 4}, {10, 8});
+    host.in.quality = combination >> 1 & 1;
+    paint(depth, host.input, texel);
+    paint(depth, host.output, [](int, int) { return 119; });
+    const double right = is_crossed ? 0 : 10;
+    host.setCorners({{10 - right, 0}, {right, 0}, {10, 8}, {0, 8}});
+    EXPECT_EQ(host.run((combination & 4) != 0 ? CMD_SMART_RENDER : CMD_RENDER), 0);
+    Picture expected =
+        referenceScan(rectangle(0, 0, 4, 4), {{{10 * kOne, 0}, {0, 0}, {10 * kOne, 8 * kOne}, {0, 8 * kOne}}}, 0);
+    for (int i = 0; i < 80 && !is_crossed; ++i) {
+      expected[std::size_t(i / 10)][std::size_t(i % 10)] = i + 1;
+    }
+    EXPECT_LE(largestDifference(pictureOf(depth, host.output), expected), depth == 32 && is_crossed ? kFloatSlack : 0)
+        << combination;
   }
 }
 
