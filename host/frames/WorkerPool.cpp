@@ -5,13 +5,27 @@
 
 namespace vantorel::host {
 
-// Ranges are long at first, which keeps a thread on neighbouring rows, and end with single rows, so that all threads
-// finish at the same time.
+namespace {
+
+// Waits for what is likely to come within microseconds, as the next of many small frames is: sleeping and being woken
+// takes longer than such a frame's rows.
+template <typename Condition>
+void waitBriefly(Condition condition) {
+  constexpr int kTries = 100;
+  for (int i = 0; i < kTries && !condition(); ++i) {
+    std::this_thread::yield();
+  }
+}
+
+}  // namespace
+
+// Ranges of several rows keep a thread on neighbouring ones; they end with single rows, so that all threads finish at
+// the same time.
 void WorkerPool::Job::work() {
   std::int32_t begin = top.load(std::memory_order_relaxed);
   while (begin < bottom) {
     const std::int64_t left_over = std::int64_t{bottom} - begin;
-    const auto count = static_cast<std::int32_t>(std::max<std::int64_t>(left_over / (2 * sharers), 1));
+    const auto count = static_cast<std::int32_t>(std::clamp<std::int64_t>(left_over / (2 * sharers), 1, max_count));
     if (top.compare_exchange_weak(begin, begin + count, std::memory_order_relaxed)) {
       function.run(function.data, begin, begin + count);
       begin = top.load(std::memory_order_relaxed);
@@ -38,11 +52,20 @@ void WorkerPool::run(std::int32_t top, std::int32_t bottom, unsigned threads, co
     function.run(function.data, top, bottom);
     return;
   }
-  Job job{function, bottom, static_cast<std::int32_t>(sharers), top, sharers - 1};
+  // Short enough that a few costly rows amid cheap ones are shared too.
+  constexpr std::int64_t kRangesPerThread = 16;
+  const std::int64_t max_count = (std::int64_t{bottom} - top) / (kRangesPerThread * sharers);
+  Job job{.function = function,
+          .bottom = bottom,
+          .sharers = static_cast<std::int32_t>(sharers),
+          .max_count = static_cast<std::int32_t>(std::max<std::int64_t>(max_count, 1)),
+          .top = top,
+          .wanted = sharers - 1};
   {
     const std::lock_guard lock(mutex_);
     startWorkers(job.wanted);
     list(&job);
+    runs_.fetch_add(1, std::memory_order_relaxed);
   }
   for (unsigned i = 1; i < sharers; ++i) {
     wake_.notify_one();
@@ -50,6 +73,9 @@ void WorkerPool::run(std::int32_t top, std::int32_t bottom, unsigned threads, co
   job.work();
   std::unique_lock lock(mutex_);
   unlist(&job);
+  lock.unlock();
+  waitBriefly([&job] { return job.helpers.load(std::memory_order_relaxed) == 0; });
+  lock.lock();
   job.left.wait(lock, [&job] { return job.helpers == 0; });
 }
 
@@ -80,6 +106,12 @@ void WorkerPool::help() {
     // The last one to leave tells with the lock held: after that the caller may end the job.
     if (--job->helpers == 0) {
       job->left.notify_one();
+    }
+    if (firstWaiting() == nullptr) {
+      const unsigned runs = runs_.load(std::memory_order_relaxed);
+      lock.unlock();
+      waitBriefly([&] { return runs_.load(std::memory_order_relaxed) != runs; });
+      lock.lock();
     }
   }
 }

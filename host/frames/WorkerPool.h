@@ -37,10 +37,11 @@ class WorkerPool {
   struct Job {
     const RowRangeFunction& function;
     const std::int32_t bottom;
-    const std::int32_t sharers;     // the threads that may work on it
-    std::atomic<std::int32_t> top;  // the first row that nobody has taken
-    unsigned wanted;                // helpers that may still join
-    unsigned helpers = 0;           // that have joined and not left
+    const std::int32_t sharers;        // the threads that may work on it
+    const std::int32_t max_count;      // the most rows that are taken at once
+    std::atomic<std::int32_t> top;     // the first row that nobody has taken
+    unsigned wanted;                   // helpers that may still join
+    std::atomic<unsigned> helpers{0};  // that have joined and not left
     std::condition_variable left{};
     Job* next = nullptr;
 
@@ -56,6 +57,7 @@ class WorkerPool {
   const unsigned max_threads_;
   std::mutex mutex_;  // of everything below, and of the jobs but for their rows
   std::condition_variable wake_;
+  std::atomic<unsigned> runs_{0};  // that were begun so far
   Job* jobs_ = nullptr;
   bool stopping_ = false;
   std::vector<std::thread> workers_;
