@@ -1,6 +1,6 @@
 #include "host/sampling/AreaSampler.h"
 
-#include "bench/Parts.h"
+#include "bench/Components.h"
 #include "bench/Pictures.h"
 
 namespace vantorel::bench {
