@@ -69,7 +69,7 @@ FrameRender::FrameRender(const ModuleState& module, FrameState& frame, const Ani
   frame.downsample = options.downsample;
   frame.iterated = false;
   frame.render_seconds = 0.0;
-  frame.rows.begin(module.checking ? 1 : options.threads, options.progress, options.stop);
+  frame.rows.begin(module.workers, module.checking ? 1 : options.threads, options.progress, options.stop);
 }
 
 FrameRender::~FrameRender() {

@@ -13,6 +13,7 @@ namespace {
 // A command that is running, with the frame that the iterators need.
 struct Running {
   ModuleResources resources;
+  WorkerPool pool;
   FrameState frame;
   CallContext context{resources};
   CallScope scope{context};
@@ -23,7 +24,7 @@ struct Running {
     context.frame = &frame;
     installCallbacks(&in);
     in.effect_ref = &context;
-    frame.rows.begin(threads, progress_, std::move(stop));
+    frame.rows.begin(pool, threads, progress_, std::move(stop));
   }
 
  private:
