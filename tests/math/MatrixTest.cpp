@@ -26,31 +26,21 @@ int typeOf(const M_Matrix3& m) {
 
 TEST(Matrix, BuildersAppendTheirTransform) {
   M_Matrix3 m(true);
-  M_TranslateMatrix(&m, 5, 7);
+  EXPECT_EQ(M_TranslateMatrix(&m, 5, 7), 0);
   expectPoint(carried(m, {1, 1}), 6, 8);
-  m.setIdentity();
-  M_ScaleMatrix(&m, 2, 3, 10, 10);
-  expectPoint(carried(m, {10, 10}), 10, 10);
-  expectPoint(carried(m, {11, 11}), 12, 13);
-  m.setIdentity();
-  M_RotateMatrix(&m, 90, 0, 0);
-  expectPoint(carried(m, {1, 0}), 0, 1);
-  m.setIdentity();
-  M_RotateMatrix(&m, 30, 4, -2);
-  expectPoint(carried(m, {4, -2}), 4, -2);
-  m.setIdentity();
-  M_TranslateMatrix(&m, 5, 0);
-  M_ScaleMatrix(&m, 2, 2, 0, 0);
-  expectPoint(carried(m, {1, 0}), 12, 0);
-}
-
-TEST(Matrix, ConcatenatesWithItself) {
-  M_Matrix3 m(true);
-  M_RotateMatrix(&m, 30, 3, 4);
-  M_TranslateMatrix(&m, 1, 2);
+  EXPECT_EQ(M_ScaleMatrix(&m, 2, 3, 10, 10), 0);
+  expectPoint(carried(m, {1, 1}), 2, 4);
+  EXPECT_EQ(M_ScaleMatrix(&m, 1, 2, 0, 1), 0);
+  EXPECT_EQ(M_ScaleMatrix(&m, 1, 1, 5, 5), 0);
+  expectPoint(carried(m, {1, 1}), 2, 7);
+  EXPECT_EQ(M_RotateMatrix(&m, 90, 4, -2), 0);
+  expectPoint(carried(m, {1, 1}), -5, -4);
+  EXPECT_EQ(M_RotateMatrix(&m, 0, 4, -2), 0);
   const Point twice = carried(m, carried(m, {7, -5}));
-  M_ConcatMatrix(&m, &m);
+  EXPECT_EQ(M_ConcatMatrix(&m, &m), 0);  // with itself
   expectPoint(carried(m, {7, -5}), twice.x, twice.y);
+  EXPECT_EQ(M_SetIdentityMatrix(&m), 0);
+  expectPoint(carried(m, {7, -5}), 7, -5);
 }
 
 TEST(Matrix, HomogeneousVectorsUseEveryEntry) {
@@ -58,7 +48,7 @@ TEST(Matrix, HomogeneousVectorsUseEveryEntry) {
   M_Matrix3 m(false);
   std::copy(&entries[0][0], &entries[0][0] + 9, &m.m[0][0]);
   M_Vector3T<double> v[2] = {{1, 10, 100}, {-1, 0, 2}};
-  M_TransformVector3(&m, 2, v);
+  EXPECT_EQ(M_TransformVector3(&m, 2, v), 0);
   EXPECT_TRUE(v[0].x == 741 && v[0].y == 852 && v[0].z == 1063);
   EXPECT_TRUE(v[1].x == 13 && v[1].y == 14 && v[1].z == 17);
 }
