@@ -14,6 +14,7 @@
 // read.
 #pragma once
 
+#include "platform/Cpu.h"
 #include "support/PF_HostRecords.h"
 
 namespace vantorel::host {
@@ -24,13 +25,11 @@ struct AreaSamplers {
   PF_AreaSampler<PF_PixelFloat> sample_float;
 };
 
-// The samplers that modules get: those of the best instruction set that the machine has.
+// The samplers that modules get: those of the active instruction set.
 const AreaSamplers& areaSamplers();
 
-enum class SamplerVariant { Plain, Avx2, Avx512 };
-
-// The samplers of a variant, or null where this machine or build does not have it. All give the same bits.
-const AreaSamplers* areaSamplersOf(SamplerVariant variant);
+// The samplers of an instruction set, which must be available. All give the same bits.
+const AreaSamplers& areaSamplersOf(InstructionSet set);
 
 // The text above put into code as plainly as may be: what every faster sampler must equal, to the bit.
 const AreaSamplers& referenceAreaSamplers();

@@ -6,6 +6,7 @@
 #include "host/Errors.h"
 #include "host/ModuleCall.h"
 #include "host/ModuleState.h"
+#include "host/Simd.h"
 #include "host/StringTable.h"
 
 namespace vantorel::host {
@@ -24,15 +25,33 @@ Error aboutModule(const std::string& path, Error error) {
   return error;
 }
 
+// A version word holds the major number from bit 19 on, the minor one in four bits from 15 and the patch's in four from
+// 11; below are the stage and the build.
+std::string versionText(std::uint32_t word) {
+  const std::uint32_t patch = word >> 11 & 15;
+  const std::string text = std::to_string(word >> 19) + "." + std::to_string(word >> 15 & 15);
+  return patch == 0 ? text : text + "." + std::to_string(patch);
+}
+
+// Enters what global setup declared.
+void describeModule(const PF_OutData& out, ModuleInfo* info) {
+  info->version_word = out.version;
+  info->out_flags = out.out_flags;
+  info->out_flags2 = out.out_flags2;
+  info->version = versionText(out.version);
+  info->uses_extent_hint = (out.out_flags & OUT_FLAG_USES_EXTENT_HINT) != 0;
+  info->sets_output_size = (out.out_flags & OUT_FLAG_SETS_OUTPUT_SIZE) != 0;
+  info->renders_16_bit = (out.out_flags & OUT_FLAG_16BIT_WORLDS) != 0;
+  info->renders_float = (out.out_flags2 & OUT_FLAG2_FLOAT_WORLDS) != 0;
+}
+
 Result<void> setUp(Module::State& module) {
   ModuleCall call(module);
   Result<void> done = call.run(CMD_GLOBAL_SETUP, nullptr, nullptr, nullptr);
   // A command that succeeded and misused the host has left something to set down too.
   module.is_set_up = done || done.error().code == ERR_NONE;
   module.global_data = module.is_set_up ? call.out.global_data : nullptr;
-  module.info.version = call.out.version;
-  module.info.out_flags = call.out.out_flags;
-  module.info.out_flags2 = call.out.out_flags2;
+  describeModule(call.out, &module.info);
   return done;
 }
 
@@ -52,6 +71,9 @@ Result<void> readAbout(Module::State& module) {
 }  // namespace
 
 Result<std::shared_ptr<const Module>> Module::load(const std::string& path, ModuleOptions options) {
+  if (Result<void> simd = checkSimdChoice(); !simd) {
+    return tl::unexpected(std::move(simd).error());
+  }
   Result<SharedLibrary> library = SharedLibrary::open(path);
   if (!library) {
     return tl::unexpected(std::move(library).error());

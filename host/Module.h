@@ -41,11 +41,16 @@ struct ParameterInfo {
 // What a module says of itself.
 struct ModuleInfo {
   std::string path;
-  std::string about;  // with line breaks in place of the table's tokens
-  std::uint32_t version = 0;
+  std::string about;              // with line breaks in place of the table's tokens
+  std::string version;            // "2.0"; with a third number where that is not 0
+  bool uses_extent_hint = false;  // renders only the part of its output that is asked for
+  bool sets_output_size = false;  // sets its output's size and origin at frame setup
+  bool renders_16_bit = false;    // 16 bits per channel
+  bool renders_float = false;     // 32-bit float channels
+  std::vector<ParameterInfo> parameters;
+  std::uint32_t version_word = 0;  // as the module gave it, as are the two words of flags
   std::uint32_t out_flags = 0;
   std::uint32_t out_flags2 = 0;
-  std::vector<ParameterInfo> parameters;
 };
 
 // A loaded module, set up: global setup, parameter setup and About have been called. Global set-down and unloading

@@ -55,7 +55,7 @@ ModuleCall::ModuleCall(const Module::State& module, FrameState* frame) : context
   in.downsample_y_num = 1;
   in.downsample_y_den = 1;
   out.global_data = module.global_data;
-  out.version = module.info.version;
+  out.version = module.info.version_word;
 }
 
 void ModuleCall::setFrame(Size layer_size, const FrameOptions& options) {

@@ -118,11 +118,11 @@ TYPED_TEST(AreaSamplerTest, ReferenceIsTheMeanOverTheBoxAndEveryVariantEqualsItT
         ASSERT_TRUE(!is_exact || std::floor(exact + 0.5L) == value) << where;
       }
     }
-    for (const SamplerVariant variant : {SamplerVariant::Plain, SamplerVariant::Avx2, SamplerVariant::Avx512}) {
-      if (const AreaSamplers* samplers = areaSamplersOf(variant); samplers != nullptr) {
+    for (const InstructionSet set : kInstructionSets) {
+      if (isAvailable(set)) {
         TypeParam sampled;
-        ASSERT_EQ(ERR_NONE, samplerOf<TypeParam>(*samplers)(nullptr, box.x, box.y, &params, &sampled));
-        ASSERT_TRUE(sameBits(expected, sampled)) << where << " variant " << static_cast<int>(variant);
+        ASSERT_EQ(ERR_NONE, samplerOf<TypeParam>(areaSamplersOf(set))(nullptr, box.x, box.y, &params, &sampled));
+        ASSERT_TRUE(sameBits(expected, sampled)) << where << " with " << instructionSetName(set);
       }
     }
   }
