@@ -1,4 +1,4 @@
-#include "host/AreaSampler.h"
+#include "host/sampling/AreaSampler.h"
 
 #include "bench/Parts.h"
 #include "bench/Pictures.h"

@@ -1,4 +1,4 @@
-#include "host/AreaSampler.h"
+#include "host/sampling/AreaSampler.h"
 
 #include <array>
 #include <bit>
@@ -7,7 +7,7 @@
 #include <limits>
 #include <random>
 
-#include "host/WorldStore.h"
+#include "host/frames/WorldStore.h"
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
