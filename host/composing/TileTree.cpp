@@ -20,9 +20,6 @@ void addTiles(const Rect& square, int fitting, const Rect& canvas, const SampleR
     return;
   }
   const int needed = rule.samplesFor(square);
-  if (needed == 0) {
-    return;
-  }
   if (needed <= fitting) {
     tiles->push_back({square, needed});
     return;

@@ -10,8 +10,8 @@ namespace vantorel::host {
 
 // A square part of the output that is drawn as a canvas of its own, with so many samples a pixel and axis.
 struct Tile {
-  Rect area;  // in output pixels
-  int samples = 1;
+  Rect area;        // in output pixels
+  int samples = 1;  // 0: nothing to draw
   bool operator==(const Tile&) const = default;
 };
 
@@ -28,7 +28,7 @@ class SampleRule {
   ~SampleRule() = default;
 };
 
-// Replaces `tiles` by those that meet the canvas and have something to draw. They are squares of a fixed quadtree with
+// Replaces `tiles` by those that meet the canvas. They are squares of a fixed quadtree with
 // the origin (0, 0), so that a pixel lies in the same tile whatever the canvas: 256 pixels a side for one sample a
 // pixel, half of that for two, and so on; a part of a square that needs fewer samples than the square is cut off as a
 // tile of its own.

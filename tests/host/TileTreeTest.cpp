@@ -41,7 +41,7 @@ TEST(TileTreeTest, CoversTheCanvasOnceWithSquaresThatHaveRoomForTheirSamples) {
     }
   }
   for (int y = -296; y < 777; y += 8) {
-    for (int x = -592; x < 500; x += 8) {
+    for (int x = -896; x < 500; x += 8) {
       ASSERT_EQ(1, (times[{x, y}])) << x << ", " << y;
     }
   }
