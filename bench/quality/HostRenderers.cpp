@@ -13,9 +13,10 @@ struct Setting {
   host::FrameOptions options;
 };
 
-host::FrameOptions withQuality(host::Quality quality) {
+host::FrameOptions withQuality(host::Quality quality, int samples = 0) {
   host::FrameOptions options;
   options.quality = quality;
+  options.samples = samples;
   options.threads = 1;
   return options;
 }
@@ -24,6 +25,10 @@ std::vector<Setting> settings() {
   return {
       {"standard", withQuality(host::Quality::Standard)},
       {"high", withQuality(host::Quality::High)},
+      {"best", withQuality(host::Quality::Best)},
+      {"best, 1 sample", withQuality(host::Quality::Best, 1)},
+      {"best, 2 x 2 samples", withQuality(host::Quality::Best, 2)},
+      {"best, 4 x 4 samples", withQuality(host::Quality::Best, 4)},
   };
 }
 

@@ -60,6 +60,11 @@ template <typename Depth, SampleSpace kSpace>
 [[gnu::noinline]] std::int32_t sampleOtherBox(void* effect_ref, std::int32_t x, std::int32_t y,
                                               const PF_SampleParams* params, typename Depth::Pixel* out) {
   if (kSpace == SampleSpace::OutlineExtended && isSampleable(params)) {
+    if (liesOutOfReach(x, params->x_radius, params->source->width) ||
+        liesOutOfReach(y, params->y_radius, params->source->height)) {
+      *out = typename Depth::Pixel{};
+      return ERR_NONE;
+    }
     PF_SampleParams cut = *params;
     cutToWorld(&x, &cut.x_radius, cut.source->width);
     cutToWorld(&y, &cut.y_radius, cut.source->height);
