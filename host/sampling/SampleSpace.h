@@ -35,8 +35,7 @@ VANTOREL_INLINE constexpr std::int32_t fromCentres(std::int32_t position) {
 VANTOREL_INLINE bool liesOutOfReach(std::int32_t centre, std::int32_t radius, std::int32_t size) {
   constexpr std::int64_t kPixel = 65536;
   constexpr std::int32_t kLargestRadius = 8 * 65536;
-  const std::int64_t by_radius = 4 * std::int64_t{radius} + kPixel;
-  const std::int64_t reach = by_radius > 17 * kPixel ? by_radius : 17 * kPixel;
+  const std::int64_t reach = radius > kPixel / 2 ? 3 * std::int64_t{radius} + kPixel : 17 * kPixel;
   const std::int64_t position = std::int64_t{centre} + kPixel / 2;
   return radius < kLargestRadius && (position < -reach || position > size * kPixel + reach);
 }
