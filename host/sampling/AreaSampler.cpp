@@ -4,7 +4,9 @@
 
 namespace vantorel::host {
 
-const AreaSamplers& areaSamplersOf(InstructionSet set) {
+namespace {
+
+const AreaSamplerTables& tablesOf(InstructionSet set) {
   switch (set) {
 #if defined(__x86_64__)
     case InstructionSet::Avx512:
@@ -17,9 +19,15 @@ const AreaSamplers& areaSamplersOf(InstructionSet set) {
   }
 }
 
-const AreaSamplers& areaSamplers() {
-  static const AreaSamplers& active = areaSamplersOf(activeInstructionSet());
-  return active;
+}  // namespace
+
+const AreaSamplers& areaSamplersOf(InstructionSet set, SampleSpace space) {
+  return tablesOf(set).in[static_cast<std::size_t>(space)];
+}
+
+const AreaSamplers& areaSamplers(SampleSpace space) {
+  static const AreaSamplerTables& active = tablesOf(activeInstructionSet());
+  return active.in[static_cast<std::size_t>(space)];
 }
 
 }  // namespace vantorel::host

@@ -6,9 +6,8 @@
 
 namespace vantorel::host {
 
-const AreaSamplers& avx2AreaSamplers() {
-  static constexpr AreaSamplers kSamplers{sample<Depth8>, sample<Depth16>, sample<DepthFloat>};
-  return kSamplers;
+const AreaSamplerTables& avx2AreaSamplers() {
+  return kSamplerTables;
 }
 
 }  // namespace vantorel::host

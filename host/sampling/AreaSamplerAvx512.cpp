@@ -7,9 +7,8 @@
 
 namespace vantorel::host {
 
-const AreaSamplers& avx512AreaSamplers() {
-  static constexpr AreaSamplers kSamplers{sample<Depth8>, sample<Depth16>, sample<DepthFloat>};
-  return kSamplers;
+const AreaSamplerTables& avx512AreaSamplers() {
+  return kSamplerTables;
 }
 
 }  // namespace vantorel::host

@@ -132,26 +132,36 @@ std::int32_t sample(PF_AreaSampler<Pixel> reference, std::int32_t x, std::int32_
   return ERR_NONE;
 }
 
-std::int32_t sample8(void* /*effect_ref*/, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
-                     PF_Pixel8* out) {
-  return sample<PF_Pixel8, std::uint8_t>(referenceAreaSamplers().sample8, x, y, params, out);
+template <typename Pixel, typename Channel, SampleSpace kSpace, PF_AreaSampler<Pixel> AreaSamplers::*kReference>
+std::int32_t sampleIn(void* /*effect_ref*/, std::int32_t x, std::int32_t y, const PF_SampleParams* params, Pixel* out) {
+  const PF_AreaSampler<Pixel> reference = referenceAreaSamplers().*kReference;
+  x = fromCentres<kSpace>(x);
+  y = fromCentres<kSpace>(y);
+  if (kSpace == SampleSpace::OutlineExtended && isSampleable(params)) {
+    if (liesOutOfReach(x, params->x_radius, params->source->width) ||
+        liesOutOfReach(y, params->y_radius, params->source->height)) {
+      *out = Pixel{};
+      return ERR_NONE;
+    }
+    PF_SampleParams cut = *params;
+    cutToWorld(&x, &cut.x_radius, cut.source->width);
+    cutToWorld(&y, &cut.y_radius, cut.source->height);
+    return sample<Pixel, Channel>(reference, x, y, &cut, out);
+  }
+  return sample<Pixel, Channel>(reference, x, y, params, out);
 }
 
-std::int32_t sample16(void* /*effect_ref*/, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
-                      PF_Pixel16* out) {
-  return sample<PF_Pixel16, std::uint16_t>(referenceAreaSamplers().sample16, x, y, params, out);
-}
-
-std::int32_t sampleFloat(void* /*effect_ref*/, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
-                         PF_PixelFloat* out) {
-  return sample<PF_PixelFloat, float>(referenceAreaSamplers().sample_float, x, y, params, out);
-}
+template <SampleSpace kSpace>
+constexpr AreaSamplers kSamplersIn{sampleIn<PF_Pixel8, std::uint8_t, kSpace, &AreaSamplers::sample8>,
+                                   sampleIn<PF_Pixel16, std::uint16_t, kSpace, &AreaSamplers::sample16>,
+                                   sampleIn<PF_PixelFloat, float, kSpace, &AreaSamplers::sample_float>};
 
 }  // namespace
 
-const AreaSamplers& plainAreaSamplers() {
-  static constexpr AreaSamplers kSamplers{sample8, sample16, sampleFloat};
-  return kSamplers;
+const AreaSamplerTables& plainAreaSamplers() {
+  static constexpr AreaSamplerTables kTables{{kSamplersIn<SampleSpace::Centres>, kSamplersIn<SampleSpace::Outline>,
+                                              kSamplersIn<SampleSpace::OutlineExtended>}};
+  return kTables;
 }
 
 }  // namespace vantorel::host

@@ -54,11 +54,36 @@ inline bool liesOutside(std::int32_t centre, std::int32_t radius, std::int32_t s
   return middle + radius <= 0 || middle - radius >= std::int64_t{size} << 16;
 }
 
+inline bool liesInside(std::int32_t centre, std::int32_t radius, std::int32_t size) {
+  const std::int64_t middle = std::int64_t{centre} + kHalfPixel;
+  return middle >= radius && middle + radius <= std::int64_t{size} << 16;
+}
+
+// A box that meets the border, cut to the world. Apart from the others, which the copy of the parameters would delay.
+template <typename Depth>
+[[gnu::noinline]] std::int32_t sampleExtended(void* effect_ref, std::int32_t x, std::int32_t y,
+                                              const PF_SampleParams* params, typename Depth::Pixel* out) {
+  if (liesOutOfReach(x, params->x_radius, params->source->width) ||
+      liesOutOfReach(y, params->y_radius, params->source->height)) {
+    *out = typename Depth::Pixel{};
+    return ERR_NONE;
+  }
+  PF_SampleParams cut = *params;
+  cutToWorld(&x, &cut.x_radius, cut.source->width);
+  cutToWorld(&y, &cut.y_radius, cut.source->height);
+  return sampleAnyBox<Depth>(effect_ref, x, y, &cut, out);
+}
+
 // A box that is not small or not well inside the world. Those wholly outside, which the surroundings of a quadrilateral
 // are full of, come first.
-template <typename Depth>
+template <typename Depth, SampleSpace kSpace>
 [[gnu::noinline]] std::int32_t sampleOtherBox(void* effect_ref, std::int32_t x, std::int32_t y,
                                               const PF_SampleParams* params, typename Depth::Pixel* out) {
+  if (kSpace == SampleSpace::OutlineExtended && isSampleable(params) &&
+      !(liesInside(x, params->x_radius, params->source->width) &&
+        liesInside(y, params->y_radius, params->source->height))) {
+    return sampleExtended<Depth>(effect_ref, x, y, params, out);
+  }
   if (isSampleable(params) && (liesOutside(x, params->x_radius, params->source->width) ||
                                liesOutside(y, params->y_radius, params->source->height))) {
     *out = typename Depth::Pixel{};
@@ -86,7 +111,7 @@ inline std::int32_t beginOf(std::int32_t centre, std::int32_t radius) {
 
 // Any box but that of one pixel's size. One of up to two pixels' size meets three by three pixels at most; its place is
 // computed apart from its weights, which the pixels' arrival does not wait for.
-template <typename Depth>
+template <typename Depth, SampleSpace kSpace>
 [[gnu::noinline]] std::int32_t sampleBox(void* effect_ref, std::int32_t x, std::int32_t y,
                                          const PF_SampleParams* params, typename Depth::Pixel* out) {
   const std::int32_t x_radius = params->x_radius;
@@ -95,13 +120,13 @@ template <typename Depth>
   const std::int32_t top = beginOf(y, y_radius);
   // A sum that ran over would be that of a negative position.
   if (!isSmall(x_radius) || !isSmall(y_radius) || (x | y | left | top) < 0 || params->source == nullptr) {
-    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
+    return sampleOtherBox<Depth, kSpace>(effect_ref, x, y, params, out);
   }
   const PF_LayerDef& world = *params->source;
   const std::int32_t column = left >> 16;
   const std::int32_t row = top >> 16;
   if (world.width < column + 3 || world.height < row + 3 || world.data == nullptr) {
-    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
+    return sampleOtherBox<Depth, kSpace>(effect_ref, x, y, params, out);
   }
   const std::ptrdiff_t row_bytes = world.row_bytes;
   const std::byte* const pixel =
@@ -112,24 +137,26 @@ template <typename Depth>
 }
 
 // The box of one pixel's size comes first, and so lean that it needs neither calls nor a stack.
-template <typename Depth>
+template <typename Depth, SampleSpace kSpace>
 std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
                     typename Depth::Pixel* out) {
+  x = fromCentres<kSpace>(x);
+  y = fromCentres<kSpace>(y);
   if (params == nullptr) {
-    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
+    return sampleOtherBox<Depth, kSpace>(effect_ref, x, y, params, out);
   }
   if (params->x_radius != kHalfPixel || params->y_radius != kHalfPixel) {
-    return sampleBox<Depth>(effect_ref, x, y, params, out);
+    return sampleBox<Depth, kSpace>(effect_ref, x, y, params, out);
   }
   if ((x | y) < 0 || params->source == nullptr) {
-    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
+    return sampleOtherBox<Depth, kSpace>(effect_ref, x, y, params, out);
   }
   const PF_LayerDef& world = *params->source;
   const std::uint32_t column = static_cast<std::uint32_t>(x) >> 16;
   const std::uint32_t row = static_cast<std::uint32_t>(y) >> 16;
   if (world.width < static_cast<std::int32_t>(column + 2) || world.height < static_cast<std::int32_t>(row + 2) ||
       world.data == nullptr) {
-    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
+    return sampleOtherBox<Depth, kSpace>(effect_ref, x, y, params, out);
   }
   const std::ptrdiff_t row_bytes = world.row_bytes;
   const std::byte* const pixel =
@@ -142,6 +169,12 @@ std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_S
   }
   return ERR_NONE;
 }
+
+// A whole table for every space.
+template <SampleSpace kSpace>
+inline constexpr AreaSamplers kSamplersIn{sample<Depth8, kSpace>, sample<Depth16, kSpace>, sample<DepthFloat, kSpace>};
+inline constexpr AreaSamplerTables kSamplerTables{
+    {kSamplersIn<SampleSpace::Centres>, kSamplersIn<SampleSpace::Outline>, kSamplersIn<SampleSpace::OutlineExtended>}};
 
 }  // namespace
 

@@ -70,7 +70,7 @@ struct Depth8 {
   static constexpr int kColumnsPerLoad = 4;
   static constexpr bool kOnePixelIsMean = true;  // the mean over a box in one pixel is that pixel to the bit
 
-  static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().sample8; }
+  static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().centres().sample8; }
 
   // Two pixels side by side, in 32-bit lanes.
   static __m256i widenPair(const std::byte* pixels) { return _mm256_cvtepu8_epi32(loadBytes8(pixels)); }
@@ -158,7 +158,7 @@ struct Depth16 {
   static constexpr int kColumnsPerLoad = 2;
   static constexpr bool kOnePixelIsMean = true;
 
-  static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().sample16; }
+  static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().centres().sample16; }
 
   static __m256i widenPair(const std::byte* pixels) { return _mm256_cvtepu16_epi32(loadBytes16(pixels)); }
 
@@ -232,7 +232,7 @@ struct DepthFloat {
   static constexpr int kColumnsPerLoad = 1;
   static constexpr bool kOnePixelIsMean = false;  // it may be NaN or -0
 
-  static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().sample_float; }
+  static PF_AreaSampler<Pixel> plain() { return plainAreaSamplers().centres().sample_float; }
 
   static __m256d widen(const std::byte* pixel) {
     return _mm256_cvtps_pd(_mm_loadu_ps(reinterpret_cast<const float*>(pixel)));
