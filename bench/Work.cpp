@@ -68,8 +68,4 @@ Work hdWork(const std::string& name) {
   throw std::invalid_argument("no work is called " + name);
 }
 
-std::string sizeText(host::Size size) {
-  return std::to_string(size.width) + "x" + std::to_string(size.height);
-}
-
 }  // namespace vantorel::bench

@@ -29,7 +29,6 @@ std::vector<Work> worksAt(int factor);
 // One work at 1920x1080.
 Work hdWork(const std::string& name);
 
-// "1920x1080".
-std::string sizeText(host::Size size);
+using host::sizeText;
 
 }  // namespace vantorel::bench

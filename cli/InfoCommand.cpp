@@ -40,7 +40,7 @@ std::string asJson(const host::ModuleInfo& info) {
   nlohmann::ordered_json object;
   object["module"] = info.path;
   object["about"] = info.about;
-  object["version"] = fmt::format("0x{:08x}", info.version);
+  object["version"] = fmt::format("0x{:08x}", info.version_word);
   object["flags"] = fmt::format("0x{:08x}", info.out_flags);
   object["flags2"] = fmt::format("0x{:08x}", info.out_flags2);
   object["capabilities"] = capabilities(info);
@@ -56,7 +56,7 @@ std::string asJson(const host::ModuleInfo& info) {
 
 std::string asText(const host::ModuleInfo& info) {
   std::string text = fmt::format("{}\n\nmodule        {}\nversion       0x{:08x}\nflags         0x{:08x} 0x{:08x}\n",
-                                 info.about, info.path, info.version, info.out_flags, info.out_flags2);
+                                 info.about, info.path, info.version_word, info.out_flags, info.out_flags2);
   const char* label = "capabilities";
   for (const std::string& capability : capabilities(info)) {
     text += fmt::format("{:13} {}\n", label, capability);

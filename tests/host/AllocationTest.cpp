@@ -52,8 +52,7 @@ TEST(AllocationTest, AFrameAfterTheFirstAllocatesNothing) {
       for (const Protocol protocol : {Protocol::Smart, Protocol::Plain}) {
         Instance instance = testing::instanceWith(module, quad);
         double share = 0;
-        // The calling thread alone: what oneTBB allocates for its own threads is not the host's.
-        FrameOptions options{.protocol = protocol, .threads = 1, .progress = [&](double s) { share = s; }};
+        FrameOptions options{.protocol = protocol, .progress = [&](double s) { share = s; }};
         ASSERT_TRUE(instance.render(asConst(layer.view()), {0, 0, 64, 48}, output.view(), options));
         const long before = allocations;
         for (int frame = 1; frame < 4; ++frame) {
