@@ -20,10 +20,28 @@ host::FrameOptions withQuality(host::Quality quality) {
   return options;
 }
 
+host::FrameOptions bestWithSamples(int samples) {
+  host::FrameOptions options = withQuality(host::Quality::Best);
+  options.samples = samples;
+  return options;
+}
+
+// The effect's own way of counting positions.
+host::FrameOptions highFromCentres() {
+  host::FrameOptions options = withQuality(host::Quality::High);
+  options.placement = host::Placement::Centres;
+  return options;
+}
+
 std::vector<Setting> settings() {
   return {
+      {"high, centres", highFromCentres()},
       {"standard", withQuality(host::Quality::Standard)},
       {"high", withQuality(host::Quality::High)},
+      {"best", bestWithSamples(0)},
+      {"best, samples 1", bestWithSamples(1)},
+      {"best, samples 2", bestWithSamples(2)},
+      {"best, samples 4", bestWithSamples(4)},
   };
 }
 
