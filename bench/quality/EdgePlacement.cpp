@@ -2,29 +2,47 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <vector>
 
 namespace vantorel::quality {
 
 namespace {
 
-// A row or column, values from 0 (black or transparent) to 1 (white).
-struct Line {
-  std::vector<double> truth;
-  std::vector<double> picture;
+// Values from 0 (black or transparent) to 1 (white or opaque) on the whole canvas, rows from the top or, turned,
+// columns from the left.
+struct Lines {
+  int count;
+  int length;
+  std::vector<double> values;
 
-  void add(double truth_value, double picture_value) {
-    truth.push_back(truth_value);
-    picture.push_back(picture_value);
+  double& at(int line, int place) {
+    return values[static_cast<std::size_t>(line) * static_cast<std::size_t>(length) + static_cast<std::size_t>(place)];
+  }
+  std::span<const double> line(int i) const {
+    return std::span(values).subspan(static_cast<std::size_t>(i) * static_cast<std::size_t>(length),
+                                     static_cast<std::size_t>(length));
   }
 };
+
+template <typename Value>
+Lines linesOf(host::Size size, bool columns, const Value& value) {
+  Lines lines{columns ? size.width : size.height, columns ? size.height : size.width, {}};
+  lines.values.resize(static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height));
+  for (int line = 0; line < lines.count; ++line) {
+    for (int place = 0; place < lines.length; ++place) {
+      lines.at(line, place) = columns ? value(line, place) : value(place, line);
+    }
+  }
+  return lines;
+}
 
 struct Step {
   std::ptrdiff_t after;  // the first pixel behind the edge
   bool rises;
 };
 
-std::vector<Step> stepsOf(const std::vector<double>& values) {
+std::vector<Step> stepsOf(std::span<const double> values) {
   std::vector<Step> steps;
   for (std::size_t i = 1; i < values.size(); ++i) {
     if ((values[i - 1] < 0.5) != (values[i] < 0.5)) {
@@ -52,56 +70,83 @@ Window windowAround(const std::vector<Step>& steps, std::size_t i, std::ptrdiff_
   return {std::max<std::ptrdiff_t>(0, at - before), std::min(length - 1, at + behind)};
 }
 
-bool reachesBothLevels(const std::vector<double>& truth, const Window& window, bool rises) {
-  constexpr double kNearLevel = 0.01;
+// Picture and truth of one channel in one direction, and the truth's alpha.
+struct Directed {
+  Lines picture;
+  Lines truth;
+  Lines alpha;
+};
+
+constexpr double kNearLevel = 0.01;
+
+// Whether the truth is black before and white behind a rising step, at that line.
+bool reachesBothLevels(std::span<const double> truth, const Window& window, bool rises) {
   const double low = truth[static_cast<std::size_t>(rises ? window.first : window.last)];
   const double high = truth[static_cast<std::size_t>(rises ? window.last : window.first)];
   return low < kNearLevel && high > 1 - kNearLevel;
 }
 
-void measure(const Line& line, EdgePlacement& placement) {
-  const std::vector<Step> steps = stepsOf(line.truth);
+// Whether holds(i) for the lines at most `reach` before and behind.
+template <typename Holds>
+bool holdsAround(int line, int reach, int count, const Holds& holds) {
+  if (line < reach || line + reach >= count) {
+    return false;
+  }
+  for (int i = line - reach; i <= line + reach; ++i) {
+    if (!holds(i)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool counts(const Directed& lines, int line, const Window& window, bool rises, int layer_pixel) {
+  const auto high_end = static_cast<std::size_t>(rises ? window.last : window.first);
+  return holdsAround(line, layer_pixel / 4, lines.truth.count,
+                     [&](int i) { return reachesBothLevels(lines.truth.line(i), window, rises); }) &&
+         holdsAround(line, layer_pixel + 1, lines.alpha.count,
+                     [&](int i) { return lines.alpha.line(i)[high_end] > 1 - kNearLevel; });
+}
+
+void measureLine(const Directed& lines, int line, int layer_pixel, EdgePlacement& placement) {
+  const std::span<const double> truth = lines.truth.line(line);
+  const std::span<const double> picture = lines.picture.line(line);
+  const std::vector<Step> steps = stepsOf(truth);
   for (std::size_t i = 0; i < steps.size(); ++i) {
-    const Window window = windowAround(steps, i, std::ssize(line.truth));
-    if (!reachesBothLevels(line.truth, window, steps[i].rises)) {
+    const Window window = windowAround(steps, i, std::ssize(truth));
+    if (!counts(lines, line, window, steps[i].rises, layer_pixel)) {
       continue;
     }
     double area = 0;
-    for (std::ptrdiff_t at = window.first; at <= window.last; ++at) {
-      area += line.picture[static_cast<std::size_t>(at)] - line.truth[static_cast<std::size_t>(at)];
+    for (auto at = static_cast<std::size_t>(window.first); at <= static_cast<std::size_t>(window.last); ++at) {
+      area += picture[at] - truth[at];
     }
     placement.largest = std::max(placement.largest, std::abs(area));
     ++placement.edges;
   }
 }
 
-double pictureValue(const host::ConstImageView& picture, int x, int y) {
-  return std::to_integer<int>(picture.pixel(x, y)[1]) / 255.0;
-}
-
-double truthValue(const Truth& truth, std::size_t layer, int x, int y) {
+// A value of the truth at a canvas pixel, 0 to 1.
+double truthAt(const Truth& truth, const std::vector<float>& channel, int x, int y) {
   const host::Rect& frame = truth.frame;
   const bool in_frame = x >= frame.left && x < frame.right && y >= frame.top && y < frame.bottom;
-  return in_frame ? static_cast<double>(truth.grey[layer][truth.index(x, y)]) / 255.0 : 0.0;
+  return in_frame ? static_cast<double>(channel[truth.index(x, y)]) / 255.0 : 0.0;
 }
 
 }  // namespace
 
-EdgePlacement edgePlacement(const host::ConstImageView& picture, const Truth& truth, std::size_t layer) {
+EdgePlacement edgePlacement(const host::ConstImageView& picture, const Truth& truth, std::size_t layer,
+                            int layer_pixel) {
   EdgePlacement placement;
-  for (int y = 0; y < picture.size.height; ++y) {
-    Line row;
-    for (int x = 0; x < picture.size.width; ++x) {
-      row.add(truthValue(truth, layer, x, y), pictureValue(picture, x, y));
+  for (const bool columns : {false, true}) {
+    const Directed lines = {
+        linesOf(picture.size, columns,
+                [&](int x, int y) { return std::to_integer<int>(picture.pixel(x, y)[1]) / 255.0; }),
+        linesOf(picture.size, columns, [&](int x, int y) { return truthAt(truth, truth.grey[layer], x, y); }),
+        linesOf(picture.size, columns, [&](int x, int y) { return truthAt(truth, truth.alpha, x, y); })};
+    for (int line = 0; line < lines.truth.count; ++line) {
+      measureLine(lines, line, layer_pixel, placement);
     }
-    measure(row, placement);
-  }
-  for (int x = 0; x < picture.size.width; ++x) {
-    Line column;
-    for (int y = 0; y < picture.size.height; ++y) {
-      column.add(truthValue(truth, layer, x, y), pictureValue(picture, x, y));
-    }
-    measure(column, placement);
   }
   return placement;
 }

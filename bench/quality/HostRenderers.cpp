@@ -13,22 +13,35 @@ struct Setting {
   host::FrameOptions options;
 };
 
-host::FrameOptions withQuality(host::Quality quality, int samples = 0) {
+host::FrameOptions withQuality(host::Quality quality) {
   host::FrameOptions options;
   options.quality = quality;
-  options.samples = samples;
   options.threads = 1;
+  return options;
+}
+
+host::FrameOptions bestWithSamples(int samples) {
+  host::FrameOptions options = withQuality(host::Quality::Best);
+  options.samples = samples;
+  return options;
+}
+
+// The effect's own way of counting positions.
+host::FrameOptions highFromCentres() {
+  host::FrameOptions options = withQuality(host::Quality::High);
+  options.placement = host::Placement::Centres;
   return options;
 }
 
 std::vector<Setting> settings() {
   return {
+      {"high, centres", highFromCentres()},
       {"standard", withQuality(host::Quality::Standard)},
       {"high", withQuality(host::Quality::High)},
-      {"best", withQuality(host::Quality::Best)},
-      {"best, 1 sample", withQuality(host::Quality::Best, 1)},
-      {"best, 2 x 2 samples", withQuality(host::Quality::Best, 2)},
-      {"best, 4 x 4 samples", withQuality(host::Quality::Best, 4)},
+      {"best", bestWithSamples(0)},
+      {"best, samples 1", bestWithSamples(1)},
+      {"best, samples 2", bestWithSamples(2)},
+      {"best, samples 4", bestWithSamples(4)},
   };
 }
 

@@ -30,9 +30,8 @@ bool isJudged(const Renderer& renderer, const Scene& scene) {
   return renderer.judged_everywhere || scene.name == kSlowPeersScene;
 }
 
-std::vector<Scene> selected(std::vector<Scene> scenes, const Selection& selection) {
-  std::erase_if(scenes, [&](const Scene& scene) { return scene.name.find(selection.row) == std::string::npos; });
-  return scenes;
+bool isSelected(const Scene& scene, const Selection& selection) {
+  return scene.name.find(selection.row) != std::string::npos;
 }
 
 // A frame, and the picture that it draws.
@@ -89,7 +88,8 @@ Row<PictureFigure> pictureRow(const std::vector<Renderer>& renderers, const Trut
 }
 
 Row<PlacementFigure> placementRow(const std::vector<Renderer>& renderers, const TruthCache& truths,
-                                  const Scene& scene) {
+                                  const EnlargedScene& enlarged) {
+  const Scene& scene = enlarged.scene;
   const std::vector<Layer> layers = {white(scene.layer), checks(scene.layer, 2)};
   const Truth truth = truths.truth(scene, layers);
   Row<PlacementFigure> row{scene.name, {}};
@@ -100,7 +100,7 @@ Row<PlacementFigure> placementRow(const std::vector<Renderer>& renderers, const 
     const auto placement = [&](std::size_t layer) {
       const Drawing drawing(renderer, scene, layers[layer], host::Depth::Bits8);
       drawing.draw();
-      return edgePlacement(drawing.picture(), truth, layer);
+      return edgePlacement(drawing.picture(), truth, layer, enlarged.times);
     };
     row.figures[renderer.name] = {placement(0), placement(1)};
   }
@@ -138,14 +138,20 @@ Measurements measure(const std::vector<Renderer>& renderers, const TruthCache& t
   for (const Renderer& renderer : renderers) {
     measurements.columns.push_back(renderer.name);
   }
-  for (const Scene& scene : selected(pictureScenes(), selection)) {
-    measurements.pictures.push_back(pictureRow(renderers, truths, scene, selection.times));
+  for (const Scene& scene : pictureScenes()) {
+    if (isSelected(scene, selection)) {
+      measurements.pictures.push_back(pictureRow(renderers, truths, scene, selection.times));
+    }
   }
-  for (const Scene& scene : selected(enlargedScenes(), selection)) {
-    measurements.placements.push_back(placementRow(renderers, truths, scene));
+  for (const EnlargedScene& enlarged : enlargedScenes()) {
+    if (isSelected(enlarged.scene, selection)) {
+      measurements.placements.push_back(placementRow(renderers, truths, enlarged));
+    }
   }
-  for (const Scene& scene : selected(squareScenes(), selection)) {
-    measurements.coverage.push_back(coverageRow(renderers, scene));
+  for (const Scene& scene : squareScenes()) {
+    if (isSelected(scene, selection)) {
+      measurements.coverage.push_back(coverageRow(renderers, scene));
+    }
   }
   return measurements;
 }

@@ -20,7 +20,7 @@ struct Frame {
 
 struct Renderer {
   std::string name;
-  bool judged_everywhere;  // else only in the scene of the slow peers
+  bool judged_everywhere;  // else only where the slow peers are
   bool own;                // draws both paths and all depths
   // Throws std::runtime_error when the frame cannot be made ready, and `draw` when it cannot be drawn.
   std::function<Frame(const Scene&, const host::ConstImageView& layer, const host::ImageView& output)> prepare;

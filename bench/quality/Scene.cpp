@@ -75,25 +75,31 @@ std::vector<Scene> pictureScenes() {
       {"turned by 30 degrees, shrunk 2 times", kHd, kHd, turned(kHd, 1.0 / 2, 30, kMiddle)},
       {"turned by 45 degrees, shrunk 3 times", kHd, kHd, turned(kHd, 1.0 / 3, 45, kMiddle)},
       {"turned by 30 degrees, shrunk 6 times", kHd, kHd, turned(kHd, 1.0 / 6, 30, kMiddle)},
-      {"near horizon", kHd, kHd, {{900.3, 300.6}, {1020.7, 300.4}, {-1500.2, 1080.3}, {3420.6, 1080.8}}},
+      {"near horizon", kHd, kHd, {{760.3, 200.6}, {1160.7, 200.4}, {-200.2, 1060.3}, {2120.6, 1060.8}}},
+      {"near horizon, most of it beyond the canvas",
+       kHd,
+       kHd,
+       {{900.3, 300.6}, {1020.7, 300.4}, {-1500.2, 1080.3}, {3420.6, 1080.8}}},
       {"concave, shrunk 4 times", kHd, kHd, dented(kHd, 4), RenderPath::Bilinear},
       {"concave, shrunk 8 times", kHd, kHd, dented(kHd, 8), RenderPath::Bilinear},
   };
 }
 
-std::vector<Scene> enlargedScenes() {
+std::vector<EnlargedScene> enlargedScenes() {
   constexpr Size kLayer{8, 8};
-  std::vector<Scene> scenes;
+  std::vector<EnlargedScene> scenes;
   for (const int times : {10, 40, 100}) {
     // A layer pixel's room on every side, for edges that fade out.
     const int side = kLayer.width * times;
     const int canvas_side = side + 2 * times + 10;
     const Size canvas{canvas_side, canvas_side};
     const Point at{times + 4.3, times + 5.6};
-    scenes.push_back({"enlarged " + timesText(times), kLayer, canvas,
-                      turned(kLayer, times, 0, {at.x + side / 2.0, at.y + side / 2.0})});
-    scenes.push_back({"enlarged " + timesText(times) + ", nearly straight corner", kLayer, canvas,
-                      nearlyStraight(side, at), RenderPath::Bilinear});
+    scenes.push_back({{"enlarged " + timesText(times), kLayer, canvas,
+                       turned(kLayer, times, 0, {at.x + side / 2.0, at.y + side / 2.0})},
+                      times});
+    scenes.push_back({{"enlarged " + timesText(times) + ", nearly straight corner", kLayer, canvas,
+                       nearlyStraight(side, at), RenderPath::Bilinear},
+                      times});
   }
   return scenes;
 }

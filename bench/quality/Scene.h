@@ -27,8 +27,14 @@ host::Corners turned(host::Size layer, double scale, double degrees, host::Point
 // The quadrilaterals whose pictures are compared pixel by pixel.
 std::vector<Scene> pictureScenes();
 
-// 8x8 layers, enlarged so many times, on either path.
-std::vector<Scene> enlargedScenes();
+// An 8x8 layer enlarged.
+struct EnlargedScene {
+  Scene scene;
+  int times;  // a layer pixel's side in canvas pixels, where it is largest
+};
+
+// On either path.
+std::vector<EnlargedScene> enlargedScenes();
 
 // Outlines of a white square.
 std::vector<Scene> squareScenes();

@@ -1,9 +1,8 @@
 #include "bench/quality/Truth.h"
 
-#include <tbb/parallel_for.h>
-
 #include <algorithm>
-#include <cmath>
+#include <atomic>
+#include <thread>
 
 namespace vantorel::quality {
 
@@ -89,6 +88,22 @@ class Sampler {
   Truth& truth_;
 };
 
+// Calls draw(y) for every row, from as many threads as there are processors.
+template <typename Draw>
+void eachRow(int top, int bottom, const Draw& draw) {
+  std::atomic<int> next = top;
+  const auto work = [&] {
+    for (int y = next++; y < bottom; y = next++) {
+      draw(y);
+    }
+  };
+  std::vector<std::jthread> others(std::max(1U, std::thread::hardware_concurrency()) - 1);
+  for (std::jthread& thread : others) {
+    thread = std::jthread(work);
+  }
+  work();
+}
+
 }  // namespace
 
 Truth blankTruth(std::size_t layers, const Ring& ring, host::Size canvas) {
@@ -105,7 +120,7 @@ Truth truthOf(std::span<const Layer> layers, const Mapping& mapping, const Ring&
   std::visit(
       [&](const auto& map) {
         const Sampler sampler(layers, map, truth);
-        tbb::parallel_for(truth.frame.top, truth.frame.bottom, [&](int y) { sampler.drawRow(y); });
+        eachRow(truth.frame.top, truth.frame.bottom, [&](int y) { sampler.drawRow(y); });
       },
       mapping);
   return truth;
