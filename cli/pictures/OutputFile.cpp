@@ -23,10 +23,27 @@ std::string reason(int fault) {
   return std::generic_category().message(fault);
 }
 
+const char* remedyFor(int fault) {
+  switch (fault) {
+    case ENOSPC:
+    case EDQUOT:
+      return "make room and run the command again";
+    case EFBIG:
+      return "raise the limit on file sizes (ulimit -f) or write to another disk";
+    case EMFILE:
+    case ENFILE:
+      return "raise the limit on open files (ulimit -n) or give fewer --threads";
+    case ENAMETOOLONG:
+      return "give a shorter name";
+    case EROFS:
+      return "write to another disk";
+    default:
+      return "check the folder and its permissions";
+  }
+}
+
 CommandError unwritable(const std::string& path, int fault) {
-  const char* remedy = fault == ENOSPC || fault == EDQUOT ? "make room and run the command again"
-                                                          : "check the folder and its permissions";
-  return fileFailure(path, fmt::format("cannot be written ({}); {}", reason(fault), remedy));
+  return fileFailure(path, fmt::format("cannot be written ({}); {}", reason(fault), remedyFor(fault)));
 }
 
 fs::path folderOf(const fs::path& target) {

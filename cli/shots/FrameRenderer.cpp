@@ -125,7 +125,7 @@ void FrameRenderer::prepareOutput(const host::Rect& canvas) {
   }
   output_ = {};
   if (const auto shortage = memoryShortage(pictureBytes(size, shot_.depth))) {
-    throw badArgument("--fit", fmt::format("the picture, {}, {}; move the corners nearer to the layer or give --size",
+    throw outOfMemory("--fit", fmt::format("the picture, {}, {}; move the corners nearer to the layer or give --size",
                                            toText(size), *shortage));
   }
   output_ = valueOrThrow(host::Image::create(size, shot_.depth));
