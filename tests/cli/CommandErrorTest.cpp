@@ -106,6 +106,27 @@ TEST(CommandError, Arguments) {
       });
 }
 
+TEST(CommandError, InputsAreNotReplacedUnlessToldTo) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 64x48");
+  for (const char* name : {"plate.png", "plate.1.png", "plate.2.png"}) {
+    std::filesystem::copy_file(folder / "card.png", folder / name);
+  }
+  std::filesystem::create_symlink("card.png", folder / "soft.png");
+  std::filesystem::create_hard_link(folder / "plate.png", folder / "hard.png");
+  std::filesystem::create_symlink("loop.png", folder / "loop.png");
+  expectRefusedInProcess(
+      folder, {
+                  {"render card.png -o card.png", 2, "--output: 'card.png' is the layer"},
+                  {"render card.png -o soft.png", 2, "--output: 'soft.png' is the layer, 'card.png'"},
+                  {"render card.png --over plate.png -o ./hard.png", 2, "'./hard.png' is the plate, 'plate.png'"},
+                  {"render card.png --over plate.#.png -o plate.%d.png --frames 2-9", 2, "'plate.2.png' is the plate"},
+                  {"render card.png --over plate.2.png -o plate.%d.png --frames 1-9", 2, "'plate.2.png' is the plate"},
+                  {"render card.png -o loop.png", 3, "loop.png: is a link that leads back to itself"},
+              });
+  runWell(folder, "render card.png -o card.png --overwrite");
+}
+
 TEST(CommandError, Files) {
   const TestFolder folder;
   runWell(folder, "testcard -o card.png --size 64x48");
@@ -152,7 +173,7 @@ TEST(CommandError, AFailureKeepsTheOldPicture) {
   EXPECT_EQ(run(folder, "testcard -o out.png", "ulimit -f 8;").code, 3);
   EXPECT_EQ(difference(folder / "out.png", folder / "copy.png"), 0.0);
   // In place, the layer is read whole before it is replaced.
-  runWell(folder, "render out.png -o out.png --ul 50%,50%");
+  runWell(folder, "render out.png -o out.png --overwrite --ul 50%,50%");
   EXPECT_GT(difference(folder / "out.png", folder / "copy.png"), 0.0);
   EXPECT_EQ(folder.count(), 2u);
 }
