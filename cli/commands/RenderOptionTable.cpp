@@ -36,6 +36,8 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
       {"-o,--output", "OUT", kFiles, "The picture to write: " + outputExtensions(),
        [](Options& o, Text name, Text value) { o.output = parseFileName(name, value); },
        "name the picture to write with -o OUT"},
+      {"--overwrite", "", kFiles, "Replace the layer, the plate or the corner file where OUT is one of them",
+       [](Options& o, Text, Text) { o.overwrite = true; }},
 
       {"--ul", "X,Y", kPlacing, "Where the layer's upper left corner goes (default: where it is)",
        setCorner<kUpperLeft>},

@@ -22,8 +22,9 @@ inline unsigned allCores() {
 }
 
 struct RenderOptions {
-  std::string layer;   // a name, or with `frames` the pattern of a sequence's names
-  std::string output;  // the same
+  std::string layer;       // a name, or with `frames` the pattern of a sequence's names
+  std::string output;      // the same
+  bool overwrite = false;  // inputs too
   std::array<std::optional<CornerPosition>, kCornerCount> corners;
   std::string corners_file;        // empty without one
   std::optional<host::Size> size;  // the output picture's, at full resolution
