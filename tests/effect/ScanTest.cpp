@@ -100,7 +100,7 @@ struct ReferenceChain {
 };
 
 // Draws one row between two chains.
-void referenceRow(const ReferenceChain& a, const ReferenceChain& b, int cover, std::vector<int>& row) {
+void referenceRow(const ReferenceChain& a, const ReferenceChain& b, int coverage, std::vector<int>& row) {
   int texels[4][4];
   for (int i = 0; i < 16; ++i) {
     texels[i / 4][i % 4] = texel(i % 4, i / 4);
@@ -113,7 +113,7 @@ void referenceRow(const ReferenceChain& a, const ReferenceChain& b, int cover, s
   const int end = right < 10 * kOne ? right - kOne : 10 * kOne;
   int x = left.x, u = left.u, v = left.v;
   const auto draw_end = [&](int column, int covered, bool is_left_of_whole = false) {
-    const int weight = kOne - (cover == 0 ? covered : int(std::int64_t{covered} * cover >> 16));
+    const int weight = kOne - (coverage == 0 ? covered : int(std::int64_t{covered} * coverage >> 16));
     if (column >= 0 && (weight != kOne || is_left_of_whole)) {
       int& d = row[std::size_t(column)];
       d = mix(texels[std::clamp(v >> 16, 0, 3)][std::clamp(u >> 16, 0, 3)], d, weight);
@@ -137,7 +137,7 @@ void referenceRow(const ReferenceChain& a, const ReferenceChain& b, int cover, s
       const auto address = reinterpret_cast<std::intptr_t>(texels) + 16 * (v >> 16) + 4 * (u >> 16);
       const int sample = GetAPixel(reinterpret_cast<int*>(address), 16, u, v, du, dv, 4, 4);
       int& d = row[std::size_t(x >> 16)];
-      d = cover == 0 ? sample : mix(d, sample, cover);
+      d = coverage == 0 ? sample : mix(d, sample, coverage);
     }
   }
   if (right < 10 * kOne) {
@@ -167,8 +167,8 @@ Picture referenceScan(const Corners& s, const Corners& q, int before) {
     c->slope = rise == 0 ? 0 : int(run / rise * 65536);
   }
   bool last = false;
-  for (int cover = 0; y < y_max;) {
-    cover = (y & 65535) != 0 ? kOne - (y & 65535) : cover;
+  for (int coverage = 0; y < y_max;) {
+    coverage = (y & 65535) != 0 ? kOne - (y & 65535) : coverage;
     bool flat = false;
     for (ReferenceChain* c : {&a, &b}) {
       while (passed(*c)) {
@@ -186,13 +186,13 @@ Picture referenceScan(const Corners& s, const Corners& q, int before) {
       c->v = from.y + (length == 0 ? 0 : KZ_FixMulDiv(to.y - from.y, below, length));
     }
     if (y >= 0 && y < 8 * kOne && a.x != b.x && !flat) {
-      referenceRow(a, b, cover, out[std::size_t(y >> 16)]);
+      referenceRow(a, b, coverage, out[std::size_t(y >> 16)]);
     }
     for (ReferenceChain* c : {&a, &b}) {
-      c->x += cover != 0 ? KZ_FixMulDiv(c->slope, cover, kOne) : c->slope;
+      c->x += coverage != 0 ? KZ_FixMulDiv(c->slope, coverage, kOne) : c->slope;
     }
-    y += cover == 0 || last ? kOne : cover;
-    cover = y > y_max - kOne && !last ? y_max - y : 0;
+    y += coverage == 0 || last ? kOne : coverage;
+    coverage = y > y_max - kOne && !last ? y_max - y : 0;
     last = last || y > y_max - kOne;
   }
   return out;
