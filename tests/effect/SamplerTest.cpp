@@ -274,7 +274,7 @@ TEST(RowSamplers, WorkedPositionsAndBoxes) {
   }
 }
 
-// Beyond 32767 pixels neither the counters nor the positions run over.
+// Beyond 32767 pixels neither the counters nor the positions overflow.
 TEST(RowSamplers, WideAndTallWorlds) {
   for (const std::int32_t quality : {0, 1}) {
     ScriptedHost wide(8, {300, 2}, {40000, 2});

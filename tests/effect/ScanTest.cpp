@@ -16,6 +16,7 @@
 namespace {
 
 constexpr int kOne = 65536;
+constexpr int kLayer = 8;
 
 using Corners = std::array<M_FixedPoint, 4>;
 using Picture = std::vector<std::vector<int>>;
@@ -65,10 +66,10 @@ int largestDifference(const Picture& a, const Picture& b) {
   return largest;
 }
 
-// What a layer of 4 x 4 pixels leaves of an output of 10 x 8 pixels that held `before`.
+// What a layer of kLayer x kLayer pixels leaves of an output of 10 x 8 pixels that held `before`.
 template <typename Function>
 Picture drawn(int depth, Function gray, Corners source, Corners corners, int before = 0) {
-  GuardedWorld input(depth, 4, 4);
+  GuardedWorld input(depth, kLayer, kLayer);
   GuardedWorld output(depth, 10, 8);
   paint(depth, input, gray);
   paint(depth, output, [before](int, int) { return before; });
@@ -79,12 +80,12 @@ Picture drawn(int depth, Function gray, Corners source, Corners corners, int bef
 }
 
 int texel(int x, int y) {
-  return 13 + 50 * x + 11 * y;
+  return 13 + 20 * x + 11 * y;
 }
 
 Picture solid(int depth, const Corners& corners) {
   return drawn(
-      depth, [](int, int) { return 240; }, rectangle(0, 0, 4, 4), corners);
+      depth, [](int, int) { return 240; }, rectangle(0, 0, kLayer, kLayer), corners);
 }
 
 // What is left of 240 where `part` of a pixel is covered.
@@ -100,10 +101,10 @@ struct ReferenceChain {
 };
 
 // Draws one row between two chains.
-void referenceRow(const ReferenceChain& a, const ReferenceChain& b, int cover, std::vector<int>& row) {
-  int texels[4][4];
-  for (int i = 0; i < 16; ++i) {
-    texels[i / 4][i % 4] = texel(i % 4, i / 4);
+void referenceRow(const ReferenceChain& a, const ReferenceChain& b, int coverage, std::vector<int>& row) {
+  int texels[kLayer][kLayer];
+  for (int i = 0; i < kLayer * kLayer; ++i) {
+    texels[i / kLayer][i % kLayer] = texel(i % kLayer, i / kLayer);
   }
   const auto mix = [](int p, int q, int w) { return int(MixPixels(unsigned(p), unsigned(q), w)); };
   const auto wrap = [](std::int64_t sum) { return static_cast<int>(sum); };
@@ -113,10 +114,10 @@ void referenceRow(const ReferenceChain& a, const ReferenceChain& b, int cover, s
   const int end = right < 10 * kOne ? right - kOne : 10 * kOne;
   int x = left.x, u = left.u, v = left.v;
   const auto draw_end = [&](int column, int covered, bool is_left_of_whole = false) {
-    const int weight = kOne - (cover == 0 ? covered : int(std::int64_t{covered} * cover >> 16));
+    const int weight = kOne - (coverage == 0 ? covered : int(std::int64_t{covered} * coverage >> 16));
     if (column >= 0 && (weight != kOne || is_left_of_whole)) {
       int& d = row[std::size_t(column)];
-      d = mix(texels[std::clamp(v >> 16, 0, 3)][std::clamp(u >> 16, 0, 3)], d, weight);
+      d = mix(texels[std::clamp(v >> 16, 0, kLayer - 1)][std::clamp(u >> 16, 0, kLayer - 1)], d, weight);
     }
   };
   const int last = (right - 1) >> 16;  // the column that holds the right end
@@ -134,10 +135,10 @@ void referenceRow(const ReferenceChain& a, const ReferenceChain& b, int cover, s
   }
   for (; x < end; x += kOne, u += du, v += dv) {
     if (x >= 0) {
-      const auto address = reinterpret_cast<std::intptr_t>(texels) + 16 * (v >> 16) + 4 * (u >> 16);
-      const int sample = GetAPixel(reinterpret_cast<int*>(address), 16, u, v, du, dv, 4, 4);
+      const auto address = reinterpret_cast<std::intptr_t>(texels) + 4 * kLayer * (v >> 16) + 4 * (u >> 16);
+      const int sample = GetAPixel(reinterpret_cast<int*>(address), 4 * kLayer, u, v, du, dv, kLayer, kLayer);
       int& d = row[std::size_t(x >> 16)];
-      d = cover == 0 ? sample : mix(d, sample, cover);
+      d = coverage == 0 ? sample : mix(d, sample, coverage);
     }
   }
   if (right < 10 * kOne) {
@@ -167,8 +168,8 @@ Picture referenceScan(const Corners& s, const Corners& q, int before) {
     c->slope = rise == 0 ? 0 : int(run / rise * 65536);
   }
   bool last = false;
-  for (int cover = 0; y < y_max;) {
-    cover = (y & 65535) != 0 ? kOne - (y & 65535) : cover;
+  for (int coverage = 0; y < y_max;) {
+    coverage = (y & 65535) != 0 ? kOne - (y & 65535) : coverage;
     bool flat = false;
     for (ReferenceChain* c : {&a, &b}) {
       while (passed(*c)) {
@@ -186,13 +187,13 @@ Picture referenceScan(const Corners& s, const Corners& q, int before) {
       c->v = from.y + (length == 0 ? 0 : KZ_FixMulDiv(to.y - from.y, below, length));
     }
     if (y >= 0 && y < 8 * kOne && a.x != b.x && !flat) {
-      referenceRow(a, b, cover, out[std::size_t(y >> 16)]);
+      referenceRow(a, b, coverage, out[std::size_t(y >> 16)]);
     }
     for (ReferenceChain* c : {&a, &b}) {
-      c->x += cover != 0 ? KZ_FixMulDiv(c->slope, cover, kOne) : c->slope;
+      c->x += coverage != 0 ? KZ_FixMulDiv(c->slope, coverage, kOne) : c->slope;
     }
-    y += cover == 0 || last ? kOne : cover;
-    cover = y > y_max - kOne && !last ? y_max - y : 0;
+    y += coverage == 0 || last ? kOne : coverage;
+    coverage = y > y_max - kOne && !last ? y_max - y : 0;
     last = last || y > y_max - kOne;
   }
   return out;
@@ -212,7 +213,7 @@ Corners someCorners(int low, int high) {
 
 RC_GTEST_PROP(Scan, EqualsItsDefinition, ()) {
   const Corners corners = someCorners(-3, 13);
-  const Corners source = *rc::gen::inRange(0, 2) == 0 ? rectangle(0, 0, 4, 4) : someCorners(-2, 7);
+  const Corners source = *rc::gen::inRange(0, 2) == 0 ? rectangle(0, 0, kLayer, kLayer) : someCorners(-2, 11);
   const Picture expected = referenceScan(source, corners, 8);
   for (const int depth : {8, 16, 32}) {
     RC_ASSERT(largestDifference(drawn(depth, texel, source, corners, 8), expected) <= (depth == 32 ? kFloatSlack : 0));
@@ -259,15 +260,15 @@ TEST(Render, EveryDepthRendererQualityAndProtocol) {
   for (int combination = 0; combination < 24; ++combination) {
     const int depth = 8 << combination / 8;
     const bool is_crossed = (combination & 1) != 0;
-    ScriptedHost host(depth, {4, 4}, {10, 8});
+    ScriptedHost host(depth, {kLayer, kLayer}, {10, 8});
     host.in.quality = combination >> 1 & 1;
     paint(depth, host.input, texel);
     paint(depth, host.output, [](int, int) { return 119; });
     const double right = is_crossed ? 0 : 10;
     host.setCorners({{10 - right, 0}, {right, 0}, {10, 8}, {0, 8}});
     EXPECT_EQ(host.run((combination & 4) != 0 ? CMD_SMART_RENDER : CMD_RENDER), 0);
-    Picture expected =
-        referenceScan(rectangle(0, 0, 4, 4), {{{10 * kOne, 0}, {0, 0}, {10 * kOne, 8 * kOne}, {0, 8 * kOne}}}, 0);
+    Picture expected = referenceScan(rectangle(0, 0, kLayer, kLayer),
+                                     {{{10 * kOne, 0}, {0, 0}, {10 * kOne, 8 * kOne}, {0, 8 * kOne}}}, 0);
     for (int i = 0; i < 80 && !is_crossed; ++i) {
       expected[std::size_t(i / 10)][std::size_t(i % 10)] = i + 1;
     }
