@@ -1,5 +1,7 @@
 #include "host/composing/TiledFrame.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <utility>
 
 #include "host/callbacks/CallContext.h"
@@ -10,8 +12,23 @@ namespace vantorel::host {
 
 namespace {
 
-// Twice the side must be within what the effect's bilinear renderer reaches.
-constexpr int kMaxEnlargedSide = 16383;
+constexpr int kMaxEnlargedSide = 32767;           // what the effect's bilinear renderer reaches
+constexpr std::int64_t kMaxFinePixels = 1 << 20;  // of layers enlarged more than twice
+
+// How many times the layer is enlarged for the bilinear renderer: twice, and more where the picture enlarges it so much
+// that the renderer's weights of 1/256 would show as steps. 1 where the layer is too large for that.
+int vertexFactor(const FramePlan& plan) {
+  const Size size = plan.layer;
+  const Box box = plan.region.bounds();
+  const double enlarged = std::min((box.right - box.left) / size.width, (box.bottom - box.top) / size.height);
+  const auto fits = [&](int factor) { return factor * std::max(size.width, size.height) <= kMaxEnlargedSide; };
+  int factor = fits(2) ? 2 : 1;
+  while (factor >= 2 && factor < 8 && 2 * factor <= enlarged && fits(2 * factor) &&
+         std::int64_t{4} * factor * factor * size.width * size.height <= kMaxFinePixels) {
+    factor *= 2;
+  }
+  return factor;
+}
 
 FrameOptions tileOptions(const FrameOptions& options) {
   FrameOptions tile;
@@ -72,12 +89,13 @@ Result<void> TiledFrame::draw(RowScheduler& scheduler, const Rect& canvas, const
 
 Result<void> TiledFrame::enlargeLayer() {
   const ImageView layer = layer_;
-  if (layer.size.width > kMaxEnlargedSide || layer.size.height > kMaxEnlargedSide) {
+  const int factor = vertexFactor(plan_);
+  if (factor == 1) {
     return {};
   }
-  return store_.vertex_layer.fit({2 * layer.size.width, 2 * layer.size.height}, layer.depth).map([&] {
+  return store_.vertex_layer.fit({factor * layer.size.width, factor * layer.size.height}, layer.depth).map([&] {
     layer_ = store_.vertex_layer.view();
-    enlargeToVertices(asConst(layer), layer_);
+    enlargeToVertices(asConst(layer), factor, layer_);
   });
 }
 

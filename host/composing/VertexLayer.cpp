@@ -44,7 +44,7 @@ void enlargeRow(const Channel* upper, const Channel* lower, int width, Channel* 
 }
 
 template <typename Channel>
-void enlarge(const ConstImageView& layer, const ImageView& enlarged) {
+void enlargeTwice(const ConstImageView& layer, const ImageView& enlarged) {
   const auto row = [&](int y) { return reinterpret_cast<const Channel*>(layer.row(y)); };
   for (int y = 0; y < enlarged.size.height; ++y) {
     const Channel* const lower = row(y / 2);
@@ -53,16 +53,60 @@ void enlarge(const ConstImageView& layer, const ImageView& enlarged) {
   }
 }
 
+// The pixels on both sides of a position, and the share of the second one, in 1 / factor.
+struct Neighbours {
+  int before;
+  int after;
+  int share;
+};
+
+Neighbours neighboursOf(int position, int factor, int size) {
+  const int from_centre = position + factor - factor / 2;  // of the pixel before the first one
+  const int after = from_centre / factor;
+  return {std::max(after - 1, 0), std::min(after, size - 1), from_centre % factor};
+}
+
+template <typename Channel>
+void enlargeByFactor(const ConstImageView& layer, int factor, const ImageView& enlarged) {
+  for (int y = 0; y < enlarged.size.height; ++y) {
+    const Neighbours rows = neighboursOf(y, factor, layer.size.height);
+    auto* out = reinterpret_cast<Channel*>(enlarged.row(y));
+    for (int x = 0; x < enlarged.size.width; ++x, out += kChannels) {
+      const Neighbours columns = neighboursOf(x, factor, layer.size.width);
+      const auto at = [&](int column, int row, int c) {
+        return static_cast<double>(reinterpret_cast<const Channel*>(layer.pixel(column, row))[c]);
+      };
+      for (int c = 0; c < kChannels; ++c) {
+        const auto along = [&](int row) {
+          return at(columns.before, row, c) * (factor - columns.share) + at(columns.after, row, c) * columns.share;
+        };
+        const double mean =
+            (along(rows.before) * (factor - rows.share) + along(rows.after) * rows.share) / (factor * factor);
+        out[c] = static_cast<Channel>(std::is_floating_point_v<Channel> ? mean : mean + 0.5);
+      }
+    }
+  }
+}
+
+template <typename Channel>
+void enlarge(const ConstImageView& layer, int factor, const ImageView& enlarged) {
+  if (factor == 2) {
+    enlargeTwice<Channel>(layer, enlarged);
+  } else {
+    enlargeByFactor<Channel>(layer, factor, enlarged);
+  }
+}
+
 }  // namespace
 
-void enlargeToVertices(const ConstImageView& layer, const ImageView& enlarged) {
+void enlargeToVertices(const ConstImageView& layer, int factor, const ImageView& enlarged) {
   switch (layer.depth) {
     case Depth::Bits8:
-      return enlarge<std::uint8_t>(layer, enlarged);
+      return enlarge<std::uint8_t>(layer, factor, enlarged);
     case Depth::Bits16:
-      return enlarge<std::uint16_t>(layer, enlarged);
+      return enlarge<std::uint16_t>(layer, factor, enlarged);
     case Depth::Float:
-      return enlarge<float>(layer, enlarged);
+      return enlarge<float>(layer, factor, enlarged);
   }
 }
 

@@ -6,10 +6,10 @@
 
 namespace vantorel::host {
 
-// Fills `enlarged`, twice the layer's size a side and of its depth: pixel j of an axis is the layer's bilinear
-// interpolation at j / 2 pixels from its outline. Odd pixels are the layer's own, even ones lie on the border between
-// two of them and are their mean, integer depths rounded to nearest, halves up; the outermost colours are carried on to
-// the outline.
-void enlargeToVertices(const ConstImageView& layer, const ImageView& enlarged);
+// Fills `enlarged`, `factor` times the layer's size a side (2, 4 or 8) and of its depth: pixel j of an axis is the
+// layer's bilinear interpolation at j / factor pixels from its outline, the outermost colours being carried on to the
+// outline; integer depths are rounded to nearest, halves up. All of the interpolation's corners are among them, so that
+// 2 loses nothing; more makes up for a linear interpolation whose weights are coarse.
+void enlargeToVertices(const ConstImageView& layer, int factor, const ImageView& enlarged);
 
 }  // namespace vantorel::host

@@ -23,15 +23,18 @@ double interpolated(const ConstImageView& layer, double x, double y, int c) {
          (at(left, top + 1) * (1 - a) + at(left + 1, top + 1) * a) * b;
 }
 
-TEST(VertexLayerTest, HoldsTheLayersInterpolationAtEveryHalfPixel) {
+TEST(VertexLayerTest, HoldsTheLayersInterpolationAtEveryFractionOfAPixel) {
   const Image layer = testing::noise({7, 5}, Depth::Float);
-  Image enlarged = testing::dirty({14, 10}, Depth::Float);
-  enlargeToVertices(layer.view(), enlarged.view());
-  for (int i = 0; i < 14 * 10 * 4; ++i) {
-    const int x = i / 4 % 14;
-    const int y = i / 4 / 14;
-    EXPECT_NEAR(interpolated(layer.view(), x / 2.0, y / 2.0, i % 4),
-                static_cast<double>(reinterpret_cast<const float*>(enlarged.view().pixel(x, y))[i % 4]), 1e-6);
+  for (const int factor : {2, 4, 8}) {
+    const int width = 7 * factor;
+    Image enlarged = testing::dirty({width, 5 * factor}, Depth::Float);
+    enlargeToVertices(layer.view(), factor, enlarged.view());
+    for (int i = 0; i < width * 5 * factor * 4; ++i) {
+      const int x = i / 4 % width;
+      const int y = i / 4 / width;
+      EXPECT_NEAR(interpolated(layer.view(), static_cast<double>(x) / factor, static_cast<double>(y) / factor, i % 4),
+                  static_cast<double>(reinterpret_cast<const float*>(enlarged.view().pixel(x, y))[i % 4]), 1e-6);
+    }
   }
 }
 
@@ -42,7 +45,7 @@ TEST(VertexLayerTest, RoundsIntegersToNearestAndKeepsTheLayersOwnPixels) {
     *layer.view().pixel(i % 2, i / 2) = std::byte{values[i]};
   }
   Image enlarged = testing::dirty({4, 4}, Depth::Bits8);
-  enlargeToVertices(asConst(layer.view()), enlarged.view());
+  enlargeToVertices(asConst(layer.view()), 2, enlarged.view());
   const int expected[] = {10, 10, 12, 13, 10, 10, 12, 13, 15, 15, 21, 27, 20, 20, 30, 40};
   for (int i = 0; i < 16; ++i) {
     EXPECT_EQ(expected[i], static_cast<int>(*enlarged.view().pixel(i % 4, i / 4))) << i;
