@@ -34,6 +34,12 @@ void refuseContradictions(const RenderOptions& options) {
   if (options.fit && !options.plate.empty()) {
     throw badArgument("--fit", "cannot be given together with --over, whose picture sets the size; omit one of them");
   }
+  if (options.placement == host::Placement::Centres && options.samples > 1) {
+    throw badArgument("--samples", "must be 1 with --placement centres; omit one of them");
+  }
+  if (options.placement == host::Placement::Centres && options.edges == host::Edges::Crisp) {
+    throw badArgument("--edges", "must be soft with --placement centres; omit one of them");
+  }
   if (options.linear && (options.depth == DepthChoice::Bits8 || options.depth == DepthChoice::Bits16)) {
     throw badArgument("--linear", "renders in float; omit --depth, or give --depth float");
   }
