@@ -52,7 +52,8 @@ int samplesForFilter(const Jacobian& layer_per_pixel) {
   int samples = 1;
   for (; samples < kMostSamples; samples *= 2) {
     const FilterError error = filterError(layer_per_pixel, samples);
-    if (error.soft <= kSoftLimit && error.sharp <= kSharpLimit && !leavesGaps(layer_per_pixel, samples)) {
+    const double sharp_limit = samples == 1 ? kSharpLimitOfOne : kSharpLimit;
+    if (error.soft <= kSoftLimit && error.sharp <= sharp_limit && !leavesGaps(layer_per_pixel, samples)) {
       break;
     }
   }

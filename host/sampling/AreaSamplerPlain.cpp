@@ -138,6 +138,11 @@ std::int32_t sampleIn(void* /*effect_ref*/, std::int32_t x, std::int32_t y, cons
   x = fromCentres<kSpace>(x);
   y = fromCentres<kSpace>(y);
   if (kSpace == SampleSpace::OutlineExtended && isSampleable(params)) {
+    if (liesOutOfReach(x, params->x_radius, params->source->width) ||
+        liesOutOfReach(y, params->y_radius, params->source->height)) {
+      *out = Pixel{};
+      return ERR_NONE;
+    }
     PF_SampleParams cut = *params;
     cutToWorld(&x, &cut.x_radius, cut.source->width);
     cutToWorld(&y, &cut.y_radius, cut.source->height);

@@ -28,6 +28,18 @@ VANTOREL_INLINE constexpr std::int32_t fromCentres(std::int32_t position) {
   }
 }
 
+// Whether a box lies so far outside of [0, size) pixels along one axis that no part of the layer can show in its pixel.
+// A pixel's centre is at most half its image away from what shows in it, an image that the radius tells of: half of its
+// extent, but at most 8 pixels, which tells nothing, and always half a pixel at standard quality, where what is shrunk
+// by more than about 24 times can lose its edge pixels' colour.
+VANTOREL_INLINE bool liesOutOfReach(std::int32_t centre, std::int32_t radius, std::int32_t size) {
+  constexpr std::int64_t kPixel = 65536;
+  constexpr std::int32_t kLargestRadius = 8 * 65536;
+  const std::int64_t reach = radius > kPixel / 2 ? 3 * std::int64_t{radius} + kPixel : 17 * kPixel;
+  const std::int64_t position = std::int64_t{centre} + kPixel / 2;
+  return radius < kLargestRadius && (position < -reach || position > size * kPixel + reach);
+}
+
 // Cuts one axis of a box to [0, size) pixels, both in 1/65536 pixel from pixel centres: by an odd length of up to one
 // unit more than that, so that centre and radius stay whole numbers.
 VANTOREL_INLINE void cutToWorld(std::int32_t* centre, std::int32_t* radius, std::int32_t size) {

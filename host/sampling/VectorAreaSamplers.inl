@@ -54,16 +54,35 @@ inline bool liesOutside(std::int32_t centre, std::int32_t radius, std::int32_t s
   return middle + radius <= 0 || middle - radius >= std::int64_t{size} << 16;
 }
 
+inline bool liesInside(std::int32_t centre, std::int32_t radius, std::int32_t size) {
+  const std::int64_t middle = std::int64_t{centre} + kHalfPixel;
+  return middle >= radius && middle + radius <= std::int64_t{size} << 16;
+}
+
+// A box that meets the border, cut to the world. Apart from the others, which the copy of the parameters would delay.
+template <typename Depth>
+[[gnu::noinline]] std::int32_t sampleExtended(void* effect_ref, std::int32_t x, std::int32_t y,
+                                              const PF_SampleParams* params, typename Depth::Pixel* out) {
+  if (liesOutOfReach(x, params->x_radius, params->source->width) ||
+      liesOutOfReach(y, params->y_radius, params->source->height)) {
+    *out = typename Depth::Pixel{};
+    return ERR_NONE;
+  }
+  PF_SampleParams cut = *params;
+  cutToWorld(&x, &cut.x_radius, cut.source->width);
+  cutToWorld(&y, &cut.y_radius, cut.source->height);
+  return sampleAnyBox<Depth>(effect_ref, x, y, &cut, out);
+}
+
 // A box that is not small or not well inside the world. Those wholly outside, which the surroundings of a quadrilateral
 // are full of, come first.
 template <typename Depth, SampleSpace kSpace>
 [[gnu::noinline]] std::int32_t sampleOtherBox(void* effect_ref, std::int32_t x, std::int32_t y,
                                               const PF_SampleParams* params, typename Depth::Pixel* out) {
-  if (kSpace == SampleSpace::OutlineExtended && isSampleable(params)) {
-    PF_SampleParams cut = *params;
-    cutToWorld(&x, &cut.x_radius, cut.source->width);
-    cutToWorld(&y, &cut.y_radius, cut.source->height);
-    return sampleAnyBox<Depth>(effect_ref, x, y, &cut, out);
+  if (kSpace == SampleSpace::OutlineExtended && isSampleable(params) &&
+      !(liesInside(x, params->x_radius, params->source->width) &&
+        liesInside(y, params->y_radius, params->source->height))) {
+    return sampleExtended<Depth>(effect_ref, x, y, params, out);
   }
   if (isSampleable(params) && (liesOutside(x, params->x_radius, params->source->width) ||
                                liesOutside(y, params->y_radius, params->source->height))) {
