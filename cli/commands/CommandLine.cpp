@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
 #include <memory>
 #include <optional>
 #include <string>
@@ -97,6 +99,24 @@ class Command {
   std::vector<CLI::Option*> options_;
 };
 
+// The arguments after the program's name, "-o=NAME" taken apart: the parser would count the sign to the name.
+std::vector<std::string> separated(int argc, const char* const* argv) {
+  std::vector<std::string> words;
+  bool options_ended = false;
+  for (int i = 1; i < argc; ++i) {
+    const std::string word = argv[i];
+    options_ended = options_ended || word == "--";
+    if (!options_ended && word.size() > 2 && word[0] == '-' && std::isalpha(static_cast<unsigned char>(word[1])) != 0 &&
+        word[2] == '=') {
+      words.push_back(word.substr(0, 2));
+      words.push_back(word.substr(3));
+    } else {
+      words.push_back(word);
+    }
+  }
+  return words;
+}
+
 std::vector<std::string> optionNames(const CLI::App& app) {
   std::vector<std::string> names;
   for (const CLI::Option* option : app.get_options()) {
@@ -172,7 +192,10 @@ ExitCode runCommandLine(int argc, const char* const* argv) try {
   const Command<TestCardOptions> card(app, "testcard", "Write a test card, for trying things out",
                                       "testcard -o OUT [OPTIONS]", testCardOptionTable());
   try {
-    app.parse(argc, argv);
+    std::vector<std::string> words = separated(argc, argv);
+    // The parser takes them from the end.
+    std::reverse(words.begin(), words.end());
+    app.parse(words);
   } catch (const CLI::Success& success) {
     app.exit(success);
     return ExitCode::Done;

@@ -4,14 +4,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 #include <string_view>
 #include <utility>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/Console.h"
+#include "cli/base/Files.h"
 #include "cli/base/Text.h"
 #include "cli/pictures/ChannelPlan.h"
 #include "cli/pictures/Metadata.h"
@@ -34,20 +34,6 @@ CommandError unreadable(const std::string& path, const std::string& reason) {
                                        oneLine(reason)));
 }
 
-void requireFile(const std::string& path) {
-  std::error_code fault;
-  const std::filesystem::file_status status = std::filesystem::status(path, fault);
-  if (status.type() == std::filesystem::file_type::not_found) {
-    throw fileFailure(path, "does not exist; check the name");
-  }
-  if (fault) {
-    throw fileFailure(path, fmt::format("cannot be reached ({}); check the name and its folders", fault.message()));
-  }
-  if (!std::filesystem::is_regular_file(status)) {
-    throw fileFailure(path, "is not a file; give a picture file");
-  }
-}
-
 // A file that is open, and how its pixels are to be understood.
 struct Source {
   std::string path;
@@ -61,7 +47,7 @@ struct Source {
 };
 
 Source openSource(const std::string& path) {
-  requireFile(path);
+  requireReadableFile(path, "a picture file");
   // Premultiplying is done here, with exact rounding and no regard to a gamma that the file may state.
   OIIO::ImageSpec request;
   request.attribute("oiio:UnassociatedAlpha", 1);
@@ -212,10 +198,12 @@ std::shared_ptr<const Metadata> keptMetadata(const OIIO::ImageSpec& spec) {
 }  // namespace
 
 PictureInfo probePicture(const std::string& path) {
+  const LibraryMessagesDropped dropped;
   return infoOf(openSource(path));
 }
 
 Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop) {
+  const LibraryMessagesDropped dropped;
   Source source = openSource(path);
   if (isTruncated(path)) {
     throw fileFailure(path, "is truncated; give the whole file");
@@ -243,6 +231,7 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
 }
 
 bool isWholePicture(const std::string& path, host::Size size) try {
+  const LibraryMessagesDropped dropped;
   if (isTruncated(path)) {
     return false;
   }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/Text.h"
 #include "cli/shots/FrameRenderer.h"
 
 namespace vantorel::cli {
@@ -52,8 +53,8 @@ class Run {
     if (failed_.empty()) {
       return ExitCode::Done;
     }
-    progress_.message(fmt::format("vantorel: {} of {} frames failed: {}; fix their files and run again with --resume",
-                                  failed_.size(), shot_.frames.count(), frameList(failed_)));
+    progress_.message(fmt::format("{} of {} failed: {}; fix their files and run again with --resume", failed_.size(),
+                                  counted(shot_.frames.count(), "frame"), frameList(failed_)));
     return ExitCode::EffectFailed;
   }
 
@@ -103,7 +104,7 @@ class Run {
     if (!shot_.options.keep_going || shot_.frames.count() == 1 || error.code() == ExitCode::Interrupted) {
       return end(error);
     }
-    progress_.message("vantorel: frame " + std::to_string(frame) + ": " + error.text());
+    progress_.message("frame " + std::to_string(frame) + ": " + error.text());
     const std::scoped_lock lock(mutex_);
     failed_.push_back(frame);
   }

@@ -5,6 +5,9 @@
 #include <cmath>
 #include <cstdio>
 
+#include "cli/base/Console.h"
+#include "cli/base/Text.h"
+
 namespace vantorel::cli {
 
 namespace {
@@ -47,7 +50,7 @@ void Progress::frameDone(bool skipped) {
 void Progress::message(const std::string& text) {
   const std::scoped_lock lock(mutex_);
   erase();
-  std::fprintf(stderr, "%s\n", text.c_str());
+  std::fprintf(console(), "vantorel: %s\n", escaped(text).c_str());
 }
 
 void Progress::draw(const std::string& line, bool always) {
@@ -57,13 +60,12 @@ void Progress::draw(const std::string& line, bool always) {
   }
   last_drawn_ = now;
   line_is_there_ = true;
-  std::fprintf(stderr, "\r\x1b[K%s", line.c_str());
-  std::fflush(stderr);
+  std::fprintf(console(), "\r\x1b[K%s", line.c_str());
 }
 
 void Progress::erase() {
   if (line_is_there_) {
-    std::fputs("\r\x1b[K", stderr);
+    std::fputs("\r\x1b[K", console());
   }
   line_is_there_ = false;
 }
