@@ -79,15 +79,20 @@ class Command {
     for (std::size_t i = 0; i < table_.size(); ++i) {
       const OptionRow<Options>& row = table_[i];
       const std::string name = messageName(row.names);
-      const bool given = options_[i]->count() > 0;
-      if (*row.value == '\0') {
-        if (given && options_[i]->as<bool>()) {
-          row.set(options, name, "");
+      if (options_[i]->count() == 0) {
+        if (row.if_missing != nullptr) {
+          throw badArgument(name, std::string("is missing; ") + row.if_missing);
         }
-      } else if (given) {
-        row.set(options, name, options_[i]->results().back());
-      } else if (row.if_missing != nullptr) {
-        throw badArgument(name, std::string("is missing; ") + row.if_missing);
+        continue;
+      }
+      const bool is_flag = *row.value == '\0';
+      if (is_flag && !options_[i]->as<bool>()) {
+        continue;
+      }
+      const std::string value = is_flag ? "" : options_[i]->results().back();
+      row.set(options, name, value);
+      if constexpr (requires { options.settings; }) {
+        options.settings += row.use == PictureUse::ChangesPicture ? fmt::format("{} {}\n", name, value) : "";
       }
     }
     return options;

@@ -13,6 +13,7 @@
 #include "cli/pictures/Reduce.h"
 #include "cli/shots/InputGuard.h"
 #include "cli/shots/ModuleLocation.h"
+#include "cli/shots/Resume.h"
 #include "cli/shots/ShotMemory.h"
 
 namespace vantorel::cli {
@@ -178,6 +179,7 @@ Shot planShot(const RenderOptions& options) {
         std::make_unique<PictureSource>(*shot.plate_files, shot.depth, preparation(options.linear, options.downsample));
   }
   shot.module = loadModule(options.module);
+  shot.settings = commonSettings(shot);
   return shot;
 }
 

@@ -9,7 +9,7 @@
 #include "cli/commands/Suggestion.h"
 #include "cli/corners/Corners.h"
 #include "cli/pictures/ImageFormats.h"
-#include "cli/shots/FrameWorkers.h"
+#include "cli/shots/RunSummary.h"
 
 namespace vantorel::cli {
 namespace {
