@@ -70,7 +70,7 @@ PictureInfo infoOf(const Source& source) {
   if (swapsAxes(source.orientation)) {
     std::swap(size.width, size.height);
   }
-  return {size, samplesOf(source.spec, source.plan), source.plan.hasAlpha()};
+  return {size, samplesOf(source.spec, source.plan), source.plan.hasAlpha(), source.unassociated};
 }
 
 // Rows y_begin to y_end (counted in the data window) of channels [first, end), four channels of room to a pixel.
@@ -228,6 +228,26 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
     picture.pixels = upright(std::as_const(picture.pixels).view(), source.orientation);
   }
   return picture;
+}
+
+bool hasSoftAlpha(const std::string& path) {
+  const LibraryMessagesDropped dropped;
+  Source source = openSource(path);
+  const int step = std::min(rowsPerRead(source.spec), source.spec.height);
+  host::Image rows = valueOrThrow(host::Image::create({source.spec.width, step}, host::Depth::Bits8));
+  bool soft = false;
+  for (int y = 0; y < source.spec.height && source.plan.hasAlpha() && !soft; y += step) {
+    host::ImageView part = rows.view();
+    part.size.height = std::min(step, source.spec.height - y);
+    readRows(source, y, part);
+    for (int row = 0; row < part.size.height && !soft; ++row) {
+      const auto* pixel = reinterpret_cast<const std::uint8_t*>(part.row(row));
+      for (int x = 0; x < part.size.width && !soft; ++x, pixel += 4) {
+        soft = pixel[3] != 0 && pixel[3] != kOpaque<std::uint8_t>;
+      }
+    }
+  }
+  return soft;
 }
 
 bool isWholePicture(const std::string& path, host::Size size) try {
