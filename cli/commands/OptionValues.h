@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/NumberParsing.h"
 
 namespace vantorel::cli {
 
@@ -23,6 +24,17 @@ Value parseChoice(const std::string& option, const std::string& word,
     known += (known.empty() ? "" : ", ") + std::string(name);
   }
   throw badArgument(option, fmt::format("'{}' is not known; give one of {}", word, known));
+}
+
+// A share: "0.25" or "25%", from 0 to 1.
+inline double parseShare(const std::string& option, const std::string& text) {
+  const bool percent = !text.empty() && text.back() == '%';
+  const auto value = parseNumber(percent ? text.substr(0, text.size() - 1) : text);
+  const double share = value ? *value / (percent ? 100.0 : 1.0) : -1.0;
+  if (!(share >= 0.0 && share <= 1.0)) {
+    throw badArgument(option, fmt::format("'{}' is not a share; give a number from 0 to 1, or 0% to 100%", text));
+  }
+  return share;
 }
 
 // The name of a file, which is anything but empty: a shell variable that is not set gives an empty one.

@@ -11,6 +11,7 @@ namespace {
 
 constexpr const char* kFiles = "Files";
 constexpr const char* kPlacing = "Placing (positions in layer pixels, 640,12.5, or percent of the layer, 10%,90%)";
+constexpr const char* kCompositing = "Layer and compositing";
 constexpr const char* kRendering = "Rendering";
 constexpr const char* kSequences = "Sequences";
 constexpr const char* kReporting = "Reporting";
@@ -38,7 +39,7 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
       {"-o,--output", "OUT", kFiles, "The picture to write: " + outputExtensions(),
        [](Options& o, Text name, Text value) { o.output = parseFileName(name, value); },
        "name the picture to write with -o OUT", kLeaves},
-      {"--overwrite", "", kFiles, "Replace the layer, the plate or the corner file where OUT is one of them",
+      {"--overwrite", "", kFiles, "Replace the layer, the plate, the matte or the corner file where OUT is one of them",
        [](Options& o, Text, Text) { o.overwrite = true; }, nullptr, kLeaves},
 
       {"--ul", "X,Y", kPlacing, "Where the layer's upper left corner goes (default: where it is)",
@@ -57,6 +58,23 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
        [](Options& o, Text, Text) { o.fit = true; }},
       {"--over", "PLATE", kPlacing, "Composite the result over this picture or sequence",
        [](Options& o, Text name, Text value) { o.plate = parseFileName(name, value); }},
+
+      {"--crop", "L,T,R,B", kCompositing,
+       "Cut so many pixels, or percent, from the layer's sides first; what is left is the layer",
+       [](Options& o, Text name, Text value) { o.crop = parseCrop(name, value); }},
+      {"--alpha", "straight|premultiplied|ignore", kCompositing,
+       "How to take the layer's alpha (default: as its file says); ignore: the layer is opaque",
+       [](Options& o, Text name, Text value) {
+         o.alpha = parseChoice<AlphaReading>(name, value,
+                                             {{"straight", AlphaReading::Straight},
+                                              {"premultiplied", AlphaReading::Premultiplied},
+                                              {"ignore", AlphaReading::Ignored}});
+       }},
+      {"--opacity", "P", kCompositing, "How opaque the layer is, 0 to 1 or percent (default: 1)",
+       [](Options& o, Text name, Text value) { o.opacity = parseShare(name, value); }},
+      {"--matte", "PICTURE", kCompositing,
+       "What stands in front: a grey or alpha picture, or a sequence, that hides the layer where it is white",
+       [](Options& o, Text name, Text value) { o.matte = parseFileName(name, value); }},
 
       {"--quality", "best|high|standard", kRendering,
        "best (default) takes as many samples as the picture needs and has crisp edges, high is the effect's own "

@@ -46,7 +46,7 @@ struct Source {
   host::Size displaySize() const { return {spec.full_width, spec.full_height}; }
 };
 
-Source openSource(const std::string& path) {
+Source openSource(const std::string& path, AlphaReading alpha = AlphaReading::AsStated) {
   requireReadableFile(path, "a picture file");
   // Premultiplying is done here, with exact rounding and no regard to a gamma that the file may state.
   OIIO::ImageSpec request;
@@ -60,7 +60,13 @@ Source openSource(const std::string& path) {
   source.spec = source.input->spec();
   requireSaneHeader(source.spec, path);
   source.plan = planChannels(source.spec, path);
-  source.unassociated = source.plan.hasAlpha() && source.spec.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
+  if (alpha == AlphaReading::Ignored) {
+    source.plan.source[3] = -1;
+  }
+  const bool is_straight = alpha == AlphaReading::AsStated
+                               ? source.spec.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0
+                               : alpha == AlphaReading::Straight;
+  source.unassociated = source.plan.hasAlpha() && is_straight;
   source.orientation = orientationOf(source.spec);
   return source;
 }
@@ -197,14 +203,14 @@ std::shared_ptr<const Metadata> keptMetadata(const OIIO::ImageSpec& spec) {
 
 }  // namespace
 
-PictureInfo probePicture(const std::string& path) {
+PictureInfo probePicture(const std::string& path, AlphaReading alpha) {
   const LibraryMessagesDropped dropped;
-  return infoOf(openSource(path));
+  return infoOf(openSource(path, alpha));
 }
 
-Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop) {
+Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop, AlphaReading alpha) {
   const LibraryMessagesDropped dropped;
-  Source source = openSource(path);
+  Source source = openSource(path, alpha);
   if (isTruncated(path)) {
     throw fileFailure(path, "is truncated; give the whole file");
   }

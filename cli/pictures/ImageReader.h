@@ -8,14 +8,23 @@
 
 namespace vantorel::cli {
 
+// How the alpha of a file is understood.
+enum class AlphaReading {
+  AsStated,       // as its metadata or its format has it
+  Straight,       // colours are to be multiplied by it
+  Premultiplied,  // colours are taken as they are
+  Ignored         // the picture is opaque, its colours as they are
+};
+
 // Reads the head of the file. Throws CommandError (file failure) naming the path.
-PictureInfo probePicture(const std::string& path);
+PictureInfo probePicture(const std::string& path, AlphaReading alpha = AlphaReading::AsStated);
 
 // Reads the file's first picture at that depth: grey spread to RGB, an absent alpha opaque, colour premultiplied, a
 // camera's orientation applied, a data window placed in its display window (what lies beyond is cropped, what is not
 // covered transparent). Throws CommandError naming the path for a file that cannot be read whole, or whose channels
 // are no picture; interrupted when the token is triggered.
-Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop);
+Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop,
+                    AlphaReading alpha = AlphaReading::AsStated);
 
 // Whether any pixel of the file is partly transparent. Reads no further than the first. Throws as readPicture does.
 bool hasSoftAlpha(const std::string& path);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "cli/pictures/ImageFormats.h"
@@ -20,10 +21,21 @@ struct PictureInfo {
 struct Metadata;
 
 struct Picture {
-  host::Image pixels;  // premultiplied RGBA
+  host::Image pixels;                // premultiplied RGBA
+  std::optional<host::Rect> crop{};  // the part of the pixels that is shown; unset: all
   PictureInfo info;
   std::string colour_space;  // as the file states it or its format implies, for example "sRGB"; or empty
   std::shared_ptr<const Metadata> metadata;  // what a picture made from this one keeps
 };
+
+// The pixels that are shown, in place.
+inline host::ConstImageView shownPixels(const Picture& picture) {
+  host::ConstImageView view = picture.pixels.view();
+  if (picture.crop) {
+    view.data = view.pixel(picture.crop->left, picture.crop->top);
+    view.size = {picture.crop->width(), picture.crop->height()};
+  }
+  return view;
+}
 
 }  // namespace vantorel::cli

@@ -11,6 +11,7 @@
 #include "cli/pictures/AbandonedFiles.h"
 #include "cli/pictures/ColourConversion.h"
 #include "cli/pictures/Composite.h"
+#include "cli/pictures/Fade.h"
 #include "cli/pictures/ImageReader.h"
 #include "cli/pictures/ImageWriter.h"
 #include "cli/shots/Resume.h"
@@ -67,14 +68,20 @@ std::optional<FrameReport> FrameRenderer::render(std::int32_t frame) {
   const std::shared_ptr<const Picture> plate = shot_.plate ? shot_.plate->at(frame, stop_) : nullptr;
   report.read_seconds = reading.seconds();
 
-  const host::Rect canvas = canvasFor(frame, layer->pixels.size());
+  const host::Rect canvas = canvasFor(frame, layer->info.size);
   prepareOutput(canvas);
   const host::FrameResult result =
-      valueOrThrow(instance_.render(std::as_const(layer->pixels).view(), canvas, output_.view(), frameOptions(frame)));
+      valueOrThrow(instance_.render(shownPixels(*layer), canvas, output_.view(), frameOptions(frame)));
   report.path = result.path;
   report.render_seconds = result.render_seconds;
 
   const Stopwatch writing;
+  if (shot_.options.opacity < 1.0) {
+    fade(output_.view(), shot_.options.opacity);
+  }
+  if (shot_.matte) {
+    applyMatte(frame);
+  }
   if (plate) {
     composite(*plate, shot_.plate->path(frame));
   }
@@ -128,6 +135,15 @@ void FrameRenderer::prepareOutput(const host::Rect& canvas) {
                                            toText(size), *shortage));
   }
   output_ = valueOrThrow(host::Image::create(size, shot_.depth));
+}
+
+void FrameRenderer::applyMatte(std::int32_t frame) {
+  const std::shared_ptr<const Picture> matte = shot_.matte->at(frame, stop_);
+  if (matte->pixels.size() != output_.size()) {
+    throw fileFailure(shot_.matte->path(frame), fmt::format("its size is {}, the shot's is {}; give mattes of one size",
+                                                            toText(matte->info.size), toText(shot_.frame_size)));
+  }
+  holdOut(output_.view(), matte->pixels.view(), matte->info.has_alpha ? MatteChannel::Alpha : MatteChannel::Grey);
 }
 
 void FrameRenderer::composite(const Picture& plate, const std::string& plate_name) {

@@ -25,6 +25,7 @@ class FrameRenderer {
   void placeCorners(host::Size layer);
   host::Rect canvasFor(std::int32_t frame, host::Size layer);
   void prepareOutput(const host::Rect& canvas);
+  void applyMatte(std::int32_t frame);
   void composite(const Picture& plate, const std::string& plate_name);
   void write(std::int32_t frame, const host::Rect& canvas, const Picture& reference);
 

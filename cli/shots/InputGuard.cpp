@@ -62,6 +62,9 @@ void refuseToReplaceInputs(const Shot& shot) {
   if (shot.plate_files) {
     forFiles(*shot.plate_files, shot.frames, refuse("the plate"));
   }
+  if (shot.matte_files) {
+    forFiles(*shot.matte_files, shot.frames, refuse("the matte"));
+  }
   if (!shot.options.corners_file.empty()) {
     refuse("the file of corners")(shot.options.corners_file);
   }

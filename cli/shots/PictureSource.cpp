@@ -2,12 +2,10 @@
 
 #include <utility>
 
-#include "cli/pictures/ImageReader.h"
-
 namespace vantorel::cli {
 
-PictureSource::PictureSource(FramePattern files, host::Depth depth, Prepare prepare)
-    : files_(std::move(files)), depth_(depth), prepare_(std::move(prepare)) {}
+PictureSource::PictureSource(FramePattern files, host::Depth depth, Prepare prepare, AlphaReading alpha)
+    : files_(std::move(files)), depth_(depth), prepare_(std::move(prepare)), alpha_(alpha) {}
 
 std::shared_ptr<const Picture> PictureSource::at(std::int32_t frame, const std::stop_token& stop) {
   if (!isStill()) {
@@ -21,7 +19,7 @@ std::shared_ptr<const Picture> PictureSource::at(std::int32_t frame, const std::
 }
 
 std::shared_ptr<const Picture> PictureSource::read(const std::string& path, const std::stop_token& stop) const {
-  auto picture = std::make_shared<Picture>(readPicture(path, depth_, stop));
+  auto picture = std::make_shared<Picture>(readPicture(path, depth_, stop, alpha_));
   if (prepare_) {
     prepare_(*picture, path);
   }

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "cli/base/FramePattern.h"
+#include "cli/pictures/ImageReader.h"
 #include "cli/pictures/Picture.h"
 
 namespace vantorel::cli {
@@ -19,7 +20,7 @@ class PictureSource {
   // What is done to a picture after reading, once; may throw CommandError. The string is the picture's path.
   using Prepare = std::function<void(Picture&, const std::string&)>;
 
-  PictureSource(FramePattern files, host::Depth depth, Prepare prepare);
+  PictureSource(FramePattern files, host::Depth depth, Prepare prepare, AlphaReading alpha = AlphaReading::AsStated);
 
   bool isStill() const { return !files_.hasNumber(); }
   std::string path(std::int32_t frame) const { return files_.path(frame); }
@@ -33,6 +34,7 @@ class PictureSource {
   FramePattern files_;
   host::Depth depth_;
   Prepare prepare_;
+  AlphaReading alpha_;
   std::mutex still_mutex_;
   std::shared_ptr<const Picture> still_;
 };

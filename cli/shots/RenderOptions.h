@@ -9,6 +9,8 @@
 #include "cli/base/FrameRange.h"
 #include "cli/corners/Corners.h"
 #include "cli/pictures/ImageFormats.h"
+#include "cli/pictures/ImageReader.h"
+#include "cli/shots/Crop.h"
 #include "host/Instance.h"
 
 namespace vantorel::cli {
@@ -30,6 +32,10 @@ struct RenderOptions {
   std::optional<host::Size> size;  // the output picture's, at full resolution
   bool fit = false;
   std::string plate;  // as `layer`; empty without one
+  std::optional<Crop> crop;
+  AlphaReading alpha = AlphaReading::AsStated;  // the layer's
+  double opacity = 1.0;                         // 0 to 1
+  std::string matte;                            // as `layer`; empty without one
   bool linear = false;
   host::Quality quality = host::Quality::Best;
   int samples = 0;                   // a pixel along each axis: 1, 2, 4 or 8; 0: as the quality has it

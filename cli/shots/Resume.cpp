@@ -27,6 +27,7 @@ bool isNewer(const std::string& output, const std::string& input) {
 
 bool isNewerThanInputs(const Shot& shot, std::int32_t frame, const std::string& output) {
   return isNewer(output, shot.layer->path(frame)) && (!shot.plate || isNewer(output, shot.plate->path(frame))) &&
+         (!shot.matte || isNewer(output, shot.matte->path(frame))) &&
          (shot.options.corners_file.empty() || isNewer(output, shot.options.corners_file));
 }
 

@@ -17,10 +17,12 @@ struct Shot {
   FrameRange frames;
   FramePattern layer_files;
   std::optional<FramePattern> plate_files;
+  std::optional<FramePattern> matte_files;
   FramePattern output;
   const ImageFormat* format = nullptr;
   std::unique_ptr<PictureSource> layer;
   std::unique_ptr<PictureSource> plate;  // null without one
+  std::unique_ptr<PictureSource> matte;  // null without one
   CornersTrack corners;
   host::Size frame_size;                   // the output picture's size at full resolution
   host::Depth depth = host::Depth::Bits8;  // what is rendered at

@@ -22,8 +22,8 @@ double bytesPerFrame(const Shot& shot, const FrameHeads& heads) {
   if (n > 1) {
     bytes += pictureBytes(host::downsampled(heads.layer.size, n), shot.depth);
   }
-  if (heads.plate) {
-    bytes += pictureBytes(heads.plate->size, shot.depth);
+  for (const auto& other : {heads.plate, heads.matte}) {
+    bytes += other ? pictureBytes(other->size, shot.depth) : 0.0;
   }
   return bytes + pictureBytes(host::downsampled(shot.frame_size, n), shot.depth);
 }

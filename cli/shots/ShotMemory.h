@@ -8,10 +8,11 @@
 
 namespace vantorel::cli {
 
-// The heads of a frame's files; no plate without one.
+// The heads of a frame's files; no plate or matte without one.
 struct FrameHeads {
   PictureInfo layer;
   std::optional<PictureInfo> plate;
+  std::optional<PictureInfo> matte;
 };
 
 // How many frames to work on at the same time, 1 and up: as many as there are threads, fewer where memory is short.

@@ -35,6 +35,9 @@ void refuseContradictions(const RenderOptions& options) {
   if (options.fit && !options.plate.empty()) {
     throw badArgument("--fit", "cannot be given together with --over, whose picture sets the size; omit one of them");
   }
+  if (options.fit && !options.matte.empty()) {
+    throw badArgument("--fit", "cannot be given together with --matte, which covers a whole frame; omit one of them");
+  }
   if (options.placement == host::Placement::Centres && options.samples > 1) {
     throw badArgument("--samples", "must be 1 with --placement centres; omit one of them");
   }
@@ -82,23 +85,30 @@ CornersTrack cornersOf(const RenderOptions& options) {
   return {"", {key}, host::Interpolation::Linear};
 }
 
-FrameHeads probeFrame(const FramePattern& layer, const std::optional<FramePattern>& plate, std::int32_t frame) {
-  FrameHeads heads{probePicture(layer.path(frame)), std::nullopt};
-  if (plate) {
-    heads.plate = probePicture(plate->path(frame));
+FrameHeads probeFrame(const Shot& shot, std::int32_t frame) {
+  FrameHeads heads{probePicture(shot.layer_files.path(frame), shot.options.alpha), std::nullopt, std::nullopt};
+  if (shot.plate_files) {
+    heads.plate = probePicture(shot.plate_files->path(frame));
+  }
+  if (shot.matte_files) {
+    heads.matte = probePicture(shot.matte_files->path(frame));
   }
   return heads;
 }
 
+bool isSequence(const std::optional<FramePattern>& files) {
+  return files && files->hasNumber();
+}
+
 // The first frame's files; where it is to keep going, those of the first frame that can be read.
-FrameHeads probeShot(const FramePattern& layer, const std::optional<FramePattern>& plate, const FrameRange& frames,
-                     bool keep_going) {
+FrameHeads probeShot(const Shot& shot) {
   for (std::int64_t index = 0;; ++index) {
     try {
-      return probeFrame(layer, plate, frames.at(index));
+      return probeFrame(shot, shot.frames.at(index));
     } catch (const CommandError&) {
-      const bool all_still = !layer.hasNumber() && !(plate && plate->hasNumber());
-      if (!keep_going || all_still || index + 1 == frames.count()) {
+      const bool all_still =
+          !shot.layer_files.hasNumber() && !isSequence(shot.plate_files) && !isSequence(shot.matte_files);
+      if (!shot.options.keep_going || all_still || index + 1 == shot.frames.count()) {
         throw;
       }
     }
@@ -122,6 +132,45 @@ PictureSource::Prepare preparation(bool linear, int reduce_by) {
   };
 }
 
+// Crops a picture of the layer, in place.
+void cropLayer(Picture& picture, const Crop& crop, const std::string& path) {
+  const auto part = remaining(crop, picture.info.size);
+  if (!part) {
+    throw fileFailure(path, "--crop " + part.error());
+  }
+  picture.crop = *part;
+  picture.info.size = {part->width(), part->height()};
+}
+
+PictureSource::Prepare layerPreparation(const RenderOptions& options) {
+  return [to_linear = preparation(options.linear, 1), crop = options.crop](Picture& picture, const std::string& path) {
+    to_linear(picture, path);
+    if (crop) {
+      cropLayer(picture, *crop, path);
+    }
+  };
+}
+
+// The size of what is shown of the layer.
+host::Size shownSize(const RenderOptions& options, host::Size layer) {
+  if (!options.crop) {
+    return layer;
+  }
+  const auto part = remaining(*options.crop, layer);
+  if (!part) {
+    throw badArgument("--crop", part.error());
+  }
+  return {part->width(), part->height()};
+}
+
+void requireMatteSize(const Shot& shot, const PictureInfo& matte) {
+  if (matte.size != shot.frame_size) {
+    throw fileFailure(shot.matte_files->path(shot.frames.first),
+                      fmt::format("its size is {}, the output's is {}; give a matte of the output's size",
+                                  toText(matte.size), toText(shot.frame_size)));
+  }
+}
+
 void requirePlateSize(const RenderOptions& options, const PictureInfo& plate) {
   if (options.size && *options.size != plate.size) {
     throw badArgument("--size", fmt::format("{} is not the plate's size, {}; omit --size", toText(*options.size),
@@ -136,6 +185,9 @@ void planFiles(Shot& shot) {
   shot.layer_files = filesOf("LAYER", options.layer, options);
   if (!options.plate.empty()) {
     shot.plate_files = filesOf("--over", options.plate, options);
+  }
+  if (!options.matte.empty()) {
+    shot.matte_files = filesOf("--matte", options.matte, options);
   }
   shot.output = outputFiles(options, shot.frames);
 }
@@ -153,8 +205,9 @@ host::Depth renderingDepth(const Shot& shot, const FrameHeads& heads, SampleType
   }
   const host::Depth depth = renderDepth(shot.options.depth, source);
   const std::int32_t frame = shot.frames.first;
+  const bool fades = !heads.plate && (shot.options.opacity < 1.0 || heads.matte);
   const bool deeper = shot.options.depth == DepthChoice::Auto && depth == host::Depth::Bits8 &&
-                      (needsDeeperAlpha(shot.layer_files, heads.layer, frame) ||
+                      (fades || needsDeeperAlpha(shot.layer_files, heads.layer, frame) ||
                        (heads.plate && needsDeeperAlpha(*shot.plate_files, *heads.plate, frame)));
   return deeper ? host::Depth::Bits16 : depth;
 }
@@ -168,7 +221,11 @@ void planPictures(Shot& shot, const FrameHeads& heads) {
   const SampleType source = heads.plate ? finer(heads.layer.samples, heads.plate->samples) : heads.layer.samples;
   shot.depth = renderingDepth(shot, heads, source);
   shot.samples = outputSamples(*shot.format, options.depth, source);
-  shot.frame_size = options.size ? *options.size : (heads.plate ? heads.plate->size : heads.layer.size);
+  shot.frame_size =
+      options.size ? *options.size : (heads.plate ? heads.plate->size : shownSize(options, heads.layer.size));
+  if (heads.matte) {
+    requireMatteSize(shot, *heads.matte);
+  }
   if (!options.fit) {
     requireSizeHeld(*shot.format, options.output, host::downsampled(shot.frame_size, options.downsample));
   }
@@ -190,15 +247,18 @@ Shot planShot(const RenderOptions& options) {
   }
   shot.corners = cornersOf(options);
 
-  const FrameHeads heads = probeShot(shot.layer_files, shot.plate_files, shot.frames, options.keep_going);
+  const FrameHeads heads = probeShot(shot);
   planPictures(shot, heads);
   shot.frames_in_flight = framesInFlight(shot, heads);
   shot.threads_per_frame = std::max(1u, options.threads / static_cast<unsigned>(shot.frames_in_flight));
 
-  shot.layer = std::make_unique<PictureSource>(shot.layer_files, shot.depth, preparation(options.linear, 1));
+  shot.layer = std::make_unique<PictureSource>(shot.layer_files, shot.depth, layerPreparation(options), options.alpha);
   if (shot.plate_files) {
     shot.plate =
         std::make_unique<PictureSource>(*shot.plate_files, shot.depth, preparation(options.linear, options.downsample));
+  }
+  if (shot.matte_files) {
+    shot.matte = std::make_unique<PictureSource>(*shot.matte_files, shot.depth, preparation(false, options.downsample));
   }
   shot.module = loadModule(options.module);
   shot.settings = commonSettings(shot);
