@@ -159,15 +159,16 @@ void refuseExtras(const CLI::App& app) {
 CommandError unknownCommand(const CLI::App& app) {
   const std::vector<std::string> extras = app.remaining();
   if (extras.empty()) {
-    return badArgument("", "no command was given; use render, info or testcard, or see 'vantorel --help'");
+    return badArgument("", "no command was given; use render, rectify, info or testcard, or see 'vantorel --help'");
   }
   const std::string& word = extras.front();
   if (word.rfind('-', 0) == 0) {
     return badArgument(word,
                        fmt::format("unknown option; {}", hint(nearestWord(word, optionNames(app)), "vantorel --help")));
   }
-  return badArgument(word, fmt::format("unknown command; {}",
-                                       hint(nearestWord(word, {"render", "info", "testcard"}), "vantorel --help")));
+  return badArgument(
+      word, fmt::format("unknown command; {}",
+                        hint(nearestWord(word, {"render", "rectify", "info", "testcard"}), "vantorel --help")));
 }
 
 CommandError fromParser(const CLI::ParseError& error) {
@@ -192,6 +193,9 @@ ExitCode runCommandLine(int argc, const char* const* argv) try {
   Command<RenderOptions> render(app, "render", "Render a still, or a sequence with --frames",
                                 "render LAYER -o OUT [OPTIONS]", renderOptionTable());
   render.app().footer(std::string(kRenderExamples) + kExitCodes);
+  const Command<RectifyOptions> rectify(app, "rectify", "Straighten a page, a screen or a sign in a photo",
+                                        "rectify PHOTO -o PAGE --ul X,Y --ur X,Y --ll X,Y --lr X,Y [OPTIONS]",
+                                        rectifyOptionTable());
   const Command<InfoOptions> info(app, "info", "Show what the effect module says of itself", "info [OPTIONS]",
                                   infoOptionTable());
   const Command<TestCardOptions> card(app, "testcard", "Write a test card, for trying things out",
@@ -212,6 +216,10 @@ ExitCode runCommandLine(int argc, const char* const* argv) try {
   if (render.parsed()) {
     const Interrupt interrupt;
     return runRender(render.options(), interrupt.token());
+  }
+  if (rectify.parsed()) {
+    const Interrupt interrupt;
+    return runRectify(rectify.options(), interrupt.token());
   }
   if (info.parsed()) {
     return runInfo(info.options());

@@ -19,9 +19,23 @@ struct TestCardOptions {
   host::Size size{1920, 1080};
 };
 
+struct RectifyOptions {
+  std::string photo;
+  std::string output;
+  bool overwrite = false;
+  CornerPositions corners{};       // the page's in the photo
+  std::optional<host::Size> size;  // the page's
+  std::optional<double> aspect;    // width over height; positive
+  bool linear = false;
+  std::string module;    // empty: the one beside the command
+  std::string settings;  // the options that change pictures, as they were given
+};
+
 // Each does its work and returns how it ended, or throws CommandError.
 ExitCode runRender(const RenderOptions& options, const std::stop_token& stop);
 ExitCode runInfo(const InfoOptions& options);
+// Draws what lies within four corners of a photo as a rectangle, resampled once.
+ExitCode runRectify(const RectifyOptions& options, const std::stop_token& stop);
 ExitCode runTestCard(const TestCardOptions& options, const std::stop_token& stop);
 
 }  // namespace vantorel::cli

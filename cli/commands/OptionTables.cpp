@@ -1,5 +1,6 @@
 #include "cli/commands/OptionTables.h"
 
+#include "cli/base/NumberParsing.h"
 #include "cli/base/SizeParsing.h"
 #include "cli/commands/OptionValues.h"
 
@@ -8,6 +9,28 @@ namespace vantorel::cli {
 namespace {
 
 constexpr const char* kOptions = "Options";
+
+template <Corner corner>
+void setPageCorner(RectifyOptions& options, const std::string& name, const std::string& value) {
+  const auto position = parseCorner(value);
+  if (!position) {
+    throw badArgument(name, position.error());
+  }
+  options.corners[corner] = *position;
+}
+
+// "W:H", the width over the height.
+double parseAspect(const std::string& option, const std::string& text) {
+  const std::size_t colon = text.find(':');
+  const auto width = parseNumber(text.substr(0, colon));
+  const auto height = colon == std::string::npos ? width : parseNumber(text.substr(colon + 1));
+  constexpr double kLongest = 1000.0;
+  const bool are_sides = colon != std::string::npos && width && height && *width > 0.0 && *height > 0.0;
+  if (!are_sides || *width / *height > kLongest || *height / *width > kLongest) {
+    throw badArgument(option, fmt::format("'{}' is no proportion; give width and height, such as 16:9", text));
+  }
+  return *width / *height;
+}
 
 }  // namespace
 
@@ -19,6 +42,36 @@ const std::vector<OptionRow<InfoOptions>>& infoOptionTable() {
        }},
       {"--json", "", kOptions, "Print one JSON object",
        [](InfoOptions& options, const std::string&, const std::string&) { options.json = true; }},
+  };
+  return table;
+}
+
+const std::vector<OptionRow<RectifyOptions>>& rectifyOptionTable() {
+  using Options = RectifyOptions;
+  using Text = const std::string&;
+  constexpr const char* kGiveAll = "give all four corners of the page, in pixels of the photo";
+  static const std::vector<OptionRow<Options>> table{
+      {"PHOTO", "FILE", kOptions, "The picture that shows the page",
+       [](Options& o, Text name, Text value) { o.photo = parseFileName(name, value); },
+       "name the photo: vantorel rectify PHOTO -o PAGE"},
+      {"-o,--output", "PAGE", kOptions, "The picture to write: " + outputExtensions(),
+       [](Options& o, Text name, Text value) { o.output = parseFileName(name, value); },
+       "name the picture to write with -o PAGE"},
+      {"--overwrite", "", kOptions, "Replace the photo where PAGE is it",
+       [](Options& o, Text, Text) { o.overwrite = true; }},
+      {"--ul", "X,Y", kOptions, "Where the page's upper left corner is in the photo", setPageCorner<kUpperLeft>,
+       kGiveAll},
+      {"--ur", "X,Y", kOptions, "Where its upper right corner is", setPageCorner<kUpperRight>, kGiveAll},
+      {"--ll", "X,Y", kOptions, "Where its lower left corner is", setPageCorner<kLowerLeft>, kGiveAll},
+      {"--lr", "X,Y", kOptions, "Where its lower right corner is", setPageCorner<kLowerRight>, kGiveAll},
+      {"--size", "WxH", kOptions, "The page's size in pixels (default: as long as its longest edges in the photo)",
+       [](Options& o, Text name, Text value) { o.size = parseSize(name, value); }},
+      {"--aspect", "W:H", kOptions, "The page's proportions (default: estimated from the corners)",
+       [](Options& o, Text name, Text value) { o.aspect = parseAspect(name, value); }},
+      {"--linear", "", kOptions, "Filter in linear light, by the file's colour space",
+       [](Options& o, Text, Text) { o.linear = true; }},
+      {"--module", "FILE", kOptions, "The effect module (default: the one beside the command)",
+       [](Options& o, Text name, Text value) { o.module = parseFileName(name, value); }},
   };
   return table;
 }

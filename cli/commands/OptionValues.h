@@ -37,6 +37,15 @@ inline double parseShare(const std::string& option, const std::string& text) {
   return share;
 }
 
+// A number from `least` to `most`.
+inline double parseNumberInRange(const std::string& option, const std::string& text, double least, double most) {
+  const auto value = parseNumber(text);
+  if (!value || *value < least || *value > most) {
+    throw badArgument(option, fmt::format("'{}' is not a number from {} to {}; give one", text, least, most));
+  }
+  return *value;
+}
+
 // The name of a file, which is anything but empty: a shell variable that is not set gives an empty one.
 inline std::string parseFileName(const std::string& option, const std::string& text) {
   if (text.empty()) {

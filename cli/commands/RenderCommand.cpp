@@ -16,6 +16,9 @@ ExitCode runRender(const RenderOptions& options, const std::stop_token& stop) {
   const std::size_t helpers = options.threads - static_cast<unsigned>(shot.frames_in_flight);
   const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, helpers + 1);
   Progress progress(options.progress.value_or(isatty(STDERR_FILENO) != 0), shot.frames.count());
+  for (const std::string& note : shot.notes) {
+    progress.message(note);
+  }
   return renderFrames(shot, stop, progress);
 }
 

@@ -12,9 +12,14 @@ namespace {
 constexpr const char* kFiles = "Files";
 constexpr const char* kPlacing = "Placing (positions in layer pixels, 640,12.5, or percent of the layer, 10%,90%)";
 constexpr const char* kCompositing = "Layer and compositing";
+constexpr const char* kMotionBlur = "Motion blur";
 constexpr const char* kRendering = "Rendering";
 constexpr const char* kSequences = "Sequences";
 constexpr const char* kReporting = "Reporting";
+
+constexpr double kMaxFeather = 32768.0;
+constexpr double kMaxShutter = 720.0;  // degrees; 360 is a frame
+constexpr int kMaxShutterSamples = 1024;
 
 constexpr PictureUse kLeaves = PictureUse::LeavesPicture;
 
@@ -75,6 +80,31 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
       {"--matte", "PICTURE", kCompositing,
        "What stands in front: a grey or alpha picture, or a sequence, that hides the layer where it is white",
        [](Options& o, Text name, Text value) { o.matte = parseFileName(name, value); }},
+      {"--feather", "PIXELS", kCompositing, "Fade the layer's edges over so many output pixels inside its outline",
+       [](Options& o, Text name, Text value) { o.feather = parseNumberInRange(name, value, 0.0, kMaxFeather); }},
+      {"--enlarge", "bilinear|bicubic|lanczos", kCompositing,
+       "Enlarge the layer by this filter first where it becomes more than twice as large",
+       [](Options& o, Text name, Text value) {
+         o.enlarge = parseChoice<EnlargeFilter>(name, value,
+                                                {{"bilinear", EnlargeFilter::Bilinear},
+                                                 {"bicubic", EnlargeFilter::Bicubic},
+                                                 {"lanczos", EnlargeFilter::Lanczos}});
+       }},
+
+      {"--shutter", "DEGREES", kMotionBlur,
+       "Blur what moves: how long the shutter is open, 180 is half a frame (0: off)",
+       [](Options& o, Text name, Text value) {
+         o.shutter.degrees = parseNumberInRange(name, value, 0.0, kMaxShutter);
+       }},
+      {"--shutter-offset", "DEGREES", kMotionBlur,
+       "When it opens, after the frame's time (default: centred on the frame)",
+       [](Options& o, Text name, Text value) {
+         o.shutter.offset = parseNumberInRange(name, value, -kMaxShutter, kMaxShutter);
+       }},
+      {"--shutter-samples", "N", kMotionBlur, "Draw at most so many moments, as the motion needs (default: 64)",
+       [](Options& o, Text name, Text value) {
+         o.shutter.max_samples = parseIntInRange(name, value, 1, kMaxShutterSamples);
+       }},
 
       {"--quality", "best|high|standard", kRendering,
        "best (default) takes as many samples as the picture needs and has crisp edges, high is the effect's own "

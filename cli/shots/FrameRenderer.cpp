@@ -12,6 +12,7 @@
 #include "cli/pictures/ColourConversion.h"
 #include "cli/pictures/Composite.h"
 #include "cli/pictures/Fade.h"
+#include "cli/pictures/Feather.h"
 #include "cli/pictures/ImageReader.h"
 #include "cli/pictures/ImageWriter.h"
 #include "cli/shots/Resume.h"
@@ -76,6 +77,9 @@ std::optional<FrameReport> FrameRenderer::render(std::int32_t frame) {
   report.render_seconds = result.render_seconds;
 
   const Stopwatch writing;
+  if (shot_.options.feather > 0.0) {
+    featherEdges(frame, canvas);
+  }
   if (shot_.options.opacity < 1.0) {
     fade(output_.view(), shot_.options.opacity);
   }
@@ -100,6 +104,7 @@ host::FrameOptions FrameRenderer::frameOptions(std::int32_t frame) const {
   options.samples = shot_.options.samples;
   options.edges = shot_.options.edges;
   options.placement = shot_.options.placement;
+  options.shutter = shot_.options.shutter;
   options.protocol = shot_.options.protocol;
   options.downsample = shot_.options.downsample;
   options.threads = shot_.threads_per_frame;
@@ -112,7 +117,8 @@ void FrameRenderer::placeCorners(host::Size layer) {
   if (corners_layer_ == layer) {
     return;
   }
-  valueOrThrow(instance_.setCorners(toAnimation(shot_.corners, layer, shot_.options.rate)));
+  corners_ = toAnimation(shot_.corners, layer, shot_.options.rate);
+  valueOrThrow(instance_.setCorners(corners_));
   corners_layer_ = layer;
 }
 
@@ -135,6 +141,19 @@ void FrameRenderer::prepareOutput(const host::Rect& canvas) {
                                            toText(size), *shortage));
   }
   output_ = valueOrThrow(host::Image::create(size, shot_.depth));
+}
+
+void FrameRenderer::featherEdges(std::int32_t frame, const host::Rect& canvas) {
+  const host::Corners corners = corners_.at(shot_.options.rate.seconds(frame));
+  const int n = shot_.options.downsample;
+  const double centre = shot_.options.placement == host::Placement::Centres ? 0.5 : 0.0;
+  const auto inOutput = [&](const host::Point& p) {
+    return host::Point{(p.x + centre - canvas.left) / n, (p.y + centre - canvas.top) / n};
+  };
+  feather(output_.view(),
+          {inOutput(corners.upper_left), inOutput(corners.upper_right), inOutput(corners.lower_right),
+           inOutput(corners.lower_left)},
+          shot_.options.feather / n);
 }
 
 void FrameRenderer::applyMatte(std::int32_t frame) {

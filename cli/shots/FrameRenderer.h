@@ -25,6 +25,7 @@ class FrameRenderer {
   void placeCorners(host::Size layer);
   host::Rect canvasFor(std::int32_t frame, host::Size layer);
   void prepareOutput(const host::Rect& canvas);
+  void featherEdges(std::int32_t frame, const host::Rect& canvas);
   void applyMatte(std::int32_t frame);
   void composite(const Picture& plate, const std::string& plate_name);
   void write(std::int32_t frame, const host::Rect& canvas, const Picture& reference);
@@ -33,6 +34,7 @@ class FrameRenderer {
   std::stop_token stop_;
   std::function<void(double)> progress_;
   host::Instance instance_;
+  host::AnimatedCorners corners_;            // as the instance has them
   std::optional<host::Size> corners_layer_;  // the layer size that the instance's corners are for
   host::Image output_;
 };

@@ -8,6 +8,7 @@
 
 #include "cli/base/FrameRange.h"
 #include "cli/corners/Corners.h"
+#include "cli/pictures/Enlarge.h"
 #include "cli/pictures/ImageFormats.h"
 #include "cli/pictures/ImageReader.h"
 #include "cli/shots/Crop.h"
@@ -34,8 +35,11 @@ struct RenderOptions {
   std::string plate;  // as `layer`; empty without one
   std::optional<Crop> crop;
   AlphaReading alpha = AlphaReading::AsStated;  // the layer's
-  double opacity = 1.0;                         // 0 to 1
-  std::string matte;                            // as `layer`; empty without one
+  std::optional<EnlargeFilter> enlarge;         // nothing: the effect's own interpolation
+  double feather = 0.0;                         // output pixels at full resolution
+  host::Shutter shutter;
+  double opacity = 1.0;  // 0 to 1
+  std::string matte;     // as `layer`; empty without one
   bool linear = false;
   host::Quality quality = host::Quality::Best;
   int samples = 0;                   // a pixel along each axis: 1, 2, 4 or 8; 0: as the quality has it

@@ -3,9 +3,12 @@
 
 #include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "cli/base/FramePattern.h"
 #include "cli/corners/CornersTrack.h"
+#include "cli/shots/Enlargement.h"
 #include "cli/shots/PictureSource.h"
 #include "cli/shots/RenderOptions.h"
 #include "host/Module.h"
@@ -24,6 +27,8 @@ struct Shot {
   std::unique_ptr<PictureSource> plate;  // null without one
   std::unique_ptr<PictureSource> matte;  // null without one
   CornersTrack corners;
+  Enlargement enlargement;                 // of the layer, before the effect
+  std::vector<std::string> notes;          // what everybody has to know before the first frame, a line each
   host::Size frame_size;                   // the output picture's size at full resolution
   host::Depth depth = host::Depth::Bits8;  // what is rendered at
   SampleType samples = SampleType::Bits8;  // what is written

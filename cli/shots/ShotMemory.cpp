@@ -19,6 +19,9 @@ constexpr int kMaxFramesInFlight = 16;
 double bytesPerFrame(const Shot& shot, const FrameHeads& heads) {
   const int n = shot.options.downsample;
   double bytes = pictureBytes(heads.layer.size, shot.depth);
+  if (shot.enlargement != Enlargement{}) {
+    bytes += pictureBytes(enlargedSize(heads.layer.size, shot.enlargement), shot.depth);
+  }
   if (n > 1) {
     bytes += pictureBytes(host::downsampled(heads.layer.size, n), shot.depth);
   }

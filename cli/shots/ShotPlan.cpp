@@ -3,9 +3,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/Memory.h"
 #include "cli/base/Text.h"
 #include "cli/pictures/ColourConversion.h"
 #include "cli/pictures/ImageReader.h"
@@ -37,6 +39,12 @@ void refuseContradictions(const RenderOptions& options) {
   }
   if (options.fit && !options.matte.empty()) {
     throw badArgument("--fit", "cannot be given together with --matte, which covers a whole frame; omit one of them");
+  }
+  if (options.feather > 0.0 && options.shutter.degrees > 0.0) {
+    throw badArgument("--feather", "cannot be given together with --shutter; omit one of them");
+  }
+  if (options.placement == host::Placement::Centres && options.shutter.degrees > 0.0) {
+    throw badArgument("--shutter", "needs --placement outline; omit one of them");
   }
   if (options.placement == host::Placement::Centres && options.samples > 1) {
     throw badArgument("--samples", "must be 1 with --placement centres; omit one of them");
@@ -142,11 +150,21 @@ void cropLayer(Picture& picture, const Crop& crop, const std::string& path) {
   picture.info.size = {part->width(), part->height()};
 }
 
-PictureSource::Prepare layerPreparation(const RenderOptions& options) {
-  return [to_linear = preparation(options.linear, 1), crop = options.crop](Picture& picture, const std::string& path) {
+// Puts an enlarged picture in place of what is shown; its size stays what the corners' percentages count by.
+void enlargeLayer(Picture& picture, const Enlargement& by, EnlargeFilter filter) {
+  picture.pixels = enlarged(shownPixels(picture), enlargedSize(picture.info.size, by), filter);
+  picture.crop.reset();
+}
+
+PictureSource::Prepare layerPreparation(const RenderOptions& options, const Enlargement& enlargement) {
+  return [=, to_linear = preparation(options.linear, 1), crop = options.crop, filter = options.enlarge](
+             Picture& picture, const std::string& path) {
     to_linear(picture, path);
     if (crop) {
       cropLayer(picture, *crop, path);
+    }
+    if (filter && enlargement != Enlargement{}) {
+      enlargeLayer(picture, enlargement, *filter);
     }
   };
 }
@@ -205,7 +223,7 @@ host::Depth renderingDepth(const Shot& shot, const FrameHeads& heads, SampleType
   }
   const host::Depth depth = renderDepth(shot.options.depth, source);
   const std::int32_t frame = shot.frames.first;
-  const bool fades = !heads.plate && (shot.options.opacity < 1.0 || heads.matte);
+  const bool fades = !heads.plate && (shot.options.opacity < 1.0 || shot.options.feather > 0.0 || heads.matte);
   const bool deeper = shot.options.depth == DepthChoice::Auto && depth == host::Depth::Bits8 &&
                       (fades || needsDeeperAlpha(shot.layer_files, heads.layer, frame) ||
                        (heads.plate && needsDeeperAlpha(*shot.plate_files, *heads.plate, frame)));
@@ -231,6 +249,23 @@ void planPictures(Shot& shot, const FrameHeads& heads) {
   }
 }
 
+// As far as memory reaches; what it does not allow is told.
+void planEnlargement(Shot& shot, host::Size layer) {
+  if (!shot.options.enlarge) {
+    return;
+  }
+  const host::Size shown = shownSize(shot.options, layer);
+  const Enlargement wanted = enlargementFor(shot.corners, shown);
+  constexpr double kMemoryShare = 0.25;
+  const double most_bytes = kMemoryShare * availableMemory().value_or(HUGE_VAL);
+  shot.enlargement = limited(wanted, shown, shot.depth, most_bytes);
+  if (shot.enlargement != wanted) {
+    shot.notes.push_back(
+        fmt::format("--enlarge: the layer is enlarged {}x{} times, not {}x{}, which would be too large",
+                    shot.enlargement.x, shot.enlargement.y, wanted.x, wanted.y));
+  }
+}
+
 }  // namespace
 
 Shot planShot(const RenderOptions& options) {
@@ -249,10 +284,12 @@ Shot planShot(const RenderOptions& options) {
 
   const FrameHeads heads = probeShot(shot);
   planPictures(shot, heads);
+  planEnlargement(shot, heads.layer.size);
   shot.frames_in_flight = framesInFlight(shot, heads);
   shot.threads_per_frame = std::max(1u, options.threads / static_cast<unsigned>(shot.frames_in_flight));
 
-  shot.layer = std::make_unique<PictureSource>(shot.layer_files, shot.depth, layerPreparation(options), options.alpha);
+  shot.layer = std::make_unique<PictureSource>(shot.layer_files, shot.depth,
+                                               layerPreparation(options, shot.enlargement), options.alpha);
   if (shot.plate_files) {
     shot.plate =
         std::make_unique<PictureSource>(*shot.plate_files, shot.depth, preparation(options.linear, options.downsample));

@@ -1,7 +1,9 @@
 // What an artist asks of the layer and of how it joins the plate, as pixels of written files.
-#include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
+#include <cmath>
 #include <string>
 
 #include "CommandRunner.h"
@@ -86,6 +88,95 @@ TEST(LayerOptions, AMatteHidesTheLayerWhereItIsWhite) {
     runWell(folder, "render layer.png --over plate.png --matte matte.7.png -o half.png --downsample 2");
     expectNear(PixelFile::read(folder / "half.png").at(1, 2), {0.7, 0, 0.3}, 1.5 / 255);
   }
+}
+
+// The layer's alpha summed over a row, and where it lies on the average.
+struct Spread {
+  double sum = 0.0;
+  double centre = 0.0;
+};
+
+Spread alphaSpread(const PixelFile& picture, int row) {
+  Spread spread;
+  for (int x = 0; x < picture.size().width; ++x) {
+    spread.sum += picture.at(x, row)[3];
+    spread.centre += picture.at(x, row)[3] * (x + 0.5);
+  }
+  spread.centre /= spread.sum;
+  return spread;
+}
+
+TEST(LayerOptions, FeatheredEdgesFadeByTheirDistance) {
+  const TestFolder folder;
+  PixelFile::filled({40, 30}, {255, 128, 0, 255}).write(folder / "layer.png");
+  runWell(folder, "render layer.png -o out.exr --depth float --feather 8");
+  const PixelFile out = PixelFile::read(folder / "out.exr");
+  for (int x = 0; x < 20; ++x) {
+    const double t = std::min(1.0, (x + 0.5) / 8);
+    const double alpha = t * t * (3 - 2 * t);
+    expectNear(out.at(x, 15), {alpha, alpha * 128 / 255, 0, alpha}, 1e-3);
+    expectNear(out.at(39 - x, 15), out.at(x, 15), 1e-6);
+  }
+  EXPECT_NEAR(out.at(10, 29)[3], out.at(0, 10)[3], 1e-6);
+  // A proxy fades over as much of the picture.
+  runWell(folder, "render layer.png -o half.exr --depth float --feather 8 --downsample 2");
+  EXPECT_NEAR(PixelFile::read(folder / "half.exr").at(1, 7)[3], 3 * 0.375 * 0.375 - 2 * 0.375 * 0.375 * 0.375, 1e-3);
+}
+
+TEST(LayerOptions, AnEnlargedLayerIsSmootherAndStaysInItsPlace) {
+  const TestFolder folder;
+  const auto truth = [](double x) { return 0.5 - 0.4 * std::cos(x * 0.9); };
+  PixelFile layer = PixelFile::filled({24, 6}, {0, 0, 0, 255});
+  for (int y = 0; y < 6; ++y) {
+    for (int x = 0; x < 24; ++x) {
+      const int value = static_cast<int>(std::lround(255 * truth(x + 0.5)));
+      layer.set(x, y, {value, value, value, 255});
+    }
+  }
+  layer.write(folder / "layer.png");
+  const std::string corners = " --ul 0,0 --ur 240,0 --ll 0,60 --lr 240,60 --size 240x60";
+  const auto error = [&](const std::string& options) {
+    runWell(folder, "render layer.png -o out.exr --depth float" + corners + options);
+    const PixelFile out = PixelFile::read(folder / "out.exr");
+    double sum = 0.0;
+    for (int x = 40; x < 200; ++x) {
+      sum += std::pow(out.at(x, 30)[0] - truth((x + 0.5) / 10), 2);
+      EXPECT_NEAR(out.at(x, 30)[3], 1.0, 1e-3);
+    }
+    expectNear(out.at(0, 0), layer.at(0, 0), 0.03);  // as opaque and in its place to the very corner
+    return std::sqrt(sum / 160);
+  };
+  const double plain = error("");
+  EXPECT_LT(error(" --enlarge bicubic"), plain / 2);
+  EXPECT_LT(error(" --enlarge lanczos"), plain / 2);
+  EXPECT_NEAR(error(" --enlarge bilinear"), plain, plain / 2);
+  // Up to twice the size it does nothing.
+  const std::string twice = " --ul 0,0 --ur 48,0 --ll 0,12 --lr 48,12 --size 48x12";
+  runWell(folder, "render layer.png -o a.png" + twice);
+  runWell(folder, "render layer.png -o b.png --enlarge lanczos" + twice);
+  EXPECT_EQ(difference(folder / "a.png", folder / "b.png"), 0.0);
+}
+
+TEST(LayerOptions, AnOpenShutterBlursWhatMovesAroundItsPlace) {
+  const TestFolder folder;
+  PixelFile::filled({10, 10}, {255, 255, 255, 255}).write(folder / "layer.png");
+  folder.write("track.csv", "0,20,0,30,0,20,10,30,10\n2,60,0,70,0,60,10,70,10\n");
+  const std::string shot = "render layer.png --corners track.csv --frames 1-1 --size 100x10 --depth float ";
+  const auto spread = [&](const std::string& options) {
+    runWell(folder, shot + "-o out.#.exr " + options);
+    return alphaSpread(PixelFile::read(folder / "out.1.exr"), 5);
+  };
+  EXPECT_NEAR(spread("").centre, 45.0, 0.01);
+  const Spread centred = spread("--shutter 180");
+  EXPECT_NEAR(centred.sum, 10.0, 0.05);
+  EXPECT_NEAR(centred.centre, 45.0, 0.05);
+  EXPECT_NEAR(PixelFile::read(folder / "out.1.exr").at(36, 5)[3], 0.15, 0.06);  // ten pixels' way in half a frame
+  EXPECT_NEAR(spread("--shutter 180 --shutter-offset 0").centre, 50.0, 0.05);
+
+  folder.write("track.csv", "0,20,0,30,0,20,10,30,10\n");
+  runWell(folder, shot + "-o still.#.exr");
+  runWell(folder, shot + "-o open.#.exr --shutter 360 --shutter-samples 9");
+  EXPECT_EQ(difference(folder / "still.1.exr", folder / "open.1.exr"), 0.0);
 }
 
 TEST(LayerOptions, AChangedMatteMakesAFrameOld) {

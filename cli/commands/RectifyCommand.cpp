@@ -1,0 +1,130 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "cli/base/CommandError.h"
+#include "cli/base/Console.h"
+#include "cli/commands/Commands.h"
+#include "cli/pictures/ImageReader.h"
+#include "host/geometry/AspectEstimate.h"
+#include "host/geometry/Homography.h"
+
+namespace vantorel::cli {
+
+namespace {
+
+host::Corners pageCorners(const RectifyOptions& options, host::Size photo) {
+  std::array<host::Point, kCornerCount> at;
+  for (std::size_t c = 0; c < kCornerCount; ++c) {
+    const auto point = toLayerPixels(options.corners[c], photo);
+    if (!point) {
+      throw badArgument(fmt::format("--{}", kCornerNames[c]), point.error());
+    }
+    at[c] = *point;
+  }
+  return {at[kUpperLeft], at[kUpperRight], at[kLowerLeft], at[kLowerRight]};
+}
+
+double length(const host::Point& a, const host::Point& b) {
+  return std::hypot(a.x - b.x, a.y - b.y);
+}
+
+double estimatedAspect(const host::Corners& page, host::Size photo) {
+  const host::AspectEstimate estimate = host::estimateAspect(page, photo);
+  fmt::print(console(), "vantorel: the page is taken to be {:.4f} times as wide as high{}\n", estimate.aspect,
+             estimate.is_reliable ? ", if the photo is not cropped"
+                                  : ", by its edges alone, as its corners do not tell; give --aspect or --size");
+  return estimate.aspect;
+}
+
+// Without a size asked for, as large as the longest edges, so that nothing of the photo is lost.
+host::Size pageSize(const RectifyOptions& options, const host::Corners& page, host::Size photo) {
+  if (options.size) {
+    return *options.size;
+  }
+  const double aspect = options.aspect ? *options.aspect : estimatedAspect(page, photo);
+  const double across = std::max(length(page.upper_left, page.upper_right), length(page.lower_left, page.lower_right));
+  const double down = std::max(length(page.upper_left, page.lower_left), length(page.upper_right, page.lower_right));
+  const double width = std::max(across, down * aspect);
+  constexpr double kMostPixels = 32767.0;  // what positions in 16.16 reach
+  if (width > kMostPixels || width / aspect > kMostPixels) {
+    throw badArgument("--aspect", fmt::format("{:g} makes a page of {:.0f}x{:.0f} pixels; give a --size", aspect, width,
+                                              width / aspect));
+  }
+  const auto whole = [](double pixels) { return std::max(1, static_cast<int>(std::lround(pixels))); };
+  return {whole(width), whole(width / aspect)};
+}
+
+// The part of the photo around the page, with a pixel or two more for interpolation. What lies further off may be
+// beyond the horizon of the page's plane, where no corner can be placed.
+host::Rect surroundings(const host::Corners& page, host::Size photo) {
+  constexpr double kMargin = 2.0;
+  const auto [left, right] =
+      std::minmax({page.upper_left.x, page.upper_right.x, page.lower_left.x, page.lower_right.x});
+  const auto [top, bottom] =
+      std::minmax({page.upper_left.y, page.upper_right.y, page.lower_left.y, page.lower_right.y});
+  return {static_cast<int>(std::max(0.0, std::floor(left - kMargin))),
+          static_cast<int>(std::max(0.0, std::floor(top - kMargin))),
+          static_cast<int>(std::min<double>(photo.width, std::ceil(right + kMargin))),
+          static_cast<int>(std::min<double>(photo.height, std::ceil(bottom + kMargin)))};
+}
+
+host::Corners cornersOf(const host::Rect& rect) {
+  const auto [left, top, right, bottom] =
+      std::array<double, 4>{double(rect.left), double(rect.top), double(rect.right), double(rect.bottom)};
+  return {{left, top}, {right, top}, {left, bottom}, {right, bottom}};
+}
+
+// Where the corners of a part of the photo go when the page's go to those of a picture of that size.
+std::array<std::optional<CornerPosition>, kCornerCount> placed(const host::Rect& part, const host::Corners& page,
+                                                               host::Size size) {
+  const auto map = host::Homography::ofQuadrilateral(page, cornersOf({0, 0, size.width, size.height}));
+  if (!map) {
+    throw badArgument("--ul", "the corners make no convex quadrilateral; give those of the page, each in its place");
+  }
+  const host::Corners outline = cornersOf(part);
+  std::array<std::optional<CornerPosition>, kCornerCount> corners;
+  for (std::size_t c = 0; c < kCornerCount; ++c) {
+    const host::Point image = (*map)(outline[c]);
+    if (map->weight(outline[c]) <= 0.0 || !host::isCoordinate(image.x) || !host::isCoordinate(image.y)) {
+      throw badArgument(fmt::format("--{}", kCornerNames[c]),
+                        "the page is seen too much from the side; give corners less far from a rectangle, or a "
+                        "smaller --size");
+    }
+    corners[c] = CornerPosition{{image.x, false}, {image.y, false}};
+  }
+  return corners;
+}
+
+Crop cropTo(const host::Rect& part, host::Size photo) {
+  const auto pixels = [](int count) { return Coordinate{static_cast<double>(count), false}; };
+  return {pixels(part.left), pixels(part.top), pixels(photo.width - part.right), pixels(photo.height - part.bottom)};
+}
+
+}  // namespace
+
+ExitCode runRectify(const RectifyOptions& options, const std::stop_token& stop) {
+  if (options.size && options.aspect) {
+    throw badArgument("--aspect", "cannot be given together with --size; omit one of them");
+  }
+  const host::Size photo = probePicture(options.photo).size;
+  const host::Corners page = pageCorners(options, photo);
+  const host::Rect part = surroundings(page, photo);
+  if (part.empty()) {
+    throw badArgument("--ul", "the corners lie outside the photo; give those of the page in the photo");
+  }
+  RenderOptions render;
+  render.layer = options.photo;
+  render.output = options.output;
+  render.overwrite = options.overwrite;
+  render.linear = options.linear;
+  render.module = options.module;
+  render.settings = options.settings;
+  render.size = pageSize(options, page, photo);
+  render.crop = cropTo(part, photo);
+  render.corners = placed(part, page, *render.size);
+  return runRender(render, stop);
+}
+
+}  // namespace vantorel::cli

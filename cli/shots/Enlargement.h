@@ -1,0 +1,27 @@
+// How much the layer is enlarged before it goes through the effect.
+#pragma once
+
+#include "cli/corners/CornersTrack.h"
+#include "host/Image.h"
+
+namespace vantorel::cli {
+
+// Whole factors for width and height, 1 and up.
+struct Enlargement {
+  int x = 1;
+  int y = 1;
+  bool operator==(const Enlargement&) const = default;
+};
+
+// The size of a layer that is so enlarged.
+host::Size enlargedSize(host::Size layer, const Enlargement& by);
+
+// What the track asks for: in an axis in which its longest edge, over all keys, is more than twice the layer's, the
+// next whole number of times.
+Enlargement enlargementFor(const CornersTrack& track, host::Size layer);
+
+// The greatest factors up to those with which a layer takes no more than so many bytes, and no side more than the
+// effect can address.
+Enlargement limited(Enlargement wanted, host::Size layer, host::Depth depth, double most_bytes);
+
+}  // namespace vantorel::cli
