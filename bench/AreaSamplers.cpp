@@ -1,8 +1,6 @@
-#include "host/AreaSampler.h"
+#include "host/sampling/AreaSampler.h"
 
-#include <utility>
-
-#include "bench/Parts.h"
+#include "bench/Components.h"
 #include "bench/Pictures.h"
 
 namespace vantorel::bench {
@@ -56,14 +54,13 @@ void addSampler(const Effort& effort, const char* variant, PF_AreaSampler<Pixel>
 }  // namespace
 
 void addAreaSamplers(const Effort& effort) {
-  constexpr std::pair<host::SamplerVariant, const char*> kVariants[] = {{host::SamplerVariant::Plain, "plain"},
-                                                                        {host::SamplerVariant::Avx2, "avx2"},
-                                                                        {host::SamplerVariant::Avx512, "avx512"}};
-  for (const auto& [variant, name] : kVariants) {
-    if (const host::AreaSamplers* samplers = host::areaSamplersOf(variant)) {
-      addSampler(effort, name, samplers->sample8, host::Depth::Bits8);
-      addSampler(effort, name, samplers->sample16, host::Depth::Bits16);
-      addSampler(effort, name, samplers->sample_float, host::Depth::Float);
+  for (const InstructionSet set : kInstructionSets) {
+    if (isAvailable(set)) {
+      const host::AreaSamplers& samplers = host::areaSamplersOf(set);
+      const char* const name = instructionSetName(set);
+      addSampler(effort, name, samplers.sample8, host::Depth::Bits8);
+      addSampler(effort, name, samplers.sample16, host::Depth::Bits16);
+      addSampler(effort, name, samplers.sample_float, host::Depth::Float);
     }
   }
 }

@@ -4,9 +4,9 @@
 #include <exception>
 #include <new>
 
-#include "cli/CommandError.h"
-#include "cli/CommandLine.h"
-#include "cli/Interrupt.h"
+#include "cli/base/CommandError.h"
+#include "cli/commands/CommandLine.h"
+#include "cli/commands/Interrupt.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ ExitCode run(int argc, char** argv) {
     std::fprintf(stderr, "vantorel: %s\n", error.text().c_str());
     return error.code();
   } catch (const std::bad_alloc&) {
-    std::fputs("vantorel: the memory is not to be had; give a smaller picture or --size\n", stderr);
+    std::fputs("vantorel: out of memory; give a smaller picture or --size\n", stderr);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "vantorel: %s; please report this\n", error.what());
   }

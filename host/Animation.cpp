@@ -45,4 +45,10 @@ Point AnimatedPoint::at(double seconds) const {
           before.value.y + (next->value.y - before.value.y) * share};
 }
 
+const AnimatedPoint& AnimatedCorners::operator[](std::size_t corner) const {
+  static constexpr std::array kCorners{&AnimatedCorners::upper_left, &AnimatedCorners::upper_right,
+                                       &AnimatedCorners::lower_left, &AnimatedCorners::lower_right};
+  return this->*kCorners[corner];
+}
+
 }  // namespace vantorel::host

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <string_view>
 #include <vector>
 
 namespace vantorel::host {
@@ -11,6 +13,21 @@ struct Point {
   double y = 0.0;
   bool operator==(const Point&) const = default;
 };
+
+// The coordinates that the effect's 16.16 numbers hold, in pixels: from kMinCoordinate up to, but not including,
+// kCoordinateEnd.
+inline constexpr double kMinCoordinate = -32768.0;
+inline constexpr double kCoordinateEnd = 32768.0;
+
+// False for NaN too.
+constexpr bool isCoordinate(double pixels) {
+  return pixels >= kMinCoordinate && pixels < kCoordinateEnd;
+}
+
+// The corners in the order of the effect's parameters.
+inline constexpr std::size_t kCornerCount = 4;
+inline constexpr std::array<std::string_view, kCornerCount> kCornerNames{"upper left", "upper right", "lower left",
+                                                                         "lower right"};
 
 // The four corners that the effect stretches the layer onto, in full-resolution layer pixels.
 struct Corners {
@@ -53,6 +70,9 @@ struct AnimatedCorners {
   AnimatedPoint upper_right;
   AnimatedPoint lower_left;
   AnimatedPoint lower_right;
+
+  // By its place in kCornerNames, below kCornerCount.
+  const AnimatedPoint& operator[](std::size_t corner) const;
 };
 
 }  // namespace vantorel::host

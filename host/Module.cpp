@@ -3,10 +3,11 @@
 #include <cstring>
 #include <utility>
 
-#include "host/Errors.h"
-#include "host/ModuleCall.h"
-#include "host/ModuleState.h"
-#include "host/StringTable.h"
+#include "host/Error.h"
+#include "host/Simd.h"
+#include "host/module/ModuleCall.h"
+#include "host/module/ModuleState.h"
+#include "host/module/StringTable.h"
 
 namespace vantorel::host {
 
@@ -24,25 +25,43 @@ Error aboutModule(const std::string& path, Error error) {
   return error;
 }
 
-Result<void> setUp(Module::State& module) {
+// A version word holds the major number from bit 19 on, the minor one in four bits from 15 and the patch's in four from
+// 11; below are the stage and the build.
+std::string versionText(std::uint32_t word) {
+  const std::uint32_t patch = word >> 11 & 15;
+  const std::string text = std::to_string(word >> 19) + "." + std::to_string(word >> 15 & 15);
+  return patch == 0 ? text : text + "." + std::to_string(patch);
+}
+
+// Enters what global setup declared.
+void describeModule(const PF_OutData& out, ModuleInfo* info) {
+  info->version_word = out.version;
+  info->out_flags = out.out_flags;
+  info->out_flags2 = out.out_flags2;
+  info->version = versionText(out.version);
+  info->uses_extent_hint = (out.out_flags & OUT_FLAG_USES_EXTENT_HINT) != 0;
+  info->sets_output_size = (out.out_flags & OUT_FLAG_SETS_OUTPUT_SIZE) != 0;
+  info->renders_16_bit = (out.out_flags & OUT_FLAG_16BIT_WORLDS) != 0;
+  info->renders_float = (out.out_flags2 & OUT_FLAG2_FLOAT_WORLDS) != 0;
+}
+
+Result<void> setUp(ModuleState& module) {
   ModuleCall call(module);
   Result<void> done = call.run(CMD_GLOBAL_SETUP, nullptr, nullptr, nullptr);
   // A command that succeeded and misused the host has left something to set down too.
   module.is_set_up = done || done.error().code == ERR_NONE;
   module.global_data = module.is_set_up ? call.out.global_data : nullptr;
-  module.info.version = call.out.version;
-  module.info.out_flags = call.out.out_flags;
-  module.info.out_flags2 = call.out.out_flags2;
+  describeModule(call.out, &module.info);
   return done;
 }
 
-Result<void> declareParameters(Module::State& module) {
+Result<void> declareParameters(ModuleState& module) {
   ModuleCall call(module);
   call.context.declared = &module.info.parameters;
   return call.run(CMD_PARAMS_SETUP, nullptr, nullptr, nullptr);
 }
 
-Result<void> readAbout(Module::State& module) {
+Result<void> readAbout(ModuleState& module) {
   ModuleCall call(module);
   Result<void> done = call.run(CMD_ABOUT, nullptr, nullptr, nullptr);
   module.info.about = withLineBreaks({call.out.return_msg, strnlen(call.out.return_msg, PF_RETURN_MSG_CAPACITY)});
@@ -56,28 +75,45 @@ Result<std::shared_ptr<const Module>> Module::load(const std::string& path, Modu
   if (!library) {
     return tl::unexpected(std::move(library).error());
   }
-  auto state = std::make_unique<State>(std::move(*library));
-  state->entry = reinterpret_cast<PF_EffectMain>(state->library.symbol(PF_EFFECT_ENTRY));
+  auto state = std::make_unique<ModuleState>();
+  state->entry = reinterpret_cast<EffectEntry>(library->symbol(PF_EFFECT_ENTRY));
+  state->library = std::move(*library);
   if (state->entry == nullptr) {
-    return moduleUnusable(path, "is not an effect module: it does not export " + std::string(PF_EFFECT_ENTRY));
+    return failure(ErrorKind::ModuleUnusable, path,
+                   "is not an effect module: it does not export " + std::string(PF_EFFECT_ENTRY));
+  }
+  return start(std::move(state), path, std::move(options));
+}
+
+Result<std::shared_ptr<const Module>> Module::fromEntry(EffectEntry entry, const std::string& name,
+                                                        ModuleOptions options) {
+  auto state = std::make_unique<ModuleState>();
+  state->entry = entry;
+  return start(std::move(state), name, std::move(options));
+}
+
+Result<std::shared_ptr<const Module>> Module::start(std::unique_ptr<ModuleState> state, const std::string& name,
+                                                    ModuleOptions options) {
+  if (Result<void> simd = checkSimdChoice(); !simd) {
+    return tl::unexpected(std::move(simd).error());
   }
   state->resources.translations = std::move(options.translations);
   state->checking = options.checking;
   state->on_setdown_failure = std::move(options.on_setdown_failure);
-  state->info.path = path;
+  state->info.path = name;
 
   // From here on a failure sets the module down again, where its global setup has left something to set down.
   const std::shared_ptr<const Module> module(new Module(std::move(state)));
-  State& loaded = *module->state_;
+  ModuleState& started = *module->state_;
   Result<void> done =
-      setUp(loaded).and_then([&] { return declareParameters(loaded); }).and_then([&] { return readAbout(loaded); });
+      setUp(started).and_then([&] { return declareParameters(started); }).and_then([&] { return readAbout(started); });
   if (!done) {
-    return tl::unexpected(aboutModule(path, std::move(done).error()));
+    return tl::unexpected(aboutModule(name, std::move(done).error()));
   }
   return module;
 }
 
-Module::Module(std::unique_ptr<State> state) : state_(std::move(state)) {}
+Module::Module(std::unique_ptr<ModuleState> state) : state_(std::move(state)) {}
 
 Module::~Module() {
   const auto report = [this](Error error) {

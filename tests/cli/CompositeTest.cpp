@@ -1,14 +1,15 @@
 // Premultiplied "over", reduction for proxies, and linear light.
-#include "cli/Composite.h"
+#include "cli/pictures/Composite.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <utility>
 
-#include "cli/ColourConversion.h"
-#include "cli/CommandError.h"
-#include "cli/PixelConversion.h"
+#include "cli/base/CommandError.h"
+#include "cli/pictures/ColourConversion.h"
+#include "cli/pictures/PixelConversion.h"
+#include "cli/pictures/Reduce.h"
 
 namespace vantorel::cli {
 namespace {

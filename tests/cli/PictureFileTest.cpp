@@ -10,11 +10,11 @@
 #include <utility>
 
 #include "TestFolder.h"
-#include "cli/CommandError.h"
-#include "cli/FileEnd.h"
-#include "cli/ImageReader.h"
-#include "cli/ImageWriter.h"
-#include "cli/OutputFile.h"
+#include "cli/base/CommandError.h"
+#include "cli/pictures/ImageReader.h"
+#include "cli/pictures/ImageWriter.h"
+#include "cli/pictures/OutputFile.h"
+#include "cli/pictures/Truncation.h"
 
 namespace vantorel::cli {
 namespace {
@@ -307,7 +307,7 @@ TEST(PictureFile, WhatIsCutShortIsRefused) {
       const std::string path = folder / name;
       writePicture(path, formatForOutput("", path),
                    describe(image, outputSamples(formatForOutput("", path), DepthChoice::Auto, SampleType::Float)), {});
-      EXPECT_FALSE(breaksOff(path)) << name;
+      EXPECT_FALSE(isTruncated(path)) << name;
       folder.cutShort(name, share);
       EXPECT_THROW(readAt(path, host::Depth::Bits8), CommandError) << name << " " << share;
       EXPECT_FALSE(isWholePicture(path, image.size())) << name << " " << share;
@@ -320,7 +320,7 @@ TEST(PictureFile, AnOutputThatIsNotCommittedLeavesNothing) {
   folder.write("kept.txt", "old");
   {
     OutputFile file(folder / "kept.txt");
-    file.write("new", 3);
+    std::fputs("new", file.stream());
   }
   std::string text;
   std::ifstream(folder / "kept.txt") >> text;
@@ -331,7 +331,7 @@ TEST(PictureFile, AnOutputThatIsNotCommittedLeavesNothing) {
   std::filesystem::create_symlink("kept.txt", folder / "link.txt");
   {
     OutputFile file(folder / "link.txt");
-    file.write("new", 3);
+    std::fputs("new", file.stream());
     file.commit();
   }
   std::ifstream(folder / "kept.txt") >> text;

@@ -143,16 +143,23 @@ TEST(RenderCommand, LinearLightBrightensMixesOfBlackAndWhite) {
   EXPECT_NEAR(middle("linear.png"), 188, 2);  // half the light in sRGB
 }
 
-TEST(RenderCommand, InfoTellsOfTheModule) {
+TEST(RenderCommand, InfoShowsTheModuleAndTheInstructionSets) {
   const TestFolder folder;
-  const nlohmann::json info = nlohmann::json::parse(runWell(folder, "info --json").out);
-  EXPECT_EQ(info["version"], "0x00100600");
+  const auto info_under = [&](const std::string& setting) {
+    return nlohmann::json::parse(run(folder, "info --json", setting).out);
+  };
+  const nlohmann::json info = info_under("");
+  EXPECT_EQ(info["version"], "2.0");
+  EXPECT_EQ(info["capabilities"].size(), 4u);
   ASSERT_EQ(info["parameters"].size(), 4u);
   EXPECT_EQ(info["parameters"][3]["name"], "Lower Right");
   EXPECT_EQ(info["parameters"][3]["default_percent"], (std::vector<double>{100.0, 100.0}));
-  EXPECT_NE(runWell(folder, "info").out.find("Upper Left"), std::string::npos);
-  for (const std::string arguments : {"--help", "render --help", "info --help", "testcard --help"}) {
-    EXPECT_EQ(runWell(folder, arguments).out.find("Usage: vantorel") == std::string::npos, false) << arguments;
+  ASSERT_EQ(info["simd"].size(), 3u);
+  EXPECT_EQ(info_under("export VANTOREL_SIMD=scalar;")["simd"][0],
+            (nlohmann::json{{"name", "scalar"}, {"available", true}, {"active", true}}));
+  const std::string text = runWell(folder, "info").out;
+  for (const char* part : {"Upper Left", "\nversion       2.0\n", "\nSIMD          scalar", "in use"}) {
+    EXPECT_NE(text.find(part), std::string::npos) << part;
   }
   EXPECT_NE(runWell(folder, "--version").out.find("vantorel "), std::string::npos);
 }

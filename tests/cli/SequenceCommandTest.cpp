@@ -63,7 +63,7 @@ TEST(SequenceCommand, ResumeRendersWhatIsMissingOldOrBroken) {
                                    std::filesystem::last_write_time(folder / outputName(4)) + std::chrono::seconds(1));
   const CommandResult result = run(folder, std::string(kShot) + " --resume --json");
   EXPECT_EQ(result.code, 0);
-  EXPECT_NE(result.err.find("2 of 5 frames were done already"), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("skipped 2 of 5 frames"), std::string::npos) << result.err;
   std::set<int> frames;
   for (const nlohmann::json& line : result.lines()) {
     frames.insert(line["frame"].get<int>());
@@ -81,7 +81,7 @@ TEST(SequenceCommand, ABrokenFrameStopsTheRunOrIsListed) {
   folder.cutShort("plate.3.jpg", 0.6);
   const CommandResult stopped = run(folder, std::string(kShot) + " --threads 1");
   EXPECT_EQ(stopped.code, 3);
-  EXPECT_NE(stopped.err.find("vantorel: plate.3.jpg: breaks off"), std::string::npos) << stopped.err;
+  EXPECT_NE(stopped.err.find("vantorel: plate.3.jpg: is truncated"), std::string::npos) << stopped.err;
   EXPECT_TRUE(std::filesystem::exists(folder / outputName(2)));
   EXPECT_FALSE(std::filesystem::exists(folder / outputName(3)));
   EXPECT_FALSE(std::filesystem::exists(folder / outputName(4)));
@@ -92,7 +92,7 @@ TEST(SequenceCommand, ABrokenFrameStopsTheRunOrIsListed) {
   const CommandResult listed = run(folder, std::string(kShot) + " --keep-going");
   EXPECT_EQ(listed.code, 1);
   for (const char* part :
-       {"frame 1: plate.1.jpg: does not exist", "frame 3: plate.3.jpg: breaks off",
+       {"frame 1: plate.1.jpg: does not exist", "frame 3: plate.3.jpg: is truncated",
         "frame 5: plate.5.jpg: its size is 100x100, the shot's is 160x120", "3 of 5 frames failed: 1, 3, 5;"}) {
     EXPECT_NE(listed.err.find(part), std::string::npos) << part << "\n" << listed.err;
   }

@@ -5,7 +5,7 @@
 #include <type_traits>
 
 #include "effect/FixedPoint.h"
-#include "effect/PixelHelpers.h"
+#include "effect/bilinear/PixelHelpers.h"
 #include "tests/effect/ScriptedHost.h"
 
 namespace {

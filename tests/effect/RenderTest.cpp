@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "effect/HighQualitySampler.h"
-#include "effect/StandardSampler.h"
+#include "effect/perspective/RowSamplers.h"
 #include "tests/effect/ScriptedHost.h"
 
 namespace {

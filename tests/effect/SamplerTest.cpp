@@ -4,14 +4,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <vector>
 
-#include "effect/HighQualitySampler.h"
-#include "effect/PerspectiveInfo.h"
 #include "effect/ProjectiveMap.h"
-#include "effect/RowBlocks.h"
-#include "effect/StandardSampler.h"
+#include "effect/perspective/PerspectiveInfo.h"
+#include "effect/perspective/PixelBatch.h"
+#include "effect/perspective/RowSamplers.h"
 #include "tests/effect/ScriptedHost.h"
 
 namespace {
@@ -99,6 +99,12 @@ KZFX_PerspectiveInfo infoFor(ScriptedHost& host, int width, int height) {
   return info;
 }
 
+std::vector<InstructionSet> availableSets() {
+  std::vector<InstructionSet> sets;
+  std::copy_if(std::begin(kInstructionSets), std::end(kInstructionSets), std::back_inserter(sets), isAvailable);
+  return sets;
+}
+
 // Runs `trace` over a row and compares with the reference to the bit; nothing past the row is written.
 template <typename Pixel, typename Trace>
 void checkRow(ScriptedHost& host, const Row& expected, Trace trace) {
@@ -126,11 +132,12 @@ void checkAllSamplers(ScriptedHost& host, KZFX_PerspectiveInfo info, std::int32_
   exported(KZFX_TracePointHi, high);
   exported(KZFX_TracePointHi16, high);
   exported(KZFX_TracePointHiFloat, high);
-  for (const InstructionSet set : {InstructionSet::Plain, InstructionSet::Avx2, InstructionSet::Avx512}) {
-    if (const RowBlockFunctions* const functions = rowBlockFunctionsFor(set)) {
-      checkRow<PF_Pixel8>(host, standard, [&](PF_Pixel8* out) { traceStandardRow(&info, x, y, out, *functions); });
-      checkRow<PF_Pixel8>(host, high, [&](PF_Pixel8* out) { traceHighQualityRow(&info, x, y, out, *functions); });
-    }
+  for (const InstructionSet set : availableSets()) {
+    const auto check = [&]<SamplingQuality kQuality>(const Row& row) {
+      checkRow<PF_Pixel8>(host, row, [&](PF_Pixel8* out) { traceRow<kQuality>(info, x, y, out, set); });
+    };
+    check.operator()<SamplingQuality::Standard>(standard);
+    check.operator()<SamplingQuality::High>(high);
   }
 }
 
@@ -200,7 +207,7 @@ RC_GTEST_PROP(RowSamplers, EqualTheirDefinitionOnQuadrilaterals, ()) {
 
 // Millions of pixels, a few of which lie so near the half of 1/65536 pixel that only exact quotients round them as they
 // should be.
-TEST(RowSamplers, WholeFramesEqualThePlainComputation) {
+TEST(RowSamplers, WholeFramesEqualTheScalarComputation) {
   constexpr int kWidth = 1920, kHeight = 1080;
   const struct {
     double corners[8];
@@ -214,30 +221,29 @@ TEST(RowSamplers, WholeFramesEqualThePlainComputation) {
       corners[i].x = frame.corners[2 * i];
       corners[i].y = frame.corners[2 * i + 1];
     }
-    M_Matrix3 map(true);
-    ASSERT_EQ(KZFX_MapUnitSquareToFromQuad(corners, &map, 0), 1);
+    M_Matrix3 to_unit(true);
+    ASSERT_EQ(KZFX_MapUnitSquareToFromQuad(corners, &to_unit, 0), 1);
     const InputScale scale{frame.scale, frame.scale};
-    const auto walk_at = [&](int y) {
+    const auto map_at = [&](int y) {
       const auto coordinate = [&](int c, double unit) {
-        return CoordinateWalk{(map.m[1][c] * y + map.m[2][c]) * unit, map.m[0][c] * unit, map.m[1][c] * unit};
+        return Stepper{(to_unit.m[1][c] * y + to_unit.m[2][c]) * unit, to_unit.m[0][c] * unit, to_unit.m[1][c] * unit};
       };
-      return RowWalk{coordinate(0, kWidth), coordinate(1, kHeight), coordinate(2, 1.0)};
+      return IncrementalMap{coordinate(0, kWidth), coordinate(1, kHeight), coordinate(2, 1.0)};
     };
-    for (const InstructionSet set : {InstructionSet::Avx2, InstructionSet::Avx512}) {
-      const RowBlockFunctions* const plain = rowBlockFunctionsFor(InstructionSet::Plain);
-      const RowBlockFunctions* const functions = rowBlockFunctionsFor(set);
-      for (int y = 0; functions != nullptr && y < kHeight; ++y) {
-        RowWalk expected_walk = walk_at(y);
-        RowWalk walk = expected_walk;
-        for (int x = 0; x < kWidth; x += kRowBlock) {
-          PixelBlock expected, block;
-          ASSERT_FALSE(plain->footprints(&expected_walk, scale, kRowBlock, &expected));
-          ASSERT_FALSE(functions->footprints(&walk, scale, kRowBlock, &block));
-          for (int i = 0; i < kRowBlock; ++i) {
-            const bool same = block.x[i] == expected.x[i] && block.y[i] == expected.y[i] &&
-                              block.box[i].x_radius == expected.box[i].x_radius &&
-                              block.box[i].y_radius == expected.box[i].y_radius &&
-                              block.box[i].area == expected.box[i].area;
+    for (const InstructionSet set : availableSets()) {
+      for (int y = 0; set != InstructionSet::Scalar && y < kHeight; ++y) {
+        IncrementalMap expected_map = map_at(y);
+        IncrementalMap map = expected_map;
+        for (int x = 0; x < kWidth; x += kBatchPixels) {
+          PixelBatch expected, batch;
+          ASSERT_FALSE(
+              pixelBatchFunctions(InstructionSet::Scalar).footprints(&expected_map, scale, kBatchPixels, &expected));
+          ASSERT_FALSE(pixelBatchFunctions(set).footprints(&map, scale, kBatchPixels, &batch));
+          for (int i = 0; i < kBatchPixels; ++i) {
+            const bool same = batch.x[i] == expected.x[i] && batch.y[i] == expected.y[i] &&
+                              batch.box[i].x_radius == expected.box[i].x_radius &&
+                              batch.box[i].y_radius == expected.box[i].y_radius &&
+                              batch.box[i].area == expected.box[i].area;
             ASSERT_TRUE(same) << "pixel " << x + i << ", " << y;
           }
         }
@@ -246,10 +252,10 @@ TEST(RowSamplers, WholeFramesEqualThePlainComputation) {
   }
 }
 
-TEST(RowSamplers, PixelsByTheVanishingLineAreNotWalkedRound) {
+TEST(RowSamplers, PixelsByTheVanishingLineVisitNoNeighbours) {
   ScriptedHost host;
   KZFX_PerspectiveInfo info = infoFor(host, 200, 100);
-  // Divisors (x + 1) / 4 - 30 and, a row below, 1 / 4 more: pixels 117 to 119 have one that is 0. Walking to the row
+  // Divisors (x + 1) / 4 - 30 and, a row below, 1 / 4 more: pixels 117 to 119 have one that is 0. Stepping to the row
   // below and back loses digits of u.
   const double rows[3][3] = {{0.01 / 3, 0.02 / 3, 0.25}, {1e12 / 3, 1e12 / 7, 0.25}, {0.1 / 3, 0.1 / 7, -30}};
   std::memcpy(info.quad_to_unit.m, rows, sizeof rows);

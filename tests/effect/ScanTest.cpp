@@ -6,10 +6,11 @@
 #include <cstdint>
 #include <vector>
 
-#include "effect/BilinearDriver.h"
 #include "effect/FixedPoint.h"
-#include "effect/PixelHelpers.h"
-#include "effect/QuadScan.h"
+#include "effect/Parameters.h"
+#include "effect/bilinear/BilinearDriver.h"
+#include "effect/bilinear/PixelHelpers.h"
+#include "effect/bilinear/QuadScan.h"
 #include "tests/effect/ScriptedHost.h"
 
 namespace {

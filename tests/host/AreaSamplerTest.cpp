@@ -1,4 +1,4 @@
-#include "host/AreaSampler.h"
+#include "host/sampling/AreaSampler.h"
 
 #include <array>
 #include <bit>
@@ -7,7 +7,7 @@
 #include <limits>
 #include <random>
 
-#include "host/WorldStore.h"
+#include "host/frames/WorldStore.h"
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
@@ -118,11 +118,11 @@ TYPED_TEST(AreaSamplerTest, ReferenceIsTheMeanOverTheBoxAndEveryVariantEqualsItT
         ASSERT_TRUE(!is_exact || std::floor(exact + 0.5L) == value) << where;
       }
     }
-    for (const SamplerVariant variant : {SamplerVariant::Plain, SamplerVariant::Avx2, SamplerVariant::Avx512}) {
-      if (const AreaSamplers* samplers = areaSamplersOf(variant); samplers != nullptr) {
+    for (const InstructionSet set : kInstructionSets) {
+      if (isAvailable(set)) {
         TypeParam sampled;
-        ASSERT_EQ(ERR_NONE, samplerOf<TypeParam>(*samplers)(nullptr, box.x, box.y, &params, &sampled));
-        ASSERT_TRUE(sameBits(expected, sampled)) << where << " variant " << static_cast<int>(variant);
+        ASSERT_EQ(ERR_NONE, samplerOf<TypeParam>(areaSamplersOf(set))(nullptr, box.x, box.y, &params, &sampled));
+        ASSERT_TRUE(sameBits(expected, sampled)) << where << " with " << instructionSetName(set);
       }
     }
   }

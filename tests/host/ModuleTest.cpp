@@ -10,7 +10,9 @@ TEST(ModuleTest, TellsAboutTextVersionCapabilitiesAndParameters) {
   const ModuleInfo& info = testing::checkedEffect()->info();
   EXPECT_EQ(0u, info.about.find("Vantorel, v2.0\n\n"));
   EXPECT_NE(std::string::npos, info.about.find("\n\nDistort an image to a convex quadrilateral."));
-  EXPECT_EQ(0x00100600u, info.version);
+  EXPECT_EQ("2.0", info.version);
+  EXPECT_TRUE(info.uses_extent_hint && info.sets_output_size && info.renders_16_bit && info.renders_float);
+  EXPECT_EQ(0x00100600u, info.version_word);
   EXPECT_EQ(0x02000240u, info.out_flags);
   EXPECT_EQ(0x1000u, info.out_flags2);
   const char* const names[] = {"Upper Left", "Upper Right", "Lower Left", "Lower Right"};

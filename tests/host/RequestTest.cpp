@@ -1,7 +1,7 @@
 // Frames that cannot be served are refused before anything is drawn, and the message names what is wrong.
 #include <cmath>
 
-#include "host/FrameRequest.h"
+#include "host/frames/FrameRequest.h"
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::host {

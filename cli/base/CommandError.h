@@ -1,0 +1,46 @@
+// The one shape of every failure of the command: what it is about, what is wrong, what to do.
+#pragma once
+
+#include <exception>
+#include <string>
+
+#include "cli/base/ExitCode.h"
+#include "host/Error.h"
+
+namespace vantorel::cli {
+
+class CommandError : public std::exception {
+ public:
+  // `input` names the option or file; `message` reads "<what is wrong>; <what to do>".
+  CommandError(ExitCode code, const std::string& input, const std::string& message)
+      : code_(code), text_(input.empty() ? message : input + ": " + message) {}
+
+  ExitCode code() const { return code_; }
+  // "<input>: <what is wrong>; <what to do>", without a line break.
+  const std::string& text() const { return text_; }
+  const char* what() const noexcept override { return text_.c_str(); }
+
+ private:
+  ExitCode code_;
+  std::string text_;
+};
+
+CommandError badArgument(const std::string& input, const std::string& message);
+CommandError fileFailure(const std::string& input, const std::string& message);
+CommandError interrupted();
+
+// The host's error as the command's: an interrupted frame gives exit code 130, all else 1.
+CommandError fromHost(const host::Error& error);
+
+// The value, or throws what fromHost makes of the error.
+template <typename T>
+T valueOrThrow(host::Result<T> result) {
+  if (!result) {
+    throw fromHost(result.error());
+  }
+  if constexpr (!std::is_void_v<T>) {
+    return std::move(*result);
+  }
+}
+
+}  // namespace vantorel::cli

@@ -1,0 +1,80 @@
+#include "cli/base/FramePattern.h"
+
+#include <fmt/format.h>
+
+#include "cli/base/CommandError.h"
+
+namespace vantorel::cli {
+
+namespace {
+
+constexpr int kWidestNumber = 20;
+
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+}  // namespace
+
+FramePattern FramePattern::literal(const std::string& text) {
+  FramePattern pattern;
+  pattern.text_ = text;
+  pattern.before_ = text;
+  return pattern;
+}
+
+FramePattern FramePattern::parse(const std::string& input, const std::string& text) {
+  FramePattern pattern;
+  pattern.text_ = text;
+  const auto place_number = [&](int width, bool zero_padded) {
+    if (pattern.has_number_) {
+      throw badArgument(input, fmt::format("'{}' has two places for the frame number; keep one", text));
+    }
+    if (width > kWidestNumber) {
+      throw badArgument(input, fmt::format("'{}' asks for {} digits; give at most {}", text, width, kWidestNumber));
+    }
+    pattern.has_number_ = true;
+    pattern.width_ = width;
+    pattern.zero_padded_ = zero_padded;
+  };
+  std::size_t at = 0;
+  while (at < text.size()) {
+    std::string& part = pattern.has_number_ ? pattern.after_ : pattern.before_;
+    if (text[at] == '#') {
+      const std::size_t end = std::min(text.find_first_not_of('#', at), text.size());
+      place_number(static_cast<int>(std::min<std::size_t>(end - at, kWidestNumber + 1)), true);
+      at = end;
+    } else if (text[at] != '%') {
+      part += text[at++];
+    } else if (text.compare(at, 2, "%%") == 0) {
+      part += '%';
+      at += 2;
+    } else {
+      std::size_t end = at + 1;
+      const bool zero_padded = end < text.size() && text[end] == '0';
+      int width = 0;
+      for (; end < text.size() && isDigit(text[end]); ++end) {
+        width = std::min(width * 10 + (text[end] - '0'), kWidestNumber + 1);
+      }
+      if (end == text.size() || text[end] != 'd') {
+        throw badArgument(input, fmt::format("'{}' has a % that is no frame number; write %04d or ####, and %% for a "
+                                             "percent sign",
+                                             text));
+      }
+      place_number(width, zero_padded);
+      at = end + 1;
+    }
+  }
+  return pattern;
+}
+
+std::string FramePattern::path(std::int32_t frame) const {
+  if (!has_number_) {
+    return before_;
+  }
+  const std::string number =
+      zero_padded_ ? fmt::format("{:0{}d}", frame, width_) : fmt::format("{:{}d}", frame, width_);
+  return before_ + number + after_;
+}
+
+}  // namespace vantorel::cli

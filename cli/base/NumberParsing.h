@@ -1,0 +1,21 @@
+// Numbers in arguments and files: the whole text or nothing, the same in every locale.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <tl/expected.hpp>
+
+namespace vantorel::cli {
+
+// A finite number, or the fault as a phrase that continues "'<text>' ...": "is not a number", "is not finite".
+tl::expected<double, std::string> parseNumber(std::string_view text);
+
+// A whole number that fits in 32 bits, or nothing.
+std::optional<std::int32_t> parseInt(std::string_view text);
+
+// A whole number from `least` to `most`. Throws CommandError naming `input`.
+int parseIntInRange(const std::string& input, std::string_view text, int least, int most);
+
+}  // namespace vantorel::cli

@@ -1,0 +1,27 @@
+// The subcommands.
+#pragma once
+
+#include <stop_token>
+#include <string>
+
+#include "cli/base/ExitCode.h"
+#include "cli/shots/RenderOptions.h"
+
+namespace vantorel::cli {
+
+struct InfoOptions {
+  std::string module;  // empty: the one beside the command
+  bool json = false;
+};
+
+struct TestCardOptions {
+  std::string output;
+  host::Size size{1920, 1080};
+};
+
+// Each does its work and returns how it ended, or throws CommandError.
+ExitCode runRender(const RenderOptions& options, const std::stop_token& stop);
+ExitCode runInfo(const InfoOptions& options);
+ExitCode runTestCard(const TestCardOptions& options, const std::stop_token& stop);
+
+}  // namespace vantorel::cli

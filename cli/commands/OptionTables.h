@@ -1,0 +1,28 @@
+// The options of each subcommand. The command line and its help are built from these tables; an option is added by a
+// row here and a field in the options' struct, and told in the man page and the completion.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/commands/Commands.h"
+
+namespace vantorel::cli {
+
+template <typename Options>
+struct OptionRow {
+  const char* names;  // "--size", "-o,--output", or a word without dashes for an argument
+  const char* value;  // what stands for the value in the help, choices as "high|standard"; empty for a flag
+  const char* group;  // the heading in the help
+  std::string help;
+  // Takes the value as it stands on the command line (empty for a flag) into the struct. Throws CommandError (bad
+  // argument), naming `name`, for a value that is not understood.
+  void (*set)(Options& options, const std::string& name, const std::string& value);
+  const char* if_missing = nullptr;  // for what must be given: what to do when it is not
+};
+
+const std::vector<OptionRow<RenderOptions>>& renderOptionTable();
+const std::vector<OptionRow<InfoOptions>>& infoOptionTable();
+const std::vector<OptionRow<TestCardOptions>>& testCardOptionTable();
+
+}  // namespace vantorel::cli

@@ -1,0 +1,22 @@
+#include <tbb/global_control.h>
+#include <unistd.h>
+
+#include "cli/commands/Commands.h"
+#include "cli/pictures/CodecThreads.h"
+#include "cli/shots/FrameWorkers.h"
+#include "cli/shots/Progress.h"
+#include "cli/shots/ShotPlan.h"
+
+namespace vantorel::cli {
+
+ExitCode runRender(const RenderOptions& options, const std::stop_token& stop) {
+  const Shot shot = planShot(options);
+  limitCodecThreads(options.threads, shot.frames_in_flight == 1);
+  // The frames' own threads count, and the workers that help them come on top.
+  const std::size_t helpers = options.threads - static_cast<unsigned>(shot.frames_in_flight);
+  const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, helpers + 1);
+  Progress progress(options.progress.value_or(isatty(STDERR_FILENO) != 0), shot.frames.count());
+  return renderFrames(shot, stop, progress);
+}
+
+}  // namespace vantorel::cli

@@ -1,0 +1,74 @@
+#include "cli/corners/Corners.h"
+
+#include <fmt/format.h>
+
+#include "cli/base/NumberParsing.h"
+#include "cli/base/Text.h"
+
+namespace vantorel::cli {
+
+namespace {
+
+// 16.16 holds -32768 up to, but not including, 32768. NaN is in no range.
+bool fitsFixed(double pixels) {
+  return pixels >= -32768.0 && pixels < 32768.0;
+}
+
+Parsed<double> checkedPixels(double pixels) {
+  if (!fitsFixed(pixels)) {
+    return tl::make_unexpected(
+        fmt::format("{} pixels is outside -32768 to 32767.99; move the corner nearer to the layer", pixels));
+  }
+  return pixels;
+}
+
+}  // namespace
+
+Parsed<Coordinate> checkedCoordinate(double value, bool percent) {
+  return (percent ? Parsed<double>(value) : checkedPixels(value)).map([&](double checked) {
+    return Coordinate{checked, percent};
+  });
+}
+
+Parsed<Coordinate> parseCoordinate(std::string_view text) {
+  text = trimmed(text);
+  std::string_view digits = text;
+  const bool percent = !digits.empty() && digits.back() == '%';
+  if (percent) {
+    digits.remove_suffix(1);
+  }
+  const auto value = parseNumber(trimmed(digits));
+  if (!value) {
+    return tl::make_unexpected(
+        fmt::format("'{}' {}; give layer pixels (640.5) or percent of the layer (12.5%)", text, value.error()));
+  }
+  return checkedCoordinate(*value, percent);
+}
+
+Parsed<CornerPosition> parseCorner(std::string_view text) {
+  const std::size_t comma = text.find(',');
+  if (comma == std::string_view::npos || text.find(',', comma + 1) != std::string_view::npos) {
+    return tl::make_unexpected(
+        fmt::format("'{}' is not a position; give X,Y in layer pixels (640,12.5) or percent (10%,90%)", text));
+  }
+  const auto x = parseCoordinate(text.substr(0, comma));
+  const auto y = parseCoordinate(text.substr(comma + 1));
+  if (!x || !y) {
+    return tl::make_unexpected(x ? y.error() : x.error());
+  }
+  return CornerPosition{*x, *y};
+}
+
+Parsed<host::Point> toLayerPixels(const CornerPosition& position, host::Size layer) {
+  const auto pixels = [](const Coordinate& coordinate, int extent) {
+    return checkedPixels(coordinate.percent ? coordinate.value * extent / 100.0 : coordinate.value);
+  };
+  const auto x = pixels(position.x, layer.width);
+  const auto y = pixels(position.y, layer.height);
+  if (!x || !y) {
+    return tl::make_unexpected(x ? y.error() : x.error());
+  }
+  return host::Point{*x, *y};
+}
+
+}  // namespace vantorel::cli

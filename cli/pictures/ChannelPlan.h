@@ -1,0 +1,27 @@
+// Which of a file's channels become red, green, blue and alpha.
+#pragma once
+
+#include "cli/pictures/OpenImageIoFwd.h"
+
+#include <string>
+
+#include "cli/pictures/ImageFormats.h"
+#include "cli/pictures/PixelConversion.h"
+
+namespace vantorel::cli {
+
+struct ChannelPlan {
+  ChannelMap source{};  // channel numbers of the file; -1 for an alpha that it does not have
+  bool hasAlpha() const { return source[3] >= 0; }
+  int first() const;  // the lowest and the number after the highest channel needed
+  int end() const;
+};
+
+// Channels named R, G, B (or Y) and A wherever they are; one to four channels of other names by their position. Throws
+// CommandError naming the path for others, for luminance/chroma, deep and volume pictures.
+ChannelPlan planChannels(const OIIO::ImageSpec& spec, const std::string& path);
+
+// The finest type among the planned channels.
+SampleType samplesOf(const OIIO::ImageSpec& spec, const ChannelPlan& plan);
+
+}  // namespace vantorel::cli

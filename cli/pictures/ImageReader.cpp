@@ -1,0 +1,268 @@
+#include "cli/pictures/ImageReader.h"
+
+#include <OpenImageIO/imageio.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+#include "cli/base/CommandError.h"
+#include "cli/base/Text.h"
+#include "cli/pictures/ChannelPlan.h"
+#include "cli/pictures/Metadata.h"
+#include "cli/pictures/Orientation.h"
+#include "cli/pictures/PictureHeader.h"
+#include "cli/pictures/PixelConversion.h"
+#include "cli/pictures/SampleTypes.h"
+#include "cli/pictures/Truncation.h"
+
+namespace vantorel::cli {
+
+namespace {
+
+// Rows between two looks at the stop token; enough for OpenEXR to decompress its blocks side by side.
+constexpr int kRowsPerRead = 256;
+
+CommandError unreadable(const std::string& path, const std::string& reason) {
+  return fileFailure(path, fmt::format("cannot be read as a picture ({}); give a whole PNG, JPEG, TIFF, OpenEXR or DPX "
+                                       "file",
+                                       oneLine(reason)));
+}
+
+void requireFile(const std::string& path) {
+  std::error_code fault;
+  const std::filesystem::file_status status = std::filesystem::status(path, fault);
+  if (status.type() == std::filesystem::file_type::not_found) {
+    throw fileFailure(path, "does not exist; check the name");
+  }
+  if (fault) {
+    throw fileFailure(path, fmt::format("cannot be reached ({}); check the name and its folders", fault.message()));
+  }
+  if (!std::filesystem::is_regular_file(status)) {
+    throw fileFailure(path, "is not a file; give a picture file");
+  }
+}
+
+// A file that is open, and how its pixels are to be understood.
+struct Source {
+  std::string path;
+  std::unique_ptr<OIIO::ImageInput> input;
+  OIIO::ImageSpec spec;
+  ChannelPlan plan;
+  int orientation = 1;
+  bool unassociated = false;
+
+  host::Size displaySize() const { return {spec.full_width, spec.full_height}; }
+};
+
+Source openSource(const std::string& path) {
+  requireFile(path);
+  // Premultiplying is done here, with exact rounding and no regard to a gamma that the file may state.
+  OIIO::ImageSpec request;
+  request.attribute("oiio:UnassociatedAlpha", 1);
+  Source source;
+  source.path = path;
+  source.input = OIIO::ImageInput::open(path, &request);
+  if (!source.input) {
+    throw unreadable(path, OIIO::geterror());
+  }
+  source.spec = source.input->spec();
+  requireSaneHeader(source.spec, path);
+  source.plan = planChannels(source.spec, path);
+  source.unassociated = source.plan.hasAlpha() && source.spec.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
+  source.orientation = orientationOf(source.spec);
+  return source;
+}
+
+PictureInfo infoOf(const Source& source) {
+  host::Size size = source.displaySize();
+  if (swapsAxes(source.orientation)) {
+    std::swap(size.width, size.height);
+  }
+  return {size, samplesOf(source.spec, source.plan), source.plan.hasAlpha()};
+}
+
+// Rows y_begin to y_end (counted in the data window) of channels [first, end), four channels of room to a pixel.
+void readChannels(Source& source, int y_begin, int y_end, int first, int end, const host::ImageView& rows,
+                  std::byte* data) {
+  const OIIO::ImageSpec& spec = source.spec;
+  const auto pixel_bytes = static_cast<OIIO::stride_t>(host::bytesPerPixel(rows.depth));
+  const OIIO::TypeDesc type = typeDesc(rows.depth);
+  const bool read =
+      spec.tile_width > 0
+          ? source.input->read_tiles(0, 0, spec.x, spec.x + spec.width, spec.y + y_begin, spec.y + y_end, spec.z,
+                                     spec.z + 1, first, end, type, data, pixel_bytes, rows.row_bytes)
+          : source.input->read_scanlines(0, 0, spec.y + y_begin, spec.y + y_end, spec.z, first, end, type, data,
+                                         pixel_bytes, rows.row_bytes);
+  // Some readers note that strips are missing and still call it a success.
+  if (!read || source.input->has_error()) {
+    throw unreadable(source.path, source.input->geterror());
+  }
+}
+
+template <typename Channel>
+void finishRows(const host::ImageView& rows, const ChannelMap& map, bool premultiply) {
+  for (int y = 0; y < rows.size.height; ++y) {
+    auto* row = reinterpret_cast<Channel*>(rows.row(y));
+    if (map != kIdentityMap) {
+      rearrangeRow(row, rows.size.width, map);
+    }
+    if (premultiply) {
+      premultiplyRow(row, rows.size.width);
+    }
+  }
+}
+
+// Reads rows.size.height rows from y_begin on as premultiplied RGBA.
+void readRows(Source& source, int y_begin, const host::ImageView& rows) {
+  const int y_end = y_begin + rows.size.height;
+  const int first = source.plan.first();
+  ChannelMap map = source.plan.source;
+  if (source.plan.end() - first <= 4) {
+    readChannels(source, y_begin, y_end, first, source.plan.end(), rows, rows.data);
+    for (int& channel : map) {
+      channel = channel < 0 ? channel : channel - first;
+    }
+  } else {
+    const std::size_t channel_bytes = host::bytesPerPixel(rows.depth) / 4;
+    for (std::size_t c = 0; c < 4; ++c) {
+      if (map[c] >= 0) {
+        readChannels(source, y_begin, y_end, map[c], map[c] + 1, rows, rows.data + c * channel_bytes);
+        map[c] = static_cast<int>(c);
+      }
+    }
+  }
+  switch (rows.depth) {
+    case host::Depth::Bits8:
+      return finishRows<std::uint8_t>(rows, map, source.unassociated);
+    case host::Depth::Bits16:
+      return finishRows<std::uint16_t>(rows, map, source.unassociated);
+    case host::Depth::Float:
+      return finishRows<float>(rows, map, source.unassociated);
+  }
+}
+
+int rowsPerRead(const OIIO::ImageSpec& spec) {
+  const int unit = std::max(1, spec.tile_height);
+  return unit * std::max(1, kRowsPerRead / unit);
+}
+
+// Calls visit(y_begin, y_end) for stretches of the data window's rows, from the top down.
+template <typename Visit>
+void forStretches(const OIIO::ImageSpec& spec, const std::stop_token& stop, const Visit& visit) {
+  const int step = rowsPerRead(spec);
+  for (int y = 0; y < spec.height; y += std::min(step, spec.height - y)) {
+    if (stop.stop_requested()) {
+      throw interrupted();
+    }
+    visit(y, y + std::min(step, spec.height - y));
+  }
+}
+
+void readInside(Source& source, const host::Rect& window, const host::ImageView& picture, const std::stop_token& stop) {
+  forStretches(source.spec, stop, [&](int y_begin, int y_end) {
+    readRows(source, y_begin,
+             {picture.pixel(window.left, window.top + y_begin),
+              picture.row_bytes,
+              {window.width(), y_end - y_begin},
+              picture.depth});
+  });
+}
+
+void readCropped(Source& source, const host::Rect& window, const host::ImageView& picture,
+                 const std::stop_token& stop) {
+  const int left = std::max(0, window.left);
+  const int right = std::min(picture.size.width, window.right);
+  const std::size_t pixel_bytes = host::bytesPerPixel(picture.depth);
+  const int stretch = std::min(rowsPerRead(source.spec), source.spec.height);
+  host::Image rows = valueOrThrow(host::Image::create({window.width(), stretch}, picture.depth));
+  forStretches(source.spec, stop, [&](int y_begin, int y_end) {
+    host::ImageView part = rows.view();
+    part.size.height = y_end - y_begin;
+    readRows(source, y_begin, part);
+    for (int y = y_begin; y < y_end; ++y) {
+      const int target = window.top + y;
+      if (target >= 0 && target < picture.size.height && left < right) {
+        std::memcpy(picture.pixel(left, target), part.pixel(left - window.left, y - y_begin),
+                    pixel_bytes * static_cast<std::size_t>(right - left));
+      }
+    }
+  });
+}
+
+std::shared_ptr<const Metadata> keptMetadata(const OIIO::ImageSpec& spec) {
+  constexpr const char* kKept[] = {"oiio:ColorSpace", "oiio:Gamma",       "ICCProfile",        "PixelAspectRatio",
+                                   "XResolution",     "YResolution",      "ResolutionUnit",    "FramesPerSecond",
+                                   "smpte:TimeCode",  "smpte:KeyCode",    "chromaticities",    "Artist",
+                                   "Copyright",       "ImageDescription", "oiio:BitsPerSample"};
+  auto kept = std::make_shared<Metadata>();
+  for (const char* name : kKept) {
+    if (const OIIO::ParamValue* value = spec.find_attribute(name)) {
+      kept->values.push_back(*value);
+    }
+  }
+  return kept;
+}
+
+}  // namespace
+
+PictureInfo probePicture(const std::string& path) {
+  return infoOf(openSource(path));
+}
+
+Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop) {
+  Source source = openSource(path);
+  if (isTruncated(path)) {
+    throw fileFailure(path, "is truncated; give the whole file");
+  }
+  Picture picture;
+  picture.info = infoOf(source);
+  picture.colour_space = source.spec.get_string_attribute("oiio:ColorSpace");
+  picture.metadata = keptMetadata(source.spec);
+  picture.pixels = valueOrThrow(host::Image::create(source.displaySize(), depth));
+
+  const host::Rect window = dataWindow(source.spec);
+  const host::Rect display{0, 0, source.displaySize().width, source.displaySize().height};
+  if (window != display) {
+    picture.pixels.clear();
+  }
+  if (window.left >= 0 && window.top >= 0 && window.right <= display.right && window.bottom <= display.bottom) {
+    readInside(source, window, picture.pixels.view(), stop);
+  } else {
+    readCropped(source, window, picture.pixels.view(), stop);
+  }
+  if (source.orientation > 1) {
+    picture.pixels = upright(std::as_const(picture.pixels).view(), source.orientation);
+  }
+  return picture;
+}
+
+bool isWholePicture(const std::string& path, host::Size size) try {
+  if (isTruncated(path)) {
+    return false;
+  }
+  Source source = openSource(path);
+  if (infoOf(source).size != size) {
+    return false;
+  }
+  const std::string_view format = source.input->format_name();
+  if (format == "png" || format == "jpeg") {
+    return true;
+  }
+  // The last rows of the other formats can be read without those before.
+  const int stretch = std::min(rowsPerRead(source.spec), source.spec.height);
+  const int begin = (source.spec.height - 1) / stretch * stretch;
+  host::Image rows =
+      valueOrThrow(host::Image::create({source.spec.width, source.spec.height - begin}, host::Depth::Bits8));
+  readRows(source, begin, rows.view());
+  return true;
+} catch (const CommandError&) {
+  return false;
+}
+
+}  // namespace vantorel::cli

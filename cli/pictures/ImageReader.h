@@ -1,0 +1,23 @@
+// Reads picture files into premultiplied RGBA.
+#pragma once
+
+#include <stop_token>
+#include <string>
+
+#include "cli/pictures/Picture.h"
+
+namespace vantorel::cli {
+
+// Reads the head of the file. Throws CommandError (file failure) naming the path.
+PictureInfo probePicture(const std::string& path);
+
+// Reads the file's first picture at that depth: grey spread to RGB, an absent alpha opaque, colour premultiplied, a
+// camera's orientation applied, a data window placed in its display window (what lies beyond is cropped, what is not
+// covered transparent). Throws CommandError naming the path for a file that cannot be read whole, or whose channels
+// are no picture; interrupted when the token is triggered.
+Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop);
+
+// Whether the file is a picture of that size that was not cut short.
+bool isWholePicture(const std::string& path, host::Size size);
+
+}  // namespace vantorel::cli

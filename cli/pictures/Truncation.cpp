@@ -1,0 +1,95 @@
+#include "cli/pictures/Truncation.h"
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <istream>
+
+namespace vantorel::cli {
+
+namespace {
+
+constexpr std::array<unsigned char, 8> kPngSignature{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+
+// Whether a chunk IEND, whole, ends the chain of chunks: length, name, data, check sum.
+bool pngIsWhole(std::istream& file, std::uint64_t size) {
+  std::uint64_t at = kPngSignature.size();
+  std::array<unsigned char, 8> head{};
+  while (file.seekg(static_cast<std::streamoff>(at)) && file.read(reinterpret_cast<char*>(head.data()), head.size())) {
+    const std::uint64_t length = std::uint64_t{head[0]} << 24 | std::uint64_t{head[1]} << 16 |
+                                 std::uint64_t{head[2]} << 8 | std::uint64_t{head[3]};
+    constexpr std::uint64_t kHeadAndCheck = 12;
+    at += kHeadAndCheck + length;
+    if (at > size) {
+      return false;
+    }
+    if (std::memcmp(head.data() + 4, "IEND", 4) == 0) {
+      return true;
+    }
+  }
+  return false;
+}
+
+constexpr int kFill = 0xFF;
+constexpr int kEndOfImage = 0xD9;
+
+bool standsAlone(int marker) {
+  return marker == 0x00 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD8);
+}
+
+// Whether the marker that ends an image stands outside the segments, in which thumbnails have markers of their own.
+bool jpegIsWhole(std::istream& file) {
+  std::streambuf& bytes = *file.rdbuf();
+  bytes.pubseekpos(2);
+  while (true) {
+    int byte = bytes.sbumpc();
+    while (byte != kFill && byte != std::char_traits<char>::eof()) {
+      byte = bytes.sbumpc();
+    }
+    int marker = byte;
+    while (marker == kFill) {
+      marker = bytes.sbumpc();
+    }
+    if (marker == std::char_traits<char>::eof()) {
+      return false;
+    }
+    if (marker == kEndOfImage) {
+      return true;
+    }
+    if (standsAlone(marker)) {
+      continue;
+    }
+    const int high = bytes.sbumpc();
+    const int low = bytes.sbumpc();
+    if (low == std::char_traits<char>::eof()) {
+      return false;
+    }
+    for (int left = high * 256 + low - 2; left > 0; --left) {
+      bytes.sbumpc();
+    }
+  }
+}
+
+}  // namespace
+
+bool isTruncated(const std::string& path) {
+  std::ifstream file(path, std::ios::binary | std::ios::ate);
+  const std::streamoff size = file.tellg();
+  if (!file || size < 2) {
+    return false;
+  }
+  std::array<unsigned char, 8> start{};
+  file.seekg(0);
+  file.read(reinterpret_cast<char*>(start.data()), start.size());
+  file.clear();
+  if (start == kPngSignature) {
+    return !pngIsWhole(file, static_cast<std::uint64_t>(size));
+  }
+  if (start[0] == 0xFF && start[1] == 0xD8) {
+    return !jpegIsWhole(file);
+  }
+  return false;
+}
+
+}  // namespace vantorel::cli

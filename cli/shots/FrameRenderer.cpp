@@ -1,0 +1,159 @@
+#include "cli/shots/FrameRenderer.h"
+
+#include <fmt/format.h>
+
+#include <chrono>
+#include <utility>
+
+#include "cli/base/CommandError.h"
+#include "cli/base/Memory.h"
+#include "cli/base/Text.h"
+#include "cli/pictures/ColourConversion.h"
+#include "cli/pictures/Composite.h"
+#include "cli/pictures/ImageReader.h"
+#include "cli/pictures/ImageWriter.h"
+#include "cli/shots/Resume.h"
+
+namespace vantorel::cli {
+
+namespace {
+
+class Stopwatch {
+ public:
+  double seconds() const { return std::chrono::duration<double>(Clock::now() - start_).count(); }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  Clock::time_point start_ = Clock::now();
+};
+
+int floorToMultiple(int value, int n) {
+  return value - ((value % n) + n) % n;
+}
+int ceilToMultiple(int value, int n) {
+  return -floorToMultiple(-value, n);
+}
+
+// Edges at multiples of n, so that pixels at 1/n resolution lie on the full picture's grid.
+host::Rect alignedOutward(const host::Rect& rect, int n) {
+  return {floorToMultiple(rect.left, n), floorToMultiple(rect.top, n), ceilToMultiple(rect.right, n),
+          ceilToMultiple(rect.bottom, n)};
+}
+
+}  // namespace
+
+FrameRenderer::FrameRenderer(const Shot& shot, std::stop_token stop, std::function<void(double)> progress)
+    : shot_(shot), stop_(std::move(stop)), progress_(std::move(progress)), instance_(shot.module) {}
+
+std::optional<FrameReport> FrameRenderer::render(std::int32_t frame) {
+  const std::string path = shot_.output.path(frame);
+  if (shot_.options.resume) {
+    const host::Rect canvas = canvasFor(frame, std::nullopt);
+    const host::Size full = shot_.options.fit && !shot_.format->holds_data_window
+                                ? host::Size{canvas.width(), canvas.height()}
+                                : shot_.frame_size;
+    if (isFrameDone(shot_, frame, host::downsampled(full, shot_.options.downsample))) {
+      return std::nullopt;
+    }
+  }
+
+  FrameReport report;
+  report.frame = frame;
+  report.depth = shot_.depth;
+  report.output = path;
+  const Stopwatch reading;
+  const std::shared_ptr<const Picture> layer = shot_.layer->at(frame, stop_);
+  const std::shared_ptr<const Picture> plate = shot_.plate ? shot_.plate->at(frame, stop_) : nullptr;
+  report.read_seconds = reading.seconds();
+
+  const host::Rect canvas = canvasFor(frame, layer->pixels.size());
+  prepareOutput(canvas);
+  const host::FrameResult result =
+      valueOrThrow(instance_.render(std::as_const(layer->pixels).view(), canvas, output_.view(), frameOptions(frame)));
+  report.path = result.path;
+  report.render_seconds = result.render_seconds;
+
+  const Stopwatch writing;
+  if (plate) {
+    composite(*plate, shot_.plate->path(frame));
+  }
+  write(canvas, plate ? *plate : *layer, path);
+  report.write_seconds = writing.seconds();
+  report.origin_x = canvas.left / shot_.options.downsample;
+  report.origin_y = canvas.top / shot_.options.downsample;
+  report.size = output_.size();
+  return report;
+}
+
+host::FrameOptions FrameRenderer::frameOptions(std::int32_t frame) const {
+  host::FrameOptions options;
+  options.time = timeOf(frame, shot_.options.rate);
+  options.quality = shot_.options.quality;
+  options.protocol = shot_.options.protocol;
+  options.downsample = shot_.options.downsample;
+  options.threads = shot_.threads_per_frame;
+  options.progress = progress_;
+  options.stop = stop_;
+  return options;
+}
+
+void FrameRenderer::placeCorners(host::Size layer) {
+  if (corners_layer_ == layer) {
+    return;
+  }
+  valueOrThrow(instance_.setCorners(toAnimation(shot_.corners, layer, shot_.options.rate)));
+  corners_layer_ = layer;
+}
+
+host::Rect FrameRenderer::canvasFor(std::int32_t frame, const std::optional<host::Size>& layer) {
+  const host::Rect whole{0, 0, shot_.frame_size.width, shot_.frame_size.height};
+  if (!layer && !shot_.options.fit) {
+    return whole;
+  }
+  const host::Size layer_size = layer ? *layer : probePicture(shot_.layer->path(frame)).size;
+  placeCorners(layer_size);
+  if (!shot_.options.fit) {
+    return whole;
+  }
+  return alignedOutward(valueOrThrow(instance_.boundingBox(layer_size, frameOptions(frame))), shot_.options.downsample);
+}
+
+void FrameRenderer::prepareOutput(const host::Rect& canvas) {
+  const host::Size size = host::downsampled({canvas.width(), canvas.height()}, shot_.options.downsample);
+  if (size == output_.size()) {
+    return;
+  }
+  output_ = {};
+  if (const auto shortage = memoryShortage(pictureBytes(size, shot_.depth))) {
+    throw badArgument("--fit", fmt::format("the picture, {}, {}; move the corners nearer to the layer or give --size",
+                                           toText(size), *shortage));
+  }
+  output_ = valueOrThrow(host::Image::create(size, shot_.depth));
+}
+
+void FrameRenderer::composite(const Picture& plate, const std::string& plate_name) {
+  if (plate.pixels.size() != output_.size()) {
+    throw fileFailure(plate_name, fmt::format("its size is {}, the shot's is {}; give plates of one size",
+                                              toText(plate.info.size), toText(shot_.frame_size)));
+  }
+  compositeOver(output_.view(), plate.pixels.view());
+}
+
+void FrameRenderer::write(const host::Rect& canvas, const Picture& reference, const std::string& path) {
+  const int n = shot_.options.downsample;
+  OutputPicture picture;
+  picture.metadata = reference.metadata;
+  if (shot_.options.linear) {
+    picture.colour_space = outputColourSpace(reference.colour_space, shot_.format->linear_light);
+    fromLinear(output_.view(), *picture.colour_space, path);
+  }
+  picture.pixels = std::as_const(output_).view();
+  picture.window = {canvas.left / n, canvas.top / n, canvas.left / n + output_.size().width,
+                    canvas.top / n + output_.size().height};
+  picture.frame = host::downsampled(shot_.frame_size, n);
+  picture.has_alpha = !shot_.plate || reference.info.has_alpha;
+  picture.samples = shot_.samples;
+  writePicture(path, *shot_.format, picture, stop_);
+}
+
+}  // namespace vantorel::cli

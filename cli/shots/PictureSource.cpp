@@ -1,0 +1,31 @@
+#include "cli/shots/PictureSource.h"
+
+#include <utility>
+
+#include "cli/pictures/ImageReader.h"
+
+namespace vantorel::cli {
+
+PictureSource::PictureSource(FramePattern files, host::Depth depth, Prepare prepare)
+    : files_(std::move(files)), depth_(depth), prepare_(std::move(prepare)) {}
+
+std::shared_ptr<const Picture> PictureSource::at(std::int32_t frame, const std::stop_token& stop) {
+  if (!isStill()) {
+    return read(path(frame), stop);
+  }
+  const std::scoped_lock lock(still_mutex_);
+  if (!still_) {
+    still_ = read(path(frame), stop);
+  }
+  return still_;
+}
+
+std::shared_ptr<const Picture> PictureSource::read(const std::string& path, const std::stop_token& stop) const {
+  auto picture = std::make_shared<Picture>(readPicture(path, depth_, stop));
+  if (prepare_) {
+    prepare_(*picture, path);
+  }
+  return picture;
+}
+
+}  // namespace vantorel::cli

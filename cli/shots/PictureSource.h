@@ -1,0 +1,40 @@
+// The layer or the plate over the frames: a still, read once, or a sequence.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <stop_token>
+#include <string>
+
+#include "cli/base/FramePattern.h"
+#include "cli/pictures/Picture.h"
+
+namespace vantorel::cli {
+
+// Safe to use from several threads.
+class PictureSource {
+ public:
+  // What is done to a picture after reading, once; may throw CommandError. The string is the picture's path.
+  using Prepare = std::function<void(Picture&, const std::string&)>;
+
+  PictureSource(FramePattern files, host::Depth depth, Prepare prepare);
+
+  bool isStill() const { return !files_.hasNumber(); }
+  std::string path(std::int32_t frame) const { return files_.path(frame); }
+
+  // The picture of that frame. A still is kept for the next frame; a sequence's picture belongs to who asked for it.
+  std::shared_ptr<const Picture> at(std::int32_t frame, const std::stop_token& stop);
+
+ private:
+  std::shared_ptr<const Picture> read(const std::string& path, const std::stop_token& stop) const;
+
+  FramePattern files_;
+  host::Depth depth_;
+  Prepare prepare_;
+  std::mutex still_mutex_;
+  std::shared_ptr<const Picture> still_;
+};
+
+}  // namespace vantorel::cli

@@ -1,0 +1,47 @@
+// What a rendering was asked to be.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "cli/base/FrameRange.h"
+#include "cli/corners/Corners.h"
+#include "cli/pictures/ImageFormats.h"
+#include "host/Instance.h"
+
+namespace vantorel::cli {
+
+constexpr int kMaxThreads = 1024;
+constexpr int kMaxDownsample = 1024;
+
+inline unsigned allCores() {
+  const unsigned cores = std::thread::hardware_concurrency();
+  return cores == 0 ? 1 : std::min<unsigned>(cores, kMaxThreads);
+}
+
+struct RenderOptions {
+  std::string layer;   // a name, or with `frames` the pattern of a sequence's names
+  std::string output;  // the same
+  std::array<std::optional<CornerPosition>, kCornerCount> corners;
+  std::string corners_file;        // empty without one
+  std::optional<host::Size> size;  // the output picture's, at full resolution
+  bool fit = false;
+  std::string plate;  // as `layer`; empty without one
+  bool linear = false;
+  host::Quality quality = host::Quality::High;
+  DepthChoice depth = DepthChoice::Auto;
+  host::Protocol protocol = host::Protocol::Smart;
+  int downsample = 1;  // 1 to kMaxDownsample
+  std::optional<FrameRange> frames;
+  FrameRate rate;
+  bool resume = false;
+  bool keep_going = false;
+  unsigned threads = allCores();  // 1 to kMaxThreads
+  std::string module;             // empty: the one beside the command
+  std::optional<bool> progress;   // nothing: where standard error is a terminal
+  bool json = false;
+};
+
+}  // namespace vantorel::cli

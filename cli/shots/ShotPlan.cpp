@@ -1,0 +1,180 @@
+#include "cli/shots/ShotPlan.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "cli/base/CommandError.h"
+#include "cli/base/Text.h"
+#include "cli/pictures/ColourConversion.h"
+#include "cli/pictures/ImageReader.h"
+#include "cli/pictures/OutputFile.h"
+#include "cli/pictures/Reduce.h"
+#include "cli/shots/ModuleLocation.h"
+#include "cli/shots/ShotMemory.h"
+
+namespace vantorel::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void refuseContradictions(const RenderOptions& options) {
+  for (std::size_t c = 0; c < kCornerCount; ++c) {
+    if (options.corners[c] && !options.corners_file.empty()) {
+      throw badArgument(fmt::format("--{}", kCornerNames[c]),
+                        "cannot be given together with --corners; omit one of them");
+    }
+  }
+  if (options.fit && options.size) {
+    throw badArgument("--fit", "cannot be given together with --size; omit one of them");
+  }
+  if (options.fit && !options.plate.empty()) {
+    throw badArgument("--fit", "cannot be given together with --over, whose picture sets the size; omit one of them");
+  }
+  if (options.linear && (options.depth == DepthChoice::Bits8 || options.depth == DepthChoice::Bits16)) {
+    throw badArgument("--linear", "renders in float; omit --depth, or give --depth float");
+  }
+}
+
+// The files of an input or of the output. Without --frames every character of the name stands for itself.
+FramePattern filesOf(const std::string& input, const std::string& name, const RenderOptions& options) {
+  if (options.frames) {
+    return FramePattern::parse(input, name);
+  }
+  std::error_code fault;
+  if (name.find_first_of("#%") != std::string::npos && !fs::exists(name, fault) &&
+      FramePattern::parse(input, name).hasNumber()) {
+    throw badArgument(input,
+                      fmt::format("'{}' stands for a sequence; say which frames with --frames FIRST-LAST", name));
+  }
+  return FramePattern::literal(name);
+}
+
+FramePattern outputFiles(const RenderOptions& options, const FrameRange& frames) {
+  FramePattern files = filesOf("--output", options.output, options);
+  if (frames.count() > 1 && !files.hasNumber()) {
+    throw badArgument("--output", fmt::format("'{}' has no place for the frame number, so that every frame would "
+                                              "replace the one before; put %04d or #### into the name",
+                                              options.output));
+  }
+  requireWritablePlace(files.path(frames.first));
+  return files;
+}
+
+CornersTrack cornersOf(const RenderOptions& options) {
+  if (!options.corners_file.empty()) {
+    return readCorners(options.corners_file);
+  }
+  constexpr Coordinate kNear{0.0, true};
+  constexpr Coordinate kFar{100.0, true};
+  const CornerPositions layers_own{{{kNear, kNear}, {kFar, kNear}, {kNear, kFar}, {kFar, kFar}}};
+  CornersKey key;
+  for (std::size_t c = 0; c < kCornerCount; ++c) {
+    key.corners[c] = options.corners[c].value_or(layers_own[c]);
+  }
+  return {"", {key}, host::Interpolation::Linear};
+}
+
+FrameHeads probeFrame(const FramePattern& layer, const std::optional<FramePattern>& plate, std::int32_t frame) {
+  FrameHeads heads{probePicture(layer.path(frame)), std::nullopt};
+  if (plate) {
+    heads.plate = probePicture(plate->path(frame));
+  }
+  return heads;
+}
+
+// The first frame's files; where it is to keep going, those of the first frame that can be read.
+FrameHeads probeShot(const FramePattern& layer, const std::optional<FramePattern>& plate, const FrameRange& frames,
+                     bool keep_going) {
+  for (std::int64_t index = 0;; ++index) {
+    try {
+      return probeFrame(layer, plate, frames.at(index));
+    } catch (const CommandError&) {
+      const bool all_still = !layer.hasNumber() && !(plate && plate->hasNumber());
+      if (!keep_going || all_still || index + 1 == frames.count()) {
+        throw;
+      }
+    }
+  }
+}
+
+SampleType finer(SampleType a, SampleType b) {
+  const SampleType most = std::max(a, b);
+  // Half holds what 8 bits hold, but not what 16 bits hold.
+  return most == SampleType::Half && std::min(a, b) == SampleType::Bits16 ? SampleType::Float : most;
+}
+
+PictureSource::Prepare preparation(bool linear, int reduce_by) {
+  return [=](Picture& picture, const std::string& path) {
+    if (linear) {
+      toLinear(picture.pixels.view(), picture.colour_space, path);
+    }
+    if (reduce_by > 1) {
+      picture.pixels = reduced(std::as_const(picture.pixels).view(), reduce_by);
+    }
+  };
+}
+
+void requirePlateSize(const RenderOptions& options, const PictureInfo& plate) {
+  if (options.size && *options.size != plate.size) {
+    throw badArgument("--size", fmt::format("{} is not the plate's size, {}; omit --size", toText(*options.size),
+                                            toText(plate.size)));
+  }
+}
+
+// The names of the files, checked as far as they can be without reading any.
+void planFiles(Shot& shot) {
+  const RenderOptions& options = shot.options;
+  shot.format = &formatForOutput("--output", options.output);
+  shot.layer_files = filesOf("LAYER", options.layer, options);
+  if (!options.plate.empty()) {
+    shot.plate_files = filesOf("--over", options.plate, options);
+  }
+  shot.output = outputFiles(options, shot.frames);
+}
+
+// Sizes and depths, by the heads of the files.
+void planPictures(Shot& shot, const FrameHeads& heads) {
+  const RenderOptions& options = shot.options;
+  if (heads.plate) {
+    requirePlateSize(options, *heads.plate);
+  }
+  const SampleType source = heads.plate ? finer(heads.layer.samples, heads.plate->samples) : heads.layer.samples;
+  shot.depth = options.linear ? host::Depth::Float : renderDepth(options.depth, source);
+  shot.samples = outputSamples(*shot.format, options.depth, source);
+  shot.frame_size = options.size ? *options.size : (heads.plate ? heads.plate->size : heads.layer.size);
+  if (!options.fit) {
+    requireSizeHeld(*shot.format, options.output, host::downsampled(shot.frame_size, options.downsample));
+  }
+}
+
+}  // namespace
+
+Shot planShot(const RenderOptions& options) {
+  refuseContradictions(options);
+  Shot shot;
+  shot.options = options;
+  shot.frames = options.frames.value_or(FrameRange{});
+  // The first and the last frame are the furthest in time.
+  timeOf(shot.frames.first, options.rate);
+  timeOf(shot.frames.last, options.rate);
+  planFiles(shot);
+  shot.corners = cornersOf(options);
+
+  const FrameHeads heads = probeShot(shot.layer_files, shot.plate_files, shot.frames, options.keep_going);
+  planPictures(shot, heads);
+  shot.frames_in_flight = framesInFlight(shot, heads);
+  shot.threads_per_frame = std::max(1u, options.threads / static_cast<unsigned>(shot.frames_in_flight));
+
+  shot.layer = std::make_unique<PictureSource>(shot.layer_files, shot.depth, preparation(options.linear, 1));
+  if (shot.plate_files) {
+    shot.plate =
+        std::make_unique<PictureSource>(*shot.plate_files, shot.depth, preparation(options.linear, options.downsample));
+  }
+  shot.module = loadModule(options.module);
+  return shot;
+}
+
+}  // namespace vantorel::cli

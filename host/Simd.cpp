@@ -1,0 +1,58 @@
+#include "host/Simd.h"
+
+#include <cstdlib>
+#include <iterator>
+#include <string>
+
+#include "host/Error.h"
+#include "platform/Cpu.h"
+
+namespace vantorel::host {
+
+namespace {
+
+// "scalar, avx2 or avx512"
+std::string choices(bool only_available) {
+  std::string names;
+  std::string last;
+  for (const SimdVariant& variant : simdVariants()) {
+    if (only_available && !variant.available) {
+      continue;
+    }
+    if (!last.empty()) {
+      names += names.empty() ? last : ", " + last;
+    }
+    last = variant.name;
+  }
+  return names.empty() ? last : names + " or " + last;
+}
+
+}  // namespace
+
+std::array<SimdVariant, 3> simdVariants() noexcept {
+  std::array<SimdVariant, 3> variants;
+  static_assert(std::size(kInstructionSets) == variants.size());
+  for (std::size_t i = 0; i < variants.size(); ++i) {
+    const InstructionSet set = kInstructionSets[i];
+    variants[i] = {instructionSetName(set), isAvailable(set), set == activeInstructionSet()};
+  }
+  return variants;
+}
+
+Result<void> checkSimdChoice() {
+  const char* const name = std::getenv(kSimdVariable);
+  if (name == nullptr || *name == '\0') {
+    return {};
+  }
+  InstructionSet set = InstructionSet::Scalar;
+  if (!findInstructionSet(name, &set)) {
+    return invalidArgument(kSimdVariable,
+                           '"' + std::string(name) + "\" is not an instruction set; use " + choices(false));
+  }
+  if (!isAvailable(set)) {
+    return invalidArgument(kSimdVariable, "this machine does not have " + std::string(name) + "; use " + choices(true));
+  }
+  return {};
+}
+
+}  // namespace vantorel::host

@@ -1,0 +1,148 @@
+// The area samplers that use vectors, from one text for each instruction set: included by the AreaSamplerAvx*.cpp
+// files, after the small boxes of their set. Everything stands in an unnamed namespace and uses nothing of the standard
+// library's functions, so that no code of a set that a machine lacks can stand in for another file's.
+//
+// Well inside the world, boxes of one pixel's size and of up to two pixels' size have code of their own; other boxes of
+// up to 17 by 17 pixels go to the depth's loops where their loads stay inside a row, and all others to the plain
+// samplers.
+
+namespace vantorel::host {
+
+namespace {
+
+constexpr std::int32_t kHalfPixel = 32768;
+constexpr std::int32_t kLargestRadius = 8 << 16;
+
+// Any box: here where it is small and its loads stay inside a row, else plainly.
+template <typename Depth>
+[[gnu::noinline]] std::int32_t sampleAnyBox(void* effect_ref, std::int32_t x, std::int32_t y,
+                                            const PF_SampleParams* params, typename Depth::Pixel* out) {
+  if (!isSampleable(params) || params->x_radius > kLargestRadius || params->y_radius > kLargestRadius) {
+    return Depth::plain()(effect_ref, x, y, params, out);
+  }
+  const PF_LayerDef& world = *params->source;
+  const SampleSpan columns(x, params->x_radius);
+  const SampleSpan rows(y, params->y_radius);
+  const std::int64_t left = columns.firstPixel();
+  const std::int64_t top = rows.firstPixel();
+  const std::int64_t column_count = columns.endPixel(world.width) - left;
+  const std::int64_t row_count = rows.endPixel(world.height) - top;
+  const std::int64_t loaded =
+      (column_count + Depth::kColumnsPerLoad - 1) / Depth::kColumnsPerLoad * Depth::kColumnsPerLoad;
+  if (column_count <= 0 || row_count <= 0) {
+    *out = typename Depth::Pixel{};
+    return ERR_NONE;
+  }
+  if (left + loaded > world.width || (columns.inOnePixel() && rows.inOnePixel())) {
+    return Depth::plain()(effect_ref, x, y, params, out);
+  }
+  const BoxPart box{worldRow<const std::byte>(world, top) + left * Depth::kPixelBytes,
+                    world.row_bytes,
+                    static_cast<int>(column_count),
+                    static_cast<int>(row_count),
+                    static_cast<std::uint32_t>(columns.overlap(left)),
+                    static_cast<std::uint32_t>(columns.overlap(left + column_count - 1)),
+                    static_cast<std::uint32_t>(rows.overlap(top)),
+                    static_cast<std::uint32_t>(rows.overlap(top + row_count - 1))};
+  Depth::sampleBox(box, columns.length() * rows.length(), out);
+  return ERR_NONE;
+}
+
+// Whether a span of that centre and radius meets none of an axis's `size` pixels.
+inline bool liesOutside(std::int32_t centre, std::int32_t radius, std::int32_t size) {
+  const std::int64_t middle = std::int64_t{centre} + kHalfPixel;
+  return middle + radius <= 0 || middle - radius >= std::int64_t{size} << 16;
+}
+
+// A box that is not small or not well inside the world. Those wholly outside, which the surroundings of a quadrilateral
+// are full of, come first.
+template <typename Depth>
+[[gnu::noinline]] std::int32_t sampleOtherBox(void* effect_ref, std::int32_t x, std::int32_t y,
+                                              const PF_SampleParams* params, typename Depth::Pixel* out) {
+  if (isSampleable(params) && (liesOutside(x, params->x_radius, params->source->width) ||
+                               liesOutside(y, params->y_radius, params->source->height))) {
+    *out = typename Depth::Pixel{};
+    return ERR_NONE;
+  }
+  return sampleAnyBox<Depth>(effect_ref, x, y, params, out);
+}
+
+// Has the processor fetch what lies so many bytes beyond a pixel, which the next row will need: rows cut across a
+// turned layer's rows too often for the processor to foresee it. The address may lie outside of the world; nothing is
+// read.
+inline void fetchBelow(const std::byte* pixel, std::ptrdiff_t bytes) {
+  const std::uintptr_t address = __builtin_bit_cast(std::uintptr_t, pixel) + static_cast<std::uintptr_t>(bytes);
+  __builtin_prefetch(__builtin_bit_cast(const void*, address));
+}
+
+inline bool isSmall(std::int32_t radius) {
+  return static_cast<std::uint32_t>(radius) - kHalfPixel <= kHalfPixel;
+}
+
+inline std::int32_t beginOf(std::int32_t centre, std::int32_t radius) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(centre) - static_cast<std::uint32_t>(radius) +
+                                   kHalfPixel);
+}
+
+// Any box but that of one pixel's size. One of up to two pixels' size meets three by three pixels at most; its place is
+// computed apart from its weights, which the pixels' arrival does not wait for.
+template <typename Depth>
+[[gnu::noinline]] std::int32_t sampleBox(void* effect_ref, std::int32_t x, std::int32_t y,
+                                         const PF_SampleParams* params, typename Depth::Pixel* out) {
+  const std::int32_t x_radius = params->x_radius;
+  const std::int32_t y_radius = params->y_radius;
+  const std::int32_t left = beginOf(x, x_radius);
+  const std::int32_t top = beginOf(y, y_radius);
+  // A sum that ran over would be that of a negative position.
+  if (!isSmall(x_radius) || !isSmall(y_radius) || (x | y | left | top) < 0 || params->source == nullptr) {
+    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
+  }
+  const PF_LayerDef& world = *params->source;
+  const std::int32_t column = left >> 16;
+  const std::int32_t row = top >> 16;
+  if (world.width < column + 3 || world.height < row + 3 || world.data == nullptr) {
+    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
+  }
+  const std::ptrdiff_t row_bytes = world.row_bytes;
+  const std::byte* const pixel =
+      static_cast<const std::byte*>(world.data) + row * row_bytes + column * Depth::kPixelBytes;
+  fetchBelow(pixel, 3 * row_bytes);
+  sampleThreeByThree<Depth>(pixel, row_bytes, x, y, *params, out);
+  return ERR_NONE;
+}
+
+// The box of one pixel's size comes first, and so lean that it needs neither calls nor a stack.
+template <typename Depth>
+std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
+                    typename Depth::Pixel* out) {
+  if (params == nullptr) {
+    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
+  }
+  if (params->x_radius != kHalfPixel || params->y_radius != kHalfPixel) {
+    return sampleBox<Depth>(effect_ref, x, y, params, out);
+  }
+  if ((x | y) < 0 || params->source == nullptr) {
+    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
+  }
+  const PF_LayerDef& world = *params->source;
+  const std::uint32_t column = static_cast<std::uint32_t>(x) >> 16;
+  const std::uint32_t row = static_cast<std::uint32_t>(y) >> 16;
+  if (world.width < static_cast<std::int32_t>(column + 2) || world.height < static_cast<std::int32_t>(row + 2) ||
+      world.data == nullptr) {
+    return sampleOtherBox<Depth>(effect_ref, x, y, params, out);
+  }
+  const std::ptrdiff_t row_bytes = world.row_bytes;
+  const std::byte* const pixel =
+      static_cast<const std::byte*>(world.data) + row * row_bytes + column * Depth::kPixelBytes;
+  fetchBelow(pixel, 2 * row_bytes);
+  if (!Depth::kOnePixelIsMean && ((x | y) & 65535) == 0) {
+    __builtin_memcpy(out, pixel, Depth::kPixelBytes);
+  } else {
+    sampleSquare<Depth>(pixel, row_bytes, x & 65535, y & 65535, out);
+  }
+  return ERR_NONE;
+}
+
+}  // namespace
+
+}  // namespace vantorel::host
