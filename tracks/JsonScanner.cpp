@@ -9,6 +9,10 @@ namespace {
 
 constexpr std::size_t kDeepest = 64;
 
+bool isInNumber(char c) {
+  return (c >= '0' && c <= '9') || c == '.' || c == '-' || c == '+' || c == 'e' || c == 'E';
+}
+
 void appendUtf8(std::string& text, unsigned code) {
   const auto add = [&](unsigned byte) { text += static_cast<char>(byte); };
   if (code < 0x80) {
@@ -92,7 +96,9 @@ bool JsonScanner::nextElement() {
 
 std::string_view JsonScanner::numberToken() {
   const std::size_t start = at_;
-  at_ = std::min(text_.find_first_not_of("+-.0123456789eE", at_), text_.size());
+  while (at_ < text_.size() && isInNumber(text_[at_])) {
+    ++at_;
+  }
   const std::string_view token = text_.substr(start, at_ - start);
   const std::string_view digits = token.substr(token.front() == '-' ? 1 : 0);
   const bool begins_badly = digits.empty() || digits.front() < '0' || digits.front() > '9' ||
@@ -131,13 +137,15 @@ std::string_view JsonScanner::string() {
   ++at_;
   string_.clear();
   while (true) {
-    const std::size_t end = text_.find_first_of("\"\\\n", at_);
-    if (end == std::string_view::npos || text_[end] == '\n') {
+    const std::size_t begin = at_;
+    while (at_ < text_.size() && text_[at_] != '"' && text_[at_] != '\\' && text_[at_] != '\n') {
+      ++at_;
+    }
+    if (at_ == text_.size() || text_[at_] == '\n') {
       failSyntax();
     }
-    string_ += text_.substr(at_, end - at_);
-    at_ = end + 1;
-    if (text_[end] == '"') {
+    string_ += text_.substr(begin, at_ - begin);
+    if (text_[at_++] == '"') {
       return string_;
     }
     appendEscape();

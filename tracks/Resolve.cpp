@@ -100,6 +100,8 @@ class Resolver {
       }
     };
     say(!conventions.units, "positions in pixels");
+    say(!conventions.of && (conventions.units == Units::Percent || conventions.units == Units::Fraction),
+        "positions relative to the output");
     say(!conventions.origin, "y downwards from the upper left");
     say(!conventions.pixel_centres && conventions.units.value_or(Units::Pixels) == Units::Pixels,
         "pixel centres at 0.5");

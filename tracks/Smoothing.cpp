@@ -68,19 +68,18 @@ void smooth(std::vector<CornerKey>& keys, double sigma) {
 }
 
 std::vector<double> jumps(const std::vector<CornerKey>& keys, double share) {
+  const auto isJump = [&](const CornerKey& before, const CornerKey& after) {
+    const double largest = share * sizeOf(before.points);
+    for (std::size_t c = 0; c < kCornerCount; ++c) {
+      if (distance(before.points[c], after.points[c]) > largest) {
+        return true;
+      }
+    }
+    return false;
+  };
   std::vector<double> frames;
   for (std::size_t k = 1; k < keys.size(); ++k) {
-    const CornerKey& before = keys[k - 1];
-    const double largest = share * sizeOf(before.points) * std::max(1.0, keys[k].frame - before.frame);
-    const bool jumped = [&] {
-      for (std::size_t c = 0; c < kCornerCount; ++c) {
-        if (distance(before.points[c], keys[k].points[c]) > largest) {
-          return true;
-        }
-      }
-      return false;
-    }();
-    if (jumped) {
+    if (keys[k].frame - keys[k - 1].frame <= 1.0 && isJump(keys[k - 1], keys[k])) {
       frames.push_back(keys[k].frame);
     }
   }

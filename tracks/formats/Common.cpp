@@ -57,7 +57,9 @@ void readCountedRows(Lines& lines, std::uint32_t count, std::size_t least_words,
   std::vector<std::string_view> words;
   point.keys.reserve(std::min(count, kMaxReserved));
   for (std::uint32_t row = 0; row < count; ++row) {
-    lines.needContent(fmt::format("{} rows of {}, found {}", count, quoted(point.name), row));
+    if (!lines.nextContent()) {
+      lines.fail("", fmt::format("is truncated; expected {} rows of {}, found {}", count, quoted(point.name), row));
+    }
     if (splitWords(lines.text(), words) < least_words) {
       lines.fail("",
                  fmt::format("has {}; expected {} or more: frame, x, y", counted(words.size(), "field"), least_words));

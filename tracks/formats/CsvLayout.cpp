@@ -162,20 +162,24 @@ void splitCells(std::string_view line, char separator, std::vector<std::string_v
     splitWords(line.substr(0, line.find('#')), cells);
     return;
   }
+  const auto endOfCell = [&](std::size_t from) {
+    while (from < line.size() && line[from] != separator && line[from] != '#') {
+      ++from;
+    }
+    return from;
+  };
   while (true) {
-    line = trimmed(separator == '\t' ? line.substr(std::min(line.find_first_not_of(" \r"), line.size())) : line);
+    line.remove_prefix(std::min(line.find_first_not_of(separator == '\t' ? " " : " \t"), line.size()));
     std::size_t end = 0;
-    std::string_view cell;
     if (!line.empty() && line.front() == '"') {
       const std::size_t closing = std::min(line.find('"', 1), line.size());
-      cell = line.substr(1, closing - 1);
-      end = line.find_first_of(std::string{separator, '#'}, std::min(closing + 1, line.size()));
+      cells.push_back(line.substr(1, closing - 1));
+      end = endOfCell(closing);
     } else {
-      end = line.find_first_of(std::string{separator, '#'});
-      cell = trimmed(line.substr(0, end));
+      end = endOfCell(0);
+      cells.push_back(trimmed(line.substr(0, end)));
     }
-    cells.push_back(cell);
-    if (end == std::string_view::npos || line[end] == '#') {
+    if (end == line.size() || line[end] == '#') {
       return;
     }
     line.remove_prefix(end + 1);

@@ -68,11 +68,10 @@ class CsvReader {
 
 // The documented table means pixels of the picture from its upper left; others do not say what they mean.
 constexpr Conventions kOwn{Origin::UpperLeft, Units::Pixels, Basis::Layer, {}, 0.5, {}, {}};
-constexpr Conventions kUnsaid{{}, {}, Basis::Layer, {}, {}, {}, {}};
 
 void readCsv(const TrackText& text, TrackDocument& document) {
   const CsvLayout layout = csvLayout(text);
-  document.conventions = layout.has_own_names ? kOwn : kUnsaid;
+  document.conventions = layout.has_own_names ? kOwn : Conventions{};
   readCsvTable(text, layout, document);
 }
 

@@ -40,7 +40,6 @@ class NodeReader {
   explicit NodeReader(const TrackText& text) : words_(text.text, text.file) {}
 
   void read(TrackDocument& document) {
-    std::string_view node;
     for (std::string_view word = words_.next(); !word.empty() || words_.wasQuoted(); word = words_.next()) {
       const std::size_t to = pointOfWord(word, "to");
       const std::size_t from = pointOfWord(word, "from");
