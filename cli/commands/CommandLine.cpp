@@ -133,15 +133,16 @@ void refuseExtras(const CLI::App& app) {
 CommandError unknownCommand(const CLI::App& app) {
   const std::vector<std::string> extras = app.remaining();
   if (extras.empty()) {
-    return badArgument("", "no command was given; use render, info or testcard, or see 'vantorel --help'");
+    return badArgument("", "no command was given; use render, corners, info or testcard, or see 'vantorel --help'");
   }
   const std::string& word = extras.front();
   if (word.rfind('-', 0) == 0) {
     return badArgument(word,
                        fmt::format("unknown option; {}", hint(nearestWord(word, optionNames(app)), "vantorel --help")));
   }
-  return badArgument(word, fmt::format("unknown command; {}",
-                                       hint(nearestWord(word, {"render", "info", "testcard"}), "vantorel --help")));
+  return badArgument(
+      word, fmt::format("unknown command; {}",
+                        hint(nearestWord(word, {"render", "corners", "info", "testcard"}), "vantorel --help")));
 }
 
 CommandError fromParser(const CLI::ParseError& error) {
@@ -168,6 +169,8 @@ ExitCode runCommandLine(int argc, const char* const* argv, const std::stop_token
   render.app().footer(std::string(kRenderExamples) + kExitCodes);
   const Command<InfoOptions> info(app, "info", "Show what the effect module says of itself", "info [OPTIONS]",
                                   infoOptionTable());
+  const Command<CornersOptions> corners(app, "corners", "Show, convert or plot a tracker's corners",
+                                        "corners FILE [-o OUT] [OPTIONS]", cornersOptionTable());
   const Command<TestCardOptions> card(app, "testcard", "Write a test card, for trying things out",
                                       "testcard -o OUT [OPTIONS]", testCardOptionTable());
   try {
@@ -185,6 +188,9 @@ ExitCode runCommandLine(int argc, const char* const* argv, const std::stop_token
   }
   if (info.parsed()) {
     return runInfo(info.options());
+  }
+  if (corners.parsed()) {
+    return runCorners(corners.options());
   }
   if (card.parsed()) {
     return runTestCard(card.options(), stop);

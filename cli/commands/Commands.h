@@ -1,6 +1,7 @@
 // The subcommands.
 #pragma once
 
+#include <optional>
 #include <stop_token>
 #include <string>
 
@@ -19,9 +20,19 @@ struct TestCardOptions {
   host::Size size{1920, 1080};
 };
 
+struct CornersOptions {
+  TrackOptions track;
+  std::string output;              // a file, or four for a corner each; empty: the summary alone
+  std::string format;              // of the output; empty: by its name
+  std::optional<host::Size> size;  // of the picture that positions are in
+  std::string plot;                // an SVG file; empty without one
+  FrameRate rate;
+};
+
 // Each does its work and returns how it ended, or throws CommandError.
 ExitCode runRender(const RenderOptions& options, const std::stop_token& stop);
 ExitCode runInfo(const InfoOptions& options);
+ExitCode runCorners(const CornersOptions& options);
 ExitCode runTestCard(const TestCardOptions& options, const std::stop_token& stop);
 
 }  // namespace vantorel::cli

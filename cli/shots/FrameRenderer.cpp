@@ -101,7 +101,7 @@ void FrameRenderer::placeCorners(host::Size layer) {
   if (corners_layer_ == layer) {
     return;
   }
-  valueOrThrow(instance_.setCorners(toAnimation(shot_.corners, layer, shot_.options.rate)));
+  valueOrThrow(instance_.setCorners(toAnimation(shot_.corners, layer, shot_.frame_size, shot_.options.rate)));
   corners_layer_ = layer;
 }
 

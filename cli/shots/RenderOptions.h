@@ -8,6 +8,7 @@
 
 #include "cli/base/FrameRange.h"
 #include "cli/corners/Corners.h"
+#include "cli/corners/TrackOptions.h"
 #include "cli/pictures/ImageFormats.h"
 #include "host/Instance.h"
 
@@ -25,7 +26,7 @@ struct RenderOptions {
   std::string layer;   // a name, or with `frames` the pattern of a sequence's names
   std::string output;  // the same
   std::array<std::optional<CornerPosition>, kCornerCount> corners;
-  std::string corners_file;        // empty without one
+  TrackOptions track;              // files of corners; none without any
   std::optional<host::Size> size;  // the output picture's, at full resolution
   bool fit = false;
   std::string plate;  // as `layer`; empty without one

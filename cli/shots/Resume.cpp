@@ -1,5 +1,6 @@
 #include "cli/shots/Resume.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include "cli/pictures/ImageReader.h"
@@ -20,13 +21,24 @@ bool isNewer(const std::string& output, const std::string& input) {
   return !fault && output_time > input_time;
 }
 
+// Standard input and pipes have no time that counts: what they bring is taken for new.
+bool isNewerThanCorners(const std::string& output, const TrackOptions& track) {
+  if (track.files.empty()) {
+    return true;
+  }
+  const std::vector<std::string> files = trackFiles(track.files);
+  return std::all_of(files.begin(), files.end(), [&](const std::string& file) {
+    std::error_code fault;
+    return fs::is_regular_file(file, fault) && isNewer(output, file);
+  });
+}
+
 }  // namespace
 
 bool isFrameDone(const Shot& shot, std::int32_t frame, host::Size output_size) {
   const std::string output = shot.output.path(frame);
   return isNewer(output, shot.layer->path(frame)) && (!shot.plate || isNewer(output, shot.plate->path(frame))) &&
-         (shot.options.corners_file.empty() || isNewer(output, shot.options.corners_file)) &&
-         isWholePicture(output, output_size);
+         isNewerThanCorners(output, shot.options.track) && isWholePicture(output, output_size);
 }
 
 }  // namespace vantorel::cli

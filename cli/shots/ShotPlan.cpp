@@ -22,10 +22,13 @@ namespace {
 
 void refuseContradictions(const RenderOptions& options) {
   for (std::size_t c = 0; c < kCornerCount; ++c) {
-    if (options.corners[c] && !options.corners_file.empty()) {
+    if (options.corners[c] && !options.track.files.empty()) {
       throw badArgument(fmt::format("--{}", kCornerNames[c]),
                         "cannot be given together with --corners; omit one of them");
     }
+  }
+  if (options.track.files.empty() && !options.track.first_option.empty()) {
+    throw badArgument(options.track.first_option, "tells of the file of corners; name one with --corners, or omit it");
   }
   if (options.fit && options.size) {
     throw badArgument("--fit", "cannot be given together with --size; omit one of them");
@@ -64,17 +67,17 @@ FramePattern outputFiles(const RenderOptions& options, const FrameRange& frames)
 }
 
 CornersTrack cornersOf(const RenderOptions& options) {
-  if (!options.corners_file.empty()) {
-    return readCorners(options.corners_file);
+  if (!options.track.files.empty()) {
+    return readCorners(options.track, options.rate);
   }
   constexpr Coordinate kNear{0.0, true};
   constexpr Coordinate kFar{100.0, true};
   const CornerPositions layers_own{{{kNear, kNear}, {kFar, kNear}, {kNear, kFar}, {kFar, kFar}}};
-  CornersKey key;
+  CornersTrack track;
   for (std::size_t c = 0; c < kCornerCount; ++c) {
-    key.corners[c] = options.corners[c].value_or(layers_own[c]);
+    track.still[c] = options.corners[c].value_or(layers_own[c]);
   }
-  return {"", {key}, host::Interpolation::Linear};
+  return track;
 }
 
 FrameHeads probeFrame(const FramePattern& layer, const std::optional<FramePattern>& plate, std::int32_t frame) {
@@ -165,6 +168,9 @@ Shot planShot(const RenderOptions& options) {
 
   const FrameHeads heads = probeShot(shot.layer_files, shot.plate_files, shot.frames, options.keep_going);
   planPictures(shot, heads);
+  if (shot.corners.read) {
+    tellNotes(resolveCorners(shot.corners, heads.layer.size, shot.frame_size).notes);
+  }
   shot.frames_in_flight = framesInFlight(shot, heads);
   shot.threads_per_frame = std::max(1u, options.threads / static_cast<unsigned>(shot.frames_in_flight));
 

@@ -58,7 +58,7 @@ TEST(CommandError, Arguments) {
           {still + "--over card.png --size 10x10", 2, "--size: 10x10 is not the plate's size, 64x48"},
           {still + "--over card.png --fit", 2, "--fit: cannot be given together with --over"},
           {still + "--corners track.csv --ul 1,1", 2, "--ul: cannot be given together with --corners"},
-          {still + "--corners track.txt", 2, "--corners: 'track.txt' ends in neither"},
+          {still + "--corners-gap 3", 2, "--corners-gap: tells of the file of corners"},
           {still + "--linear --depth 8", 2, "--linear: renders in float"},
           {still + "--downsample 0", 2, "--downsample"},
           {still + "--threads 0", 2, "--threads"},

@@ -58,6 +58,7 @@ TEST(OptionTable, HelpCompletionManPageAndGuidesListTheSameOptions) {
     all.merge(names);
   };
   compare("render", namesOf(renderOptionTable()));
+  compare("corners", namesOf(cornersOptionTable()));
   compare("info", namesOf(infoOptionTable()));
   compare("testcard", namesOf(testCardOptionTable()));
 
