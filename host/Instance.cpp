@@ -14,6 +14,7 @@ struct Instance::State {
   std::shared_ptr<const Module> module;
   AnimatedCorners corners;
   FrameState frame;
+  TileStore tiles;
 };
 
 namespace {
@@ -80,10 +81,8 @@ Result<FrameResult> Instance::render(const ConstImageView& layer, const Rect& ca
     return tl::unexpected(std::move(valid).error());
   }
   const Rect scaled_canvas = canvasAtResolution(canvas, output.size, options.downsample);
-  FrameRender frame(*state_->module->state_, state_->frame, state_->corners, layer.size, options);
-  return frame.prepare(layer, output)
-      .and_then([&] { return frame.draw(scaled_canvas); })
-      .and_then([&](const Rect& drawn) { return frame.deliver(drawn, scaled_canvas, output); });
+  return FrameRender(*state_->module->state_, state_->frame, state_->tiles, state_->corners, layer.size, options)
+      .render(layer, scaled_canvas, output);
 }
 
 Result<Rect> Instance::boundingBox(Size layer_size, const FrameOptions& options) {
@@ -92,7 +91,8 @@ Result<Rect> Instance::boundingBox(Size layer_size, const FrameOptions& options)
   }
   FrameOptions full = options;
   full.downsample = 1;
-  return FrameRender(*state_->module->state_, state_->frame, state_->corners, layer_size, full).boundingBox();
+  return FrameRender(*state_->module->state_, state_->frame, state_->tiles, state_->corners, layer_size, full)
+      .boundingBox();
 }
 
 }  // namespace vantorel::host

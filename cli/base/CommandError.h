@@ -28,6 +28,8 @@ class CommandError : public std::exception {
 CommandError badArgument(const std::string& input, const std::string& message);
 CommandError fileFailure(const std::string& input, const std::string& message);
 CommandError interrupted();
+// For what needs more memory than there is: exit code 1 whatever needs it.
+CommandError outOfMemory(const std::string& input, const std::string& message);
 
 // The host's error as the command's: an interrupted frame gives exit code 130, all else 1.
 CommandError fromHost(const host::Error& error);

@@ -10,6 +10,7 @@
 
 #include "cli/base/CommandError.h"
 #include "cli/commands/Commands.h"
+#include "cli/commands/Interrupt.h"
 #include "cli/commands/OptionTables.h"
 #include "cli/commands/Suggestion.h"
 
@@ -158,7 +159,7 @@ CommandError fromParser(const CLI::ParseError& error) {
 
 }  // namespace
 
-ExitCode runCommandLine(int argc, const char* const* argv, const std::stop_token& stop) try {
+ExitCode runCommandLine(int argc, const char* const* argv) try {
   CLI::App app("Stretches pictures onto any quadrilateral: stills, sequences and plates.", "vantorel");
   prepare(app, "COMMAND ...");
   app.set_version_flag("--version", "vantorel " VANTOREL_VERSION);
@@ -184,7 +185,8 @@ ExitCode runCommandLine(int argc, const char* const* argv, const std::stop_token
     refuseExtras(*command);
   }
   if (render.parsed()) {
-    return runRender(render.options(), stop);
+    const Interrupt interrupt;
+    return runRender(render.options(), interrupt.token());
   }
   if (info.parsed()) {
     return runInfo(info.options());
@@ -193,7 +195,8 @@ ExitCode runCommandLine(int argc, const char* const* argv, const std::stop_token
     return runCorners(corners.options());
   }
   if (card.parsed()) {
-    return runTestCard(card.options(), stop);
+    const Interrupt interrupt;
+    return runTestCard(card.options(), interrupt.token());
   }
   throw unknownCommand(app);
 } catch (const CLI::ParseError& error) {

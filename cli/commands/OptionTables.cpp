@@ -26,25 +26,23 @@ const std::vector<OptionRow<InfoOptions>>& infoOptionTable() {
 
 const std::vector<OptionRow<CornersOptions>>& cornersOptionTable() {
   using Text = const std::string&;
-  static const std::vector<OptionRow<CornersOptions>> table = [] {
-    std::vector<OptionRow<CornersOptions>> rows{
-        {"FILE", "FILE[,FILE...]", kOptions, "The track; four files for a point each; - is standard input",
-         [](CornersOptions& o, Text name, Text value) { o.track.files = parseFileName(name, value); },
-         "name the track to read: vantorel corners FILE"},
-        {"-o,--output", "OUT[,OUT...]", kOptions, "Write the track here; four files get a corner each",
-         [](CornersOptions& o, Text name, Text value) { o.output = parseFileName(name, value); }},
-        {"--format", "NAME", kOptions, "The format to write (default: by the ending of OUT)",
-         [](CornersOptions& o, Text, Text value) { o.format = value; }},
-        {"--size", "WxH", kOptions, "The picture's size (default: that of --corners-size)",
-         [](CornersOptions& o, Text name, Text value) { o.size = parseSize(name, value); }},
-        {"--plot", "SVG", kOptions, "Draw the paths and the speed of each corner into this file",
-         [](CornersOptions& o, Text name, Text value) { o.plot = parseFileName(name, value); }},
-        {"--fps", "RATE", kOptions, "Frames per second, for formats with clock times (default: 24)",
-         [](CornersOptions& o, Text name, Text value) { o.rate = parseFrameRate(name, value); }},
-    };
-    addTrackOptions(rows, "What the file means (default: what its format says)");
-    return rows;
-  }();
+  static const std::vector<OptionRow<CornersOptions>> table = withTrackOptions<CornersOptions>(
+      {
+          {"FILE", "FILE[,FILE...]", kOptions, "The track; four files for a point each; - is standard input",
+           [](CornersOptions& o, Text name, Text value) { o.track.files = parseFileName(name, value); },
+           "name the track to read: vantorel corners FILE"},
+          {"-o,--output", "OUT[,OUT...]", kOptions, "Write the track here; four files get a corner each",
+           [](CornersOptions& o, Text name, Text value) { o.output = parseFileName(name, value); }},
+          {"--format", "NAME", kOptions, "The format to write (default: by the ending of OUT)",
+           [](CornersOptions& o, Text, Text value) { o.format = value; }},
+          {"--size", "WxH", kOptions, "The picture's size (default: that of --corners-size)",
+           [](CornersOptions& o, Text name, Text value) { o.size = parseSize(name, value); }},
+          {"--plot", "SVG", kOptions, "Draw the paths and the speed of each corner into this file",
+           [](CornersOptions& o, Text name, Text value) { o.plot = parseFileName(name, value); }},
+          {"--fps", "RATE", kOptions, "Frames per second, for formats with clock times (default: 24)",
+           [](CornersOptions& o, Text name, Text value) { o.rate = parseFrameRate(name, value); }},
+      },
+      "What the file means (default: what its format says)");
   return table;
 }
 

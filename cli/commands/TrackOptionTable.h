@@ -19,7 +19,7 @@ struct TrackOptionRow {
 constexpr std::size_t kTrackOptionCount = 10;
 extern const TrackOptionRow kTrackOptions[kTrackOptionCount];
 
-// Adds the rows to a command's table, under that heading.
+// Adds the rows from `row` on to a command's table, under that heading.
 template <typename Options, std::size_t row = 0>
 void addTrackOptions(std::vector<OptionRow<Options>>& table, const char* group) {
   if constexpr (row < kTrackOptionCount) {
@@ -32,6 +32,13 @@ void addTrackOptions(std::vector<OptionRow<Options>>& table, const char* group) 
                      }});
     addTrackOptions<Options, row + 1>(table, group);
   }
+}
+
+// A command's own rows and these.
+template <typename Options>
+std::vector<OptionRow<Options>> withTrackOptions(std::vector<OptionRow<Options>> rows, const char* group) {
+  addTrackOptions(rows, group);
+  return rows;
 }
 
 }  // namespace vantorel::cli

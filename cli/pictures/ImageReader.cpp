@@ -226,7 +226,7 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
   picture.metadata = keptMetadata(source.spec);
   picture.pixels = valueOrThrow(host::Image::create(source.displaySize(), depth));
 
-  const host::Rect window = dataWindow(source.spec);
+  const host::Rect window = dataWindow(source.spec, source.input->format_name());
   const host::Rect display{0, 0, source.displaySize().width, source.displaySize().height};
   if (window != display) {
     picture.pixels.clear();

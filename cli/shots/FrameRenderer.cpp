@@ -8,6 +8,7 @@
 #include "cli/base/CommandError.h"
 #include "cli/base/Memory.h"
 #include "cli/base/Text.h"
+#include "cli/pictures/AbandonedFiles.h"
 #include "cli/pictures/ColourConversion.h"
 #include "cli/pictures/Composite.h"
 #include "cli/pictures/ImageReader.h"
@@ -53,6 +54,7 @@ std::optional<FrameReport> FrameRenderer::render(std::int32_t frame) {
                                 ? host::Size{canvas.width(), canvas.height()}
                                 : shot_.frame_size;
     if (isFrameDone(shot_, frame, host::downsampled(full, shot_.options.downsample))) {
+      removeAbandoned(path);
       return std::nullopt;
     }
   }
@@ -125,7 +127,7 @@ void FrameRenderer::prepareOutput(const host::Rect& canvas) {
   }
   output_ = {};
   if (const auto shortage = memoryShortage(pictureBytes(size, shot_.depth))) {
-    throw badArgument("--fit", fmt::format("the picture, {}, {}; move the corners nearer to the layer or give --size",
+    throw outOfMemory("--fit", fmt::format("the picture, {}, {}; move the corners nearer to the layer or give --size",
                                            toText(size), *shortage));
   }
   output_ = valueOrThrow(host::Image::create(size, shot_.depth));

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <new>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -147,8 +148,12 @@ ExitCode renderFrames(const Shot& shot, const std::stop_token& stop, Progress& p
   Run run(shot, stop, progress);
   {
     std::vector<std::jthread> others;
-    for (int w = 1; w < shot.frames_in_flight; ++w) {
-      others.emplace_back([&] { run.work(); });
+    try {
+      for (int w = 1; w < shot.frames_in_flight; ++w) {
+        others.emplace_back([&] { run.work(); });
+      }
+    } catch (const std::system_error&) {
+      // Where no more threads can be had, those that there are do the work.
     }
     run.work();
   }

@@ -23,8 +23,9 @@ inline unsigned allCores() {
 }
 
 struct RenderOptions {
-  std::string layer;   // a name, or with `frames` the pattern of a sequence's names
-  std::string output;  // the same
+  std::string layer;       // a name, or with `frames` the pattern of a sequence's names
+  std::string output;      // the same
+  bool overwrite = false;  // inputs too
   std::array<std::optional<CornerPosition>, kCornerCount> corners;
   TrackOptions track;              // files of corners; none without any
   std::optional<host::Size> size;  // the output picture's, at full resolution

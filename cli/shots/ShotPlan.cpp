@@ -11,6 +11,7 @@
 #include "cli/pictures/ImageReader.h"
 #include "cli/pictures/OutputFile.h"
 #include "cli/pictures/Reduce.h"
+#include "cli/shots/InputGuard.h"
 #include "cli/shots/ModuleLocation.h"
 #include "cli/shots/ShotMemory.h"
 
@@ -164,6 +165,9 @@ Shot planShot(const RenderOptions& options) {
   timeOf(shot.frames.first, options.rate);
   timeOf(shot.frames.last, options.rate);
   planFiles(shot);
+  if (!options.overwrite) {
+    refuseToReplaceInputs(shot);
+  }
   shot.corners = cornersOf(options);
 
   const FrameHeads heads = probeShot(shot.layer_files, shot.plate_files, shot.frames, options.keep_going);

@@ -1,5 +1,9 @@
 #include "host/frames/FrameRender.h"
 
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+
 #include <cstring>
 #include <exception>
 #include <limits>
@@ -28,14 +32,41 @@ ImageView readOnly(const ConstImageView& view) {
 }
 
 // The layer at the frame's resolution: itself, or scaled into `scaled`.
-Result<ImageView> layerAtResolution(const ConstImageView& layer, int n, Image* scaled) {
+Result<ImageView> layerAtResolution(const ConstImageView& layer, int n, BlockEdges edges, Image* scaled) {
   if (n == 1) {
     return readOnly(layer);
   }
   return scaled->fit(downsampled(layer.size, n), layer.depth).map([&] {
-    downsample(layer, n, BlockEdges::Transparent, scaled->view());
+    downsample(layer, n, edges, scaled->view());
     return scaled->view();
   });
+}
+
+constexpr double kHalfPixel = 0.5;
+
+// The corners at the frame's time, in pixels of its resolution.
+Corners cornersAt(const AnimatedCorners& corners, const FrameOptions& options) {
+  const Corners full = corners.at(static_cast<double>(options.time.time) / options.time.scale);
+  const auto scaled = [&](const Point& p) { return Point{p.x / options.downsample, p.y / options.downsample}; };
+  return {scaled(full.upper_left), scaled(full.upper_right), scaled(full.lower_left), scaled(full.lower_right)};
+}
+
+// The rows of the canvas that a region reaches, whole, in canvas pixels.
+Rect rowsOf(const CoverageRegion& region, const Rect& canvas) {
+  const Box box = region.bounds();
+  const auto on_canvas = [&](double y) {
+    return static_cast<int>(std::clamp(y, static_cast<double>(canvas.top), static_cast<double>(canvas.bottom))) -
+           canvas.top;
+  };
+  const Rect rows{0, on_canvas(std::floor(box.top)), canvas.width(), on_canvas(std::ceil(box.bottom))};
+  const bool is_beside = box.right <= canvas.left || box.left >= canvas.right;
+  return region.empty() || rows.empty() || is_beside ? Rect{} : rows;
+}
+
+void rethrowProgressFailure(const RowScheduler& rows) {
+  if (rows.progressFailure()) {
+    std::rethrow_exception(rows.progressFailure());
+  }
 }
 
 // The bilinear renderer holds the layer's edges, and the corners on the canvas, in 16.16 too.
@@ -62,14 +93,16 @@ Result<void> checkBilinearReach(const FrameState& frame, const Rect& canvas) {
 
 }  // namespace
 
-FrameRender::FrameRender(const ModuleState& module, FrameState& frame, const AnimatedCorners& corners, Size layer_size,
-                         const FrameOptions& options)
-    : job_{module, frame, layer_size, options} {
+FrameRender::FrameRender(const ModuleState& module, FrameState& frame, TileStore& tiles, const AnimatedCorners& corners,
+                         Size layer_size, const FrameOptions& options)
+    : job_{module, frame, layer_size, options}, tiles_(tiles) {
   frame.corners = &corners;
+  frame.placed.reset();
+  frame.space = SampleSpace::Centres;
   frame.downsample = options.downsample;
   frame.iterated = false;
   frame.render_seconds = 0.0;
-  frame.rows.begin(module.checking ? 1 : options.threads, options.progress, options.stop);
+  frame.rows.begin(module.workers, module.checking ? 1 : options.threads, options.progress, options.stop);
 }
 
 FrameRender::~FrameRender() {
@@ -79,14 +112,54 @@ FrameRender::~FrameRender() {
   job_.frame.output = {};
 }
 
-Result<void> FrameRender::prepare(const ConstImageView& layer, const ImageView& output) {
+Result<FrameResult> FrameRender::render(const ConstImageView& layer, const Rect& canvas, const ImageView& output) {
+  const FrameOptions& options = job_.options;
   FrameState& frame = job_.frame;
-  Result<ImageView> input = layerAtResolution(layer, job_.options.downsample, &frame.scaled_layer);
+  const BlockEdges block_edges = edgesOf(options) == Edges::Crisp ? BlockEdges::LeftOut : BlockEdges::Transparent;
+  Result<ImageView> input = layerAtResolution(layer, options.downsample, block_edges, &frame.scaled_layer);
   if (!input) {
     return tl::unexpected(std::move(input).error());
   }
   frame.depth = layer.depth;
   frame.input = worldOf(*input);
+  const double n = options.downsample;
+  const FramePlan plan(cornersAt(*frame.corners, options), layer.size.width / n, layer.size.height / n, input->size,
+                       options);
+  if (needsTiles(options, plan)) {
+    return renderInTiles(plan, *input, canvas, output);
+  }
+  place(plan);
+  return prepare(output).and_then([&] { return draw(canvas); }).and_then([&](const Rect& drawn) {
+    return deliver(drawn, canvas, output);
+  });
+}
+
+void FrameRender::place(const FramePlan& plan) {
+  if (job_.options.placement == Placement::Centres || plan.isWholeMove()) {
+    return;
+  }
+  const auto moved = [](const Point& p) { return Point{p.x - kHalfPixel, p.y - kHalfPixel}; };
+  const Corners& corners = plan.corners;
+  job_.frame.placed = Corners{moved(corners.upper_left), moved(corners.upper_right), moved(corners.lower_left),
+                              moved(corners.lower_right)};
+  job_.frame.space = SampleSpace::Outline;
+}
+
+Result<FrameResult> FrameRender::renderInTiles(const FramePlan& plan, const ImageView& layer, const Rect& canvas,
+                                               const ImageView& output) {
+  const auto begin = std::chrono::steady_clock::now();
+  TiledFrame tiles(job_.module, tiles_, plan, job_.options, layer);
+  return tiles.draw(job_.frame.rows, canvas, output).and_then([&] { return endOfFrame(); }).map([&] {
+    FrameResult result;
+    result.path = plan.path;
+    result.drawn = rowsOf(plan.region, canvas);
+    result.render_seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    return result;
+  });
+}
+
+Result<void> FrameRender::prepare(const ImageView& output) {
+  FrameState& frame = job_.frame;
   frame.output = worldOf(output);
   if (job_.module.checking) {
     Result<RowGuard> guard = RowGuard::create(output.size, output.depth);
@@ -106,16 +179,21 @@ Result<Rect> FrameRender::draw(const Rect& canvas) {
   if (drawn && needsRetry(frame, canvas)) {
     drawn = drawOnShiftedCanvas(job_, canvas).map([&] { return *drawn; });
   }
-  if (drawn) {
-    frame.rows.report(1.0);
+  if (!drawn) {
+    rethrowProgressFailure(frame.rows);
+    return drawn;
   }
-  if (frame.rows.progressFailure()) {
-    std::rethrow_exception(frame.rows.progressFailure());
-  }
-  if (drawn && job_.options.stop.stop_requested()) {
+  return endOfFrame().map([&] { return *drawn; });
+}
+
+Result<void> FrameRender::endOfFrame() {
+  RowScheduler& rows = job_.frame.rows;
+  rows.report(1.0);
+  rethrowProgressFailure(rows);
+  if (rows.stopRequested()) {
     return failure(ErrorKind::Interrupted, "frame", "the frame was stopped before it was done");
   }
-  return drawn;
+  return {};
 }
 
 Result<FrameResult> FrameRender::deliver(const Rect& drawn, const Rect& canvas, const ImageView& output) {

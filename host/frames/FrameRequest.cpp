@@ -1,6 +1,7 @@
 #include "host/frames/FrameRequest.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -77,6 +78,16 @@ Result<void> checkLayerReach(Size layer_size, int downsample) {
 Result<void> checkOptions(const FrameOptions& options) {
   if (options.downsample < 1) {
     return invalidArgument("downsample", std::to_string(options.downsample) + " is not 1 or more");
+  }
+  constexpr std::array kSampleCounts{0, 1, 2, 4, 8};
+  if (std::ranges::find(kSampleCounts, options.samples) == kSampleCounts.end()) {
+    return invalidArgument("samples", std::to_string(options.samples) + " is none of 1, 2, 4, 8, and 0 for automatic");
+  }
+  if (options.placement == Placement::Centres && options.samples > 1) {
+    return invalidArgument("samples", "only one is possible where positions count from pixel centres; use 1");
+  }
+  if (options.placement == Placement::Centres && options.edges == Edges::Crisp) {
+    return invalidArgument("edges", "they can only be soft where positions count from pixel centres; use soft edges");
   }
   if (options.time.scale == 0) {
     return invalidArgument("time scale", "it must be 1 or more units per second");

@@ -7,18 +7,15 @@
 
 namespace vantorel::host {
 
-// One run over the rows. Its atomics order by themselves what the calling thread writes before the rows, and what the
-// rows write before the calling thread goes on.
+// One run over the rows.
 struct RowScheduler::Pass {
   RowScheduler& scheduler;
   CallContext& context;
   const RowFunction& task;
   double share_begin;
   double share_per_row;
-  std::atomic<bool> begun{false};
   std::atomic<std::int32_t> code{0};
   std::atomic<std::int32_t> rows_done{0};
-  std::atomic<std::int32_t> parts_done{0};
 
   // The first failure stays.
   void fail(std::int32_t failure) {
@@ -27,8 +24,10 @@ struct RowScheduler::Pass {
   }
 };
 
-void RowScheduler::begin(unsigned threads, const std::function<void(double)>& progress, std::stop_token stop) {
-  parallel_.setThreads(threads);
+void RowScheduler::begin(WorkerPool& pool, unsigned threads, const std::function<void(double)>& progress,
+                         std::stop_token stop) {
+  pool_ = &pool;
+  threads_ = threads;
   progress_ = progress ? &progress : nullptr;
   stop_ = std::move(stop);
   reported_ = 0.0;
@@ -41,22 +40,16 @@ std::int32_t RowScheduler::run(CallContext& context, std::int32_t top, std::int3
     return ERR_NONE;
   }
   Pass pass{*this, context, task, share_begin, (share_end - share_begin) / (static_cast<double>(bottom) - top)};
-  pass.begun.store(true, std::memory_order_release);
-  parallel_.run(top, bottom, {runRows, &pass});
-  pass.parts_done.load(std::memory_order_acquire);
+  pool_->run(top, bottom, threads_, {runRows, &pass});
   return pass.code.load();
 }
 
 void RowScheduler::runRows(void* data, std::int32_t begin, std::int32_t end) {
   Pass& pass = *static_cast<Pass*>(data);
-  pass.begun.load(std::memory_order_acquire);
-  {
-    const CallScope scope(pass.context);
-    for (std::int32_t y = begin; y < end && pass.code.load(std::memory_order_relaxed) == 0; ++y) {
-      pass.scheduler.runRow(pass, y);
-    }
+  const CallScope scope(pass.context);
+  for (std::int32_t y = begin; y < end && pass.code.load(std::memory_order_relaxed) == 0; ++y) {
+    pass.scheduler.runRow(pass, y);
   }
-  pass.parts_done.fetch_add(1, std::memory_order_release);
 }
 
 void RowScheduler::runRow(Pass& pass, std::int32_t y) {

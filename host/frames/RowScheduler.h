@@ -8,7 +8,7 @@
 #include <mutex>
 #include <stop_token>
 
-#include "host/frames/ParallelRows.h"
+#include "host/frames/WorkerPool.h"
 
 namespace vantorel::host {
 
@@ -22,9 +22,9 @@ struct RowFunction {
 
 class RowScheduler {
  public:
-  // Prepares for a frame. `threads` 0 means as many as the machine has, 1 the calling thread alone. `progress` may be
-  // empty and must outlive the frame.
-  void begin(unsigned threads, const std::function<void(double)>& progress, std::stop_token stop);
+  // Prepares for a frame on threads of the pool's. `threads` 0 means as many as the machine has, 1 the calling thread
+  // alone. `progress` may be empty; it and the pool must outlive the frame.
+  void begin(WorkerPool& pool, unsigned threads, const std::function<void(double)>& progress, std::stop_token stop);
 
   // Runs the task for every row of [top, bottom), each once, on several threads in any order. The share of the frame
   // done goes from `share_begin` to `share_end`. Returns the first code that is not 0, or kCodeInterrupted when the
@@ -45,7 +45,8 @@ class RowScheduler {
   static void runRows(void* pass, std::int32_t begin, std::int32_t end);
   void runRow(Pass& pass, std::int32_t y);
 
-  ParallelRows parallel_;
+  WorkerPool* pool_ = nullptr;
+  unsigned threads_ = 1;
   const std::function<void(double)>* progress_ = nullptr;
   std::stop_token stop_;
   std::mutex mutex_;  // of the progress

@@ -1,17 +1,19 @@
-// The variants that areaSamplers() chooses from; all give the same bits.
+// The variants that AreaSampler.cpp chooses from; those beyond the scalar one exist on x86-64 only. The vector variants
+// leave to the scalar one what they have no code for.
 #pragma once
 
 #include "host/sampling/AreaSampler.h"
 
 namespace vantorel::host {
 
-// For every machine.
-const AreaSamplers& plainAreaSamplers();
+struct AreaSamplerTables {
+  AreaSamplers in[kSampleSpaces];  // by SampleSpace
 
-// For machines with AVX2 and FMA; exists on x86-64 only.
-const AreaSamplers& avx2AreaSamplers();
+  VANTOREL_INLINE constexpr const AreaSamplers& centres() const { return in[0]; }
+};
 
-// For machines with AVX-512, as far as its processors since about 2019 have it; exists on x86-64 only.
-const AreaSamplers& avx512AreaSamplers();
+extern const AreaSamplerTables kScalarAreaSamplers;
+extern const AreaSamplerTables kAvx2AreaSamplers;
+extern const AreaSamplerTables kAvx512AreaSamplers;
 
 }  // namespace vantorel::host

@@ -119,5 +119,17 @@ TEST(SequenceCommand, AnInterruptedRunLeavesWholeFramesAndGoesOnLater) {
   EXPECT_EQ(folder.count(), frames + 3);
 }
 
+TEST(SequenceCommand, SignalsThatWereIgnoredStayIgnored) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 640x480");
+  const std::string shot = "render card.png -o out.#.png --threads 1 --frames 1-60";
+  for (const std::string signal : {"HUP", "INT"}) {
+    // The shell becomes the command, and so has the number that the signal goes to.
+    const CommandResult result =
+        run(folder, shot, "trap '' " + signal + "; (sleep 0.5; kill -" + signal + " $$) & exec");
+    EXPECT_EQ(result.code, 0) << signal << "\n" << result.err;
+  }
+}
+
 }  // namespace
 }  // namespace vantorel::cli

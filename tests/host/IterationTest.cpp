@@ -13,6 +13,7 @@ namespace {
 // A command that is running, with the frame that the iterators need.
 struct Running {
   ModuleResources resources;
+  WorkerPool pool;
   FrameState frame;
   CallContext context{resources};
   CallScope scope{context};
@@ -21,9 +22,9 @@ struct Running {
   explicit Running(unsigned threads, std::function<void(double)> progress = {}, std::stop_token stop = {})
       : progress_(std::move(progress)) {
     context.frame = &frame;
-    installCallbacks(&in);
+    installCallbacks(&in, SampleSpace::Centres);
     in.effect_ref = &context;
-    frame.rows.begin(threads, progress_, std::move(stop));
+    frame.rows.begin(pool, threads, progress_, std::move(stop));
   }
 
  private:
