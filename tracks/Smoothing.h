@@ -15,8 +15,8 @@ constexpr double kLargestSigma = 100.0;  // in frames
 // keys: of each side at most 3 kLargestSigma keys count.
 void smooth(std::vector<CornerKey>& keys, double sigma);
 
-// The frames to which a corner moves by more than `share` of the quadrilateral's size within a frame. Keys further apart
-// than a frame are motion, whatever is between them.
+// The frames to which a corner moves by more than `share` of the quadrilateral's size within a frame. Keys further
+// apart than a frame are motion, whatever is between them.
 std::vector<double> jumps(const std::vector<CornerKey>& keys, double share);
 
 }  // namespace vantorel::tracks
