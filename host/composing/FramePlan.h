@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 
 #include "host/Frame.h"
 #include "host/composing/TileTree.h"
@@ -40,17 +41,17 @@ Edges edgesOf(const FrameOptions& options);
 // Whether the options ask for more than the effect gives in one piece.
 bool needsTiles(const FrameOptions& options, const FramePlan& plan);
 
-// The samples of a plan's tiles.
+// How many samples, per axis, the pixels of a part of the plane need; 0 where the plan draws nothing.
+int samplesFor(const FramePlan& plan, const Rect& part);
+
+// The samples of a frame's tiles: as many as the moment needs that needs most.
 class PlannedSamples final : public SampleRule {
  public:
-  explicit PlannedSamples(const FramePlan& plan) : plan_(plan) {}
+  explicit PlannedSamples(std::span<const FramePlan> moments) : moments_(moments) {}
   int samplesFor(const Rect& part) const override;
 
  private:
-  int neededIn(const ConvexPolygon& part) const;
-  int neededByScan() const;
-
-  const FramePlan& plan_;
+  std::span<const FramePlan> moments_;
 };
 
 }  // namespace vantorel::host

@@ -4,8 +4,10 @@
 #include <cmath>
 #include <cstring>
 
+#include "host/composing/Accumulate.h"
 #include "host/composing/Resolve.h"
 #include "host/composing/ScanEdges.h"
+#include "host/composing/Shutter.h"
 #include "host/frames/FrameParameters.h"
 #include "host/frames/FrameProtocols.h"
 
@@ -104,13 +106,14 @@ void copy(const ImageView& from, const ImageView& to) {
 }
 
 // Has the module draw the grid into `drawn`.
-Result<void> drawSamples(const TileSetting& setting, const TileGrid& grid, const Convention& convention,
-                         FrameState& frame, const ImageView& drawn) {
+Result<void> drawSamples(const TileSetting& setting, const FramePlan& plan, const TileGrid& grid,
+                         const Convention& convention, FrameState& frame, const ImageView& drawn) {
+  const ImageView& layer = plan.path == RenderPath::Bilinear ? setting.scanned_layer : setting.layer;
   const Point origin = grid.origin();
   Rect canvas{0, 0, drawn.size.width, drawn.size.height};
-  Corners corners = onGrid(setting.plan.corners, origin, grid.samples, convention.half);
+  Corners corners = onGrid(plan.corners, origin, grid.samples, convention.half);
   if (!areCoordinates(corners)) {
-    if (setting.plan.path == RenderPath::Bilinear) {
+    if (plan.path == RenderPath::Bilinear) {
       return invalidArgument("canvas",
                              "a corner lies 32768 pixels or more from its upper left corner, farther than a "
                              "quadrilateral that is not convex can be drawn; use a nearer canvas");
@@ -119,13 +122,13 @@ Result<void> drawSamples(const TileSetting& setting, const TileGrid& grid, const
     const int left = grid.area.left - grid.apron_x;
     const int top = grid.area.top - grid.apron_y;
     canvas = {left, top, left + drawn.size.width, top + drawn.size.height};
-    corners = onGrid(setting.plan.corners, {}, 1, convention.half);
+    corners = onGrid(plan.corners, {}, 1, convention.half);
   }
   frame.rows.begin(setting.module.workers, 1, setting.options.progress, setting.options.stop);
   frame.depth = drawn.depth;
   frame.placed = corners;
   frame.space = convention.space;
-  frame.input = worldOf(setting.layer);
+  frame.input = worldOf(layer);
   frame.output = worldOf(drawn);
   frame.iterated = false;
   if (setting.module.checking) {
@@ -137,7 +140,7 @@ Result<void> drawSamples(const TileSetting& setting, const TileGrid& grid, const
     frame.output = worldOf(frame.guard->world());
   }
   fillParameters(&frame, setting.options.time);
-  const FrameJob job{setting.module, frame, setting.layer.size, setting.options};
+  const FrameJob job{setting.module, frame, layer.size, setting.options};
   const Result<Rect> rows = drawFrame(job, canvas);
   if (frame.guard && rows) {
     copy(frame.guard->world(), drawn);
@@ -147,17 +150,9 @@ Result<void> drawSamples(const TileSetting& setting, const TileGrid& grid, const
   return rows ? Result<void>() : tl::unexpected(rows.error());
 }
 
-}  // namespace
-
-Result<void> drawTile(const TileSetting& setting, const Tile& tile, TileWorker& worker) {
-  const FramePlan& plan = setting.plan;
-  const Rect visible = common(tile.area, setting.canvas);
-  const ImageView target = partOf(setting.output, visible.left - setting.canvas.left, visible.top - setting.canvas.top,
-                                  {visible.width(), visible.height()});
-  if (tile.samples == 0) {
-    clear(target);
-    return {};
-  }
+// Draws the part of a tile that `visible` holds into `target`, at one moment.
+Result<void> drawMoment(const TileSetting& setting, const FramePlan& plan, const Tile& tile, const Rect& visible,
+                        TileWorker& worker, const ImageView& target) {
   const Convention convention = conventionOf(plan);
   const TileGrid grid = gridOf(plan, tile, convention.half);
   const bool is_in_place = grid.samples == 1 && grid.size() == target.size;
@@ -169,7 +164,7 @@ Result<void> drawTile(const TileSetting& setting, const Tile& tile, TileWorker& 
     }
     drawn = partOf(worker.samples.view(), 0, 0, grid.size());
   }
-  if (Result<void> done = drawSamples(setting, grid, convention, worker.frame, drawn); !done) {
+  if (Result<void> done = drawSamples(setting, plan, grid, convention, worker.frame, drawn); !done) {
     return done;
   }
   const Point origin = grid.origin();
@@ -185,6 +180,46 @@ Result<void> drawTile(const TileSetting& setting, const Tile& tile, TileWorker& 
       plan.region.onGrid({static_cast<double>(grid.area.left), static_cast<double>(grid.area.top)}, grid.samples);
   resolve(asConst(samples), grid.samples, region, visible.left - grid.area.left, visible.top - grid.area.top, target);
   return {};
+}
+
+// The mean of all moments.
+Result<void> drawBlurred(const TileSetting& setting, const Tile& tile, const Rect& visible, TileWorker& worker,
+                         const ImageView& target) {
+  const auto fitted = worker.moment.fit({kTileSide, kTileSide}, target.depth).and_then([&] {
+    return worker.sums.fit({kTileSide, kTileSide}, Depth::Float);
+  });
+  if (!fitted) {
+    return fitted;
+  }
+  const ImageView moment = partOf(worker.moment.view(), 0, 0, target.size);
+  const ImageView sums = partOf(worker.sums.view(), 0, 0, target.size);
+  clear(sums);
+  const Tile part{tile.area, samplesOfMoment(tile.samples, setting.moments.size())};
+  for (const FramePlan& plan : setting.moments) {
+    if (samplesFor(plan, tile.area) == 0) {
+      continue;
+    }
+    if (Result<void> done = drawMoment(setting, plan, part, visible, worker, moment); !done) {
+      return done;
+    }
+    addTo(sums, asConst(moment));
+  }
+  meanOf(asConst(sums), setting.moments.size(), target);
+  return {};
+}
+
+}  // namespace
+
+Result<void> drawTile(const TileSetting& setting, const Tile& tile, TileWorker& worker) {
+  const Rect visible = common(tile.area, setting.canvas);
+  const ImageView target = partOf(setting.output, visible.left - setting.canvas.left, visible.top - setting.canvas.top,
+                                  {visible.width(), visible.height()});
+  if (tile.samples == 0) {
+    clear(target);
+    return {};
+  }
+  return setting.moments.size() == 1 ? drawMoment(setting, setting.moments.front(), tile, visible, worker, target)
+                                     : drawBlurred(setting, tile, visible, worker, target);
 }
 
 }  // namespace vantorel::host

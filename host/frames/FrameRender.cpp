@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "host/Downsample.h"
+#include "host/composing/Shutter.h"
 #include "host/frames/DegenerateMapRetry.h"
 #include "host/frames/FrameParameters.h"
 
@@ -44,11 +45,18 @@ Result<ImageView> layerAtResolution(const ConstImageView& layer, int n, BlockEdg
 
 constexpr double kHalfPixel = 0.5;
 
-// The corners at the frame's time, in pixels of its resolution.
-Corners cornersAt(const AnimatedCorners& corners, const FrameOptions& options) {
-  const Corners full = corners.at(static_cast<double>(options.time.time) / options.time.scale);
-  const auto scaled = [&](const Point& p) { return Point{p.x / options.downsample, p.y / options.downsample}; };
+// The corners at a time, in pixels at 1/n.
+Corners cornersAt(const AnimatedCorners& corners, double seconds, double n) {
+  const Corners full = corners.at(seconds);
+  const auto scaled = [&](const Point& p) { return Point{p.x / n, p.y / n}; };
   return {scaled(full.upper_left), scaled(full.upper_right), scaled(full.lower_left), scaled(full.lower_right)};
+}
+
+Rect united(const Rect& a, const Rect& b) {
+  if (a.empty() || b.empty()) {
+    return a.empty() ? b : a;
+  }
+  return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
 }
 
 // The rows of the canvas that a region reaches, whole, in canvas pixels.
@@ -61,6 +69,14 @@ Rect rowsOf(const CoverageRegion& region, const Rect& canvas) {
   const Rect rows{0, on_canvas(std::floor(box.top)), canvas.width(), on_canvas(std::ceil(box.bottom))};
   const bool is_beside = box.right <= canvas.left || box.left >= canvas.right;
   return region.empty() || rows.empty() || is_beside ? Rect{} : rows;
+}
+
+Rect rowsOf(const std::vector<FramePlan>& moments, const Rect& canvas) {
+  Rect rows;
+  for (const FramePlan& plan : moments) {
+    rows = united(rows, rowsOf(plan.region, canvas));
+  }
+  return rows;
 }
 
 void rethrowProgressFailure(const RowScheduler& rows) {
@@ -122,16 +138,25 @@ Result<FrameResult> FrameRender::render(const ConstImageView& layer, const Rect&
   }
   frame.depth = layer.depth;
   frame.input = worldOf(*input);
-  const double n = options.downsample;
-  const FramePlan plan(cornersAt(*frame.corners, options), layer.size.width / n, layer.size.height / n, input->size,
-                       options);
-  if (needsTiles(options, plan)) {
-    return renderInTiles(plan, *input, canvas, output);
+  planMoments(layer.size, input->size);
+  if (tiles_.plans.size() > 1 || needsTiles(options, tiles_.plans.front())) {
+    return renderInTiles(*input, canvas, output);
   }
-  place(plan);
+  place(tiles_.plans.front());
   return prepare(output).and_then([&] { return draw(canvas); }).and_then([&](const Rect& drawn) {
     return deliver(drawn, canvas, output);
   });
+}
+
+void FrameRender::planMoments(Size layer_size, Size scaled_size) {
+  const FrameOptions& options = job_.options;
+  const double n = options.downsample;
+  momentsOf(*job_.frame.corners, options, &tiles_.moments);
+  tiles_.plans.clear();
+  for (const double seconds : tiles_.moments) {
+    tiles_.plans.emplace_back(cornersAt(*job_.frame.corners, seconds, n), layer_size.width / n, layer_size.height / n,
+                              scaled_size, options);
+  }
 }
 
 void FrameRender::place(const FramePlan& plan) {
@@ -145,14 +170,13 @@ void FrameRender::place(const FramePlan& plan) {
   job_.frame.space = SampleSpace::Outline;
 }
 
-Result<FrameResult> FrameRender::renderInTiles(const FramePlan& plan, const ImageView& layer, const Rect& canvas,
-                                               const ImageView& output) {
+Result<FrameResult> FrameRender::renderInTiles(const ImageView& layer, const Rect& canvas, const ImageView& output) {
   const auto begin = std::chrono::steady_clock::now();
-  TiledFrame tiles(job_.module, tiles_, plan, job_.options, layer);
+  TiledFrame tiles(job_.module, tiles_, job_.options, layer);
   return tiles.draw(job_.frame.rows, canvas, output).and_then([&] { return endOfFrame(); }).map([&] {
     FrameResult result;
-    result.path = plan.path;
-    result.drawn = rowsOf(plan.region, canvas);
+    result.path = tiles_.plans[tiles_.plans.size() / 2].path;
+    result.drawn = rowsOf(tiles_.plans, canvas);
     result.render_seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     return result;
   });
@@ -216,8 +240,18 @@ Result<Rect> FrameRender::boundingBox() {
   FrameState& frame = job_.frame;
   frame.input.width = job_.layer_size.width;
   frame.input.height = job_.layer_size.height;
-  fillParameters(&frame, job_.options.time);
-  return askFrameSetup(job_, {-kFar, -kFar, kFar, kFar});
+  momentsOf(*frame.corners, job_.options, &tiles_.moments);
+  Rect box;
+  for (const double seconds : tiles_.moments) {
+    frame.placed = frame.corners->at(seconds);
+    fillParameters(&frame, job_.options.time);
+    const Result<Rect> asked = askFrameSetup(job_, {-kFar, -kFar, kFar, kFar});
+    if (!asked) {
+      return asked;
+    }
+    box = united(box, *asked);
+  }
+  return box;
 }
 
 }  // namespace vantorel::host

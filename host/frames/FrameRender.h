@@ -31,8 +31,8 @@ class FrameRender {
   Result<Rect> draw(const Rect& canvas);
   Result<FrameResult> deliver(const Rect& drawn, const Rect& canvas, const ImageView& output);
 
-  Result<FrameResult> renderInTiles(const FramePlan& plan, const ImageView& layer, const Rect& canvas,
-                                    const ImageView& output);
+  void planMoments(Size layer_size, Size scaled_size);
+  Result<FrameResult> renderInTiles(const ImageView& layer, const Rect& canvas, const ImageView& output);
   void place(const FramePlan& plan);
   Result<void> endOfFrame();
 
