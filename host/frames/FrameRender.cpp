@@ -44,11 +44,15 @@ Result<ImageView> layerAtResolution(const ConstImageView& layer, int n, BlockEdg
 }
 
 constexpr double kHalfPixel = 0.5;
+constexpr double kFixedOne = 65536.0;
 
-// The corners at a time, in pixels at 1/n.
+// The corners at a time, in pixels at 1/n, rounded to the 16.16 in which a module gets them: times that differ in their
+// last digits give the same picture.
 Corners cornersAt(const AnimatedCorners& corners, double seconds, double n) {
   const Corners full = corners.at(seconds);
-  const auto scaled = [&](const Point& p) { return Point{p.x / n, p.y / n}; };
+  const auto scaled = [&](const Point& p) {
+    return Point{fixedFromPixels(p.x / n) / kFixedOne, fixedFromPixels(p.y / n) / kFixedOne};
+  };
   return {scaled(full.upper_left), scaled(full.upper_right), scaled(full.lower_left), scaled(full.lower_right)};
 }
 
