@@ -27,9 +27,10 @@ ImageView readOnly(const ConstImageView& view) {
   return {const_cast<std::byte*>(view.data), view.row_bytes, view.size, view.depth};
 }
 
-// The layer at the frame's resolution: itself, or scaled into `scaled`.
-Result<ImageView> layerAtResolution(const ConstImageView& layer, int n, Image* scaled) {
-  if (n == 1) {
+// The layer as the module can read it: itself, or reduced by n into `scaled`, by 1 where its rows must be moved. The
+// interface's 8-bit pixels are words, between whose rows modules count in words.
+Result<ImageView> layerForModule(const ConstImageView& layer, int n, Image* scaled) {
+  if (n == 1 && (layer.depth != Depth::Bits8 || layer.row_bytes % 4 == 0)) {
     return readOnly(layer);
   }
   return scaled->fit(downsampled(layer.size, n), layer.depth).map([&] {
@@ -81,7 +82,7 @@ FrameRender::~FrameRender() {
 
 Result<void> FrameRender::prepare(const ConstImageView& layer, const ImageView& output) {
   FrameState& frame = job_.frame;
-  Result<ImageView> input = layerAtResolution(layer, job_.options.downsample, &frame.scaled_layer);
+  Result<ImageView> input = layerForModule(layer, job_.options.downsample, &frame.scaled_layer);
   if (!input) {
     return tl::unexpected(std::move(input).error());
   }

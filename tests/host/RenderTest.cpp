@@ -198,6 +198,23 @@ TEST(RenderTest, BoundingBoxIsAPixelWiderThanTheCornersInEitherProtocol) {
   }
 }
 
+TEST(RenderTest, ALayerMayHaveAnyStrideThatItsChannelsAllow) {
+  for (const Depth depth : testing::kDepths) {
+    Image layer = noise({8, 8}, depth);
+    const std::ptrdiff_t stride = 33 * static_cast<std::ptrdiff_t>(bytesPerPixel(depth) / 4);
+    std::vector<std::byte> pixels(8 * stride);
+    for (int y = 0; y < 8; ++y) {
+      std::memcpy(pixels.data() + stride * y, layer.view().row(y), 8 * bytesPerPixel(depth));
+    }
+    // Concave, so that the renderer is the one that reads rows as words.
+    Instance instance = instanceWith(effect(), {{0, 0}, {38, 2}, {2, 28}, {12, 9}});
+    auto expected = renderFrame(instance, layer, {0, 0, 40, 30});
+    Image output = testing::dirty({40, 30}, depth);
+    ASSERT_TRUE(instance.render({pixels.data(), stride, {8, 8}, depth}, {0, 0, 40, 30}, output.view(), {}));
+    EXPECT_TRUE(samePixels(asConst(expected.pixels.view()), asConst(output.view())));
+  }
+}
+
 TEST(RenderTest, CornersFollowTheFramesTime) {
   Image layer = noise({8, 8}, Depth::Bits8);
   const auto moving = [](Point from) {
