@@ -23,7 +23,8 @@ std::int32_t noted(Note note) {
 }
 
 const void* findSuite(const char* name, std::int32_t version) {
-  static const PF_SamplingFloatSuite1 kSamplingFloatSuite{nullptr, nullptr, areaSamplers(activeInstructionSet()).sample_float};
+  static const PF_SamplingFloatSuite1 kSamplingFloatSuite{nullptr, nullptr,
+                                                          areaSamplers(activeInstructionSet()).sample_float};
   const auto is = [&](const char* suite, std::int32_t suite_version) {
     return version == suite_version && std::strcmp(name, suite) == 0;
   };

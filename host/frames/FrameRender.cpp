@@ -1,7 +1,6 @@
 #include "host/frames/FrameRender.h"
 
 #include <cstring>
-#include <exception>
 #include <limits>
 #include <utility>
 
@@ -109,9 +108,6 @@ Result<Rect> FrameRender::draw(const Rect& canvas) {
   }
   if (drawn) {
     frame.rows.report(1.0);
-  }
-  if (frame.rows.progressFailure()) {
-    std::rethrow_exception(frame.rows.progressFailure());
   }
   if (drawn && job_.options.stop.stop_requested()) {
     return failure(ErrorKind::Interrupted, "frame", "the frame was stopped before it was done");

@@ -21,8 +21,8 @@ class FrameRender {
   // Makes the worlds and the parameters. The request must have passed checkFrameRequest.
   Result<void> prepare(const ConstImageView& layer, const ImageView& output);
 
-  // Has the module draw the canvas, which is given at the frame's resolution. The result is the rows drawn. Throws what
-  // the progress callback threw.
+  // Has the module draw the canvas, which is given at the frame's resolution. The result is the rows drawn. What the
+  // progress callback threw is kept in the frame's rows.
   Result<Rect> draw(const Rect& canvas);
 
   // Brings the pixels to where the caller wants them, and tells of the frame.
