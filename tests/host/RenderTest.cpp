@@ -97,29 +97,6 @@ TEST(RenderTest, BothProtocolsGiveTheSamePixels) {
   EXPECT_GT(bilinear, 0);
 }
 
-// The pixels of a square picture turned clockwise: what was at (x, y) is at (n - 1 - y, x).
-Image turned(Image& image) {
-  const int n = image.size().width;
-  Image result = testing::dirty(image.size(), image.depth());
-  for (int y = 0; y < n; ++y) {
-    for (int x = 0; x < n; ++x) {
-      std::memcpy(result.view().pixel(n - 1 - y, x), image.view().pixel(x, y), bytesPerPixel(image.depth()));
-    }
-  }
-  return result;
-}
-
-TEST(RenderTest, AQuadrilateralTurnedByAQuarterGivesTheSamePictureTurned) {
-  Image layer = noise({24, 24}, Depth::Bits16);
-  // Pixel (x, y) goes to (n - 1 - y, x), so the point (x, y) does too; the layer's lower left corner, which is the
-  // point (0, 24), is drawn from the pixel edge at -1 of the turned canvas.
-  Instance upright = instanceWith(effect(), cornersOf({8, 8, 32, 32}));
-  Instance quarter = instanceWith(effect(), {{31, 8}, {31, 32}, {7, 8}, {7, 32}});
-  auto a = renderFrame(upright, layer, {0, 0, 40, 40}, {});
-  auto b = renderFrame(quarter, layer, {0, 0, 40, 40}, {});
-  EXPECT_TRUE(samePixels(asConst(turned(a.pixels).view()), asConst(b.pixels.view())));
-}
-
 RC_GTEST_PROP(RenderPropertyTest, AnyCornersDrawInsideTheOutputAlone, ()) {
   const auto coordinate = [] {
     return *rc::gen::oneOf(rc::gen::map(rc::gen::inRange(-2000, 3000), [](int v) { return v / 50.0; }),
