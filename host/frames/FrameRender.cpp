@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-
 #include <cstring>
-#include <exception>
 #include <limits>
 #include <utility>
 
@@ -32,9 +30,10 @@ ImageView readOnly(const ConstImageView& view) {
   return {const_cast<std::byte*>(view.data), view.row_bytes, view.size, view.depth};
 }
 
-// The layer at the frame's resolution: itself, or scaled into `scaled`.
-Result<ImageView> layerAtResolution(const ConstImageView& layer, int n, BlockEdges edges, Image* scaled) {
-  if (n == 1) {
+// The layer as the module can read it: itself, or reduced by n into `scaled`, by 1 where its rows must be moved. The
+// interface's 8-bit pixels are words, between whose rows modules count in words.
+Result<ImageView> layerForModule(const ConstImageView& layer, int n, BlockEdges edges, Image* scaled) {
+  if (n == 1 && (layer.depth != Depth::Bits8 || layer.row_bytes % 4 == 0)) {
     return readOnly(layer);
   }
   return scaled->fit(downsampled(layer.size, n), layer.depth).map([&] {
@@ -81,12 +80,6 @@ Rect rowsOf(const std::vector<FramePlan>& moments, const Rect& canvas) {
     rows = united(rows, rowsOf(plan.region, canvas));
   }
   return rows;
-}
-
-void rethrowProgressFailure(const RowScheduler& rows) {
-  if (rows.progressFailure()) {
-    std::rethrow_exception(rows.progressFailure());
-  }
 }
 
 // The bilinear renderer holds the layer's edges, and the corners on the canvas, in 16.16 too.
@@ -136,7 +129,7 @@ Result<FrameResult> FrameRender::render(const ConstImageView& layer, const Rect&
   const FrameOptions& options = job_.options;
   FrameState& frame = job_.frame;
   const BlockEdges block_edges = edgesOf(options) == Edges::Crisp ? BlockEdges::LeftOut : BlockEdges::Transparent;
-  Result<ImageView> input = layerAtResolution(layer, options.downsample, block_edges, &frame.scaled_layer);
+  Result<ImageView> input = layerForModule(layer, options.downsample, block_edges, &frame.scaled_layer);
   if (!input) {
     return tl::unexpected(std::move(input).error());
   }
@@ -208,7 +201,6 @@ Result<Rect> FrameRender::draw(const Rect& canvas) {
     drawn = drawOnShiftedCanvas(job_, canvas).map([&] { return *drawn; });
   }
   if (!drawn) {
-    rethrowProgressFailure(frame.rows);
     return drawn;
   }
   return endOfFrame().map([&] { return *drawn; });
@@ -217,7 +209,6 @@ Result<Rect> FrameRender::draw(const Rect& canvas) {
 Result<void> FrameRender::endOfFrame() {
   RowScheduler& rows = job_.frame.rows;
   rows.report(1.0);
-  rethrowProgressFailure(rows);
   if (rows.stopRequested()) {
     return failure(ErrorKind::Interrupted, "frame", "the frame was stopped before it was done");
   }

@@ -19,7 +19,8 @@ class FrameRender {
   FrameRender& operator=(const FrameRender&) = delete;
 
   // Renders the layer into `output`, which is the whole canvas, given at the frame's resolution. The request must have
-  // passed checkFrameRequest. Throws what the progress callback threw.
+  // passed checkFrameRequest. What the progress callback threw
+  // is kept in the frame's rows.
   Result<FrameResult> render(const ConstImageView& layer, const Rect& canvas, const ImageView& output);
 
   // Instead of all that: the rectangle that the effect asks for when nothing limits it.

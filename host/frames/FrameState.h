@@ -42,7 +42,7 @@ struct FrameState {
   double render_seconds = 0.0;  // inside the module's commands
 
   // What is kept from frame to frame.
-  Image scaled_layer;  // the layer at the last frame's resolution
+  Image scaled_layer;  // the layer, where a module cannot be given the caller's
   Image retry_canvas;  // a larger canvas, for the rare frame that its own gives no map for
 };
 
