@@ -46,6 +46,7 @@ struct RenderOptions {
   std::string module;             // empty: the one beside the command
   std::optional<bool> progress;   // nothing: where standard error is a terminal
   bool json = false;
+  std::string settings;  // the options that change pictures, as they were given
 };
 
 }  // namespace vantorel::cli
