@@ -1,6 +1,7 @@
 #include "host/Instance.h"
 
 #include <cmath>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -13,6 +14,7 @@ namespace vantorel::host {
 struct Instance::State {
   std::shared_ptr<const Module> module;
   AnimatedCorners corners;
+  std::optional<AnimatedCorners> source;
   FrameState frame;
   TileStore tiles;
 };
@@ -38,6 +40,20 @@ Result<void> checkCorner(const AnimatedPoint& point, std::string_view name) {
   return {};
 }
 
+Result<void> checkCorners(const AnimatedCorners& corners, const std::string& prefix) {
+  for (std::size_t i = 0; i < kCornerCount; ++i) {
+    if (Result<void> valid = checkCorner(corners[i], prefix + std::string(kCornerNames[i])); !valid) {
+      return valid;
+    }
+  }
+  return {};
+}
+
+AnimatedCorners constant(const Corners& corners) {
+  return {AnimatedPoint(corners.upper_left), AnimatedPoint(corners.upper_right), AnimatedPoint(corners.lower_left),
+          AnimatedPoint(corners.lower_right)};
+}
+
 }  // namespace
 
 Instance::Instance(std::shared_ptr<const Module> module) : state_(std::make_unique<State>()) {
@@ -49,18 +65,23 @@ Instance::Instance(Instance&&) noexcept = default;
 Instance& Instance::operator=(Instance&&) noexcept = default;
 
 Result<void> Instance::setCorners(const AnimatedCorners& corners) {
-  for (std::size_t i = 0; i < kCornerCount; ++i) {
-    if (Result<void> valid = checkCorner(corners[i], kCornerNames[i]); !valid) {
-      return valid;
-    }
-  }
-  state_->corners = corners;
-  return {};
+  return checkCorners(corners, "").map([&] { state_->corners = corners; });
 }
 
 Result<void> Instance::setCorners(const Corners& corners) {
-  return setCorners(AnimatedCorners{AnimatedPoint(corners.upper_left), AnimatedPoint(corners.upper_right),
-                                    AnimatedPoint(corners.lower_left), AnimatedPoint(corners.lower_right)});
+  return setCorners(constant(corners));
+}
+
+Result<void> Instance::setSource(const AnimatedCorners& source) {
+  return checkCorners(source, "source's ").map([&] { state_->source = source; });
+}
+
+Result<void> Instance::setSource(const Corners& source) {
+  return setSource(constant(source));
+}
+
+void Instance::clearSource() {
+  state_->source.reset();
 }
 
 Corners Instance::defaultCorners(Size layer_size) const {
@@ -81,7 +102,8 @@ Result<FrameResult> Instance::render(const ConstImageView& layer, const Rect& ca
     return tl::unexpected(std::move(valid).error());
   }
   const Rect scaled_canvas = canvasAtResolution(canvas, output.size, options.downsample);
-  return FrameRender(*state_->module->state_, state_->frame, state_->tiles, state_->corners, layer.size, options)
+  return FrameRender(*state_->module->state_, state_->frame, state_->tiles, state_->corners,
+                     state_->source ? &*state_->source : nullptr, layer.size, options)
       .render(layer, scaled_canvas, output);
 }
 
@@ -91,7 +113,8 @@ Result<Rect> Instance::boundingBox(Size layer_size, const FrameOptions& options)
   }
   FrameOptions full = options;
   full.downsample = 1;
-  return FrameRender(*state_->module->state_, state_->frame, state_->tiles, state_->corners, layer_size, full)
+  return FrameRender(*state_->module->state_, state_->frame, state_->tiles, state_->corners,
+                     state_->source ? &*state_->source : nullptr, layer_size, full)
       .boundingBox();
 }
 
