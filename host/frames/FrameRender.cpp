@@ -107,9 +107,10 @@ Result<void> checkBilinearReach(const FrameState& frame, const Rect& canvas) {
 }  // namespace
 
 FrameRender::FrameRender(const ModuleState& module, FrameState& frame, TileStore& tiles, const AnimatedCorners& corners,
-                         Size layer_size, const FrameOptions& options)
+                         const AnimatedCorners* source, Size layer_size, const FrameOptions& options)
     : job_{module, frame, layer_size, options}, tiles_(tiles) {
   frame.corners = &corners;
+  frame.source = source;
   frame.placed.reset();
   frame.space = SampleSpace::Centres;
   frame.downsample = options.downsample;
@@ -135,7 +136,9 @@ Result<FrameResult> FrameRender::render(const ConstImageView& layer, const Rect&
   }
   frame.depth = layer.depth;
   frame.input = worldOf(*input);
-  planMoments(layer.size, input->size);
+  if (Result<void> planned = planMoments(layer.size, input->size); !planned) {
+    return tl::unexpected(std::move(planned).error());
+  }
   if (tiles_.plans.size() > 1 || needsTiles(options, tiles_.plans.front())) {
     return renderInTiles(*input, canvas, output);
   }
@@ -145,15 +148,26 @@ Result<FrameResult> FrameRender::render(const ConstImageView& layer, const Rect&
   });
 }
 
-void FrameRender::planMoments(Size layer_size, Size scaled_size) {
+Result<void> FrameRender::planMoments(Size layer_size, Size scaled_size) {
   const FrameOptions& options = job_.options;
+  const FrameState& frame = job_.frame;
   const double n = options.downsample;
-  momentsOf(*job_.frame.corners, options, &tiles_.moments);
+  if (frame.source != nullptr && options.placement == Placement::Centres) {
+    return invalidArgument("source", "it needs corners that the layer's outline lies on; use that placement");
+  }
+  momentsOf(*frame.corners, frame.source, options, &tiles_.moments);
   tiles_.plans.clear();
   for (const double seconds : tiles_.moments) {
-    tiles_.plans.emplace_back(cornersAt(*job_.frame.corners, seconds, n), layer_size.width / n, layer_size.height / n,
-                              scaled_size, options);
+    const auto source = frame.source != nullptr ? std::optional(cornersAt(*frame.source, seconds, n)) : std::nullopt;
+    tiles_.plans.emplace_back(cornersAt(*frame.corners, seconds, n), source, layer_size.width / n,
+                              layer_size.height / n, scaled_size, options);
+    if (!tiles_.plans.back().hasMap()) {
+      return invalidArgument("source",
+                             "it and the corners must both be strictly convex quadrilaterals, none of whose "
+                             "corners lies on a line with its neighbours; move the corner that does");
+    }
   }
+  return {};
 }
 
 void FrameRender::place(const FramePlan& plan) {
@@ -235,7 +249,7 @@ Result<Rect> FrameRender::boundingBox() {
   FrameState& frame = job_.frame;
   frame.input.width = job_.layer_size.width;
   frame.input.height = job_.layer_size.height;
-  momentsOf(*frame.corners, job_.options, &tiles_.moments);
+  momentsOf(*frame.corners, frame.source, job_.options, &tiles_.moments);
   Rect box;
   for (const double seconds : tiles_.moments) {
     frame.placed = frame.corners->at(seconds);

@@ -13,7 +13,7 @@ namespace vantorel::host {
 class FrameRender {
  public:
   FrameRender(const ModuleState& module, FrameState& frame, TileStore& tiles, const AnimatedCorners& corners,
-              Size layer_size, const FrameOptions& options);
+              const AnimatedCorners* source, Size layer_size, const FrameOptions& options);
   ~FrameRender();
   FrameRender(const FrameRender&) = delete;
   FrameRender& operator=(const FrameRender&) = delete;
@@ -32,7 +32,7 @@ class FrameRender {
   Result<Rect> draw(const Rect& canvas);
   Result<FrameResult> deliver(const Rect& drawn, const Rect& canvas, const ImageView& output);
 
-  void planMoments(Size layer_size, Size scaled_size);
+  Result<void> planMoments(Size layer_size, Size scaled_size);
   Result<FrameResult> renderInTiles(const ImageView& layer, const Rect& canvas, const ImageView& output);
   void place(const FramePlan& plan);
   Result<void> endOfFrame();
