@@ -78,7 +78,8 @@ const TrackOptionRow kTrackOptions[kTrackOptionCount]{
     {"--jump", "SHARE", "Warn where a corner moves by more of the quadrilateral's size in a frame (default: 0.25)",
      [](TrackOptions& o, const std::string& name, const std::string& value) {
        o.resolve.jump = parseNumberInRange(name, value, 1e-6, 1e6);
-     }},
+     },
+     PictureUse::LeavesPicture},
 };
 
 }  // namespace vantorel::cli

@@ -14,6 +14,7 @@ struct TrackOptionRow {
   const char* value;
   const char* help;
   void (*set)(TrackOptions& options, const std::string& name, const std::string& value);
+  PictureUse use = PictureUse::ChangesPicture;
 };
 
 constexpr std::size_t kTrackOptionCount = 10;
@@ -29,7 +30,8 @@ void addTrackOptions(std::vector<OptionRow<Options>>& table, const char* group) 
                        if (options.track.first_option.empty()) {
                          options.track.first_option = name;
                        }
-                     }});
+                     },
+                     nullptr, kTrackOptions[row].use});
     addTrackOptions<Options, row + 1>(table, group);
   }
 }

@@ -9,6 +9,7 @@
 #include <iostream>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/Files.h"
 
 namespace vantorel::cli {
 
@@ -30,16 +31,14 @@ std::string readText(const std::string& path) {
   if (path == "-") {
     return trackOrThrow(tracks::readStream(std::cin, "standard input"));
   }
+  // A pipe is readable as well, but opening it to find out would take what its writer has for the reader.
   std::error_code fault;
-  if (!std::filesystem::exists(path, fault)) {
-    throw fileFailure(path, "does not exist; check the name given to --corners");
-  }
-  if (std::filesystem::is_directory(path, fault)) {
-    throw fileFailure(path, "is not a file of corners but a folder; give a file");
+  if (!std::filesystem::is_fifo(path, fault)) {
+    requireReadableFile(path, "a tracker's file");
   }
   std::ifstream file(path, std::ios::binary);
   if (!file) {
-    throw fileFailure(path, "cannot be read; check its permissions");
+    throw fileFailure(path, "cannot be opened; check its permissions and its disk");
   }
   return trackOrThrow(tracks::readStream(file, path));
 }
