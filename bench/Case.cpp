@@ -16,7 +16,7 @@ std::string nameOf(const Labels& labels) {
     }
   };
   append("kind", labels.kind);
-  append("work", labels.work);
+  append("workload", labels.workload);
   append("size", labels.size);
   append("depth", labels.depth);
   append("quality", labels.quality);
@@ -27,8 +27,8 @@ std::string nameOf(const Labels& labels) {
 
 }  // namespace
 
-Labels frameLabels(const Work& work, host::Depth depth, const std::string& tool, int threads) {
-  return {"frame", work.name, sizeText(work.canvas), depthText(depth), "", tool, threads};
+Labels frameLabels(const Workload& workload, host::Depth depth, const std::string& tool, int threads) {
+  return {"frame", workload.name, sizeText(workload.canvas), depthText(depth), "", tool, threads};
 }
 
 std::string depthText(host::Depth depth) {
@@ -39,12 +39,12 @@ std::string qualityText(host::Quality quality) {
   return quality == host::Quality::High ? "high" : "standard";
 }
 
-void add(const Effort& effort, Case measured) {
+void add(const Effort& effort, const Case& measured) {
   const auto body = [measured](benchmark::State& state) {
     pinTo(measured.labels.threads);
     if (!measured.slow) {
       measured.run();
-      // Threads that this run started are where this thread is.
+      // Threads that this run started have inherited this thread's processor.
       pinTo(measured.labels.threads);
     }
     for ([[maybe_unused]] const auto iteration : state) {
@@ -61,7 +61,7 @@ void add(const Effort& effort, Case measured) {
   }
 }
 
-void addTimedByItself(const Effort& effort, const Labels& labels, std::function<double()> run) {
+void addManuallyTimed(const Effort& effort, const Labels& labels, std::function<double()> run) {
   const auto body = [labels, run = std::move(run)](benchmark::State& state) {
     pinTo(labels.threads);
     for ([[maybe_unused]] const auto iteration : state) {

@@ -5,23 +5,24 @@
 #include <functional>
 #include <string>
 
-#include "bench/Work.h"
+#include "bench/Workload.h"
 #include "host/Image.h"
 #include "host/Instance.h"
 
 namespace vantorel::bench {
 
-// How often measurements are repeated. Each repetition is one run of at least `seconds`, in random order among all.
+// How often measurements are repeated. A repetition is one run of at least `seconds`; the repetitions of all
+// measurements run in random order.
 struct Effort {
   int repetitions = 9;
-  int slow_repetitions = 3;  // of what takes a second and more
+  int slow_repetitions = 3;  // of cases that take a second or more
   double seconds = 0.03;
 };
 
-// The labels by which a result is found again; they become the name, "kind:frame/work:a/...". `size` is the canvas's.
+// The labels that identify a result. They become its name, "kind:frame/workload:a/...". `size` is that of the canvas.
 struct Labels {
   std::string kind;
-  std::string work;
+  std::string workload;
   std::string size;
   std::string depth;
   std::string quality;
@@ -29,8 +30,8 @@ struct Labels {
   int threads = 1;
 };
 
-// The labels of a work's frame drawn by a tool.
-Labels frameLabels(const Work& work, host::Depth depth, const std::string& tool, int threads = 1);
+// The labels of one workload's frame as drawn by a tool.
+Labels frameLabels(const Workload& workload, host::Depth depth, const std::string& tool, int threads = 1);
 
 std::string depthText(host::Depth depth);
 std::string qualityText(host::Quality quality);
@@ -42,12 +43,11 @@ struct Case {
   bool slow = false;
 };
 
-// Registers a measurement: processor time of the whole process, and the wall's clock beside it. A case that is not slow
-// is run once before each repetition.
-void add(const Effort& effort, Case measured);
+// Registers a measurement of processor time, that of the whole process, and wall-clock time. A case that is not slow
+// runs once, uncounted, before each repetition.
+void add(const Effort& effort, const Case& measured);
 
-// Registers a measurement whose run returns the seconds that count, which are then reported as wall time. It is run
-// once a repetition.
-void addTimedByItself(const Effort& effort, const Labels& labels, std::function<double()> run);
+// Registers a measurement whose run returns the seconds to report as wall-clock time. It runs once per repetition.
+void addManuallyTimed(const Effort& effort, const Labels& labels, std::function<double()> run);
 
 }  // namespace vantorel::bench

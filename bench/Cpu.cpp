@@ -15,7 +15,7 @@ namespace {
 
 std::vector<std::size_t> processors;
 
-// Threads that end meanwhile do not matter.
+// A thread that has ended in the meantime makes the call fail, which does not matter.
 void keepOn(pid_t thread, const std::vector<std::size_t>& chosen) {
   cpu_set_t set;
   CPU_ZERO(&set);

@@ -3,16 +3,16 @@
 
 namespace vantorel::bench {
 
-// Remembers the processors that this process may use and has the thread libraries see them all. Call once, from the
-// measuring thread, before anything else.
+// Records the processors that this process may use, and lets the thread libraries start with all of them. Call once,
+// from the measuring thread, before anything else.
 void rememberProcessors();
 
 // How many processors this process may use.
 int processorCount();
 
-// Keeps the calling thread, which must be the main one, on the last of those processors, and all other threads of the
-// process on the `threads` - 1 before it, or the same one when there is no other. Threads that start later are where
-// the one that starts them is.
+// Pins the calling thread, which must be the main one, to the last of those processors, and all other threads of the
+// process to the `threads` - 1 before it, or to the same one if there is no other. A thread that starts later inherits
+// the processors of the thread that starts it.
 void pinTo(int threads);
 
 }  // namespace vantorel::bench

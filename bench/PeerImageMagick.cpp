@@ -13,7 +13,7 @@ namespace vantorel::bench {
 
 namespace {
 
-// A picture's pixels without the rows' padding.
+// A picture's pixels without row padding.
 std::vector<std::uint16_t> packed(const host::ConstImageView& view) {
   std::vector<std::uint16_t> channels;
   for (int y = 0; y < view.size.height; ++y) {
@@ -23,12 +23,12 @@ std::vector<std::uint16_t> packed(const host::ConstImageView& view) {
   return channels;
 }
 
-// Pairs of points, layer and canvas, as the tool wants them: x, y, x, y. Its pixels' centres lie at half-numbers, those
-// of the effect at whole ones.
-std::vector<double> controlPoints(const Work& work) {
-  const double width = work.layer.width;
-  const double height = work.layer.height;
-  const auto& [upper_left, upper_right, lower_left, lower_right] = work.corners;
+// Pairs of points, layer and canvas, in the tool's order: x, y, x, y. Its pixel centres lie at half-integers, those of
+// the effect at integers.
+std::vector<double> controlPoints(const Workload& workload) {
+  const double width = workload.layer.width;
+  const double height = workload.layer.height;
+  const auto& [upper_left, upper_right, lower_left, lower_right] = workload.corners;
   const std::pair<host::Point, host::Point> pairs[] = {
       {{0, 0}, upper_left}, {{width, 0}, upper_right}, {{0, height}, lower_left}, {{width, height}, lower_right}};
   std::vector<double> points;
@@ -51,24 +51,24 @@ void deliverPremultiplied(Magick::Image& image, const host::ImageView& output) {
   }
 }
 
-Drawing prepareDistort(const Work& work, host::Depth depth, int threads) {
-  static const bool ready = (Magick::InitializeMagick(nullptr), true);
-  static_cast<void>(ready);
-  const std::vector<std::uint16_t> channels = packed(picture(work.layer, depth));
-  const auto layer = std::make_shared<Magick::Image>(static_cast<std::size_t>(work.layer.width),
-                                                     static_cast<std::size_t>(work.layer.height), "ARGB",
+Drawing prepareDistort(const Workload& workload, host::Depth depth, int threads) {
+  static const bool kReady = (Magick::InitializeMagick(nullptr), true);
+  static_cast<void>(kReady);
+  const std::vector<std::uint16_t> channels = packed(picture(workload.layer, depth));
+  const auto layer = std::make_shared<Magick::Image>(static_cast<std::size_t>(workload.layer.width),
+                                                     static_cast<std::size_t>(workload.layer.height), "ARGB",
                                                      Magick::ShortPixel, channels.data());
   layer->matte(true);
   layer->virtualPixelMethod(Magick::TransparentVirtualPixelMethod);
-  layer->artifact("distort:viewport", sizeText(work.canvas) + "+0+0");
+  layer->artifact("distort:viewport", sizeText(workload.canvas) + "+0+0");
   const auto result = std::make_shared<Magick::Image>();
-  return {[=, points = controlPoints(work)] {
+  return {[=, points = controlPoints(workload)] {
             MagickCore::SetMagickResourceLimit(MagickCore::ThreadResource,
                                                static_cast<MagickCore::MagickSizeType>(threads));
             *result = *layer;
             result->distort(Magick::PerspectiveDistortion, points.size(), points.data(), false);
           },
-          [=, output = canvas(work.canvas, depth)] { deliverPremultiplied(*result, output); }};
+          [=, output = canvas(workload.canvas, depth)] { deliverPremultiplied(*result, output); }};
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// OpenCV: linear warps, which do not antialias, and its antialiased reduction by area, which knows no perspective.
+// OpenCV: linear warps, which do not antialias, and resizing by area, which does but cannot do perspective.
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
@@ -32,28 +32,28 @@ cv::Point2f pointOf(const host::Point& point) {
   return {static_cast<float>(point.x), static_cast<float>(point.y)};
 }
 
-cv::Mat layerToCanvas(const Work& work) {
-  const auto width = static_cast<float>(work.layer.width);
-  const auto height = static_cast<float>(work.layer.height);
+cv::Mat layerToCanvas(const Workload& workload) {
+  const auto width = static_cast<float>(workload.layer.width);
+  const auto height = static_cast<float>(workload.layer.height);
   const cv::Point2f from[] = {{0, 0}, {width, 0}, {0, height}, {width, height}};
-  const cv::Point2f to[] = {pointOf(work.corners.upper_left), pointOf(work.corners.upper_right),
-                            pointOf(work.corners.lower_left), pointOf(work.corners.lower_right)};
+  const cv::Point2f to[] = {pointOf(workload.corners.upper_left), pointOf(workload.corners.upper_right),
+                            pointOf(workload.corners.lower_left), pointOf(workload.corners.lower_right)};
   return cv::getPerspectiveTransform(from, to);
 }
 
-template <int interpolation>
-Drawing prepareWarp(const Work& work, host::Depth depth, int threads) {
-  const cv::Mat layer = matOf(picture(work.layer, depth));
-  return {[=, output = matOf(canvas(work.canvas, depth)), map = layerToCanvas(work)]() mutable {
+template <int Interpolation>
+Drawing prepareWarp(const Workload& workload, host::Depth depth, int threads) {
+  const cv::Mat layer = matOf(picture(workload.layer, depth));
+  return {[=, output = matOf(canvas(workload.canvas, depth)), map = layerToCanvas(workload)]() mutable {
             cv::setNumThreads(threads);
-            cv::warpPerspective(layer, output, map, output.size(), interpolation, cv::BORDER_CONSTANT);
+            cv::warpPerspective(layer, output, map, output.size(), Interpolation, cv::BORDER_CONSTANT);
           },
           {}};
 }
 
-Drawing prepareResize(const Work& work, host::Depth depth, int threads) {
-  const cv::Mat layer = matOf(picture(work.layer, depth));
-  return {[=, output = matOf(canvas(work.canvas, depth))]() mutable {
+Drawing prepareResize(const Workload& workload, host::Depth depth, int threads) {
+  const cv::Mat layer = matOf(picture(workload.layer, depth));
+  return {[=, output = matOf(canvas(workload.canvas, depth))]() mutable {
             cv::setNumThreads(threads);
             cv::resize(layer, output, output.size(), 0, 0, cv::INTER_AREA);
           },

@@ -26,15 +26,15 @@ OIIO::ImageSpec specOf(host::Size size, host::Depth depth) {
   }
 }
 
-// A buffer over pixels that stay where they are.
+// A buffer over existing pixels, which are not copied.
 std::shared_ptr<OIIO::ImageBuf> bufferOver(const std::byte* pixels, host::Size size, host::Depth depth) {
   return std::make_shared<OIIO::ImageBuf>(specOf(size, depth), const_cast<std::byte*>(pixels));
 }
 
-// Layer to canvas, for row vectors. Here a pixel's centre lies half a pixel from its corner, where the effect and
-// OpenCV have the whole number: hence the moves by half a pixel on both sides.
-Imath::M33f layerToCanvas(const Work& work) {
-  const auto& [upper_left, upper_right, lower_left, lower_right] = work.corners;
+// Layer to canvas, for row vectors. Here pixel centres lie at half-integers, those of the effect and of OpenCV at
+// integers: hence the shifts by half a pixel on both sides.
+Imath::M33f layerToCanvas(const Workload& workload) {
+  const auto& [upper_left, upper_right, lower_left, lower_right] = workload.corners;
   M_Vector2T<double> quad[] = {{upper_left.x, upper_left.y},
                                {upper_right.x, upper_right.y},
                                {lower_right.x, lower_right.y},
@@ -43,7 +43,7 @@ Imath::M33f layerToCanvas(const Work& work) {
   KZFX_MapUnitSquareToFromQuad(quad, &unit_to_quad, 1);
   Imath::M33d map;
   for (int row = 0; row < 3; ++row) {
-    const double scale = row == 0 ? work.layer.width : row == 1 ? work.layer.height : 1;
+    const double scale = row == 0 ? workload.layer.width : row == 1 ? workload.layer.height : 1;
     for (int column = 0; column < 3; ++column) {
       map[row][column] = unit_to_quad.m[row][column] / scale;
     }
@@ -53,10 +53,10 @@ Imath::M33f layerToCanvas(const Work& work) {
   return Imath::M33f(before * map * after);
 }
 
-Drawing prepareWarp(const Work& work, host::Depth depth, int threads, const char* filter) {
-  const auto layer = bufferOver(picture(work.layer, depth).data, work.layer, depth);
-  const auto output = bufferOver(canvas(work.canvas, depth).data, work.canvas, depth);
-  return {[=, map = layerToCanvas(work)] {
+Drawing prepareWarp(const Workload& workload, host::Depth depth, int threads, const char* filter) {
+  const auto layer = bufferOver(picture(workload.layer, depth).data, workload.layer, depth);
+  const auto output = bufferOver(canvas(workload.canvas, depth).data, workload.canvas, depth);
+  return {[=, map = layerToCanvas(workload)] {
             if (!OIIO::ImageBufAlgo::warp(*output, *layer, map, filter, 0.0F, false, OIIO::ImageBuf::WrapBlack, {},
                                           threads)) {
               throw std::runtime_error(output->geterror());
@@ -69,22 +69,26 @@ Drawing prepareWarp(const Work& work, host::Depth depth, int threads, const char
 
 std::vector<Peer> openImageIoPeers() {
   const std::vector<host::Depth> depths(std::begin(kDepths), std::end(kDepths));
-  const std::vector<std::string> works{"a", "c"};
+  const std::vector<std::string> workloads{"a", "c"};
   return {
       {"oiio-default",
-       works,
+       workloads,
        {},
        depths,
        false,
        true,
-       [](const Work& work, host::Depth depth, int threads) { return prepareWarp(work, depth, threads, ""); }},
+       [](const Workload& workload, host::Depth depth, int threads) {
+         return prepareWarp(workload, depth, threads, "");
+       }},
       {"oiio-triangle",
-       works,
+       workloads,
        {},
        depths,
        false,
        true,
-       [](const Work& work, host::Depth depth, int threads) { return prepareWarp(work, depth, threads, "triangle"); }},
+       [](const Workload& workload, host::Depth depth, int threads) {
+         return prepareWarp(workload, depth, threads, "triangle");
+       }},
   };
 }
 

@@ -13,11 +13,11 @@ bool contains(const std::vector<std::string>& names, const std::string& name) {
   return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-void addPeer(const Effort& effort, const Peer& peer, const Work& work, int threads) {
+void addPeer(const Effort& effort, const Peer& peer, const Workload& workload, int threads) {
   for (const host::Depth depth : peer.depths) {
-    preparePictures(work, depth);
-    add(effort, {frameLabels(work, depth, peer.tool, threads), peer.prepare(work, depth, threads).run,
-                 std::int64_t{work.canvas.width} * work.canvas.height, peer.slow});
+    preparePictures(workload, depth);
+    add(effort, {frameLabels(workload, depth, peer.tool, threads), peer.prepare(workload, depth, threads).run,
+                 std::int64_t{workload.canvas.width} * workload.canvas.height, peer.slow});
   }
 }
 
@@ -34,12 +34,12 @@ std::vector<Peer> allPeers() {
 void addPeers(const Effort& effort) {
   for (const Peer& peer : allPeers()) {
     for (const int factor : {1, 2}) {
-      for (const Work& work : worksAt(factor)) {
-        if (contains(peer.works, work.name) && (factor == 1 || peer.at_uhd)) {
-          addPeer(effort, peer, work, 1);
+      for (const Workload& workload : workloadsAt(factor)) {
+        if (contains(peer.workloads, workload.name) && (factor == 1 || peer.runs_at_uhd)) {
+          addPeer(effort, peer, workload, 1);
         }
-        if (contains(peer.works_at_two, work.name) && factor == 1) {
-          addPeer(effort, peer, work, 2);
+        if (contains(peer.two_thread_workloads, workload.name) && factor == 1) {
+          addPeer(effort, peer, workload, 2);
         }
       }
     }

@@ -1,4 +1,4 @@
-// Other tools' libraries, doing the same works on the same pictures in the same process.
+// Other tools' libraries, measured on the same workloads and pictures in the same process.
 #pragma once
 
 #include <functional>
@@ -9,21 +9,21 @@
 
 namespace vantorel::bench {
 
-// A work made ready for a peer.
+// A workload prepared for a peer.
 struct Drawing {
   std::function<void()> run;  // what is measured
-  std::function<void()>
-      deliver;  // puts the result into the shared canvas where `run` leaves it elsewhere; may be empty
+  // Copies the result into the shared canvas; empty where `run` draws there itself.
+  std::function<void()> deliver;
 };
 
 struct Peer {
   std::string tool;
-  std::vector<std::string> works;         // measured at 1920x1080 and one thread
-  std::vector<std::string> works_at_two;  // and at two threads
+  std::vector<std::string> workloads;             // measured at 1920x1080 and one thread
+  std::vector<std::string> two_thread_workloads;  // measured at 1920x1080 and two threads too
   std::vector<host::Depth> depths;
-  bool at_uhd;  // measured at 3840x2160 too
-  bool slow;    // takes a second or more
-  Drawing (*prepare)(const Work& work, host::Depth depth, int threads);
+  bool runs_at_uhd;  // measured at 3840x2160 too
+  bool slow;         // takes a second or more
+  Drawing (*prepare)(const Workload& workload, host::Depth depth, int threads);
 };
 
 std::vector<Peer> openCvPeers();

@@ -86,9 +86,9 @@ ImageView canvas(Size size, Depth depth) {
   return view;
 }
 
-void preparePictures(const Work& work, Depth depth) {
-  picture(work.layer, depth);
-  canvas(work.canvas, depth);
+void preparePictures(const Workload& workload, Depth depth) {
+  picture(workload.layer, depth);
+  canvas(workload.canvas, depth);
 }
 
 }  // namespace vantorel::bench

@@ -1,11 +1,9 @@
-#include <utility>
 #include <vector>
 
-#include "bench/Parts.h"
-#include "effect/HighQualitySampler.h"
-#include "effect/PerspectiveInfo.h"
+#include "bench/Components.h"
 #include "effect/ProjectiveMap.h"
-#include "effect/StandardSampler.h"
+#include "effect/perspective/PerspectiveInfo.h"
+#include "effect/perspective/RowSamplers.h"
 
 namespace vantorel::bench {
 
@@ -17,22 +15,23 @@ std::int32_t sampleNothing(void* /*effect_ref*/, std::int32_t /*x*/, std::int32_
   return ERR_NONE;
 }
 
-// The render driver's record of the work; rows are begun a pixel early, hence the shift.
-KZFX_PerspectiveInfo infoFor(const Work& work, PF_LayerDef* layer) {
+// The record that the render driver would fill for the workload. The row samplers step before they evaluate, hence the
+// shift by a pixel.
+KZFX_PerspectiveInfo infoFor(const Workload& workload, PF_LayerDef* layer) {
   KZFX_PerspectiveInfo info;
-  info.out_width_d = info.out_width = work.canvas.width;
-  info.out_height_d = info.out_height = work.canvas.height;
-  const auto& [upper_left, upper_right, lower_left, lower_right] = work.corners;
+  info.out_width_d = info.out_width = workload.canvas.width;
+  info.out_height_d = info.out_height = workload.canvas.height;
+  const auto& [upper_left, upper_right, lower_left, lower_right] = workload.corners;
   M_Vector2T<double> quad[] = {{upper_left.x + 1, upper_left.y},
                                {upper_right.x + 1, upper_right.y},
                                {lower_right.x + 1, lower_right.y},
                                {lower_left.x + 1, lower_left.y}};
   KZFX_MapUnitSquareToFromQuad(quad, &info.quad_to_unit, 0);
   info.bound_left = info.bound_top = 0;
-  info.bound_right = work.canvas.width;
-  info.bound_bottom = work.canvas.height;
-  info.x_scale = static_cast<double>(work.layer.width) / work.canvas.width;
-  info.y_scale = static_cast<double>(work.layer.height) / work.canvas.height;
+  info.bound_right = workload.canvas.width;
+  info.bound_bottom = workload.canvas.height;
+  info.x_scale = static_cast<double>(workload.layer.width) / workload.canvas.width;
+  info.y_scale = static_cast<double>(workload.layer.height) / workload.canvas.height;
   info.input_world = layer;
   info.effect_ref = nullptr;
   info.sample_8 = sampleNothing<PF_Pixel8>;
@@ -41,32 +40,29 @@ KZFX_PerspectiveInfo infoFor(const Work& work, PF_LayerDef* layer) {
   return info;
 }
 
-using traceRow = void (*)(const void*, std::int32_t, std::int32_t, PF_Pixel8*, const RowBlockFunctions&);
-
-void addTrace(const Effort& effort, const Labels& labels, traceRow trace, const RowBlockFunctions* functions) {
-  const Work work = hdWork(labels.work);
+template <SamplingQuality kQuality>
+void addTrace(const Effort& effort, const Labels& labels, InstructionSet set) {
+  const Workload workload = hdWorkload(labels.workload);
   add(effort, {labels,
-               [=, row = std::vector<PF_Pixel8>(static_cast<std::size_t>(work.canvas.width))]() mutable {
+               [=, row = std::vector<PF_Pixel8>(static_cast<std::size_t>(workload.canvas.width))]() mutable {
                  PF_LayerDef layer{};
-                 const KZFX_PerspectiveInfo info = infoFor(work, &layer);
-                 for (int y = 0; y < work.canvas.height; ++y) {
-                   trace(&info, 0, y, row.data(), *functions);
+                 const KZFX_PerspectiveInfo info = infoFor(workload, &layer);
+                 for (int y = 0; y < workload.canvas.height; ++y) {
+                   traceRow<kQuality>(info, 0, y, row.data(), set);
                  }
                },
-               std::int64_t{work.canvas.width} * work.canvas.height});
+               std::int64_t{workload.canvas.width} * workload.canvas.height});
 }
 
 }  // namespace
 
 void addRowSamplers(const Effort& effort) {
-  constexpr std::pair<InstructionSet, const char*> kSets[] = {
-      {InstructionSet::Plain, "plain"}, {InstructionSet::Avx2, "avx2"}, {InstructionSet::Avx512, "avx512"}};
-  for (const auto& [set, name] : kSets) {
-    if (const RowBlockFunctions* functions = rowBlockFunctionsFor(set)) {
-      Labels labels{"row-sampler", "a", sizeText(kHd), "", "standard", name};
-      addTrace(effort, labels, traceStandardRow<PF_Pixel8>, functions);
+  for (const InstructionSet set : kInstructionSets) {
+    if (isAvailable(set)) {
+      Labels labels{"row-sampler", "a", sizeText(kHd), "", "standard", instructionSetName(set)};
+      addTrace<SamplingQuality::Standard>(effort, labels, set);
       labels.quality = "high";
-      addTrace(effort, labels, traceHighQualityRow<PF_Pixel8>, functions);
+      addTrace<SamplingQuality::High>(effort, labels, set);
     }
   }
 }

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "bench/Agreement.h"
+#include "bench/Components.h"
 #include "bench/Cpu.h"
-#include "bench/Own.h"
-#include "bench/Parts.h"
 #include "bench/Peers.h"
+#include "bench/PictureDifference.h"
+#include "bench/VantorelFrames.h"
 
 namespace {
 
@@ -27,15 +27,15 @@ std::shared_ptr<const host::Module> loadModule(const std::string& path) {
 }
 
 void addAll(const bench::Effort& effort, const std::shared_ptr<const host::Module>& module) {
-  bench::addOwnFrames(effort, module);
-  bench::addOwnSetup(effort, module);
+  bench::addVantorelFrames(effort, module);
+  bench::addVantorelSetup(effort, module);
   bench::addPeers(effort);
   bench::addRowSamplers(effort);
   bench::addAreaSamplers(effort);
-  bench::addFloors(effort);
+  bench::addBaselines(effort);
 }
 
-// Takes MODULE and --quick out of the arguments; what is left is for the benchmark library.
+// Removes MODULE and --quick from the arguments and passes the rest to the benchmark library.
 int run(std::vector<char*> arguments) {
   if (arguments.size() < 2) {
     std::fputs("usage: bench MODULE [--quick] [--benchmark_...]\n", stderr);
@@ -55,8 +55,8 @@ int run(std::vector<char*> arguments) {
   }
   addAll(quick ? kQuick : bench::Effort{}, module);
   if (!quick) {
-    for (const auto& [what, ratio] : bench::agreements(module)) {
-      benchmark::AddCustomContext("agreement " + what, ratio);
+    for (const auto& [what, ratio] : bench::pictureDifferences(module)) {
+      benchmark::AddCustomContext("difference " + what, ratio);
     }
   }
   benchmark::AddCustomContext("processors", std::to_string(bench::processorCount()));

@@ -6,6 +6,8 @@
 function(vantorel_view name folder)
   set(root ${CMAKE_BINARY_DIR}/views/${name})
   set(source ${PROJECT_SOURCE_DIR}/${folder})
+  # A view begins anew: a link left of the whole folder would have links to single headers made in the source itself.
+  file(REMOVE_RECURSE ${root})
   if(ARGN)
     file(MAKE_DIRECTORY ${root}/${folder})
     foreach(header IN LISTS ARGN)

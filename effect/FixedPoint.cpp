@@ -1,6 +1,6 @@
 #include "effect/FixedPoint.h"
 
-#include "effect/Int32Arithmetic.h"
+#include "math/Int32FromDouble.h"
 #include "platform/FixDiv.h"
 
 std::int32_t FixedDiv(std::int32_t a, std::int32_t b) {
@@ -8,10 +8,8 @@ std::int32_t FixedDiv(std::int32_t a, std::int32_t b) {
 }
 
 std::int32_t KZ_FixMulDiv(std::int32_t a, std::int32_t b, std::int32_t c) {
-  const float fa = static_cast<float>(a / 65536.0);
-  const float fb = static_cast<float>(b / 65536.0);
-  const float fc = static_cast<float>(c / 65536.0);
-  const float product = fa * fb;
-  const float quotient = product / fc;
-  return int32FromDouble(static_cast<double>(quotient) * 65536.0);
+  const auto rounded = [](std::int32_t value) { return static_cast<float>(doubleFromFixed(value)); };
+  const float product = rounded(a) * rounded(b);
+  const float quotient = product / rounded(c);
+  return int32FromDouble(static_cast<double>(quotient) * kFixedOne);
 }

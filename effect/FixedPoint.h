@@ -1,10 +1,19 @@
-// 16.16 fixed-point arithmetic of the bilinear renderer: signed 32-bit integers whose value is the integer divided by
-// 65536.
+// 16.16 fixed-point arithmetic: signed 32-bit integers whose value is the integer divided by 65536.
 #pragma once
 
 #include <cstdint>
 
 constexpr std::int32_t kFixedOne = 65536;
+constexpr std::int32_t kFixedHalf = kFixedOne / 2;
+
+constexpr double doubleFromFixed(std::int32_t value) {
+  return value / 65536.0;
+}
+
+// A whole number of pixels as 16.16, without its bits above the 32nd.
+constexpr std::int32_t fixedFromInt(std::int32_t pixels) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(pixels) << 16);
+}
 
 // The low 16 bits: the distance above the floor, also for negative numbers.
 constexpr std::int32_t fixedFraction(std::int32_t value) {

@@ -1,21 +1,12 @@
 #include "effect/FrameSetup.h"
 
 #include "effect/CornerGeometry.h"
-#include "effect/Int32Arithmetic.h"
 #include "effect/Parameters.h"
 #include "effect/PathChoice.h"
 #include "effect/StringTable.h"
+#include "math/Int32FromDouble.h"
 
 namespace {
-
-// The corners as the host passed them with the command, without checking them out.
-void cornersFromParams(const PF_InData* in_data, PF_ParamDef** params, M_Vector2T<double>* corners) {
-  for (int slot = 0; slot < 4; ++slot) {
-    const PF_PointValue& value = params[kCornerParameters[slot]]->value.point;
-    corners[slot] = {value.point_x / 65536.0 + in_data->output_origin_x,
-                     value.point_y / 65536.0 + in_data->output_origin_y};
-  }
-}
 
 // The box, a pixel wider on every side, cut to the hint.
 M_FloatRect outputRect(const M_FloatRect& box, const M_LRect& hint) {
@@ -37,7 +28,7 @@ std::int32_t FrameSetup(PF_InData* in_data, PF_OutData* out_data, PF_ParamDef** 
   PF_LayerDef* const input = &params[0]->value.layer_world;
   M_Vector2T<double> corners[4]{};
   if (UseBilinear(in_data, out_data, input)) {
-    cornersFromParams(in_data, params, corners);
+    cornersOfCommand(in_data, params, corners);
   } else {
     const std::int32_t err = GetCornerPoints(in_data, out_data, input, corners);
     if (err != ERR_NONE) {

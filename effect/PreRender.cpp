@@ -4,6 +4,7 @@
 #include "effect/Int32Arithmetic.h"
 #include "effect/Parameters.h"
 #include "effect/PathChoice.h"
+#include "math/Int32FromDouble.h"
 
 namespace {
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <string_view>
 #include <vector>
 
 namespace vantorel::host {
@@ -12,6 +14,21 @@ struct Point {
   bool operator==(const Point&) const = default;
 };
 
+// The coordinates that the effect's 16.16 numbers hold, in pixels: from kMinCoordinate up to, but not including,
+// kCoordinateEnd.
+inline constexpr double kMinCoordinate = -32768.0;
+inline constexpr double kCoordinateEnd = 32768.0;
+
+// False for NaN too.
+constexpr bool isCoordinate(double pixels) {
+  return pixels >= kMinCoordinate && pixels < kCoordinateEnd;
+}
+
+// The corners in the order of the effect's parameters.
+inline constexpr std::size_t kCornerCount = 4;
+inline constexpr std::array<std::string_view, kCornerCount> kCornerNames{"upper left", "upper right", "lower left",
+                                                                         "lower right"};
+
 // The four corners that the effect stretches the layer onto, in full-resolution layer pixels.
 struct Corners {
   Point upper_left;
@@ -19,9 +36,13 @@ struct Corners {
   Point lower_left;
   Point lower_right;
   bool operator==(const Corners&) const = default;
+
+  // By its place in kCornerNames, below kCornerCount.
+  const Point& operator[](std::size_t corner) const;
 };
 
-enum class Interpolation { Linear, Hold };
+// Smooth: a monotone cubic, which moves steadily through the keys and never beyond the values on either side.
+enum class Interpolation { Linear, Hold, Smooth };
 
 // One point over time. Times are in seconds; values are held before the first and after the last key.
 class AnimatedPoint {
@@ -53,6 +74,11 @@ struct AnimatedCorners {
   AnimatedPoint upper_right;
   AnimatedPoint lower_left;
   AnimatedPoint lower_right;
+
+  Corners at(double seconds) const;
+
+  // By its place in kCornerNames, below kCornerCount.
+  const AnimatedPoint& operator[](std::size_t corner) const;
 };
 
 }  // namespace vantorel::host

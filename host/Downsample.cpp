@@ -23,37 +23,45 @@ Channel mean(BlockSum<Channel> sum, BlockSum<Channel> count) {
 }
 
 template <typename Channel>
-void downsampleRows(const ConstImageView& layer, std::int64_t n, const ImageView& scaled) {
-  const auto count = static_cast<BlockSum<Channel>>(n * n);
-  for (int y = 0; y < scaled.size.height; ++y) {
-    const std::int64_t bottom = std::min<std::int64_t>(n * (std::int64_t{y} + 1), layer.size.height);
-    auto* const out = reinterpret_cast<Channel*>(scaled.row(y));
-    for (std::int64_t x = 0; x < scaled.size.width; ++x) {
-      const std::int64_t right = std::min<std::int64_t>(n * (x + 1), layer.size.width);
-      BlockSum<Channel> sums[kChannels] = {};
-      for (std::int64_t row = n * y; row < bottom; ++row) {
-        const auto* const in = reinterpret_cast<const Channel*>(layer.row(static_cast<int>(row)));
-        for (std::int64_t i = n * x * kChannels; i < right * kChannels; ++i) {
-          sums[i % kChannels] += static_cast<BlockSum<Channel>>(in[i]);
-        }
+void averageRow(const ConstImageView& picture, std::int64_t n, BlockEdges edges, std::int64_t y, Size size,
+                Channel* out) {
+  const std::int64_t bottom = std::min<std::int64_t>(n * (y + 1), picture.size.height);
+  for (std::int64_t x = 0; x < size.width; ++x, out += kChannels) {
+    const std::int64_t right = std::min<std::int64_t>(n * (x + 1), picture.size.width);
+    BlockSum<Channel> sums[kChannels] = {};
+    for (std::int64_t row = n * y; row < bottom; ++row) {
+      const auto* const in = reinterpret_cast<const Channel*>(picture.row(static_cast<int>(row)));
+      for (std::int64_t i = n * x * kChannels; i < right * kChannels; ++i) {
+        sums[i % kChannels] += static_cast<BlockSum<Channel>>(in[i]);
       }
-      for (std::int64_t c = 0; c < kChannels; ++c) {
-        out[x * kChannels + c] = mean<Channel>(sums[c], count);
-      }
+    }
+    const std::int64_t count = edges == BlockEdges::Transparent ? n * n : (bottom - n * y) * (right - n * x);
+    for (std::int64_t c = 0; c < kChannels; ++c) {
+      out[c] = mean<Channel>(sums[c], static_cast<BlockSum<Channel>>(count));
     }
   }
 }
 
 }  // namespace
 
-void downsampleLayer(const ConstImageView& layer, int n, const ImageView& scaled) {
-  switch (layer.depth) {
-    case Depth::Bits8:
-      return downsampleRows<std::uint8_t>(layer, n, scaled);
-    case Depth::Bits16:
-      return downsampleRows<std::uint16_t>(layer, n, scaled);
-    case Depth::Float:
-      return downsampleRows<float>(layer, n, scaled);
+void downsample(const ConstImageView& picture, int n, BlockEdges edges, const ImageView& scaled) {
+  downsampleRows(picture, n, edges, scaled, 0, scaled.size.height);
+}
+
+void downsampleRows(const ConstImageView& picture, int n, BlockEdges edges, const ImageView& scaled, int top,
+                    int bottom) {
+  for (int y = top; y < bottom; ++y) {
+    switch (picture.depth) {
+      case Depth::Bits8:
+        averageRow(picture, n, edges, y, scaled.size, reinterpret_cast<std::uint8_t*>(scaled.row(y)));
+        break;
+      case Depth::Bits16:
+        averageRow(picture, n, edges, y, scaled.size, reinterpret_cast<std::uint16_t*>(scaled.row(y)));
+        break;
+      case Depth::Float:
+        averageRow(picture, n, edges, y, scaled.size, reinterpret_cast<float*>(scaled.row(y)));
+        break;
+    }
   }
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <tl/expected.hpp>
+#include <utility>
 
 namespace vantorel::host {
 
@@ -25,5 +26,19 @@ struct Error {
 
 template <typename T>
 using Result = tl::expected<T, Error>;
+
+// An error to return as a Result of any type.
+inline tl::unexpected<Error> failure(ErrorKind kind, std::string input, std::string message, std::int32_t code = 0) {
+  return tl::unexpected(Error{kind, code, std::move(input), std::move(message)});
+}
+
+inline tl::unexpected<Error> invalidArgument(std::string input, std::string message) {
+  return failure(ErrorKind::InvalidArgument, std::move(input), std::move(message));
+}
+
+// "input: message", as every program shows it.
+inline std::string errorText(const Error& error) {
+  return error.input + ": " + error.message;
+}
 
 }  // namespace vantorel::host

@@ -3,8 +3,7 @@
 #include <cstring>
 #include <limits>
 #include <new>
-
-#include "host/Errors.h"
+#include <utility>
 
 namespace vantorel::host {
 
@@ -15,6 +14,10 @@ constexpr std::size_t alignedUp(std::size_t bytes) {
 }
 
 }  // namespace
+
+std::string sizeText(Size size) {
+  return std::to_string(size.width) + "x" + std::to_string(size.height);
+}
 
 void Image::Free::operator()(std::byte* memory) const {
   ::operator delete[](memory, std::align_val_t{kRowAlignment});
@@ -31,14 +34,22 @@ Result<Image> Image::create(Size size, Depth depth) {
   const std::size_t bytes = row_bytes * static_cast<std::size_t>(size.height);
   void* const memory = ::operator new[](bytes, std::align_val_t{kRowAlignment}, std::nothrow);
   if (memory == nullptr) {
-    return tl::unexpected(Error{ErrorKind::OutOfMemory, 0, "image size",
-                                "there is no memory for " + sizeText(size) + " pixels (" + std::to_string(bytes) +
-                                    " bytes); use a smaller picture"});
+    return failure(
+        ErrorKind::OutOfMemory, "image size",
+        "out of memory for " + sizeText(size) + " pixels (" + std::to_string(bytes) + " bytes); use a smaller picture");
   }
   Image image;
   image.memory_.reset(static_cast<std::byte*>(memory));
   image.view_ = {image.memory_.get(), static_cast<std::ptrdiff_t>(row_bytes), size, depth};
   return image;
+}
+
+Result<void> Image::fit(Size size, Depth depth) {
+  if (!empty() && size == this->size() && depth == this->depth()) {
+    return {};
+  }
+  *this = Image();
+  return create(size, depth).map([this](Image&& created) { *this = std::move(created); });
 }
 
 void Image::clear() {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "host/Error.h"
 
@@ -24,6 +25,9 @@ struct Size {
   int height = 0;
   bool operator==(const Size&) const = default;
 };
+
+// "640x480"
+std::string sizeText(Size size);
 
 // An integer rectangle; right and bottom are exclusive.
 struct Rect {
@@ -65,8 +69,12 @@ class Image {
   Image() = default;
 
   // Allocates an image without clearing it. Fails with InvalidArgument for a size that is not positive or whose rows a
-  // 32-bit stride cannot hold, and with OutOfMemory when the memory is not to be had.
+  // 32-bit stride cannot hold, and with OutOfMemory.
   static Result<Image> create(Size size, Depth depth);
+
+  // Makes this an image of that size and depth, keeping its pixels where it is one already. After an error, as of
+  // `create`, it is empty.
+  Result<void> fit(Size size, Depth depth);
 
   Size size() const { return view_.size; }
   Depth depth() const { return view_.depth; }

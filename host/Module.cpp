@@ -3,11 +3,11 @@
 #include <cstring>
 #include <utility>
 
-#include "host/Errors.h"
-#include "host/ModuleCall.h"
-#include "host/ModuleState.h"
+#include "host/Error.h"
 #include "host/Simd.h"
-#include "host/StringTable.h"
+#include "host/module/ModuleCall.h"
+#include "host/module/ModuleState.h"
+#include "host/module/StringTable.h"
 
 namespace vantorel::host {
 
@@ -45,7 +45,7 @@ void describeModule(const PF_OutData& out, ModuleInfo* info) {
   info->renders_float = (out.out_flags2 & OUT_FLAG2_FLOAT_WORLDS) != 0;
 }
 
-Result<void> setUp(Module::State& module) {
+Result<void> setUp(ModuleState& module) {
   ModuleCall call(module);
   Result<void> done = call.run(CMD_GLOBAL_SETUP, nullptr, nullptr, nullptr);
   // A command that succeeded and misused the host has left something to set down too.
@@ -55,13 +55,13 @@ Result<void> setUp(Module::State& module) {
   return done;
 }
 
-Result<void> declareParameters(Module::State& module) {
+Result<void> declareParameters(ModuleState& module) {
   ModuleCall call(module);
   call.context.declared = &module.info.parameters;
   return call.run(CMD_PARAMS_SETUP, nullptr, nullptr, nullptr);
 }
 
-Result<void> readAbout(Module::State& module) {
+Result<void> readAbout(ModuleState& module) {
   ModuleCall call(module);
   Result<void> done = call.run(CMD_ABOUT, nullptr, nullptr, nullptr);
   module.info.about = withLineBreaks({call.out.return_msg, strnlen(call.out.return_msg, PF_RETURN_MSG_CAPACITY)});
@@ -71,35 +71,49 @@ Result<void> readAbout(Module::State& module) {
 }  // namespace
 
 Result<std::shared_ptr<const Module>> Module::load(const std::string& path, ModuleOptions options) {
-  if (Result<void> simd = checkSimdChoice(); !simd) {
-    return tl::unexpected(std::move(simd).error());
-  }
   Result<SharedLibrary> library = SharedLibrary::open(path);
   if (!library) {
     return tl::unexpected(std::move(library).error());
   }
-  auto state = std::make_unique<State>(std::move(*library));
-  state->entry = reinterpret_cast<PF_EffectMain>(state->library.symbol(PF_EFFECT_ENTRY));
+  auto state = std::make_unique<ModuleState>();
+  state->entry = reinterpret_cast<EffectEntry>(library->symbol(PF_EFFECT_ENTRY));
+  state->library = std::move(*library);
   if (state->entry == nullptr) {
-    return moduleUnusable(path, "is not an effect module: it does not export " + std::string(PF_EFFECT_ENTRY));
+    return failure(ErrorKind::ModuleUnusable, path,
+                   "is not an effect module: it does not export " + std::string(PF_EFFECT_ENTRY));
+  }
+  return start(std::move(state), path, std::move(options));
+}
+
+Result<std::shared_ptr<const Module>> Module::fromEntry(EffectEntry entry, const std::string& name,
+                                                        ModuleOptions options) {
+  auto state = std::make_unique<ModuleState>();
+  state->entry = entry;
+  return start(std::move(state), name, std::move(options));
+}
+
+Result<std::shared_ptr<const Module>> Module::start(std::unique_ptr<ModuleState> state, const std::string& name,
+                                                    ModuleOptions options) {
+  if (Result<void> simd = checkSimdChoice(); !simd) {
+    return tl::unexpected(std::move(simd).error());
   }
   state->resources.translations = std::move(options.translations);
   state->checking = options.checking;
   state->on_setdown_failure = std::move(options.on_setdown_failure);
-  state->info.path = path;
+  state->info.path = name;
 
   // From here on a failure sets the module down again, where its global setup has left something to set down.
   const std::shared_ptr<const Module> module(new Module(std::move(state)));
-  State& loaded = *module->state_;
+  ModuleState& started = *module->state_;
   Result<void> done =
-      setUp(loaded).and_then([&] { return declareParameters(loaded); }).and_then([&] { return readAbout(loaded); });
+      setUp(started).and_then([&] { return declareParameters(started); }).and_then([&] { return readAbout(started); });
   if (!done) {
-    return tl::unexpected(aboutModule(path, std::move(done).error()));
+    return tl::unexpected(aboutModule(name, std::move(done).error()));
   }
   return module;
 }
 
-Module::Module(std::unique_ptr<State> state) : state_(std::move(state)) {}
+Module::Module(std::unique_ptr<ModuleState> state) : state_(std::move(state)) {}
 
 Module::~Module() {
   const auto report = [this](Error error) {

@@ -11,7 +11,17 @@
 #include "host/Animation.h"
 #include "host/Error.h"
 
+// The records of the host interface, which support/PF_HostRecords.h defines.
+struct PF_InData;
+struct PF_LayerDef;
+struct PF_OutData;
+struct PF_ParamDef;
+
 namespace vantorel::host {
+
+// The entry of an effect module: the function that it exports under the name EffectMainExtra.
+using EffectEntry = std::int32_t (*)(std::int32_t command, PF_InData* in_data, PF_OutData* out_data,
+                                     PF_ParamDef** params, PF_LayerDef* output, void* extra);
 
 // Texts that replace rows of a module's string table, by key ("$$$/.../LStr/0001").
 using Translations = std::map<std::string, std::string, std::less<>>;
@@ -40,7 +50,7 @@ struct ParameterInfo {
 
 // What a module says of itself.
 struct ModuleInfo {
-  std::string path;
+  std::string path;               // of its file, or the name given with its entry
   std::string about;              // with line breaks in place of the table's tokens
   std::string version;            // "2.0"; with a third number where that is not 0
   bool uses_extent_hint = false;  // renders only the part of its output that is asked for
@@ -53,6 +63,8 @@ struct ModuleInfo {
   std::uint32_t out_flags2 = 0;
 };
 
+struct ModuleState;
+
 // A loaded module, set up: global setup, parameter setup and About have been called. Global set-down and unloading
 // happen when the last owner lets go. Safe to use from several threads.
 class Module {
@@ -62,6 +74,11 @@ class Module {
   // the text that it replaces; in checking mode Misuse.
   static Result<std::shared_ptr<const Module>> load(const std::string& path, ModuleOptions options = {});
 
+  // The same for an effect that is part of the program, by its entry. `name` stands for the path, in ModuleInfo and in
+  // errors.
+  static Result<std::shared_ptr<const Module>> fromEntry(EffectEntry entry, const std::string& name,
+                                                         ModuleOptions options = {});
+
   ~Module();
   Module(const Module&) = delete;
   Module& operator=(const Module&) = delete;
@@ -69,13 +86,12 @@ class Module {
   const ModuleInfo& info() const;
   bool checking() const;
 
-  // For the host's own parts.
-  struct State;
-  const State& state() const { return *state_; }
-
  private:
-  explicit Module(std::unique_ptr<State> state);
-  std::unique_ptr<State> state_;
+  friend class Instance;
+  explicit Module(std::unique_ptr<ModuleState> state);
+  static Result<std::shared_ptr<const Module>> start(std::unique_ptr<ModuleState> state, const std::string& name,
+                                                     ModuleOptions options);
+  std::unique_ptr<ModuleState> state_;
 };
 
 }  // namespace vantorel::host

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <string>
 
-#include "host/Errors.h"
+#include "host/Error.h"
 #include "platform/Cpu.h"
 
 namespace vantorel::host {

@@ -1,27 +1,19 @@
 #include "M_Integer.h"
 
 #include <cmath>
-#include <limits>
 
+#include "Int32FromDouble.h"
 #include "M_stuff.h"
 
 const unsigned char Mp_G_lead_zeros[16] = {4, 3, 2, 2, 1, 1, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0};
 
-std::int32_t Mp_TruncateToInt32(double x) {
-  // Written so that a NaN fails the test.
-  if (x > -2147483649.0 && x < 2147483648.0) {
-    return static_cast<std::int32_t>(x);
-  }
-  return std::numeric_limits<std::int32_t>::min();
-}
-
 std::int32_t M_RoundDouble(double x) {
   const double raised = x + 0.5;
   if (x > 0.0) {
-    return Mp_TruncateToInt32(raised);
+    return int32FromDouble(raised);
   }
   const bool half = raised == std::floor(raised);
-  return Mp_TruncateToInt32(half ? x : x - 0.5);
+  return int32FromDouble(half ? x : x - 0.5);
 }
 
 std::int32_t M_UnsignedGCD(std::uint32_t a, std::uint32_t b, std::uint32_t* gcd) {

@@ -12,9 +12,9 @@ import plot
 import results
 import tables
 
-DOCS = Path("docs")
+TABLES = Path("docs/performance-tables.md")
+PLOT = Path("docs/performance.svg")
 BUSY = 1.05  # wall time over processor time
-BEGIN, END = "<!-- begin: written by scripts/bench -->", "<!-- end: written by scripts/bench -->"
 
 
 def write_json(path, measurements, context, outcomes, timed):
@@ -23,38 +23,34 @@ def write_json(path, measurements, context, outcomes, timed):
         "date": context["date"],
         "wall_to_processor_time": results.busyness(measurements),
         "goals": [
-            {"work": o.goal.name, "against": o.goal.against, "ratio": o.ratio, "at_most": o.goal.limit,
+            {"goal": o.goal.name, "against": o.goal.against, "ratio": o.ratio, "at_most": o.goal.limit,
              "reached": o.reached, "clock": "wall" if o.goal.wall else "processor"}
             for o in outcomes
         ],
         "measurements": results.as_json(measurements),
         "commands": timed,
-        "agreement": {name.removeprefix("agreement "): value for name, value in context.items()
-                      if name.startswith("agreement ")},
+        "difference": {name.removeprefix("difference "): value for name, value in context.items()
+                       if name.startswith("difference ")},
     }
     path.write_text(json.dumps(content, indent=1) + "\n", encoding="utf-8")
 
 
 def load_note(busyness):
-    """What to know of the wall times when other programs ran meanwhile; empty when none did."""
+    """What to know about the wall times if other programs ran meanwhile; empty if none did."""
     if busyness < BUSY:
         return ""
-    return (f"The machine was busy with other programs meanwhile (wall time was {busyness:.2f} times processor time), "
-            "so that the rows in wall time, which are those about two threads, tell little.")
+    return (f"Other programs kept the machine busy meanwhile (wall time was {busyness:.2f} times processor time), so "
+            "the rows in wall time, which are those about two threads, say little.")
 
 
 def update_docs(shown, outcomes, date, note):
-    page = DOCS / "performance.md"
-    before, _, rest = page.read_text(encoding="utf-8").partition(BEGIN)
-    _, end, after = rest.partition(END)
-    if not end:
-        raise SystemExit(f"bench: {page} lacks the line '{BEGIN}' or '{END}'; put it back, the tables go between")
     reached = sum(outcome.reached for outcome in outcomes)
-    said = f"Measured on {machine.describe()}, {date[:10]}. {reached} of {len(outcomes)} goals are reached. {note}"
-    picture = "![The goals and the ratios](performance.svg)"
-    body = "\n\n".join((said.rstrip(), picture, *map(tables.as_markdown, shown)))
-    page.write_text(f"{before}{BEGIN}\n\n{body}\n\n{END}{after}", encoding="utf-8")
-    (DOCS / "performance.svg").write_text(plot.draw(outcomes), encoding="utf-8")
+    summary = f"Measured on {machine.describe()}, {date[:10]}. {reached} of {len(outcomes)} goals are reached. {note}"
+    origin = ("Written by `scripts/bench --update-docs`. [Performance](performance.md) says what the workloads are and how "
+              "they are\nmeasured.")
+    parts = ("# Performance: the tables", origin, summary.rstrip(), *map(tables.as_markdown, shown))
+    TABLES.write_text("\n\n".join(parts) + "\n", encoding="utf-8")
+    PLOT.write_text(plot.draw(outcomes), encoding="utf-8")
 
 
 def main():
@@ -76,7 +72,7 @@ def main():
     print(f"\nWritten: {options.folder / 'results.json'}")
     if options.update_docs:
         update_docs(shown, outcomes, context["date"], note)
-        print(f"Written: {DOCS / 'performance.md'}, {DOCS / 'performance.svg'}")
+        print(f"Written: {TABLES}, {PLOT}")
 
 
 if __name__ == "__main__":

@@ -37,18 +37,19 @@ def ffmpeg(layer, output, corners):
 
 
 def all_commands(binary, folder):
-    """(work, label, arguments) of each command."""
-    for work, corners in (("a", CORNERS_A), ("c", CORNERS_C)):
-        size, canvas = LAYER_SIZES[work], CANVAS_SIZES[work]
-        layer = folder / f"layer-{work}.png"
+    """(workload, label, arguments) of each command."""
+    for workload, corners in (("a", CORNERS_A), ("c", CORNERS_C)):
+        size, canvas = LAYER_SIZES[workload], CANVAS_SIZES[workload]
+        layer = folder / f"layer-{workload}.png"
         subprocess.run([str(binary), "testcard", "-o", str(layer), "--size", "{}x{}".format(*size)], check=True)
-        for quality in ("standard", "high") if work == "a" else ("high",):
+        for quality in ("standard", "high") if workload == "a" else ("high",):
             label = f"vantorel render, {quality} quality"
-            yield work, label, vantorel(binary, layer, folder / f"{work}-{quality}.png", corners, canvas, quality)
+            output = folder / f"{workload}-{quality}.png"
+            yield workload, label, vantorel(binary, layer, output, corners, canvas, quality)
         label = "ImageMagick convert -distort Perspective"
-        yield work, label, magick(layer, folder / f"{work}-magick.png", corners, canvas, size)
-        if work == "a":
-            yield work, "ffmpeg perspective, linear", ffmpeg(layer, folder / f"{work}-ffmpeg.png", corners)
+        yield workload, label, magick(layer, folder / f"{workload}-magick.png", corners, canvas, size)
+        if workload == "a":
+            yield workload, "ffmpeg perspective, linear", ffmpeg(layer, folder / f"{workload}-ffmpeg.png", corners)
 
 
 def timed(arguments):
@@ -77,10 +78,10 @@ def measure(binary, repetitions):
             times[index].append(timed(commands[index][2]))
     return [
         {
-            "work": work,
+            "workload": workload,
             "command": label,
             "cpu_ms": 1e3 * median(cpu for cpu, _ in found),
             "wall_ms": 1e3 * median(wall for _, wall in found),
         }
-        for (work, label, _), found in zip(commands, times)
+        for (workload, label, _), found in zip(commands, times)
     ]

@@ -1,4 +1,4 @@
-"""The ratios to reach, and whether they are."""
+"""The ratios to reach, and whether they are reached."""
 
 from typing import NamedTuple
 
@@ -33,8 +33,8 @@ class Outcome(NamedTuple):
         return self.ratio <= self.goal.limit
 
 
-def frame(work, size, depth, quality="", tool="vantorel", cpus="1"):
-    return Key("frame", work, size, depth, quality, tool, cpus)
+def frame(workload, size, depth, quality="", tool="vantorel", cpus="1"):
+    return Key("frame", workload, size, depth, quality, tool, cpus)
 
 
 def depth_text(depth):
@@ -48,11 +48,11 @@ def warp_goals():
         ("g", "standard", (0.15, 0.06, 0.1)),
         ("f", "high", (0.5, 0.5, 0.5)),
     ]
-    for work, quality, by_depth in limits:
-        shown = "bilinear path" if work == "f" else quality
+    for workload, quality, by_depth in limits:
+        shown = "bilinear path" if workload == "f" else quality
         for depth, limit in zip(DEPTHS, by_depth):
-            yield Goal(f"({work}) {shown}, {depth_text(depth)}", "OpenCV linear", limit,
-                       frame(work, HD, depth, quality), frame(work, HD, depth, tool="opencv-linear"))
+            yield Goal(f"({workload}) {shown}, {depth_text(depth)}", "OpenCV linear", limit,
+                       frame(workload, HD, depth, quality), frame(workload, HD, depth, tool="opencv-linear"))
 
 
 def minification_goals():
@@ -83,7 +83,7 @@ def scaling_goals():
 
 
 def outcomes(measurements):
-    """The goals whose two sides were measured."""
+    """The goals of which both sides were measured."""
     found = []
     for goal in (*warp_goals(), *minification_goals(), *scaling_goals()):
         if goal.ours in measurements and goal.other in measurements:

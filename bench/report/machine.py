@@ -1,4 +1,4 @@
-"""The machine in general words."""
+"""A short description of the machine."""
 
 import os
 import platform

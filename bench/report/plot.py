@@ -1,4 +1,4 @@
-"""The goals as a picture: a bar a ratio, on a logarithmic scale, with the goal as a stroke."""
+"""The goals as a bar chart: one bar per ratio on a logarithmic scale, with the goal as a tick."""
 
 from math import log10
 from xml.sax.saxutils import escape
@@ -53,8 +53,8 @@ def draw(outcomes):
         f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{bottom + 12}" '
         f'viewBox="0 0 {width} {bottom + 12}" font-family="sans-serif">',
         f'<rect width="{width}" height="{bottom + 12}" fill="#ffffff"/>',
-        text(12, 22, "Time of Vantorel divided by the other's: shorter is faster", size=15),
-        text(12, 40, "green: goal reached; orange: not reached; stroke: the goal; logarithmic scale", fill="#555555"),
+        text(12, 22, "Time of Vantorel divided by the other tool's: shorter is faster", size=15),
+        text(12, 40, "green: goal reached; orange: not reached; tick: the goal; logarithmic scale", fill="#555555"),
         *axis(bottom),
     ]
     for index, outcome in enumerate(outcomes):

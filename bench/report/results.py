@@ -1,4 +1,4 @@
-"""What was measured in the process, by its labels."""
+"""The in-process measurements, by their labels."""
 
 import json
 from statistics import median
@@ -6,10 +6,10 @@ from typing import NamedTuple
 
 
 class Key(NamedTuple):
-    """The labels of a measurement; those that a kind does not have are empty."""
+    """The labels of a measurement; those that do not apply to its kind are empty."""
 
     kind: str
-    work: str = ""
+    workload: str = ""
     size: str = ""
     depth: str = ""
     quality: str = ""
@@ -34,7 +34,7 @@ def key_of(name):
 
 
 def load(path):
-    """The measurements by key, and what the run said of itself."""
+    """The measurements by key, and the context that the run recorded."""
     with open(path, encoding="utf-8") as file:
         content = json.load(file)
     measurements = {}
@@ -52,7 +52,7 @@ def load(path):
 
 
 def busyness(measurements):
-    """Wall time divided by processor time of all that ran on one thread: 1 on a machine that does nothing else."""
+    """Wall time divided by processor time of all frames on one thread: 1 on an otherwise idle machine."""
     single = [measured for key, measured in measurements.items() if key.kind == "frame" and key.cpus == "1"]
     return sum(m.seconds(wall=True) for m in single) / sum(m.seconds() for m in single)
 

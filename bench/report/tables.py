@@ -22,7 +22,7 @@ class Table(NamedTuple):
 
 
 def number(value):
-    """Three digits, or all of a whole part that has more."""
+    """Three significant digits, or the whole part where that has more."""
     return f"{value:.0f}" if value >= 100 else f"{value:.3g}"
 
 
@@ -35,7 +35,7 @@ def ratio_text(ratio):
 
 
 def limit_text(limit):
-    """As a fraction where it was set as one."""
+    """As a fraction if it was set as one."""
     return f"1/{1 / limit:.0f}" if limit < 0.1 and (1 / limit).is_integer() else f"{limit:.2f}"
 
 
@@ -45,12 +45,12 @@ def goal_table(outcomes):
          limit_text(o.goal.limit), "yes" if o.reached else "no")
         for o in outcomes
     ]
-    header = ("work", "against", "Vantorel", "other", "ratio", "goal: at most", "reached")
+    header = ("workload", "against", "Vantorel", "other", "ratio", "goal: at most", "reached")
     return Table("Goals", header, rows)
 
 
 def against_linear(measurements):
-    """Every work beside OpenCV's linear warp, a depth a column."""
+    """Every workload beside OpenCV's linear warp, one column per depth."""
     def cell(ours, other):
         if ours not in measurements or other not in measurements:
             return "-"
@@ -58,27 +58,27 @@ def against_linear(measurements):
         return f"{number(1e3 * times[0])} / {number(1e3 * times[1])} = {times[0] / times[1]:.2f}"
 
     rows = []
-    for work in "abcdefg":
-        for size in (SMALL,) if work == "c" else (HD, UHD):
+    for workload in "abcdefg":
+        for size in (SMALL,) if workload == "c" else (HD, UHD):
             for quality in ("standard", "high"):
-                cells = [cell(frame(work, size, depth, quality), frame(work, size, depth, tool="opencv-linear"))
+                cells = [cell(frame(workload, size, depth, quality), frame(workload, size, depth, tool="opencv-linear"))
                          for depth in DEPTHS]
                 if any(text != "-" for text in cells):
-                    rows.append((f"({work})", size, "bilinear path" if work == "f" else quality, *cells))
-    return Table("Every work beside OpenCV's linear warp (ms / ms = ratio)",
-                 ("work", "canvas", "quality", *map(depth_text, DEPTHS)), rows)
+                    rows.append((f"({workload})", size, "bilinear path" if workload == "f" else quality, *cells))
+    return Table("Every workload beside OpenCV's linear warp (ms / ms = ratio)",
+                 ("workload", "canvas", "quality", *map(depth_text, DEPTHS)), rows)
 
 
 def filtering_peers(measurements):
-    """The tools that antialias, and what else does (a) and (c)."""
+    """Every tool that was measured at (a) and (c)."""
     rows = []
-    for work, size in (("a", HD), ("c", SMALL)):
+    for workload, size in (("a", HD), ("c", SMALL)):
         for tool, name in (("vantorel", "Vantorel, high quality"), *TOOLS.items()):
-            keys = [frame(work, size, depth, "high" if tool == "vantorel" else "", tool) for depth in DEPTHS]
+            keys = [frame(workload, size, depth, "high" if tool == "vantorel" else "", tool) for depth in DEPTHS]
             if any(key in measurements for key in keys):
-                rows.append((f"({work})", name, *(milliseconds(measurements[key].seconds()) if key in measurements
+                rows.append((f"({workload})", name, *(milliseconds(measurements[key].seconds()) if key in measurements
                                                   else "-" for key in keys)))
-    return Table("Every tool at (a) and (c)", ("work", "tool", *map(depth_text, DEPTHS)), rows)
+    return Table("Every tool at (a) and (c)", ("workload", "tool", *map(depth_text, DEPTHS)), rows)
 
 
 def two_threads(measurements):
@@ -88,10 +88,10 @@ def two_threads(measurements):
         if key.cpus == "2" and single in measurements:
             name = "Vantorel" if key.tool == "vantorel" else TOOLS[key.tool]
             one, two = measurements[single].seconds(wall=True), measurements[key].seconds(wall=True)
-            rows.append((f"({key.work})", name, key.quality or "-", depth_text(key.depth), milliseconds(one),
+            rows.append((f"({key.workload})", name, key.quality or "-", depth_text(key.depth), milliseconds(one),
                          milliseconds(two), f"{one / two:.2f}"))
     return Table("One thread and two, wall time",
-                 ("work", "tool", "quality", "depth", "1 thread", "2 threads", "times as fast"), rows)
+                 ("workload", "tool", "quality", "depth", "1 thread", "2 threads", "times as fast"), rows)
 
 
 def per_item(measurements, kind):
@@ -99,15 +99,15 @@ def per_item(measurements, kind):
             for key, measured in in_order(measurements) if key.kind == kind]
 
 
-def parts(measurements):
+def components(measurements):
     rows = [(f"row sampler over a sampler that does nothing, {key.quality} quality", key.tool, f"{time:.2f} ns a pixel")
             for key, time in per_item(measurements, "row-sampler")]
     rows += [(f"area sampler, radius {key.quality}, {depth_text(key.depth)}", key.tool, f"{time:.1f} ns a sample")
              for key, time in per_item(measurements, "area-sampler")]
-    return Table("Parts alone, by instruction set", ("part", "variant", "time"), rows)
+    return Table("Components alone, by instruction set", ("component", "variant", "time"), rows)
 
 
-def setup_and_floors(measurements):
+def setup_and_baselines(measurements):
     rows = []
     for kind, name in (("frame-setup", "frame setup"), ("pre-render", "pre-render")):
         key = Key(kind, "a", HD, tool="vantorel")
@@ -124,29 +124,29 @@ def setup_and_floors(measurements):
         if key.kind == "sum":
             rows.append((f"one pass that sums a {key.size} picture, {depth_text(key.depth)}",
                          milliseconds(measured.seconds())))
-    return Table("Beside the pixels, and the floor", ("what", "time"), rows)
+    return Table("Setup and baselines", ("what", "time"), rows)
 
 
 def command_table(commands):
-    rows = [(f"({c['work']})", c["command"], f"{c['cpu_ms']:.0f} ms", f"{c['wall_ms']:.0f} ms") for c in commands]
+    rows = [(f"({c['workload']})", c["command"], f"{c['cpu_ms']:.0f} ms", f"{c['wall_ms']:.0f} ms") for c in commands]
     return Table("Whole commands: start, read a PNG, warp, compress and write a PNG, on one processor",
-                 ("work", "command", "processor time", "wall time"), rows)
+                 ("workload", "command", "processor time", "wall time"), rows)
 
 
-def agreement_table(context):
+def difference_table(context):
     rows = []
     for name, value in sorted(context.items()):
-        if name.startswith("agreement "):
-            _, work, tool = name.split(" ", 2)
-            rows.append((f"({work})", TOOLS[tool], value))
-    return Table("How near the other tools' pictures are to Vantorel's at high quality (16 bit, whole canvas)",
-                 ("work", "tool", "signal to noise"), rows)
+        if name.startswith("difference "):
+            _, workload, tool = name.split(" ", 2)
+            rows.append((f"({workload})", TOOLS[tool], value))
+    return Table("Difference of the other tools' pictures from Vantorel's at high quality (16 bit, whole canvas)",
+                 ("workload", "tool", "peak signal to noise"), rows)
 
 
 def all_tables(measurements, context, outcomes, commands):
     tables = [goal_table(outcomes), against_linear(measurements), filtering_peers(measurements),
-              two_threads(measurements), parts(measurements), setup_and_floors(measurements), command_table(commands),
-              agreement_table(context)]
+              two_threads(measurements), components(measurements), setup_and_baselines(measurements),
+              command_table(commands), difference_table(context)]
     return [table for table in tables if table.rows]
 
 
@@ -159,4 +159,4 @@ def as_text(table):
 
 def as_markdown(table):
     lines = [f"| {' | '.join(row)} |" for row in (table.header, ("---",) * len(table.header), *table.rows)]
-    return "\n".join((f"### {table.title}", "", *lines))
+    return "\n".join((f"## {table.title}", "", *lines))

@@ -58,10 +58,30 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
       {"--over", "PLATE", kPlacing, "Composite the result over this picture or sequence",
        [](Options& o, Text name, Text value) { o.plate = parseFileName(name, value); }},
 
-      {"--quality", "high|standard", kRendering, "high (default) filters by area, standard is fast",
+      {"--quality", "best|high|standard", kRendering,
+       "best (default) takes as many samples as the picture needs and has crisp edges, high is the effect's own "
+       "filtering by area, standard is fast",
        [](Options& o, Text name, Text value) {
-         o.quality = parseChoice<host::Quality>(name, value,
-                                                {{"high", host::Quality::High}, {"standard", host::Quality::Standard}});
+         o.quality = parseChoice<host::Quality>(
+             name, value,
+             {{"best", host::Quality::Best}, {"high", host::Quality::High}, {"standard", host::Quality::Standard}});
+       }},
+      {"--samples", "auto|1|2|4|8", kRendering,
+       "Samples a pixel along each axis (default: auto at best, 1 at the other qualities)",
+       [](Options& o, Text name, Text value) {
+         o.samples = parseChoice<int>(name, value, {{"auto", 0}, {"1", 1}, {"2", 2}, {"4", 4}, {"8", 8}});
+       }},
+      {"--edges", "crisp|soft", kRendering,
+       "crisp (default at best): edge pixels covered by their exact share; soft: faded over a layer pixel",
+       [](Options& o, Text name, Text value) {
+         o.edges = parseChoice<host::Edges>(name, value, {{"crisp", host::Edges::Crisp}, {"soft", host::Edges::Soft}});
+       }},
+      {"--placement", "outline|centres", kRendering,
+       "outline (default): the layer's outline lies on the corners; centres: positions count from pixel centres, "
+       "as the effect alone has it",
+       [](Options& o, Text name, Text value) {
+         o.placement = parseChoice<host::Placement>(
+             name, value, {{"outline", host::Placement::Outline}, {"centres", host::Placement::Centres}});
        }},
       {"--depth", "auto|8|16|float", kRendering, "auto (default, the files' own), 8, 16 or float bits per channel",
        [](Options& o, Text name, Text value) {

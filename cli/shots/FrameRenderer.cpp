@@ -90,6 +90,9 @@ host::FrameOptions FrameRenderer::frameOptions(std::int32_t frame) const {
   host::FrameOptions options;
   options.time = timeOf(frame, shot_.options.rate);
   options.quality = shot_.options.quality;
+  options.samples = shot_.options.samples;
+  options.edges = shot_.options.edges;
+  options.placement = shot_.options.placement;
   options.protocol = shot_.options.protocol;
   options.downsample = shot_.options.downsample;
   options.threads = shot_.threads_per_frame;

@@ -35,6 +35,12 @@ void refuseContradictions(const RenderOptions& options) {
   if (options.fit && !options.plate.empty()) {
     throw badArgument("--fit", "cannot be given together with --over, whose picture sets the size; omit one of them");
   }
+  if (options.placement == host::Placement::Centres && options.samples > 1) {
+    throw badArgument("--samples", "must be 1 with --placement centres; omit one of them");
+  }
+  if (options.placement == host::Placement::Centres && options.edges == host::Edges::Crisp) {
+    throw badArgument("--edges", "must be soft with --placement centres; omit one of them");
+  }
 }
 
 // The files of an input or of the output. Without --frames every character of the name stands for itself.

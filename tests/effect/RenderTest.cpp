@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "effect/HighQualitySampler.h"
-#include "effect/StandardSampler.h"
+#include "effect/perspective/RowSamplers.h"
 #include "tests/effect/ScriptedHost.h"
 
 namespace {
@@ -59,6 +58,15 @@ TEST(Render, AQuadWithoutAMapIsTransparent) {
   EXPECT_EQ(host.run(CMD_RENDER), 0);
   EXPECT_TRUE(host.samples.empty());
   EXPECT_TRUE(samePixel(host.output.at<PF_Pixel8>(0, 0), PF_Pixel8{}));
+}
+
+TEST(Render, APixelThatTheHostDoesNotWriteIsTransparent) {
+  ScriptedHost host;
+  host.sampler_writes = false;
+  host.output.fillBytes(0x11);
+  EXPECT_EQ(host.run(CMD_RENDER), 0);
+  EXPECT_EQ(host.samples.size(), 48u);
+  EXPECT_EQ(host.output.at<std::uint32_t>(7, 5), 0u);
 }
 
 // Any corner values, also the ends of the 16.16 range: a frame comes back and nothing outside the world is written.

@@ -4,14 +4,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <vector>
 
-#include "effect/HighQualitySampler.h"
-#include "effect/PerspectiveInfo.h"
 #include "effect/ProjectiveMap.h"
-#include "effect/RowBlocks.h"
-#include "effect/StandardSampler.h"
+#include "effect/perspective/PerspectiveInfo.h"
+#include "effect/perspective/RowSamplers.h"
 #include "tests/effect/ScriptedHost.h"
 
 namespace {
@@ -90,6 +89,8 @@ KZFX_PerspectiveInfo infoFor(ScriptedHost& host, int width, int height) {
   KZFX_PerspectiveInfo info;
   info.out_width_d = info.out_width = width;
   info.out_height_d = info.out_height = height;
+  info.bound_left = info.bound_top = -1e9;
+  info.bound_right = info.bound_bottom = 1e9;
   info.input_world = &host.input.world;
   info.effect_ref = host.in.effect_ref;
   info.sample_8 = host.utilities.sample_area_8;
@@ -97,6 +98,12 @@ KZFX_PerspectiveInfo infoFor(ScriptedHost& host, int width, int height) {
   info.sample_float =
       static_cast<const PF_SamplingFloatSuite1*>(host.suites["PF SamplingFloat Suite/1"])->sample_area_float;
   return info;
+}
+
+std::vector<InstructionSet> availableSets() {
+  std::vector<InstructionSet> sets;
+  std::copy_if(std::begin(kInstructionSets), std::end(kInstructionSets), std::back_inserter(sets), isAvailable);
+  return sets;
 }
 
 // Runs `trace` over a row and compares with the reference to the bit; nothing past the row is written.
@@ -126,11 +133,12 @@ void checkAllSamplers(ScriptedHost& host, KZFX_PerspectiveInfo info, std::int32_
   exported(KZFX_TracePointHi, high);
   exported(KZFX_TracePointHi16, high);
   exported(KZFX_TracePointHiFloat, high);
-  for (const InstructionSet set : {InstructionSet::Plain, InstructionSet::Avx2, InstructionSet::Avx512}) {
-    if (const RowBlockFunctions* const functions = rowBlockFunctionsFor(set)) {
-      checkRow<PF_Pixel8>(host, standard, [&](PF_Pixel8* out) { traceStandardRow(&info, x, y, out, *functions); });
-      checkRow<PF_Pixel8>(host, high, [&](PF_Pixel8* out) { traceHighQualityRow(&info, x, y, out, *functions); });
-    }
+  for (const InstructionSet set : availableSets()) {
+    const auto check = [&]<SamplingQuality kQuality>(const Row& row) {
+      checkRow<PF_Pixel8>(host, row, [&](PF_Pixel8* out) { traceRow<kQuality>(info, x, y, out, set); });
+    };
+    check.operator()<SamplingQuality::Standard>(standard);
+    check.operator()<SamplingQuality::High>(high);
   }
 }
 
@@ -191,8 +199,6 @@ RC_GTEST_PROP(RowSamplers, EqualTheirDefinitionOnQuadrilaterals, ()) {
   }
   info.quad_to_unit = M_Matrix3(true);
   KZFX_MapUnitSquareToFromQuad(quad, &info.quad_to_unit, 0);
-  info.bound_left = info.bound_top = -1e9;
-  info.bound_right = info.bound_bottom = 1e9;
   info.x_scale = *rc::gen::element(1.0, 2.0, 1.0 / 3.0, 1920.0 / 1817.0, 12.0);
   info.y_scale = *rc::gen::element(1.0, 2.0, 1.0 / 3.0, 1080.0 / 1017.0, 12.0);
   checkAllSamplers(host, info, 0, *rc::gen::inRange(0, height));
@@ -200,61 +206,40 @@ RC_GTEST_PROP(RowSamplers, EqualTheirDefinitionOnQuadrilaterals, ()) {
 
 // Millions of pixels, a few of which lie so near the half of 1/65536 pixel that only exact quotients round them as they
 // should be.
-TEST(RowSamplers, WholeFramesEqualThePlainComputation) {
-  constexpr int kWidth = 1920, kHeight = 1080;
-  const struct {
-    double corners[8];
+TEST(RowSamplers, WholeFramesEqualTheScalarComputation) {
+  struct {
+    M_Vector2T<double> quad[4];
     double scale;
-  } frames[] = {{{193, 108, 1729, 54, 1825, 1026, 97, 972}, 8.0},
-                {{801, 450, 1101, 460, 1121, 640, 791, 650}, 1.0},
-                {{-299.7, -200.1, 5001.3, -2500.9, 5501.1, 3000.7, -279.9, 330.1}, 3.7}};
-  for (const auto& frame : frames) {
-    M_Vector2T<double> corners[4];
-    for (int i = 0; i < 4; ++i) {
-      corners[i].x = frame.corners[2 * i];
-      corners[i].y = frame.corners[2 * i + 1];
-    }
-    M_Matrix3 map(true);
-    ASSERT_EQ(KZFX_MapUnitSquareToFromQuad(corners, &map, 0), 1);
-    const InputScale scale{frame.scale, frame.scale};
-    const auto walk_at = [&](int y) {
-      const auto coordinate = [&](int c, double unit) {
-        return CoordinateWalk{(map.m[1][c] * y + map.m[2][c]) * unit, map.m[0][c] * unit, map.m[1][c] * unit};
+  } frames[] = {{{{193, 108}, {1729, 54}, {1825, 1026}, {97, 972}}, 8.0},
+                {{{801, 450}, {1101, 460}, {1121, 640}, {791, 650}}, 1.0},
+                {{{-299.7, -200.1}, {5001.3, -2500.9}, {5501.1, 3000.7}, {-279.9, 330.1}}, 3.7}};
+  for (auto& frame : frames) {
+    ScriptedHost host;
+    KZFX_PerspectiveInfo info = infoFor(host, 1920, 1080);
+    ASSERT_EQ(KZFX_MapUnitSquareToFromQuad(frame.quad, &info.quad_to_unit, 0), 1);
+    info.x_scale = info.y_scale = frame.scale;
+    std::vector<PF_Pixel8> row(1920);
+    for (int y = 0; y < 1080; ++y) {
+      const auto samples = [&](InstructionSet set) {
+        host.samples.clear();
+        traceRow<SamplingQuality::High>(info, 0, y, row.data(), set);
+        return host.samples;
       };
-      return RowWalk{coordinate(0, kWidth), coordinate(1, kHeight), coordinate(2, 1.0)};
-    };
-    for (const InstructionSet set : {InstructionSet::Avx2, InstructionSet::Avx512}) {
-      const RowBlockFunctions* const plain = rowBlockFunctionsFor(InstructionSet::Plain);
-      const RowBlockFunctions* const functions = rowBlockFunctionsFor(set);
-      for (int y = 0; functions != nullptr && y < kHeight; ++y) {
-        RowWalk expected_walk = walk_at(y);
-        RowWalk walk = expected_walk;
-        for (int x = 0; x < kWidth; x += kRowBlock) {
-          PixelBlock expected, block;
-          ASSERT_FALSE(plain->footprints(&expected_walk, scale, kRowBlock, &expected));
-          ASSERT_FALSE(functions->footprints(&walk, scale, kRowBlock, &block));
-          for (int i = 0; i < kRowBlock; ++i) {
-            const bool same = block.x[i] == expected.x[i] && block.y[i] == expected.y[i] &&
-                              block.box[i].x_radius == expected.box[i].x_radius &&
-                              block.box[i].y_radius == expected.box[i].y_radius &&
-                              block.box[i].area == expected.box[i].area;
-            ASSERT_TRUE(same) << "pixel " << x + i << ", " << y;
-          }
-        }
+      const std::vector<Sample> expected = samples(InstructionSet::Scalar);
+      for (const InstructionSet set : availableSets()) {
+        ASSERT_TRUE(set == InstructionSet::Scalar || samples(set) == expected) << instructionSetName(set) << " " << y;
       }
     }
   }
 }
 
-TEST(RowSamplers, PixelsByTheVanishingLineAreNotWalkedRound) {
+TEST(RowSamplers, PixelsByTheVanishingLineVisitNoNeighbours) {
   ScriptedHost host;
   KZFX_PerspectiveInfo info = infoFor(host, 200, 100);
-  // Divisors (x + 1) / 4 - 30 and, a row below, 1 / 4 more: pixels 117 to 119 have one that is 0. Walking to the row
+  // Divisors (x + 1) / 4 - 30 and, a row below, 1 / 4 more: pixels 117 to 119 have one that is 0. Stepping to the row
   // below and back loses digits of u.
   const double rows[3][3] = {{0.01 / 3, 0.02 / 3, 0.25}, {1e12 / 3, 1e12 / 7, 0.25}, {0.1 / 3, 0.1 / 7, -30}};
   std::memcpy(info.quad_to_unit.m, rows, sizeof rows);
-  info.bound_left = info.bound_top = -1000;
-  info.bound_right = info.bound_bottom = 1000;
   info.x_scale = info.y_scale = 20;
   checkAllSamplers(host, info, 0, 0);
   const Row row = referenceRow(info, true, 0, 0);
@@ -289,7 +274,7 @@ TEST(RowSamplers, WorkedPositionsAndBoxes) {
   }
 }
 
-// Beyond 32767 pixels neither the counters nor the positions run over.
+// Beyond 32767 pixels neither the counters nor the positions overflow.
 TEST(RowSamplers, WideAndTallWorlds) {
   for (const std::int32_t quality : {0, 1}) {
     ScriptedHost wide(8, {300, 2}, {40000, 2});

@@ -49,11 +49,12 @@ TEST(AllocationTest, AFrameAfterTheFirstAllocatesNothing) {
     Image output = testing::dirty({64, 48}, depth);
     const Corners quads[] = {{{3, 2}, {60, 5}, {1, 44}, {57, 40}}, {{3, 2}, {60, 5}, {1, 44}, {20, 12}}};
     for (const Corners& quad : quads) {
-      for (const Protocol protocol : {Protocol::Smart, Protocol::Plain}) {
+      for (const auto& [protocol, quality] :
+           {std::pair(Protocol::Smart, Quality::High), std::pair(Protocol::Plain, Quality::High),
+            std::pair(Protocol::Smart, Quality::Best)}) {
         Instance instance = testing::instanceWith(module, quad);
         double share = 0;
-        // The calling thread alone: what oneTBB allocates for its own threads is not the host's.
-        FrameOptions options{.protocol = protocol, .threads = 1, .progress = [&](double s) { share = s; }};
+        FrameOptions options{.quality = quality, .protocol = protocol, .progress = [&](double s) { share = s; }};
         ASSERT_TRUE(instance.render(asConst(layer.view()), {0, 0, 64, 48}, output.view(), options));
         const long before = allocations;
         for (int frame = 1; frame < 4; ++frame) {

@@ -1,10 +1,10 @@
-#include "host/Iteration.h"
+#include "host/callbacks/Iteration.h"
 
 #include <set>
 #include <tuple>
 
-#include "host/CallContext.h"
-#include "host/UtilityCallbacks.h"
+#include "host/callbacks/CallContext.h"
+#include "host/callbacks/CallbackTables.h"
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
@@ -13,6 +13,7 @@ namespace {
 // A command that is running, with the frame that the iterators need.
 struct Running {
   ModuleResources resources;
+  WorkerPool pool;
   FrameState frame;
   CallContext context{resources};
   CallScope scope{context};
@@ -21,8 +22,9 @@ struct Running {
   explicit Running(unsigned threads, std::function<void(double)> progress = {}, std::stop_token stop = {})
       : progress_(std::move(progress)) {
     context.frame = &frame;
+    installCallbacks(&in, SampleSpace::Centres);
     in.effect_ref = &context;
-    frame.rows.begin(threads, progress_, std::move(stop));
+    frame.rows.begin(pool, threads, progress_, std::move(stop));
   }
 
  private:
@@ -66,7 +68,7 @@ enum class Kind { Plain, Origin, NonClip };
 template <typename Pixel>
 std::int32_t runKind(Kind kind, PF_InData* in, PF_LayerDef* source, const M_LRect* area, const M_LPoint* origin,
                      Calls* calls, PF_LayerDef* destination) {
-  const PF_UtilityCallbacks& u = *utilityCallbacks();
+  const PF_UtilityCallbacks& u = *in->utility_callbacks;
   const auto run = [&](auto plain, auto with_origin, auto non_clip) {
     switch (kind) {
       case Kind::Plain:
@@ -147,7 +149,7 @@ TEST(IterationEndTest, TheFirstFailureEndsTheIterationAndIsItsResult) {
     *static_cast<int*>(last) = y;
     return y == 5 ? 41 : 0;
   };
-  const auto iterate = utilityCallbacks()->iterate_8;
+  const auto iterate = running.in.utility_callbacks->iterate_8;
   EXPECT_EQ(41, iterate(&running.in, 0, 1, nullptr, nullptr, &last_row, fail_at_row_5, &destination));
   EXPECT_EQ(5, last_row);
   const M_LRect empty(0, 7, 2, 3);
@@ -162,7 +164,7 @@ TEST(IterationEndTest, ProgressRunsFromBaseToFinalAndNeverFalls) {
   std::vector<double> shares;
   Running running(4, [&](double share) { shares.push_back(share); });
   const auto nothing = [](void*, std::int32_t, std::int32_t, PF_Pixel8*, PF_Pixel8*) -> std::int32_t { return 0; };
-  utilityCallbacks()->iterate_8(&running.in, 50, 100, nullptr, nullptr, nullptr, nothing, &destination);
+  running.in.utility_callbacks->iterate_8(&running.in, 50, 100, nullptr, nullptr, nullptr, nothing, &destination);
   ASSERT_FALSE(shares.empty());
   EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()));
   EXPECT_GT(shares.front(), 0.5);

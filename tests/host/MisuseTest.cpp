@@ -19,6 +19,7 @@ class Misbehaving {
     EXPECT_TRUE(instance.setCorners(Corners{{static_cast<double>(fault), 0}, {8, 0}, {0, 8}, {8, 8}}));
     FrameOptions options;
     options.protocol = protocol;
+    options.placement = Placement::Centres;  // the corners tell the fixture what to do
     return instance.render(asConst(layer_.view()), {0, 0, 8, 8}, output.view(), options);
   }
 

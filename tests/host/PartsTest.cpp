@@ -5,10 +5,10 @@
 
 #include "host/Animation.h"
 #include "host/Downsample.h"
-#include "host/HandleStore.h"
-#include "host/ParameterServices.h"
-#include "host/StringTable.h"
-#include "host/Translations.h"
+#include "host/frames/FrameParameters.h"
+#include "host/module/HandleStore.h"
+#include "host/module/StringTable.h"
+#include "host/module/Translations.h"
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
@@ -125,7 +125,7 @@ TEST(DownsampleTest, AveragesBlocksWithTransparencyBeyondTheEdges) {
     std::memcpy(layer.view().pixel(i % 3, i / 3), pixel, 4);
   }
   Image scaled = testing::dirty({2, 2}, Depth::Bits8);
-  downsampleLayer(asConst(layer.view()), 2, scaled.view());
+  downsample(asConst(layer.view()), 2, BlockEdges::Transparent, scaled.view());
   const std::uint8_t expected[2][8] = {{30, 255, 0, 1, 23, 128, 0, 1}, {38, 128, 0, 1, 23, 64, 0, 0}};
   EXPECT_EQ(0, std::memcmp(expected[0], scaled.view().row(0), 8));
   EXPECT_EQ(0, std::memcmp(expected[1], scaled.view().row(1), 8));
@@ -133,7 +133,7 @@ TEST(DownsampleTest, AveragesBlocksWithTransparencyBeyondTheEdges) {
   for (const Depth depth : {Depth::Bits16, Depth::Float}) {
     Image picture = testing::noise({8, 8}, depth);
     Image same = testing::dirty({8, 8}, depth);
-    downsampleLayer(asConst(picture.view()), 1, same.view());
+    downsample(asConst(picture.view()), 1, BlockEdges::Transparent, same.view());
     EXPECT_TRUE(testing::samePixels(asConst(picture.view()), asConst(same.view())));
   }
 }

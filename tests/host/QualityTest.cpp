@@ -40,10 +40,10 @@ Map inverse(const Map& m) {
           minor(2, 3, 0, 5), minor(3, 7, 4, 6), minor(1, 6, 0, 7), minor(0, 4, 1, 3)};
 }
 
-// The layer's pixel whose square holds a point, whole numbers being pixel centres; transparent outside.
+// The layer's pixel whose square holds a point; transparent outside.
 std::uint8_t layerAt(const ConstImageView& layer, double x, double y, int channel) {
-  const double column = std::floor(x + 0.5);
-  const double row = std::floor(y + 0.5);
+  const double column = std::floor(x);
+  const double row = std::floor(y);
   if (!(column >= 0 && row >= 0 && column < layer.size.width && row < layer.size.height)) {
     return 0;
   }
@@ -59,8 +59,8 @@ double psnr(const ConstImageView& layer, const Corners& c, Image& output) {
       double sums[4] = {};
       for (int i = 0; i < kSamples * kSamples; ++i) {
         const int row = i / kSamples;
-        const double px = x + (i % kSamples + 0.5) / kSamples - 0.5;
-        const double py = y + (row + 0.5) / kSamples - 0.5;
+        const double px = x + (i % kSamples + 0.5) / kSamples;
+        const double py = y + (row + 0.5) / kSamples;
         const double w = map[6] * px + map[7] * py + map[8];
         const double u = (map[0] * px + map[1] * py + map[2]) / w * layer.size.width;
         const double v = (map[3] * px + map[4] * py + map[5]) / w * layer.size.height;
@@ -78,9 +78,9 @@ double psnr(const ConstImageView& layer, const Corners& c, Image& output) {
   return 10.0 * std::log10(255.0 * 255.0 / (squares / (4.0 * output.size().width * output.size().height)));
 }
 
-double qualityOf(const char* name, Image layer, const Corners& corners) {
+double qualityOf(const char* name, Image layer, const Corners& corners, Quality quality_level = Quality::High) {
   Instance instance = testing::instanceWith(testing::checkedEffect(), corners);
-  auto frame = testing::renderFrame(instance, layer, {0, 0, 160, 160}, {});
+  auto frame = testing::renderFrame(instance, layer, {0, 0, 160, 160}, {.quality = quality_level});
   EXPECT_EQ(RenderPath::Perspective, frame.result.path);
   const double quality = psnr(asConst(layer.view()), corners, frame.pixels);
   ::testing::Test::RecordProperty(name, std::to_string(quality));
@@ -115,6 +115,11 @@ TEST(QualityTest, ShrunkAndInMildPerspectiveItIsNearTheTruth) {
 TEST(QualityTest, ShrunkAndRotatedTheBoxIsTooWideButNotFarOff) {
   EXPECT_GE(qualityOf("waves_rotated", wavesLayer(), square(128, 30)), 30.0);
   EXPECT_GE(qualityOf("noise_rotated", noiseLayer(), square(128, 30)), 30.0);
+}
+
+TEST(QualityTest, AtBestTurnedPicturesAreNearTheTruthToo) {
+  EXPECT_GE(qualityOf("waves_rotated_best", wavesLayer(), square(128, 30), Quality::Best), 38.0);
+  EXPECT_GE(qualityOf("noise_rotated_best", noiseLayer(), square(128, 30), Quality::Best), 38.0);
 }
 
 }  // namespace

@@ -111,10 +111,9 @@ Image turned(Image& image) {
 
 TEST(RenderTest, AQuadrilateralTurnedByAQuarterGivesTheSamePictureTurned) {
   Image layer = noise({24, 24}, Depth::Bits16);
-  // Pixel (x, y) goes to (n - 1 - y, x), so the point (x, y) does too; the layer's lower left corner, which is the
-  // point (0, 24), is drawn from the pixel edge at -1 of the turned canvas.
+  // Pixel (x, y) goes to (n - 1 - y, x), and the point (x, y) to (n - y, x).
   Instance upright = instanceWith(effect(), cornersOf({8, 8, 32, 32}));
-  Instance quarter = instanceWith(effect(), {{31, 8}, {31, 32}, {7, 8}, {7, 32}});
+  Instance quarter = instanceWith(effect(), {{32, 8}, {32, 32}, {8, 8}, {8, 32}});
   auto a = renderFrame(upright, layer, {0, 0, 40, 40}, {});
   auto b = renderFrame(quarter, layer, {0, 0, 40, 40}, {});
   EXPECT_TRUE(samePixels(asConst(turned(a.pixels).view()), asConst(b.pixels.view())));
@@ -133,7 +132,9 @@ RC_GTEST_PROP(RenderPropertyTest, AnyCornersDrawInsideTheOutputAlone, ()) {
   const Corners corners{point(), point(), point(), point()};
   Image layer = noise({16, 16}, *rc::gen::element(Depth::Bits8, Depth::Bits16, Depth::Float));
   Instance instance = instanceWith(checkedEffect(), corners);
-  const FrameOptions options{.quality = *rc::gen::element(Quality::Standard, Quality::High),
+  const FrameOptions options{.quality = *rc::gen::element(Quality::Standard, Quality::High, Quality::Best),
+                             .edges = *rc::gen::element(Edges::Soft, Edges::Crisp),
+                             .samples = *rc::gen::element(0, 1, 2),
                              .protocol = *rc::gen::element(Protocol::Smart, Protocol::Plain),
                              .downsample = *rc::gen::inRange(1, 4)};
   const int left = *rc::gen::inRange(-40, 40);

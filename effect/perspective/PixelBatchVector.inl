@@ -1,0 +1,399 @@
+// The batch computations in vectors. PixelBatchAvx2.cpp and PixelBatchAvx512.cpp each define the vectors of their
+// instruction set and then include this body.
+//
+// Doubles holds kLanes doubles, of which GCC and Clang form sums, differences, products and quotients, and Ints as many
+// 32-bit integers. Beyond the plain names:
+//   maxAbs(a, b)             the larger of the two magnitudes
+//   maxOrSecond(a, b)        the larger number; b where they do not compare, one of them being a NaN
+//   copySign(m, s)           m, which is not negative, with the sign of s
+//   truncate(a)              toward zero; NaN and what an int does not hold give -2147483648
+//   intsOfShifted(a, shift)  the whole numbers a - shift, for the kRoundingShift below
+//
+// Everything stands in an unnamed namespace, and nothing of the standard library is called: the linker keeps one copy
+// of an inline function, and one compiled for this set must not serve files that run on every processor.
+
+namespace {
+
+// The pixels of a step: whole vectors, and the eight boxes that are stored at once.
+constexpr int kStepPixels = 8;
+static_assert(kStepPixels % kLanes == 0 && kBatchPixels % kStepPixels == 0);
+
+inline int wholeSteps(int count) {
+  return (count + kStepPixels - 1) / kStepPixels * kStepPixels;
+}
+
+// Where only some pixels of a batch are tested for a divisor of 0, the others' flags must be defined as well.
+inline void clearAtInfinity(PixelBatch* out) {
+  __builtin_memset(out->at_infinity, 0, sizeof out->at_infinity);
+}
+
+// ---- Positions -----------------------------------------------------------------------------------------------------
+
+inline void storePositions(Doubles u, Doubles v, Doubles w, const InputScale& scale, int i, PixelBatch* out) {
+  store(truncate(toDoubles(truncate(u / w)) * set(scale.x)), out->x + i);
+  store(truncate(toDoubles(truncate(v / w)) * set(scale.y)), out->y + i);
+}
+
+// The pixels [first, end), in the constant-exponent ranges of all coordinates: no divisor is 0 there.
+inline void positionsInRange(IncrementalMap* map, const InputScale& scale, int first, int end, PixelBatch* out) {
+  const auto values = [](const Stepper& c, Doubles pixel) { return mulAdd(pixel, set(c.increment), set(c.at)); };
+  Doubles pixel = iota();
+  for (int i = first; i < end; i += kLanes) {
+    storePositions(values(map->u, pixel), values(map->v, pixel), values(map->w, pixel), scale, i, out);
+    pixel = pixel + set(kLanes);
+  }
+  advanceInRange(map, end - first);
+}
+
+// The vector of pixels from i on, which need not lie in a range.
+[[gnu::noinline]] bool positionsOfVector(IncrementalMap* map, const InputScale& scale, int i, PixelBatch* out) {
+  double u[kLanes];
+  double v[kLanes];
+  double w[kLanes];
+  storeValues(&map->u, kLanes, u);
+  storeValues(&map->v, kLanes, v);
+  storeValues(&map->w, kLanes, w);
+  const Doubles divisors = load(w);
+  if (allGreater(abs(divisors), set(0.0))) {
+    storePositions(load(u), load(v), divisors, scale, i, out);
+    return false;
+  }
+  bool any_at_infinity = false;
+  for (int lane = 0; lane < kLanes; ++lane) {
+    any_at_infinity = scalarPosition(u[lane], v[lane], w[lane], scale, i + lane, out) || any_at_infinity;
+  }
+  return any_at_infinity;
+}
+
+// Takes as many whole vectors of each range as it holds, and single vectors between ranges.
+[[gnu::noinline]] bool positionsAcrossRanges(IncrementalMap* map, const InputScale& scale, int count, PixelBatch* out) {
+  clearAtInfinity(out);
+  bool any_at_infinity = false;
+  for (int i = 0; i < count;) {
+    const int range = constantExponentRange(map) / kLanes * kLanes;
+    if (range > 0) {
+      const int end = range < count - i ? i + range : count;
+      positionsInRange(map, scale, i, end, out);
+      i = end;
+    } else {
+      any_at_infinity = positionsOfVector(map, scale, i, out) || any_at_infinity;
+      i += kLanes;
+    }
+  }
+  return any_at_infinity;
+}
+
+bool positions(IncrementalMap* map, const InputScale& scale, int count, PixelBatch* out) {
+  const int end = wholeSteps(count);
+  if (constantExponentRange(map) < end) {
+    return positionsAcrossRanges(map, scale, end, out);
+  }
+  positionsInRange(map, scale, 0, end, out);
+  return false;
+}
+
+// ---- Boxes ---------------------------------------------------------------------------------------------------------
+
+// The extents of a batch's footprints, 16.16, not clamped yet.
+struct Extents {
+  std::int32_t x[kBatchPixels];
+  std::int32_t y[kBatchPixels];
+};
+
+// The radii of eight boxes along one axis.
+inline __m256i radii(const std::int32_t* extents) {
+  const __m256i extent = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(extents));
+  const __m256i clamped =
+      _mm256_min_epi32(_mm256_max_epi32(extent, _mm256_set1_epi32(kSmallestExtent)), _mm256_set1_epi32(kLargestExtent));
+  return _mm256_srai_epi32(clamped, 1);
+}
+
+// The areas of boxes whose radii stand side by side in lanes of 64 bits.
+inline __m256i areas(__m256i radii) {
+  const __m256i products = _mm256_mul_epu32(radii, _mm256_srli_epi64(radii, 32));
+  return _mm256_slli_epi64(_mm256_srli_epi64(products, 16), 2);
+}
+
+// The boxes of the pixels [first, end).
+inline void storeBoxes(const Extents& extents, int first, int end, PixelBatch* out) {
+  for (int i = first; i < end; i += kStepPixels) {
+    const __m256i x = radii(extents.x + i);
+    const __m256i y = radii(extents.y + i);
+    const __m256i low = _mm256_unpacklo_epi32(x, y);
+    const __m256i high = _mm256_unpackhi_epi32(x, y);
+    const __m256i low_areas = areas(low);
+    const __m256i high_areas = areas(high);
+    // Of each vector, the first box belongs to the first four pixels and the second to the last four.
+    const __m256i boxes[4] = {_mm256_unpacklo_epi64(low, low_areas), _mm256_unpackhi_epi64(low, low_areas),
+                              _mm256_unpacklo_epi64(high, high_areas), _mm256_unpackhi_epi64(high, high_areas)};
+    __m128i* const to = reinterpret_cast<__m128i*>(out->box + i);
+    for (int k = 0; k < 4; ++k) {
+      _mm_storeu_si128(to + k, _mm256_castsi256_si128(boxes[k]));
+      _mm_storeu_si128(to + k + 4, _mm256_extracti128_si256(boxes[k], 1));
+    }
+  }
+}
+
+// ---- Exact footprints ----------------------------------------------------------------------------------------------
+
+// One coordinate of a vector's pixels and of their neighbours, as the stepper takes them.
+struct Footprint {
+  Doubles centre;
+  Doubles right;
+  Doubles lower_right;
+  Doubles lower;
+};
+
+struct FootprintVectors {
+  Footprint u, v, w;
+};
+
+inline Footprint visitNeighbours(Stepper* stepper) {
+  double centre[kLanes];
+  double right[kLanes];
+  double lower_right[kLanes];
+  double lower[kLanes];
+  for (int i = 0; i < kLanes; ++i) {
+    centre[i] = stepper->at + stepper->right;
+    right[i] = centre[i] + stepper->right;
+    lower_right[i] = right[i] + stepper->down;
+    lower[i] = lower_right[i] - stepper->right;
+    stepper->at = lower[i] - stepper->down;
+  }
+  stepper->range = 0;
+  return {load(centre), load(right), load(lower_right), load(lower)};
+}
+
+[[gnu::noinline]] FootprintVectors visitNeighbours(IncrementalMap* map) {
+  return {visitNeighbours(&map->u), visitNeighbours(&map->v), visitNeighbours(&map->w)};
+}
+
+inline Doubles largestDistance(Doubles centre, Doubles right, Doubles lower_right, Doubles lower) {
+  return maxOrSecond(abs(lower - centre), maxOrSecond(abs(lower_right - centre), abs(right - centre)));
+}
+
+// The vector of pixels from i on, with a division for every quotient of the definition.
+inline void measureExactly(const FootprintVectors& at, const InputScale& scale, int i, Extents* extents,
+                           PixelBatch* out) {
+  const Doubles fixed = set(kFixedOne);
+  const Doubles half = set(0.5);
+  const auto measure = [&](const Footprint& p, double to_input, std::int32_t* position, std::int32_t* extent) {
+    const Doubles centre = p.centre / at.w.centre;
+    const Doubles scaled = centre * set(to_input);
+    const Doubles scaled_extent =
+        largestDistance(centre, p.right / at.w.right, p.lower_right / at.w.lower_right, p.lower / at.w.lower) *
+        set(to_input);
+    store(truncate(scaled * fixed + copySign(half, scaled)), position + i);
+    store(truncate(scaled_extent * fixed + half), extent + i);
+  };
+  measure(at.u, scale.x, out->x, extents->x);
+  measure(at.v, scale.y, out->y, extents->y);
+}
+
+// For batches near a horizon, and for maps whose numbers the approximation below has no bound for.
+[[gnu::noinline]] bool exactFootprints(IncrementalMap* map, const InputScale& scale, int count, PixelBatch* out) {
+  Extents extents;
+  // No divisor above this can lead to one that is 0.
+  const Doubles safe_divisor = set(2.0 * (__builtin_fabs(map->w.right) + __builtin_fabs(map->w.down)));
+  clearAtInfinity(out);
+  bool any_at_infinity = false;
+  for (int i = 0; i < count; i += kStepPixels) {
+    IncrementalMap ahead = *map;
+    bool is_safe = true;
+    for (int k = i; is_safe && k < i + kStepPixels; k += kLanes) {
+      const FootprintVectors at = visitNeighbours(&ahead);
+      is_safe = allGreater(abs(at.w.centre), safe_divisor);
+      measureExactly(at, scale, k, &extents, out);
+    }
+    if (is_safe) {
+      storeBoxes(extents, i, i + kStepPixels, out);
+      *map = ahead;
+    } else {
+      any_at_infinity = scalarFootprints(map, scale, i, i + kStepPixels, out) || any_at_infinity;
+    }
+  }
+  return any_at_infinity;
+}
+
+// ---- Approximate footprints ----------------------------------------------------------------------------------------
+
+// One division a pixel instead of eight, without the steps' roundings. Where a bound on the error shows that a result
+// rounds to the exact one's 16.16 number, it stands; the few ambiguous vectors are measured again exactly.
+
+// The second one where two numbers do not compare, one of them being a NaN.
+inline double minOrSecond(double a, double b) {
+  return a < b ? a : b;
+}
+inline double maxOrSecond(double a, double b) {
+  return a > b ? a : b;
+}
+
+// The smallest and the largest magnitude among pixels and their neighbours, to within a factor that the bounds below
+// have room for, NaN where one of them is.
+struct Magnitudes {
+  double smallest;  // 0 where the sign changes
+  double largest;
+};
+
+inline Magnitudes magnitudesOf(const Stepper& stepper, int pixels) {
+  const double last = stepper.at + (pixels + 1) * stepper.right;
+  const double low = minOrSecond(stepper.at, last) + minOrSecond(0.0, stepper.down);
+  const double high = maxOrSecond(stepper.at, last) + maxOrSecond(0.0, stepper.down);
+  const double smallest = low > 0.0 ? low : high < 0.0 ? -high : 0.0;
+  return {smallest, maxOrSecond(high, -low)};
+}
+
+// How far approximate positions and extents may be from the exact ones in batches among the next pixels, in 1/65536
+// pixel; infinite where they must not be used.
+//
+// With q = 2^-53, every addition of a stepper errs by at most q times the largest magnitude, which in a batch adds up
+// to less than 5 * 64 + 4 such errors: less than 2^-44.6 of the largest u, v or w. Where the divisors' magnitudes are
+// within a factor of 8 of each other, a quotient is therefore off by less than 2^-41.4 of the largest u or v over the
+// smallest w, a distance of two by less than twice that, and the approximation's own roundings are far smaller.
+inline double approximationError(const IncrementalMap& map, const InputScale& scale, int pixels) {
+  const Magnitudes u = magnitudesOf(map.u, pixels);
+  const Magnitudes v = magnitudesOf(map.v, pixels);
+  const Magnitudes w = magnitudesOf(map.w, pixels);
+  // What is compared this way round is false for NaN.
+  const bool is_well_conditioned =
+      w.smallest > 0x1p-100 && w.largest < 0x1p100 && w.largest < 8.0 * w.smallest && scale.x > 0.0 && scale.y > 0.0;
+  const double farthest = maxOrSecond(u.largest * scale.x, v.largest * scale.y) * kFixedOne / w.smallest;
+  return is_well_conditioned && farthest < 0x1p30 ? farthest * 0x1p-39 + 0x1p-30 : __builtin_inf();
+}
+
+// Whether the next batch may be approximated, with the error left in the map. The bound is computed for several batches
+// at once, or for one where it fails for several.
+inline bool allowsApproximation(IncrementalMap* map, const InputScale& scale) {
+  constexpr double kLargestError = 0x1p-7;
+  constexpr int kPixelsAhead = 4 * kBatchPixels;
+  if (map->error_pixels < kBatchPixels) {
+    map->error = approximationError(*map, scale, kPixelsAhead);
+    map->error_pixels = kPixelsAhead;
+    if (!(map->error < kLargestError)) {
+      map->error = approximationError(*map, scale, kBatchPixels);
+      map->error_pixels = kBatchPixels;
+    }
+  }
+  map->error_pixels -= kBatchPixels;
+  return map->error < kLargestError;
+}
+
+// The quotients of a batch's pixels and of the pixels below them, and those of some pixels beyond the batch: the right
+// neighbours are the next pixels, and the lower right ones those below the next.
+struct ApproximateQuotients {
+  static constexpr int kPixels = kBatchPixels + kLanes;
+  double x[kPixels];
+  double y[kPixels];
+  double lower_x[kPixels];
+  double lower_y[kPixels];
+};
+
+// Divides once for all four of a pixel's quotients.
+inline void approximateQuotients(const IncrementalMap& map, int count, ApproximateQuotients* out) {
+  struct Terms {
+    Doubles at;
+    Doubles right;
+    Doubles down;
+  };
+  const auto terms_of = [](const Stepper& c) { return Terms{set(c.at), set(c.right), set(c.down)}; };
+  const Terms u = terms_of(map.u);
+  const Terms v = terms_of(map.v);
+  const Terms w = terms_of(map.w);
+  Doubles pixel = iota();
+  for (int i = 0; i < count + kLanes; i += kLanes) {
+    const Doubles own_w = mulAdd(pixel, w.right, w.at);
+    const Doubles lower_w = own_w + w.down;
+    const Doubles reciprocal = set(1.0) / (own_w * lower_w);
+    const Doubles own = reciprocal * lower_w;
+    const Doubles lower = reciprocal * own_w;
+    const Doubles own_u = mulAdd(pixel, u.right, u.at);
+    const Doubles own_v = mulAdd(pixel, v.right, v.at);
+    store(own_u * own, out->x + i);
+    store(own_v * own, out->y + i);
+    store((own_u + u.down) * lower, out->lower_x + i);
+    store((own_v + v.down) * lower, out->lower_y + i);
+    pixel = pixel + set(kLanes);
+  }
+}
+
+// Added to a number of magnitude up to 2^31, this rounds it to a whole one, which the sum's low bits then hold.
+constexpr double kRoundingShift = 0x1.8p52;
+
+struct Rounded {
+  Doubles shifted;   // the whole number plus kRoundingShift
+  Doubles distance;  // from the whole number to what was rounded
+};
+
+// number * factor, rounded to nearest.
+inline Rounded roundProduct(Doubles number, Doubles factor) {
+  const Doubles shift = set(kRoundingShift);
+  const Doubles shifted = mulAdd(number, factor, shift);
+  return {shifted, mulSub(number, factor, shifted - shift)};
+}
+
+using VectorSet = unsigned;  // vectors of a batch, a bit each
+
+// A batch's positions and extents along one axis, from approximate quotients. Returns the ambiguous vectors: those with
+// numbers that, being off by up to `error`, may round differently from the exact ones.
+inline VectorSet measureAxis(const double* own, const double* lower, double to_input, double error, int count,
+                             std::int32_t* positions, std::int32_t* extents) {
+  const Doubles scale = set(to_input * kFixedOne);
+  const Doubles most = set(0.5 - error);
+  VectorSet ambiguous = 0;
+  for (int i = 0; i < count; i += kLanes) {
+    const Doubles place = load(own + i);
+    const Doubles farthest =
+        maxAbs(maxAbs(load(own + i + 1) - place, load(lower + i + 1) - place), load(lower + i) - place);
+    const Rounded position = roundProduct(place, scale);
+    const Rounded extent = roundProduct(farthest, scale);
+    const bool is_certain = allGreater(most, maxAbs(position.distance, extent.distance));
+    ambiguous |= static_cast<VectorSet>(!is_certain) << (i / kLanes);
+    store(intsOfShifted(position.shifted, set(kRoundingShift)), positions + i);
+    store(intsOfShifted(extent.shifted, set(kRoundingShift)), extents + i);
+  }
+  return ambiguous;
+}
+
+// Measures the vector at pixel i of a batch that begins at `begin`, in which no divisor is near 0; `is_in_range` tells
+// whether the whole batch lies in the constant-exponent ranges.
+[[gnu::noinline]] void measureAgain(const IncrementalMap& begin, bool is_in_range, const InputScale& scale, int i,
+                                    Extents* extents, PixelBatch* out) {
+  if (is_in_range) {
+    const auto footprint = [i](const Stepper& c) {
+      const Doubles centre = mulAdd(iota() + set(i), set(c.increment), set(c.at));
+      const Doubles right = centre + set(c.right);
+      const Doubles lower_right = right + set(c.down);
+      return Footprint{centre, right, lower_right, lower_right - set(c.right)};
+    };
+    measureExactly({footprint(begin.u), footprint(begin.v), footprint(begin.w)}, scale, i, extents, out);
+  } else {
+    IncrementalMap map = begin;
+    advanceVisitingNeighbours(&map, i);
+    measureExactly(visitNeighbours(&map), scale, i, extents, out);
+  }
+}
+
+bool footprints(IncrementalMap* map, const InputScale& scale, int count, PixelBatch* out) {
+  const int end = wholeSteps(count);
+  if (!allowsApproximation(map, scale)) {
+    return exactFootprints(map, scale, end, out);
+  }
+  ApproximateQuotients quotients;
+  Extents extents;
+  approximateQuotients(*map, end, &quotients);
+  VectorSet ambiguous = measureAxis(quotients.x, quotients.lower_x, scale.x, map->error, end, out->x, extents.x) |
+                        measureAxis(quotients.y, quotients.lower_y, scale.y, map->error, end, out->y, extents.y);
+  const bool is_in_range = constantExponentRange(map) >= end;
+  for (; ambiguous != 0; ambiguous &= ambiguous - 1) {
+    measureAgain(*map, is_in_range, scale, __builtin_ctz(ambiguous) * kLanes, &extents, out);
+  }
+  storeBoxes(extents, 0, end, out);
+  if (is_in_range) {
+    advanceInRange(map, end);
+  } else {
+    advanceVisitingNeighbours(map, end);
+  }
+  return false;
+}
+
+}  // namespace

@@ -1,0 +1,21 @@
+// The drawing of one tile.
+#pragma once
+
+#include "host/composing/TiledFrame.h"
+
+namespace vantorel::host {
+
+// What all tiles of a frame share.
+struct TileSetting {
+  const ModuleState& module;
+  const FramePlan& plan;
+  const FrameOptions& options;  // those of the tiles: one thread, no progress, full resolution
+  ImageView layer;              // as the module sees it
+  Rect canvas;
+  ImageView output;
+};
+
+// Draws the part of a tile that lies on the canvas into the output.
+Result<void> drawTile(const TileSetting& setting, const Tile& tile, TileWorker& worker);
+
+}  // namespace vantorel::host

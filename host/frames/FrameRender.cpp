@@ -1,0 +1,223 @@
+#include "host/frames/FrameRender.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+
+#include <cstring>
+#include <exception>
+#include <limits>
+#include <utility>
+
+#include "host/Downsample.h"
+#include "host/frames/DegenerateMapRetry.h"
+#include "host/frames/FrameParameters.h"
+
+namespace vantorel::host {
+
+namespace {
+
+constexpr int kMaxBilinearLayer = 32767;  // pixels a side
+
+void copyPixels(const ImageView& from, const ImageView& to) {
+  const std::size_t row_bytes = static_cast<std::size_t>(to.size.width) * bytesPerPixel(to.depth);
+  for (int y = 0; y < to.size.height; ++y) {
+    std::memcpy(to.row(y), from.row(y), row_bytes);
+  }
+}
+
+// The module reads the layer and is trusted not to write it; the interface has no constant worlds.
+ImageView readOnly(const ConstImageView& view) {
+  return {const_cast<std::byte*>(view.data), view.row_bytes, view.size, view.depth};
+}
+
+// The layer at the frame's resolution: itself, or scaled into `scaled`.
+Result<ImageView> layerAtResolution(const ConstImageView& layer, int n, BlockEdges edges, Image* scaled) {
+  if (n == 1) {
+    return readOnly(layer);
+  }
+  return scaled->fit(downsampled(layer.size, n), layer.depth).map([&] {
+    downsample(layer, n, edges, scaled->view());
+    return scaled->view();
+  });
+}
+
+constexpr double kHalfPixel = 0.5;
+
+// The corners at the frame's time, in pixels of its resolution.
+Corners cornersAt(const AnimatedCorners& corners, const FrameOptions& options) {
+  const Corners full = corners.at(static_cast<double>(options.time.time) / options.time.scale);
+  const auto scaled = [&](const Point& p) { return Point{p.x / options.downsample, p.y / options.downsample}; };
+  return {scaled(full.upper_left), scaled(full.upper_right), scaled(full.lower_left), scaled(full.lower_right)};
+}
+
+// The rows of the canvas that a region reaches, whole, in canvas pixels.
+Rect rowsOf(const CoverageRegion& region, const Rect& canvas) {
+  const Box box = region.bounds();
+  const auto on_canvas = [&](double y) {
+    return static_cast<int>(std::clamp(y, static_cast<double>(canvas.top), static_cast<double>(canvas.bottom))) -
+           canvas.top;
+  };
+  const Rect rows{0, on_canvas(std::floor(box.top)), canvas.width(), on_canvas(std::ceil(box.bottom))};
+  const bool is_beside = box.right <= canvas.left || box.left >= canvas.right;
+  return region.empty() || rows.empty() || is_beside ? Rect{} : rows;
+}
+
+void rethrowProgressFailure(const RowScheduler& rows) {
+  if (rows.progressFailure()) {
+    std::rethrow_exception(rows.progressFailure());
+  }
+}
+
+// The bilinear renderer holds the layer's edges, and the corners on the canvas, in 16.16 too.
+Result<void> checkBilinearReach(const FrameState& frame, const Rect& canvas) {
+  if (frame.input.width > kMaxBilinearLayer || frame.input.height > kMaxBilinearLayer) {
+    return invalidArgument("layer",
+                           "its size is more than the 32767 pixels a side that can be drawn onto a "
+                           "quadrilateral that is not convex; render it at a lower resolution");
+  }
+  const auto fits = [](std::int32_t fixed, int origin) {
+    const std::int64_t shifted = fixed - std::int64_t{origin} * 65536;
+    return shifted >= std::numeric_limits<std::int32_t>::min() && shifted <= std::numeric_limits<std::int32_t>::max();
+  };
+  for (std::size_t i = 1; i < frame.params.size(); ++i) {
+    const PF_PointValue& point = frame.params[i].value.point;
+    if (!fits(point.point_x, canvas.left) || !fits(point.point_y, canvas.top)) {
+      return invalidArgument("canvas",
+                             "a corner lies 32768 pixels or more from its upper left corner, farther than a "
+                             "quadrilateral that is not convex can be drawn; use a nearer canvas");
+    }
+  }
+  return {};
+}
+
+}  // namespace
+
+FrameRender::FrameRender(const ModuleState& module, FrameState& frame, TileStore& tiles, const AnimatedCorners& corners,
+                         Size layer_size, const FrameOptions& options)
+    : job_{module, frame, layer_size, options}, tiles_(tiles) {
+  frame.corners = &corners;
+  frame.placed.reset();
+  frame.space = SampleSpace::Centres;
+  frame.downsample = options.downsample;
+  frame.iterated = false;
+  frame.render_seconds = 0.0;
+  frame.rows.begin(module.workers, module.checking ? 1 : options.threads, options.progress, options.stop);
+}
+
+FrameRender::~FrameRender() {
+  job_.frame.worlds.clear();
+  job_.frame.guard.reset();
+  job_.frame.input = {};
+  job_.frame.output = {};
+}
+
+Result<FrameResult> FrameRender::render(const ConstImageView& layer, const Rect& canvas, const ImageView& output) {
+  const FrameOptions& options = job_.options;
+  FrameState& frame = job_.frame;
+  const BlockEdges block_edges = edgesOf(options) == Edges::Crisp ? BlockEdges::LeftOut : BlockEdges::Transparent;
+  Result<ImageView> input = layerAtResolution(layer, options.downsample, block_edges, &frame.scaled_layer);
+  if (!input) {
+    return tl::unexpected(std::move(input).error());
+  }
+  frame.depth = layer.depth;
+  frame.input = worldOf(*input);
+  const double n = options.downsample;
+  const FramePlan plan(cornersAt(*frame.corners, options), layer.size.width / n, layer.size.height / n, input->size,
+                       options);
+  if (needsTiles(options, plan)) {
+    return renderInTiles(plan, *input, canvas, output);
+  }
+  place(plan);
+  return prepare(output).and_then([&] { return draw(canvas); }).and_then([&](const Rect& drawn) {
+    return deliver(drawn, canvas, output);
+  });
+}
+
+void FrameRender::place(const FramePlan& plan) {
+  if (job_.options.placement == Placement::Centres || plan.isWholeMove()) {
+    return;
+  }
+  const auto moved = [](const Point& p) { return Point{p.x - kHalfPixel, p.y - kHalfPixel}; };
+  const Corners& corners = plan.corners;
+  job_.frame.placed = Corners{moved(corners.upper_left), moved(corners.upper_right), moved(corners.lower_left),
+                              moved(corners.lower_right)};
+  job_.frame.space = SampleSpace::Outline;
+}
+
+Result<FrameResult> FrameRender::renderInTiles(const FramePlan& plan, const ImageView& layer, const Rect& canvas,
+                                               const ImageView& output) {
+  const auto begin = std::chrono::steady_clock::now();
+  TiledFrame tiles(job_.module, tiles_, plan, job_.options, layer);
+  return tiles.draw(job_.frame.rows, canvas, output).and_then([&] { return endOfFrame(); }).map([&] {
+    FrameResult result;
+    result.path = plan.path;
+    result.drawn = rowsOf(plan.region, canvas);
+    result.render_seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    return result;
+  });
+}
+
+Result<void> FrameRender::prepare(const ImageView& output) {
+  FrameState& frame = job_.frame;
+  frame.output = worldOf(output);
+  if (job_.module.checking) {
+    Result<RowGuard> guard = RowGuard::create(output.size, output.depth);
+    if (!guard) {
+      return tl::unexpected(std::move(guard).error());
+    }
+    frame.guard.emplace(std::move(*guard));
+    frame.output = worldOf(frame.guard->world());
+  }
+  fillParameters(&frame, job_.options.time);
+  return {};
+}
+
+Result<Rect> FrameRender::draw(const Rect& canvas) {
+  FrameState& frame = job_.frame;
+  Result<Rect> drawn = drawFrame(job_, canvas);
+  if (drawn && needsRetry(frame, canvas)) {
+    drawn = drawOnShiftedCanvas(job_, canvas).map([&] { return *drawn; });
+  }
+  if (!drawn) {
+    rethrowProgressFailure(frame.rows);
+    return drawn;
+  }
+  return endOfFrame().map([&] { return *drawn; });
+}
+
+Result<void> FrameRender::endOfFrame() {
+  RowScheduler& rows = job_.frame.rows;
+  rows.report(1.0);
+  rethrowProgressFailure(rows);
+  if (rows.stopRequested()) {
+    return failure(ErrorKind::Interrupted, "frame", "the frame was stopped before it was done");
+  }
+  return {};
+}
+
+Result<FrameResult> FrameRender::deliver(const Rect& drawn, const Rect& canvas, const ImageView& output) {
+  FrameState& frame = job_.frame;
+  if (frame.guard) {
+    copyPixels(frame.guard->world(), output);
+  }
+  FrameResult result;
+  result.path = frame.iterated || drawn.empty() ? RenderPath::Perspective : RenderPath::Bilinear;
+  result.drawn = drawn;
+  result.render_seconds = frame.render_seconds;
+  if (result.path == RenderPath::Bilinear) {
+    return checkBilinearReach(frame, canvas).map([&] { return result; });
+  }
+  return result;
+}
+
+Result<Rect> FrameRender::boundingBox() {
+  constexpr int kFar = 1 << 30;
+  FrameState& frame = job_.frame;
+  frame.input.width = job_.layer_size.width;
+  frame.input.height = job_.layer_size.height;
+  fillParameters(&frame, job_.options.time);
+  return askFrameSetup(job_, {-kFar, -kFar, kFar, kFar});
+}
+
+}  // namespace vantorel::host

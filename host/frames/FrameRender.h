@@ -1,0 +1,43 @@
+// The drawing of one frame, in one piece or in tiles.
+#pragma once
+
+#include "host/Error.h"
+#include "host/Frame.h"
+#include "host/composing/TiledFrame.h"
+#include "host/frames/FrameProtocols.h"
+
+namespace vantorel::host {
+
+// Uses an instance's state while it lives, and forgets the frame's worlds when it ends, however it ends. The arguments
+// must outlive it.
+class FrameRender {
+ public:
+  FrameRender(const ModuleState& module, FrameState& frame, TileStore& tiles, const AnimatedCorners& corners,
+              Size layer_size, const FrameOptions& options);
+  ~FrameRender();
+  FrameRender(const FrameRender&) = delete;
+  FrameRender& operator=(const FrameRender&) = delete;
+
+  // Renders the layer into `output`, which is the whole canvas, given at the frame's resolution. The request must have
+  // passed checkFrameRequest. Throws what the progress callback threw.
+  Result<FrameResult> render(const ConstImageView& layer, const Rect& canvas, const ImageView& output);
+
+  // Instead of all that: the rectangle that the effect asks for when nothing limits it.
+  Result<Rect> boundingBox();
+
+ private:
+  // The frame in one piece, in three steps.
+  Result<void> prepare(const ImageView& output);
+  Result<Rect> draw(const Rect& canvas);
+  Result<FrameResult> deliver(const Rect& drawn, const Rect& canvas, const ImageView& output);
+
+  Result<FrameResult> renderInTiles(const FramePlan& plan, const ImageView& layer, const Rect& canvas,
+                                    const ImageView& output);
+  void place(const FramePlan& plan);
+  Result<void> endOfFrame();
+
+  FrameJob job_;
+  TileStore& tiles_;
+};
+
+}  // namespace vantorel::host

@@ -1,0 +1,147 @@
+#include "host/frames/FrameRequest.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <string>
+
+#include "host/Error.h"
+#include "host/frames/FrameState.h"
+#include "support/PF_HostRecords.h"
+
+namespace vantorel::host {
+
+namespace {
+
+constexpr int kMaxCanvasOffset = 1 << 29;
+constexpr int kMaxLayerSide = 32768;  // what 16.16 positions reach
+
+template <typename Byte>
+Result<void> checkView(const BasicImageView<Byte>& view, const char* name) {
+  if (view.size.width <= 0 || view.size.height <= 0) {
+    return invalidArgument(name, "its size " + sizeText(view.size) + " has no pixels");
+  }
+  if (view.data == nullptr) {
+    return invalidArgument(name, "it has no pixel data");
+  }
+  if (view.depth != Depth::Bits8 && view.depth != Depth::Bits16 && view.depth != Depth::Float) {
+    return invalidArgument(name, "its depth must be 8, 16 or 32 bits per channel");
+  }
+  const auto channel_bytes = static_cast<std::ptrdiff_t>(bytesPerPixel(view.depth) / 4);
+  const std::int64_t pixel_bytes = std::int64_t{view.size.width} * static_cast<std::int64_t>(bytesPerPixel(view.depth));
+  if (view.row_bytes < pixel_bytes || view.row_bytes > std::numeric_limits<std::int32_t>::max()) {
+    return invalidArgument(name, "its row stride of " + std::to_string(view.row_bytes) + " bytes must be from " +
+                                     std::to_string(pixel_bytes) + " (a row's pixels) to 2147483647");
+  }
+  if (view.row_bytes % channel_bytes != 0 ||
+      reinterpret_cast<std::uintptr_t>(view.data) % static_cast<std::uintptr_t>(channel_bytes) != 0) {
+    return invalidArgument(
+        name, "its data and row stride must be multiples of the channel's " + std::to_string(channel_bytes) + " bytes");
+  }
+  return {};
+}
+
+template <typename Byte>
+std::uintptr_t endOf(const BasicImageView<Byte>& view) {
+  const auto rows_before = static_cast<std::uintptr_t>(view.size.height - 1);
+  return reinterpret_cast<std::uintptr_t>(view.data) + rows_before * static_cast<std::uintptr_t>(view.row_bytes) +
+         static_cast<std::uintptr_t>(view.size.width) * bytesPerPixel(view.depth);
+}
+
+Result<void> checkCanvas(const Rect& canvas, const ImageView& output, int downsample) {
+  const auto within = [](int value) { return value >= -kMaxCanvasOffset && value <= kMaxCanvasOffset; };
+  if (!within(canvas.left) || !within(canvas.top) || !within(canvas.right) || !within(canvas.bottom)) {
+    return invalidArgument("canvas", "its edges must lie within 536870912 pixels of the layer's corner");
+  }
+  if (canvas.empty()) {
+    return invalidArgument("canvas", "its size " + sizeText({canvas.width(), canvas.height()}) + " has no pixels");
+  }
+  const Size wanted = downsampled({canvas.width(), canvas.height()}, downsample);
+  if (output.size != wanted) {
+    return invalidArgument("output", "its size is " + sizeText(output.size) + ", but the canvas at 1/" +
+                                         std::to_string(downsample) + " has " + sizeText(wanted));
+  }
+  return {};
+}
+
+Result<void> checkLayerReach(Size layer_size, int downsample) {
+  const Size size = downsampled(layer_size, downsample);
+  if (size.width > kMaxLayerSide || size.height > kMaxLayerSide) {
+    return invalidArgument("layer", "its size " + sizeText(size) +
+                                        " is more than the 32768 pixels a side that the effect can reach; render it "
+                                        "at a lower resolution");
+  }
+  return {};
+}
+
+Result<void> checkOptions(const FrameOptions& options) {
+  if (options.downsample < 1) {
+    return invalidArgument("downsample", std::to_string(options.downsample) + " is not 1 or more");
+  }
+  constexpr std::array kSampleCounts{0, 1, 2, 4, 8};
+  if (std::ranges::find(kSampleCounts, options.samples) == kSampleCounts.end()) {
+    return invalidArgument("samples", std::to_string(options.samples) + " is none of 1, 2, 4, 8, and 0 for automatic");
+  }
+  if (options.placement == Placement::Centres && options.samples > 1) {
+    return invalidArgument("samples", "only one is possible where positions count from pixel centres; use 1");
+  }
+  if (options.placement == Placement::Centres && options.edges == Edges::Crisp) {
+    return invalidArgument("edges", "they can only be soft where positions count from pixel centres; use soft edges");
+  }
+  if (options.time.scale == 0) {
+    return invalidArgument("time scale", "it must be 1 or more units per second");
+  }
+  return {};
+}
+
+Result<void> checkParameters(const Module& module) {
+  const std::vector<ParameterInfo>& parameters = module.info().parameters;
+  const bool four_points =
+      parameters.size() == kCornerCount && std::ranges::all_of(parameters, [](const ParameterInfo& parameter) {
+        return parameter.type == PARAM_TYPE_POINT;
+      });
+  if (!four_points) {
+    return failure(ErrorKind::ModuleUnusable, module.info().path,
+                   "declares other parameters than four points, so it cannot be rendered");
+  }
+  return {};
+}
+
+}  // namespace
+
+Result<void> checkFrameRequest(const Module& module, const ConstImageView& layer, const Rect& canvas,
+                               const ImageView& output, const FrameOptions& options) {
+  return checkParameters(module)
+      .and_then([&] { return checkOptions(options); })
+      .and_then([&] { return checkView(layer, "layer"); })
+      .and_then([&] { return checkLayerReach(layer.size, options.downsample); })
+      .and_then([&] { return checkView(output, "output"); })
+      .and_then([&] { return checkCanvas(canvas, output, options.downsample); })
+      .and_then([&]() -> Result<void> {
+        if (layer.depth != output.depth) {
+          return invalidArgument("output", "its depth must be the layer's");
+        }
+        if (reinterpret_cast<std::uintptr_t>(layer.data) < endOf(output) &&
+            reinterpret_cast<std::uintptr_t>(output.data) < endOf(layer)) {
+          return invalidArgument("output", "its pixels overlap the layer's");
+        }
+        return {};
+      });
+}
+
+Result<void> checkBoxRequest(const Module& module, Size layer_size, const FrameOptions& options) {
+  if (layer_size.width <= 0 || layer_size.height <= 0) {
+    return invalidArgument("layer", "its size " + sizeText(layer_size) + " has no pixels");
+  }
+  return checkParameters(module).and_then([&] { return checkOptions(options); });
+}
+
+Rect canvasAtResolution(const Rect& canvas, Size output_size, int n) {
+  const auto floor_div = [n](int value) { return value >= 0 ? value / n : -((-value - 1) / n) - 1; };
+  const int left = floor_div(canvas.left);
+  const int top = floor_div(canvas.top);
+  return {left, top, left + output_size.width, top + output_size.height};
+}
+
+}  // namespace vantorel::host

@@ -1,0 +1,42 @@
+#include "host/module/SharedLibrary.h"
+
+#include <dlfcn.h>
+
+#include "host/Error.h"
+
+namespace vantorel::host {
+
+namespace {
+
+// The loader's text begins with the path, which the error names already.
+std::string loaderMessage(const std::string& path) {
+  const char* const text = dlerror();
+  const std::string message = text != nullptr ? text : "the loader gives no reason";
+  return message.starts_with(path + ": ") ? message.substr(path.size() + 2) : message;
+}
+
+}  // namespace
+
+void SharedLibrary::Close::operator()(void* library) const {
+  dlclose(library);
+}
+
+Result<SharedLibrary> SharedLibrary::open(const std::string& path) {
+  if (path.empty()) {
+    return failure(ErrorKind::ModuleUnusable, "module path", "it is empty; give the path of an effect module");
+  }
+  // Without a slash the loader would search the system's library folders.
+  const std::string file = path.find('/') == std::string::npos ? "./" + path : path;
+  SharedLibrary library;
+  library.library_.reset(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL));
+  if (!library.library_) {
+    return failure(ErrorKind::ModuleUnusable, path, "cannot be loaded as an effect module: " + loaderMessage(file));
+  }
+  return library;
+}
+
+void* SharedLibrary::symbol(const char* name) const {
+  return dlsym(library_.get(), name);
+}
+
+}  // namespace vantorel::host

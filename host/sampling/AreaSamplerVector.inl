@@ -1,0 +1,185 @@
+// The area samplers in vectors. AreaSamplerAvx2.cpp and AreaSamplerAvx512.cpp each define the small boxes of integer
+// pixels in the words of their instruction set and then include this body:
+//   meanOfTwoByTwo<Pixels>      of the pixels that a box of one pixel's size meets
+//   meanOfThreeByThree<Pixels>  of those that one of up to two pixels' size meets
+//
+// Well inside the world, boxes of one pixel's size and of up to two pixels' size have code of their own; other boxes of
+// up to 17 by 17 pixels are summed column by column where their loads stay inside a row, and all others are left to the
+// scalar samplers.
+#include "host/sampling/ClippedBoxes.inl"
+#include "host/sampling/FloatBoxes.inl"
+
+namespace vantorel::host {
+
+namespace {
+
+constexpr std::int32_t kHalfPixel = 32768;
+constexpr std::int32_t kMaxRadius = 8 << 16;
+
+// Any box: column by column where it is small and its loads stay inside a row, else by the scalar sampler.
+template <typename Pixels>
+[[gnu::noinline]] std::int32_t sampleAnyBox(void* effect_ref, std::int32_t x, std::int32_t y,
+                                            const PF_SampleParams* params, typename Pixels::Pixel* out) {
+  if (!isSampleable(params) || params->x_radius > kMaxRadius || params->y_radius > kMaxRadius) {
+    return Pixels::scalar()(effect_ref, x, y, params, out);
+  }
+  const PF_LayerDef& world = *params->source;
+  const SampleSpan columns(x, params->x_radius);
+  const SampleSpan rows(y, params->y_radius);
+  const std::int64_t left = columns.firstPixel();
+  const std::int64_t top = rows.firstPixel();
+  const std::int64_t column_count = columns.endPixel(world.width) - left;
+  const std::int64_t row_count = rows.endPixel(world.height) - top;
+  const std::int64_t loaded =
+      (column_count + Pixels::kColumnsPerLoad - 1) / Pixels::kColumnsPerLoad * Pixels::kColumnsPerLoad;
+  if (column_count <= 0 || row_count <= 0) {
+    *out = typename Pixels::Pixel{};
+    return ERR_NONE;
+  }
+  if (left + loaded > world.width || (columns.inOnePixel() && rows.inOnePixel())) {
+    return Pixels::scalar()(effect_ref, x, y, params, out);
+  }
+  const ClippedBox box{worldRow<const std::byte>(world, top) + left * Pixels::kPixelBytes,
+                       world.row_bytes,
+                       static_cast<int>(column_count),
+                       static_cast<int>(row_count),
+                       static_cast<std::uint32_t>(columns.overlap(left)),
+                       static_cast<std::uint32_t>(columns.overlap(left + column_count - 1)),
+                       static_cast<std::uint32_t>(rows.overlap(top)),
+                       static_cast<std::uint32_t>(rows.overlap(top + row_count - 1))};
+  meanOfBox(box, columns.length() * rows.length(), out);
+  return ERR_NONE;
+}
+
+// Whether a span of that centre and radius meets none of an axis's `size` pixels.
+inline bool isOutside(std::int32_t centre, std::int32_t radius, std::int32_t size) {
+  const std::int64_t middle = std::int64_t{centre} + kHalfPixel;
+  return middle + radius <= 0 || middle - radius >= std::int64_t{size} << 16;
+}
+
+inline bool isInside(std::int32_t centre, std::int32_t radius, std::int32_t size) {
+  const std::int64_t middle = std::int64_t{centre} + kHalfPixel;
+  return middle >= radius && middle + radius <= std::int64_t{size} << 16;
+}
+
+// A box that meets the border, cut to the world. Apart from the others, which the copy of the parameters would delay.
+template <typename Pixels>
+[[gnu::noinline]] std::int32_t sampleExtended(void* effect_ref, std::int32_t x, std::int32_t y,
+                                              const PF_SampleParams* params, typename Pixels::Pixel* out) {
+  if (liesOutOfReach(x, params->x_radius, params->source->width) ||
+      liesOutOfReach(y, params->y_radius, params->source->height)) {
+    *out = typename Pixels::Pixel{};
+    return ERR_NONE;
+  }
+  PF_SampleParams cut = *params;
+  cutToWorld(&x, &cut.x_radius, cut.source->width);
+  cutToWorld(&y, &cut.y_radius, cut.source->height);
+  return sampleAnyBox<Pixels>(effect_ref, x, y, &cut, out);
+}
+
+// A box that is not small or not well inside the world. Those wholly outside, which the surroundings of a quadrilateral
+// are full of, come first.
+template <typename Pixels, SampleSpace kSpace>
+[[gnu::noinline]] std::int32_t sampleClippedBox(void* effect_ref, std::int32_t x, std::int32_t y,
+                                                const PF_SampleParams* params, typename Pixels::Pixel* out) {
+  if (kSpace == SampleSpace::OutlineExtended && isSampleable(params) &&
+      !(isInside(x, params->x_radius, params->source->width) &&
+        isInside(y, params->y_radius, params->source->height))) {
+    return sampleExtended<Pixels>(effect_ref, x, y, params, out);
+  }
+  if (isSampleable(params) && (isOutside(x, params->x_radius, params->source->width) ||
+                               isOutside(y, params->y_radius, params->source->height))) {
+    *out = typename Pixels::Pixel{};
+    return ERR_NONE;
+  }
+  return sampleAnyBox<Pixels>(effect_ref, x, y, params, out);
+}
+
+// Has the processor fetch what lies so many bytes beyond a pixel, which the next row will need: rows cut across a
+// turned layer's rows too often for the processor to foresee it. The address may lie outside of the world; nothing is
+// read.
+inline void prefetchBelow(const std::byte* pixel, std::ptrdiff_t bytes) {
+  const std::uintptr_t address = __builtin_bit_cast(std::uintptr_t, pixel) + static_cast<std::uintptr_t>(bytes);
+  __builtin_prefetch(__builtin_bit_cast(const void*, address));
+}
+
+inline bool isSmall(std::int32_t radius) {
+  return static_cast<std::uint32_t>(radius) - kHalfPixel <= kHalfPixel;
+}
+
+inline std::int32_t beginOf(std::int32_t centre, std::int32_t radius) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(centre) - static_cast<std::uint32_t>(radius) +
+                                   kHalfPixel);
+}
+
+// Any box but that of one pixel's size. One of up to two pixels' size meets three by three pixels at most; its place is
+// computed apart from its weights, which the pixels' arrival does not wait for.
+template <typename Pixels, SampleSpace kSpace>
+[[gnu::noinline]] std::int32_t sampleSmallBox(void* effect_ref, std::int32_t x, std::int32_t y,
+                                              const PF_SampleParams* params, typename Pixels::Pixel* out) {
+  const std::int32_t x_radius = params->x_radius;
+  const std::int32_t y_radius = params->y_radius;
+  const std::int32_t left = beginOf(x, x_radius);
+  const std::int32_t top = beginOf(y, y_radius);
+  // A sum that ran over would be that of a negative position.
+  if (!isSmall(x_radius) || !isSmall(y_radius) || (x | y | left | top) < 0 || params->source == nullptr) {
+    return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
+  }
+  const PF_LayerDef& world = *params->source;
+  const std::int32_t column = left >> 16;
+  const std::int32_t row = top >> 16;
+  if (world.width < column + 3 || world.height < row + 3 || world.data == nullptr) {
+    return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
+  }
+  const std::ptrdiff_t row_bytes = world.row_bytes;
+  const std::byte* const pixel =
+      static_cast<const std::byte*>(world.data) + row * row_bytes + column * Pixels::kPixelBytes;
+  prefetchBelow(pixel, 3 * row_bytes);
+  meanOfThreeByThree<Pixels>(pixel, row_bytes, x, y, *params, out);
+  return ERR_NONE;
+}
+
+// The box of one pixel's size comes first, and so lean that it needs neither calls nor a stack.
+template <typename Pixels, SampleSpace kSpace>
+std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
+                    typename Pixels::Pixel* out) {
+  x = fromCentres<kSpace>(x);
+  y = fromCentres<kSpace>(y);
+  if (params == nullptr) {
+    return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
+  }
+  if (params->x_radius != kHalfPixel || params->y_radius != kHalfPixel) {
+    return sampleSmallBox<Pixels, kSpace>(effect_ref, x, y, params, out);
+  }
+  if ((x | y) < 0 || params->source == nullptr) {
+    return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
+  }
+  const PF_LayerDef& world = *params->source;
+  const std::uint32_t column = static_cast<std::uint32_t>(x) >> 16;
+  const std::uint32_t row = static_cast<std::uint32_t>(y) >> 16;
+  if (world.width < static_cast<std::int32_t>(column + 2) || world.height < static_cast<std::int32_t>(row + 2) ||
+      world.data == nullptr) {
+    return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
+  }
+  const std::ptrdiff_t row_bytes = world.row_bytes;
+  const std::byte* const pixel =
+      static_cast<const std::byte*>(world.data) + row * row_bytes + column * Pixels::kPixelBytes;
+  prefetchBelow(pixel, 2 * row_bytes);
+  if (!Pixels::kOnePixelIsMean && ((x | y) & 65535) == 0) {
+    __builtin_memcpy(out, pixel, Pixels::kPixelBytes);
+  } else {
+    meanOfTwoByTwo<Pixels>(pixel, row_bytes, x & 65535, y & 65535, out);
+  }
+  return ERR_NONE;
+}
+
+// A whole table for every space.
+template <SampleSpace kSpace>
+inline constexpr AreaSamplers kSamplersIn{sample<Pixels8, kSpace>, sample<Pixels16, kSpace>,
+                                          sample<PixelsFloat, kSpace>};
+inline constexpr AreaSamplerTables kSamplerTables{
+    {kSamplersIn<SampleSpace::Centres>, kSamplersIn<SampleSpace::Outline>, kSamplersIn<SampleSpace::OutlineExtended>}};
+
+}  // namespace
+
+}  // namespace vantorel::host

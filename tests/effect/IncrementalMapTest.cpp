@@ -1,0 +1,69 @@
+#include "effect/perspective/IncrementalMap.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+bool sameBits(double a, double b) {
+  return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
+}
+
+// A number of any bits, of few bits so that rests of steps come out as halves of a last digit, or beside a power of
+// two.
+double someNumber(int exponent) {
+  const double bits = std::ldexp(*rc::gen::arbitrary<std::int32_t>(), -31);
+  switch (*rc::gen::inRange(0, 4)) {
+    case 0:
+      return std::ldexp(bits + std::ldexp(*rc::gen::inRange(0, 1 << 20), -52), exponent);
+    case 1:
+      return std::ldexp(std::round(bits * 16.0), exponent - 4);
+    case 2:
+      return std::copysign(std::ldexp(1.0 + std::ldexp(*rc::gen::inRange(-40, 41), -52), exponent), bits);
+    default:
+      return *rc::gen::element(0.0, -0.0, 1e-310, HUGE_VAL, std::nan(""), 1e300);
+  }
+}
+
+}  // namespace
+
+// Whether it takes ranges as wholes or not, the map has the values that it would have step by step.
+RC_GTEST_PROP(IncrementalMap, EqualsItsStepsToTheBit, ()) {
+  const int exponent = *rc::gen::inRange(-30, 30);
+  const auto step_exponent = [&] { return exponent - *rc::gen::inRange(0, 60); };
+  const Stepper start{someNumber(exponent), someNumber(step_exponent()), someNumber(step_exponent())};
+  IncrementalMap along{start, start, start};
+  IncrementalMap visiting = along;
+  Stepper stored = start;
+  double at_along = start.at;
+  double at_visiting = start.at;
+  for (int total = 0; total < 500;) {
+    const int pixels = *rc::gen::inRange(1, 100);
+    total += pixels;
+    std::vector<double> values(static_cast<std::size_t>(pixels));
+    storeValues(&stored, pixels, values.data());
+    for (const double value : values) {
+      at_along += start.right;
+      RC_ASSERT(sameBits(value, at_along));
+      const double centre = at_visiting + start.right;
+      at_visiting = centre + start.right + start.down - start.right - start.down;
+    }
+    advance(&along, pixels);
+    advanceVisitingNeighbours(&visiting, pixels);
+    RC_ASSERT(sameBits(stored.at, at_along) && sameBits(along.u.at, at_along) && sameBits(along.w.at, at_along));
+    RC_ASSERT(sameBits(visiting.u.at, at_visiting) && sameBits(visiting.w.at, at_visiting));
+  }
+}
+
+TEST(IncrementalMap, TakesLongRangesAtOnce) {
+  IncrementalMap map{{1000.0, 0.1, 0.3}, {1.0, 0.0, 0.0}, {0.7, -1e-5, 1e-5}};
+  EXPECT_GE(constantExponentRange(&map), 200);
+  map.u.at = 1023.0;  // ten steps before its exponent changes
+  map.u.range = 0;
+  EXPECT_LT(constantExponentRange(&map), 20);
+}
