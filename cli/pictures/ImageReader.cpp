@@ -65,6 +65,14 @@ Source openSource(const std::string& path) {
   return source;
 }
 
+Source openWholeSource(const std::string& path) {
+  Source source = openSource(path);
+  if (isTruncated(path)) {
+    throw fileFailure(path, "is truncated; give the whole file");
+  }
+  return source;
+}
+
 PictureInfo infoOf(const Source& source) {
   host::Size size = source.displaySize();
   if (swapsAxes(source.orientation)) {
@@ -204,10 +212,7 @@ PictureInfo probePicture(const std::string& path) {
 
 Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop) {
   const LibraryMessagesDropped dropped;
-  Source source = openSource(path);
-  if (isTruncated(path)) {
-    throw fileFailure(path, "is truncated; give the whole file");
-  }
+  Source source = openWholeSource(path);
   Picture picture;
   picture.info = infoOf(source);
   picture.colour_space = source.spec.get_string_attribute("oiio:ColorSpace");
@@ -232,7 +237,7 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
 
 bool hasSoftAlpha(const std::string& path) {
   const LibraryMessagesDropped dropped;
-  Source source = openSource(path);
+  Source source = openWholeSource(path);
   const int step = std::min(rowsPerRead(source.spec), source.spec.height);
   host::Image rows = valueOrThrow(host::Image::create({source.spec.width, step}, host::Depth::Bits8));
   bool soft = false;
