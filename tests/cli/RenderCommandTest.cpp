@@ -123,7 +123,7 @@ TEST(RenderCommand, ProxiesShowTheSamePictureSmaller) {
   runWell(folder, "testcard -o card.png --size 403x301");
   runWell(folder, "testcard -o plate.png --size 403x301");
   for (const std::string options : {"", " --over plate.png", " --fit"}) {
-    const std::string common = options + " --ul 40,20 --ur 360,60 --ll 20,240 --lr 300,280";
+    const std::string common = options + " --quality high --ul 40,20 --ur 360,60 --ll 20,240 --lr 300,280";
     runWell(folder, "render card.png -o full.exr" + common);
     const auto line = runWell(folder, "render card.png -o half.exr --json --downsample 2" + common).lines().at(0);
     if (options != " --fit") {
