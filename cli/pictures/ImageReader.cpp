@@ -25,7 +25,7 @@ namespace vantorel::cli {
 
 namespace {
 
-// Rows between two looks at the stop token; enough for OpenEXR to decompress its blocks side by side.
+// Rows read between two checks of the stop token; enough for OpenEXR to decompress its blocks side by side.
 constexpr int kRowsPerRead = 256;
 
 CommandError unreadable(const std::string& path, const std::string& reason) {
@@ -34,7 +34,7 @@ CommandError unreadable(const std::string& path, const std::string& reason) {
                                        oneLine(reason)));
 }
 
-// A file that is open, and how its pixels are to be understood.
+// An open file, and how to interpret its pixels.
 struct Source {
   std::string path;
   std::unique_ptr<OIIO::ImageInput> input;
