@@ -17,13 +17,13 @@ constexpr const char* kReporting = "Reporting";
 
 constexpr PictureUse kLeaves = PictureUse::LeavesPicture;
 
-template <Corner corner>
+template <Corner Which>
 void setCorner(RenderOptions& options, const std::string& name, const std::string& value) {
   const auto position = parseCorner(value);
   if (!position) {
     throw badArgument(name, position.error());
   }
-  options.corners[corner] = *position;
+  options.corners[Which] = *position;
 }
 
 }  // namespace
@@ -31,7 +31,7 @@ void setCorner(RenderOptions& options, const std::string& name, const std::strin
 const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
   using Options = RenderOptions;
   using Text = const std::string&;
-  static const std::vector<OptionRow<Options>> table{
+  static const std::vector<OptionRow<Options>> kTable{
       {"LAYER", "FILE", kFiles, "The picture to stretch, or a sequence of them",
        [](Options& o, Text name, Text value) { o.layer = parseFileName(name, value); },
        "name the picture to render: vantorel render LAYER -o OUT", kLeaves},
@@ -127,7 +127,7 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
       {"--json", "", kReporting, "Print a line of JSON on standard output for every finished frame",
        [](Options& o, Text, Text) { o.json = true; }, nullptr, kLeaves},
   };
-  return table;
+  return kTable;
 }
 
 }  // namespace vantorel::cli

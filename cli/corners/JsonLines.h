@@ -1,4 +1,4 @@
-// On which line of a JSON text each value stands.
+// The line of each value in a JSON text.
 #pragma once
 
 #include <map>
