@@ -7,8 +7,8 @@ namespace vantorel::host {
 
 namespace {
 
-// Waits for what is likely to come within microseconds, as the next of many small frames is: sleeping and being woken
-// takes longer than such a frame's rows.
+// Waits for what is likely to happen within microseconds, such as the next of many small frames: to sleep and to be
+// woken would take longer than such a frame.
 template <typename Condition>
 void waitBriefly(Condition condition) {
   constexpr int kTries = 100;

@@ -1,7 +1,7 @@
 // Threads that help with the rows of frames, shared by all instances of a module.
 //
-// A run allocates nothing and cannot fail: threads that cannot be started are done without, and the calling thread,
-// which always works along, can finish a run alone. So several runs at once, and runs inside of rows, end too.
+// A run allocates nothing and cannot fail: the calling thread takes part and finishes a run alone where no other thread
+// can be started or has time. For the same reason several runs at once, and runs inside of rows, come to their end.
 #pragma once
 
 #include <atomic>

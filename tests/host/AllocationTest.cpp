@@ -54,30 +54,31 @@ __attribute__((noinline)) void operator delete(void* memory, std::size_t, std::a
 namespace vantorel::host {
 namespace {
 
+constexpr Corners kConcave{{3, 2}, {60, 5}, {1, 44}, {20, 12}};
+
 TEST(AllocationTest, AFrameAfterTheFirstAllocatesNothing) {
   const auto module = testing::loadModule("vantorel");
   for (const Depth depth : testing::kDepths) {
     Image layer = testing::noise({64, 48}, depth);
-    Image output = testing::dirty({64, 48}, depth);
-    const Corners quads[] = {{{3, 2}, {60, 5}, {1, 44}, {57, 40}}, {{3, 2}, {60, 5}, {1, 44}, {20, 12}}};
-    for (const Corners& quad : quads) {
+    for (const Corners& quad : {Corners{{3, 2}, {60, 5}, {1, 44}, {57, 40}}, kConcave}) {
       for (const Protocol protocol : {Protocol::Smart, Protocol::Plain}) {
-        Instance instance = testing::instanceWith(module, quad);
-        double share = 0;
-        FrameOptions options{.protocol = protocol, .progress = [&](double s) { share = s; }};
-        ASSERT_TRUE(instance.render(asConst(layer.view()), {0, 0, 64, 48}, output.view(), options));
-        const long before = allocations;
-        for (int frame = 1; frame < 4; ++frame) {
-          options.time.time = frame;
+        for (const int n : {1, 2}) {
+          Image output = testing::dirty(downsampled(layer.size(), n), depth);
+          Instance instance = testing::instanceWith(module, quad);
+          double share = 0;
+          FrameOptions options{.protocol = protocol, .downsample = n, .progress = [&](double s) { share = s; }};
           ASSERT_TRUE(instance.render(asConst(layer.view()), {0, 0, 64, 48}, output.view(), options));
+          const long before = allocations;
+          for (int frame = 1; frame < 4; ++frame) {
+            options.time.time = frame;
+            ASSERT_TRUE(instance.render(asConst(layer.view()), {0, 0, 64, 48}, output.view(), options));
+          }
+          EXPECT_EQ(before, allocations);
         }
-        EXPECT_EQ(before, allocations);
       }
     }
   }
 }
-
-constexpr Corners kConcave{{3, 2}, {60, 5}, {1, 44}, {20, 12}};
 
 Result<FrameResult> loadAndRender(const std::string& path, Image& layer, Image& output) {
   return Module::load(path).and_then([&](const std::shared_ptr<const Module>& module) {
