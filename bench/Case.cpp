@@ -39,7 +39,7 @@ std::string qualityText(host::Quality quality) {
   return quality == host::Quality::High ? "high" : "standard";
 }
 
-void add(const Effort& effort, Case measured) {
+void add(const Effort& effort, const Case& measured) {
   const auto body = [measured](benchmark::State& state) {
     pinTo(measured.labels.threads);
     if (!measured.slow) {

@@ -45,7 +45,7 @@ struct Case {
 
 // Registers a measurement of processor time, that of the whole process, and wall-clock time. A case that is not slow
 // runs once, uncounted, before each repetition.
-void add(const Effort& effort, Case measured);
+void add(const Effort& effort, const Case& measured);
 
 // Registers a measurement whose run returns the seconds to report as wall-clock time. It runs once per repetition.
 void addManuallyTimed(const Effort& effort, const Labels& labels, std::function<double()> run);

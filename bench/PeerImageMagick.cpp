@@ -52,8 +52,8 @@ void deliverPremultiplied(Magick::Image& image, const host::ImageView& output) {
 }
 
 Drawing prepareDistort(const Workload& workload, host::Depth depth, int threads) {
-  static const bool ready = (Magick::InitializeMagick(nullptr), true);
-  static_cast<void>(ready);
+  static const bool kReady = (Magick::InitializeMagick(nullptr), true);
+  static_cast<void>(kReady);
   const std::vector<std::uint16_t> channels = packed(picture(workload.layer, depth));
   const auto layer = std::make_shared<Magick::Image>(static_cast<std::size_t>(workload.layer.width),
                                                      static_cast<std::size_t>(workload.layer.height), "ARGB",

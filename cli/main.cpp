@@ -1,16 +1,60 @@
 #include <malloc.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <exception>
 #include <new>
+#include <system_error>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/Console.h"
 #include "cli/commands/CommandLine.h"
 #include "cli/commands/Interrupt.h"
 
 namespace {
 
+using vantorel::cli::console;
 using vantorel::cli::ExitCode;
+
+int failWithMessage(const char* text, ExitCode code) {
+  std::fprintf(console(), "vantorel: %s\n", text);
+  return static_cast<int>(code);
+}
+
+int failForWantOfThreads(const std::system_error& error) {
+  std::fprintf(console(),
+               "vantorel: cannot start a thread (%s); raise the limits on processes and memory (ulimit -u, -v)\n",
+               error.code().message().c_str());
+  return static_cast<int>(ExitCode::EffectFailed);
+}
+
+// For what is thrown where nothing can catch it: in a library's thread, or as a library is loaded.
+[[noreturn]] void endWithMessage() {
+  int code = static_cast<int>(ExitCode::EffectFailed);
+  try {
+    if (const std::exception_ptr thrown = std::current_exception()) {
+      std::rethrow_exception(thrown);
+    }
+  } catch (const std::system_error& error) {
+    code = failForWantOfThreads(error);
+  } catch (const std::bad_alloc&) {
+    code = failWithMessage("out of memory; raise the limit on it (ulimit -v) or close other programs",
+                           ExitCode::EffectFailed);
+  } catch (const std::exception& error) {
+    code = failWithMessage(error.what(), ExitCode::EffectFailed);
+  } catch (...) {
+    code = failWithMessage("a library failed; please report this", ExitCode::EffectFailed);
+  }
+  _exit(code);
+}
+
+void prepareForFailures() {
+  std::set_terminate(endWithMessage);
+}
+
+// Libraries of picture formats start threads and allocate memory as they are loaded, before main(); what is listed here
+// runs before them.
+[[gnu::section(".preinit_array"), gnu::used]] void (*const prepare_before_libraries)() = prepareForFailures;
 
 // Pictures go back to the system as they are freed. Left to itself, the allocator would keep them in its heap, which a
 // long sequence fragments further with every frame.
@@ -19,24 +63,22 @@ void returnPicturesWhenFreed() {
   mallopt(M_MMAP_THRESHOLD, kSmallestPicture);
 }
 
-ExitCode run(int argc, char** argv) {
-  try {
-    returnPicturesWhenFreed();
-    const vantorel::cli::Interrupt interrupt;
-    return vantorel::cli::runCommandLine(argc, argv, interrupt.token());
-  } catch (const vantorel::cli::CommandError& error) {
-    std::fprintf(stderr, "vantorel: %s\n", error.text().c_str());
-    return error.code();
-  } catch (const std::bad_alloc&) {
-    std::fputs("vantorel: out of memory; give a smaller picture or --size\n", stderr);
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "vantorel: %s; please report this\n", error.what());
-  }
-  return ExitCode::EffectFailed;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  return static_cast<int>(run(argc, argv));
+  try {
+    console();
+    returnPicturesWhenFreed();
+    vantorel::cli::ignoreSignalsOfWriting();
+    return static_cast<int>(vantorel::cli::runCommandLine(argc, argv));
+  } catch (const vantorel::cli::CommandError& error) {
+    return failWithMessage(error.text().c_str(), error.code());
+  } catch (const std::bad_alloc&) {
+    return failWithMessage("out of memory; give a smaller picture or --size", ExitCode::EffectFailed);
+  } catch (const std::system_error& error) {
+    return failForWantOfThreads(error);
+  } catch (const std::exception& error) {
+    std::fprintf(console(), "vantorel: %s; raise the limits on processes and memory, or report this\n", error.what());
+    return static_cast<int>(ExitCode::EffectFailed);
+  }
 }

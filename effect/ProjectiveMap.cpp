@@ -64,18 +64,18 @@ M_Matrix3 adjugate(const M_Matrix3& map) {
   return result;
 }
 
-// True when the three points span a triangle. The bound follows the rounding of coordinates of that magnitude, so that
-// the test means the same wherever the points lie.
+// True when the three points span a triangle: their cross product exceeds what the rounding of the coordinates, each to
+// within epsilon of its axis's largest one, can make of zero.
 bool spanTriangle(const M_Vector2T<double>& p, const M_Vector2T<double>& q, const M_Vector2T<double>& r) {
   const double dx1 = q.x - p.x;
   const double dy1 = q.y - p.y;
   const double dx2 = r.x - p.x;
   const double dy2 = r.y - p.y;
   const double twice_area = std::abs(dx1 * dy2 - dy1 * dx2);
-  const double magnitude =
-      std::max({std::abs(p.x), std::abs(p.y), std::abs(q.x), std::abs(q.y), std::abs(r.x), std::abs(r.y)});
-  const double extent = std::max({std::abs(dx1), std::abs(dy1), std::abs(dx2), std::abs(dy2)});
-  const double rounding = std::numeric_limits<double>::epsilon() * magnitude * extent;
+  const double largest_x = std::max({std::abs(p.x), std::abs(q.x), std::abs(r.x)});
+  const double largest_y = std::max({std::abs(p.y), std::abs(q.y), std::abs(r.y)});
+  const double rounding = std::numeric_limits<double>::epsilon() *
+                          ((std::abs(dx1) + std::abs(dx2)) * largest_y + (std::abs(dy1) + std::abs(dy2)) * largest_x);
   return twice_area > kNearZero + rounding;  // false for NaN
 }
 

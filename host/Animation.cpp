@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "host/geometry/MonotoneCubic.h"
+
 namespace vantorel::host {
 
 namespace {
@@ -14,6 +16,20 @@ bool earlier(double a, double b) {
     return !std::isnan(a) && std::isnan(b);
   }
   return a < b;
+}
+
+// Between the key before `next` and that one.
+Point smoothlyBetween(const std::vector<AnimatedPoint::Key>& keys, std::size_t next, double seconds) {
+  const bool has_before = next >= 2;
+  // A key whose time is not a number is none.
+  const bool has_after = next + 1 < keys.size() && !std::isnan(keys[next + 1].seconds);
+  const auto along = [&](double Point::*axis) {
+    const auto knot = [&](std::size_t key) { return CubicInterval::Knot{keys[key].seconds, keys[key].value.*axis}; };
+    return CubicInterval{knot(has_before ? next - 2 : next - 1), knot(next - 1), knot(next),
+                         knot(has_after ? next + 1 : next),      has_before,     has_after}
+        .at(seconds);
+  };
+  return {along(&Point::x), along(&Point::y)};
 }
 
 }  // namespace
@@ -40,9 +56,22 @@ Point AnimatedPoint::at(double seconds) const {
   if (next == keys_.end() || interpolation_ == Interpolation::Hold || before.seconds == seconds) {
     return before.value;
   }
+  if (interpolation_ == Interpolation::Smooth) {
+    return smoothlyBetween(keys_, static_cast<std::size_t>(next - keys_.begin()), seconds);
+  }
   const double share = (seconds - before.seconds) / (next->seconds - before.seconds);
   return {before.value.x + (next->value.x - before.value.x) * share,
           before.value.y + (next->value.y - before.value.y) * share};
+}
+
+const Point& Corners::operator[](std::size_t corner) const {
+  static constexpr std::array kCorners{&Corners::upper_left, &Corners::upper_right, &Corners::lower_left,
+                                       &Corners::lower_right};
+  return this->*kCorners[corner];
+}
+
+Corners AnimatedCorners::at(double seconds) const {
+  return {upper_left.at(seconds), upper_right.at(seconds), lower_left.at(seconds), lower_right.at(seconds)};
 }
 
 const AnimatedPoint& AnimatedCorners::operator[](std::size_t corner) const {

@@ -36,9 +36,13 @@ struct Corners {
   Point lower_left;
   Point lower_right;
   bool operator==(const Corners&) const = default;
+
+  // By its place in kCornerNames, below kCornerCount.
+  const Point& operator[](std::size_t corner) const;
 };
 
-enum class Interpolation { Linear, Hold };
+// Smooth: a monotone cubic, which moves steadily through the keys and never beyond the values on either side.
+enum class Interpolation { Linear, Hold, Smooth };
 
 // One point over time. Times are in seconds; values are held before the first and after the last key.
 class AnimatedPoint {
@@ -70,6 +74,8 @@ struct AnimatedCorners {
   AnimatedPoint upper_right;
   AnimatedPoint lower_left;
   AnimatedPoint lower_right;
+
+  Corners at(double seconds) const;
 
   // By its place in kCornerNames, below kCornerCount.
   const AnimatedPoint& operator[](std::size_t corner) const;

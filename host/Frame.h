@@ -3,13 +3,31 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <stop_token>
 
 #include "host/Image.h"
 
 namespace vantorel::host {
 
-enum class Quality { Standard, High };
+// Standard and High are the effect's own. Best draws the frame in tiles at High, with as many samples a pixel as each
+// tile needs to come near the true picture, and with crisp edges.
+enum class Quality { Standard, High, Best };
+
+// What the corners and the layer's positions are counted from.
+enum class Placement {
+  // Pixel k covers [k, k + 1) on both sides, and the layer's outline lies exactly on the corners.
+  Outline,
+  // The effect's own way: positions count from pixel centres, so that a picture enlarged s times lies (s - 1) / 2
+  // pixels
+  // off. For checking the effect, and for matching another host.
+  Centres
+};
+
+enum class Edges {
+  Soft,  // the effect's own: the layer fades into transparency over a layer pixel
+  Crisp  // the layer's colours reach to its outline, and an edge pixel has exactly the share that the outline covers
+};
 enum class Protocol { Smart, Plain };
 
 // The renderer that the effect chose for a frame.
@@ -22,10 +40,24 @@ struct FrameTime {
   std::uint32_t scale = 24;
 };
 
+// Motion blur: how long light falls on a frame.
+struct Shutter {
+  double degrees = 0.0;            // 360 is a whole frame, from its time to the next one's; 0: no blur; up to 720
+  std::optional<double> offset{};  // when it opens, in degrees after the frame's time; unset: centred on it
+  int max_samples = 64;            // moments that are drawn, at most: 1 to 1024
+};
+
 // What holds for one frame, and can differ from frame to frame.
 struct FrameOptions {
   FrameTime time{};
   Quality quality = Quality::High;
+  Placement placement = Placement::Outline;
+  std::optional<Edges> edges{};  // unset: Crisp at Best with Placement::Outline, else Soft
+  // Samples a pixel along each axis: 1, 2, 4 or 8; 0: by rule at Best, else 1. A tile takes fewer where its corners, so
+  // many times enlarged, leave the effect's 16.16 numbers. With Placement::Centres 0 or 1 alone, and Soft edges.
+  int samples = 0;
+  // Moving corners are drawn at several moments, in tiles; with Placement::Outline alone.
+  Shutter shutter{};
   Protocol protocol = Protocol::Smart;
   int downsample = 1;    // renders at 1/n in both axes: 1 and up
   unsigned threads = 0;  // at most so many; 0: as many as the machine has

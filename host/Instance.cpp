@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <exception>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -14,7 +15,11 @@ namespace vantorel::host {
 
 struct Instance::State {
   AnimatedCorners corners;
+  std::optional<AnimatedCorners> source;
   FrameState frame;
+  TileStore tiles;
+
+  const AnimatedCorners* sourceOrNull() const { return source ? &*source : nullptr; }
 };
 
 namespace {
@@ -38,6 +43,20 @@ Result<void> checkCorner(const AnimatedPoint& point, std::string_view name) {
   return {};
 }
 
+Result<void> checkCorners(const AnimatedCorners& corners, const std::string& prefix) {
+  for (std::size_t i = 0; i < kCornerCount; ++i) {
+    if (Result<void> valid = checkCorner(corners[i], prefix + std::string(kCornerNames[i])); !valid) {
+      return valid;
+    }
+  }
+  return {};
+}
+
+AnimatedCorners constant(const Corners& corners) {
+  return {AnimatedPoint(corners.upper_left), AnimatedPoint(corners.upper_right), AnimatedPoint(corners.lower_left),
+          AnimatedPoint(corners.lower_right)};
+}
+
 }  // namespace
 
 Instance::Instance(std::shared_ptr<const Module> module) noexcept : module_(std::move(module)) {}
@@ -58,19 +77,32 @@ Result<void> Instance::makeReady() {
 
 Result<void> Instance::setCorners(const AnimatedCorners& corners) {
   return withMemoryErrors("corners", [&] {
-    Result<void> valid = makeReady();
-    for (std::size_t i = 0; valid && i < kCornerCount; ++i) {
-      valid = checkCorner(corners[i], kCornerNames[i]);
-    }
-    return valid.map([&] { state_->corners = AnimatedCorners(corners); });
+    return makeReady().and_then([&] { return checkCorners(corners, ""); }).map([&] {
+      state_->corners = AnimatedCorners(corners);
+    });
   });
 }
 
-Result<void> Instance::setCorners(const Corners& corners) {
-  return withMemoryErrors("corners", [&] {
-    return setCorners(AnimatedCorners{AnimatedPoint(corners.upper_left), AnimatedPoint(corners.upper_right),
-                                      AnimatedPoint(corners.lower_left), AnimatedPoint(corners.lower_right)});
+Result<void> Instance::setSource(const AnimatedCorners& source) {
+  return withMemoryErrors("source", [&] {
+    return makeReady().and_then([&] { return checkCorners(source, "source's "); }).map([&] {
+      state_->source = source;
+    });
   });
+}
+
+Result<void> Instance::setSource(const Corners& source) {
+  return withMemoryErrors("source", [&] { return setSource(constant(source)); });
+}
+
+void Instance::clearSource() {
+  if (state_) {
+    state_->source.reset();
+  }
+}
+
+Result<void> Instance::setCorners(const Corners& corners) {
+  return withMemoryErrors("corners", [&] { return setCorners(constant(corners)); });
 }
 
 Corners Instance::defaultCorners(Size layer_size) const noexcept {
@@ -92,10 +124,11 @@ Result<FrameResult> Instance::render(const ConstImageView& layer, const Rect& ca
         .and_then([&] { return checkFrameRequest(*module_, layer, canvas, output, options); })
         .and_then([&]() -> Result<FrameResult> {
           const Rect scaled_canvas = canvasAtResolution(canvas, output.size, options.downsample);
-          FrameRender frame(*module_->state_, state_->frame, state_->corners, layer.size, options);
-          Result<Rect> drawn = frame.prepare(layer, output).and_then([&] { return frame.draw(scaled_canvas); });
+          Result<FrameResult> drawn = FrameRender(*module_->state_, state_->frame, state_->tiles, state_->corners,
+                                                  state_->sourceOrNull(), layer.size, options)
+                                          .render(layer, scaled_canvas, output);
           thrown = state_->frame.rows.progressFailure();
-          return drawn.and_then([&](const Rect& rows) { return frame.deliver(rows, scaled_canvas, output); });
+          return drawn;
         });
   });
   if (thrown) {
@@ -109,7 +142,9 @@ Result<Rect> Instance::boundingBox(Size layer_size, const FrameOptions& options)
     return makeReady().and_then([&] { return checkBoxRequest(*module_, layer_size, options); }).and_then([&] {
       FrameOptions full = options;
       full.downsample = 1;
-      return FrameRender(*module_->state_, state_->frame, state_->corners, layer_size, full).boundingBox();
+      return FrameRender(*module_->state_, state_->frame, state_->tiles, state_->corners, state_->sourceOrNull(),
+                         layer_size, full)
+          .boundingBox();
     });
   });
 }

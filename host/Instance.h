@@ -27,6 +27,14 @@ class Instance {
   Result<void> setCorners(const AnimatedCorners& corners);
   Result<void> setCorners(const Corners& corners);
 
+  // The quadrilateral in the layer, in its pixels, that goes onto the corners, instead of the layer's outline; what
+  // lies outside of it is not drawn, nor what of it lies beyond the layer. With Placement::Outline alone, always with
+  // crisp edges. Errors as for setCorners; `render` fails with InvalidArgument, naming the source, where it or the
+  // corners are not strictly convex.
+  Result<void> setSource(const AnimatedCorners& source);
+  Result<void> setSource(const Corners& source);
+  void clearSource();
+
   // The module's declared defaults, converted from percent of the layer to layer pixels; (0, 0) for what it does not
   // declare.
   Corners defaultCorners(Size layer_size) const noexcept;

@@ -8,6 +8,7 @@
 
 namespace {
 
+// NOLINTNEXTLINE(readability-identifier-naming): in the style of the function that it serves.
 constexpr M_Ratio ratZero = {0, 1};
 constexpr int kMantissaBits = 24;
 constexpr float kTwoTo31 = 2147483648.0f;

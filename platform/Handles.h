@@ -6,5 +6,5 @@
 // A handle to `size` zeroed bytes, or null when there is no memory. Freed with DisposeHandle.
 void** NewHandle(std::size_t size);
 
-// Frees a handle of NewHandle's and its block. A null handle does nothing.
+// Frees a handle from NewHandle and its block. A null handle does nothing.
 void DisposeHandle(void** handle);

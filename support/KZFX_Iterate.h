@@ -3,7 +3,7 @@
 // around the one call.
 //
 // Each passes its arguments on unchanged and returns the iteration's error. The float members also return
-// ERR_SUITE_UNAVAILABLE, without a message, when the suite is not to be had, and ERR_OUT_OF_MEMORY when the host throws
+// ERR_SUITE_UNAVAILABLE, without a message, when the suite is unavailable, and ERR_OUT_OF_MEMORY when the host throws
 // std::bad_alloc.
 #pragma once
 

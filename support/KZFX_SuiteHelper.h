@@ -13,7 +13,7 @@
 std::int32_t KZFX_AcquireSuite(PF_InData* in_data, PF_OutData* out_data, const char* name, std::int32_t version,
                                const char* error_message, const void** suite_out);
 
-// Releases a suite of KZFX_AcquireSuite's. Gives ERR_FAILED, with a message, when the host has no suite service.
+// Releases a suite from KZFX_AcquireSuite. Gives ERR_FAILED, with a message, when the host has no suite service.
 std::int32_t KZFX_ReleaseSuite(PF_InData* in_data, PF_OutData* out_data, const char* name, std::int32_t version,
                                const char* error_message);
 

@@ -10,7 +10,7 @@
 std::int32_t KZFX_GetEffectWorldRGBDepth(PF_InData* in_data, PF_OutData* out_data, PF_LayerDef* world,
                                          std::int32_t* depth);
 
-// Has the host allocate a world of that size and depth, cleared to zero if `clear`. ERR_FAILED with a message for any
-// other depth or without a world suite, else the host's own error.
+// Has the host allocate a world of that size and depth, cleared to zero if `clear`; the host also frees it. ERR_FAILED
+// with a message for any other depth or without a world suite, else the host's own error.
 std::int32_t KZFX_NewWorldRGBDepth(PF_InData* in_data, PF_OutData* out_data, std::int32_t width, std::int32_t height,
                                    std::int32_t depth, bool clear, PF_LayerDef* world);

@@ -7,6 +7,12 @@
 // little-endian. Every callback returns 0 for success or an error code, unless it is declared otherwise. Entries named
 // `reserved...` keep a position: the module neither reads nor calls them, and a host may leave them null or zero.
 //
+// Threads. Commands may run at the same time on different threads, each with records of its own; but global setup has
+// returned before any other begins, and global set-down begins after all others have returned. The module starts no
+// threads. It calls every callback on the thread of the command, except the area samplers: pixel functions call those,
+// so that they run on whichever threads the host iterates on, several at once. An iterator may call its pixel function
+// for different pixels at once and in any order, and returns when the last call has returned.
+//
 // Fixed-point numbers ("16.16") are signed 32-bit integers whose value is the integer divided by 65536.
 #pragma once
 
@@ -140,8 +146,9 @@ struct PF_ParamDef {
 
 struct PF_InData;
 
-// A pixel function, called by the iterators for every pixel of an area: x and y are the destination pixel's
-// coordinates, `in` the source pixel (meaningless without a source world), `out` the pixel to write.
+// A pixel function, called by the iterators for every pixel of an area, on any thread: x and y are the destination
+// pixel's coordinates, `in` the source pixel (meaningless without a source world), `out` the pixel to write. The
+// module's own write a whole row from `out` on, and are iterated over an area one pixel wide.
 using PF_PixelFunction8 = std::int32_t (*)(void* refcon, std::int32_t x, std::int32_t y, PF_Pixel8* in, PF_Pixel8* out);
 using PF_PixelFunction16 = std::int32_t (*)(void* refcon, std::int32_t x, std::int32_t y, PF_Pixel16* in,
                                             PF_Pixel16* out);
@@ -171,7 +178,8 @@ struct PF_SampleParams {
   void* reserved[4];
 };
 
-// Area samplers: the mean of the box around (x, y), 16.16 in source pixels.
+// Area samplers: *out = the mean of the box around (x, y), 16.16 in source pixels. Pixel functions call them, on any
+// thread of the iteration, and ignore their results: on an error the pixel is what stands in *out.
 template <typename Pixel>
 using PF_AreaSampler = std::int32_t (*)(void* effect_ref, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
                                         Pixel* out);
@@ -186,7 +194,8 @@ struct PF_UtilityCallbacks {
   PF_IterateCallback<PF_PixelFunction8> iterate_8;
   PF_IterateOriginCallback<PF_PixelFunction8> iterate_origin_8;
 
-  // Relocatable blocks; `new_handle` gives null on failure. Either entry may be null: the effect then uses its own.
+  // Relocatable blocks, whose memory `new_handle` need not clear; it gives null on failure. A block lives until
+  // `dispose_handle`, across commands. Either both entries are null, and the effect uses its own, or neither.
   PF_Handle (*new_handle)(std::uint64_t size);
   void (*dispose_handle)(PF_Handle handle);
 
@@ -204,7 +213,8 @@ struct PF_UtilityCallbacks {
   PF_IterateOriginCallback<PF_PixelFunction16> iterate_origin_non_clip_src_16;
 };
 
-// The suite service: named, versioned tables of functions. `acquire` fills *suite with the table or leaves it null.
+// The suite service: named, versioned tables of functions. `acquire` fills *suite with the table, or leaves it null and
+// returns an error. What a command acquires, it releases before it returns.
 struct PF_SuiteProvider {
   std::int32_t (*acquire)(const char* name, std::int32_t version, const void** suite);
   std::int32_t (*release)(const char* name, std::int32_t version);
@@ -216,7 +226,8 @@ constexpr const char* PF_WORLD_SUITE = "PF World Suite";
 constexpr std::int32_t PF_WORLD_SUITE_VERSION = 2;
 
 struct PF_WorldSuite2 {
-  // Allocates a world of that size and pixel format and describes it in *world, cleared to zero if `clear`.
+  // Allocates a world of that size and pixel format and describes it in *world, cleared to zero if `clear`. The host
+  // keeps it valid until the command in progress returns, and frees it afterwards: modules have no call to do so.
   std::int32_t (*new_world)(void* effect_ref, std::int32_t width, std::int32_t height, bool clear,
                             std::int32_t pixel_format, PF_LayerDef* world);
   void (*reserved_2)();
@@ -278,7 +289,8 @@ struct PF_InData {
   // Adds a parameter after the last one (position -1); the host copies what it needs of the record.
   std::int32_t (*add_param)(void* effect_ref, std::int32_t position, PF_ParamDef* definition);
 
-  // String tables. The host may replace the reference at registration by one of its own.
+  // String tables. The host may replace the reference at registration by one of its own. A string that is looked up
+  // belongs to the host, and is used before the next callback.
   std::int32_t (*register_string_table)(void** table_ref, std::int32_t format);
   const char* (*lookup_string)(void* table_ref, std::int32_t row, std::int32_t zero, void* null_pointer);
   std::int32_t (*unregister_string_table)(void** table_ref);

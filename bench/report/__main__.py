@@ -46,8 +46,8 @@ def load_note(busyness):
 def update_docs(shown, outcomes, date, note):
     reached = sum(outcome.reached for outcome in outcomes)
     summary = f"Measured on {machine.describe()}, {date[:10]}. {reached} of {len(outcomes)} goals are reached. {note}"
-    origin = ("Written by `scripts/bench --update-docs`. What the workloads are and how they are measured is in "
-              "[Performance](performance.md).")
+    origin = ("Written by `scripts/bench --update-docs`. [Performance](performance.md) says what the workloads are and how "
+              "they are\nmeasured.")
     parts = ("# Performance: the tables", origin, summary.rstrip(), *map(tables.as_markdown, shown))
     TABLES.write_text("\n\n".join(parts) + "\n", encoding="utf-8")
     PLOT.write_text(plot.draw(outcomes), encoding="utf-8")

@@ -14,6 +14,10 @@ CommandError interrupted() {
   return {ExitCode::Interrupted, "", "interrupted; no unfinished picture was left behind"};
 }
 
+CommandError outOfMemory(const std::string& input, const std::string& message) {
+  return {ExitCode::EffectFailed, input, message};
+}
+
 CommandError fromHost(const host::Error& error) {
   if (error.kind == host::ErrorKind::Interrupted) {
     return interrupted();

@@ -5,7 +5,8 @@ namespace vantorel::cli {
 
 enum class ExitCode : int {
   Done = 0,
-  EffectFailed = 1,  // the effect or the host reported an error, or frames failed under --keep-going
+  // The effect or the host reported an error, memory or threads were short, or frames failed under --keep-going.
+  EffectFailed = 1,
   BadArguments = 2,
   FileFailed = 3,     // a file could not be read or written
   Interrupted = 130,  // SIGINT, SIGTERM or SIGHUP

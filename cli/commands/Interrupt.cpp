@@ -4,11 +4,26 @@
 
 namespace vantorel::cli {
 
-Interrupt::Interrupt() {
+namespace {
+
+bool isIgnored(int signal_number) {
+  struct sigaction action {};
+  return sigaction(signal_number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+}  // namespace
+
+void ignoreSignalsOfWriting() {
   signal(SIGPIPE, SIG_IGN);
+  signal(SIGXFSZ, SIG_IGN);
+}
+
+Interrupt::Interrupt() {
   sigemptyset(&signals_);
   for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-    sigaddset(&signals_, number);
+    if (!isIgnored(number)) {
+      sigaddset(&signals_, number);
+    }
   }
   pthread_sigmask(SIG_BLOCK, &signals_, nullptr);
   watcher_ = std::jthread([this](const std::stop_token& ended) {

@@ -8,8 +8,13 @@
 
 namespace vantorel::cli {
 
-// While one lives, SIGINT, SIGTERM and SIGHUP trigger its token instead of ending the process, and a closed pipe is an
-// error of writing rather than a signal. Make it before any other thread starts, since threads inherit what is blocked.
+// Writing to a closed pipe or beyond a limit on file sizes becomes an error of writing, rather than a signal that ends
+// the process and leaves its temporary files.
+void ignoreSignalsOfWriting();
+
+// While one lives, SIGINT, SIGTERM and SIGHUP trigger its token instead of ending the process; those that were ignored
+// when the process started (nohup, a shell's background jobs) stay ignored. Make it before any other thread starts,
+// since threads inherit what is blocked. Throws std::system_error when no thread can be started.
 class Interrupt {
  public:
   Interrupt();

@@ -17,7 +17,7 @@ ExitCode runTestCard(const TestCardOptions& options, const std::stop_token& stop
   picture.samples = outputSamples(format, DepthChoice::Auto, SampleType::Bits8);
   const host::Depth depth = renderDepth(DepthChoice::Auto, picture.samples);
   if (const auto shortage = memoryShortage(pictureBytes(options.size, depth))) {
-    throw badArgument("--size", fmt::format("{} {}; give a smaller size", toText(options.size), *shortage));
+    throw outOfMemory("--size", fmt::format("{} {}; give a smaller size", toText(options.size), *shortage));
   }
   host::Image card = valueOrThrow(host::Image::create(options.size, depth));
   drawTestCard(card.view());

@@ -60,7 +60,9 @@ ChannelPlan planChannels(const OIIO::ImageSpec& spec, const std::string& path) {
     throw fileFailure(path, "holds luminance and chroma channels; convert it to RGB first");
   }
 
-  const int alpha = spec.alpha_channel >= 0 ? spec.alpha_channel : channelNamed(spec, {"A", "Alpha"});
+  // A reader may name a channel beyond the last, as that of GIF files does.
+  const bool states_alpha = spec.alpha_channel >= 0 && spec.alpha_channel < spec.nchannels;
+  const int alpha = states_alpha ? spec.alpha_channel : channelNamed(spec, {"A", "Alpha"});
   const int red = channelNamed(spec, {"R", "Red"});
   const int green = channelNamed(spec, {"G", "Green"});
   const int blue = channelNamed(spec, {"B", "Blue"});

@@ -2,16 +2,17 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <random>
 #include <system_error>
 
 #include "cli/base/CommandError.h"
+#include "cli/pictures/AbandonedFiles.h"
 
 namespace vantorel::cli {
 
@@ -23,32 +24,62 @@ std::string reason(int fault) {
   return std::generic_category().message(fault);
 }
 
-CommandError unwritable(const std::string& path, int fault) {
-  const char* remedy = fault == ENOSPC || fault == EDQUOT ? "make room and run the command again"
-                                                          : "check the folder and its permissions";
-  return fileFailure(path, fmt::format("cannot be written ({}); {}", reason(fault), remedy));
-}
-
-fs::path folderOf(const fs::path& target) {
-  return target.has_parent_path() ? target.parent_path() : fs::path(".");
-}
-
-fs::path followLinks(const std::string& path) {
-  std::error_code fault;
-  if (!fs::is_symlink(fs::symlink_status(path, fault))) {
-    return path;
+const char* remedyFor(int fault) {
+  switch (fault) {
+    case ENOSPC:
+    case EDQUOT:
+      return "make room and run the command again";
+    case EFBIG:
+      return "raise the limit on file sizes (ulimit -f) or write to another disk";
+    case EMFILE:
+    case ENFILE:
+      return "raise the limit on open files (ulimit -n) or give fewer --threads";
+    case ENAMETOOLONG:
+      return "give a shorter name";
+    case EROFS:
+      return "write to another disk";
+    default:
+      return "check the folder and its permissions";
   }
-  fs::path target = fs::weakly_canonical(path, fault);
-  return fault ? fs::path(path) : target;
 }
 
-// Unlike any name that another process, here or on another machine that shares the folder, would choose.
-std::string temporaryName(const fs::path& target) {
-  static std::atomic<unsigned> count{0};
-  const std::string mark = fmt::format(".{:x}-{:x}-{}.tmp", getpid(), std::random_device{}(), count++);
-  // A name may have 255 bytes in all.
-  const std::string stem = target.filename().string().substr(0, 200);
-  return (folderOf(target) / ("." + stem + mark)).string();
+CommandError unwritable(const std::string& path, int fault) {
+  return fileFailure(path, fmt::format("cannot be written ({}); {}", reason(fault), remedyFor(fault)));
+}
+
+// The file that links lead to, whether it exists or not. Throws CommandError for links that lead in a circle.
+fs::path followLinks(const std::string& path) {
+  constexpr int kMaxLinks = 40;  // the kernel's own limit
+  fs::path target = path;
+  std::error_code fault;
+  for (int links = 0; fs::is_symlink(fs::symlink_status(target, fault)); ++links) {
+    if (links == kMaxLinks) {
+      throw fileFailure(path, "is a link that leads back to itself; remove it or give another name");
+    }
+    // An absolute link replaces the folder.
+    target = folderOf(target) / fs::read_symlink(target, fault);
+  }
+  return target;
+}
+
+// Creates a temporary file for the target and locks it, so that nobody takes it for abandoned. Returns its descriptor,
+// or -1 with errno set.
+int createLocked(const fs::path& target, std::string& name) {
+  while (true) {
+    name = temporaryName(target);
+    constexpr mode_t kLeftToUmask = 0666;
+    const int descriptor = open(name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, kLeftToUmask);
+    if (descriptor < 0) {
+      return descriptor;
+    }
+    // Without locks on its file system the file is as good; nobody removes it then.
+    struct stat status {};
+    if (flock(descriptor, LOCK_EX) != 0 || fstat(descriptor, &status) != 0 || status.st_nlink > 0) {
+      return descriptor;
+    }
+    // Removed between being created and being locked.
+    ::close(descriptor);
+  }
 }
 
 }  // namespace
@@ -75,27 +106,37 @@ void requireWritablePlace(const std::string& path) {
 
 OutputFile::OutputFile(const std::string& path) : path_(path), target_(followLinks(path).string()) {
   requireWritablePlace(path);
-  const std::string temporary = temporaryName(target_);
-  constexpr mode_t kLeftToUmask = 0666;
-  const int descriptor = open(temporary.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, kLeftToUmask);
+  removeAbandoned(target_);
+  const int descriptor = createLocked(target_, temporary_);
   if (descriptor < 0) {
-    throw unwritable(path, errno);
+    const int fault = errno;
+    temporary_.clear();
+    throw unwritable(path, fault);
   }
-  temporary_ = temporary;
+  // The same open file once more keeps the lock when the stream is closed.
+  lock_ = dup(descriptor);
   file_.reset(fdopen(descriptor, "w+b"));
   if (!file_) {
     const int fault = errno;
     ::close(descriptor);
-    unlink(temporary_.c_str());
+    discard();
     throw unwritable(path, fault);
   }
 }
 
 OutputFile::~OutputFile() {
+  discard();
+}
+
+void OutputFile::discard() {
   file_.reset();
   if (!temporary_.empty()) {
     unlink(temporary_.c_str());
   }
+  if (lock_ >= 0) {
+    ::close(lock_);
+  }
+  lock_ = -1;
 }
 
 void OutputFile::commit() {
@@ -105,6 +146,7 @@ void OutputFile::commit() {
     throw unwritable(path_, errno);
   }
   temporary_.clear();
+  discard();
 }
 
 void OutputFile::throwIfFailed() const {

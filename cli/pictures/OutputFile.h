@@ -10,8 +10,9 @@ namespace vantorel::cli {
 // Unless commit() succeeds the destructor removes what was written and the place keeps what it held.
 class OutputFile {
  public:
-  // Creates the temporary file. A symbolic link is followed, so that its target is what gets replaced. Throws
-  // CommandError (file failure) naming the path.
+  // Creates the temporary file, and removes those for the same place that killed processes have left. A symbolic link
+  // is followed, so that its target is replaced or created and the link stays. Throws CommandError (file failure)
+  // naming the path.
   explicit OutputFile(const std::string& path);
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
@@ -37,10 +38,13 @@ class OutputFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
   };
 
+  void discard();
+
   std::string path_;       // as the user named it
   std::string target_;     // the place itself
   std::string temporary_;  // empty once renamed
   std::unique_ptr<std::FILE, Close> file_;
+  int lock_ = -1;  // a descriptor that keeps the file locked until it is in its place
   int fault_ = 0;  // errno of the first failure
 };
 

@@ -36,9 +36,11 @@ void requireSaneHeader(const OIIO::ImageSpec& spec, const std::string& path) {
   }
 }
 
-host::Rect dataWindow(const OIIO::ImageSpec& spec) {
-  const int left = spec.x - spec.full_x;
-  const int top = spec.y - spec.full_y;
+host::Rect dataWindow(const OIIO::ImageSpec& spec, const std::string& format) {
+  const bool states_display_window = format == "openexr" || spec.full_x != 0 || spec.full_y != 0 ||
+                                     spec.full_width != spec.width || spec.full_height != spec.height;
+  const int left = states_display_window ? spec.x - spec.full_x : 0;
+  const int top = states_display_window ? spec.y - spec.full_y : 0;
   return {left, top, left + spec.width, top + spec.height};
 }
 

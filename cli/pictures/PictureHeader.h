@@ -1,4 +1,4 @@
-// What a picture file's header says of its pixels, looked over once before anything is computed with it.
+// What a picture file's header says of its pixels, checked once before anything is computed with it.
 #pragma once
 
 #include "cli/pictures/OpenImageIoFwd.h"
@@ -13,11 +13,12 @@ namespace vantorel::cli {
 constexpr int kWindowLimit = 1 << 29;
 
 // Throws CommandError naming the path unless both windows hold pixels and lie within kWindowLimit of the origin, and
-// the tiles have a size that can be.
+// tiles are of a size that exists.
 void requireSaneHeader(const OIIO::ImageSpec& spec, const std::string& path);
 
-// The data window in the display window's pixels. For a header that has been looked over.
-host::Rect dataWindow(const OIIO::ImageSpec& spec);
+// The data window in the display window's pixels, for a sane header. Formats without a display window of their own show
+// their whole picture, whatever offset they state, as image editors do in PNG. `format` is OpenImageIO's name of it.
+host::Rect dataWindow(const OIIO::ImageSpec& spec, const std::string& format);
 
 // The camera's orientation, 1 to 8; 1 (upright) where the file states none or one that does not exist.
 int orientationOf(const OIIO::ImageSpec& spec);

@@ -22,15 +22,19 @@ inline unsigned allCores() {
 }
 
 struct RenderOptions {
-  std::string layer;   // a name, or with `frames` the pattern of a sequence's names
-  std::string output;  // the same
+  std::string layer;       // a name, or with `frames` the pattern of a sequence's names
+  std::string output;      // the same
+  bool overwrite = false;  // inputs too
   std::array<std::optional<CornerPosition>, kCornerCount> corners;
   std::string corners_file;        // empty without one
   std::optional<host::Size> size;  // the output picture's, at full resolution
   bool fit = false;
   std::string plate;  // as `layer`; empty without one
   bool linear = false;
-  host::Quality quality = host::Quality::High;
+  host::Quality quality = host::Quality::Best;
+  int samples = 0;                   // a pixel along each axis: 1, 2, 4 or 8; 0: as the quality has it
+  std::optional<host::Edges> edges;  // nothing: as the quality has them
+  host::Placement placement = host::Placement::Outline;
   DepthChoice depth = DepthChoice::Auto;
   host::Protocol protocol = host::Protocol::Smart;
   int downsample = 1;  // 1 to kMaxDownsample
@@ -42,6 +46,7 @@ struct RenderOptions {
   std::string module;             // empty: the one beside the command
   std::optional<bool> progress;   // nothing: where standard error is a terminal
   bool json = false;
+  std::string settings;  // the options that change pictures, as they were given
 };
 
 }  // namespace vantorel::cli

@@ -41,10 +41,10 @@ void requireMemory(const Shot& shot, const FrameHeads& heads, double bytes_per_f
   const bool plate_is_largest = heads.plate && pixels(heads.plate->size) > pixels(heads.layer.size);
   const host::Size largest = plate_is_largest ? heads.plate->size : heads.layer.size;
   if (shot.options.size && pixels(*shot.options.size) >= pixels(largest)) {
-    throw badArgument("--size", fault(*shot.options.size, "give a smaller size"));
+    throw outOfMemory("--size", fault(*shot.options.size, "give a smaller size"));
   }
   const bool can_be_lower = shot.depth != host::Depth::Bits8 && !shot.options.linear;
-  throw fileFailure(
+  throw outOfMemory(
       (plate_is_largest ? *shot.plate_files : shot.layer_files).path(shot.frames.first),
       fault(largest, can_be_lower ? "give a smaller picture or a lower --depth" : "give a smaller picture"));
 }

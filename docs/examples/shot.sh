@@ -2,7 +2,7 @@
 # nodes share; %04d stands for the frame.
 first=1001
 last=1096
-chunk=16 # frames a task
+chunk=16 # frames per task
 layer=sign.png
 output=out/shot.%04d.png
 options=(--over plate/plate.%04d.png --corners track.csv)

@@ -142,13 +142,10 @@ bool rowSpan(const EdgeWalker& walker, const M_FixedPoint* source, QuadSpan* spa
   }
   const bool a_is_left = walker.b.x > walker.a.x;
   const SourcePosition& left = a_is_left ? at_a : at_b;
-  const SourcePosition& right = a_is_left ? at_b : at_a;
   span->left = a_is_left ? walker.a.x : walker.b.x;
   span->right = a_is_left ? walker.b.x : walker.a.x;
   span->u = left.u;
   span->v = left.v;
-  span->right_u = right.u;
-  span->right_v = right.v;
   span->du = FixedDiv(wrapSub(at_b.u, at_a.u), width);
   span->dv = FixedDiv(wrapSub(at_b.v, at_a.v), width);
   return true;

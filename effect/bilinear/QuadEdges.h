@@ -42,8 +42,6 @@ struct QuadSpan {
   std::int32_t right;  // ... and ends
   std::int32_t u;      // the source position at the left end
   std::int32_t v;
-  std::int32_t right_u;  // the source position at the right end
-  std::int32_t right_v;
   std::int32_t du;  // the change of the source position per column
   std::int32_t dv;
 };

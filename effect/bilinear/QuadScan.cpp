@@ -24,9 +24,10 @@ void scanQuad(const PF_LayerDef& input, const M_FixedPoint* source, const M_Fixe
     const OutputRow row{static_cast<std::byte*>(output.data) + (walker.y >> 16) * output.row_bytes, output.width,
                         walker.coverage};
     drawLeftEnd<Traits>(view, span, row);
-    fillSpan<Traits>(view, wholePixels(span, row.width, rowsAhead(before, span)), row);
+    const PixelSpan pixels = wholePixels(span, row.width, rowsAhead(before, span));
+    fillSpan<Traits>(view, pixels, row);
     if (endsInside(span, row.width)) {
-      drawRightEnd<Traits>(view, span, row);
+      drawRightEnd<Traits>(view, span, stepSpan(pixels, pixels.count), row);
     }
     before = span;
   }

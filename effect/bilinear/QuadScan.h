@@ -10,9 +10,10 @@
 // order. `in_data` is not used. Degenerate quadrilaterals draw less, never more; nothing is written outside the output
 // nor read outside the input, and an input without pixels draws nothing.
 //
-// A row's right end is drawn as its left end is: the source pixel at that end, read directly, mixed in by the covered
-// width (the end's fraction, or a whole pixel when it lies on a border) times the covered height. A row within one
-// pixel covers it by its width. A covered area that rounds to nothing leaves such a pixel as it is.
+// A row's right end is drawn as its left end is: a source pixel, read directly, mixed in by the covered width (the
+// end's fraction, or a whole pixel when it lies on a border) times the covered height. Its source position is, as for
+// every whole pixel, the one at the pixel's left border, so that what lies beyond the source corners is not read there.
+// A row within one pixel covers it by its width. A covered area that rounds to nothing leaves such a pixel as it is.
 void FixedToFixed(PF_InData* in_data, PF_LayerDef* input, M_FixedPoint* source, M_FixedPoint* corners,
                   PF_LayerDef* output);
 void FixedToFixed16(PF_InData* in_data, PF_LayerDef* input, M_FixedPoint* source, M_FixedPoint* corners,

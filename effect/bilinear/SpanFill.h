@@ -102,9 +102,9 @@ void drawLeftEnd(const InputView& input, const QuadSpan& span, const OutputRow& 
 }
 
 // Draws what the left end and the whole pixels leave of a span that ends inside the row: the pixel that it ends in, and
-// for a span no wider than a pixel also the one that it begins in.
+// for a span no wider than a pixel also the one that it begins in. `after` stands behind the last whole pixel.
 template <typename Traits>
-void drawRightEnd(const InputView& input, const QuadSpan& span, const OutputRow& row) {
+void drawRightEnd(const InputView& input, const QuadSpan& span, const PixelSpan& after, const OutputRow& row) {
   const auto draw = [&](std::int64_t column, std::int32_t covered_width, std::int32_t u, std::int32_t v) {
     const std::int32_t weight = uncoveredWeight(covered_width, row.coverage);
     // A weight of 1.0 would count as 0.
@@ -116,16 +116,14 @@ void drawRightEnd(const InputView& input, const QuadSpan& span, const OutputRow&
   const std::int64_t last_column = fraction != 0 ? fixedFloor(span.right) : std::int64_t{fixedFloor(span.right)} - 1;
   const std::int32_t last_covered = fraction != 0 ? fraction : kFixedOne;
   const std::int64_t span_width = std::int64_t{span.right} - span.left;
-  if (span_width > kFixedOne) {
-    draw(last_column, last_covered, span.right_u, span.right_v);
-    return;
-  }
   if (fixedFloor(span.left) == last_column) {
     draw(last_column, static_cast<std::int32_t>(span_width), span.u, span.v);
     return;
   }
-  draw(fixedFloor(span.left), kFixedOne - fixedFraction(span.left), span.u, span.v);
-  draw(last_column, last_covered, span.right_u, span.right_v);
+  if (span_width <= kFixedOne) {
+    draw(fixedFloor(span.left), kFixedOne - fixedFraction(span.left), span.u, span.v);
+  }
+  draw(last_column, last_covered, after.u, after.v);
 }
 
 // ---- Whole pixels --------------------------------------------------------------------------------------------------

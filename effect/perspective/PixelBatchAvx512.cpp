@@ -34,9 +34,13 @@ inline Doubles mulSub(Doubles a, Doubles b, Doubles c) {
 inline Doubles abs(Doubles a) {
   return _mm512_abs_pd(a);
 }
+// In builds without optimisation GCC's header makes the intrinsic a macro, whose own conversions it then warns of.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wsign-conversion"
 inline Doubles maxAbs(Doubles a, Doubles b) {
   return _mm512_range_pd(a, b, 0b1011);
 }
+#pragma GCC diagnostic pop
 inline Doubles maxOrSecond(Doubles a, Doubles b) {
   return _mm512_max_pd(a, b);
 }

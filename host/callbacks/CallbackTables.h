@@ -2,12 +2,14 @@
 // works on it finds in the context of the running command (CallContext.h).
 #pragma once
 
+#include "host/sampling/SampleSpace.h"
 #include "support/PF_HostRecords.h"
 
 namespace vantorel::host {
 
-// Enters every callback, the utility table and the suite service into the record.
-void installCallbacks(PF_InData* in_data);
+// Enters every callback, the utility table and the suite service into the record; the area samplers are those of the
+// space.
+void installCallbacks(PF_InData* in_data, SampleSpace space);
 
 // The tables that go with the two commands of the two-phase protocol: which pixels the module will need, and handing
 // them over.

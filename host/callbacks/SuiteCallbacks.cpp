@@ -1,3 +1,4 @@
+#include <array>
 #include <cstring>
 
 #include "host/callbacks/CallContext.h"
@@ -22,9 +23,19 @@ std::int32_t noted(Note note) {
   });
 }
 
+// That of the running command's space.
+const PF_SamplingFloatSuite1* samplingFloatSuite() {
+  const auto suite = [](SampleSpace space) {
+    return PF_SamplingFloatSuite1{nullptr, nullptr, areaSamplers(activeInstructionSet(), space).sample_float};
+  };
+  static const std::array<PF_SamplingFloatSuite1, kSampleSpaces> kSuites{
+      suite(SampleSpace::Centres), suite(SampleSpace::Outline), suite(SampleSpace::OutlineExtended)};
+  const CallContext* const context = currentCall();
+  const bool has_frame = context != nullptr && context->frame != nullptr;
+  return &kSuites[static_cast<std::size_t>(has_frame ? context->frame->space : SampleSpace::Centres)];
+}
+
 const void* findSuite(const char* name, std::int32_t version) {
-  static const PF_SamplingFloatSuite1 kSamplingFloatSuite{nullptr, nullptr,
-                                                          areaSamplers(activeInstructionSet()).sample_float};
   const auto is = [&](const char* suite, std::int32_t suite_version) {
     return version == suite_version && std::strcmp(name, suite) == 0;
   };
@@ -35,7 +46,7 @@ const void* findSuite(const char* name, std::int32_t version) {
     return iterateFloatSuite();
   }
   if (is(PF_SAMPLING_FLOAT_SUITE, PF_SAMPLING_FLOAT_SUITE_VERSION)) {
-    return &kSamplingFloatSuite;
+    return samplingFloatSuite();
   }
   return nullptr;
 }

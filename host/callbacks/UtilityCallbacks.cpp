@@ -1,3 +1,4 @@
+#include <array>
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
@@ -66,9 +67,9 @@ char* copyText(char* destination, const char* source) {
   return destination;
 }
 
-PF_UtilityCallbacks makeUtilities() {
+PF_UtilityCallbacks makeUtilities(SampleSpace space) {
   PF_UtilityCallbacks table{};
-  const AreaSamplers& samplers = areaSamplers(activeInstructionSet());
+  const AreaSamplers& samplers = areaSamplers(activeInstructionSet(), space);
   table.sample_area_8 = samplers.sample8;
   table.sample_area_16 = samplers.sample16;
   table.fill = fillWorld;
@@ -84,9 +85,11 @@ PF_UtilityCallbacks makeUtilities() {
 
 }  // namespace
 
-void installCallbacks(PF_InData* in_data) {
-  static PF_UtilityCallbacks utilities = makeUtilities();
-  in_data->utility_callbacks = &utilities;
+void installCallbacks(PF_InData* in_data, SampleSpace space) {
+  static std::array<PF_UtilityCallbacks, kSampleSpaces> utilities{makeUtilities(SampleSpace::Centres),
+                                                                  makeUtilities(SampleSpace::Outline),
+                                                                  makeUtilities(SampleSpace::OutlineExtended)};
+  in_data->utility_callbacks = &utilities[static_cast<std::size_t>(space)];
   in_data->suite_provider = suiteProvider();
   installParameterCallbacks(in_data);
   installStringCallbacks(in_data);

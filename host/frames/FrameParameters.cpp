@@ -7,16 +7,25 @@
 
 namespace vantorel::host {
 
+namespace {
+
+Point scaled(const Point& point, const FrameState& frame) {
+  return {point.x / frame.downsample, point.y / frame.downsample};
+}
+
+}  // namespace
+
 void fillParameter(const FrameState& frame, std::int32_t index, double seconds, PF_ParamDef* out) {
   std::memset(out, 0, sizeof(*out));
   if (index == 0) {
     out->value.layer_world = frame.input;
     return;
   }
-  const Point point = (*frame.corners)[static_cast<std::size_t>(index) - 1].at(seconds);
+  const std::size_t corner = static_cast<std::size_t>(index) - 1;
+  const Point point = frame.placed ? (*frame.placed)[corner] : scaled((*frame.corners)[corner].at(seconds), frame);
   out->param_type = PARAM_TYPE_POINT;
-  out->value.point.point_x = fixedFromPixels(point.x / frame.downsample);
-  out->value.point.point_y = fixedFromPixels(point.y / frame.downsample);
+  out->value.point.point_x = fixedFromPixels(point.x);
+  out->value.point.point_y = fixedFromPixels(point.y);
 }
 
 void fillParameters(FrameState* frame, const FrameTime& time) {

@@ -1,10 +1,14 @@
 #include "host/frames/FrameRender.h"
 
+#include <algorithm>
+#include <chrono>
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <utility>
 
 #include "host/Downsample.h"
+#include "host/composing/Shutter.h"
 #include "host/frames/DegenerateMapRetry.h"
 #include "host/frames/FrameParameters.h"
 
@@ -28,14 +32,54 @@ ImageView readOnly(const ConstImageView& view) {
 
 // The layer as the module can read it: the caller's own, or a copy in `scaled`, reduced by n. Rows of 8-bit pixels are
 // copied also where they are no whole number of pixels apart, because modules step between them in 4-byte words.
-Result<ImageView> layerForModule(const ConstImageView& layer, int n, Image* scaled) {
+Result<ImageView> layerForModule(const ConstImageView& layer, int n, BlockEdges edges, Image* scaled) {
   if (n == 1 && (layer.depth != Depth::Bits8 || layer.row_bytes % 4 == 0)) {
     return readOnly(layer);
   }
   return scaled->fit(downsampled(layer.size, n), layer.depth).map([&] {
-    downsample(layer, n, BlockEdges::Transparent, scaled->view());
+    downsample(layer, n, edges, scaled->view());
     return scaled->view();
   });
+}
+
+constexpr double kHalfPixel = 0.5;
+constexpr double kFixedOne = 65536.0;
+
+// The corners at a time, in pixels at 1/n, rounded to the 16.16 in which a module gets them: times that differ in their
+// last digits give the same picture.
+Corners cornersAt(const AnimatedCorners& corners, double seconds, double n) {
+  const Corners full = corners.at(seconds);
+  const auto scaled = [&](const Point& p) {
+    return Point{fixedFromPixels(p.x / n) / kFixedOne, fixedFromPixels(p.y / n) / kFixedOne};
+  };
+  return {scaled(full.upper_left), scaled(full.upper_right), scaled(full.lower_left), scaled(full.lower_right)};
+}
+
+Rect united(const Rect& a, const Rect& b) {
+  if (a.empty() || b.empty()) {
+    return a.empty() ? b : a;
+  }
+  return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
+}
+
+// The rows of the canvas that a region reaches, whole, in canvas pixels.
+Rect rowsOf(const CoverageRegion& region, const Rect& canvas) {
+  const Box box = region.bounds();
+  const auto on_canvas = [&](double y) {
+    return static_cast<int>(std::clamp(y, static_cast<double>(canvas.top), static_cast<double>(canvas.bottom))) -
+           canvas.top;
+  };
+  const Rect rows{0, on_canvas(std::floor(box.top)), canvas.width(), on_canvas(std::ceil(box.bottom))};
+  const bool is_beside = box.right <= canvas.left || box.left >= canvas.right;
+  return region.empty() || rows.empty() || is_beside ? Rect{} : rows;
+}
+
+Rect rowsOf(const std::vector<FramePlan>& moments, const Rect& canvas) {
+  Rect rows;
+  for (const FramePlan& plan : moments) {
+    rows = united(rows, rowsOf(plan.region, canvas));
+  }
+  return rows;
 }
 
 // The bilinear renderer holds the layer's edges, and the corners on the canvas, in 16.16 too.
@@ -62,10 +106,13 @@ Result<void> checkBilinearReach(const FrameState& frame, const Rect& canvas) {
 
 }  // namespace
 
-FrameRender::FrameRender(const ModuleState& module, FrameState& frame, const AnimatedCorners& corners, Size layer_size,
-                         const FrameOptions& options)
-    : job_{module, frame, layer_size, options} {
+FrameRender::FrameRender(const ModuleState& module, FrameState& frame, TileStore& tiles, const AnimatedCorners& corners,
+                         const AnimatedCorners* source, Size layer_size, const FrameOptions& options)
+    : job_{module, frame, layer_size, options}, tiles_(tiles) {
   frame.corners = &corners;
+  frame.source = source;
+  frame.placed.reset();
+  frame.space = SampleSpace::Centres;
   frame.downsample = options.downsample;
   frame.iterated = false;
   frame.render_seconds = 0.0;
@@ -79,14 +126,75 @@ FrameRender::~FrameRender() {
   job_.frame.output = {};
 }
 
-Result<void> FrameRender::prepare(const ConstImageView& layer, const ImageView& output) {
+Result<FrameResult> FrameRender::render(const ConstImageView& layer, const Rect& canvas, const ImageView& output) {
+  const FrameOptions& options = job_.options;
   FrameState& frame = job_.frame;
-  Result<ImageView> input = layerForModule(layer, job_.options.downsample, &frame.scaled_layer);
+  const BlockEdges block_edges = edgesOf(options) == Edges::Crisp ? BlockEdges::LeftOut : BlockEdges::Transparent;
+  Result<ImageView> input = layerForModule(layer, options.downsample, block_edges, &frame.scaled_layer);
   if (!input) {
     return tl::unexpected(std::move(input).error());
   }
   frame.depth = layer.depth;
   frame.input = worldOf(*input);
+  if (Result<void> planned = planMoments(layer.size, input->size); !planned) {
+    return tl::unexpected(std::move(planned).error());
+  }
+  if (tiles_.plans.size() > 1 || needsTiles(options, tiles_.plans.front())) {
+    return renderInTiles(*input, canvas, output);
+  }
+  place(tiles_.plans.front());
+  return prepare(output).and_then([&] { return draw(canvas); }).and_then([&](const Rect& drawn) {
+    return deliver(drawn, canvas, output);
+  });
+}
+
+Result<void> FrameRender::planMoments(Size layer_size, Size scaled_size) {
+  const FrameOptions& options = job_.options;
+  const FrameState& frame = job_.frame;
+  const double n = options.downsample;
+  if (frame.source != nullptr && options.placement == Placement::Centres) {
+    return invalidArgument("source", "it needs corners that the layer's outline lies on; use that placement");
+  }
+  momentsOf(*frame.corners, frame.source, options, &tiles_.moments);
+  tiles_.plans.clear();
+  for (const double seconds : tiles_.moments) {
+    const auto source = frame.source != nullptr ? std::optional(cornersAt(*frame.source, seconds, n)) : std::nullopt;
+    tiles_.plans.emplace_back(cornersAt(*frame.corners, seconds, n), source, layer_size.width / n,
+                              layer_size.height / n, scaled_size, options);
+    if (!tiles_.plans.back().hasMap()) {
+      return invalidArgument("source",
+                             "it and the corners must both be strictly convex quadrilaterals, none of whose "
+                             "corners lies on a line with its neighbours; move the corner that does");
+    }
+  }
+  return {};
+}
+
+void FrameRender::place(const FramePlan& plan) {
+  if (job_.options.placement == Placement::Centres || plan.isWholeMove()) {
+    return;
+  }
+  const auto moved = [](const Point& p) { return Point{p.x - kHalfPixel, p.y - kHalfPixel}; };
+  const Corners& corners = plan.corners;
+  job_.frame.placed = Corners{moved(corners.upper_left), moved(corners.upper_right), moved(corners.lower_left),
+                              moved(corners.lower_right)};
+  job_.frame.space = SampleSpace::Outline;
+}
+
+Result<FrameResult> FrameRender::renderInTiles(const ImageView& layer, const Rect& canvas, const ImageView& output) {
+  const auto begin = std::chrono::steady_clock::now();
+  TiledFrame tiles(job_.module, tiles_, job_.options, layer);
+  return tiles.draw(job_.frame.rows, canvas, output).and_then([&] { return endOfFrame(); }).map([&] {
+    FrameResult result;
+    result.path = tiles_.plans[tiles_.plans.size() / 2].path;
+    result.drawn = rowsOf(tiles_.plans, canvas);
+    result.render_seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    return result;
+  });
+}
+
+Result<void> FrameRender::prepare(const ImageView& output) {
+  FrameState& frame = job_.frame;
   frame.output = worldOf(output);
   if (job_.module.checking) {
     Result<RowGuard> guard = RowGuard::create(output.size, output.depth);
@@ -106,13 +214,19 @@ Result<Rect> FrameRender::draw(const Rect& canvas) {
   if (drawn && needsRetry(frame, canvas)) {
     drawn = drawOnShiftedCanvas(job_, canvas).map([&] { return *drawn; });
   }
-  if (drawn) {
-    frame.rows.report(1.0);
+  if (!drawn) {
+    return drawn;
   }
-  if (drawn && job_.options.stop.stop_requested()) {
+  return endOfFrame().map([&] { return *drawn; });
+}
+
+Result<void> FrameRender::endOfFrame() {
+  RowScheduler& rows = job_.frame.rows;
+  rows.report(1.0);
+  if (rows.stopRequested()) {
     return failure(ErrorKind::Interrupted, "frame", "the frame was stopped before it was done");
   }
-  return drawn;
+  return {};
 }
 
 Result<FrameResult> FrameRender::deliver(const Rect& drawn, const Rect& canvas, const ImageView& output) {
@@ -135,8 +249,18 @@ Result<Rect> FrameRender::boundingBox() {
   FrameState& frame = job_.frame;
   frame.input.width = job_.layer_size.width;
   frame.input.height = job_.layer_size.height;
-  fillParameters(&frame, job_.options.time);
-  return askFrameSetup(job_, {-kFar, -kFar, kFar, kFar});
+  momentsOf(*frame.corners, frame.source, job_.options, &tiles_.moments);
+  Rect box;
+  for (const double seconds : tiles_.moments) {
+    frame.placed = frame.corners->at(seconds);
+    fillParameters(&frame, job_.options.time);
+    const Result<Rect> asked = askFrameSetup(job_, {-kFar, -kFar, kFar, kFar});
+    if (!asked) {
+      return asked;
+    }
+    box = united(box, *asked);
+  }
+  return box;
 }
 
 }  // namespace vantorel::host

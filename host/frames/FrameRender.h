@@ -1,9 +1,9 @@
-// The drawing of one frame, in three steps: its request made ready for the module, the module's drawing, and the pixels
-// handed to the caller.
+// The drawing of one frame, in one piece or in tiles.
 #pragma once
 
 #include "host/Error.h"
 #include "host/Frame.h"
+#include "host/composing/TiledFrame.h"
 #include "host/frames/FrameProtocols.h"
 
 namespace vantorel::host {
@@ -12,27 +12,33 @@ namespace vantorel::host {
 // must outlive it.
 class FrameRender {
  public:
-  FrameRender(const ModuleState& module, FrameState& frame, const AnimatedCorners& corners, Size layer_size,
-              const FrameOptions& options);
+  FrameRender(const ModuleState& module, FrameState& frame, TileStore& tiles, const AnimatedCorners& corners,
+              const AnimatedCorners* source, Size layer_size, const FrameOptions& options);
   ~FrameRender();
   FrameRender(const FrameRender&) = delete;
   FrameRender& operator=(const FrameRender&) = delete;
 
-  // Makes the worlds and the parameters. The request must have passed checkFrameRequest.
-  Result<void> prepare(const ConstImageView& layer, const ImageView& output);
-
-  // Has the module draw the canvas, which is given at the frame's resolution. The result is the rows drawn. What the
-  // progress callback threw is kept in the frame's rows.
-  Result<Rect> draw(const Rect& canvas);
-
-  // Brings the pixels to where the caller wants them, and tells of the frame.
-  Result<FrameResult> deliver(const Rect& drawn, const Rect& canvas, const ImageView& output);
+  // Renders the layer into `output`, which is the whole canvas, given at the frame's resolution. The request must have
+  // passed checkFrameRequest. What the progress callback threw
+  // is kept in the frame's rows.
+  Result<FrameResult> render(const ConstImageView& layer, const Rect& canvas, const ImageView& output);
 
   // Instead of all that: the rectangle that the effect asks for when nothing limits it.
   Result<Rect> boundingBox();
 
  private:
+  // The frame in one piece, in three steps.
+  Result<void> prepare(const ImageView& output);
+  Result<Rect> draw(const Rect& canvas);
+  Result<FrameResult> deliver(const Rect& drawn, const Rect& canvas, const ImageView& output);
+
+  Result<void> planMoments(Size layer_size, Size scaled_size);
+  Result<FrameResult> renderInTiles(const ImageView& layer, const Rect& canvas, const ImageView& output);
+  void place(const FramePlan& plan);
+  Result<void> endOfFrame();
+
   FrameJob job_;
+  TileStore& tiles_;
 };
 
 }  // namespace vantorel::host

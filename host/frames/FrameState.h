@@ -10,6 +10,7 @@
 #include "host/checking/RowGuard.h"
 #include "host/frames/RowScheduler.h"
 #include "host/frames/WorldStore.h"
+#include "host/sampling/SampleSpace.h"
 #include "support/PF_HostRecords.h"
 
 namespace vantorel::host {
@@ -17,7 +18,11 @@ namespace vantorel::host {
 struct FrameState {
   // The parameters.
   const AnimatedCorners* corners = nullptr;
+  const AnimatedCorners* source = nullptr;  // what of the layer goes onto the corners; null for all of it
   int downsample = 1;
+  // What the module is told instead, at whatever time, in pixels of the frame's resolution.
+  std::optional<Corners> placed;
+  SampleSpace space = SampleSpace::Centres;
 
   // The worlds.
   Depth depth = Depth::Bits8;

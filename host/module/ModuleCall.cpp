@@ -37,7 +37,7 @@ ModuleCall::ModuleCall(const ModuleState& module, FrameState* frame) : context(m
   context.frame = frame;
   context.out = &out;
   context.ledger = module.checking ? &ledger_ : nullptr;
-  installCallbacks(&in);
+  installCallbacks(&in, frame != nullptr ? frame->space : SampleSpace::Centres);
   in.effect_ref = &context;
   in.global_data = module.global_data;
   in.quality = PF_QUALITY_HIGH;
@@ -54,7 +54,7 @@ ModuleCall::ModuleCall(const ModuleState& module, FrameState* frame) : context(m
 void ModuleCall::setFrame(Size layer_size, const FrameOptions& options) {
   in.width = layer_size.width;
   in.height = layer_size.height;
-  in.quality = options.quality == Quality::High ? PF_QUALITY_HIGH : 0;
+  in.quality = options.quality == Quality::Standard ? 0 : PF_QUALITY_HIGH;
   in.current_time = options.time.time;
   in.time_step = options.time.step;
   in.time_scale = options.time.scale;

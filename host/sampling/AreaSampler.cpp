@@ -9,7 +9,7 @@ namespace vantorel::host {
 namespace {
 
 // In the order of InstructionSet.
-constexpr const AreaSamplers* kSamplers[] = {
+constexpr const AreaSamplerTables* kTables[] = {
     &kScalarAreaSamplers,
 #if defined(__x86_64__)
     &kAvx2AreaSamplers,
@@ -19,8 +19,8 @@ constexpr const AreaSamplers* kSamplers[] = {
 
 }  // namespace
 
-const AreaSamplers& areaSamplers(InstructionSet set) {
-  return *kSamplers[static_cast<std::size_t>(set)];
+const AreaSamplers& areaSamplers(InstructionSet set, SampleSpace space) {
+  return kTables[static_cast<std::size_t>(set)]->in[static_cast<std::size_t>(space)];
 }
 
 }  // namespace vantorel::host

@@ -1,6 +1,7 @@
 // The area samplers that a module's row functions call for every pixel.
 //
-// A whole-number position is a pixel's centre, so pixel k covers [k - 0.5, k + 0.5). The sample is the mean over the
+// In the space of pixel centres a whole-number position is a pixel's centre, so pixel k covers [k - 0.5, k + 0.5);
+// SampleSpace tells how the other spaces differ from what follows. The sample is the mean over the
 // box [x - x_radius, x + x_radius] by [y - y_radius, y + y_radius]: each pixel weighted by its overlap with the box,
 // what lies outside of the world counting as transparent. Only pixels with a positive overlap take part. A box that
 // lies wholly in one pixel gives that pixel, copied bit by bit.
@@ -14,6 +15,7 @@
 // read.
 #pragma once
 
+#include "host/sampling/SampleSpace.h"
 #include "platform/Cpu.h"
 #include "support/PF_HostRecords.h"
 
@@ -27,6 +29,6 @@ struct AreaSamplers {
 
 // The samplers of an instruction set, which must be available; modules get those of the active one. All give the same
 // bits.
-const AreaSamplers& areaSamplers(InstructionSet set);
+const AreaSamplers& areaSamplers(InstructionSet set, SampleSpace space = SampleSpace::Centres);
 
 }  // namespace vantorel::host

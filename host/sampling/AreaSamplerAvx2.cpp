@@ -59,6 +59,6 @@ inline void meanOfThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes,
 
 namespace vantorel::host {
 
-const AreaSamplers kAvx2AreaSamplers{sample<Pixels8>, sample<Pixels16>, sample<PixelsFloat>};
+const AreaSamplerTables kAvx2AreaSamplers = kSamplerTables;
 
 }  // namespace vantorel::host

@@ -144,6 +144,6 @@ inline void meanOfThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes,
 
 namespace vantorel::host {
 
-const AreaSamplers kAvx512AreaSamplers{sample<Pixels8>, sample<Pixels16>, sample<PixelsFloat>};
+const AreaSamplerTables kAvx512AreaSamplers = kSamplerTables;
 
 }  // namespace vantorel::host

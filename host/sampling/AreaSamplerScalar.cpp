@@ -95,7 +95,7 @@ void sampleBox(const PF_LayerDef& world, const SampleSpan& columns, const Sample
 }
 
 template <typename Pixel>
-std::int32_t sample(void* /*effect_ref*/, std::int32_t x, std::int32_t y, const PF_SampleParams* params, Pixel* out) {
+std::int32_t sampleFromCentres(std::int32_t x, std::int32_t y, const PF_SampleParams* params, Pixel* out) {
   constexpr bool kIsFloat = std::is_floating_point_v<decltype(Pixel::alpha)>;
   using Sum = std::conditional_t<kIsFloat, double, std::uint64_t>;
   using WideSum = std::conditional_t<kIsFloat, double, Uint128>;
@@ -120,8 +120,31 @@ std::int32_t sample(void* /*effect_ref*/, std::int32_t x, std::int32_t y, const 
   return ERR_NONE;
 }
 
+template <typename Pixel, SampleSpace kSpace>
+std::int32_t sample(void* /*effect_ref*/, std::int32_t x, std::int32_t y, const PF_SampleParams* params, Pixel* out) {
+  x = fromCentres<kSpace>(x);
+  y = fromCentres<kSpace>(y);
+  if (kSpace == SampleSpace::OutlineExtended && isSampleable(params)) {
+    if (liesOutOfReach(x, params->x_radius, params->source->width) ||
+        liesOutOfReach(y, params->y_radius, params->source->height)) {
+      *out = Pixel{};
+      return ERR_NONE;
+    }
+    PF_SampleParams cut = *params;
+    cutToWorld(&x, &cut.x_radius, cut.source->width);
+    cutToWorld(&y, &cut.y_radius, cut.source->height);
+    return sampleFromCentres(x, y, &cut, out);
+  }
+  return sampleFromCentres(x, y, params, out);
+}
+
+template <SampleSpace kSpace>
+constexpr AreaSamplers kSamplersIn{sample<PF_Pixel8, kSpace>, sample<PF_Pixel16, kSpace>,
+                                   sample<PF_PixelFloat, kSpace>};
+
 }  // namespace
 
-const AreaSamplers kScalarAreaSamplers{sample<PF_Pixel8>, sample<PF_Pixel16>, sample<PF_PixelFloat>};
+const AreaSamplerTables kScalarAreaSamplers{
+    {kSamplersIn<SampleSpace::Centres>, kSamplersIn<SampleSpace::Outline>, kSamplersIn<SampleSpace::OutlineExtended>}};
 
 }  // namespace vantorel::host

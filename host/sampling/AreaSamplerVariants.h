@@ -6,8 +6,14 @@
 
 namespace vantorel::host {
 
-extern const AreaSamplers kScalarAreaSamplers;
-extern const AreaSamplers kAvx2AreaSamplers;
-extern const AreaSamplers kAvx512AreaSamplers;
+struct AreaSamplerTables {
+  AreaSamplers in[kSampleSpaces];  // by SampleSpace
+
+  VANTOREL_INLINE constexpr const AreaSamplers& centres() const { return in[0]; }
+};
+
+extern const AreaSamplerTables kScalarAreaSamplers;
+extern const AreaSamplerTables kAvx2AreaSamplers;
+extern const AreaSamplerTables kAvx512AreaSamplers;
 
 }  // namespace vantorel::host

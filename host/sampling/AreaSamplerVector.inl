@@ -57,11 +57,36 @@ inline bool isOutside(std::int32_t centre, std::int32_t radius, std::int32_t siz
   return middle + radius <= 0 || middle - radius >= std::int64_t{size} << 16;
 }
 
+inline bool isInside(std::int32_t centre, std::int32_t radius, std::int32_t size) {
+  const std::int64_t middle = std::int64_t{centre} + kHalfPixel;
+  return middle >= radius && middle + radius <= std::int64_t{size} << 16;
+}
+
+// A box that meets the border, cut to the world. Apart from the others, which the copy of the parameters would delay.
+template <typename Pixels>
+[[gnu::noinline]] std::int32_t sampleExtended(void* effect_ref, std::int32_t x, std::int32_t y,
+                                              const PF_SampleParams* params, typename Pixels::Pixel* out) {
+  if (liesOutOfReach(x, params->x_radius, params->source->width) ||
+      liesOutOfReach(y, params->y_radius, params->source->height)) {
+    *out = typename Pixels::Pixel{};
+    return ERR_NONE;
+  }
+  PF_SampleParams cut = *params;
+  cutToWorld(&x, &cut.x_radius, cut.source->width);
+  cutToWorld(&y, &cut.y_radius, cut.source->height);
+  return sampleAnyBox<Pixels>(effect_ref, x, y, &cut, out);
+}
+
 // A box that is not small or not well inside the world. Those wholly outside, which the surroundings of a quadrilateral
 // are full of, come first.
-template <typename Pixels>
+template <typename Pixels, SampleSpace kSpace>
 [[gnu::noinline]] std::int32_t sampleClippedBox(void* effect_ref, std::int32_t x, std::int32_t y,
                                                 const PF_SampleParams* params, typename Pixels::Pixel* out) {
+  if (kSpace == SampleSpace::OutlineExtended && isSampleable(params) &&
+      !(isInside(x, params->x_radius, params->source->width) &&
+        isInside(y, params->y_radius, params->source->height))) {
+    return sampleExtended<Pixels>(effect_ref, x, y, params, out);
+  }
   if (isSampleable(params) && (isOutside(x, params->x_radius, params->source->width) ||
                                isOutside(y, params->y_radius, params->source->height))) {
     *out = typename Pixels::Pixel{};
@@ -88,7 +113,7 @@ inline std::int32_t beginOf(std::int32_t centre, std::int32_t radius) {
 
 // Any box but that of one pixel's size. One of up to two pixels' size meets three by three pixels at most; its place is
 // computed apart from its weights, which the pixels' arrival does not wait for.
-template <typename Pixels>
+template <typename Pixels, SampleSpace kSpace>
 [[gnu::noinline]] std::int32_t sampleSmallBox(void* effect_ref, std::int32_t x, std::int32_t y,
                                               const PF_SampleParams* params, typename Pixels::Pixel* out) {
   const std::int32_t x_radius = params->x_radius;
@@ -97,13 +122,13 @@ template <typename Pixels>
   const std::int32_t top = beginOf(y, y_radius);
   // Where no position is negative, these radii are too small for left and top to have overflowed.
   if (!isSmall(x_radius) || !isSmall(y_radius) || (x | y | left | top) < 0 || params->source == nullptr) {
-    return sampleClippedBox<Pixels>(effect_ref, x, y, params, out);
+    return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
   const PF_LayerDef& world = *params->source;
   const std::int32_t column = left >> 16;
   const std::int32_t row = top >> 16;
   if (world.width < column + 3 || world.height < row + 3 || world.data == nullptr) {
-    return sampleClippedBox<Pixels>(effect_ref, x, y, params, out);
+    return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
   const std::ptrdiff_t row_bytes = world.row_bytes;
   const std::byte* const pixel =
@@ -114,24 +139,26 @@ template <typename Pixels>
 }
 
 // The box of one pixel's size is looked for first and sampled here, without calls or a stack frame.
-template <typename Pixels>
+template <typename Pixels, SampleSpace kSpace>
 std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
                     typename Pixels::Pixel* out) {
+  x = fromCentres<kSpace>(x);
+  y = fromCentres<kSpace>(y);
   if (params == nullptr) {
-    return sampleClippedBox<Pixels>(effect_ref, x, y, params, out);
+    return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
   if (params->x_radius != kHalfPixel || params->y_radius != kHalfPixel) {
-    return sampleSmallBox<Pixels>(effect_ref, x, y, params, out);
+    return sampleSmallBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
   if ((x | y) < 0 || params->source == nullptr) {
-    return sampleClippedBox<Pixels>(effect_ref, x, y, params, out);
+    return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
   const PF_LayerDef& world = *params->source;
   const std::uint32_t column = static_cast<std::uint32_t>(x) >> 16;
   const std::uint32_t row = static_cast<std::uint32_t>(y) >> 16;
   if (world.width < static_cast<std::int32_t>(column + 2) || world.height < static_cast<std::int32_t>(row + 2) ||
       world.data == nullptr) {
-    return sampleClippedBox<Pixels>(effect_ref, x, y, params, out);
+    return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
   const std::ptrdiff_t row_bytes = world.row_bytes;
   const std::byte* const pixel =
@@ -144,6 +171,13 @@ std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_S
   }
   return ERR_NONE;
 }
+
+// A whole table for every space.
+template <SampleSpace kSpace>
+inline constexpr AreaSamplers kSamplersIn{sample<Pixels8, kSpace>, sample<Pixels16, kSpace>,
+                                          sample<PixelsFloat, kSpace>};
+inline constexpr AreaSamplerTables kSamplerTables{
+    {kSamplersIn<SampleSpace::Centres>, kSamplersIn<SampleSpace::Outline>, kSamplersIn<SampleSpace::OutlineExtended>}};
 
 }  // namespace
 

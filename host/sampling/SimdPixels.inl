@@ -45,7 +45,7 @@ struct Pixels8 {
   static constexpr int kColumnsPerLoad = 4;
   static constexpr bool kOnePixelIsMean = true;  // the mean over a box in one pixel is that pixel to the bit
 
-  static PF_AreaSampler<Pixel> scalar() { return kScalarAreaSamplers.sample8; }
+  static PF_AreaSampler<Pixel> scalar() { return kScalarAreaSamplers.centres().sample8; }
 
   // Two pixels side by side, in 32-bit lanes.
   static __m256i widenPair(const std::byte* pixels) { return _mm256_cvtepu8_epi32(loadBytes8(pixels)); }
@@ -71,7 +71,7 @@ struct Pixels16 {
   static constexpr int kColumnsPerLoad = 2;
   static constexpr bool kOnePixelIsMean = true;
 
-  static PF_AreaSampler<Pixel> scalar() { return kScalarAreaSamplers.sample16; }
+  static PF_AreaSampler<Pixel> scalar() { return kScalarAreaSamplers.centres().sample16; }
 
   static __m256i widenPair(const std::byte* pixels) { return _mm256_cvtepu16_epi32(loadBytes16(pixels)); }
 
@@ -95,7 +95,7 @@ struct PixelsFloat {
   static constexpr int kColumnsPerLoad = 1;
   static constexpr bool kOnePixelIsMean = false;  // it may be NaN or -0
 
-  static PF_AreaSampler<Pixel> scalar() { return kScalarAreaSamplers.sample_float; }
+  static PF_AreaSampler<Pixel> scalar() { return kScalarAreaSamplers.centres().sample_float; }
 
   static __m256d widen(const std::byte* pixel) {
     return _mm256_cvtps_pd(_mm_loadu_ps(reinterpret_cast<const float*>(pixel)));

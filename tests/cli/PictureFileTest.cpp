@@ -11,6 +11,7 @@
 
 #include "TestFolder.h"
 #include "cli/base/CommandError.h"
+#include "cli/pictures/FileRecord.h"
 #include "cli/pictures/ImageReader.h"
 #include "cli/pictures/ImageWriter.h"
 #include "cli/pictures/OutputFile.h"
@@ -237,6 +238,32 @@ std::string contents(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
+std::string pngOffsetChunk(std::uint32_t x, std::uint32_t y) {
+  const std::string chunk = "oFFs" + bigEndian(x) + bigEndian(y) + '\0';
+  return bigEndian(9) + chunk + bigEndian(pngCheckSum(chunk));
+}
+
+constexpr std::size_t kEndOfPngHeader = 33;
+
+// A PNG's offset once moved its picture out of view, and a GIF's alpha channel, which its reader counts beyond the
+// last, once ended the process.
+TEST(PictureFile, OffsetsWithoutADisplayWindowAndMiscountedChannelsShowTheWholePicture) {
+  const TestFolder folder;
+  const std::vector<std::uint8_t> data{10, 20, 30, 255, 40, 50, 60, 255};
+  for (const char* name : {"a.png", "a.gif"}) {
+    writeFile(folder / name, ImageSpec(2, 1, 4, TypeDesc::UINT8), data);
+  }
+  const std::string png = contents(folder / "a.png");
+  std::ofstream(folder / "a.png", std::ios::binary)
+      << png.substr(0, kEndOfPngHeader) << pngOffsetChunk(100, 7) << png.substr(kEndOfPngHeader);
+  for (const char* name : {"a.png", "a.gif"}) {
+    const Picture picture = readAt(folder / name, host::Depth::Bits8);
+    ASSERT_EQ(picture.pixels.size(), (host::Size{2, 1})) << name;
+    EXPECT_EQ(pixel8(picture, 0, 0), (std::vector<int>{10, 20, 30, 255})) << name;
+    EXPECT_EQ(pixel8(picture, 1, 0), (std::vector<int>{40, 50, 60, 255})) << name;
+  }
+}
+
 // A file's own offset once wrapped around 32 bits, and the pixels were written far outside the picture.
 TEST(PictureFile, OffsetsNearTheEndsOfTheirRangeAreRefused) {
   const TestFolder folder;
@@ -255,10 +282,9 @@ TEST(PictureFile, OffsetsNearTheEndsOfTheirRangeAreRefused) {
   };
   for (const std::uint32_t offset : {0x7FFFFFC0u, 0x7FFFFFFFu, 0x80000001u, 0x60000000u, 0xA0000000u}) {
     for (const bool horizontal : {true, false}) {
-      const std::string chunk = "oFFs" + bigEndian(horizontal ? offset : 0) + bigEndian(horizontal ? 0 : offset) + '\0';
-      constexpr std::size_t kEndOfHeader = 33;
-      std::ofstream(png, std::ios::binary) << whole_png.substr(0, kEndOfHeader) << bigEndian(9) << chunk
-                                           << bigEndian(pngCheckSum(chunk)) << whole_png.substr(kEndOfHeader);
+      std::ofstream(png, std::ios::binary)
+          << whole_png.substr(0, kEndOfPngHeader)
+          << (horizontal ? pngOffsetChunk(offset, 0) : pngOffsetChunk(0, offset)) << whole_png.substr(kEndOfPngHeader);
       expect_refused(png, offset);
 
       // As the library writes it here, the numbers of a DPX begin with the lowest byte. Offsets of a DPX are not
@@ -273,6 +299,31 @@ TEST(PictureFile, OffsetsNearTheEndsOfTheirRangeAreRefused) {
       }
     }
   }
+}
+
+TEST(PictureFile, RecordsTellSettingsAndDamage) {
+  const TestFolder folder;
+  const host::Image image = sample(host::Depth::Float);
+  for (const char* name : {"a.png", "a.jpg", "a.tif", "a.exr", "a.dpx"}) {
+    const std::string path = folder / name;
+    const ImageFormat& format = formatForOutput("", path);
+    OutputPicture picture = describe(image, outputSamples(format, DepthChoice::Auto, SampleType::Float));
+    picture.settings = 42;
+    writePicture(path, format, picture, {});
+    EXPECT_NO_THROW(readAt(path, host::Depth::Float)) << name;
+    EXPECT_EQ(checkRecord(path, 42), RecordState::Matches) << name;
+    EXPECT_EQ(checkRecord(path, 43), RecordState::OtherSettings) << name;
+    for (const double share : {0.0, 0.3, 0.6, 0.999}) {
+      folder.damage(name, share);
+      EXPECT_EQ(checkRecord(path, 42), RecordState::Damaged) << name << " " << share;
+      folder.damage(name, share);
+    }
+    folder.cutShort(name, 0.9999);
+    EXPECT_NE(checkRecord(path, 42), RecordState::Matches) << name;
+  }
+  folder.write("text.png", "no picture");
+  EXPECT_EQ(checkRecord(folder / "text.png", 42), RecordState::Absent);
+  EXPECT_EQ(checkRecord(folder / "none.png", 42), RecordState::Absent);
 }
 
 TEST(PictureFile, CameraOrientationsAreTurnedUpright) {
@@ -327,17 +378,33 @@ TEST(PictureFile, AnOutputThatIsNotCommittedLeavesNothing) {
   EXPECT_EQ(text, "old");
   EXPECT_EQ(folder.count(), 1u);
 
-  // A link stays one, and what it points to is replaced.
-  std::filesystem::create_symlink("kept.txt", folder / "link.txt");
-  {
-    OutputFile file(folder / "link.txt");
+  // Links stay, whether what they lead to exists or not.
+  std::filesystem::create_symlink("kept.txt", folder / "live.txt");
+  std::filesystem::create_symlink("live.txt", folder / "chain.txt");
+  std::filesystem::create_symlink("made.txt", folder / "dangling.txt");
+  for (const auto& [link, target] : {std::pair{"chain.txt", "kept.txt"}, std::pair{"dangling.txt", "made.txt"}}) {
+    OutputFile file(folder / link);
     std::fputs("new", file.stream());
     file.commit();
+    std::ifstream(folder / target) >> text;
+    EXPECT_EQ(text, "new") << link;
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / link)) << link;
   }
-  std::ifstream(folder / "kept.txt") >> text;
-  EXPECT_EQ(text, "new");
-  EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.txt"));
-  EXPECT_EQ(folder.count(), 2u);
+  EXPECT_EQ(folder.count(), 5u);
+}
+
+TEST(PictureFile, TemporaryFilesOfKilledProcessesAreRemovedAndOthersKept) {
+  const TestFolder folder;
+  const OutputFile live(folder / "out.txt");
+  const std::string dead = folder / ".out.txt.vantorel-1-2-3.tmp";
+  const std::string of_another = folder / ".other.txt.vantorel-1-2-3.tmp";
+  folder.write(".out.txt.vantorel-1-2-3.tmp", "half");
+  folder.write(".other.txt.vantorel-1-2-3.tmp", "half");
+  // By another name of the folder, which has not been listed yet.
+  const OutputFile next(folder / "./out.txt");
+  EXPECT_FALSE(std::filesystem::exists(dead));
+  EXPECT_TRUE(std::filesystem::exists(of_another));
+  EXPECT_TRUE(std::filesystem::exists(live.temporaryPath()));
 }
 
 }  // namespace

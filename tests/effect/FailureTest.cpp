@@ -112,7 +112,14 @@ TEST(Failures, ReadsThatKeepFailingLeaveTheOutputAlone) {
   host.fail("checkout_param", 1, 63, true);
   EXPECT_EQ(host.run(CMD_RENDER), 63);
   EXPECT_EQ(host.output.at<PF_Pixel8>(0, 0).alpha, 0x11);
-  host.hands_back_worlds = false;
-  EXPECT_EQ(host.run(CMD_SMART_RENDER), 0);
-  EXPECT_EQ(host.log.back(), "checkout_output fx");
+}
+
+TEST(Failures, WithoutAWorldNothingIsDrawn) {
+  for (const bool has_input : {true, false}) {
+    ScriptedHost host;
+    host.hands_back_input = has_input;
+    host.hands_back_output = !has_input;
+    EXPECT_EQ(host.run(CMD_SMART_RENDER), 0);
+    EXPECT_EQ(host.log.back(), "checkout_output fx");
+  }
 }

@@ -102,6 +102,7 @@ TEST(PreRender, UnitesTheCheckoutWithTheCornersInsideTheRequest) {
     host.checkout = {c.delivered, c.largest};
     host.result = {kAlone, kAlone};
     EXPECT_EQ(host.run(CMD_PRE_RENDER), 0);
+    EXPECT_EQ(host.log[0], "checkout_layer fx 0 0 [0 0 100 80] 5 2 24");  // the whole layer, whatever is requested
     EXPECT_TRUE(std::memcmp(&host.result.result_rect, &c.expected, sizeof c.expected) == 0) << &c - cases;
     EXPECT_TRUE(std::memcmp(&host.result.max_result_rect, &c.expected_largest, sizeof c.expected) == 0) << &c - cases;
   }

@@ -66,9 +66,12 @@ TEST(ProjectiveMap, InverseExistsForProperQuadsAlone) {
   EXPECT_TRUE(inverseExists({{{-32768, -32768}, {-32767.5, -32768}, {-32767.5, -32767.5}, {-32768, -32767.5}}}));
   EXPECT_TRUE(inverseExists({{{30000, 30000}, {30001, 30000}, {30001, 30001}, {30000, 30001}}}));
   EXPECT_TRUE(inverseExists({{{0, 0}, {100, 0}, {30, 30}, {0, 100}}}));  // concave
+  EXPECT_TRUE(inverseExists({{{0, 0}, {4e-9, 0}, {4e-9, 6e7}, {0, 6e7}}}));
   EXPECT_FALSE(inverseExists({{{5, 5}, {5, 5}, {5, 5}, {5, 5}}}));
   EXPECT_FALSE(inverseExists({{{0, 0}, {10, 0}, {20, 0}, {0, 10}}}));
   EXPECT_FALSE(inverseExists({{{20, 0}, {0, 0}, {0, 10}, {0, 20}}}));
+  // In line but for the rounding of their coordinates.
+  EXPECT_FALSE(inverseExists({{{30000.1, 20000.2}, {30001.2, 20001.3}, {30002.3, 20002.4}, {0, 10}}}));
   EXPECT_FALSE(inverseExists({{{0, 0}, {std::nan(""), 0}, {9, 9}, {0, 9}}}));
   // The sides of this one meet in the origin, which so maps to infinity.
   EXPECT_FALSE(inverseExists({{{-1, 1}, {1, 1}, {2, 2}, {-2, 2}}}));

@@ -13,7 +13,7 @@ namespace {
 constexpr std::int32_t kOne = 65536;
 
 // The helpers of one depth over gray pixels, known by their channel.
-struct Family8 {
+struct Helpers8 {
   using Pixel = std::uint32_t;
   static Pixel gray(int c) { return static_cast<Pixel>(c) * 0x01010101u; }
   static double channel(Pixel p) { return p >> 24; }
@@ -23,7 +23,7 @@ struct Family8 {
   static constexpr auto sample_row = GetHSeg;
 };
 
-struct Family16 {
+struct Helpers16 {
   using Pixel = PF_Pixel16;
   static Pixel gray(std::uint16_t c) { return {c, c, c, c}; }
   static double channel(Pixel p) { return p.green; }
@@ -33,7 +33,7 @@ struct Family16 {
   static constexpr auto sample_row = GetHSeg16;
 };
 
-struct FamilyFloat {
+struct HelpersFloat {
   using Pixel = PF_PixelFloat;
   static Pixel gray(float c) { return {c, c, c, c}; }
   static double channel(Pixel p) { return p.blue; }
@@ -43,10 +43,10 @@ struct FamilyFloat {
   static constexpr auto sample_row = GetHSegFloat;
 };
 
-template <typename Family>
+template <typename Helpers>
 class Pixels : public testing::Test {};
-using Families = testing::Types<Family8, Family16, FamilyFloat>;
-TYPED_TEST_SUITE(Pixels, Families);
+using Depths = testing::Types<Helpers8, Helpers16, HelpersFloat>;
+TYPED_TEST_SUITE(Pixels, Depths);
 
 }  // namespace
 
@@ -63,7 +63,7 @@ TEST(FixedPoint, MultiplyDivideInSinglePrecision) {
 
 TYPED_TEST(Pixels, MixAndAverage) {
   using F = TypeParam;
-  constexpr bool is_float = std::is_same_v<F, FamilyFloat>;
+  constexpr bool is_float = std::is_same_v<F, HelpersFloat>;
   const auto mixed = [](int a, int b, int weight) { return F::channel(F::mix(F::gray(a), F::gray(b), weight)); };
   EXPECT_EQ(mixed(10, 200, kOne), 10);
   EXPECT_EQ(mixed(10, 200, kOne - 1), 200);

@@ -60,6 +60,15 @@ TEST(Render, AQuadWithoutAMapIsTransparent) {
   EXPECT_TRUE(samePixel(host.output.at<PF_Pixel8>(0, 0), PF_Pixel8{}));
 }
 
+TEST(Render, APixelThatTheHostDoesNotWriteIsTransparent) {
+  ScriptedHost host;
+  host.sampler_writes = false;
+  host.output.fillBytes(0x11);
+  EXPECT_EQ(host.run(CMD_RENDER), 0);
+  EXPECT_EQ(host.samples.size(), 48u);
+  EXPECT_EQ(host.output.at<std::uint32_t>(7, 5), 0u);
+}
+
 // Any corner values, also the ends of the 16.16 range: a frame comes back and nothing outside the world is written.
 RC_GTEST_PROP(Render, AnyCornersStayInsideTheWorld, ()) {
   ScriptedHost host(*rc::gen::element(8, 16, 32), {*rc::gen::inRange(1, 9), *rc::gen::inRange(1, 9)},

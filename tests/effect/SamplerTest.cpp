@@ -10,7 +10,6 @@
 
 #include "effect/ProjectiveMap.h"
 #include "effect/perspective/PerspectiveInfo.h"
-#include "effect/perspective/PixelBatch.h"
 #include "effect/perspective/RowSamplers.h"
 #include "tests/effect/ScriptedHost.h"
 
@@ -90,6 +89,8 @@ KZFX_PerspectiveInfo infoFor(ScriptedHost& host, int width, int height) {
   KZFX_PerspectiveInfo info;
   info.out_width_d = info.out_width = width;
   info.out_height_d = info.out_height = height;
+  info.bound_left = info.bound_top = -1e9;
+  info.bound_right = info.bound_bottom = 1e9;
   info.input_world = &host.input.world;
   info.effect_ref = host.in.effect_ref;
   info.sample_8 = host.utilities.sample_area_8;
@@ -198,8 +199,6 @@ RC_GTEST_PROP(RowSamplers, EqualTheirDefinitionOnQuadrilaterals, ()) {
   }
   info.quad_to_unit = M_Matrix3(true);
   KZFX_MapUnitSquareToFromQuad(quad, &info.quad_to_unit, 0);
-  info.bound_left = info.bound_top = -1e9;
-  info.bound_right = info.bound_bottom = 1e9;
   info.x_scale = *rc::gen::element(1.0, 2.0, 1.0 / 3.0, 1920.0 / 1817.0, 12.0);
   info.y_scale = *rc::gen::element(1.0, 2.0, 1.0 / 3.0, 1080.0 / 1017.0, 12.0);
   checkAllSamplers(host, info, 0, *rc::gen::inRange(0, height));
@@ -208,45 +207,27 @@ RC_GTEST_PROP(RowSamplers, EqualTheirDefinitionOnQuadrilaterals, ()) {
 // Millions of pixels, a few of which lie so near the half of 1/65536 pixel that only exact quotients round them as they
 // should be.
 TEST(RowSamplers, WholeFramesEqualTheScalarComputation) {
-  constexpr int kWidth = 1920, kHeight = 1080;
-  const struct {
-    double corners[8];
+  struct {
+    M_Vector2T<double> quad[4];
     double scale;
-  } frames[] = {{{193, 108, 1729, 54, 1825, 1026, 97, 972}, 8.0},
-                {{801, 450, 1101, 460, 1121, 640, 791, 650}, 1.0},
-                {{-299.7, -200.1, 5001.3, -2500.9, 5501.1, 3000.7, -279.9, 330.1}, 3.7}};
-  for (const auto& frame : frames) {
-    M_Vector2T<double> corners[4];
-    for (int i = 0; i < 4; ++i) {
-      corners[i].x = frame.corners[2 * i];
-      corners[i].y = frame.corners[2 * i + 1];
-    }
-    M_Matrix3 to_unit(true);
-    ASSERT_EQ(KZFX_MapUnitSquareToFromQuad(corners, &to_unit, 0), 1);
-    const InputScale scale{frame.scale, frame.scale};
-    const auto map_at = [&](int y) {
-      const auto coordinate = [&](int c, double unit) {
-        return Stepper{(to_unit.m[1][c] * y + to_unit.m[2][c]) * unit, to_unit.m[0][c] * unit, to_unit.m[1][c] * unit};
+  } frames[] = {{{{193, 108}, {1729, 54}, {1825, 1026}, {97, 972}}, 8.0},
+                {{{801, 450}, {1101, 460}, {1121, 640}, {791, 650}}, 1.0},
+                {{{-299.7, -200.1}, {5001.3, -2500.9}, {5501.1, 3000.7}, {-279.9, 330.1}}, 3.7}};
+  for (auto& frame : frames) {
+    ScriptedHost host;
+    KZFX_PerspectiveInfo info = infoFor(host, 1920, 1080);
+    ASSERT_EQ(KZFX_MapUnitSquareToFromQuad(frame.quad, &info.quad_to_unit, 0), 1);
+    info.x_scale = info.y_scale = frame.scale;
+    std::vector<PF_Pixel8> row(1920);
+    for (int y = 0; y < 1080; ++y) {
+      const auto samples = [&](InstructionSet set) {
+        host.samples.clear();
+        traceRow<SamplingQuality::High>(info, 0, y, row.data(), set);
+        return host.samples;
       };
-      return IncrementalMap{coordinate(0, kWidth), coordinate(1, kHeight), coordinate(2, 1.0)};
-    };
-    for (const InstructionSet set : availableSets()) {
-      for (int y = 0; set != InstructionSet::Scalar && y < kHeight; ++y) {
-        IncrementalMap expected_map = map_at(y);
-        IncrementalMap map = expected_map;
-        for (int x = 0; x < kWidth; x += kBatchPixels) {
-          PixelBatch expected, batch;
-          ASSERT_FALSE(
-              pixelBatchFunctions(InstructionSet::Scalar).footprints(&expected_map, scale, kBatchPixels, &expected));
-          ASSERT_FALSE(pixelBatchFunctions(set).footprints(&map, scale, kBatchPixels, &batch));
-          for (int i = 0; i < kBatchPixels; ++i) {
-            const bool same = batch.x[i] == expected.x[i] && batch.y[i] == expected.y[i] &&
-                              batch.box[i].x_radius == expected.box[i].x_radius &&
-                              batch.box[i].y_radius == expected.box[i].y_radius &&
-                              batch.box[i].area == expected.box[i].area;
-            ASSERT_TRUE(same) << "pixel " << x + i << ", " << y;
-          }
-        }
+      const std::vector<Sample> expected = samples(InstructionSet::Scalar);
+      for (const InstructionSet set : availableSets()) {
+        ASSERT_TRUE(set == InstructionSet::Scalar || samples(set) == expected) << instructionSetName(set) << " " << y;
       }
     }
   }
@@ -259,8 +240,6 @@ TEST(RowSamplers, PixelsByTheVanishingLineVisitNoNeighbours) {
   // below and back loses digits of u.
   const double rows[3][3] = {{0.01 / 3, 0.02 / 3, 0.25}, {1e12 / 3, 1e12 / 7, 0.25}, {0.1 / 3, 0.1 / 7, -30}};
   std::memcpy(info.quad_to_unit.m, rows, sizeof rows);
-  info.bound_left = info.bound_top = -1000;
-  info.bound_right = info.bound_bottom = 1000;
   info.x_scale = info.y_scale = 20;
   checkAllSamplers(host, info, 0, 0);
   const Row row = referenceRow(info, true, 0, 0);
@@ -295,7 +274,7 @@ TEST(RowSamplers, WorkedPositionsAndBoxes) {
   }
 }
 
-// Beyond 32767 pixels neither the counters nor the positions run over.
+// Beyond 32767 pixels neither the counters nor the positions overflow.
 TEST(RowSamplers, WideAndTallWorlds) {
   for (const std::int32_t quality : {0, 1}) {
     ScriptedHost wide(8, {300, 2}, {40000, 2});

@@ -173,12 +173,12 @@ std::int32_t checkoutLayer(void* ref, std::int32_t index, std::int32_t id, const
 }
 
 std::int32_t checkoutPixels(void* ref, std::int32_t id, PF_LayerDef** world) {
-  *world = current->hands_back_worlds ? &current->input.world : nullptr;
+  *world = current->hands_back_input ? &current->input.world : nullptr;
   return call("checkout_layer_pixels", ref, id);
 }
 
 std::int32_t checkoutOutput(void* ref, PF_LayerDef** world) {
-  *world = current->hands_back_worlds ? &current->output.world : nullptr;
+  *world = current->hands_back_output ? &current->output.world : nullptr;
   return call("checkout_output", ref);
 }
 
@@ -258,7 +258,7 @@ ScriptedHost::ScriptedHost(int depth, M_LPoint layer_size, M_LPoint output_size)
            {&input.world, "input"},
            {&output.world, "output"},
            {&values[0].value.layer_world, "input"}};
-  std::memset(static_cast<void*>(&out), 0xA5, sizeof out);
+  std::memset(static_cast<void*>(&out), 0xA4, sizeof out);  // none of the bits that the effect sets
   out_at_first_.assign(reinterpret_cast<const char*>(&out), sizeof out);
 }
 

@@ -96,7 +96,8 @@ class ScriptedHost {
   double square_root_factor = 1.0;
   std::function<void(void*)> on_iterate = [](void*) {};  // sees the iteration's reference value
   bool sampler_writes = true;
-  bool hands_back_worlds = true;
+  bool hands_back_input = true;
+  bool hands_back_output = true;
 
   Log log;                                   // every call except those of ceil and sqrt
   std::map<const void*, std::string> names;  // how pointers are called in the log

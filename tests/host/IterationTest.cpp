@@ -23,7 +23,7 @@ struct Running {
   explicit Running(unsigned threads, std::function<void(double)> progress = {}, std::stop_token stop = {})
       : progress_(std::move(progress)) {
     context.frame = &frame;
-    installCallbacks(&in);
+    installCallbacks(&in, SampleSpace::Centres);
     in.effect_ref = &context;
     frame.rows.begin(pool, threads, progress_, std::move(stop));
   }

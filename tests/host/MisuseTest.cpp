@@ -17,7 +17,9 @@ constexpr std::int32_t kWorldSuiteVersion = PF_WORLD_SUITE_VERSION;
 Result<FrameResult> render(const Script& script, bool checking, Image& output, Protocol protocol = Protocol::Smart) {
   Image layer = testing::noise({8, 8}, Depth::Bits8);
   return loadScripted(script, {.checking = checking}).and_then([&](const auto& module) {
-    return Instance(module).render(asConst(layer.view()), {0, 0, 8, 8}, output.view(), {.protocol = protocol});
+    // Without corners there is nothing to place.
+    return Instance(module).render(asConst(layer.view()), {0, 0, 8, 8}, output.view(),
+                                   {.placement = Placement::Centres, .protocol = protocol});
   });
 }
 

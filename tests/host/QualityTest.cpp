@@ -21,10 +21,10 @@ M_Matrix3 unitSquareFrom(const Corners& c) {
   return map;
 }
 
-// The layer's pixel whose square holds a point, whole numbers being pixel centres; transparent outside.
+// The layer's pixel whose square holds a point; transparent outside.
 std::uint8_t layerAt(const ConstImageView& layer, double x, double y, int channel) {
-  const double column = std::floor(x + 0.5);
-  const double row = std::floor(y + 0.5);
+  const double column = std::floor(x);
+  const double row = std::floor(y);
   if (!(column >= 0 && row >= 0 && column < layer.size.width && row < layer.size.height)) {
     return 0;
   }
@@ -40,8 +40,8 @@ double psnr(const ConstImageView& layer, const Corners& c, Image& output) {
       double sums[4] = {};
       for (int i = 0; i < kSamples * kSamples; ++i) {
         const int row = i / kSamples;
-        const double px = x + (i % kSamples + 0.5) / kSamples - 0.5;
-        const double py = y + (row + 0.5) / kSamples - 0.5;
+        const double px = x + (i % kSamples + 0.5) / kSamples;
+        const double py = y + (row + 0.5) / kSamples;
         const double w = m[0][2] * px + m[1][2] * py + m[2][2];
         const double u = (m[0][0] * px + m[1][0] * py + m[2][0]) / w * layer.size.width;
         const double v = (m[0][1] * px + m[1][1] * py + m[2][1]) / w * layer.size.height;
@@ -59,9 +59,9 @@ double psnr(const ConstImageView& layer, const Corners& c, Image& output) {
   return 10.0 * std::log10(255.0 * 255.0 / (squares / (4.0 * output.size().width * output.size().height)));
 }
 
-double qualityOf(const char* name, Image layer, const Corners& corners) {
+double qualityOf(const char* name, Image layer, const Corners& corners, Quality quality_level = Quality::High) {
   Instance instance = testing::instanceWith(testing::checkedEffect(), corners);
-  auto frame = testing::renderFrame(instance, layer, {0, 0, 160, 160}, {});
+  auto frame = testing::renderFrame(instance, layer, {0, 0, 160, 160}, {.quality = quality_level});
   EXPECT_EQ(RenderPath::Perspective, frame.result.path);
   const double quality = psnr(asConst(layer.view()), corners, frame.pixels);
   ::testing::Test::RecordProperty(name, std::to_string(quality));
@@ -96,6 +96,11 @@ TEST(QualityTest, ShrunkAndInMildPerspectiveItIsNearTheTruth) {
 TEST(QualityTest, ShrunkAndRotatedTheBoxIsTooWideButNotFarOff) {
   EXPECT_GE(qualityOf("waves_rotated", wavesLayer(), square(128, 30)), 30.0);
   EXPECT_GE(qualityOf("noise_rotated", noiseLayer(), square(128, 30)), 30.0);
+}
+
+TEST(QualityTest, AtBestTurnedPicturesAreNearTheTruthToo) {
+  EXPECT_GE(qualityOf("waves_rotated_best", wavesLayer(), square(128, 30), Quality::Best), 38.0);
+  EXPECT_GE(qualityOf("noise_rotated_best", noiseLayer(), square(128, 30), Quality::Best), 38.0);
 }
 
 }  // namespace

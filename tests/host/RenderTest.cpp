@@ -110,7 +110,9 @@ RC_GTEST_PROP(RenderPropertyTest, AnyCornersDrawInsideTheOutputAlone, ()) {
   const Corners corners{point(), point(), point(), point()};
   Image layer = noise({16, 16}, *rc::gen::element(Depth::Bits8, Depth::Bits16, Depth::Float));
   Instance instance = instanceWith(checkedEffect(), corners);
-  const FrameOptions options{.quality = *rc::gen::element(Quality::Standard, Quality::High),
+  const FrameOptions options{.quality = *rc::gen::element(Quality::Standard, Quality::High, Quality::Best),
+                             .edges = *rc::gen::element(Edges::Soft, Edges::Crisp),
+                             .samples = *rc::gen::element(0, 1, 2),
                              .protocol = *rc::gen::element(Protocol::Smart, Protocol::Plain),
                              .downsample = *rc::gen::inRange(1, 4)};
   const int left = *rc::gen::inRange(-40, 40);

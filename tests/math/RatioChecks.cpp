@@ -128,16 +128,18 @@ std::string checkReduce(M_Ratio ratio) {
   const std::int64_t divisor = gcd >= kTwoTo31 ? 1 : gcd;
   const M_Ratio expected = {static_cast<std::int32_t>(ratio.num / divisor),
                             static_cast<std::uint32_t>(ratio.den / divisor)};
+  M_Ratio other = {7, 7};
   bool reduced = gcd == 1;
+  M_ReduceRatio(&ratio, &other, nullptr);
   M_ReduceRatio(&ratio, &ratio, &reduced);
-  return ratio == expected && reduced == (gcd != 1) ? "" : "not in lowest terms";
+  return ratio == expected && other == expected && reduced == (gcd != 1) ? "" : "not in lowest terms";
 }
 
 // The conversions are computed in double precision: right to half a unit and a little, and at the limits likewise.
 std::string checkConvert(const M_Ratio& in, std::uint32_t new_den) {
   M_Ratio out = in;
   bool exact = false;
-  bool overflow = false;
+  bool overflow = in.den == 0 || in.den != new_den;  // where these are equal, and not 0, it keeps its value
   bool short_overflow = true;
   std::int32_t num = 7;
   const std::int32_t err = M_ConvRatio(&out, new_den, &out, &exact, &overflow);

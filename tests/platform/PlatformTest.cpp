@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdlib>
 #include <cstring>
 
+#include "platform/Cpu.h"
 #include "platform/FixDiv.h"
 #include "platform/Handles.h"
 
@@ -23,4 +25,25 @@ TEST(Handles, AreZeroedBlocksBehindAPointer) {
   EXPECT_EQ(std::memcmp(*handle, "\0\0\0\0\0\0\0\0", 8), 0);
   DisposeHandle(handle);
   DisposeHandle(nullptr);
+}
+
+TEST(Cpu, SetsAreListedFoundAndForcedByName) {
+  for (const InstructionSet set : kInstructionSets) {
+    InstructionSet found = set == InstructionSet::Scalar ? InstructionSet::Avx2 : InstructionSet::Scalar;
+    EXPECT_TRUE(findInstructionSet(instructionSetName(set), &found));
+    EXPECT_EQ(found, set);
+    EXPECT_FALSE(findInstructionSet("avx", &found));
+    EXPECT_EQ(found, set);
+  }
+  EXPECT_TRUE(isAvailable(InstructionSet::Scalar));
+  InstructionSet expected = InstructionSet::Scalar;  // the last available, unless the environment names another
+  for (const InstructionSet set : kInstructionSets) {
+    expected = isAvailable(set) ? set : expected;
+  }
+  InstructionSet forced = expected;
+  const char* const name = std::getenv(kSimdVariable);
+  if (name != nullptr && findInstructionSet(name, &forced) && isAvailable(forced)) {
+    expected = forced;
+  }
+  EXPECT_EQ(activeInstructionSet(), expected);
 }

@@ -268,6 +268,7 @@ Picture render(Module& module, PF_ParamDef* values) {
   in.output_origin_x = answer.origin_x;
   in.output_origin_y = answer.origin_y;
   module.call(CMD_RENDER, in, params, &output.world);
+  std::printf("output: %dx%d from %d,%d\n", answer.width, answer.height, -answer.origin_x, -answer.origin_y);
   return output;
 }
 

@@ -1,0 +1,80 @@
+#include <stdexcept>
+
+#include "bench/quality/Renderer.h"
+#include "host/Instance.h"
+
+namespace vantorel::quality {
+
+namespace {
+
+// The settings that are measured; `high` is what times are told in.
+struct Setting {
+  const char* name;
+  host::FrameOptions options;
+};
+
+host::FrameOptions withQuality(host::Quality quality, int samples = 0) {
+  host::FrameOptions options;
+  options.quality = quality;
+  options.samples = samples;
+  options.threads = 1;
+  return options;
+}
+
+// The effect's own way of counting positions.
+host::FrameOptions highFromCentres() {
+  host::FrameOptions options = withQuality(host::Quality::High);
+  options.placement = host::Placement::Centres;
+  return options;
+}
+
+std::vector<Setting> settings() {
+  return {
+      {"high, centres", highFromCentres()},
+      {"standard", withQuality(host::Quality::Standard)},
+      {"high", withQuality(host::Quality::High)},
+      {"best", withQuality(host::Quality::Best)},
+      {"best, 1 sample", withQuality(host::Quality::Best, 1)},
+      {"best, 2 x 2 samples", withQuality(host::Quality::Best, 2)},
+      {"best, 4 x 4 samples", withQuality(host::Quality::Best, 4)},
+  };
+}
+
+[[noreturn]] void fail(const host::Error& error) {
+  throw std::runtime_error(error.input + ": " + error.message);
+}
+
+Frame prepare(const std::shared_ptr<const host::Module>& module, const host::FrameOptions& options, const Scene& scene,
+              const host::ConstImageView& layer, const host::ImageView& output) {
+  const auto instance = std::make_shared<host::Instance>(module);
+  if (const auto done = instance->setCorners(scene.corners); !done) {
+    fail(done.error());
+  }
+  return {[=] {
+            const host::Rect canvas{0, 0, output.size.width, output.size.height};
+            const auto frame = instance->render(layer, canvas, output, options);
+            if (!frame) {
+              fail(frame.error());
+            }
+            if (frame->path != scene.path) {
+              throw std::runtime_error(scene.name + ": drawn by the other path; choose other corners");
+            }
+          },
+          {}};
+}
+
+}  // namespace
+
+std::vector<Renderer> hostRenderers(const std::shared_ptr<const host::Module>& module) {
+  std::vector<Renderer> renderers;
+  for (const Setting& setting : settings()) {
+    renderers.push_back({setting.name, true, true,
+                         [module, options = setting.options](const Scene& scene, const host::ConstImageView& layer,
+                                                             const host::ImageView& output) {
+                           return prepare(module, options, scene, layer, output);
+                         }});
+  }
+  return renderers;
+}
+
+}  // namespace vantorel::quality

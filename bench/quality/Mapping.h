@@ -1,0 +1,82 @@
+// Where in the layer a position of the canvas comes from. On both sides pixel k covers [k, k + 1), and the layer's
+// outline lies exactly on the corners. Written apart from the renderers that are judged by it.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <variant>
+#include <vector>
+
+#include "host/Animation.h"
+#include "host/Image.h"
+
+namespace vantorel::quality {
+
+// The quadrilateral's corners in order round it: upper left, upper right, lower right, lower left.
+using Ring = std::array<host::Point, 4>;
+
+Ring ringOf(const host::Corners& corners);
+// The layer's own corners.
+Ring ringOf(host::Size layer);
+
+// One row of positions of a projective map: layer x = (x_at_0 + x_step x) / (w_at_0 + w_step x), and y likewise.
+struct ProjectiveRow {
+  double x_at_0, x_step;
+  double y_at_0, y_step;
+  double w_at_0, w_step;
+  host::Size layer;
+
+  host::Point position(double x) const {
+    const double scale = 1.0 / (w_at_0 + w_step * x);
+    return {(x_at_0 + x_step * x) * scale, (y_at_0 + y_step * x) * scale};
+  }
+  bool covers(double x) const;
+};
+
+// The homography that takes the layer's outline to a strictly convex quadrilateral, turned round.
+class ProjectiveMap {
+ public:
+  ProjectiveMap(host::Size layer, const Ring& ring);
+  ProjectiveRow row(double y) const;
+
+ private:
+  host::Size layer_;
+  std::array<std::array<double, 3>, 3> inverse_{};  // canvas to layer, for column vectors, positive inside
+};
+
+// One row of positions of a scan: linear from the left chain of edges to the right one. Above the top corner and below
+// the bottom one it covers nothing.
+struct ScanRow {
+  double left = 0;
+  double right = 0;
+  host::Point at_left;
+  host::Point slope;  // layer pixels a canvas pixel
+
+  host::Point position(double x) const { return {at_left.x + slope.x * (x - left), at_left.y + slope.y * (x - left)}; }
+  bool covers(double x) const { return x >= left && x < right; }
+};
+
+// Two chains of edges run down from the top corner; a position along an edge goes linearly with y, and between the
+// chains linearly with x. Throws std::invalid_argument unless both chains run downwards all the way to the bottom
+// corner.
+class ScanMap {
+ public:
+  ScanMap(host::Size layer, const Ring& ring);
+  ScanRow row(double y) const;
+
+ private:
+  struct Crossing {
+    double x;
+    host::Point layer;
+  };
+  std::vector<int> chainFrom(int top, int bottom, int direction) const;
+  Crossing crossing(const std::vector<int>& chain, double y) const;
+
+  Ring ring_;
+  Ring layer_ring_;
+  std::array<std::vector<int>, 2> chains_;
+};
+
+using Mapping = std::variant<ProjectiveMap, ScanMap>;
+
+}  // namespace vantorel::quality

@@ -1,0 +1,24 @@
+// How a quadrilateral's outline divides the canvas.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "bench/quality/Mapping.h"
+#include "host/Image.h"
+
+namespace vantorel::quality {
+
+// Where a pixel lies: on an edge when the outline crosses its inside.
+enum class Region : std::uint8_t { Outside, Inside, Edge };
+
+// The smallest rectangle of whole pixels that holds the ring's part of the canvas.
+host::Rect frameOf(const Ring& ring, host::Size canvas);
+
+// The region of each pixel of `frame`, rows from the top.
+std::vector<Region> regionsOf(const Ring& ring, const host::Rect& frame);
+
+// The exact area, 0 to 1, that a convex ring covers of the pixel at (x, y).
+double coverage(const Ring& ring, int x, int y);
+
+}  // namespace vantorel::quality

@@ -1,0 +1,42 @@
+// What is drawn where: a layer's size, the canvas, and the quadrilateral.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "bench/quality/Mapping.h"
+#include "host/Instance.h"
+
+namespace vantorel::quality {
+
+struct Scene {
+  std::string name;
+  host::Size layer;
+  host::Size canvas;
+  host::Corners corners;
+  host::RenderPath path = host::RenderPath::Perspective;  // which renderer the quadrilateral calls for
+};
+
+// The mapping that the scene's path means.
+Mapping mappingOf(const Scene& scene);
+
+// The corners of the layer's rectangle, enlarged by `scale`, turned clockwise by `degrees` about its middle, which lies
+// at `middle`.
+host::Corners turned(host::Size layer, double scale, double degrees, host::Point middle);
+
+// The quadrilaterals whose pictures are compared pixel by pixel.
+std::vector<Scene> pictureScenes();
+
+// An 8x8 layer enlarged.
+struct EnlargedScene {
+  Scene scene;
+  int times;  // a layer pixel's side in canvas pixels, where it is largest
+};
+
+// On either path.
+std::vector<EnlargedScene> enlargedScenes();
+
+// Outlines of a white square.
+std::vector<Scene> squareScenes();
+
+}  // namespace vantorel::quality

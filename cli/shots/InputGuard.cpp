@@ -1,0 +1,70 @@
+#include "cli/shots/InputGuard.h"
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <utility>
+
+#include "cli/base/CommandError.h"
+
+namespace vantorel::cli {
+
+namespace {
+
+// A shot of more frames is looked at as far as this, which takes about a second where no output exists.
+constexpr std::int64_t kMaxFrames = 1'000'000;
+
+using FileIdentity = std::pair<dev_t, ino_t>;
+
+std::optional<FileIdentity> identityOf(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) {
+    return std::nullopt;
+  }
+  return FileIdentity{status.st_dev, status.st_ino};
+}
+
+// Calls visit(path) for every file of the pattern in the shot's frames.
+template <typename Visit>
+void forFiles(const FramePattern& files, const FrameRange& frames, const Visit& visit) {
+  const std::int64_t count = files.hasNumber() ? std::min(frames.count(), kMaxFrames) : 1;
+  for (std::int64_t i = 0; i < count; ++i) {
+    visit(files.path(frames.at(i)));
+  }
+}
+
+}  // namespace
+
+void refuseToReplaceInputs(const Shot& shot) {
+  std::map<FileIdentity, std::string> outputs;
+  forFiles(shot.output, shot.frames, [&](const std::string& path) {
+    if (const auto identity = identityOf(path)) {
+      outputs.emplace(*identity, path);
+    }
+  });
+  if (outputs.empty()) {
+    return;
+  }
+  const auto refuse = [&](const char* role) {
+    return [&outputs, role](const std::string& path) {
+      const auto identity = identityOf(path);
+      const auto found = identity ? outputs.find(*identity) : outputs.end();
+      if (found != outputs.end()) {
+        throw badArgument("--output", fmt::format("'{}' is {}, '{}'; give another name, or --overwrite to replace it",
+                                                  found->second, role, path));
+      }
+    };
+  };
+  forFiles(shot.layer_files, shot.frames, refuse("the layer"));
+  if (shot.plate_files) {
+    forFiles(*shot.plate_files, shot.frames, refuse("the plate"));
+  }
+  if (!shot.options.corners_file.empty()) {
+    refuse("the file of corners")(shot.options.corners_file);
+  }
+}
+
+}  // namespace vantorel::cli

@@ -1,0 +1,119 @@
+#include "host/composing/TiledFrame.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+#include "host/callbacks/CallContext.h"
+#include "host/composing/TileRender.h"
+#include "host/composing/VertexLayer.h"
+
+namespace vantorel::host {
+
+namespace {
+
+constexpr int kMaxEnlargedSide = 32767;           // what the effect's bilinear renderer reaches
+constexpr std::int64_t kMaxFinePixels = 1 << 20;  // of layers enlarged more than twice
+
+// How many times the layer is enlarged for the bilinear renderer: twice, and more where the picture enlarges it so much
+// that the renderer's weights of 1/256 would show as steps. 1 where the layer is too large for that.
+int vertexFactor(const FramePlan& plan) {
+  const Size size = plan.layer;
+  const Box box = plan.region.bounds();
+  const double enlarged = std::min((box.right - box.left) / size.width, (box.bottom - box.top) / size.height);
+  const auto fits = [&](int factor) { return factor * std::max(size.width, size.height) <= kMaxEnlargedSide; };
+  int factor = fits(2) ? 2 : 1;
+  while (factor >= 2 && factor < 8 && 2 * factor <= enlarged && fits(2 * factor) &&
+         std::int64_t{4} * factor * factor * size.width * size.height <= kMaxFinePixels) {
+    factor *= 2;
+  }
+  return factor;
+}
+
+FrameOptions tileOptions(const FrameOptions& options) {
+  FrameOptions tile;
+  tile.time = options.time;
+  tile.quality = options.quality;
+  tile.protocol = options.protocol;
+  tile.threads = 1;
+  tile.stop = options.stop;
+  return tile;
+}
+
+}  // namespace
+
+TileWorker& TileStore::take() {
+  const std::lock_guard lock(mutex_);
+  if (idle_.empty()) {
+    workers_.push_back(std::make_unique<TileWorker>());
+    idle_.reserve(workers_.size());
+    return *workers_.back();
+  }
+  TileWorker& worker = *idle_.back();
+  idle_.pop_back();
+  return worker;
+}
+
+void TileStore::giveBack(TileWorker& worker) {
+  const std::lock_guard lock(mutex_);
+  idle_.push_back(&worker);
+}
+
+TiledFrame::TiledFrame(const ModuleState& module, TileStore& store, const FrameOptions& options, const ImageView& layer)
+    : module_(module), store_(store), tile_options_(tileOptions(options)), layer_(layer), scanned_layer_(layer) {}
+
+Result<void> TiledFrame::draw(RowScheduler& scheduler, const Rect& canvas, const ImageView& output) {
+  canvas_ = canvas;
+  output_ = output;
+  if (Result<void> enlarged = enlargeLayer(); !enlarged) {
+    return enlarged;
+  }
+  collectTiles(canvas, PlannedSamples(store_.plans), &store_.tiles);
+  CallContext context(module_.resources);
+  const std::int32_t code =
+      scheduler.run(context, 0, static_cast<std::int32_t>(store_.tiles.size()), 0.0, 1.0, {runTile, this});
+  if (error_) {
+    return tl::unexpected(std::move(*error_));
+  }
+  if (code == kCodeInterrupted) {
+    return failure(ErrorKind::Interrupted, "frame", "the frame was stopped before it was done");
+  }
+  if (code != ERR_NONE && !scheduler.progressFailure()) {
+    return failure(ErrorKind::OutOfMemory, "frame", "there is not enough memory for its tiles");
+  }
+  return {};
+}
+
+Result<void> TiledFrame::enlargeLayer() {
+  const auto scanned = std::find_if(store_.plans.begin(), store_.plans.end(),
+                                    [](const FramePlan& plan) { return plan.path == RenderPath::Bilinear; });
+  const int factor = scanned != store_.plans.end() ? vertexFactor(*scanned) : 1;
+  if (factor == 1) {
+    return {};
+  }
+  return store_.vertex_layer.fit({factor * layer_.size.width, factor * layer_.size.height}, layer_.depth).map([&] {
+    scanned_layer_ = store_.vertex_layer.view();
+    enlargeToVertices(asConst(layer_), factor, scanned_layer_);
+  });
+}
+
+std::int32_t TiledFrame::runTile(const void* self, std::int32_t index) {
+  const auto& frame = *static_cast<const TiledFrame*>(self);
+  TileWorker& worker = frame.store_.take();
+  Result<void> done = frame.drawTile(frame.store_.tiles[static_cast<std::size_t>(index)], worker);
+  frame.store_.giveBack(worker);
+  if (done) {
+    return ERR_NONE;
+  }
+  const std::lock_guard lock(frame.mutex_);
+  if (!frame.error_) {
+    frame.error_ = std::move(done).error();
+  }
+  return kCodeException;
+}
+
+Result<void> TiledFrame::drawTile(const Tile& tile, TileWorker& worker) const {
+  return host::drawTile({module_, store_.plans, tile_options_, layer_, scanned_layer_, canvas_, output_}, tile, worker);
+}
+
+}  // namespace vantorel::host

@@ -1,0 +1,113 @@
+#include "host/composing/VertexLayer.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <type_traits>
+
+namespace vantorel::host {
+
+namespace {
+
+constexpr int kChannels = 4;
+
+template <typename Channel>
+Channel mean(Channel a, Channel b) {
+  if constexpr (std::is_floating_point_v<Channel>) {
+    return (a + b) * Channel{0.5};
+  } else {
+    return static_cast<Channel>((std::uint32_t{a} + b + 1U) / 2U);
+  }
+}
+
+template <typename Channel>
+Channel mean(Channel a, Channel b, Channel c, Channel d) {
+  if constexpr (std::is_floating_point_v<Channel>) {
+    return (a + b + c + d) * Channel{0.25};
+  } else {
+    return static_cast<Channel>((std::uint32_t{a} + b + c + d + 2U) / 4U);
+  }
+}
+
+// One row of the enlarged layer: that of the layer's row `lower` when both are the same, else the border above it.
+template <typename Channel>
+void enlargeRow(const Channel* upper, const Channel* lower, int width, Channel* out) {
+  for (int x = 0; x < width; ++x) {
+    const int here = x * kChannels;
+    const int before = std::max(x - 1, 0) * kChannels;
+    for (int c = 0; c < kChannels; ++c) {
+      out[c] = upper == lower ? mean(lower[before + c], lower[here + c])
+                              : mean(upper[before + c], upper[here + c], lower[before + c], lower[here + c]);
+      out[kChannels + c] = upper == lower ? lower[here + c] : mean(upper[here + c], lower[here + c]);
+    }
+    out += 2 * kChannels;
+  }
+}
+
+template <typename Channel>
+void enlargeTwice(const ConstImageView& layer, const ImageView& enlarged) {
+  const auto row = [&](int y) { return reinterpret_cast<const Channel*>(layer.row(y)); };
+  for (int y = 0; y < enlarged.size.height; ++y) {
+    const Channel* const lower = row(y / 2);
+    const Channel* const upper = y % 2 == 0 ? row(std::max(y / 2 - 1, 0)) : lower;
+    enlargeRow(upper, lower, layer.size.width, reinterpret_cast<Channel*>(enlarged.row(y)));
+  }
+}
+
+// The pixels on both sides of a position, and the share of the second one, in 1 / factor.
+struct Neighbours {
+  int before;
+  int after;
+  int share;
+};
+
+Neighbours neighboursOf(int position, int factor, int size) {
+  const int from_centre = position + factor - factor / 2;  // of the pixel before the first one
+  const int after = from_centre / factor;
+  return {std::max(after - 1, 0), std::min(after, size - 1), from_centre % factor};
+}
+
+template <typename Channel>
+void enlargeByFactor(const ConstImageView& layer, int factor, const ImageView& enlarged) {
+  for (int y = 0; y < enlarged.size.height; ++y) {
+    const Neighbours rows = neighboursOf(y, factor, layer.size.height);
+    auto* out = reinterpret_cast<Channel*>(enlarged.row(y));
+    for (int x = 0; x < enlarged.size.width; ++x, out += kChannels) {
+      const Neighbours columns = neighboursOf(x, factor, layer.size.width);
+      const auto at = [&](int column, int row, int c) {
+        return static_cast<double>(reinterpret_cast<const Channel*>(layer.pixel(column, row))[c]);
+      };
+      for (int c = 0; c < kChannels; ++c) {
+        const auto along = [&](int row) {
+          return at(columns.before, row, c) * (factor - columns.share) + at(columns.after, row, c) * columns.share;
+        };
+        const double mean =
+            (along(rows.before) * (factor - rows.share) + along(rows.after) * rows.share) / (factor * factor);
+        out[c] = static_cast<Channel>(std::is_floating_point_v<Channel> ? mean : mean + 0.5);
+      }
+    }
+  }
+}
+
+template <typename Channel>
+void enlarge(const ConstImageView& layer, int factor, const ImageView& enlarged) {
+  if (factor == 2) {
+    enlargeTwice<Channel>(layer, enlarged);
+  } else {
+    enlargeByFactor<Channel>(layer, factor, enlarged);
+  }
+}
+
+}  // namespace
+
+void enlargeToVertices(const ConstImageView& layer, int factor, const ImageView& enlarged) {
+  switch (layer.depth) {
+    case Depth::Bits8:
+      return enlarge<std::uint8_t>(layer, factor, enlarged);
+    case Depth::Bits16:
+      return enlarge<std::uint16_t>(layer, factor, enlarged);
+    case Depth::Float:
+      return enlarge<float>(layer, factor, enlarged);
+  }
+}
+
+}  // namespace vantorel::host

@@ -1,0 +1,55 @@
+// Convex polygons of a few corners, cut without allocating.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <span>
+
+#include "host/Animation.h"
+#include "host/geometry/Homography.h"
+
+namespace vantorel::host {
+
+// A rectangle of the plane, edges in pixels.
+struct Box {
+  double left = 0.0;
+  double top = 0.0;
+  double right = 0.0;
+  double bottom = 0.0;
+};
+
+// Points once round a convex polygon, in either direction. Fewer than three points have no area.
+class ConvexPolygon {
+ public:
+  // A quadrilateral gains at most one point with each cut; so many cuts are possible.
+  static constexpr int kMostPoints = 16;
+
+  ConvexPolygon() = default;
+  explicit ConvexPolygon(const Corners& corners);
+  explicit ConvexPolygon(const Box& box);
+
+  std::span<const Point> points() const { return {points_.data(), static_cast<std::size_t>(count_)}; }
+  bool empty() const { return count_ < 3; }
+
+  // The part where a * x + b * y + c >= 0.
+  ConvexPolygon cut(double a, double b, double c) const;
+  ConvexPolygon cut(const Box& box) const;
+
+  // The image under a map whose horizon does not meet the polygon.
+  ConvexPolygon mappedBy(const Homography& map) const;
+
+  double area() const;
+  Point middle() const;  // the mean of its points, inside it
+  Box bounds() const;
+
+ private:
+  void add(const Point& point);
+
+  std::array<Point, kMostPoints> points_{};
+  int count_ = 0;
+};
+
+// The images of a rectangle's corners; none when the map's horizon meets the rectangle, or its image lies beyond it.
+std::optional<Corners> imageOf(const Box& box, const Homography& map);
+
+}  // namespace vantorel::host

@@ -1,0 +1,65 @@
+// How a sampler's positions are counted, and what it finds beyond the world's edges.
+#pragma once
+
+#include <cstdint>
+
+#include "host/sampling/SampleBox.h"
+#include "support/PF_HostRecords.h"
+
+namespace vantorel::host {
+
+enum class SampleSpace {
+  Centres,          // a whole number is a pixel's centre; outside of the world everything is transparent
+  Outline,          // pixel k covers [k, k + 1): half a pixel is taken from every position
+  OutlineExtended,  // the same, and a box is cut to the world; one wholly outside takes the nearest pixels of the
+                    // border
+};
+inline constexpr int kSampleSpaces = 3;
+
+// A position counted from pixel centres; the lowest stays the lowest.
+template <SampleSpace kSpace>
+VANTOREL_INLINE constexpr std::int32_t fromCentres(std::int32_t position) {
+  constexpr std::int32_t kHalf = 32768;
+  constexpr std::int32_t kLowest = -2147483647 - 1;
+  if constexpr (kSpace == SampleSpace::Centres) {
+    return position;
+  } else {
+    return position < kLowest + kHalf ? kLowest : position - kHalf;
+  }
+}
+
+// Whether a box lies so far outside of [0, size) pixels along one axis that no part of the layer can show in its pixel.
+// A pixel's centre is at most half its image away from what shows in it, an image that the radius tells of: half of its
+// extent, but at most 8 pixels, which tells nothing, and always half a pixel at standard quality, where what is shrunk
+// by more than about 24 times can lose its edge pixels' colour.
+VANTOREL_INLINE bool liesOutOfReach(std::int32_t centre, std::int32_t radius, std::int32_t size) {
+  constexpr std::int64_t kPixel = 65536;
+  constexpr std::int32_t kLargestRadius = 8 * 65536;
+  const std::int64_t reach = radius > kPixel / 2 ? 3 * std::int64_t{radius} + kPixel : 17 * kPixel;
+  const std::int64_t position = std::int64_t{centre} + kPixel / 2;
+  return radius < kLargestRadius && (position < -reach || position > size * kPixel + reach);
+}
+
+// Cuts one axis of a box to [0, size) pixels, both in 1/65536 pixel from pixel centres: by an odd length of up to one
+// unit more than that, so that centre and radius stay whole numbers.
+VANTOREL_INLINE void cutToWorld(std::int32_t* centre, std::int32_t* radius, std::int32_t size) {
+  constexpr std::int64_t kPixel = 65536;
+  const std::int64_t world_end = size * kPixel;
+  const SampleSpan span(*centre, *radius);
+  if (span.begin >= 0 && span.end <= world_end) {
+    return;
+  }
+  std::int64_t begin = span.begin > 0 ? span.begin : 0;
+  std::int64_t end = span.end < world_end ? span.end : world_end;
+  if (end - begin < 2) {
+    begin = span.end < 2 ? 0 : world_end - kPixel;
+    end = begin + kPixel;
+  }
+  if (((end - begin) & 1) != 0) {
+    begin == 0 ? ++end : --begin;
+  }
+  *centre = static_cast<std::int32_t>((begin + end - kPixel) / 2);
+  *radius = static_cast<std::int32_t>((end - begin) / 2);
+}
+
+}  // namespace vantorel::host

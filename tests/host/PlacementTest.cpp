@@ -1,0 +1,121 @@
+// Pictures lie on their corners, whatever the canvas, the threads and the samples.
+#include <cmath>
+#include <cstring>
+
+#include "tests/host/HostTesting.h"
+
+namespace vantorel::host {
+namespace {
+
+using testing::renderFrame;
+
+float& channel(Image& image, int x, int y, int c) {
+  return reinterpret_cast<float*>(image.view().pixel(x, y))[c];
+}
+
+// An opaque layer, black on the left and white on the right.
+Image halves(Size size) {
+  Image image = testing::dirty(size, Depth::Float);
+  for (int i = 0; i < size.width * size.height * 4; ++i) {
+    const int x = i / 4 % size.width;
+    channel(image, x, i / 4 / size.width, i % 4) = i % 4 == 0 || x >= size.width / 2 ? 1.0F : 0.0F;
+  }
+  return image;
+}
+
+double rowSum(Image& image, int y, int c) {
+  double sum = 0.0;
+  for (int x = 0; x < image.size().width; ++x) {
+    sum += static_cast<double>(channel(image, x, y, c));
+  }
+  return sum;
+}
+
+TEST(PlacementTest, EnlargedEdgesLandWhereTheyBelongOnBothPaths) {
+  Image layer = halves({8, 8});
+  for (const double times : {10.0, 40.0, 100.0}) {
+    const double side = 8 * times;
+    const Point at{times + 4.3, times + 5.6};
+    const Corners square{at, {at.x + side, at.y}, {at.x, at.y + side}, {at.x + side, at.y + side}};
+    // Its lower left corner lies nearly on the diagonal: its rows reach from there to the right side.
+    const Corners straight{
+        at, {at.x + side, at.y}, {at.x + 0.48 * side, at.y + 0.5 * side}, {at.x + side, at.y + side}};
+    const int canvas_side = static_cast<int>(side + 2 * times) + 10;
+    for (const Corners& corners : {square, straight}) {
+      for (const int samples : {1, 2}) {
+        Instance instance = testing::instanceWith(testing::checkedEffect(), corners);
+        auto frame = renderFrame(instance, layer, {0, 0, canvas_side, canvas_side},
+                                 {.quality = Quality::Best, .samples = samples});
+        const bool is_straight = frame.result.path == RenderPath::Bilinear;
+        EXPECT_EQ(corners == straight, is_straight);
+        for (const double share : {0.2, 0.3, 0.4}) {
+          const int y = static_cast<int>(at.y + share * side);
+          const double left = is_straight ? at.x + 0.48 / 0.5 * (y + 0.5 - at.y) : at.x;
+          const double width = at.x + side - left;
+          EXPECT_NEAR(width, rowSum(frame.pixels, y, 0), 0.05);
+          EXPECT_NEAR(width / 2.0, rowSum(frame.pixels, y, 1), 0.05) << times << " times, row " << y;
+        }
+      }
+    }
+  }
+}
+
+TEST(PlacementTest, ALayerMovedByWholePixelsStaysItselfToTheBit) {
+  for (const Depth depth : testing::kDepths) {
+    Image layer = testing::noise({300, 40}, depth);
+    Instance instance = testing::instanceWith(testing::checkedEffect(), {{-7, 3}, {293, 3}, {-7, 43}, {293, 43}});
+    for (const Quality quality : {Quality::High, Quality::Best}) {
+      for (const int samples : {0, 4}) {
+        const auto frame = renderFrame(instance, layer, {-7, 3, 293, 43}, {.quality = quality, .samples = samples});
+        EXPECT_TRUE(testing::samePixels(asConst(layer.view()), frame.pixels.view()))
+            << static_cast<int>(depth) << " bits, quality " << static_cast<int>(quality);
+      }
+    }
+  }
+}
+
+TEST(PlacementTest, ACanvasShowsThePartOfALargerOneOnAnyThreads) {
+  const Corners perspective{{12.3, -40.7}, {700.2, 22.4}, {-90.9, 541.6}, {550.4, 430.9}};
+  const Corners concave{{12.3, -40.7}, {200.2, 222.4}, {-20.9, 541.6}, {550.4, 430.9}};
+  Image layer = testing::noise({900, 700}, Depth::Bits8);
+  for (const Corners& corners : {perspective, concave}) {
+    Instance instance = testing::instanceWith(testing::loadModule("vantorel"), corners);
+    const auto whole = renderFrame(instance, layer, {-100, -50, 720, 560}, {.quality = Quality::Best, .threads = 1});
+    for (const Rect& part : {Rect{-100, -50, 720, 560}, Rect{-3, 5, 301, 299}, Rect{255, 256, 259, 257}}) {
+      auto frame = renderFrame(instance, layer, part, {.quality = Quality::Best, .threads = 4});
+      for (int y = part.top; y < part.bottom; ++y) {
+        ASSERT_EQ(0,
+                  std::memcmp(frame.pixels.view().row(y - part.top), whole.pixels.view().pixel(part.left + 100, y + 50),
+                              4 * static_cast<std::size_t>(part.width())));
+      }
+    }
+  }
+}
+
+TEST(PlacementTest, AMapWhoseHorizonMeetsATilesCornerIsDrawn) {
+  // The left and right sides meet at (256, 0), a corner of four tiles.
+  const Corners corners{{192, 128}, {320, 128}, {64, 384}, {448, 384}};
+  Image layer = testing::waves({64, 64}, Depth::Bits8, 64);
+  Instance instance = testing::instanceWith(testing::checkedEffect(), corners);
+  auto frame = renderFrame(instance, layer, {0, 0, 512, 512}, {.quality = Quality::Best});
+  for (const int x : {240, 250, 256, 260, 280}) {
+    EXPECT_EQ(255, static_cast<int>(*frame.pixels.view().pixel(x, 200)));
+  }
+}
+
+TEST(PlacementTest, RefusesWhatCentresCannotHave) {
+  Image layer = testing::noise({8, 8}, Depth::Bits8);
+  Image output = testing::dirty({8, 8}, Depth::Bits8);
+  Instance instance = testing::instanceWith(testing::checkedEffect(), {{0, 0}, {8, 0}, {0, 8}, {8, 8}});
+  const auto inputOf = [&](const FrameOptions& options) {
+    const auto result = instance.render(asConst(layer.view()), {0, 0, 8, 8}, output.view(), options);
+    return result ? std::string() : result.error().input;
+  };
+  EXPECT_EQ("samples", inputOf({.samples = 3}));
+  EXPECT_EQ("samples", inputOf({.placement = Placement::Centres, .samples = 2}));
+  EXPECT_EQ("edges", inputOf({.placement = Placement::Centres, .edges = Edges::Crisp}));
+  EXPECT_EQ("", inputOf({.quality = Quality::Best, .placement = Placement::Centres}));
+}
+
+}  // namespace
+}  // namespace vantorel::host

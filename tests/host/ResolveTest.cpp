@@ -1,0 +1,76 @@
+// Means of samples against the same in long double, pixel by pixel.
+#include "host/composing/Resolve.h"
+
+#include <cmath>
+
+#include "tests/host/HostTesting.h"
+
+namespace vantorel::host {
+namespace {
+
+double channelAt(const ConstImageView& view, int x, int y, int c) {
+  const std::byte* const pixel = view.pixel(x, y);
+  switch (view.depth) {
+    case Depth::Bits8:
+      return static_cast<double>(pixel[c]);
+    case Depth::Bits16:
+      return reinterpret_cast<const std::uint16_t*>(pixel)[c];
+    default:
+      return static_cast<double>(reinterpret_cast<const float*>(pixel)[c]);
+  }
+}
+
+double shareOf(const CoverageRegion& region, int x, int y) {
+  const RowCoverage row = region.row(y);
+  if (x < row.begin || x >= row.end) {
+    return 0.0;
+  }
+  return x >= row.solid_begin && x < row.solid_end ? 1.0 : row.at(x);
+}
+
+TEST(ResolveTest, IsTheWeightedMeanRoundedToNearestAtEveryDepthAndCount) {
+  constexpr Point kCut{3, 2};
+  const CoverageRegion quad{ConvexPolygon(Corners{{2.3, 1.6}, {27.1, 4.4}, {5.5, 21.2}, {24.9, 16.3}})};
+  const CoverageRegion sliver{ConvexPolygon(Corners{{2, 8.2}, {28, 8.6}, {2, 8.3}, {28, 8.9}})};
+  for (const CoverageRegion& region : {quad, sliver, CoverageRegion()}) {
+    for (const Depth depth : testing::kDepths) {
+      for (const int n : {1, 2, 4, 8}) {
+        const Image samples = testing::noise({32 * n, 24 * n}, depth);
+        Image output = testing::dirty({29, 20}, depth);
+        const CoverageRegion fine = region.onGrid({}, n);
+        resolve(samples.view(), n, fine, static_cast<int>(kCut.x), static_cast<int>(kCut.y), output.view());
+        for (int i = 0; i < 29 * 20 * 4; ++i) {
+          const int x = i / 4 % 29;
+          const int y = i / 4 / 29;
+          double sum = 0.0;
+          for (int k = 0; k < n * n; ++k) {
+            const int sx = (x + 3) * n + k % n;
+            const int sy = (y + 2) * n + k / n;
+            sum += shareOf(fine, sx, sy) * channelAt(samples.view(), sx, sy, i % 4);
+          }
+          const double mean = sum / (n * n);
+          const double actual = channelAt(asConst(output.view()), x, y, i % 4);
+          const double half = depth == Depth::Float ? 1e-6 : 0.5 + 1e-6;
+          ASSERT_NEAR(mean, actual, half) << "pixel " << x << ", " << y << " of " << n << " samples";
+        }
+      }
+    }
+  }
+}
+
+TEST(ResolveTest, WithOneSampleLeavesTheInsideToTheBitAndWorksInPlace) {
+  const CoverageRegion region{ConvexPolygon(Box{2, 1, 14, 9.5})};
+  Image pixels = testing::noise({16, 12}, Depth::Bits16);
+  const Image before = testing::noise({16, 12}, Depth::Bits16);
+  resolve(asConst(pixels.view()), 1, region, 0, 0, pixels.view());
+  for (int i = 0; i < 16 * 12 * 4; ++i) {
+    const int x = i / 4 % 16;
+    const int y = i / 4 / 16;
+    const double whole = channelAt(before.view(), x, y, i % 4);
+    const double share = x < 2 || x >= 14 || y < 1 || y > 9 ? 0.0 : y == 9 ? 0.5 : 1.0;
+    EXPECT_EQ(std::floor(whole * share + 0.5), channelAt(asConst(pixels.view()), x, y, i % 4));
+  }
+}
+
+}  // namespace
+}  // namespace vantorel::host

@@ -1,0 +1,74 @@
+#include "host/composing/SampleCount.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace vantorel::host {
+namespace {
+
+Jacobian turned(double degrees, double scale) {
+  const double a = degrees * M_PI / 180.0;
+  return {scale * std::cos(a), -scale * std::sin(a), scale * std::sin(a), scale * std::cos(a)};
+}
+
+// The variance of the samples' filter along a direction, from the filter itself: box by box, sample by sample.
+double measuredError(const Jacobian& j, int n, double angle) {
+  const auto side = [&](double a, double b) {
+    return std::min(16.0, std::max({std::abs(a) / n, std::abs(b) / n, std::abs(a + b) / n, 1.0}));
+  };
+  const double ex = std::cos(angle);
+  const double ey = std::sin(angle);
+  constexpr int kSteps = 200;
+  double samples = 0.0;
+  double truth = (ex * ex + ey * ey) / 6.0;
+  for (int i = 0; i < n * n; ++i) {
+    const double x = (i % n + 0.5) / n - 0.5;
+    const double y = (i / n + 0.5) / n - 0.5;
+    samples += std::pow(ex * (j.xx * x + j.xy * y) + ey * (j.yx * x + j.yy * y), 2) / (n * n);
+  }
+  samples += ex * ex * (std::pow(side(j.xx, j.xy), 2) + 1) / 12 + ey * ey * (std::pow(side(j.yx, j.yy), 2) + 1) / 12;
+  for (int i = 0; i < kSteps * kSteps; ++i) {
+    const double x = (i % kSteps + 0.5) / kSteps - 0.5;
+    const double y = (i / kSteps + 0.5) / kSteps - 0.5;
+    truth += std::pow(ex * (j.xx * x + j.xy * y) + ey * (j.yx * x + j.yy * y), 2) / (kSteps * kSteps);
+  }
+  return (samples - truth) / truth;
+}
+
+TEST(SampleCountTest, TheErrorIsThatOfTheFiltersInTheWorstDirection) {
+  for (const Jacobian& j : {turned(30, 3), turned(0, 1.4), turned(45, 0.3), Jacobian{4, 1, 0.2, 0.7}, turned(20, 40)}) {
+    for (const int n : {1, 2, 4}) {
+      double soft = 0.0;
+      double sharp = 0.0;
+      for (int i = 0; i < 180; ++i) {
+        const double error = measuredError(j, n, i * M_PI / 180.0);
+        soft = std::max(soft, error);
+        sharp = std::max(sharp, -error);
+      }
+      const FilterError found = filterError(j, n);
+      EXPECT_NEAR(soft, found.soft, 2e-3 * (1.0 + soft));
+      EXPECT_NEAR(sharp, found.sharp, 2e-3);
+    }
+  }
+}
+
+TEST(SampleCountTest, UprightAndEnlargedPicturesNeedFewAndTurnedAndShrunkOnesMore) {
+  EXPECT_EQ(1, samplesForFilter(turned(0, 0.25)));
+  EXPECT_EQ(1, samplesForFilter(turned(30, 0.25)));
+  EXPECT_EQ(2, samplesForFilter(turned(0, 1.4)));
+  EXPECT_EQ(1, samplesForFilter(turned(0, 4)));
+  EXPECT_EQ(1, samplesForFilter(turned(90, 8)));
+  EXPECT_EQ(2, samplesForFilter(turned(30, 2)));
+  EXPECT_EQ(8, samplesForFilter(turned(10, 200)));  // beyond what the box reaches
+}
+
+TEST(SampleCountTest, StepsOfAtMostALayerPixel) {
+  EXPECT_EQ(1, samplesForSteps(0.3));
+  EXPECT_EQ(1, samplesForSteps(1.0));
+  EXPECT_EQ(4, samplesForSteps(2.5));
+  EXPECT_EQ(8, samplesForSteps(100.0));
+}
+
+}  // namespace
+}  // namespace vantorel::host

@@ -1,0 +1,92 @@
+// The spaces that positions are counted in, at every instruction set.
+#include "host/sampling/SampleSpace.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <random>
+
+#include "host/frames/WorldStore.h"
+#include "host/sampling/AreaSampler.h"
+#include "tests/host/HostTesting.h"
+
+namespace vantorel::host {
+namespace {
+
+constexpr double kUnit = 65536.0;
+
+// The mean of a channel over the part of a box that lies in the world; pixel k covers [k, k + 1).
+double meanInside(const ConstImageView& world, double left, double top, double right, double bottom, int channel) {
+  const auto cut = [](double begin, double end, double size) {
+    return end <= 0        ? std::pair(0.0, 1.0)
+           : begin >= size ? std::pair(size - 1, size)
+                           : std::pair(std::max(begin, 0.0), std::min(end, size));
+  };
+  const auto [x0, x1] = cut(left, right, world.size.width);
+  const auto [y0, y1] = cut(top, bottom, world.size.height);
+  double sum = 0.0;
+  for (int y = 0; y < world.size.height; ++y) {
+    for (int x = 0; x < world.size.width; ++x) {
+      const double width = std::min(x1, x + 1.0) - std::max(x0, static_cast<double>(x));
+      const double height = std::min(y1, y + 1.0) - std::max(y0, static_cast<double>(y));
+      if (width > 0 && height > 0) {
+        sum += width * height * static_cast<double>(reinterpret_cast<const float*>(world.pixel(x, y))[channel]);
+      }
+    }
+  }
+  return sum / ((x1 - x0) * (y1 - y0));
+}
+
+TEST(SampleSpaceTest, ABoxAtTheBorderGivesTheMeanOfItsPartInside) {
+  Image image = testing::noise({23, 17}, Depth::Float);
+  PF_LayerDef world = worldOf(image.view());
+  std::mt19937 random(2);
+  std::uniform_int_distribution<std::int32_t> place(-98304, 18 * 65536);
+  std::uniform_int_distribution<std::int32_t> radius(32768, 8 * 65536);
+  for (const InstructionSet set : kInstructionSets) {
+    if (!isAvailable(set)) {
+      continue;
+    }
+    for (int i = 0; i < 3000; ++i) {
+      PF_SampleParams params{};
+      params.source = &world;
+      params.x_radius = i % 2 == 0 ? 32768 : radius(random);
+      params.y_radius = i % 2 == 0 ? 32768 : radius(random);
+      const std::int32_t x = place(random);
+      const std::int32_t y = place(random);
+      PF_PixelFloat out{};
+      areaSamplers(set, SampleSpace::OutlineExtended).sample_float(nullptr, x, y, &params, &out);
+      const double expected =
+          meanInside(asConst(image.view()), (x - params.x_radius) / kUnit, (y - params.y_radius) / kUnit,
+                     (x + params.x_radius) / kUnit, (y + params.y_radius) / kUnit, 0);
+      ASSERT_NEAR(expected, static_cast<double>(out.alpha), 1e-4) << x / kUnit << ", " << y / kUnit;
+    }
+  }
+}
+
+TEST(SampleSpaceTest, HalfAPixelIsTakenOffAndFarPositionsAreTransparent) {
+  Image image = testing::noise({23, 17}, Depth::Bits8);
+  PF_LayerDef world = worldOf(image.view());
+  PF_SampleParams params{};
+  params.source = &world;
+  params.x_radius = 40000;
+  params.y_radius = 32768;
+  for (const InstructionSet set : kInstructionSets) {
+    if (!isAvailable(set)) {
+      continue;
+    }
+    PF_Pixel8 centred{};
+    PF_Pixel8 outlined{};
+    areaSamplers(set).sample8(nullptr, 7 * 65536, 5 * 65536, &params, &centred);
+    areaSamplers(set, SampleSpace::Outline).sample8(nullptr, 7 * 65536 + 32768, 5 * 65536 + 32768, &params, &outlined);
+    EXPECT_EQ(0, std::memcmp(&centred, &outlined, sizeof(centred)));
+    for (const SampleSpace space : {SampleSpace::Outline, SampleSpace::OutlineExtended}) {
+      PF_Pixel8 far{1, 2, 3, 4};
+      areaSamplers(set, space).sample8(nullptr, std::numeric_limits<std::int32_t>::min(), 65536, &params, &far);
+      EXPECT_EQ(0, std::memcmp(&far, "\0\0\0\0", sizeof(far)));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace vantorel::host

@@ -1,0 +1,56 @@
+#include "host/composing/VertexLayer.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "tests/host/HostTesting.h"
+
+namespace vantorel::host {
+namespace {
+
+// The layer's bilinear interpolation, counted from its outline, the outermost pixels carried on.
+double interpolated(const ConstImageView& layer, double x, double y, int c) {
+  const auto at = [&](double column, double row) {
+    const int i = std::clamp(static_cast<int>(column), 0, layer.size.width - 1);
+    const int k = std::clamp(static_cast<int>(row), 0, layer.size.height - 1);
+    return static_cast<double>(reinterpret_cast<const float*>(layer.pixel(i, k))[c]);
+  };
+  const double left = std::floor(x - 0.5);
+  const double top = std::floor(y - 0.5);
+  const double a = x - 0.5 - left;
+  const double b = y - 0.5 - top;
+  return (at(left, top) * (1 - a) + at(left + 1, top) * a) * (1 - b) +
+         (at(left, top + 1) * (1 - a) + at(left + 1, top + 1) * a) * b;
+}
+
+TEST(VertexLayerTest, HoldsTheLayersInterpolationAtEveryFractionOfAPixel) {
+  const Image layer = testing::noise({7, 5}, Depth::Float);
+  for (const int factor : {2, 4, 8}) {
+    const int width = 7 * factor;
+    Image enlarged = testing::dirty({width, 5 * factor}, Depth::Float);
+    enlargeToVertices(layer.view(), factor, enlarged.view());
+    for (int i = 0; i < width * 5 * factor * 4; ++i) {
+      const int x = i / 4 % width;
+      const int y = i / 4 / width;
+      EXPECT_NEAR(interpolated(layer.view(), static_cast<double>(x) / factor, static_cast<double>(y) / factor, i % 4),
+                  static_cast<double>(reinterpret_cast<const float*>(enlarged.view().pixel(x, y))[i % 4]), 1e-6);
+    }
+  }
+}
+
+TEST(VertexLayerTest, RoundsIntegersToNearestAndKeepsTheLayersOwnPixels) {
+  Image layer = testing::noise({2, 2}, Depth::Bits8);
+  const std::uint8_t values[] = {10, 13, 20, 40};
+  for (int i = 0; i < 4; ++i) {
+    *layer.view().pixel(i % 2, i / 2) = std::byte{values[i]};
+  }
+  Image enlarged = testing::dirty({4, 4}, Depth::Bits8);
+  enlargeToVertices(asConst(layer.view()), 2, enlarged.view());
+  const int expected[] = {10, 10, 12, 13, 10, 10, 12, 13, 15, 15, 21, 27, 20, 20, 30, 40};
+  for (int i = 0; i < 16; ++i) {
+    EXPECT_EQ(expected[i], static_cast<int>(*enlarged.view().pixel(i % 4, i / 4))) << i;
+  }
+}
+
+}  // namespace
+}  // namespace vantorel::host
