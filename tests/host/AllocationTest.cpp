@@ -82,11 +82,12 @@ TEST(AllocationTest, AFrameAfterTheFirstAllocatesNothing) {
   }
 }
 
-Result<FrameResult> loadAndRender(const std::string& path, Image& layer, Image& output) {
+Result<FrameResult> loadAndRender(const std::string& path, Image& layer, Image& output, Quality quality) {
   return Module::load(path).and_then([&](const std::shared_ptr<const Module>& module) {
     Instance instance(module);
     return instance.setCorners(kConcave).and_then([&] {
-      return instance.render(asConst(layer.view()), {0, 0, 64, 48}, output.view(), {.downsample = 2});
+      return instance.render(asConst(layer.view()), {0, 0, 64, 48}, output.view(),
+                             {.quality = quality, .downsample = 2});
     });
   });
 }
@@ -95,22 +96,24 @@ TEST(AllocationTest, AnAllocationThatFailsIsAnErrorAndLeavesNothingBroken) {
   const std::string path = testing::modulePath("vantorel");
   Image layer = testing::noise({64, 48}, Depth::Bits8);
   Image output = testing::dirty({32, 24}, Depth::Bits8);
-  const long before = allocations;
-  ASSERT_TRUE(loadAndRender(path, layer, output));
-  const long count = allocations - before;
-  long errors = 0;
-  for (long i = 0; i < count; ++i) {
-    allocations_left = i;
-    const auto result = loadAndRender(path, layer, output);
-    allocations_left = std::numeric_limits<long>::max();
-    // The threads that help are done without.
-    if (!result) {
-      EXPECT_EQ(ErrorKind::OutOfMemory, result.error().kind) << i << ": " << errorText(result.error());
-      ++errors;
+  for (const Quality quality : {Quality::High, Quality::Best}) {
+    const long before = allocations;
+    ASSERT_TRUE(loadAndRender(path, layer, output, quality));
+    const long count = allocations - before;
+    long errors = 0;
+    for (long i = 0; i < count; ++i) {
+      allocations_left = i;
+      const auto result = loadAndRender(path, layer, output, quality);
+      allocations_left = std::numeric_limits<long>::max();
+      // Threads that cannot be started are no error.
+      if (!result) {
+        EXPECT_EQ(ErrorKind::OutOfMemory, result.error().kind) << i << ": " << errorText(result.error());
+        ++errors;
+      }
+      ASSERT_TRUE(loadAndRender(path, layer, output, quality)) << "after allocation " << i << " had failed";
     }
-    ASSERT_TRUE(loadAndRender(path, layer, output)) << "after allocation " << i << " had failed";
+    EXPECT_GT(errors, count / 2);
   }
-  EXPECT_GT(errors, count / 2);
 }
 
 TEST(AllocationTest, InstancesAndChangesOfTheirThreadsLeaveNothingBehind) {
