@@ -254,7 +254,7 @@ Result<Rect> FrameRender::boundingBox() {
   for (const double seconds : tiles_.moments) {
     frame.placed = frame.corners->at(seconds);
     fillParameters(&frame, job_.options.time);
-    const Result<Rect> asked = askFrameSetup(job_, {-kFar, -kFar, kFar, kFar});
+    Result<Rect> asked = askFrameSetup(job_, {-kFar, -kFar, kFar, kFar});
     if (!asked) {
       return asked;
     }
