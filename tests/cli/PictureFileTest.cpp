@@ -156,6 +156,11 @@ TEST(PictureFile, GreyAndExtraChannelsAndOddOrdersBecomeRgba) {
   writeFile<float>(folder / "odd.exr", odd, {1.0f, 0.2f, 9.0f, 0.4f, 5.0f, 0.6f, 5.0f});
   EXPECT_EQ(pixel8(readAt(folder / "odd.exr", host::Depth::Bits8), 0, 0), (std::vector<int>{153, 102, 51, 255}));
 
+  ImageSpec pair(1, 1, 2, TypeDesc::FLOAT);
+  pair.channelnames = {"p.x", "p.y"};  // by their position: grey and alpha
+  writeFile<float>(folder / "pair.exr", pair, {0.4f, 0.8f});
+  EXPECT_EQ(pixel8(readAt(folder / "pair.exr", host::Depth::Bits8), 0, 0), (std::vector<int>{102, 102, 102, 204}));
+
   ImageSpec nameless(1, 1, 6, TypeDesc::FLOAT);
   nameless.channelnames = {"a.x", "a.y", "a.z", "b.x", "b.y", "b.z"};
   writeFile<float>(folder / "nameless.exr", nameless, std::vector<float>(6, 0.5f));

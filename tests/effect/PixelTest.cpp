@@ -51,10 +51,13 @@ TYPED_TEST_SUITE(Pixels, Depths);
 }  // namespace
 
 TEST(FixedPoint, MultiplyDivideInSinglePrecision) {
-  const std::int32_t cases[][4] = {{196608, 32768, 65536, 98304},          {-1, 65536, 131072, 0},  // toward zero
+  const std::int32_t cases[][4] = {{196608, 32768, 65536, 98304},       // 3 * 0.5 / 1
+                                   {3, 65536, 131072, 1},               // toward zero
+                                   {-1, 65536, 131072, 0},              // toward zero
                                    {16777217, 65536, 65536, 16777216},  // loses its lowest bit
                                    {393676, 2046220, 29725, 27100008},  // every step rounds to single precision
-                                   {2147483647, 131072, 65536, INT32_MIN}, {0, 5, 0, INT32_MIN}};
+                                   {2147483647, 131072, 65536, INT32_MIN},
+                                   {0, 5, 0, INT32_MIN}};
   for (const auto& c : cases) {
     EXPECT_EQ(KZ_FixMulDiv(c[0], c[1], c[2]), c[3]) << c[0] << " * " << c[1] << " / " << c[2];
   }
