@@ -56,7 +56,7 @@ void addSampler(const Effort& effort, const char* variant, PF_AreaSampler<Pixel>
 void addAreaSamplers(const Effort& effort) {
   for (const InstructionSet set : kInstructionSets) {
     if (isAvailable(set)) {
-      const host::AreaSamplers& samplers = host::areaSamplersOf(set);
+      const host::AreaSamplers& samplers = host::areaSamplers(set);
       const char* const name = instructionSetName(set);
       addSampler(effort, name, samplers.sample8, host::Depth::Bits8);
       addSampler(effort, name, samplers.sample16, host::Depth::Bits16);

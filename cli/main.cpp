@@ -7,20 +7,22 @@
 #include <system_error>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/Console.h"
 #include "cli/commands/CommandLine.h"
 #include "cli/commands/Interrupt.h"
 
 namespace {
 
+using vantorel::cli::console;
 using vantorel::cli::ExitCode;
 
 int failWithMessage(const char* text, ExitCode code) {
-  std::fprintf(stderr, "vantorel: %s\n", text);
+  std::fprintf(console(), "vantorel: %s\n", text);
   return static_cast<int>(code);
 }
 
 int failForWantOfThreads(const std::system_error& error) {
-  std::fprintf(stderr,
+  std::fprintf(console(),
                "vantorel: cannot start a thread (%s); raise the limits on processes and memory (ulimit -u, -v)\n",
                error.code().message().c_str());
   return static_cast<int>(ExitCode::EffectFailed);
@@ -65,6 +67,7 @@ void returnPicturesWhenFreed() {
 
 int main(int argc, char** argv) {
   try {
+    console();
     returnPicturesWhenFreed();
     vantorel::cli::ignoreSignalsOfWriting();
     return static_cast<int>(vantorel::cli::runCommandLine(argc, argv));
@@ -75,7 +78,7 @@ int main(int argc, char** argv) {
   } catch (const std::system_error& error) {
     return failForWantOfThreads(error);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "vantorel: %s; raise the limits on processes and memory, or report this\n", error.what());
+    std::fprintf(console(), "vantorel: %s; raise the limits on processes and memory, or report this\n", error.what());
     return static_cast<int>(ExitCode::EffectFailed);
   }
 }

@@ -40,6 +40,13 @@ struct FrameTime {
   std::uint32_t scale = 24;
 };
 
+// Motion blur: how long light falls on a frame.
+struct Shutter {
+  double degrees = 0.0;            // 360 is a whole frame, from its time to the next one's; 0: no blur; up to 720
+  std::optional<double> offset{};  // when it opens, in degrees after the frame's time; unset: centred on it
+  int max_samples = 64;            // moments that are drawn, at most: 1 to 1024
+};
+
 // What holds for one frame, and can differ from frame to frame.
 struct FrameOptions {
   FrameTime time{};
@@ -49,6 +56,8 @@ struct FrameOptions {
   // Samples a pixel along each axis: 1, 2, 4 or 8; 0: by rule at Best, else 1. A tile takes fewer where its corners, so
   // many times enlarged, leave the effect's 16.16 numbers. With Placement::Centres 0 or 1 alone, and Soft edges.
   int samples = 0;
+  // Moving corners are drawn at several moments, in tiles; with Placement::Outline alone.
+  Shutter shutter{};
   Protocol protocol = Protocol::Smart;
   int downsample = 1;    // renders at 1/n in both axes: 1 and up
   unsigned threads = 0;  // at most so many; 0: as many as the machine has

@@ -13,16 +13,11 @@ struct Setting {
   host::FrameOptions options;
 };
 
-host::FrameOptions withQuality(host::Quality quality) {
+host::FrameOptions withQuality(host::Quality quality, int samples = 0) {
   host::FrameOptions options;
   options.quality = quality;
-  options.threads = 1;
-  return options;
-}
-
-host::FrameOptions bestWithSamples(int samples) {
-  host::FrameOptions options = withQuality(host::Quality::Best);
   options.samples = samples;
+  options.threads = 1;
   return options;
 }
 
@@ -38,10 +33,10 @@ std::vector<Setting> settings() {
       {"high, centres", highFromCentres()},
       {"standard", withQuality(host::Quality::Standard)},
       {"high", withQuality(host::Quality::High)},
-      {"best", bestWithSamples(0)},
-      {"best, samples 1", bestWithSamples(1)},
-      {"best, samples 2", bestWithSamples(2)},
-      {"best, samples 4", bestWithSamples(4)},
+      {"best", withQuality(host::Quality::Best)},
+      {"best, 1 sample", withQuality(host::Quality::Best, 1)},
+      {"best, 2 x 2 samples", withQuality(host::Quality::Best, 2)},
+      {"best, 4 x 4 samples", withQuality(host::Quality::Best, 4)},
   };
 }
 

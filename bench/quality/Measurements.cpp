@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <stdexcept>
 #include <utility>
 
@@ -30,8 +31,13 @@ bool isJudged(const Renderer& renderer, const Scene& scene) {
   return renderer.judged_everywhere || scene.name == kSlowPeersScene;
 }
 
+// Tells of a selected scene too, since some take minutes.
 bool isSelected(const Scene& scene, const Selection& selection) {
-  return scene.name.find(selection.row) != std::string::npos;
+  const bool selected = scene.name.find(selection.row) != std::string::npos;
+  if (selected) {
+    std::fprintf(stderr, "measuring: %s\n", scene.name.c_str());
+  }
+  return selected;
 }
 
 // A frame, and the picture that it draws.

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 
 #include "bench/quality/Measurements.h"
 
@@ -19,8 +20,8 @@ struct Options {
   quality::Selection selection;
 };
 
-std::vector<quality::Renderer> renderersFor(const Options& options) {
-  const auto module = host::Module::load(options.module);
+std::vector<quality::Renderer> allRenderers(const std::string& path) {
+  const auto module = host::Module::load(path);
   if (!module) {
     throw std::runtime_error(module.error().input + ": " + module.error().message);
   }
@@ -29,12 +30,29 @@ std::vector<quality::Renderer> renderersFor(const Options& options) {
        {quality::openCvRenderers(), quality::openImageIoRenderers(), quality::imageMagickRenderers()}) {
     std::move(peers.begin(), peers.end(), std::back_inserter(renderers));
   }
-  if (!options.columns.empty()) {
-    std::erase_if(renderers, [&](const quality::Renderer& renderer) {
-      return std::find(options.columns.begin(), options.columns.end(), renderer.name) == options.columns.end();
-    });
-  }
   return renderers;
+}
+
+// Those of the named columns, in the names' order; all when none is named.
+std::vector<quality::Renderer> chosen(const std::vector<quality::Renderer>& renderers,
+                                      const std::vector<std::string>& names) {
+  if (names.empty()) {
+    return renderers;
+  }
+  std::vector<quality::Renderer> result;
+  for (const std::string& name : names) {
+    const auto found = std::find_if(renderers.begin(), renderers.end(),
+                                    [&](const quality::Renderer& renderer) { return renderer.name == name; });
+    if (found == renderers.end()) {
+      std::string known;
+      for (const quality::Renderer& renderer : renderers) {
+        known += "\n  " + renderer.name;
+      }
+      throw std::runtime_error("--columns: unknown column \"" + name + "\"; choose from" + known);
+    }
+    result.push_back(*found);
+  }
+  return result;
 }
 
 void writeJson(const std::string& path, const quality::Measurements& measurements) {
@@ -47,8 +65,11 @@ void writeJson(const std::string& path, const quality::Measurements& measurement
 }
 
 void run(const Options& options) {
-  const quality::Measurements measurements =
-      quality::measure(renderersFor(options), quality::TruthCache(options.truths), options.selection);
+  const quality::Measurements measurements = quality::measure(chosen(allRenderers(options.module), options.columns),
+                                                              quality::TruthCache(options.truths), options.selection);
+  if (measurements.pictures.empty() && measurements.placements.empty() && measurements.coverage.empty()) {
+    throw std::runtime_error("--rows: no row's name contains \"" + options.selection.row + "\"; choose another part");
+  }
   std::fputs(quality::markdownOf(measurements).c_str(), stdout);
   if (!options.json.empty()) {
     writeJson(options.json, measurements);
@@ -65,7 +86,7 @@ int main(int argc, char** argv) {
       ->capture_default_str();
   app.add_option("--json", options.json, "writes every figure into this file too");
   app.add_option("--rows", options.selection.row, "only the rows whose name contains this");
-  app.add_option("--columns", options.columns, "only these columns")->delimiter('/');
+  app.add_option("--columns", options.columns, "only these columns, separated by slashes")->delimiter('/');
   app.add_flag("!--no-times", options.selection.times, "leaves the times out");
   CLI11_PARSE(app, argc, argv);
   try {

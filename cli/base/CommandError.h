@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cli/base/ExitCode.h"
+#include "cli/base/Text.h"
 #include "host/Error.h"
 
 namespace vantorel::cli {
@@ -13,10 +14,10 @@ class CommandError : public std::exception {
  public:
   // `input` names the option or file; `message` reads "<what is wrong>; <what to do>".
   CommandError(ExitCode code, const std::string& input, const std::string& message)
-      : code_(code), text_(input.empty() ? message : input + ": " + message) {}
+      : code_(code), text_(escaped(input.empty() ? message : input + ": " + message)) {}
 
   ExitCode code() const { return code_; }
-  // "<input>: <what is wrong>; <what to do>", without a line break.
+  // "<input>: <what is wrong>; <what to do>" in one line, safe to show on a terminal.
   const std::string& text() const { return text_; }
   const char* what() const noexcept override { return text_.c_str(); }
 

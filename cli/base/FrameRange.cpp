@@ -16,6 +16,7 @@ namespace vantorel::cli {
 namespace {
 
 constexpr double kFastestRate = 10000.0;
+constexpr std::size_t kDigitsOfAnInt = std::numeric_limits<std::int32_t>::digits10;
 
 std::optional<FrameRate> broadcastRate(std::string_view text) {
   struct Named {
@@ -80,6 +81,11 @@ FrameRange parseFrameRange(const std::string& input, std::string_view text) {
   const auto first = parseInt(rest.substr(0, dash));
   const auto last = dash == std::string_view::npos ? first : parseInt(rest.substr(dash + 1));
   if (!first || !last) {
+    if (text.find_first_not_of("0123456789-xX") == std::string_view::npos && text.size() > kDigitsOfAnInt) {
+      throw badArgument(
+          input, fmt::format("'{}' goes beyond the frame numbers {} to {}; renumber the frames", text,
+                             std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
+    }
     throw malformed;
   }
   if (*last < *first) {

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
 #include <memory>
 #include <optional>
 #include <string>
@@ -77,15 +79,20 @@ class Command {
     for (std::size_t i = 0; i < table_.size(); ++i) {
       const OptionRow<Options>& row = table_[i];
       const std::string name = messageName(row.names);
-      const bool given = options_[i]->count() > 0;
-      if (*row.value == '\0') {
-        if (given && options_[i]->as<bool>()) {
-          row.set(options, name, "");
+      if (options_[i]->count() == 0) {
+        if (row.if_missing != nullptr) {
+          throw badArgument(name, std::string("is missing; ") + row.if_missing);
         }
-      } else if (given) {
-        row.set(options, name, options_[i]->results().back());
-      } else if (row.if_missing != nullptr) {
-        throw badArgument(name, std::string("is missing; ") + row.if_missing);
+        continue;
+      }
+      const bool is_flag = *row.value == '\0';
+      if (is_flag && !options_[i]->as<bool>()) {
+        continue;
+      }
+      const std::string value = is_flag ? "" : options_[i]->results().back();
+      row.set(options, name, value);
+      if constexpr (requires { options.settings; }) {
+        options.settings += row.use == PictureUse::ChangesPicture ? fmt::format("{} {}\n", name, value) : "";
       }
     }
     return options;
@@ -96,6 +103,24 @@ class Command {
   const Table& table_;
   std::vector<CLI::Option*> options_;
 };
+
+// The arguments after the program's name, "-o=NAME" taken apart: the parser would count the sign to the name.
+std::vector<std::string> separated(int argc, const char* const* argv) {
+  std::vector<std::string> words;
+  bool options_ended = false;
+  for (int i = 1; i < argc; ++i) {
+    const std::string word = argv[i];
+    options_ended = options_ended || word == "--";
+    if (!options_ended && word.size() > 2 && word[0] == '-' && std::isalpha(static_cast<unsigned char>(word[1])) != 0 &&
+        word[2] == '=') {
+      words.push_back(word.substr(0, 2));
+      words.push_back(word.substr(3));
+    } else {
+      words.push_back(word);
+    }
+  }
+  return words;
+}
 
 std::vector<std::string> optionNames(const CLI::App& app) {
   std::vector<std::string> names;
@@ -172,7 +197,10 @@ ExitCode runCommandLine(int argc, const char* const* argv) try {
   const Command<TestCardOptions> card(app, "testcard", "Write a test card, for trying things out",
                                       "testcard -o OUT [OPTIONS]", testCardOptionTable());
   try {
-    app.parse(argc, argv);
+    std::vector<std::string> words = separated(argc, argv);
+    // The parser takes them from the end.
+    std::reverse(words.begin(), words.end());
+    app.parse(words);
   } catch (const CLI::Success& success) {
     app.exit(success);
     return ExitCode::Done;

@@ -9,6 +9,8 @@
 
 namespace vantorel::cli {
 
+enum class PictureUse { ChangesPicture, LeavesPicture };
+
 template <typename Options>
 struct OptionRow {
   const char* names;  // "--size", "-o,--output", or a word without dashes for an argument
@@ -19,6 +21,8 @@ struct OptionRow {
   // argument), naming `name`, for a value that is not understood.
   void (*set)(Options& options, const std::string& name, const std::string& value);
   const char* if_missing = nullptr;  // for what must be given: what to do when it is not
+  // Whether the picture depends on the option, so that a frame made with another value is not taken for done.
+  PictureUse use = PictureUse::ChangesPicture;
 };
 
 const std::vector<OptionRow<RenderOptions>>& renderOptionTable();

@@ -15,6 +15,8 @@ constexpr const char* kRendering = "Rendering";
 constexpr const char* kSequences = "Sequences";
 constexpr const char* kReporting = "Reporting";
 
+constexpr PictureUse kLeaves = PictureUse::LeavesPicture;
+
 template <Corner corner>
 void setCorner(RenderOptions& options, const std::string& name, const std::string& value) {
   const auto position = parseCorner(value);
@@ -32,12 +34,12 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
   static const std::vector<OptionRow<Options>> table{
       {"LAYER", "FILE", kFiles, "The picture to stretch, or a sequence of them",
        [](Options& o, Text name, Text value) { o.layer = parseFileName(name, value); },
-       "name the picture to render: vantorel render LAYER -o OUT"},
+       "name the picture to render: vantorel render LAYER -o OUT", kLeaves},
       {"-o,--output", "OUT", kFiles, "The picture to write: " + outputExtensions(),
        [](Options& o, Text name, Text value) { o.output = parseFileName(name, value); },
-       "name the picture to write with -o OUT"},
+       "name the picture to write with -o OUT", kLeaves},
       {"--overwrite", "", kFiles, "Replace the layer, the plate or the corner file where OUT is one of them",
-       [](Options& o, Text, Text) { o.overwrite = true; }},
+       [](Options& o, Text, Text) { o.overwrite = true; }, nullptr, kLeaves},
 
       {"--ul", "X,Y", kPlacing, "Where the layer's upper left corner goes (default: where it is)",
        setCorner<kUpperLeft>},
@@ -56,10 +58,30 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
       {"--over", "PLATE", kPlacing, "Composite the result over this picture or sequence",
        [](Options& o, Text name, Text value) { o.plate = parseFileName(name, value); }},
 
-      {"--quality", "high|standard", kRendering, "high (default) filters by area, standard is fast",
+      {"--quality", "best|high|standard", kRendering,
+       "best (default) takes as many samples as the picture needs and has crisp edges, high is the effect's own "
+       "filtering by area, standard is fast",
        [](Options& o, Text name, Text value) {
-         o.quality = parseChoice<host::Quality>(name, value,
-                                                {{"high", host::Quality::High}, {"standard", host::Quality::Standard}});
+         o.quality = parseChoice<host::Quality>(
+             name, value,
+             {{"best", host::Quality::Best}, {"high", host::Quality::High}, {"standard", host::Quality::Standard}});
+       }},
+      {"--samples", "auto|1|2|4|8", kRendering,
+       "Samples a pixel along each axis (default: auto at best, 1 at the other qualities)",
+       [](Options& o, Text name, Text value) {
+         o.samples = parseChoice<int>(name, value, {{"auto", 0}, {"1", 1}, {"2", 2}, {"4", 4}, {"8", 8}});
+       }},
+      {"--edges", "crisp|soft", kRendering,
+       "crisp (default at best): edge pixels covered by their exact share; soft: faded over a layer pixel",
+       [](Options& o, Text name, Text value) {
+         o.edges = parseChoice<host::Edges>(name, value, {{"crisp", host::Edges::Crisp}, {"soft", host::Edges::Soft}});
+       }},
+      {"--placement", "outline|centres", kRendering,
+       "outline (default): the layer's outline lies on the corners; centres: positions count from pixel centres, "
+       "as the effect alone has it",
+       [](Options& o, Text name, Text value) {
+         o.placement = parseChoice<host::Placement>(
+             name, value, {{"outline", host::Placement::Outline}, {"centres", host::Placement::Centres}});
        }},
       {"--depth", "auto|8|16|float", kRendering, "auto (default, the files' own), 8, 16 or float bits per channel",
        [](Options& o, Text name, Text value) {
@@ -73,7 +95,8 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
        [](Options& o, Text name, Text value) {
          o.protocol = parseChoice<host::Protocol>(name, value,
                                                   {{"smart", host::Protocol::Smart}, {"plain", host::Protocol::Plain}});
-       }},
+       },
+       nullptr, kLeaves},
       {"--downsample", "N", kRendering, "Render at 1/N of the resolution",
        [](Options& o, Text name, Text value) { o.downsample = parseIntInRange(name, value, 1, kMaxDownsample); }},
       {"--linear", "", kRendering, "Filter and composite in linear light, by the files' colour spaces",
@@ -81,25 +104,28 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
       {"--threads", "N", kRendering, "Use at most N threads for everything (default: all cores)",
        [](Options& o, Text name, Text value) {
          o.threads = static_cast<unsigned>(parseIntInRange(name, value, 1, kMaxThreads));
-       }},
+       },
+       nullptr, kLeaves},
       {"--module", "FILE", kRendering, "The effect module (default: the one beside the command)",
        [](Options& o, Text name, Text value) { o.module = parseFileName(name, value); }},
 
       {"--frames", "A-B[xS]", kSequences,
        "A sequence, every S-th frame of it; %04d or #### in LAYER, OUT and PLATE stands for the frame",
-       [](Options& o, Text name, Text value) { o.frames = parseFrameRange(name, value); }},
+       [](Options& o, Text name, Text value) { o.frames = parseFrameRange(name, value); }, nullptr, kLeaves},
       {"--fps", "RATE", kSequences, "Frames per second, such as 25, 23.976 or 24000/1001 (default: 24)",
        [](Options& o, Text name, Text value) { o.rate = parseFrameRate(name, value); }},
-      {"--resume", "", kSequences, "Skip frames whose output is whole and newer than its inputs",
-       [](Options& o, Text, Text) { o.resume = true; }},
+      {"--resume", "", kSequences,
+       "Skip frames that are done: unchanged, made with these options, newer than the inputs",
+       [](Options& o, Text, Text) { o.resume = true; }, nullptr, kLeaves},
       {"--keep-going", "", kSequences, "Go on after a frame that fails, list those at the end and exit with 1",
-       [](Options& o, Text, Text) { o.keep_going = true; }},
+       [](Options& o, Text, Text) { o.keep_going = true; }, nullptr, kLeaves},
 
       {"--progress", "", kReporting, "Show progress (default: when standard error is a terminal)",
-       [](Options& o, Text, Text) { o.progress = true; }},
-      {"--no-progress", "", kReporting, "Show none", [](Options& o, Text, Text) { o.progress = false; }},
+       [](Options& o, Text, Text) { o.progress = true; }, nullptr, kLeaves},
+      {"--no-progress", "", kReporting, "Show none", [](Options& o, Text, Text) { o.progress = false; }, nullptr,
+       kLeaves},
       {"--json", "", kReporting, "Print a line of JSON on standard output for every finished frame",
-       [](Options& o, Text, Text) { o.json = true; }},
+       [](Options& o, Text, Text) { o.json = true; }, nullptr, kLeaves},
   };
   return table;
 }

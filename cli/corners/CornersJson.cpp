@@ -2,8 +2,10 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "cli/base/CommandError.h"
 #include "cli/corners/CornersTrack.h"
@@ -15,16 +17,40 @@ namespace {
 
 using nlohmann::json;
 
+// Told of every event of a parser, finds names that stand twice in one object. The parser itself keeps the last.
+class RepeatedNameFinder {
+ public:
+  bool operator()(int, json::parse_event_t event, json& parsed) {
+    if (event == json::parse_event_t::object_start) {
+      open_.emplace_back();
+    } else if (event == json::parse_event_t::object_end) {
+      open_.pop_back();
+    } else if (event == json::parse_event_t::key) {
+      found_ = !open_.back().insert(parsed.get<std::string>()).second || found_;
+    }
+    return true;
+  }
+  bool found() const { return found_; }
+
+ private:
+  std::vector<std::set<std::string>> open_;
+  bool found_ = false;
+};
+
 class JsonReader {
  public:
   JsonReader(const std::string& text, const std::string& name) : text_(text), name_(name) {
+    RepeatedNameFinder repeated;
     try {
-      document_ = json::parse(text);
+      document_ = json::parse(text, std::ref(repeated));
     } catch (const json::parse_error& error) {
       throw fileFailure(fmt::format("{}: line {}", name_, lineOfByte(error.byte)),
                         "is not valid JSON; check quotes, commas and brackets there");
     } catch (const json::out_of_range&) {
       throw fileFailure(name_, "holds a number beyond the range of numbers; correct it");
+    }
+    if (repeated.found()) {
+      throw fault(jsonLines(text).repeated.value_or(""), "stands twice in its object; keep one");
     }
   }
 
@@ -122,7 +148,7 @@ class JsonReader {
 
   // An error about the value at that path: "corners.json: line 7: keys[3].ul[0]: ...".
   CommandError fault(const std::string& path, const std::string& message) const {
-    const std::map<std::string, int> lines = jsonLines(text_);
+    const std::map<std::string, int> lines = jsonLines(text_).line_of;
     std::string input = name_;
     if (const auto line = lines.find(path); line != lines.end()) {
       input += fmt::format(": line {}", line->second);

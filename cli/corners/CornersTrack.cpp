@@ -8,6 +8,7 @@
 #include <iterator>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/Files.h"
 #include "cli/base/Text.h"
 
 namespace vantorel::cli {
@@ -25,17 +26,15 @@ constexpr std::array kTrackFormats{TrackFormat{".json", parseCornersJson}, Track
 constexpr std::uintmax_t kLargestFile = 512u << 20;
 
 std::string readText(const std::string& path) {
+  requireReadableFile(path, "a JSON or CSV file");
   std::error_code fault;
-  if (!std::filesystem::exists(path, fault)) {
-    throw fileFailure(path, "does not exist; check the name given to --corners");
-  }
-  if (!std::filesystem::is_regular_file(path, fault) || std::filesystem::file_size(path, fault) > kLargestFile) {
-    throw fileFailure(path, "is not a file of corners; give a JSON or CSV file");
+  if (std::filesystem::file_size(path, fault) > kLargestFile) {
+    throw fileFailure(path, "is too large for a file of corners; give a JSON or CSV file of at most 512 MiB");
   }
   std::ifstream file(path, std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   if (!file) {
-    throw fileFailure(path, "cannot be read; check its permissions");
+    throw fileFailure(path, "cannot be read; check its disk");
   }
   return std::string(withoutByteOrderMark(text));
 }

@@ -71,7 +71,7 @@ class LineRecorder : public nlohmann::json_sax<nlohmann::json> {
   }
   bool parse_error(std::size_t, const std::string&, const nlohmann::json::exception&) override { return false; }
 
-  std::map<std::string, int> take() { return std::move(lines_); }
+  JsonLines take() { return std::move(lines_); }
 
  private:
   struct Level {
@@ -89,7 +89,10 @@ class LineRecorder : public nlohmann::json_sax<nlohmann::json> {
   }
   bool record(int line) {
     if (open_.size() <= kDeepest) {
-      lines_[path()] = line;
+      const auto [at, is_new] = lines_.line_of.insert_or_assign(path(), line);
+      if (!is_new && !lines_.repeated) {
+        lines_.repeated = at->first;
+      }
     }
     return true;
   }
@@ -113,12 +116,12 @@ class LineRecorder : public nlohmann::json_sax<nlohmann::json> {
 
   const Position& position_;
   std::vector<Level> open_;
-  std::map<std::string, int> lines_;
+  JsonLines lines_;
 };
 
 }  // namespace
 
-std::map<std::string, int> jsonLines(const std::string& text) {
+JsonLines jsonLines(const std::string& text) {
   Position position;
   LineRecorder recorder(position);
   nlohmann::json::sax_parse(CountingIterator(text.data(), &position),

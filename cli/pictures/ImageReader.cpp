@@ -4,14 +4,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 #include <string_view>
 #include <utility>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/Console.h"
+#include "cli/base/Files.h"
 #include "cli/base/Text.h"
 #include "cli/pictures/ChannelPlan.h"
 #include "cli/pictures/Metadata.h"
@@ -34,20 +34,6 @@ CommandError unreadable(const std::string& path, const std::string& reason) {
                                        oneLine(reason)));
 }
 
-void requireFile(const std::string& path) {
-  std::error_code fault;
-  const std::filesystem::file_status status = std::filesystem::status(path, fault);
-  if (status.type() == std::filesystem::file_type::not_found) {
-    throw fileFailure(path, "does not exist; check the name");
-  }
-  if (fault) {
-    throw fileFailure(path, fmt::format("cannot be reached ({}); check the name and its folders", fault.message()));
-  }
-  if (!std::filesystem::is_regular_file(status)) {
-    throw fileFailure(path, "is not a file; give a picture file");
-  }
-}
-
 // A file that is open, and how its pixels are to be understood.
 struct Source {
   std::string path;
@@ -61,7 +47,7 @@ struct Source {
 };
 
 Source openSource(const std::string& path) {
-  requireFile(path);
+  requireReadableFile(path, "a picture file");
   // Premultiplying is done here, with exact rounding and no regard to a gamma that the file may state.
   OIIO::ImageSpec request;
   request.attribute("oiio:UnassociatedAlpha", 1);
@@ -84,7 +70,7 @@ PictureInfo infoOf(const Source& source) {
   if (swapsAxes(source.orientation)) {
     std::swap(size.width, size.height);
   }
-  return {size, samplesOf(source.spec, source.plan), source.plan.hasAlpha()};
+  return {size, samplesOf(source.spec, source.plan), source.plan.hasAlpha(), source.unassociated};
 }
 
 // Rows y_begin to y_end (counted in the data window) of channels [first, end), four channels of room to a pixel.
@@ -212,10 +198,12 @@ std::shared_ptr<const Metadata> keptMetadata(const OIIO::ImageSpec& spec) {
 }  // namespace
 
 PictureInfo probePicture(const std::string& path) {
+  const LibraryMessagesDropped dropped;
   return infoOf(openSource(path));
 }
 
 Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop) {
+  const LibraryMessagesDropped dropped;
   Source source = openSource(path);
   if (isTruncated(path)) {
     throw fileFailure(path, "is truncated; give the whole file");
@@ -242,7 +230,28 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
   return picture;
 }
 
+bool hasSoftAlpha(const std::string& path) {
+  const LibraryMessagesDropped dropped;
+  Source source = openSource(path);
+  const int step = std::min(rowsPerRead(source.spec), source.spec.height);
+  host::Image rows = valueOrThrow(host::Image::create({source.spec.width, step}, host::Depth::Bits8));
+  bool soft = false;
+  for (int y = 0; y < source.spec.height && source.plan.hasAlpha() && !soft; y += step) {
+    host::ImageView part = rows.view();
+    part.size.height = std::min(step, source.spec.height - y);
+    readRows(source, y, part);
+    for (int row = 0; row < part.size.height && !soft; ++row) {
+      const auto* pixel = reinterpret_cast<const std::uint8_t*>(part.row(row));
+      for (int x = 0; x < part.size.width && !soft; ++x, pixel += 4) {
+        soft = pixel[3] != 0 && pixel[3] != kOpaque<std::uint8_t>;
+      }
+    }
+  }
+  return soft;
+}
+
 bool isWholePicture(const std::string& path, host::Size size) try {
+  const LibraryMessagesDropped dropped;
   if (isTruncated(path)) {
     return false;
   }

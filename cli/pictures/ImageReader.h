@@ -17,6 +17,9 @@ PictureInfo probePicture(const std::string& path);
 // are no picture; interrupted when the token is triggered.
 Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop);
 
+// Whether any pixel of the file is partly transparent. Reads no further than the first. Throws as readPicture does.
+bool hasSoftAlpha(const std::string& path);
+
 // Whether the file is a picture of that size that was not cut short.
 bool isWholePicture(const std::string& path, host::Size size);
 

@@ -4,12 +4,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <vector>
 
 #include "cli/base/CommandError.h"
 #include "cli/base/Text.h"
+#include "cli/pictures/FileRecord.h"
 #include "cli/pictures/FileSink.h"
 #include "cli/pictures/ImageReader.h"
 #include "cli/pictures/Metadata.h"
@@ -67,7 +69,7 @@ OIIO::ImageSpec describe(const ImageFormat& format, const OutputPicture& picture
   }
   spec.attribute("png:compressionLevel", kPngCompressionLevel);
   spec.attribute("png:filter", kPngFilterSub);
-  spec.attribute("Software", "vantorel");
+  spec.attribute("Software", recordText(picture.settings));
   return spec;
 }
 
@@ -131,6 +133,8 @@ class Writer {
     if (!closed || (format_.needs_path && !isWholePicture(file_.temporaryPath(), picture_.pixels.size))) {
       throw failure();
     }
+    file_.note(std::fflush(file_.stream()) == 0);
+    file_.note(sealRecord(file_.temporaryPath()));
     file_.commit();
   }
 

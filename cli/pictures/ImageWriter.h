@@ -1,6 +1,7 @@
 // Writes premultiplied RGBA to picture files.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <stop_token>
@@ -20,6 +21,7 @@ struct OutputPicture {
   bool has_alpha = true;        // without, every pixel is opaque and only R, G and B are written
   SampleType samples = SampleType::Bits8;
   std::shared_ptr<const Metadata> metadata;  // null for none
+  std::uint64_t settings = 0;                // a hash of what the picture was made with, to be recorded in the file
   // The colour space that the pixels have been converted to; nothing where they are in the metadata's.
   std::optional<std::string> colour_space;
 };

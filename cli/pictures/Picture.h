@@ -14,6 +14,7 @@ struct PictureInfo {
   host::Size size;  // after its orientation has been applied
   SampleType samples = SampleType::Bits8;
   bool has_alpha = false;
+  bool is_unassociated = false;  // has an alpha that its colour is not multiplied by in the file
 };
 
 struct Metadata;

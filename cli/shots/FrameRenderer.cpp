@@ -48,12 +48,10 @@ FrameRenderer::FrameRenderer(const Shot& shot, std::stop_token stop, std::functi
 
 std::optional<FrameReport> FrameRenderer::render(std::int32_t frame) {
   const std::string path = shot_.output.path(frame);
+  FrameState state = FrameState::Missing;
   if (shot_.options.resume) {
-    const host::Rect canvas = canvasFor(frame, std::nullopt);
-    const host::Size full = shot_.options.fit && !shot_.format->holds_data_window
-                                ? host::Size{canvas.width(), canvas.height()}
-                                : shot_.frame_size;
-    if (isFrameDone(shot_, frame, host::downsampled(full, shot_.options.downsample))) {
+    state = stateOf(shot_, frame);
+    if (state == FrameState::Done) {
       removeAbandoned(path);
       return std::nullopt;
     }
@@ -63,6 +61,7 @@ std::optional<FrameReport> FrameRenderer::render(std::int32_t frame) {
   report.frame = frame;
   report.depth = shot_.depth;
   report.output = path;
+  report.redone_because = reasonToRedo(state);
   const Stopwatch reading;
   const std::shared_ptr<const Picture> layer = shot_.layer->at(frame, stop_);
   const std::shared_ptr<const Picture> plate = shot_.plate ? shot_.plate->at(frame, stop_) : nullptr;
@@ -79,7 +78,7 @@ std::optional<FrameReport> FrameRenderer::render(std::int32_t frame) {
   if (plate) {
     composite(*plate, shot_.plate->path(frame));
   }
-  write(canvas, plate ? *plate : *layer, path);
+  write(frame, canvas, plate ? *plate : *layer);
   report.write_seconds = writing.seconds();
   report.origin_x = canvas.left / shot_.options.downsample;
   report.origin_y = canvas.top / shot_.options.downsample;
@@ -91,6 +90,9 @@ host::FrameOptions FrameRenderer::frameOptions(std::int32_t frame) const {
   host::FrameOptions options;
   options.time = timeOf(frame, shot_.options.rate);
   options.quality = shot_.options.quality;
+  options.samples = shot_.options.samples;
+  options.edges = shot_.options.edges;
+  options.placement = shot_.options.placement;
   options.protocol = shot_.options.protocol;
   options.downsample = shot_.options.downsample;
   options.threads = shot_.threads_per_frame;
@@ -107,17 +109,12 @@ void FrameRenderer::placeCorners(host::Size layer) {
   corners_layer_ = layer;
 }
 
-host::Rect FrameRenderer::canvasFor(std::int32_t frame, const std::optional<host::Size>& layer) {
-  const host::Rect whole{0, 0, shot_.frame_size.width, shot_.frame_size.height};
-  if (!layer && !shot_.options.fit) {
-    return whole;
-  }
-  const host::Size layer_size = layer ? *layer : probePicture(shot_.layer->path(frame)).size;
-  placeCorners(layer_size);
+host::Rect FrameRenderer::canvasFor(std::int32_t frame, host::Size layer) {
+  placeCorners(layer);
   if (!shot_.options.fit) {
-    return whole;
+    return {0, 0, shot_.frame_size.width, shot_.frame_size.height};
   }
-  return alignedOutward(valueOrThrow(instance_.boundingBox(layer_size, frameOptions(frame))), shot_.options.downsample);
+  return alignedOutward(valueOrThrow(instance_.boundingBox(layer, frameOptions(frame))), shot_.options.downsample);
 }
 
 void FrameRenderer::prepareOutput(const host::Rect& canvas) {
@@ -141,7 +138,8 @@ void FrameRenderer::composite(const Picture& plate, const std::string& plate_nam
   compositeOver(output_.view(), plate.pixels.view());
 }
 
-void FrameRenderer::write(const host::Rect& canvas, const Picture& reference, const std::string& path) {
+void FrameRenderer::write(std::int32_t frame, const host::Rect& canvas, const Picture& reference) {
+  const std::string path = shot_.output.path(frame);
   const int n = shot_.options.downsample;
   OutputPicture picture;
   picture.metadata = reference.metadata;
@@ -155,6 +153,7 @@ void FrameRenderer::write(const host::Rect& canvas, const Picture& reference, co
   picture.frame = host::downsampled(shot_.frame_size, n);
   picture.has_alpha = !shot_.plate || reference.info.has_alpha;
   picture.samples = shot_.samples;
+  picture.settings = settingsOf(shot_, frame);
   writePicture(path, *shot_.format, picture, stop_);
 }
 

@@ -23,10 +23,10 @@ class FrameRenderer {
  private:
   host::FrameOptions frameOptions(std::int32_t frame) const;
   void placeCorners(host::Size layer);
-  host::Rect canvasFor(std::int32_t frame, const std::optional<host::Size>& layer);
+  host::Rect canvasFor(std::int32_t frame, host::Size layer);
   void prepareOutput(const host::Rect& canvas);
   void composite(const Picture& plate, const std::string& plate_name);
-  void write(const host::Rect& canvas, const Picture& reference, const std::string& path);
+  void write(std::int32_t frame, const host::Rect& canvas, const Picture& reference);
 
   const Shot& shot_;
   std::stop_token stop_;

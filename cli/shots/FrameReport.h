@@ -21,6 +21,7 @@ struct FrameReport {
   double render_seconds = 0;  // inside the module's commands
   double write_seconds = 0;   // compositing, encoding and writing
   std::string output;
+  std::string redone_because;  // why a frame that existed was rendered again; empty otherwise, and not in the line
 };
 
 std::string toJson(const FrameReport& report);

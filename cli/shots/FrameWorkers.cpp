@@ -1,9 +1,5 @@
 #include "cli/shots/FrameWorkers.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
-#include <algorithm>
 #include <mutex>
 #include <new>
 #include <optional>
@@ -13,6 +9,7 @@
 
 #include "cli/base/CommandError.h"
 #include "cli/shots/FrameRenderer.h"
+#include "cli/shots/RunSummary.h"
 
 namespace vantorel::cli {
 
@@ -44,17 +41,11 @@ class Run {
     if (next_index_ != shot_.frames.count()) {
       throw interrupted();
     }
-    if (skipped_ > 0) {
-      progress_.message(
-          fmt::format("vantorel: skipped {} of {} frames, which were done already and are newer than their inputs",
-                      skipped_, shot_.frames.count()));
+    for (const std::string& message : summary_.messages(shot_)) {
+      progress_.message(message);
     }
-    if (failed_.empty()) {
-      return ExitCode::Done;
-    }
-    progress_.message(fmt::format("vantorel: {} of {} frames failed: {}; fix their files and run again with --resume",
-                                  failed_.size(), shot_.frames.count(), frameList(failed_)));
-    return ExitCode::EffectFailed;
+    progress_.finish(summary_.lastLine(shot_, progress_.seconds()));
+    return summary_.anyFailed() ? ExitCode::EffectFailed : ExitCode::Done;
   }
 
  private:
@@ -75,7 +66,7 @@ class Run {
 
   void renderOne(FrameRenderer& renderer, std::int32_t frame) {
     try {
-      tell(renderer.render(frame));
+      report(frame, renderer.render(frame));
     } catch (const CommandError& error) {
       fail(frame, error);
     } catch (const std::bad_alloc&) {
@@ -84,9 +75,9 @@ class Run {
     }
   }
 
-  void tell(const std::optional<FrameReport>& report) {
+  void report(std::int32_t frame, const std::optional<FrameReport>& report) {
     const std::scoped_lock lock(mutex_);
-    skipped_ += report ? 0 : 1;
+    summary_.add(frame, report);
     if (report && shot_.options.json) {
       try {
         printJson(*report);
@@ -103,9 +94,9 @@ class Run {
     if (!shot_.options.keep_going || shot_.frames.count() == 1 || error.code() == ExitCode::Interrupted) {
       return end(error);
     }
-    progress_.message("vantorel: frame " + std::to_string(frame) + ": " + error.text());
+    progress_.message("frame " + std::to_string(frame) + ": " + error.text());
     const std::scoped_lock lock(mutex_);
-    failed_.push_back(frame);
+    summary_.addFailed(frame);
   }
 
   void end(const CommandError& error) {
@@ -121,28 +112,12 @@ class Run {
   Progress& progress_;
   std::mutex mutex_;
   std::int64_t next_index_ = 0;
-  std::int64_t skipped_ = 0;
+  RunSummary summary_;
   bool ended_ = false;
   std::optional<CommandError> error_;
-  std::vector<std::int32_t> failed_;
 };
 
 }  // namespace
-
-std::string frameList(std::vector<std::int32_t> frames) {
-  std::sort(frames.begin(), frames.end());
-  std::vector<std::string> ranges;
-  for (std::size_t first = 0; first < frames.size();) {
-    std::size_t last = first;
-    while (last + 1 < frames.size() && frames[last + 1] == frames[last] + 1) {
-      ++last;
-    }
-    ranges.push_back(first == last ? fmt::format("{}", frames[first])
-                                   : fmt::format("{}-{}", frames[first], frames[last]));
-    first = last + 1;
-  }
-  return fmt::format("{}", fmt::join(ranges, ", "));
-}
 
 ExitCode renderFrames(const Shot& shot, const std::stop_token& stop, Progress& progress) {
   Run run(shot, stop, progress);

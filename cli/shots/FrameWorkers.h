@@ -10,12 +10,9 @@
 
 namespace vantorel::cli {
 
-// Renders every frame and tells of each as the options say. The first failure ends the run after the frames under way
-// are finished, and is thrown as CommandError; when keeping going, failures are told as they come, listed at the end,
-// and the result is EffectFailed.
+// Renders every frame and reports each as the options say. The first failure ends the run after the frames under way
+// are finished, and is thrown as CommandError; when keeping going, failures are reported as they come and listed at the
+// end, and the result is EffectFailed.
 ExitCode renderFrames(const Shot& shot, const std::stop_token& stop, Progress& progress);
-
-// Frame numbers in rising order as ranges: "3, 7-9".
-std::string frameList(std::vector<std::int32_t> frames);
 
 }  // namespace vantorel::cli

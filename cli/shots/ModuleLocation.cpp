@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/Files.h"
 #include "host/Simd.h"
 
 namespace vantorel::cli {
@@ -35,9 +36,8 @@ std::shared_ptr<const host::Module> loadModule(const std::string& path) {
   if (const auto simd = host::checkSimdChoice(); !simd) {
     throw badArgument(simd.error().input, simd.error().message);
   }
-  std::error_code fault;
-  if (!path.empty() && !fs::exists(path, fault)) {
-    throw fileFailure(path, "does not exist; give the file of the effect module with --module");
+  if (!path.empty()) {
+    requireReadableFile(path, "the file of the effect module");
   }
   return valueOrThrow(host::Module::load(path.empty() ? findModule() : path));
 }

@@ -1,15 +1,25 @@
 #include "cli/shots/Progress.h"
 
 #include <fmt/format.h>
+#include <sys/ioctl.h>
 
 #include <cmath>
 #include <cstdio>
+
+#include "cli/base/Console.h"
+#include "cli/base/Text.h"
 
 namespace vantorel::cli {
 
 namespace {
 
 constexpr std::chrono::milliseconds kBetweenDrawings{100};
+
+// Of the terminal; as many as no line has where it is none.
+int columns() {
+  winsize size{};
+  return ioctl(fileno(console()), TIOCGWINSZ, &size) == 0 && size.ws_col > 1 ? size.ws_col : 1000;
+}
 
 std::string durationText(double seconds) {
   const std::int64_t whole = std::llround(seconds);
@@ -47,7 +57,19 @@ void Progress::frameDone(bool skipped) {
 void Progress::message(const std::string& text) {
   const std::scoped_lock lock(mutex_);
   erase();
-  std::fprintf(stderr, "%s\n", text.c_str());
+  std::fprintf(console(), "vantorel: %s\n", escaped(text).c_str());
+}
+
+void Progress::finish(const std::string& line) {
+  const std::scoped_lock lock(mutex_);
+  if (shown_) {
+    erase();
+    std::fprintf(console(), "%s\n", escaped(line).c_str());
+  }
+}
+
+double Progress::seconds() const {
+  return std::chrono::duration<double>(Clock::now() - start_).count();
 }
 
 void Progress::draw(const std::string& line, bool always) {
@@ -57,21 +79,21 @@ void Progress::draw(const std::string& line, bool always) {
   }
   last_drawn_ = now;
   line_is_there_ = true;
-  std::fprintf(stderr, "\r\x1b[K%s", line.c_str());
-  std::fflush(stderr);
+  // Asked for each time, so that a window that is made narrower is followed; a line that wraps could not be erased.
+  std::fprintf(console(), "\r\x1b[K%.*s", columns() - 1, line.c_str());
 }
 
 void Progress::erase() {
   if (line_is_there_) {
-    std::fputs("\r\x1b[K", stderr);
+    std::fputs("\r\x1b[K", console());
   }
   line_is_there_ = false;
 }
 
 std::string Progress::framesLine() const {
-  const double seconds = std::chrono::duration<double>(Clock::now() - start_).count();
+  const double elapsed = seconds();
   const std::int64_t rendered = done_ - skipped_;
-  const double rate = seconds > 0 ? static_cast<double>(rendered) / seconds : 0.0;
+  const double rate = elapsed > 0 ? static_cast<double>(rendered) / elapsed : 0.0;
   std::string line = fmt::format("{} of {} frames", done_, frames_);
   if (rendered > 0 && rate > 0) {
     line += fmt::format(", {:.1f} frames/s, {} left", rate, durationText(static_cast<double>(frames_ - done_) / rate));

@@ -25,7 +25,13 @@ class Progress {
   // Frames that were there already count towards the total but not towards the rate.
   void frameDone(bool skipped);
 
-  // A message on a line of its own, above the progress line.
+  // Shows, where progress is shown, what has been done.
+  void finish(const std::string& line);
+
+  // Since this was made.
+  double seconds() const;
+
+  // A message of the command on a line of its own, above the progress line.
   void message(const std::string& text);
 
  private:

@@ -31,7 +31,10 @@ struct RenderOptions {
   bool fit = false;
   std::string plate;  // as `layer`; empty without one
   bool linear = false;
-  host::Quality quality = host::Quality::High;
+  host::Quality quality = host::Quality::Best;
+  int samples = 0;                   // a pixel along each axis: 1, 2, 4 or 8; 0: as the quality has it
+  std::optional<host::Edges> edges;  // nothing: as the quality has them
+  host::Placement placement = host::Placement::Outline;
   DepthChoice depth = DepthChoice::Auto;
   host::Protocol protocol = host::Protocol::Smart;
   int downsample = 1;  // 1 to kMaxDownsample
@@ -43,6 +46,7 @@ struct RenderOptions {
   std::string module;             // empty: the one beside the command
   std::optional<bool> progress;   // nothing: where standard error is a terminal
   bool json = false;
+  std::string settings;  // the options that change pictures, as they were given
 };
 
 }  // namespace vantorel::cli

@@ -1,8 +1,13 @@
 #include "cli/shots/Resume.h"
 
-#include <filesystem>
+#include <fmt/format.h>
 
-#include "cli/pictures/ImageReader.h"
+#include <filesystem>
+#include <iterator>
+#include <span>
+
+#include "cli/base/Hash64.h"
+#include "cli/pictures/FileRecord.h"
 
 namespace vantorel::cli {
 
@@ -20,13 +25,82 @@ bool isNewer(const std::string& output, const std::string& input) {
   return !fault && output_time > input_time;
 }
 
+bool isNewerThanInputs(const Shot& shot, std::int32_t frame, const std::string& output) {
+  return isNewer(output, shot.layer->path(frame)) && (!shot.plate || isNewer(output, shot.plate->path(frame))) &&
+         (shot.options.corners_file.empty() || isNewer(output, shot.options.corners_file));
+}
+
+std::uint64_t hashOf(const std::string& text) {
+  Hash64 hash;
+  hash.add(std::as_bytes(std::span(text)));
+  return hash.value();
+}
+
+std::string cornersText(const CornersTrack& track) {
+  std::string text = fmt::format("interpolation {}\n", static_cast<int>(track.interpolation));
+  for (const CornersKey& key : track.keys) {
+    fmt::format_to(std::back_inserter(text), "{}", key.frame);
+    for (const CornerPosition& corner : key.corners) {
+      for (const Coordinate& coordinate : {corner.x, corner.y}) {
+        fmt::format_to(std::back_inserter(text), " {}{}", coordinate.value, coordinate.percent ? "%" : "");
+      }
+    }
+    text += '\n';
+  }
+  return text;
+}
+
 }  // namespace
 
-bool isFrameDone(const Shot& shot, std::int32_t frame, host::Size output_size) {
+const char* reasonToRedo(FrameState state) {
+  switch (state) {
+    case FrameState::Older:
+      return "older than the inputs";
+    case FrameState::NoRecord:
+      return "without a record of how they were made";
+    case FrameState::OtherSettings:
+      return "made with other options";
+    case FrameState::Damaged:
+      return "damaged";
+    case FrameState::Done:
+    case FrameState::Missing:
+      break;
+  }
+  return "";
+}
+
+std::uint64_t commonSettings(const Shot& shot) {
+  return hashOf(fmt::format("{}\nmodule {:x}\n{} {} {} {}x{}\n{}", shot.options.settings,
+                            shot.module->info().version_word, shot.format->name, static_cast<int>(shot.samples),
+                            static_cast<int>(shot.depth), shot.frame_size.width, shot.frame_size.height,
+                            cornersText(shot.corners)));
+}
+
+std::uint64_t settingsOf(const Shot& shot, std::int32_t frame) {
+  return hashOf(fmt::format("{:x}\nframe {}\nlayer {}\nplate {}", shot.settings, frame, shot.layer_files.path(frame),
+                            shot.plate_files ? shot.plate_files->path(frame) : ""));
+}
+
+FrameState stateOf(const Shot& shot, std::int32_t frame) {
   const std::string output = shot.output.path(frame);
-  return isNewer(output, shot.layer->path(frame)) && (!shot.plate || isNewer(output, shot.plate->path(frame))) &&
-         (shot.options.corners_file.empty() || isNewer(output, shot.options.corners_file)) &&
-         isWholePicture(output, output_size);
+  std::error_code fault;
+  if (!fs::exists(output, fault)) {
+    return FrameState::Missing;
+  }
+  if (!isNewerThanInputs(shot, frame, output)) {
+    return FrameState::Older;
+  }
+  switch (checkRecord(output, settingsOf(shot, frame))) {
+    case RecordState::Matches:
+      return FrameState::Done;
+    case RecordState::Absent:
+      return FrameState::NoRecord;
+    case RecordState::OtherSettings:
+      return FrameState::OtherSettings;
+    case RecordState::Damaged:
+      break;
+  }
+  return FrameState::Damaged;
 }
 
 }  // namespace vantorel::cli

@@ -26,6 +26,7 @@ struct Shot {
   host::Depth depth = host::Depth::Bits8;  // what is rendered at
   SampleType samples = SampleType::Bits8;  // what is written
   std::shared_ptr<const host::Module> module;
+  std::uint64_t settings = 0;  // commonSettings, which frames' files record
   int frames_in_flight = 1;
   unsigned threads_per_frame = 1;
 };

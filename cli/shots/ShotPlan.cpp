@@ -13,6 +13,7 @@
 #include "cli/pictures/Reduce.h"
 #include "cli/shots/InputGuard.h"
 #include "cli/shots/ModuleLocation.h"
+#include "cli/shots/Resume.h"
 #include "cli/shots/ShotMemory.h"
 
 namespace vantorel::cli {
@@ -34,8 +35,11 @@ void refuseContradictions(const RenderOptions& options) {
   if (options.fit && !options.plate.empty()) {
     throw badArgument("--fit", "cannot be given together with --over, whose picture sets the size; omit one of them");
   }
-  if (options.linear && (options.depth == DepthChoice::Bits8 || options.depth == DepthChoice::Bits16)) {
-    throw badArgument("--linear", "renders in float; omit --depth, or give --depth float");
+  if (options.placement == host::Placement::Centres && options.samples > 1) {
+    throw badArgument("--samples", "must be 1 with --placement centres; omit one of them");
+  }
+  if (options.placement == host::Placement::Centres && options.edges == host::Edges::Crisp) {
+    throw badArgument("--edges", "must be soft with --placement centres; omit one of them");
   }
 }
 
@@ -136,6 +140,25 @@ void planFiles(Shot& shot) {
   shot.output = outputFiles(options, shot.frames);
 }
 
+// Whether 8 bits would lose the colour of faint pixels, as dividing by their alpha brings out the rounding. Of a
+// sequence it is assumed of every picture that could have such pixels, of a still it is looked up.
+bool needsDeeperAlpha(const FramePattern& files, const PictureInfo& info, std::int32_t frame) {
+  return info.is_unassociated && info.samples == SampleType::Bits8 &&
+         (files.hasNumber() || hasSoftAlpha(files.path(frame)));
+}
+
+host::Depth renderingDepth(const Shot& shot, const FrameHeads& heads, SampleType source) {
+  if (shot.options.linear) {
+    return host::Depth::Float;
+  }
+  const host::Depth depth = renderDepth(shot.options.depth, source);
+  const std::int32_t frame = shot.frames.first;
+  const bool deeper = shot.options.depth == DepthChoice::Auto && depth == host::Depth::Bits8 &&
+                      (needsDeeperAlpha(shot.layer_files, heads.layer, frame) ||
+                       (heads.plate && needsDeeperAlpha(*shot.plate_files, *heads.plate, frame)));
+  return deeper ? host::Depth::Bits16 : depth;
+}
+
 // Sizes and depths, by the heads of the files.
 void planPictures(Shot& shot, const FrameHeads& heads) {
   const RenderOptions& options = shot.options;
@@ -143,7 +166,7 @@ void planPictures(Shot& shot, const FrameHeads& heads) {
     requirePlateSize(options, *heads.plate);
   }
   const SampleType source = heads.plate ? finer(heads.layer.samples, heads.plate->samples) : heads.layer.samples;
-  shot.depth = options.linear ? host::Depth::Float : renderDepth(options.depth, source);
+  shot.depth = renderingDepth(shot, heads, source);
   shot.samples = outputSamples(*shot.format, options.depth, source);
   shot.frame_size = options.size ? *options.size : (heads.plate ? heads.plate->size : heads.layer.size);
   if (!options.fit) {
@@ -178,6 +201,7 @@ Shot planShot(const RenderOptions& options) {
         std::make_unique<PictureSource>(*shot.plate_files, shot.depth, preparation(options.linear, options.downsample));
   }
   shot.module = loadModule(options.module);
+  shot.settings = commonSettings(shot);
   return shot;
 }
 

@@ -26,7 +26,7 @@ std::int32_t noted(Note note) {
 // That of the running command's space.
 const PF_SamplingFloatSuite1* samplingFloatSuite() {
   const auto suite = [](SampleSpace space) {
-    return PF_SamplingFloatSuite1{nullptr, nullptr, areaSamplers(space).sample_float};
+    return PF_SamplingFloatSuite1{nullptr, nullptr, areaSamplers(activeInstructionSet(), space).sample_float};
   };
   static const std::array<PF_SamplingFloatSuite1, kSampleSpaces> kSuites{
       suite(SampleSpace::Centres), suite(SampleSpace::Outline), suite(SampleSpace::OutlineExtended)};

@@ -69,8 +69,9 @@ char* copyText(char* destination, const char* source) {
 
 PF_UtilityCallbacks makeUtilities(SampleSpace space) {
   PF_UtilityCallbacks table{};
-  table.sample_area_8 = areaSamplers(space).sample8;
-  table.sample_area_16 = areaSamplers(space).sample16;
+  const AreaSamplers& samplers = areaSamplers(activeInstructionSet(), space);
+  table.sample_area_8 = samplers.sample8;
+  table.sample_area_16 = samplers.sample16;
   table.fill = fillWorld;
   table.new_handle = newHandle;
   table.dispose_handle = disposeHandle;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 
 #include "host/Frame.h"
 #include "host/composing/TileTree.h"
@@ -12,7 +13,7 @@ namespace vantorel::host {
 
 // Everything is in pixels of the frame's resolution, on the plane that the canvas is a part of.
 struct FramePlan {
-  Corners corners;  // where the outline of the layer goes
+  Corners corners;  // where the layer's outline goes, or the source
   RenderPath path = RenderPath::Perspective;
   Size layer;                     // pixels that there are, the last of each row and column whole
   std::optional<Homography> map;  // layer to canvas; on the perspective path only
@@ -20,18 +21,26 @@ struct FramePlan {
   ConvexPolygon outline;  // on the perspective path only
   CoverageRegion region;  // what the picture covers
   Edges edges = Edges::Crisp;
+  bool has_source = false;
   int samples = 0;  // for every tile; 0: by rule
 
+  std::optional<Corners> whole;  // where the outline of the whole layer goes; none where the horizon runs through it
+
   // `layer_width` and `layer_height` are those of the layer's outline at the frame's resolution: whole numbers but when
-  // it is reduced.
-  FramePlan(const Corners& corners, double layer_width, double layer_height, Size layer, const FrameOptions& options);
+  // it is reduced. `source` is the quadrilateral in the layer that goes onto the corners, in pixels of that resolution;
+  // none for the layer's outline.
+  FramePlan(const Corners& corners, const std::optional<Corners>& source, double layer_width, double layer_height,
+            Size layer, const FrameOptions& options);
+
+  // False when there is a source and no map from it onto the corners, since one of both is not strictly convex.
+  bool hasMap() const { return !has_source || inverse.has_value(); }
 
   // Whether the picture is the layer moved by whole pixels: then the effect, counting from centres, gives it to the
   // bit.
   bool isWholeMove() const;
 
  private:
-  void planPerspective(double layer_width, double layer_height);
+  void planPerspective(const Box& layer_outline, const std::optional<Corners>& source);
 };
 
 // The edges that the options mean.
@@ -40,17 +49,17 @@ Edges edgesOf(const FrameOptions& options);
 // Whether the options ask for more than the effect gives in one piece.
 bool needsTiles(const FrameOptions& options, const FramePlan& plan);
 
-// The samples of a plan's tiles.
+// How many samples, per axis, the pixels of a part of the plane need; 0 where the plan draws nothing.
+int samplesFor(const FramePlan& plan, const Rect& part);
+
+// The samples of a frame's tiles: as many as the moment needs that needs most.
 class PlannedSamples final : public SampleRule {
  public:
-  explicit PlannedSamples(const FramePlan& plan) : plan_(plan) {}
+  explicit PlannedSamples(std::span<const FramePlan> moments) : moments_(moments) {}
   int samplesFor(const Rect& part) const override;
 
  private:
-  int neededIn(const ConvexPolygon& part) const;
-  int neededByScan() const;
-
-  const FramePlan& plan_;
+  std::span<const FramePlan> moments_;
 };
 
 }  // namespace vantorel::host

@@ -8,9 +8,10 @@ namespace vantorel::host {
 // What all tiles of a frame share.
 struct TileSetting {
   const ModuleState& module;
-  const FramePlan& plan;
-  const FrameOptions& options;  // those of the tiles: one thread, no progress, full resolution
-  ImageView layer;              // as the module sees it
+  std::span<const FramePlan> moments;  // one or more
+  const FrameOptions& options;         // those of the tiles: one thread, no progress, full resolution
+  ImageView layer;                     // as the perspective path sees it
+  ImageView scanned_layer;             // as the bilinear path sees it
   Rect canvas;
   ImageView output;
 };

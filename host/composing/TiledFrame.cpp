@@ -59,19 +59,16 @@ void TileStore::giveBack(TileWorker& worker) {
   idle_.push_back(&worker);
 }
 
-TiledFrame::TiledFrame(const ModuleState& module, TileStore& store, const FramePlan& plan, const FrameOptions& options,
-                       const ImageView& layer)
-    : module_(module), store_(store), plan_(plan), tile_options_(tileOptions(options)), layer_(layer) {}
+TiledFrame::TiledFrame(const ModuleState& module, TileStore& store, const FrameOptions& options, const ImageView& layer)
+    : module_(module), store_(store), tile_options_(tileOptions(options)), layer_(layer), scanned_layer_(layer) {}
 
 Result<void> TiledFrame::draw(RowScheduler& scheduler, const Rect& canvas, const ImageView& output) {
   canvas_ = canvas;
   output_ = output;
-  if (plan_.path == RenderPath::Bilinear) {
-    if (Result<void> enlarged = enlargeLayer(); !enlarged) {
-      return enlarged;
-    }
+  if (Result<void> enlarged = enlargeLayer(); !enlarged) {
+    return enlarged;
   }
-  collectTiles(canvas, PlannedSamples(plan_), &store_.tiles);
+  collectTiles(canvas, PlannedSamples(store_.plans), &store_.tiles);
   CallContext context(module_.resources);
   const std::int32_t code =
       scheduler.run(context, 0, static_cast<std::int32_t>(store_.tiles.size()), 0.0, 1.0, {runTile, this});
@@ -88,14 +85,15 @@ Result<void> TiledFrame::draw(RowScheduler& scheduler, const Rect& canvas, const
 }
 
 Result<void> TiledFrame::enlargeLayer() {
-  const ImageView layer = layer_;
-  const int factor = vertexFactor(plan_);
+  const auto scanned = std::find_if(store_.plans.begin(), store_.plans.end(),
+                                    [](const FramePlan& plan) { return plan.path == RenderPath::Bilinear; });
+  const int factor = scanned != store_.plans.end() ? vertexFactor(*scanned) : 1;
   if (factor == 1) {
     return {};
   }
-  return store_.vertex_layer.fit({factor * layer.size.width, factor * layer.size.height}, layer.depth).map([&] {
-    layer_ = store_.vertex_layer.view();
-    enlargeToVertices(asConst(layer), factor, layer_);
+  return store_.vertex_layer.fit({factor * layer_.size.width, factor * layer_.size.height}, layer_.depth).map([&] {
+    scanned_layer_ = store_.vertex_layer.view();
+    enlargeToVertices(asConst(layer_), factor, scanned_layer_);
   });
 }
 
@@ -115,7 +113,7 @@ std::int32_t TiledFrame::runTile(const void* self, std::int32_t index) {
 }
 
 Result<void> TiledFrame::drawTile(const Tile& tile, TileWorker& worker) const {
-  return host::drawTile({module_, plan_, tile_options_, layer_, canvas_, output_}, tile, worker);
+  return host::drawTile({module_, store_.plans, tile_options_, layer_, scanned_layer_, canvas_, output_}, tile, worker);
 }
 
 }  // namespace vantorel::host

@@ -16,11 +16,15 @@ namespace vantorel::host {
 struct TileWorker {
   FrameState frame;
   Image samples;
+  Image moment;  // a tile's pixels at one moment
+  Image sums;    // those of all moments, in float
 };
 
 // What is kept from frame to frame. As many workers are made as threads have drawn at once.
 class TileStore {
  public:
+  std::vector<double> moments;   // in seconds
+  std::vector<FramePlan> plans;  // one a moment
   std::vector<Tile> tiles;
   Image vertex_layer;  // for the bilinear path
 
@@ -38,9 +42,8 @@ class TileStore {
 // together. The bits depend neither on the canvas nor on the threads. The arguments must outlive it.
 class TiledFrame {
  public:
-  // `layer` is at the frame's resolution.
-  TiledFrame(const ModuleState& module, TileStore& store, const FramePlan& plan, const FrameOptions& options,
-             const ImageView& layer);
+  // `layer` is at the frame's resolution, and the store has the plans.
+  TiledFrame(const ModuleState& module, TileStore& store, const FrameOptions& options, const ImageView& layer);
 
   // Draws the canvas, which is at the frame's resolution, into `output`, which is of its size and of the layer's depth.
   Result<void> draw(RowScheduler& scheduler, const Rect& canvas, const ImageView& output);
@@ -52,9 +55,9 @@ class TiledFrame {
 
   const ModuleState& module_;
   TileStore& store_;
-  const FramePlan& plan_;
   FrameOptions tile_options_;
   ImageView layer_;
+  ImageView scanned_layer_;  // for the bilinear path
   Rect canvas_;
   ImageView output_;
   mutable std::mutex mutex_;

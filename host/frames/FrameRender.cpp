@@ -3,13 +3,12 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-
 #include <cstring>
-#include <exception>
 #include <limits>
 #include <utility>
 
 #include "host/Downsample.h"
+#include "host/composing/Shutter.h"
 #include "host/frames/DegenerateMapRetry.h"
 #include "host/frames/FrameParameters.h"
 
@@ -31,9 +30,10 @@ ImageView readOnly(const ConstImageView& view) {
   return {const_cast<std::byte*>(view.data), view.row_bytes, view.size, view.depth};
 }
 
-// The layer at the frame's resolution: itself, or scaled into `scaled`.
-Result<ImageView> layerAtResolution(const ConstImageView& layer, int n, BlockEdges edges, Image* scaled) {
-  if (n == 1) {
+// The layer as the module can read it: itself, or reduced by n into `scaled`, by 1 where its rows must be moved. The
+// interface's 8-bit pixels are words, between whose rows modules count in words.
+Result<ImageView> layerForModule(const ConstImageView& layer, int n, BlockEdges edges, Image* scaled) {
+  if (n == 1 && (layer.depth != Depth::Bits8 || layer.row_bytes % 4 == 0)) {
     return readOnly(layer);
   }
   return scaled->fit(downsampled(layer.size, n), layer.depth).map([&] {
@@ -43,12 +43,23 @@ Result<ImageView> layerAtResolution(const ConstImageView& layer, int n, BlockEdg
 }
 
 constexpr double kHalfPixel = 0.5;
+constexpr double kFixedOne = 65536.0;
 
-// The corners at the frame's time, in pixels of its resolution.
-Corners cornersAt(const AnimatedCorners& corners, const FrameOptions& options) {
-  const Corners full = corners.at(static_cast<double>(options.time.time) / options.time.scale);
-  const auto scaled = [&](const Point& p) { return Point{p.x / options.downsample, p.y / options.downsample}; };
+// The corners at a time, in pixels at 1/n, rounded to the 16.16 in which a module gets them: times that differ in their
+// last digits give the same picture.
+Corners cornersAt(const AnimatedCorners& corners, double seconds, double n) {
+  const Corners full = corners.at(seconds);
+  const auto scaled = [&](const Point& p) {
+    return Point{fixedFromPixels(p.x / n) / kFixedOne, fixedFromPixels(p.y / n) / kFixedOne};
+  };
   return {scaled(full.upper_left), scaled(full.upper_right), scaled(full.lower_left), scaled(full.lower_right)};
+}
+
+Rect united(const Rect& a, const Rect& b) {
+  if (a.empty() || b.empty()) {
+    return a.empty() ? b : a;
+  }
+  return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
 }
 
 // The rows of the canvas that a region reaches, whole, in canvas pixels.
@@ -63,10 +74,12 @@ Rect rowsOf(const CoverageRegion& region, const Rect& canvas) {
   return region.empty() || rows.empty() || is_beside ? Rect{} : rows;
 }
 
-void rethrowProgressFailure(const RowScheduler& rows) {
-  if (rows.progressFailure()) {
-    std::rethrow_exception(rows.progressFailure());
+Rect rowsOf(const std::vector<FramePlan>& moments, const Rect& canvas) {
+  Rect rows;
+  for (const FramePlan& plan : moments) {
+    rows = united(rows, rowsOf(plan.region, canvas));
   }
+  return rows;
 }
 
 // The bilinear renderer holds the layer's edges, and the corners on the canvas, in 16.16 too.
@@ -94,9 +107,10 @@ Result<void> checkBilinearReach(const FrameState& frame, const Rect& canvas) {
 }  // namespace
 
 FrameRender::FrameRender(const ModuleState& module, FrameState& frame, TileStore& tiles, const AnimatedCorners& corners,
-                         Size layer_size, const FrameOptions& options)
+                         const AnimatedCorners* source, Size layer_size, const FrameOptions& options)
     : job_{module, frame, layer_size, options}, tiles_(tiles) {
   frame.corners = &corners;
+  frame.source = source;
   frame.placed.reset();
   frame.space = SampleSpace::Centres;
   frame.downsample = options.downsample;
@@ -116,22 +130,44 @@ Result<FrameResult> FrameRender::render(const ConstImageView& layer, const Rect&
   const FrameOptions& options = job_.options;
   FrameState& frame = job_.frame;
   const BlockEdges block_edges = edgesOf(options) == Edges::Crisp ? BlockEdges::LeftOut : BlockEdges::Transparent;
-  Result<ImageView> input = layerAtResolution(layer, options.downsample, block_edges, &frame.scaled_layer);
+  Result<ImageView> input = layerForModule(layer, options.downsample, block_edges, &frame.scaled_layer);
   if (!input) {
     return tl::unexpected(std::move(input).error());
   }
   frame.depth = layer.depth;
   frame.input = worldOf(*input);
-  const double n = options.downsample;
-  const FramePlan plan(cornersAt(*frame.corners, options), layer.size.width / n, layer.size.height / n, input->size,
-                       options);
-  if (needsTiles(options, plan)) {
-    return renderInTiles(plan, *input, canvas, output);
+  if (Result<void> planned = planMoments(layer.size, input->size); !planned) {
+    return tl::unexpected(std::move(planned).error());
   }
-  place(plan);
+  if (tiles_.plans.size() > 1 || needsTiles(options, tiles_.plans.front())) {
+    return renderInTiles(*input, canvas, output);
+  }
+  place(tiles_.plans.front());
   return prepare(output).and_then([&] { return draw(canvas); }).and_then([&](const Rect& drawn) {
     return deliver(drawn, canvas, output);
   });
+}
+
+Result<void> FrameRender::planMoments(Size layer_size, Size scaled_size) {
+  const FrameOptions& options = job_.options;
+  const FrameState& frame = job_.frame;
+  const double n = options.downsample;
+  if (frame.source != nullptr && options.placement == Placement::Centres) {
+    return invalidArgument("source", "it needs corners that the layer's outline lies on; use that placement");
+  }
+  momentsOf(*frame.corners, frame.source, options, &tiles_.moments);
+  tiles_.plans.clear();
+  for (const double seconds : tiles_.moments) {
+    const auto source = frame.source != nullptr ? std::optional(cornersAt(*frame.source, seconds, n)) : std::nullopt;
+    tiles_.plans.emplace_back(cornersAt(*frame.corners, seconds, n), source, layer_size.width / n,
+                              layer_size.height / n, scaled_size, options);
+    if (!tiles_.plans.back().hasMap()) {
+      return invalidArgument("source",
+                             "it and the corners must both be strictly convex quadrilaterals, none of whose "
+                             "corners lies on a line with its neighbours; move the corner that does");
+    }
+  }
+  return {};
 }
 
 void FrameRender::place(const FramePlan& plan) {
@@ -145,14 +181,13 @@ void FrameRender::place(const FramePlan& plan) {
   job_.frame.space = SampleSpace::Outline;
 }
 
-Result<FrameResult> FrameRender::renderInTiles(const FramePlan& plan, const ImageView& layer, const Rect& canvas,
-                                               const ImageView& output) {
+Result<FrameResult> FrameRender::renderInTiles(const ImageView& layer, const Rect& canvas, const ImageView& output) {
   const auto begin = std::chrono::steady_clock::now();
-  TiledFrame tiles(job_.module, tiles_, plan, job_.options, layer);
+  TiledFrame tiles(job_.module, tiles_, job_.options, layer);
   return tiles.draw(job_.frame.rows, canvas, output).and_then([&] { return endOfFrame(); }).map([&] {
     FrameResult result;
-    result.path = plan.path;
-    result.drawn = rowsOf(plan.region, canvas);
+    result.path = tiles_.plans[tiles_.plans.size() / 2].path;
+    result.drawn = rowsOf(tiles_.plans, canvas);
     result.render_seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     return result;
   });
@@ -180,7 +215,6 @@ Result<Rect> FrameRender::draw(const Rect& canvas) {
     drawn = drawOnShiftedCanvas(job_, canvas).map([&] { return *drawn; });
   }
   if (!drawn) {
-    rethrowProgressFailure(frame.rows);
     return drawn;
   }
   return endOfFrame().map([&] { return *drawn; });
@@ -189,7 +223,6 @@ Result<Rect> FrameRender::draw(const Rect& canvas) {
 Result<void> FrameRender::endOfFrame() {
   RowScheduler& rows = job_.frame.rows;
   rows.report(1.0);
-  rethrowProgressFailure(rows);
   if (rows.stopRequested()) {
     return failure(ErrorKind::Interrupted, "frame", "the frame was stopped before it was done");
   }
@@ -216,8 +249,18 @@ Result<Rect> FrameRender::boundingBox() {
   FrameState& frame = job_.frame;
   frame.input.width = job_.layer_size.width;
   frame.input.height = job_.layer_size.height;
-  fillParameters(&frame, job_.options.time);
-  return askFrameSetup(job_, {-kFar, -kFar, kFar, kFar});
+  momentsOf(*frame.corners, frame.source, job_.options, &tiles_.moments);
+  Rect box;
+  for (const double seconds : tiles_.moments) {
+    frame.placed = frame.corners->at(seconds);
+    fillParameters(&frame, job_.options.time);
+    const Result<Rect> asked = askFrameSetup(job_, {-kFar, -kFar, kFar, kFar});
+    if (!asked) {
+      return asked;
+    }
+    box = united(box, *asked);
+  }
+  return box;
 }
 
 }  // namespace vantorel::host

@@ -75,6 +75,26 @@ Result<void> checkLayerReach(Size layer_size, int downsample) {
   return {};
 }
 
+Result<void> checkShutter(const FrameOptions& options) {
+  constexpr double kMostDegrees = 720.0;
+  constexpr int kMostMoments = 1024;
+  const Shutter& shutter = options.shutter;
+  const double offset = shutter.offset.value_or(0.0);
+  if (!(shutter.degrees >= 0.0 && shutter.degrees <= kMostDegrees)) {
+    return invalidArgument("shutter", std::to_string(shutter.degrees) + " degrees are not from 0 to 720");
+  }
+  if (!(offset >= -kMostDegrees && offset <= kMostDegrees)) {
+    return invalidArgument("shutter offset", std::to_string(offset) + " degrees are not from -720 to 720");
+  }
+  if (shutter.max_samples < 1 || shutter.max_samples > kMostMoments) {
+    return invalidArgument("shutter samples", std::to_string(shutter.max_samples) + " are not from 1 to 1024");
+  }
+  if (shutter.degrees > 0.0 && options.placement == Placement::Centres) {
+    return invalidArgument("shutter", "motion blur needs corners that the layer's outline lies on; use that placement");
+  }
+  return {};
+}
+
 Result<void> checkOptions(const FrameOptions& options) {
   if (options.downsample < 1) {
     return invalidArgument("downsample", std::to_string(options.downsample) + " is not 1 or more");
@@ -92,7 +112,7 @@ Result<void> checkOptions(const FrameOptions& options) {
   if (options.time.scale == 0) {
     return invalidArgument("time scale", "it must be 1 or more units per second");
   }
-  return {};
+  return checkShutter(options);
 }
 
 Result<void> checkParameters(const Module& module) {

@@ -27,13 +27,8 @@ struct AreaSamplers {
   PF_AreaSampler<PF_PixelFloat> sample_float;
 };
 
-// The samplers that modules get: those of the active instruction set.
-const AreaSamplers& areaSamplers(SampleSpace space = SampleSpace::Centres);
-
-// The samplers of an instruction set, which must be available. All give the same bits.
-const AreaSamplers& areaSamplersOf(InstructionSet set, SampleSpace space = SampleSpace::Centres);
-
-// The text above put into code as plainly as may be: what every faster sampler must equal, to the bit.
-const AreaSamplers& referenceAreaSamplers();
+// The samplers of an instruction set, which must be available; modules get those of the active one. All give the same
+// bits.
+const AreaSamplers& areaSamplers(InstructionSet set, SampleSpace space = SampleSpace::Centres);
 
 }  // namespace vantorel::host

@@ -1,15 +1,64 @@
-// The area samplers with AVX2 and FMA; called only where the machine has them.
-#if defined(__AVX2__) && defined(__FMA__)
-
-#include "host/sampling/SmallBoxesAvx2.inl"
-#include "host/sampling/VectorAreaSamplers.inl"
+// The area samplers with AVX2 and FMA; called only where the processor has them. Here are the small boxes of 8 and
+// 16-bit pixels, which most pixels need: without a loop or a branch, summed in doubles, four channels at once.
+#include "host/sampling/SimdPixels.inl"
 
 namespace vantorel::host {
 
-const AreaSamplerTables& avx2AreaSamplers() {
-  return kSamplerTables;
+namespace {
+
+// The mean of the two by two pixels at `pixel`, of which the second column and row weigh `x` and `y`. The columns are
+// summed in integers, and those sums, of up to 32 bits, in doubles, which hold every step exactly.
+template <typename Pixels>
+inline void meanOfTwoByTwo(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
+                           typename Pixels::Pixel* out) {
+  const __m256i upper = Pixels::widenPair(pixel);
+  const __m256i lower = Pixels::widenPair(pixel + row_bytes);
+  const __m256i rise = _mm256_mullo_epi32(_mm256_sub_epi32(lower, upper), _mm256_set1_epi32(y));
+  const __m256i columns =
+      _mm256_xor_si256(_mm256_add_epi32(_mm256_slli_epi32(upper, 16), rise), _mm256_set1_epi32(Pixels::kSignFlip));
+  const __m256d left = _mm256_cvtepi32_pd(_mm256_castsi256_si128(columns));
+  const __m256d right = _mm256_cvtepi32_pd(_mm256_extracti128_si256(columns, 1));
+  const __m256d right_weight = _mm256_mul_pd(_mm256_cvtepi32_pd(_mm_set1_epi32(x)), _mm256_set1_pd(0x1p-32));
+  const __m256d left_weight = _mm256_sub_pd(_mm256_set1_pd(0x1p-16), right_weight);
+  const __m256d rounding = _mm256_set1_pd(Pixels::kSignedZero + 0.5);
+  const __m256d mean = _mm256_fmadd_pd(right, right_weight, _mm256_fmadd_pd(left, left_weight, rounding));
+  Pixels::storeLanes(_mm256_cvttpd_epi32(mean), out);
 }
+
+// sum / area rounded to nearest, halves up, for the sums of weighted 8 or 16-bit channels and the areas of boxes of up
+// to two pixels' size: whole numbers, the areas up to 2^34 and multiples of 4. It is taken by the area's reciprocal,
+// which does not wait for the sum. With a half added, the quotient is a whole number or at least 2^-34 below the next,
+// and the computed one is off by less than 2^-36: with 2^-35 added besides, truncation finds the right one.
+inline __m128i roundedQuotient(__m256d sum, __m256d area) {
+  const __m256d reciprocal = _mm256_div_pd(_mm256_set1_pd(1.0), area);
+  return _mm256_cvttpd_epi32(_mm256_fmadd_pd(sum, reciprocal, _mm256_set1_pd(0.5 + 0x1p-35)));
+}
+
+// The mean of a box that lies within the three by three pixels at `pixel`, summed in doubles, which hold it exactly.
+template <typename Pixels>
+inline void meanOfThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x_centre,
+                               std::int32_t y_centre, const PF_SampleParams& params, typename Pixels::Pixel* out) {
+  const ThreeWeights weights = threeWeights(smallBox(x_centre, y_centre, params));
+  const __m256d x[3] = {broadcastX(weights.weight[0]), broadcastX(weights.weight[1]), broadcastX(weights.weight[2])};
+  __m256d total = _mm256_setzero_pd();
+  for (int row = 0; row < 3; ++row, pixel += row_bytes) {
+    __m256d sum = _mm256_mul_pd(x[0], Pixels::widen(pixel));
+    sum = _mm256_fmadd_pd(x[1], Pixels::widen(pixel + Pixels::kPixelBytes), sum);
+    sum = _mm256_fmadd_pd(x[2], Pixels::widen(pixel + 2 * Pixels::kPixelBytes), sum);
+    const __m256d y = broadcastY(weights.weight[row]);
+    total = _mm256_fmadd_pd(y, sum, total);
+  }
+  Pixels::storeLanes(roundedQuotient(total, areaOf(weights)), out);
+}
+
+}  // namespace
 
 }  // namespace vantorel::host
 
-#endif
+#include "host/sampling/AreaSamplerVector.inl"
+
+namespace vantorel::host {
+
+const AreaSamplerTables kAvx2AreaSamplers = kSamplerTables;
+
+}  // namespace vantorel::host

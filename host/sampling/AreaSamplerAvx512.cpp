@@ -1,16 +1,149 @@
-// The area samplers with AVX-512 (F, DQ, VL, BW, IFMA); called only where the machine has it.
-#if defined(__AVX512F__) && defined(__AVX512DQ__) && defined(__AVX512VL__) && defined(__AVX512BW__) && \
-    defined(__AVX512IFMA__)
-
-#include "host/sampling/SmallBoxesAvx512.inl"
-#include "host/sampling/VectorAreaSamplers.inl"
+// The area samplers with AVX-512 (F, DQ, VL, BW, IFMA); called only where the processor has them. Here are the small
+// boxes of 8 and 16-bit pixels, which most pixels need: without a loop or a branch, summed in integers of 64 bits, two
+// pixels of a row at once.
+#include "host/sampling/SimdPixels.inl"
 
 namespace vantorel::host {
 
-const AreaSamplerTables& avx512AreaSamplers() {
-  return kSamplerTables;
+namespace {
+
+inline __m512i widenPair64(const std::byte* pixels, Pixels8) {
+  return _mm512_cvtepu8_epi64(loadBytes8(pixels));
 }
+inline __m512i widenPair64(const std::byte* pixels, Pixels16) {
+  return _mm512_cvtepu16_epi64(loadBytes16(pixels));
+}
+inline __m256i widenOne64(const std::byte* pixel, Pixels8) {
+  return _mm256_cvtepu8_epi64(loadBytes4(pixel));
+}
+inline __m256i widenOne64(const std::byte* pixel, Pixels16) {
+  return _mm256_cvtepu16_epi64(loadBytes8(pixel));
+}
+
+inline void storeLow(__m256i lanes, PF_Pixel8* out) {
+  const int bytes = _mm_cvtsi128_si32(_mm256_cvtepi64_epi8(lanes));
+  __builtin_memcpy(out, &bytes, 4);
+}
+inline void storeLow(__m256i lanes, PF_Pixel16* out) {
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm256_cvtepi64_epi16(lanes));
+}
+
+inline __m256i constant256(const std::int64_t* lanes) {
+  return _mm256_load_si256(reinterpret_cast<const __m256i*>(lanes));
+}
+inline __m512i constant512(const std::int64_t* lanes) {
+  return _mm512_load_si512(lanes);
+}
+
+inline __m256i sumOfHalves(__m512i lanes) {
+  return _mm256_add_epi64(_mm512_castsi512_si256(lanes), _mm512_extracti64x4_epi64(lanes, 1));
+}
+
+// left * 65536 + (right - left) * weight, for the sums of columns of both depths.
+inline __m256i mixColumns(__m256i left, __m256i right, std::int32_t weight, Pixels8) {
+  const __m256i rise = _mm256_mul_epi32(_mm256_sub_epi64(right, left), _mm256_set1_epi64x(weight));
+  return _mm256_add_epi64(_mm256_slli_epi64(left, 16), rise);
+}
+inline __m256i mixColumns(__m256i left, __m256i right, std::int32_t weight, Pixels16) {
+  // The difference would not fit 32 bits.
+  return _mm256_add_epi64(_mm256_mul_epu32(left, _mm256_set1_epi64x(65536 - weight)),
+                          _mm256_mul_epu32(right, _mm256_set1_epi64x(weight)));
+}
+
+// The mean of the two by two pixels at `pixel`, of which the second column and row weigh `x` and `y`.
+template <typename Pixels>
+inline void meanOfTwoByTwo(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
+                           typename Pixels::Pixel* out) {
+  const __m512i upper = widenPair64(pixel, Pixels{});
+  const __m512i lower = widenPair64(pixel + row_bytes, Pixels{});
+  const __m512i rise = _mm512_mul_epi32(_mm512_sub_epi64(lower, upper), _mm512_set1_epi64(y));
+  const __m512i columns = _mm512_add_epi64(_mm512_slli_epi64(upper, 16), rise);
+  const __m256i total = mixColumns(_mm512_castsi512_si256(columns), _mm512_extracti64x4_epi64(columns, 1), x, Pixels{});
+  const __m256i rounded = _mm256_add_epi64(total, constant256(kVectorConstants.rounding));
+  storeLow(_mm256_srli_epi64(rounded, 32), out);
+}
+
+// sum / area rounded to nearest, halves up, in the low bits of 64-bit lanes, for whole sums and areas of up to 2^34. It
+// is rounded by the processor: added to 2^52, whose last digit is 1, a number becomes a whole one. The reciprocal,
+// which does not wait for the sum, is taken too large by 2^-53 to 2^-51.4 of itself, so that halves come out above the
+// half; and since a quotient below a half is at least 2^-35 below it, no other one does.
+inline __m256i roundedQuotientBits(__m256d sum, __m256d area) {
+  const __m256d reciprocal = _mm256_div_pd(_mm256_set1_pd(1.0 + 0x1p-52), area);
+  return _mm256_castpd_si256(_mm256_fmadd_pd(sum, reciprocal, _mm256_set1_pd(0x1p52)));
+}
+
+// lanes * weight, for sums of columns of both depths.
+inline __m256i weighted(__m256i lanes, __m256i weight, Pixels8) {
+  return _mm256_mul_epu32(lanes, weight);
+}
+inline __m256i weighted(__m256i lanes, __m256i weight, Pixels16) {
+  return _mm256_madd52lo_epu64(_mm256_setzero_si256(), lanes, weight);  // a sum takes 33 bits
+}
+inline __m512i weighted(__m512i lanes, __m512i weights, Pixels8) {
+  return _mm512_mul_epu32(lanes, weights);
+}
+inline __m512i weighted(__m512i lanes, __m512i weights, Pixels16) {
+  return _mm512_madd52lo_epu64(_mm512_setzero_si512(), lanes, weights);
+}
+
+// y in lane 0 and x in lane 1 of 64 bits.
+inline __m128i bothAxes(std::int32_t x, std::int32_t y) {
+  return _mm_unpacklo_epi64(_mm_cvtsi32_si128(y), _mm_cvtsi32_si128(x));
+}
+
+// The mean of a box that lies within the three by three pixels at `pixel`.
+template <typename Pixels>
+inline void meanOfThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
+                               const PF_SampleParams& params, typename Pixels::Pixel* out) {
+  // Where the box begins and ends from its first pixel on, and from these the weights, of the rows in lane 0 and of the
+  // columns in lane 1.
+  const __m128i one = constant128(kVectorConstants.one);
+  const __m128i two = constant128(kVectorConstants.two);
+  const __m128i radius = _mm_shuffle_epi32(_mm_cvtepu32_epi64(loadBytes8(&params.x_radius)), 0x4E);
+  const __m128i length = _mm_add_epi64(radius, radius);
+  const __m128i from_centre = _mm_sub_epi32(bothAxes(x, y), radius);
+  const __m128i begin = _mm_and_si128(_mm_add_epi32(from_centre, constant128(kVectorConstants.half)),
+                                      constant128(kVectorConstants.fraction));
+  const __m128i end = _mm_add_epi64(begin, length);
+  const __m128i first = _mm_sub_epi64(one, begin);
+  const __m128i second = _mm_sub_epi64(_mm_min_epu32(end, two), one);
+  const __m128i third = _mm_sub_epi64(_mm_max_epu32(end, two), two);
+
+  // The rows' sums of the first two columns and of the third.
+  const std::byte* const lower = pixel + row_bytes;
+  const std::byte* const lowest = lower + row_bytes;
+  const __m512i rows[3] = {_mm512_broadcastq_epi64(first), _mm512_broadcastq_epi64(second),
+                           _mm512_broadcastq_epi64(third)};
+  const auto row_of_third = [&](int i) { return _mm512_castsi512_si256(rows[i]); };
+  const __m512i upper_pairs = _mm512_madd52lo_epu64(_mm512_mul_epu32(widenPair64(pixel, Pixels{}), rows[0]),
+                                                    widenPair64(lower, Pixels{}), rows[1]);
+  const __m512i pairs = _mm512_add_epi64(upper_pairs, _mm512_mul_epu32(widenPair64(lowest, Pixels{}), rows[2]));
+  constexpr std::ptrdiff_t kTwoPixels = 2 * Pixels::kPixelBytes;
+  const __m256i upper_thirds =
+      _mm256_madd52lo_epu64(_mm256_mul_epu32(widenOne64(pixel + kTwoPixels, Pixels{}), row_of_third(0)),
+                            widenOne64(lower + kTwoPixels, Pixels{}), row_of_third(1));
+  const __m256i thirds =
+      _mm256_add_epi64(upper_thirds, _mm256_mul_epu32(widenOne64(lowest + kTwoPixels, Pixels{}), row_of_third(2)));
+
+  const __m512i columns = _mm512_permutex2var_epi64(
+      _mm512_castsi128_si512(first), constant512(kVectorConstants.pair_lanes), _mm512_castsi128_si512(second));
+  const __m256i third_column = _mm256_permute4x64_epi64(_mm256_castsi128_si256(third), 0x55);
+  const __m256i total =
+      _mm256_add_epi64(sumOfHalves(weighted(pairs, columns, Pixels{})), weighted(thirds, third_column, Pixels{}));
+  const __m128d lengths = _mm_cvtepi64_pd(length);
+  const __m256d area =
+      _mm256_mul_pd(_mm256_broadcastsd_pd(lengths), _mm256_permute4x64_pd(_mm256_castpd128_pd256(lengths), 0x55));
+  storeLow(roundedQuotientBits(_mm256_cvtepu64_pd(total), area), out);
+}
+
+}  // namespace
 
 }  // namespace vantorel::host
 
-#endif
+#include "host/sampling/AreaSamplerVector.inl"
+
+namespace vantorel::host {
+
+const AreaSamplerTables kAvx512AreaSamplers = kSamplerTables;
+
+}  // namespace vantorel::host

@@ -1,4 +1,5 @@
-// The variants that areaSamplers() chooses from; all give the same bits.
+// The variants that AreaSampler.cpp chooses from; those beyond the scalar one exist on x86-64 only. The vector variants
+// leave to the scalar one what they have no code for.
 #pragma once
 
 #include "host/sampling/AreaSampler.h"
@@ -11,13 +12,8 @@ struct AreaSamplerTables {
   VANTOREL_INLINE constexpr const AreaSamplers& centres() const { return in[0]; }
 };
 
-// For every machine.
-const AreaSamplerTables& plainAreaSamplers();
-
-// For machines with AVX2 and FMA; exists on x86-64 only.
-const AreaSamplerTables& avx2AreaSamplers();
-
-// For machines with AVX-512, as far as its processors since about 2019 have it; exists on x86-64 only.
-const AreaSamplerTables& avx512AreaSamplers();
+extern const AreaSamplerTables kScalarAreaSamplers;
+extern const AreaSamplerTables kAvx2AreaSamplers;
+extern const AreaSamplerTables kAvx512AreaSamplers;
 
 }  // namespace vantorel::host

@@ -5,10 +5,11 @@
 #include "cli/base/FramePattern.h"
 #include "cli/base/FrameRange.h"
 #include "cli/base/SizeParsing.h"
+#include "cli/base/Text.h"
 #include "cli/commands/Suggestion.h"
 #include "cli/corners/Corners.h"
 #include "cli/pictures/ImageFormats.h"
-#include "cli/shots/FrameWorkers.h"
+#include "cli/shots/RunSummary.h"
 
 namespace vantorel::cli {
 namespace {
@@ -56,6 +57,7 @@ TEST(Argument, FrameRangesCountUpAndMayBeNegative) {
   for (const char* text : {"", "-", "1-", "-1-", "a-b", "5-1", "1-5x0", "1-5x", "1-5x-1", "1..5", "1-99999999999"}) {
     EXPECT_NE(faultOf(parseFrameRange, text), "") << text;
   }
+  EXPECT_NE(faultOf(parseFrameRange, "1-9999999999").find("beyond the frame numbers"), std::string::npos);
 }
 
 TEST(Argument, FrameRatesGiveTheTimesOfFrames) {
@@ -124,6 +126,13 @@ TEST(Argument, SuggestionsAreNearOrNone) {
 TEST(Argument, FailedFramesAreListedAsRanges) {
   EXPECT_EQ(frameList({9, 3, 7, 8}), "3, 7-9");
   EXPECT_EQ(frameList({-1, 0}), "-1-0");
+}
+
+TEST(Argument, TextsFromOutsideAreSafeToShow) {
+  EXPECT_EQ(escaped("plain, \xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80"), "plain, \xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80");
+  EXPECT_EQ(escaped(std::string("a\0b\x1b[2J\n\x7f", 8)), "a\\x00b\\x1b[2J\\x0a");
+  EXPECT_EQ(escaped("\xC2\x9B \x9B \xE2\x82"), "\\xc2\\x9b \\x9b \\xe2\\x82");
+  EXPECT_EQ(badArgument("--ul", "'\x1b' is bad").text(), "--ul: '\\x1b' is bad");
 }
 
 }  // namespace

@@ -74,23 +74,25 @@ TEST(CommandError, Arguments) {
           {"render card.png", 2, "--output: is missing"},
           {still + "other.png", 2, "other.png: unexpected argument"},
           {still + "--qualty high", 2, "--qualty: unknown option of 'render'; did you mean '--quality'?"},
-          {still + "--quality best", 2, "--quality: 'best' is not known; give one of high, standard"},
+          {still + "--quality finest", 2, "--quality: 'finest' is not known; give one of best, high, standard"},
           {still + "--depth 12", 2, "--depth"},
           {still + "--protocol smooth", 2, "--protocol"},
           {still + "--ul", 2, "--ul"},
+          {still + "--ul ''", 2, "--ul: '' is not a position"},
+          {"render card.png -o=none/out.png", 3, "none/out.png: the folder 'none'"},
+          {"render card.png -o=", 2, "--output: is an empty file name"},
           {still + "--ul 1,nan", 2, "--ul: 'nan' is not finite"},
           {still + "--lr 1,x", 2, "--lr: 'x' is not a number"},
           {still + "--ur 32768,0", 2, "--ur: 32768 pixels is outside"},
           {still + "--ur 99999%,0", 2, "--ur: "},
           {still + "--size 0x10", 2, "--size"},
-          {still + "--size 100000x100000", 1, "--size: a picture of 100000x100000 at 8 bits needs 37.3 GiB"},
+          {still + "--size 100000x100000", 1, "--size: a picture of 100000x100000 at 16 bits needs 74.5 GiB"},
           {still + "--size 2147483647x2147483647 --depth float", 1, "bits needs 64.0 EiB of memory"},
           {still + "--size 10x10 --fit", 2, "--fit: cannot be given together with --size"},
           {still + "--over card.png --size 10x10", 2, "--size: 10x10 is not the plate's size, 64x48"},
           {still + "--over card.png --fit", 2, "--fit: cannot be given together with --over"},
           {still + "--corners track.csv --ul 1,1", 2, "--ul: cannot be given together with --corners"},
           {still + "--corners track.txt", 2, "--corners: 'track.txt' ends in neither"},
-          {still + "--linear --depth 8", 2, "--linear: renders in float"},
           {still + "--downsample 0", 2, "--downsample"},
           {still + "--threads 0", 2, "--threads"},
           {still + "--fps 0 --frames 1", 2, "--fps"},
@@ -132,6 +134,16 @@ TEST(CommandError, Files) {
   runWell(folder, "testcard -o card.png --size 64x48");
   runWell(folder, "testcard -o short.png --size 640x480");
   folder.cutShort("short.png", 0.7);
+  runWell(folder, "testcard -o spoilt.png --size 640x480");
+  folder.damage("spoilt.png", 0.5);
+  std::filesystem::permissions(folder.path(), std::filesystem::perms::all);
+  folder.write("secret.png", "");
+  folder.write("secret.csv", "");
+  for (const char* name : {"secret.png", "secret.csv"}) {
+    std::filesystem::permissions(folder / name, std::filesystem::perms::none);
+  }
+  // Root may read everything.
+  const std::string other = geteuid() == 0 ? "setpriv --reuid=65534 --clear-groups" : "";
   folder.write("text.png", "no picture at all");
   folder.write("track.csv", "1,0,0,60,0,0,40,60,forty\n");
   std::filesystem::create_directory(folder / "folder.png");
@@ -139,7 +151,7 @@ TEST(CommandError, Files) {
   expectRefusedInProcess(
       folder, {
                   {"render none.png" + still, 3, "none.png: does not exist"},
-                  {"render folder.png" + still, 3, "folder.png: is not a file"},
+                  {"render folder.png" + still, 3, "folder.png: is a folder; give a picture file"},
                   {"render card.png --over none.png" + still, 3, "none.png: does not exist"},
                   {"render card.png --corners none.csv" + still, 3, "none.csv: does not exist"},
                   {"render card.png --corners track.csv" + still, 3, "track.csv: line 1: lry: 'forty' is not a number"},
@@ -155,6 +167,9 @@ TEST(CommandError, Files) {
       {
           {"render text.png" + still, 3, "text.png: cannot be read as a picture"},
           {"render short.png" + still, 3, "short.png: is truncated"},
+          {"render spoilt.png" + still, 3, "spoilt.png: "},
+          {"render secret.png" + still, 3, "secret.png: cannot be opened (Permission denied)", other},
+          {"render card.png --corners secret.csv" + still, 3, "secret.csv: cannot be opened (Permission", other},
           {"render card.png --over short.png" + still, 3, "short.png: is truncated"},
           {"render card.png" + still, 2, "VANTOREL_SIMD: \"mmx\" is not", "export VANTOREL_SIMD=mmx;"},
           // What a full disk gives: every write beyond the limit fails.

@@ -1,7 +1,9 @@
 #include "CommandRunner.h"
 
 #include <OpenImageIO/imageio.h>
+#include <pty.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <cstdlib>
@@ -40,6 +42,26 @@ CommandResult run(const TestFolder& folder, const std::string& arguments, const 
   std::filesystem::remove(out);
   std::filesystem::remove(err);
   return result;
+}
+
+std::string runInTerminal(const TestFolder& folder, const std::string& arguments, unsigned short columns) {
+  const std::string command = "cd '" + folder.path() + "'; exec '" VANTOREL_COMMAND "' " + arguments;
+  const winsize size{24, columns, 0, 0};
+  int terminal = -1;
+  const pid_t child = forkpty(&terminal, nullptr, nullptr, &size);
+  if (child == 0) {
+    execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+    _exit(127);
+  }
+  std::string text;
+  char part[4096];
+  // At the end of the other side the terminal gives an error.
+  for (ssize_t size_read = 0; (size_read = read(terminal, part, sizeof part)) > 0;) {
+    text.append(part, static_cast<std::size_t>(size_read));
+  }
+  close(terminal);
+  waitpid(child, nullptr, 0);
+  return text;
 }
 
 CommandResult runWell(const TestFolder& folder, const std::string& arguments) {

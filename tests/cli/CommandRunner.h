@@ -22,6 +22,9 @@ struct CommandResult {
 // that set the scene, such as "ulimit -f 8;".
 CommandResult run(const TestFolder& folder, const std::string& arguments, const std::string& before = "");
 
+// What `vantorel ARGUMENTS` writes, both streams together, when run in a terminal of that many columns.
+std::string runInTerminal(const TestFolder& folder, const std::string& arguments, unsigned short columns);
+
 // Runs it and expects success.
 CommandResult runWell(const TestFolder& folder, const std::string& arguments);
 

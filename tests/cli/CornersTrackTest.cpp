@@ -56,6 +56,7 @@ TEST(CornersTrack, CsvFaultsNameLineAndField) {
   expectFault(fault(good + "2,,1,2,3,4,5,6,7\n"), "track: line 2: ulx", "is empty");
   expectFault(fault("# note\n" + good + "1.0,0,1,2,3,4,5,6,7\n"), "track: line 3: frame", "line 2 already");
   expectFault(fault("inf,0,1,2,3,4,5,6,7\n"), "track: line 1: frame", "not finite");
+  expectFault(fault("1\n"), "track: line 1", "has 1 field instead");
   expectFault(fault("# nothing\n"), "track", "no keys");
   expectFault(fault(""), "track", "no keys");
 }
@@ -85,6 +86,8 @@ TEST(CornersTrack, JsonFaultsNameLineAndField) {
   expectFault(fault_of_keys(jsonKey("1", "[0,\n70000\n]")), "track: line 3: keys[0].ul[1]", "outside");
   expectFault(fault_of_keys(jsonKey("1", "[0]")), "track: line 2: keys[0].ul", "not a position");
   expectFault(fault_of_keys("{\"frame\": 1}"), "track: line 2: keys[0]", "has no \"ul\"");
+  expectFault(fault("{\"keys\": [],\n\"keys\": [1]}"), "track: line 2: keys", "stands twice");
+  expectFault(fault_of_keys("{\"frame\": 1,\n\"frame\": 2}"), "track: line 3: keys[0].frame", "stands twice");
   expectFault(fault_of_keys(jsonKey("1e999", "[0, 0]")), "track", "");
 }
 
@@ -96,6 +99,11 @@ TEST(CornersTrack, KeysAreHeldOutsideAndReachedExactly) {
   EXPECT_EQ(point.at(rate.seconds(20)), (host::Point{5.0, 10.0}));
   EXPECT_EQ(point.at(rate.seconds(99)), (host::Point{5.0, 10.0}));
   EXPECT_NEAR(point.at(rate.seconds(15)).y, 5.0, 1e-9);
+  // What only the layer's size puts out of range is the file's fault as well.
+  const auto animate = [&](const std::string& text, const std::string& name) {
+    toAnimation(parseCornersCsv(text, name), {1920, 1080}, rate);
+  };
+  expectFault(faultOf(animate, "3,2000%,0,9,0,0,9,9,9\n"), "track: frame 3: ul: 38400 pixels", "outside");
 }
 
 }  // namespace

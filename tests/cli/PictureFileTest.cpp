@@ -11,6 +11,7 @@
 
 #include "TestFolder.h"
 #include "cli/base/CommandError.h"
+#include "cli/pictures/FileRecord.h"
 #include "cli/pictures/ImageReader.h"
 #include "cli/pictures/ImageWriter.h"
 #include "cli/pictures/OutputFile.h"
@@ -298,6 +299,31 @@ TEST(PictureFile, OffsetsNearTheEndsOfTheirRangeAreRefused) {
       }
     }
   }
+}
+
+TEST(PictureFile, RecordsTellSettingsAndDamage) {
+  const TestFolder folder;
+  const host::Image image = sample(host::Depth::Float);
+  for (const char* name : {"a.png", "a.jpg", "a.tif", "a.exr", "a.dpx"}) {
+    const std::string path = folder / name;
+    const ImageFormat& format = formatForOutput("", path);
+    OutputPicture picture = describe(image, outputSamples(format, DepthChoice::Auto, SampleType::Float));
+    picture.settings = 42;
+    writePicture(path, format, picture, {});
+    EXPECT_NO_THROW(readAt(path, host::Depth::Float)) << name;
+    EXPECT_EQ(checkRecord(path, 42), RecordState::Matches) << name;
+    EXPECT_EQ(checkRecord(path, 43), RecordState::OtherSettings) << name;
+    for (const double share : {0.0, 0.3, 0.6, 0.999}) {
+      folder.damage(name, share);
+      EXPECT_EQ(checkRecord(path, 42), RecordState::Damaged) << name << " " << share;
+      folder.damage(name, share);
+    }
+    folder.cutShort(name, 0.9999);
+    EXPECT_NE(checkRecord(path, 42), RecordState::Matches) << name;
+  }
+  folder.write("text.png", "no picture");
+  EXPECT_EQ(checkRecord(folder / "text.png", 42), RecordState::Absent);
+  EXPECT_EQ(checkRecord(folder / "none.png", 42), RecordState::Absent);
 }
 
 TEST(PictureFile, CameraOrientationsAreTurnedUpright) {

@@ -32,23 +32,57 @@ TEST(RenderCommand, PathProtocolAndThreadsDoNotChangeThePicture) {
   struct Shape {
     const char* corners;
     const char* path;
+    const char* warning;
   };
   for (const Shape& shape :
-       {Shape{kTurned, "perspective"}, Shape{" --ul 20,10 --ur 60,80 --ll 10,120 --lr 150,140", "bilinear"}}) {
+       {Shape{kTurned, "perspective", ""},
+        Shape{
+            " --ul 20,10 --ur 60,80 --ll 10,120 --lr 150,140", "bilinear",
+            "vantorel: the picture was drawn by bilinear mapping, since the corners make no convex quadrilateral\n"}}) {
     for (const std::string quality : {"high", "standard"}) {
       const std::string common = shape.corners + (" --quality " + quality);
-      const auto lines = runWell(folder, "render card.png -o a.png --json" + common).lines();
+      const CommandResult told = run(folder, "render card.png -o a.png --json" + common);
+      EXPECT_EQ(told.err, shape.warning);
+      const auto lines = told.lines();
       ASSERT_EQ(lines.size(), 1u);
       EXPECT_EQ(lines[0]["path"], shape.path);
-      EXPECT_EQ(lines[0]["depth"], 8);
+      EXPECT_EQ(lines[0]["depth"], 16);  // of an 8-bit file with soft alpha
       EXPECT_EQ(lines[0]["size"], (std::vector<int>{200, 150}));
       EXPECT_EQ(lines[0]["output"], "a.png");
       EXPECT_GT(lines[0]["render_ms"], 0.0);
-      runWell(folder, "render card.png -o b.png --protocol plain --threads 1" + common);
+      EXPECT_EQ(run(folder, "render card.png -o b.png --protocol plain --threads 1" + common).code, 0);
       EXPECT_EQ(difference(folder / "a.png", folder / "b.png"), 0.0) << quality << shape.path;
       EXPECT_GT(difference(folder / "a.png", folder / "card.png"), 0.05);
     }
   }
+}
+
+// Every colour under every alpha. At 8 bits those under an alpha of 4 are off by up to 32.
+TEST(RenderCommand, AnIdentityKeepsSoftAlphaAtAutomaticDepth) {
+  const TestFolder folder;
+  const auto write = [&](const std::string& name, bool opaque) {
+    OIIO::ImageSpec spec(256, 256, 4, OIIO::TypeDesc::UINT8);
+    spec.attribute("oiio:UnassociatedAlpha", 1);
+    std::vector<std::uint8_t> pixels;
+    for (int i = 0; i < 256 * 256; ++i) {
+      const auto alpha = static_cast<std::uint8_t>(i / 256);
+      const auto colour = static_cast<std::uint8_t>(alpha == 0 ? 0 : i % 256);
+      pixels.insert(pixels.end(), {colour, colour, colour, opaque ? std::uint8_t{255} : alpha});
+    }
+    const auto output = OIIO::ImageOutput::create(name);
+    ASSERT_TRUE(output->open(folder / name, spec) && output->write_image(OIIO::TypeDesc::UINT8, pixels.data()));
+  };
+  write("soft.png", false);
+  write("opaque.png", true);
+  const auto depth_of = [&](const std::string& arguments) {
+    return runWell(folder, "render " + arguments + " --json").lines()[0]["depth"].get<int>();
+  };
+  EXPECT_EQ(depth_of("soft.png -o same.png"), 16);
+  EXPECT_EQ(difference(folder / "soft.png", folder / "same.png"), 0.0);
+  EXPECT_EQ(OIIO::ImageInput::open(folder / "same.png")->spec().format, OIIO::TypeDesc::UINT8);
+  EXPECT_EQ(depth_of("soft.png -o same.png --depth 8"), 8);
+  EXPECT_EQ(depth_of("opaque.png -o same.png"), 8);
+  EXPECT_EQ(depth_of("opaque.png --over soft.png -o same.png"), 16);
 }
 
 TEST(RenderCommand, DepthsAgreeWithinTheirRounding) {
@@ -89,7 +123,7 @@ TEST(RenderCommand, ProxiesShowTheSamePictureSmaller) {
   runWell(folder, "testcard -o card.png --size 403x301");
   runWell(folder, "testcard -o plate.png --size 403x301");
   for (const std::string options : {"", " --over plate.png", " --fit"}) {
-    const std::string common = options + " --ul 40,20 --ur 360,60 --ll 20,240 --lr 300,280";
+    const std::string common = options + " --quality high --ul 40,20 --ur 360,60 --ll 20,240 --lr 300,280";
     runWell(folder, "render card.png -o full.exr" + common);
     const auto line = runWell(folder, "render card.png -o half.exr --json --downsample 2" + common).lines().at(0);
     if (options != " --fit") {
@@ -141,6 +175,11 @@ TEST(RenderCommand, LinearLightBrightensMixesOfBlackAndWhite) {
   EXPECT_NEAR(middle("plain.png"), 128, 2);
   runWell(folder, "render a.png -o linear.png --linear" + shrink);
   EXPECT_NEAR(middle("linear.png"), 188, 2);  // half the light in sRGB
+  const std::string deep = shrink + " --linear --depth ";
+  EXPECT_EQ(runWell(folder, "render a.png -o linear8.png --json" + deep + "8").lines()[0]["depth"], 32);
+  EXPECT_EQ(middle("linear8.png"), middle("linear.png"));
+  runWell(folder, "render a.png -o linear16.png" + deep + "16");
+  EXPECT_EQ(OIIO::ImageInput::open(folder / "linear16.png")->spec().format, OIIO::TypeDesc::UINT16);
 }
 
 TEST(RenderCommand, InfoShowsTheModuleAndTheInstructionSets) {

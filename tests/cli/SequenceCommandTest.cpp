@@ -52,27 +52,67 @@ TEST(SequenceCommand, LayerSequencesGoOverAStillPlateAndStepsAreKept) {
   EXPECT_FALSE(std::filesystem::exists(folder / outputName(2)));
 }
 
-TEST(SequenceCommand, ResumeRendersWhatIsMissingOldOrBroken) {
-  const TestFolder folder;
-  makeShot(folder);
-  runWell(folder, kShot);
-  std::filesystem::remove(folder / outputName(1));
-  folder.cutShort(outputName(2), 0.5);
-  // The plate of frame 4 is newer than its output.
-  std::filesystem::last_write_time(folder / "plate.4.jpg",
-                                   std::filesystem::last_write_time(folder / outputName(4)) + std::chrono::seconds(1));
-  const CommandResult result = run(folder, std::string(kShot) + " --resume --json");
-  EXPECT_EQ(result.code, 0);
-  EXPECT_NE(result.err.find("skipped 2 of 5 frames"), std::string::npos) << result.err;
+// The frames of the lines, and that standard error says all of that.
+std::set<int> resumed(const TestFolder& folder, const std::string& shot, const std::vector<std::string>& said) {
+  const CommandResult result = run(folder, shot + " --resume --json");
+  EXPECT_EQ(result.code, 0) << result.err;
+  for (const std::string& text : said) {
+    EXPECT_NE(result.err.find(text), std::string::npos) << text << "\n" << result.err;
+  }
   std::set<int> frames;
   for (const nlohmann::json& line : result.lines()) {
     frames.insert(line["frame"].get<int>());
   }
-  EXPECT_EQ(frames, (std::set<int>{1, 2, 4}));
+  return frames;
+}
+
+TEST(SequenceCommand, ResumeRendersWhatIsMissingOldDamagedOrMadeInAnotherWay) {
+  namespace fs = std::filesystem;
+  const TestFolder folder;
+  makeShot(folder);
+  runWell(folder, kShot);
+  fs::remove(folder / outputName(1));
+  folder.damage(outputName(2), 0.5);
+  folder.cutShort(outputName(3), 0.5);
+  // The plate of frame 4 is newer than its output.
+  fs::last_write_time(folder / "plate.4.jpg", fs::last_write_time(folder / outputName(4)) + std::chrono::seconds(1));
+  EXPECT_EQ(resumed(folder, kShot,
+                    {"vantorel: skipped 1 of 5 frames", "rendered again, damaged: frames 2-3\n",
+                     "rendered again, older than the inputs: frame 4\n"}),
+            (std::set<int>{1, 2, 3, 4}));
+
+  fs::last_write_time(folder / "plate.4.jpg", fs::last_write_time(folder / "plate.5.jpg"));
+  // A picture of another format, of another hand, of another frame, and all others as they were.
+  const auto later = fs::file_time_type::clock::now() + std::chrono::seconds(2);
+  runWell(folder, std::string(kShot) + " --frames 1 -o other.jpg");
+  fs::rename(folder / "other.jpg", folder / outputName(1));
+  fs::copy_file(folder / outputName(3), folder / outputName(4), fs::copy_options::overwrite_existing);
+  folder.write(outputName(2), "not a picture of this command's");
+  for (int frame = 1; frame <= 5; ++frame) {
+    fs::last_write_time(folder / outputName(frame), later);
+  }
+  EXPECT_EQ(
+      resumed(folder, kShot, {"made with other options: frames 1, 4\n", "without a record of how they were made"}),
+      (std::set<int>{1, 2, 4}));
+  // What does not change pictures changes nothing; one other option changes all.
+  EXPECT_EQ(resumed(folder, std::string(kShot) + " --threads 1 --protocol plain", {"skipped 5"}), std::set<int>{});
+  EXPECT_EQ(
+      resumed(folder, std::string(kShot) + " --quality standard", {"made with other options: frames 1-5\n"}).size(),
+      5u);
   // Newer keyframes make every frame old.
-  std::filesystem::last_write_time(folder / "track.csv",
-                                   std::filesystem::file_time_type::clock::now() + std::chrono::hours(1));
-  EXPECT_EQ(run(folder, std::string(kShot) + " --resume --json").lines().size(), 5u);
+  fs::last_write_time(folder / "track.csv", later + std::chrono::hours(1));
+  EXPECT_EQ(resumed(folder, std::string(kShot) + " --quality standard", {"older than the inputs: frames 1-5"}).size(),
+            5u);
+}
+
+TEST(SequenceCommand, FramesOfTheBilinearPathAreToldOnce) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 80x60");
+  // The lower right corner goes inside the triangle of the others and comes out again.
+  folder.write("track.csv", "1,0,0,79,0,0,59,79,59\n3,0,0,79,0,0,59,20,15\n5,0,0,79,0,0,59,79,59\n");
+  EXPECT_EQ(run(folder, "render card.png -o out.#.png --frames 1-5 --corners track.csv").err,
+            "vantorel: frame 3 was drawn by bilinear mapping and the others in perspective, since the corners make no "
+            "convex quadrilateral; the picture jumps where the mapping changes\n");
 }
 
 TEST(SequenceCommand, ABrokenFrameStopsTheRunOrIsListed) {
@@ -117,6 +157,23 @@ TEST(SequenceCommand, AnInterruptedRunLeavesWholeFramesAndGoesOnLater) {
       run(folder, "render card.png -o 'out.%04d.png' --resume --ul 5,5 --frames 1-" + std::to_string(frames + 2));
   EXPECT_EQ(resumed.code, 0) << resumed.err;
   EXPECT_EQ(folder.count(), frames + 3);
+}
+
+TEST(SequenceCommand, ProgressFitsTheTerminalAndEndsWithASummary) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 80x60");
+  const std::string shown = runInTerminal(folder, "render card.png -o out.#.png --frames 1-12 --threads 1", 20);
+  const std::string erase = "\r\x1b[K";
+  std::size_t at = shown.find(erase);
+  ASSERT_NE(at, std::string::npos) << shown;
+  std::string line;
+  for (std::size_t next = 0; at != std::string::npos; at = next) {
+    next = shown.find(erase, at + 1);
+    line = shown.substr(at + erase.size(), next == std::string::npos ? next : next - at - erase.size());
+    EXPECT_TRUE(line.size() < 20 || next == std::string::npos) << line;
+  }
+  EXPECT_EQ(line.rfind("12 frames in ", 0), 0u) << line;
+  EXPECT_NE(line.find(" frames/s, out.1.png to out.12.png\r\n"), std::string::npos) << line;
 }
 
 TEST(SequenceCommand, SignalsThatWereIgnoredStayIgnored) {

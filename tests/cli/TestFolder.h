@@ -32,6 +32,13 @@ class TestFolder {
     const auto size = static_cast<double>(std::filesystem::file_size(path_ / name));
     std::filesystem::resize_file(path_ / name, static_cast<std::uintmax_t>(size * share));
   }
+  // Changes the byte at that share of the file's size.
+  void damage(const std::string& name, double share) const {
+    std::fstream file(path_ / name, std::ios::binary | std::ios::in | std::ios::out);
+    const auto at = static_cast<std::streamoff>(static_cast<double>(std::filesystem::file_size(path_ / name)) * share);
+    const int byte = file.seekg(at).get();
+    file.seekp(at).put(static_cast<char>(byte ^ 0xFF));
+  }
   // How many entries there are, hidden ones included.
   std::size_t count() const {
     return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(path_), {}));

@@ -97,6 +97,15 @@ TEST(RequestTest, WhatTheBilinearRendererCannotReachIsRefused) {
   EXPECT_EQ("canvas", concave.render(asConst(layer.view()), far, wider.view(), whole).error().input);
 }
 
+TEST(RequestTest, AnInstanceWithoutAModuleIsRefused) {
+  Request request;
+  Instance instance(nullptr);
+  EXPECT_EQ("module", instance.setCorners(Corners{}).error().input);
+  EXPECT_EQ("module", instance.render(request.layer, request.canvas, request.output, {}).error().input);
+  EXPECT_EQ("module", instance.boundingBox({8, 8}, {}).error().input);
+  EXPECT_EQ(Corners{}, instance.defaultCorners({8, 8}));
+}
+
 TEST(RequestTest, ReducedCanvasesBeginAtTheWholePixelThatHoldsTheirCorner) {
   EXPECT_EQ((Rect{-2, 1, 2, 3}), canvasAtResolution({-4, 5, 7, 11}, {4, 2}, 3));
   EXPECT_EQ((Rect{-1, 0, 0, 1}), canvasAtResolution({-3, 0, 0, 1}, {1, 1}, 3));

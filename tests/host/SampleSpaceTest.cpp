@@ -55,7 +55,7 @@ TEST(SampleSpaceTest, ABoxAtTheBorderGivesTheMeanOfItsPartInside) {
       const std::int32_t x = place(random);
       const std::int32_t y = place(random);
       PF_PixelFloat out{};
-      areaSamplersOf(set, SampleSpace::OutlineExtended).sample_float(nullptr, x, y, &params, &out);
+      areaSamplers(set, SampleSpace::OutlineExtended).sample_float(nullptr, x, y, &params, &out);
       const double expected =
           meanInside(asConst(image.view()), (x - params.x_radius) / kUnit, (y - params.y_radius) / kUnit,
                      (x + params.x_radius) / kUnit, (y + params.y_radius) / kUnit, 0);
@@ -77,13 +77,12 @@ TEST(SampleSpaceTest, HalfAPixelIsTakenOffAndFarPositionsAreTransparent) {
     }
     PF_Pixel8 centred{};
     PF_Pixel8 outlined{};
-    areaSamplersOf(set).sample8(nullptr, 7 * 65536, 5 * 65536, &params, &centred);
-    areaSamplersOf(set, SampleSpace::Outline)
-        .sample8(nullptr, 7 * 65536 + 32768, 5 * 65536 + 32768, &params, &outlined);
+    areaSamplers(set).sample8(nullptr, 7 * 65536, 5 * 65536, &params, &centred);
+    areaSamplers(set, SampleSpace::Outline).sample8(nullptr, 7 * 65536 + 32768, 5 * 65536 + 32768, &params, &outlined);
     EXPECT_EQ(0, std::memcmp(&centred, &outlined, sizeof(centred)));
     for (const SampleSpace space : {SampleSpace::Outline, SampleSpace::OutlineExtended}) {
       PF_Pixel8 far{1, 2, 3, 4};
-      areaSamplersOf(set, space).sample8(nullptr, std::numeric_limits<std::int32_t>::min(), 65536, &params, &far);
+      areaSamplers(set, space).sample8(nullptr, std::numeric_limits<std::int32_t>::min(), 65536, &params, &far);
       EXPECT_EQ(0, std::memcmp(&far, "\0\0\0\0", sizeof(far)));
     }
   }

@@ -1,24 +1,27 @@
-// The area samplers that use vectors, from one text for each instruction set: included by the AreaSamplerAvx*.cpp
-// files, after the small boxes of their set. Everything stands in an unnamed namespace and uses nothing of the standard
-// library's functions, so that no code of a set that a machine lacks can stand in for another file's.
+// The area samplers in vectors. AreaSamplerAvx2.cpp and AreaSamplerAvx512.cpp each define the small boxes of integer
+// pixels in the words of their instruction set and then include this body:
+//   meanOfTwoByTwo<Pixels>      of the pixels that a box of one pixel's size meets
+//   meanOfThreeByThree<Pixels>  of those that one of up to two pixels' size meets
 //
 // Well inside the world, boxes of one pixel's size and of up to two pixels' size have code of their own; other boxes of
-// up to 17 by 17 pixels go to the depth's loops where their loads stay inside a row, and all others to the plain
-// samplers.
+// up to 17 by 17 pixels are summed column by column where their loads stay inside a row, and all others are left to the
+// scalar samplers.
+#include "host/sampling/ClippedBoxes.inl"
+#include "host/sampling/FloatBoxes.inl"
 
 namespace vantorel::host {
 
 namespace {
 
 constexpr std::int32_t kHalfPixel = 32768;
-constexpr std::int32_t kLargestRadius = 8 << 16;
+constexpr std::int32_t kMaxRadius = 8 << 16;
 
-// Any box: here where it is small and its loads stay inside a row, else plainly.
-template <typename Depth>
+// Any box: column by column where it is small and its loads stay inside a row, else by the scalar sampler.
+template <typename Pixels>
 [[gnu::noinline]] std::int32_t sampleAnyBox(void* effect_ref, std::int32_t x, std::int32_t y,
-                                            const PF_SampleParams* params, typename Depth::Pixel* out) {
-  if (!isSampleable(params) || params->x_radius > kLargestRadius || params->y_radius > kLargestRadius) {
-    return Depth::plain()(effect_ref, x, y, params, out);
+                                            const PF_SampleParams* params, typename Pixels::Pixel* out) {
+  if (!isSampleable(params) || params->x_radius > kMaxRadius || params->y_radius > kMaxRadius) {
+    return Pixels::scalar()(effect_ref, x, y, params, out);
   }
   const PF_LayerDef& world = *params->source;
   const SampleSpan columns(x, params->x_radius);
@@ -28,74 +31,74 @@ template <typename Depth>
   const std::int64_t column_count = columns.endPixel(world.width) - left;
   const std::int64_t row_count = rows.endPixel(world.height) - top;
   const std::int64_t loaded =
-      (column_count + Depth::kColumnsPerLoad - 1) / Depth::kColumnsPerLoad * Depth::kColumnsPerLoad;
+      (column_count + Pixels::kColumnsPerLoad - 1) / Pixels::kColumnsPerLoad * Pixels::kColumnsPerLoad;
   if (column_count <= 0 || row_count <= 0) {
-    *out = typename Depth::Pixel{};
+    *out = typename Pixels::Pixel{};
     return ERR_NONE;
   }
   if (left + loaded > world.width || (columns.inOnePixel() && rows.inOnePixel())) {
-    return Depth::plain()(effect_ref, x, y, params, out);
+    return Pixels::scalar()(effect_ref, x, y, params, out);
   }
-  const BoxPart box{worldRow<const std::byte>(world, top) + left * Depth::kPixelBytes,
-                    world.row_bytes,
-                    static_cast<int>(column_count),
-                    static_cast<int>(row_count),
-                    static_cast<std::uint32_t>(columns.overlap(left)),
-                    static_cast<std::uint32_t>(columns.overlap(left + column_count - 1)),
-                    static_cast<std::uint32_t>(rows.overlap(top)),
-                    static_cast<std::uint32_t>(rows.overlap(top + row_count - 1))};
-  Depth::sampleBox(box, columns.length() * rows.length(), out);
+  const ClippedBox box{worldRow<const std::byte>(world, top) + left * Pixels::kPixelBytes,
+                       world.row_bytes,
+                       static_cast<int>(column_count),
+                       static_cast<int>(row_count),
+                       static_cast<std::uint32_t>(columns.overlap(left)),
+                       static_cast<std::uint32_t>(columns.overlap(left + column_count - 1)),
+                       static_cast<std::uint32_t>(rows.overlap(top)),
+                       static_cast<std::uint32_t>(rows.overlap(top + row_count - 1))};
+  meanOfBox(box, columns.length() * rows.length(), out);
   return ERR_NONE;
 }
 
 // Whether a span of that centre and radius meets none of an axis's `size` pixels.
-inline bool liesOutside(std::int32_t centre, std::int32_t radius, std::int32_t size) {
+inline bool isOutside(std::int32_t centre, std::int32_t radius, std::int32_t size) {
   const std::int64_t middle = std::int64_t{centre} + kHalfPixel;
   return middle + radius <= 0 || middle - radius >= std::int64_t{size} << 16;
 }
 
-inline bool liesInside(std::int32_t centre, std::int32_t radius, std::int32_t size) {
+inline bool isInside(std::int32_t centre, std::int32_t radius, std::int32_t size) {
   const std::int64_t middle = std::int64_t{centre} + kHalfPixel;
   return middle >= radius && middle + radius <= std::int64_t{size} << 16;
 }
 
 // A box that meets the border, cut to the world. Apart from the others, which the copy of the parameters would delay.
-template <typename Depth>
+template <typename Pixels>
 [[gnu::noinline]] std::int32_t sampleExtended(void* effect_ref, std::int32_t x, std::int32_t y,
-                                              const PF_SampleParams* params, typename Depth::Pixel* out) {
+                                              const PF_SampleParams* params, typename Pixels::Pixel* out) {
   if (liesOutOfReach(x, params->x_radius, params->source->width) ||
       liesOutOfReach(y, params->y_radius, params->source->height)) {
-    *out = typename Depth::Pixel{};
+    *out = typename Pixels::Pixel{};
     return ERR_NONE;
   }
   PF_SampleParams cut = *params;
   cutToWorld(&x, &cut.x_radius, cut.source->width);
   cutToWorld(&y, &cut.y_radius, cut.source->height);
-  return sampleAnyBox<Depth>(effect_ref, x, y, &cut, out);
+  return sampleAnyBox<Pixels>(effect_ref, x, y, &cut, out);
 }
 
 // A box that is not small or not well inside the world. Those wholly outside, which the surroundings of a quadrilateral
 // are full of, come first.
-template <typename Depth, SampleSpace kSpace>
-[[gnu::noinline]] std::int32_t sampleOtherBox(void* effect_ref, std::int32_t x, std::int32_t y,
-                                              const PF_SampleParams* params, typename Depth::Pixel* out) {
+template <typename Pixels, SampleSpace kSpace>
+[[gnu::noinline]] std::int32_t sampleClippedBox(void* effect_ref, std::int32_t x, std::int32_t y,
+                                                const PF_SampleParams* params, typename Pixels::Pixel* out) {
   if (kSpace == SampleSpace::OutlineExtended && isSampleable(params) &&
-      !(liesInside(x, params->x_radius, params->source->width) &&
-        liesInside(y, params->y_radius, params->source->height))) {
-    return sampleExtended<Depth>(effect_ref, x, y, params, out);
+      !(isInside(x, params->x_radius, params->source->width) &&
+        isInside(y, params->y_radius, params->source->height))) {
+    return sampleExtended<Pixels>(effect_ref, x, y, params, out);
   }
-  if (isSampleable(params) && (liesOutside(x, params->x_radius, params->source->width) ||
-                               liesOutside(y, params->y_radius, params->source->height))) {
-    *out = typename Depth::Pixel{};
+  if (isSampleable(params) && (isOutside(x, params->x_radius, params->source->width) ||
+                               isOutside(y, params->y_radius, params->source->height))) {
+    *out = typename Pixels::Pixel{};
     return ERR_NONE;
   }
-  return sampleAnyBox<Depth>(effect_ref, x, y, params, out);
+  return sampleAnyBox<Pixels>(effect_ref, x, y, params, out);
 }
 
 // Has the processor fetch what lies so many bytes beyond a pixel, which the next row will need: rows cut across a
 // turned layer's rows too often for the processor to foresee it. The address may lie outside of the world; nothing is
 // read.
-inline void fetchBelow(const std::byte* pixel, std::ptrdiff_t bytes) {
+inline void prefetchBelow(const std::byte* pixel, std::ptrdiff_t bytes) {
   const std::uintptr_t address = __builtin_bit_cast(std::uintptr_t, pixel) + static_cast<std::uintptr_t>(bytes);
   __builtin_prefetch(__builtin_bit_cast(const void*, address));
 }
@@ -111,68 +114,69 @@ inline std::int32_t beginOf(std::int32_t centre, std::int32_t radius) {
 
 // Any box but that of one pixel's size. One of up to two pixels' size meets three by three pixels at most; its place is
 // computed apart from its weights, which the pixels' arrival does not wait for.
-template <typename Depth, SampleSpace kSpace>
-[[gnu::noinline]] std::int32_t sampleBox(void* effect_ref, std::int32_t x, std::int32_t y,
-                                         const PF_SampleParams* params, typename Depth::Pixel* out) {
+template <typename Pixels, SampleSpace kSpace>
+[[gnu::noinline]] std::int32_t sampleSmallBox(void* effect_ref, std::int32_t x, std::int32_t y,
+                                              const PF_SampleParams* params, typename Pixels::Pixel* out) {
   const std::int32_t x_radius = params->x_radius;
   const std::int32_t y_radius = params->y_radius;
   const std::int32_t left = beginOf(x, x_radius);
   const std::int32_t top = beginOf(y, y_radius);
   // A sum that ran over would be that of a negative position.
   if (!isSmall(x_radius) || !isSmall(y_radius) || (x | y | left | top) < 0 || params->source == nullptr) {
-    return sampleOtherBox<Depth, kSpace>(effect_ref, x, y, params, out);
+    return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
   const PF_LayerDef& world = *params->source;
   const std::int32_t column = left >> 16;
   const std::int32_t row = top >> 16;
   if (world.width < column + 3 || world.height < row + 3 || world.data == nullptr) {
-    return sampleOtherBox<Depth, kSpace>(effect_ref, x, y, params, out);
+    return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
   const std::ptrdiff_t row_bytes = world.row_bytes;
   const std::byte* const pixel =
-      static_cast<const std::byte*>(world.data) + row * row_bytes + column * Depth::kPixelBytes;
-  fetchBelow(pixel, 3 * row_bytes);
-  sampleThreeByThree<Depth>(pixel, row_bytes, x, y, *params, out);
+      static_cast<const std::byte*>(world.data) + row * row_bytes + column * Pixels::kPixelBytes;
+  prefetchBelow(pixel, 3 * row_bytes);
+  meanOfThreeByThree<Pixels>(pixel, row_bytes, x, y, *params, out);
   return ERR_NONE;
 }
 
 // The box of one pixel's size comes first, and so lean that it needs neither calls nor a stack.
-template <typename Depth, SampleSpace kSpace>
+template <typename Pixels, SampleSpace kSpace>
 std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
-                    typename Depth::Pixel* out) {
+                    typename Pixels::Pixel* out) {
   x = fromCentres<kSpace>(x);
   y = fromCentres<kSpace>(y);
   if (params == nullptr) {
-    return sampleOtherBox<Depth, kSpace>(effect_ref, x, y, params, out);
+    return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
   if (params->x_radius != kHalfPixel || params->y_radius != kHalfPixel) {
-    return sampleBox<Depth, kSpace>(effect_ref, x, y, params, out);
+    return sampleSmallBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
   if ((x | y) < 0 || params->source == nullptr) {
-    return sampleOtherBox<Depth, kSpace>(effect_ref, x, y, params, out);
+    return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
   const PF_LayerDef& world = *params->source;
   const std::uint32_t column = static_cast<std::uint32_t>(x) >> 16;
   const std::uint32_t row = static_cast<std::uint32_t>(y) >> 16;
   if (world.width < static_cast<std::int32_t>(column + 2) || world.height < static_cast<std::int32_t>(row + 2) ||
       world.data == nullptr) {
-    return sampleOtherBox<Depth, kSpace>(effect_ref, x, y, params, out);
+    return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
   const std::ptrdiff_t row_bytes = world.row_bytes;
   const std::byte* const pixel =
-      static_cast<const std::byte*>(world.data) + row * row_bytes + column * Depth::kPixelBytes;
-  fetchBelow(pixel, 2 * row_bytes);
-  if (!Depth::kOnePixelIsMean && ((x | y) & 65535) == 0) {
-    __builtin_memcpy(out, pixel, Depth::kPixelBytes);
+      static_cast<const std::byte*>(world.data) + row * row_bytes + column * Pixels::kPixelBytes;
+  prefetchBelow(pixel, 2 * row_bytes);
+  if (!Pixels::kOnePixelIsMean && ((x | y) & 65535) == 0) {
+    __builtin_memcpy(out, pixel, Pixels::kPixelBytes);
   } else {
-    sampleSquare<Depth>(pixel, row_bytes, x & 65535, y & 65535, out);
+    meanOfTwoByTwo<Pixels>(pixel, row_bytes, x & 65535, y & 65535, out);
   }
   return ERR_NONE;
 }
 
 // A whole table for every space.
 template <SampleSpace kSpace>
-inline constexpr AreaSamplers kSamplersIn{sample<Depth8, kSpace>, sample<Depth16, kSpace>, sample<DepthFloat, kSpace>};
+inline constexpr AreaSamplers kSamplersIn{sample<Pixels8, kSpace>, sample<Pixels16, kSpace>,
+                                          sample<PixelsFloat, kSpace>};
 inline constexpr AreaSamplerTables kSamplerTables{
     {kSamplersIn<SampleSpace::Centres>, kSamplersIn<SampleSpace::Outline>, kSamplersIn<SampleSpace::OutlineExtended>}};
 

@@ -1,13 +1,12 @@
-// The numbers that the small boxes' vectors are computed with. They are defined in a file of their own so that
-// compilers, which do not see them there, load them: put together from immediate numbers, as compilers prefer, they
-// would take a sixth of a sample's instructions.
+// The constants of the small boxes' vectors, for loading. They are defined in another file, where the compiler cannot
+// see their values: it would build the vectors from immediate operands instead, a sixth of a sample's instructions.
 #pragma once
 
 #include <cstdint>
 
 namespace vantorel::host {
 
-struct SmallBoxConstants {
+struct VectorConstants {
   alignas(64) std::int64_t pair_lanes[8];   // indices: lane 1 of one vector four times, then that of another
   alignas(32) std::int64_t rounding[4];     // half of 2^32
   alignas(16) std::int64_t one[2];          // a pixel
@@ -18,6 +17,6 @@ struct SmallBoxConstants {
   alignas(16) std::int32_t narrow_fraction[4];
 };
 
-[[gnu::visibility("hidden")]] extern const SmallBoxConstants kSmallBoxConstants;
+[[gnu::visibility("hidden")]] extern const VectorConstants kVectorConstants;
 
 }  // namespace vantorel::host

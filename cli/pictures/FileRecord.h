@@ -1,0 +1,22 @@
+// A record inside a picture file: the settings that it was made with, and a checksum of the file's other bytes. By it a
+// file that has been damaged, or made in another way, is known without decoding it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace vantorel::cli {
+
+// The text that a picture of those settings (a hash of them) must hold in its file, unpacked, for sealRecord to find.
+std::string recordText(std::uint64_t settings);
+
+// Fills the checksum into the record of a file that is otherwise complete. A file that holds no record stays as it is.
+// Returns false, with errno set, when the file cannot be read or written.
+bool sealRecord(const std::string& path);
+
+enum class RecordState { Matches, Absent, OtherSettings, Damaged };
+
+// What the record of a file says. Absent too where the file cannot be read.
+RecordState checkRecord(const std::string& path, std::uint64_t settings);
+
+}  // namespace vantorel::cli

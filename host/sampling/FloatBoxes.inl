@@ -1,0 +1,53 @@
+// The small boxes of float pixels, which most pixels need: without a loop or a branch. Sums are rounded in the order
+// that AreaSampler.h tells. Included by AreaSamplerVector.inl alone.
+
+namespace vantorel::host {
+
+namespace {
+
+// `values` where the weight is not 0, else 0: a float that the box does not meet may be infinite or NaN.
+inline __m256d present(__m256d values, __m256d weight) {
+  return _mm256_and_pd(values, _mm256_cmp_pd(weight, _mm256_setzero_pd(), _CMP_NEQ_OQ));
+}
+
+// The mean of the two by two pixels at `pixel`, of which the second column and row weigh `x` and `y`.
+template <>
+inline void meanOfTwoByTwo<PixelsFloat>(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x,
+                                        std::int32_t y, PF_PixelFloat* out) {
+  const __m256d one = _mm256_set1_pd(65536.0);
+  const __m256d right = _mm256_cvtepi32_pd(_mm_set1_epi32(x));
+  const __m256d left = _mm256_sub_pd(one, right);
+  const __m256d below = _mm256_cvtepi32_pd(_mm_set1_epi32(y));
+  const std::byte* const next_row = pixel + row_bytes;
+  const __m256d upper = _mm256_fmadd_pd(right, present(PixelsFloat::widen(pixel + 16), right),
+                                        _mm256_mul_pd(left, PixelsFloat::widen(pixel)));
+  const __m256d lower = _mm256_fmadd_pd(right, present(PixelsFloat::widen(next_row + 16), right),
+                                        _mm256_mul_pd(left, PixelsFloat::widen(next_row)));
+  const __m256d weighted_upper = _mm256_mul_pd(_mm256_sub_pd(one, below), upper);
+  const __m256d weighted_lower = _mm256_mul_pd(below, present(lower, below));
+  // Sums begin at 0, so that -0 does not come out.
+  const __m256d total = _mm256_add_pd(weighted_upper, weighted_lower);
+  PixelsFloat::store(_mm256_fmadd_pd(total, _mm256_set1_pd(0x1p-32), _mm256_setzero_pd()), out);
+}
+
+// The mean of a box that lies within the three by three pixels at `pixel`.
+template <>
+inline void meanOfThreeByThree<PixelsFloat>(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x_centre,
+                                            std::int32_t y_centre, const PF_SampleParams& params, PF_PixelFloat* out) {
+  const ThreeWeights weights = threeWeights(smallBox(x_centre, y_centre, params));
+  const __m256d x[3] = {broadcastX(weights.weight[0]), broadcastX(weights.weight[1]), broadcastX(weights.weight[2])};
+  __m256d total = _mm256_setzero_pd();
+  for (int row = 0; row < 3; ++row, pixel += row_bytes) {
+    __m256d sum = _mm256_mul_pd(x[0], PixelsFloat::widen(pixel));
+    sum = _mm256_fmadd_pd(x[1], present(PixelsFloat::widen(pixel + 16), x[1]), sum);
+    sum = _mm256_fmadd_pd(x[2], present(PixelsFloat::widen(pixel + 32), x[2]), sum);
+    const __m256d y = broadcastY(weights.weight[row]);
+    total = _mm256_add_pd(total, _mm256_mul_pd(y, row == 0 ? sum : present(sum, y)));
+  }
+  const __m256d reciprocal = _mm256_div_pd(_mm256_set1_pd(1.0), areaOf(weights));
+  PixelsFloat::store(_mm256_fmadd_pd(total, reciprocal, _mm256_setzero_pd()), out);
+}
+
+}  // namespace
+
+}  // namespace vantorel::host

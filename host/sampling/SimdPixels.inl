@@ -1,0 +1,156 @@
+// The pixels of the area samplers that use vectors: how those of each depth are loaded and stored, and the weights of
+// small boxes. Included by the files of the instruction sets before all else.
+//
+// Everything that these files include stands in an unnamed namespace and calls nothing of the standard library: the
+// linker keeps one copy of an inline function, and one compiled for this set must not serve files that run on every
+// processor.
+#include <immintrin.h>
+
+#include <cstddef>
+
+#include "host/sampling/AreaSamplerVariants.h"
+#include "host/sampling/SampleBox.h"
+#include "host/sampling/VectorConstants.h"
+
+namespace vantorel::host {
+
+namespace {
+
+constexpr std::int64_t kOne = 65536;
+
+inline __m128i loadBytes4(const void* address) {
+  int word;
+  __builtin_memcpy(&word, address, 4);
+  return _mm_cvtsi32_si128(word);
+}
+
+inline __m128i loadBytes8(const void* address) {
+  return _mm_loadl_epi64(static_cast<const __m128i*>(address));
+}
+
+inline __m128i loadBytes16(const void* address) {
+  return _mm_loadu_si128(static_cast<const __m128i*>(address));
+}
+
+template <typename Lane>
+inline __m128i constant128(const Lane* lanes) {
+  return _mm_load_si128(reinterpret_cast<const __m128i*>(lanes));
+}
+
+// ---- 8 bit ----------------------------------------------------------------------------------------------------------
+
+struct Pixels8 {
+  using Pixel = PF_Pixel8;
+  static constexpr std::ptrdiff_t kPixelBytes = 4;
+  static constexpr int kColumnsPerLoad = 4;
+  static constexpr bool kOnePixelIsMean = true;  // the mean over a box in one pixel is that pixel to the bit
+
+  static PF_AreaSampler<Pixel> scalar() { return kScalarAreaSamplers.centres().sample8; }
+
+  // Two pixels side by side, in 32-bit lanes.
+  static __m256i widenPair(const std::byte* pixels) { return _mm256_cvtepu8_epi32(loadBytes8(pixels)); }
+
+  static __m256d widen(const std::byte* pixel) { return _mm256_cvtepi32_pd(_mm_cvtepu8_epi32(loadBytes4(pixel))); }
+
+  // The sum of a column fits a signed lane as it is.
+  static constexpr int kSignFlip = 0;
+  static constexpr double kSignedZero = 0.0;
+
+  static void storeLanes(__m128i lanes, Pixel* out) {
+    const __m128i words = _mm_packus_epi32(lanes, lanes);
+    const int bytes = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
+    __builtin_memcpy(out, &bytes, 4);
+  }
+};
+
+// ---- 16 bit ---------------------------------------------------------------------------------------------------------
+
+struct Pixels16 {
+  using Pixel = PF_Pixel16;
+  static constexpr std::ptrdiff_t kPixelBytes = 8;
+  static constexpr int kColumnsPerLoad = 2;
+  static constexpr bool kOnePixelIsMean = true;
+
+  static PF_AreaSampler<Pixel> scalar() { return kScalarAreaSamplers.centres().sample16; }
+
+  static __m256i widenPair(const std::byte* pixels) { return _mm256_cvtepu16_epi32(loadBytes16(pixels)); }
+
+  static __m256d widen(const std::byte* pixel) { return _mm256_cvtepi32_pd(_mm_cvtepu16_epi32(loadBytes8(pixel))); }
+
+  // A channel times 65536 takes all 32 bits: the conversion to double, which is signed, sees it less 2^31.
+  static constexpr int kSignFlip = -2147483648;
+  static constexpr double kSignedZero = 32768.0;
+
+  static void storeLanes(__m128i lanes, Pixel* out) {
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi32(lanes, lanes));
+  }
+};
+
+// ---- Float ----------------------------------------------------------------------------------------------------------
+
+// A weight times a float is exact in a double, so a fused multiply-add rounds as the product and the sum would.
+struct PixelsFloat {
+  using Pixel = PF_PixelFloat;
+  static constexpr std::ptrdiff_t kPixelBytes = 16;
+  static constexpr int kColumnsPerLoad = 1;
+  static constexpr bool kOnePixelIsMean = false;  // it may be NaN or -0
+
+  static PF_AreaSampler<Pixel> scalar() { return kScalarAreaSamplers.centres().sample_float; }
+
+  static __m256d widen(const std::byte* pixel) {
+    return _mm256_cvtps_pd(_mm_loadu_ps(reinterpret_cast<const float*>(pixel)));
+  }
+
+  static void store(__m256d mean, Pixel* out) { _mm_storeu_ps(&out->alpha, _mm256_cvtpd_ps(mean)); }
+};
+
+// ---- The weights of small boxes -------------------------------------------------------------------------------------
+
+// A box of one to two pixels' size: where in its first pixel it begins and how long it is, in 1/65536 pixel, x in lane
+// 0 and y in lane 1 of 32 bits; the other lanes are 0.
+struct SmallBox {
+  __m128i begin;
+  __m128i length;
+};
+
+// The radii stand side by side; a caller had better store them at once, for a load across two stores waits for both.
+inline SmallBox smallBox(std::int32_t x, std::int32_t y, const PF_SampleParams& params) {
+  static_assert(offsetof(PF_SampleParams, y_radius) == offsetof(PF_SampleParams, x_radius) + 4);
+  const __m128i centre = _mm_insert_epi32(_mm_cvtsi32_si128(x), y, 1);
+  const __m128i radius = loadBytes8(&params.x_radius);
+  const __m128i begin = _mm_add_epi32(_mm_sub_epi32(centre, radius), constant128(kVectorConstants.narrow_half));
+  return {_mm_and_si128(begin, constant128(kVectorConstants.narrow_fraction)), _mm_add_epi32(radius, radius)};
+}
+
+// A box of one to two pixels' size meets three columns and three rows at most, whose weights these are, x in the low
+// lane and y in the high one; that of a pixel that it does not meet is 0.
+struct ThreeWeights {
+  __m128d length;
+  __m128d weight[3];
+};
+
+inline ThreeWeights threeWeights(const SmallBox& box) {
+  const __m128d one = _mm_set1_pd(65536.0);
+  ThreeWeights weights;
+  weights.length = _mm_cvtepi32_pd(box.length);
+  weights.weight[0] = _mm_sub_pd(one, _mm_cvtepi32_pd(box.begin));
+  const __m128d rest = _mm_sub_pd(weights.length, weights.weight[0]);
+  weights.weight[1] = _mm_min_pd(rest, one);
+  weights.weight[2] = _mm_sub_pd(rest, weights.weight[1]);
+  return weights;
+}
+
+inline __m256d broadcastX(__m128d both) {
+  return _mm256_broadcastsd_pd(both);
+}
+inline __m256d broadcastY(__m128d both) {
+  return _mm256_permute4x64_pd(_mm256_castpd128_pd256(both), 0x55);
+}
+
+inline __m256d areaOf(const ThreeWeights& weights) {
+  return _mm256_mul_pd(broadcastX(weights.length), broadcastY(weights.length));
+}
+
+}  // namespace
+
+}  // namespace vantorel::host

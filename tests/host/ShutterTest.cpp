@@ -1,0 +1,128 @@
+#include "host/composing/Shutter.h"
+
+#include <cmath>
+#include <numeric>
+
+#include "tests/host/HostTesting.h"
+
+namespace vantorel::host {
+namespace {
+
+using testing::renderFrame;
+
+constexpr Corners kQuad{{20, 15}, {120, 22}, {15, 90}, {110, 100}};
+
+Corners moved(const Corners& c, double x, double y) {
+  const auto move = [&](const Point& p) { return Point{p.x + x, p.y + y}; };
+  return {move(c.upper_left), move(c.upper_right), move(c.lower_left), move(c.lower_right)};
+}
+
+// From `begin` at -1 s to `end` at 1 s.
+AnimatedCorners between(const Corners& begin, const Corners& end) {
+  const auto point = [&](std::size_t i) {
+    return AnimatedPoint({{-1.0, begin[i]}, {1.0, end[i]}}, Interpolation::Linear);
+  };
+  return {point(0), point(1), point(2), point(3)};
+}
+
+// A frame of one second, so that 360 degrees are half of the way.
+FrameOptions shutter(double degrees, int max_samples = 64) {
+  FrameOptions options{.quality = Quality::Best};
+  options.time.scale = 1;
+  options.shutter = {.degrees = degrees, .max_samples = max_samples};
+  return options;
+}
+
+double psnr(const Image& a, const Image& b) {
+  double squares = 0.0;
+  for (int y = 0; y < a.size().height; ++y) {
+    for (int i = 0; i < a.size().width * 4; ++i) {
+      squares += std::pow(static_cast<double>(a.view().row(y)[i]) - static_cast<double>(b.view().row(y)[i]), 2);
+    }
+  }
+  return 10.0 * std::log10(255.0 * 255.0 * a.size().width * a.size().height * 4.0 / squares);
+}
+
+std::vector<double> momentsWith(const AnimatedCorners& corners, const FrameOptions& options) {
+  std::vector<double> moments;
+  momentsOf(corners, nullptr, options, &moments);
+  return moments;
+}
+
+TEST(ShutterTest, TakesAboutOneMomentAPixelCentredOnTheFrame) {
+  const AnimatedCorners corners = between(kQuad, moved(kQuad, 80, 0));  // 40 pixels a second
+  const std::vector<double> half = momentsWith(corners, shutter(180));
+  EXPECT_EQ(20U, half.size());
+  EXPECT_NEAR(0.0, std::accumulate(half.begin(), half.end(), 0.0), 1e-12);
+  EXPECT_NEAR(-0.25 + 0.0125, half.front(), 1e-12);
+  EXPECT_EQ(8U, momentsWith(corners, shutter(10)).size());
+  EXPECT_EQ(16U, momentsWith(corners, shutter(720, 16)).size());
+  FrameOptions later = shutter(180);
+  later.shutter.offset = 0.0;
+  EXPECT_NEAR(0.0125, momentsWith(corners, later).front(), 1e-12);
+  EXPECT_EQ(1U, momentsWith(corners, shutter(0)).size());
+  EXPECT_EQ(1U, momentsWith(between(kQuad, kQuad), shutter(180)).size());
+  EXPECT_EQ(2, samplesOfMoment(2, 8));
+  EXPECT_EQ(1, samplesOfMoment(2, 20));
+  EXPECT_EQ(2, samplesOfMoment(4, 20));
+}
+
+TEST(ShutterTest, AMoveOfTwentyPixelsIsNearThatOfManyMoments) {
+  Image layer = testing::waves({160, 120}, Depth::Bits8, 24);
+  Instance instance = testing::instanceWith(testing::loadModule("vantorel"), kQuad);
+  ASSERT_TRUE(instance.setCorners(between(kQuad, moved(kQuad, 72, 34))));
+  auto few = renderFrame(instance, layer, {0, 0, 200, 140}, shutter(180));
+  // 256 stills, added up.
+  std::vector<double> sums(200 * 140 * 4);
+  for (int i = 0; i < 256; ++i) {
+    const double share = 0.375 + 0.25 * (i + 0.5) / 256;
+    ASSERT_TRUE(instance.setCorners(moved(kQuad, 72 * share, 34 * share)));
+    auto still = renderFrame(instance, layer, {0, 0, 200, 140}, shutter(0));
+    for (std::size_t k = 0; k < sums.size(); ++k) {
+      sums[k] += static_cast<double>(
+                     still.pixels.view().pixel(static_cast<int>(k / 4 % 200), static_cast<int>(k / 800))[k % 4]) /
+                 256;
+    }
+  }
+  Image many = testing::dirty({200, 140}, Depth::Bits8);
+  for (std::size_t k = 0; k < sums.size(); ++k) {
+    many.view().pixel(static_cast<int>(k / 4 % 200), static_cast<int>(k / 800))[k % 4] =
+        static_cast<std::byte>(std::lround(sums[k]));
+  }
+  EXPECT_GE(psnr(few.pixels, many), 40.0);
+}
+
+TEST(ShutterTest, WithoutMotionItIsTheStillToTheBitAndItsBoxGrowsWithTheMotion) {
+  Image layer = testing::noise({60, 50}, Depth::Bits16);
+  Instance instance = testing::instanceWith(testing::checkedEffect(), kQuad);
+  const auto still = renderFrame(instance, layer, {0, 0, 140, 120}, shutter(0));
+  const auto open = renderFrame(instance, layer, {0, 0, 140, 120}, shutter(360));
+  EXPECT_TRUE(testing::samePixels(still.pixels.view(), open.pixels.view()));
+  ASSERT_TRUE(instance.setCorners(between(moved(kQuad, -100, 0), moved(kQuad, 100, 0))));
+  const Rect small = instance.boundingBox({60, 50}, shutter(0)).value();
+  const Rect wide = instance.boundingBox({60, 50}, shutter(360)).value();
+  EXPECT_NEAR(small.left - 50, wide.left, 2);
+  EXPECT_NEAR(small.right + 50, wide.right, 2);
+  EXPECT_EQ(small.top, wide.top);
+}
+
+TEST(ShutterTest, RefusesWhatNoShutterDoes) {
+  Instance instance = testing::instanceWith(testing::checkedEffect(), kQuad);
+  const auto inputOf = [&](const FrameOptions& options) {
+    const auto box = instance.boundingBox({60, 50}, options);
+    return box ? std::string() : box.error().input;
+  };
+  EXPECT_EQ("shutter", inputOf(shutter(-1)));
+  EXPECT_EQ("shutter", inputOf(shutter(721)));
+  EXPECT_EQ("shutter", inputOf(shutter(std::nan(""))));
+  EXPECT_EQ("shutter samples", inputOf(shutter(180, 0)));
+  FrameOptions offset = shutter(180);
+  offset.shutter.offset = 1000;
+  EXPECT_EQ("shutter offset", inputOf(offset));
+  FrameOptions centres = shutter(180);
+  centres.placement = Placement::Centres;
+  EXPECT_EQ("shutter", inputOf(centres));
+}
+
+}  // namespace
+}  // namespace vantorel::host
