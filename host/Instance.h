@@ -50,7 +50,8 @@ class Instance {
   // effect's own message; Interrupted when the stop token ended the frame; Misuse in checking mode. After an error the
   // output's pixels are unspecified.
   //
-  // After the first frame of a size nothing is allocated at downsample 1.
+  // After the first frame of a size nothing is allocated. An 8-bit layer whose rows are no multiple of 4 bytes apart is
+  // copied for each frame.
   Result<FrameResult> render(const ConstImageView& layer, const Rect& canvas, const ImageView& output,
                              const FrameOptions& options);
 

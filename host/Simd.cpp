@@ -46,7 +46,7 @@ Result<void> checkChoice() {
 }  // namespace
 
 std::array<SimdVariant, 3> simdVariants() noexcept {
-  std::array<SimdVariant, 3> variants;
+  std::array<SimdVariant, 3> variants{};
   static_assert(std::size(kInstructionSets) == variants.size());
   for (std::size_t i = 0; i < variants.size(); ++i) {
     const InstructionSet set = kInstructionSets[i];

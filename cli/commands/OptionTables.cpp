@@ -13,7 +13,7 @@ constexpr const char* kOptions = "Options";
 }  // namespace
 
 const std::vector<OptionRow<InfoOptions>>& infoOptionTable() {
-  static const std::vector<OptionRow<InfoOptions>> table{
+  static const std::vector<OptionRow<InfoOptions>> kTable{
       {"--module", "FILE", kOptions, "The effect module (default: the one beside the command)",
        [](InfoOptions& options, const std::string& name, const std::string& value) {
          options.module = parseFileName(name, value);
@@ -21,7 +21,7 @@ const std::vector<OptionRow<InfoOptions>>& infoOptionTable() {
       {"--json", "", kOptions, "Print one JSON object",
        [](InfoOptions& options, const std::string&, const std::string&) { options.json = true; }},
   };
-  return table;
+  return kTable;
 }
 
 const std::vector<OptionRow<CornersOptions>>& cornersOptionTable() {
@@ -47,7 +47,7 @@ const std::vector<OptionRow<CornersOptions>>& cornersOptionTable() {
 }
 
 const std::vector<OptionRow<TestCardOptions>>& testCardOptionTable() {
-  static const std::vector<OptionRow<TestCardOptions>> table{
+  static const std::vector<OptionRow<TestCardOptions>> kTable{
       {"-o,--output", "OUT", kOptions, "The picture to write: " + outputExtensions(),
        [](TestCardOptions& options, const std::string& name, const std::string& value) {
          options.output = parseFileName(name, value);
@@ -58,7 +58,7 @@ const std::vector<OptionRow<TestCardOptions>>& testCardOptionTable() {
          options.size = parseSize(name, value);
        }},
   };
-  return table;
+  return kTable;
 }
 
 }  // namespace vantorel::cli

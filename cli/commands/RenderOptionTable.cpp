@@ -18,13 +18,13 @@ constexpr const char* kReporting = "Reporting";
 
 constexpr PictureUse kLeaves = PictureUse::LeavesPicture;
 
-template <Corner corner>
+template <Corner Which>
 void setCorner(RenderOptions& options, const std::string& name, const std::string& value) {
   const auto position = parseCorner(value);
   if (!position) {
     throw badArgument(name, position.error());
   }
-  options.corners[corner] = *position;
+  options.corners[Which] = *position;
 }
 
 }  // namespace
@@ -32,7 +32,7 @@ void setCorner(RenderOptions& options, const std::string& name, const std::strin
 const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
   using Options = RenderOptions;
   using Text = const std::string&;
-  static const std::vector<OptionRow<Options>> table = withTrackOptions<Options>(
+  static const std::vector<OptionRow<Options>> kTable = withTrackOptions<Options>(
       {
           {"LAYER", "FILE", kFiles, "The picture to stretch, or a sequence of them",
            [](Options& o, Text name, Text value) { o.layer = parseFileName(name, value); },
@@ -133,7 +133,7 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
            [](Options& o, Text, Text) { o.json = true; }, nullptr, kLeaves},
       },
       "Files of corners (default: what their format says)");
-  return table;
+  return kTable;
 }
 
 }  // namespace vantorel::cli

@@ -25,7 +25,7 @@ namespace vantorel::cli {
 
 namespace {
 
-// Rows between two looks at the stop token; enough for OpenEXR to decompress its blocks side by side.
+// Rows read between two checks of the stop token; enough for OpenEXR to decompress its blocks side by side.
 constexpr int kRowsPerRead = 256;
 
 CommandError unreadable(const std::string& path, const std::string& reason) {
@@ -34,7 +34,7 @@ CommandError unreadable(const std::string& path, const std::string& reason) {
                                        oneLine(reason)));
 }
 
-// A file that is open, and how its pixels are to be understood.
+// An open file, and how to interpret its pixels.
 struct Source {
   std::string path;
   std::unique_ptr<OIIO::ImageInput> input;
@@ -62,6 +62,14 @@ Source openSource(const std::string& path) {
   source.plan = planChannels(source.spec, path);
   source.unassociated = source.plan.hasAlpha() && source.spec.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
   source.orientation = orientationOf(source.spec);
+  return source;
+}
+
+Source openWholeSource(const std::string& path) {
+  Source source = openSource(path);
+  if (isTruncated(path)) {
+    throw fileFailure(path, "is truncated; give the whole file");
+  }
   return source;
 }
 
@@ -204,10 +212,7 @@ PictureInfo probePicture(const std::string& path) {
 
 Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop) {
   const LibraryMessagesDropped dropped;
-  Source source = openSource(path);
-  if (isTruncated(path)) {
-    throw fileFailure(path, "is truncated; give the whole file");
-  }
+  Source source = openWholeSource(path);
   Picture picture;
   picture.info = infoOf(source);
   picture.colour_space = source.spec.get_string_attribute("oiio:ColorSpace");
@@ -232,7 +237,7 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
 
 bool hasSoftAlpha(const std::string& path) {
   const LibraryMessagesDropped dropped;
-  Source source = openSource(path);
+  Source source = openWholeSource(path);
   const int step = std::min(rowsPerRead(source.spec), source.spec.height);
   host::Image rows = valueOrThrow(host::Image::create({source.spec.width, step}, host::Depth::Bits8));
   bool soft = false;

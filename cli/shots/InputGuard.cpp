@@ -14,7 +14,7 @@ namespace vantorel::cli {
 
 namespace {
 
-// A shot of more frames is looked at as far as this, which takes about a second where no output exists.
+// Of longer shots only so many frames are checked, which takes about a second where no output exists.
 constexpr std::int64_t kMaxFrames = 1'000'000;
 
 using FileIdentity = std::pair<dev_t, ino_t>;

@@ -1,4 +1,4 @@
-// Going on with a shot that has been begun: which frames are done, and why others are not.
+// Resuming a shot: which frames are done, and why others are not.
 #pragma once
 
 #include <cstdint>

@@ -143,8 +143,8 @@ void planFiles(Shot& shot) {
   shot.output = outputFiles(options, shot.frames);
 }
 
-// Whether 8 bits would lose the colour of faint pixels, as dividing by their alpha brings out the rounding. Of a
-// sequence it is assumed of every picture that could have such pixels, of a still it is looked up.
+// Whether 8 bits would lose colour in nearly transparent pixels, where dividing by alpha magnifies the rounding. A
+// still is searched for such pixels; of a sequence it is assumed that any picture with alpha has some.
 bool needsDeeperAlpha(const FramePattern& files, const PictureInfo& info, std::int32_t frame) {
   return info.is_unassociated && info.samples == SampleType::Bits8 &&
          (files.hasNumber() || hasSoftAlpha(files.path(frame)));

@@ -1,4 +1,4 @@
-// Memory that cannot be had, as an error like any other.
+// Failed allocations as errors like any other.
 #pragma once
 
 #include <new>

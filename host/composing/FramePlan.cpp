@@ -41,10 +41,23 @@ int neededIn(const FramePlan& plan, const ConvexPolygon& part) {
   return needed;
 }
 
-int neededByScan(const FramePlan& plan) {
+bool coversAll(const CoverageRegion& region, const Rect& part) {
+  for (int y = part.top; y < part.bottom; ++y) {
+    const RowCoverage row = region.row(y);
+    if (row.solid_begin > part.left || row.solid_end < part.right) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// At the borders the scan's colours are taken from up to a sample away, which finer samples make small.
+int neededByScan(const FramePlan& plan, const Rect& part) {
+  constexpr int kSamplesAtBorders = 4;
   const Box box = plan.region.bounds();
-  return samplesForSteps(
-      std::max(plan.layer.width / (box.right - box.left), plan.layer.height / (box.bottom - box.top)));
+  const int needed =
+      samplesForSteps(std::max(plan.layer.width / (box.right - box.left), plan.layer.height / (box.bottom - box.top)));
+  return needed >= kSamplesAtBorders || coversAll(plan.region, part) ? needed : kSamplesAtBorders;
 }
 
 }  // namespace
@@ -112,7 +125,7 @@ bool needsTiles(const FrameOptions& options, const FramePlan& plan) {
 int samplesFor(const FramePlan& plan, const Rect& part) {
   if (plan.path == RenderPath::Bilinear) {
     const bool is_empty = plan.region.empty() || !meets(plan.region.bounds(), boxOf(part));
-    return is_empty ? 0 : plan.samples != 0 ? plan.samples : neededByScan(plan);
+    return is_empty ? 0 : plan.samples != 0 ? plan.samples : neededByScan(plan, part);
   }
   const ConvexPolygon drawn = plan.outline.cut(boxOf(part));
   if (drawn.empty() || drawn.area() == 0.0) {

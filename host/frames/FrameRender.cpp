@@ -30,8 +30,8 @@ ImageView readOnly(const ConstImageView& view) {
   return {const_cast<std::byte*>(view.data), view.row_bytes, view.size, view.depth};
 }
 
-// The layer as the module can read it: itself, or reduced by n into `scaled`, by 1 where its rows must be moved. The
-// interface's 8-bit pixels are words, between whose rows modules count in words.
+// The layer as the module can read it: the caller's own, or a copy in `scaled`, reduced by n. Rows of 8-bit pixels are
+// copied also where they are no whole number of pixels apart, because modules step between them in 4-byte words.
 Result<ImageView> layerForModule(const ConstImageView& layer, int n, BlockEdges edges, Image* scaled) {
   if (n == 1 && (layer.depth != Depth::Bits8 || layer.row_bytes % 4 == 0)) {
     return readOnly(layer);
@@ -254,7 +254,7 @@ Result<Rect> FrameRender::boundingBox() {
   for (const double seconds : tiles_.moments) {
     frame.placed = frame.corners->at(seconds);
     fillParameters(&frame, job_.options.time);
-    const Result<Rect> asked = askFrameSetup(job_, {-kFar, -kFar, kFar, kFar});
+    Result<Rect> asked = askFrameSetup(job_, {-kFar, -kFar, kFar, kFar});
     if (!asked) {
       return asked;
     }

@@ -44,7 +44,7 @@ struct FrameState {
 
   // What is kept from frame to frame.
   Image scaled_layer;  // the layer, where a module cannot be given the caller's
-  Image retry_canvas;  // a larger canvas, for the rare frame that its own gives no map for
+  Image retry_canvas;  // a larger canvas, for the rare frame whose own canvas allows no map
 };
 
 }  // namespace vantorel::host

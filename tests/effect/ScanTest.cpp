@@ -239,6 +239,8 @@ TEST(Scan, NarrowRowsAndPartialCoverage) {
   // Half a pixel wide in a row covered by 0.75: the weight of the old value is 0.625, its factor 160 of 256 or of 255.
   EXPECT_EQ(solid(8, rectangle(2.5, 1.25, 6.5, 3.5))[1][2], 90);
   EXPECT_EQ(solid(32, rectangle(2.5, 1.25, 6.5, 3.5))[1][6], 89);
+  // Half of 1/65536 pixel: a covered area that rounds to nothing.
+  EXPECT_EQ(solid(8, rectangle(2, 1, 4 + 1.0 / kOne, 3.5))[3][4], 0);
 }
 
 // A layer of 2 x 2 pixels inside a larger buffer: nothing that surrounds it is drawn, the row's right end included.
@@ -279,20 +281,22 @@ TEST(Render, EveryDepthRendererQualityAndProtocol) {
 }
 
 TEST(BilinearDriver, CutsTheSourceAndShiftsTheCorners) {
-  // Half resolution of a layer of 9 pixels, 4.5, is cut to 4. It stands at an origin of 1 in the input.
-  ScriptedHost host(8, {6, 2}, {10, 4});
+  // Half resolution of a layer of 9 x 5 pixels, 4.5 x 2.5, is cut to 4 x 2. It stands at (1, 1) in the input.
+  ScriptedHost host(8, {6, 4}, {10, 4});
   host.in.width = 9;
-  host.in.downsample_x_den = 2;
-  host.in.source_origin_x = 1;
+  host.in.height = 5;
+  host.in.downsample_x_den = host.in.downsample_y_den = 2;
+  host.in.source_origin_x = host.in.source_origin_y = 1;
   host.in.output_origin_x = 3;
   host.in.output_origin_y = -1;
-  paint(8, host.input, [](int x, int) { return 10 + 40 * x; });
+  paint(8, host.input, [](int x, int y) { return 10 + 40 * x + 3 * y; });
   host.output.fillBytes(0x77);
   host.setCorners({{0, 2}, {4, 2}, {4, 4}, {0, 4}});
   EXPECT_EQ(TracePointBilinear(&host.in, &host.out, &host.input.world, &host.output.world), 0);
   const Picture picture = pictureOf(8, host.output);
   EXPECT_EQ(picture[0], std::vector<int>(10, 0));
-  EXPECT_EQ(std::vector<int>(picture[1].begin(), picture[1].begin() + 6), (std::vector<int>{0, 0, 0, 50, 90, 130}));
+  EXPECT_EQ(std::vector<int>(picture[1].begin(), picture[1].begin() + 6), (std::vector<int>{0, 0, 0, 53, 93, 133}));
+  EXPECT_EQ(std::vector<int>(picture[2].begin(), picture[2].begin() + 6), (std::vector<int>{0, 0, 0, 56, 96, 136}));
 
   M_FixedPoint corners[4];
   EXPECT_EQ(GetCornerParamsFixed(&host.in, corners, 32767, -32768), 0);  // wraps

@@ -2,6 +2,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "host/checking/RowGuard.h"
 #include "tests/host/ScriptedModule.h"
 
 namespace vantorel::host {
@@ -88,6 +89,18 @@ TEST(MisuseTest, CheckingNamesEveryBreachOfTheInterface) {
   EXPECT_EQ(ErrorKind::Misuse, render({.checkout_id = 5}, true, output).error().kind);
 }
 
+TEST(MisuseTest, AGuardThatChangedIsReportedAtTheFramesEnd) {
+  for (const int row : {-1, 4}) {
+    auto guard = RowGuard::create({6, 4}, Depth::Bits8);
+    ASSERT_TRUE(guard);
+    guard->remember();
+    *(guard->world().data + row * guard->world().row_bytes) = std::byte{1};
+    CallLedger ledger;
+    guard->finish(false, ledger);
+    EXPECT_NE(std::string::npos, ledger.misuse().find("at row " + std::to_string(row))) << ledger.misuse();
+  }
+}
+
 // A world of the module's own, filled in part with a colour and read back.
 std::int32_t useWorlds(const Call& call) {
   PF_InData* const in = call.in;
@@ -113,10 +126,12 @@ std::int32_t useWorlds(const Call& call) {
   return at(4, 3).blue == 4 && at(3, 2).alpha == 1 && at(2, 2).alpha == 0 && at(4, 1).blue == 0 ? ERR_NONE : 1001;
 }
 
+// The result is the length of what fits behind the message's first 200 bytes.
 std::int32_t sendEndlessMessage(const Call& call) {
+  const std::string endless(5000, 'm');
   call.out->out_flags |= OUT_FLAG_SHOW_MESSAGE;
-  call.in->utility_callbacks->sprintf(call.out->return_msg, "%s", std::string(5000, 'm').c_str());
-  return 78;
+  call.in->utility_callbacks->sprintf(call.out->return_msg, "%s", endless.c_str());
+  return call.in->utility_callbacks->sprintf(call.out->return_msg + 200, "%s", endless.c_str());
 }
 
 std::int32_t throwError() {
@@ -135,7 +150,7 @@ TEST(MisuseTest, FailuresOfTheModuleComeThroughWithTheirCodeAndMessage) {
       {{.draw = fail_with_message}, 77, "It cannot be\ndone."},
       {{.draw = [](auto&) { return 77; }}, 77, "the effect's render failed with error code 77"},
       {{.draw = [](auto&) { return ERR_OUT_OF_MEMORY; }}, 4, "the effect's render failed with error code 4"},
-      {{.draw = sendEndlessMessage}, 78, std::string(255, 'm')},
+      {{.draw = sendEndlessMessage}, 55, std::string(255, 'm')},
       {{.draw = [](auto&) { return throwError(); }}, 602, "the effect's render failed with error code 602"},
       {{.in_row_3 = [](auto*, auto&) { return 9; }}, 9, "the effect's render failed with error code 9"},
       {{.in_row_3 = [](auto*, auto&) { return throwError(); }}, 602, "the effect's render failed with error code 602"},

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <thread>
 
+#include "host/Downsample.h"
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
@@ -124,6 +125,22 @@ RC_GTEST_PROP(RenderPropertyTest, AnyCornersDrawInsideTheOutputAlone, ()) {
   RC_ASSERT(drawn_or_refused);
 }
 
+TEST(RenderTest, AReducedFrameIsThatOfTheReducedLayer) {
+  Image layer = noise({30, 18}, Depth::Bits16);
+  Image larger = noise({60, 45}, Depth::Bits16);
+  Image reduced = testing::dirty({10, 6}, Depth::Bits16);
+  downsample(asConst(layer.view()), 3, BlockEdges::Transparent, reduced.view());
+  for (const Point& lower_right : {Point{33, 18}, Point{9, 9}}) {  // by the perspective and the bilinear renderer
+    Instance instance = instanceWith(effect(), {{3, 6}, {27, 0}, {-6, 21}, lower_right});
+    // What the instance keeps of a layer of another size does not show.
+    renderFrame(instance, larger, {-6, -3, 36, 24}, {.downsample = 3});
+    auto frame = renderFrame(instance, layer, {-6, -3, 36, 24}, {.downsample = 3});
+    Instance whole = instanceWith(effect(), {{1, 2}, {9, 0}, {-2, 7}, {lower_right.x / 3, lower_right.y / 3}});
+    auto expected = renderFrame(whole, reduced, {-2, -1, 12, 8});
+    EXPECT_TRUE(samePixels(asConst(expected.pixels.view()), asConst(frame.pixels.view()))) << lower_right.x;
+  }
+}
+
 // The two sides meet at (50, 0), so that the map's horizon runs along the output's first row and through its corner.
 TEST(RenderTest, AHorizonThroughTheOutputsCornerIsDrawnAsFromAnyOther) {
   const Corners corners{{47.5, 10}, {52.5, 10}, {37.5, 50}, {62.5, 50}};
@@ -132,6 +149,7 @@ TEST(RenderTest, AHorizonThroughTheOutputsCornerIsDrawnAsFromAnyOther) {
   for (const Quality quality : {Quality::Standard, Quality::High}) {
     FrameOptions options;
     options.quality = quality;
+    options.placement = Placement::Centres;  // the outline's corners lie half a pixel off, and so does the horizon
     const testing::Frame frame = testing::renderFrame(instance, layer, {0, 0, 100, 60}, options);
     const testing::Frame moved = testing::renderFrame(instance, layer, {-7, -3, 100, 60}, options);
     for (int y = 0; y < 60; ++y) {

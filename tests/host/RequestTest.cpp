@@ -45,6 +45,7 @@ TEST(RequestTest, EachArgumentThatCannotBeServedIsNamed) {
          r.output.size = {7, 8};
        }},
       {"output", [](Request& r) { r.output.depth = Depth::Bits16; }},
+      {"output", [](Request& r) { r.layer.depth = Depth::Bits16; }},
       {"output", [](Request& r) { r.layer.data = r.output.row(1); }},
       {"canvas",
        [](Request& r) {
