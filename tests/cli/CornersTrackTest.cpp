@@ -24,11 +24,6 @@ TEST(CornersTrack, KeysAreHeldOutsideAndReachedExactly) {
   EXPECT_EQ(point.at(rate.seconds(20)), (host::Point{5.0, 10.0}));
   EXPECT_EQ(point.at(rate.seconds(99)), (host::Point{5.0, 10.0}));
   EXPECT_NEAR(point.at(rate.seconds(15)).y, 5.0, 1e-9);
-  // What only the layer's size puts out of range is the file's fault as well.
-  const auto animate = [&](const std::string& text, const std::string& name) {
-    toAnimation(parseCornersCsv(text, name), {1920, 1080}, rate);
-  };
-  expectFault(faultOf(animate, "3,2000%,0,9,0,0,9,9,9\n"), "track: frame 3: ul: 38400 pixels", "outside");
 }
 
 TEST(CornersTrack, FaultsAreFileFailures) {
