@@ -21,14 +21,14 @@ int failWithMessage(const char* text, ExitCode code) {
   return static_cast<int>(code);
 }
 
-int failForWantOfThreads(const std::system_error& error) {
+int failForLackOfThreads(const std::system_error& error) {
   std::fprintf(console(),
                "vantorel: cannot start a thread (%s); raise the limits on processes and memory (ulimit -u, -v)\n",
                error.code().message().c_str());
   return static_cast<int>(ExitCode::EffectFailed);
 }
 
-// For what is thrown where nothing can catch it: in a library's thread, or as a library is loaded.
+// For exceptions that nothing can catch: those of a library's own thread, or thrown while a library is loaded.
 [[noreturn]] void endWithMessage() {
   int code = static_cast<int>(ExitCode::EffectFailed);
   try {
@@ -36,7 +36,7 @@ int failForWantOfThreads(const std::system_error& error) {
       std::rethrow_exception(thrown);
     }
   } catch (const std::system_error& error) {
-    code = failForWantOfThreads(error);
+    code = failForLackOfThreads(error);
   } catch (const std::bad_alloc&) {
     code = failWithMessage("out of memory; raise the limit on it (ulimit -v) or close other programs",
                            ExitCode::EffectFailed);
@@ -76,7 +76,7 @@ int main(int argc, char** argv) {
   } catch (const std::bad_alloc&) {
     return failWithMessage("out of memory; give a smaller picture or --size", ExitCode::EffectFailed);
   } catch (const std::system_error& error) {
-    return failForWantOfThreads(error);
+    return failForLackOfThreads(error);
   } catch (const std::exception& error) {
     std::fprintf(console(), "vantorel: %s; raise the limits on processes and memory, or report this\n", error.what());
     return static_cast<int>(ExitCode::EffectFailed);

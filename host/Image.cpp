@@ -5,6 +5,8 @@
 #include <new>
 #include <utility>
 
+#include "host/checking/OutOfMemory.h"
+
 namespace vantorel::host {
 
 namespace {
@@ -24,6 +26,10 @@ void Image::Free::operator()(std::byte* memory) const {
 }
 
 Result<Image> Image::create(Size size, Depth depth) {
+  return withMemoryErrors("image size", [&] { return allocate(size, depth); });
+}
+
+Result<Image> Image::allocate(Size size, Depth depth) {
   if (size.width <= 0 || size.height <= 0) {
     return invalidArgument("image size", sizeText(size) + " is not a picture's size; both sides must be 1 or more");
   }

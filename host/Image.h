@@ -89,6 +89,8 @@ class Image {
   struct Free {
     void operator()(std::byte* memory) const;
   };
+  static Result<Image> allocate(Size size, Depth depth);
+
   std::unique_ptr<std::byte[], Free> memory_;
   ImageView view_;
 };

@@ -1,9 +1,12 @@
 #include "host/Instance.h"
 
 #include <cmath>
+#include <exception>
+#include <optional>
 #include <string>
 #include <utility>
 
+#include "host/checking/OutOfMemory.h"
 #include "host/frames/FrameRender.h"
 #include "host/frames/FrameRequest.h"
 #include "host/module/ModuleState.h"
@@ -11,10 +14,12 @@
 namespace vantorel::host {
 
 struct Instance::State {
-  std::shared_ptr<const Module> module;
   AnimatedCorners corners;
+  std::optional<AnimatedCorners> source;
   FrameState frame;
   TileStore tiles;
+
+  const AnimatedCorners* sourceOrNull() const { return source ? &*source : nullptr; }
 };
 
 namespace {
@@ -38,38 +43,74 @@ Result<void> checkCorner(const AnimatedPoint& point, std::string_view name) {
   return {};
 }
 
+Result<void> checkCorners(const AnimatedCorners& corners, const std::string& prefix) {
+  for (std::size_t i = 0; i < kCornerCount; ++i) {
+    if (Result<void> valid = checkCorner(corners[i], prefix + std::string(kCornerNames[i])); !valid) {
+      return valid;
+    }
+  }
+  return {};
+}
+
+AnimatedCorners constant(const Corners& corners) {
+  return {AnimatedPoint(corners.upper_left), AnimatedPoint(corners.upper_right), AnimatedPoint(corners.lower_left),
+          AnimatedPoint(corners.lower_right)};
+}
+
 }  // namespace
 
-Instance::Instance(std::shared_ptr<const Module> module) : state_(std::make_unique<State>()) {
-  state_->module = std::move(module);
-}
+Instance::Instance(std::shared_ptr<const Module> module) noexcept : module_(std::move(module)) {}
 
 Instance::~Instance() = default;
 Instance::Instance(Instance&&) noexcept = default;
 Instance& Instance::operator=(Instance&&) noexcept = default;
 
-Result<void> Instance::setCorners(const AnimatedCorners& corners) {
-  for (std::size_t i = 0; i < kCornerCount; ++i) {
-    if (Result<void> valid = checkCorner(corners[i], kCornerNames[i]); !valid) {
-      return valid;
-    }
+Result<void> Instance::makeReady() {
+  if (!module_) {
+    return invalidArgument("module", "there is none; load one first");
   }
-  state_->corners = corners;
+  if (!state_) {
+    state_ = std::make_unique<State>();
+  }
   return {};
 }
 
-Result<void> Instance::setCorners(const Corners& corners) {
-  return setCorners(AnimatedCorners{AnimatedPoint(corners.upper_left), AnimatedPoint(corners.upper_right),
-                                    AnimatedPoint(corners.lower_left), AnimatedPoint(corners.lower_right)});
+Result<void> Instance::setCorners(const AnimatedCorners& corners) {
+  return withMemoryErrors("corners", [&] {
+    return makeReady().and_then([&] { return checkCorners(corners, ""); }).map([&] {
+      state_->corners = AnimatedCorners(corners);
+    });
+  });
 }
 
-Corners Instance::defaultCorners(Size layer_size) const {
+Result<void> Instance::setSource(const AnimatedCorners& source) {
+  return withMemoryErrors("source", [&] {
+    return makeReady().and_then([&] { return checkCorners(source, "source's "); }).map([&] {
+      state_->source = source;
+    });
+  });
+}
+
+Result<void> Instance::setSource(const Corners& source) {
+  return withMemoryErrors("source", [&] { return setSource(constant(source)); });
+}
+
+void Instance::clearSource() {
+  if (state_) {
+    state_->source.reset();
+  }
+}
+
+Result<void> Instance::setCorners(const Corners& corners) {
+  return withMemoryErrors("corners", [&] { return setCorners(constant(corners)); });
+}
+
+Corners Instance::defaultCorners(Size layer_size) const noexcept {
   const auto point = [&](std::size_t index) -> Point {
-    const std::vector<ParameterInfo>& parameters = state_->module->info().parameters;
-    if (index >= parameters.size()) {
+    if (!module_ || index >= module_->info().parameters.size()) {
       return {};
     }
-    const Point& percent = parameters[index].default_percent;
+    const Point& percent = module_->info().parameters[index].default_percent;
     return {percent.x * layer_size.width / 100.0, percent.y * layer_size.height / 100.0};
   };
   return {point(0), point(1), point(2), point(3)};
@@ -77,22 +118,35 @@ Corners Instance::defaultCorners(Size layer_size) const {
 
 Result<FrameResult> Instance::render(const ConstImageView& layer, const Rect& canvas, const ImageView& output,
                                      const FrameOptions& options) {
-  if (Result<void> valid = checkFrameRequest(*state_->module, layer, canvas, output, options); !valid) {
-    return tl::unexpected(std::move(valid).error());
+  std::exception_ptr thrown;
+  Result<FrameResult> result = withMemoryErrors("frame", [&] {
+    return makeReady()
+        .and_then([&] { return checkFrameRequest(*module_, layer, canvas, output, options); })
+        .and_then([&]() -> Result<FrameResult> {
+          const Rect scaled_canvas = canvasAtResolution(canvas, output.size, options.downsample);
+          Result<FrameResult> drawn = FrameRender(*module_->state_, state_->frame, state_->tiles, state_->corners,
+                                                  state_->sourceOrNull(), layer.size, options)
+                                          .render(layer, scaled_canvas, output);
+          thrown = state_->frame.rows.progressFailure();
+          return drawn;
+        });
+  });
+  if (thrown) {
+    std::rethrow_exception(thrown);
   }
-  const Rect scaled_canvas = canvasAtResolution(canvas, output.size, options.downsample);
-  return FrameRender(*state_->module->state_, state_->frame, state_->tiles, state_->corners, layer.size, options)
-      .render(layer, scaled_canvas, output);
+  return result;
 }
 
 Result<Rect> Instance::boundingBox(Size layer_size, const FrameOptions& options) {
-  if (Result<void> valid = checkBoxRequest(*state_->module, layer_size, options); !valid) {
-    return tl::unexpected(std::move(valid).error());
-  }
-  FrameOptions full = options;
-  full.downsample = 1;
-  return FrameRender(*state_->module->state_, state_->frame, state_->tiles, state_->corners, layer_size, full)
-      .boundingBox();
+  return withMemoryErrors("bounding box", [&] {
+    return makeReady().and_then([&] { return checkBoxRequest(*module_, layer_size, options); }).and_then([&] {
+      FrameOptions full = options;
+      full.downsample = 1;
+      return FrameRender(*module_->state_, state_->frame, state_->tiles, state_->corners, state_->sourceOrNull(),
+                         layer_size, full)
+          .boundingBox();
+    });
+  });
 }
 
 }  // namespace vantorel::host

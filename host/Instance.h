@@ -11,10 +11,13 @@
 
 namespace vantorel::host {
 
-// One instance renders one frame at a time; different instances may render at the same time.
+// One instance renders one frame at a time; different instances may render at the same time. Every function that
+// returns a Result gives OutOfMemory where memory is lacking, and nothing else throws than what the caller's own
+// callbacks throw.
 class Instance {
  public:
-  explicit Instance(std::shared_ptr<const Module> module);
+  // Takes no memory yet. An instance without a module, or moved from, gives InvalidArgument wherever it is used.
+  explicit Instance(std::shared_ptr<const Module> module) noexcept;
   ~Instance();
   Instance(Instance&&) noexcept;
   Instance& operator=(Instance&&) noexcept;
@@ -24,8 +27,17 @@ class Instance {
   Result<void> setCorners(const AnimatedCorners& corners);
   Result<void> setCorners(const Corners& corners);
 
-  // The module's declared defaults, converted from percent of the layer to layer pixels.
-  Corners defaultCorners(Size layer_size) const;
+  // The quadrilateral in the layer, in its pixels, that goes onto the corners, instead of the layer's outline; what
+  // lies outside of it is not drawn, nor what of it lies beyond the layer. With Placement::Outline alone, always with
+  // crisp edges. Errors as for setCorners; `render` fails with InvalidArgument, naming the source, where it or the
+  // corners are not strictly convex.
+  Result<void> setSource(const AnimatedCorners& source);
+  Result<void> setSource(const Corners& source);
+  void clearSource();
+
+  // The module's declared defaults, converted from percent of the layer to layer pixels; (0, 0) for what it does not
+  // declare.
+  Corners defaultCorners(Size layer_size) const noexcept;
 
   // Renders the layer into `output`, which is the whole canvas: canvas.width() by canvas.height() pixels of the
   // layer's depth, at 1/downsample resolution rounded up. Every pixel of `output` is written; the quadrilateral's
@@ -38,7 +50,8 @@ class Instance {
   // effect's own message; Interrupted when the stop token ended the frame; Misuse in checking mode. After an error the
   // output's pixels are unspecified.
   //
-  // After the first frame of a size nothing is allocated at downsample 1.
+  // After the first frame of a size nothing is allocated. An 8-bit layer whose rows are no multiple of 4 bytes apart is
+  // copied for each frame.
   Result<FrameResult> render(const ConstImageView& layer, const Rect& canvas, const ImageView& output,
                              const FrameOptions& options);
 
@@ -48,7 +61,10 @@ class Instance {
 
  private:
   struct State;
-  std::unique_ptr<State> state_;
+  Result<void> makeReady();
+
+  std::shared_ptr<const Module> module_;
+  std::unique_ptr<State> state_;  // from the first use on
 };
 
 }  // namespace vantorel::host

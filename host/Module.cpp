@@ -5,6 +5,7 @@
 
 #include "host/Error.h"
 #include "host/Simd.h"
+#include "host/checking/OutOfMemory.h"
 #include "host/module/ModuleCall.h"
 #include "host/module/ModuleState.h"
 #include "host/module/StringTable.h"
@@ -15,7 +16,7 @@ namespace {
 
 // An error of a setup command, said about the module.
 Error aboutModule(const std::string& path, Error error) {
-  if (error.kind == ErrorKind::EffectFailed || error.kind == ErrorKind::OutOfMemory) {
+  if (error.kind == ErrorKind::EffectFailed) {
     error.kind = ErrorKind::ModuleUnusable;
   }
   if (error.kind != ErrorKind::InvalidArgument) {
@@ -68,28 +69,46 @@ Result<void> readAbout(ModuleState& module) {
   return done;
 }
 
+// The first thing that goes wrong is the result.
+Result<void> setDown(const ModuleState& module) {
+  Result<void> done;
+  if (module.is_set_up) {
+    ModuleCall call(module);
+    done = call.run(CMD_GLOBAL_SETDOWN, nullptr, nullptr, nullptr);
+  }
+  const std::size_t handles = module.resources.handles.count();
+  if (done && module.checking && handles != 0) {
+    done = failure(ErrorKind::Misuse, "global set-down", std::to_string(handles) + " handles are still allocated");
+  }
+  return done.map_error([&](Error error) { return aboutModule(module.info.path, std::move(error)); });
+}
+
 }  // namespace
 
 Result<std::shared_ptr<const Module>> Module::load(const std::string& path, ModuleOptions options) {
-  Result<SharedLibrary> library = SharedLibrary::open(path);
-  if (!library) {
-    return tl::unexpected(std::move(library).error());
-  }
-  auto state = std::make_unique<ModuleState>();
-  state->entry = reinterpret_cast<EffectEntry>(library->symbol(PF_EFFECT_ENTRY));
-  state->library = std::move(*library);
-  if (state->entry == nullptr) {
-    return failure(ErrorKind::ModuleUnusable, path,
-                   "is not an effect module: it does not export " + std::string(PF_EFFECT_ENTRY));
-  }
-  return start(std::move(state), path, std::move(options));
+  return withMemoryErrors("module", [&]() -> Result<std::shared_ptr<const Module>> {
+    Result<SharedLibrary> library = SharedLibrary::open(path);
+    if (!library) {
+      return tl::unexpected(std::move(library).error());
+    }
+    auto state = std::make_unique<ModuleState>();
+    state->entry = reinterpret_cast<EffectEntry>(library->symbol(PF_EFFECT_ENTRY));
+    state->library = std::move(*library);
+    if (state->entry == nullptr) {
+      return failure(ErrorKind::ModuleUnusable, path,
+                     "is not an effect module: it does not export " + std::string(PF_EFFECT_ENTRY));
+    }
+    return start(std::move(state), path, std::move(options));
+  });
 }
 
 Result<std::shared_ptr<const Module>> Module::fromEntry(EffectEntry entry, const std::string& name,
                                                         ModuleOptions options) {
-  auto state = std::make_unique<ModuleState>();
-  state->entry = entry;
-  return start(std::move(state), name, std::move(options));
+  return withMemoryErrors("module", [&] {
+    auto state = std::make_unique<ModuleState>();
+    state->entry = entry;
+    return start(std::move(state), name, std::move(options));
+  });
 }
 
 Result<std::shared_ptr<const Module>> Module::start(std::unique_ptr<ModuleState> state, const std::string& name,
@@ -116,20 +135,9 @@ Result<std::shared_ptr<const Module>> Module::start(std::unique_ptr<ModuleState>
 Module::Module(std::unique_ptr<ModuleState> state) : state_(std::move(state)) {}
 
 Module::~Module() {
-  const auto report = [this](Error error) {
-    if (state_->on_setdown_failure) {
-      state_->on_setdown_failure(aboutModule(state_->info.path, std::move(error)));
-    }
-  };
-  if (state_->is_set_up) {
-    ModuleCall call(*state_);
-    if (Result<void> done = call.run(CMD_GLOBAL_SETDOWN, nullptr, nullptr, nullptr); !done) {
-      report(std::move(done).error());
-    }
-  }
-  if (state_->checking && state_->resources.handles.count() != 0) {
-    report({ErrorKind::Misuse, 0, "global set-down",
-            std::to_string(state_->resources.handles.count()) + " handles are still allocated"});
+  Result<void> done = withMemoryErrors("module", [this] { return setDown(*state_); });
+  if (!done && state_->on_setdown_failure) {
+    state_->on_setdown_failure(done.error());
   }
 }
 

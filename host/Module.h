@@ -71,7 +71,8 @@ class Module {
  public:
   // Loads the file at `path`, a name without a slash meaning the current folder. ModuleUnusable when it does not load,
   // lacks the entry or fails its setup; InvalidArgument for a translation whose printf placeholders are not those of
-  // the text that it replaces; in checking mode Misuse.
+  // the text that it replaces, and for a VANTOREL_SIMD that cannot be served (Simd.h); OutOfMemory; in checking mode
+  // Misuse.
   static Result<std::shared_ptr<const Module>> load(const std::string& path, ModuleOptions options = {});
 
   // The same for an effect that is part of the program, by its entry. `name` stands for the path, in ModuleInfo and in

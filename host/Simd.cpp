@@ -4,7 +4,7 @@
 #include <iterator>
 #include <string>
 
-#include "host/Error.h"
+#include "host/checking/OutOfMemory.h"
 #include "platform/Cpu.h"
 
 namespace vantorel::host {
@@ -27,19 +27,7 @@ std::string choices(bool only_available) {
   return names.empty() ? last : names + " or " + last;
 }
 
-}  // namespace
-
-std::array<SimdVariant, 3> simdVariants() noexcept {
-  std::array<SimdVariant, 3> variants;
-  static_assert(std::size(kInstructionSets) == variants.size());
-  for (std::size_t i = 0; i < variants.size(); ++i) {
-    const InstructionSet set = kInstructionSets[i];
-    variants[i] = {instructionSetName(set), isAvailable(set), set == activeInstructionSet()};
-  }
-  return variants;
-}
-
-Result<void> checkSimdChoice() {
+Result<void> checkChoice() {
   const char* const name = std::getenv(kSimdVariable);
   if (name == nullptr || *name == '\0') {
     return {};
@@ -53,6 +41,22 @@ Result<void> checkSimdChoice() {
     return invalidArgument(kSimdVariable, "this machine does not have " + std::string(name) + "; use " + choices(true));
   }
   return {};
+}
+
+}  // namespace
+
+std::array<SimdVariant, 3> simdVariants() noexcept {
+  std::array<SimdVariant, 3> variants{};
+  static_assert(std::size(kInstructionSets) == variants.size());
+  for (std::size_t i = 0; i < variants.size(); ++i) {
+    const InstructionSet set = kInstructionSets[i];
+    variants[i] = {instructionSetName(set), isAvailable(set), set == activeInstructionSet()};
+  }
+  return variants;
+}
+
+Result<void> checkSimdChoice() {
+  return withMemoryErrors(kSimdVariable, checkChoice);
 }
 
 }  // namespace vantorel::host

@@ -22,7 +22,7 @@ CommandError fromHost(const host::Error& error) {
   if (error.kind == host::ErrorKind::Interrupted) {
     return interrupted();
   }
-  return {ExitCode::EffectFailed, error.input, error.message};
+  return {ExitCode::EffectFailed, error.input, oneLine(error.message)};
 }
 
 }  // namespace vantorel::cli

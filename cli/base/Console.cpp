@@ -20,7 +20,7 @@ void sendStandardErrorTo(int descriptor) {
 }  // namespace
 
 std::FILE* console() {
-  static std::FILE* const stream = [] {
+  static std::FILE* const kStream = [] {
     const int copy = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     std::FILE* const opened = copy >= 0 ? fdopen(copy, "w") : nullptr;
     if (opened == nullptr) {
@@ -29,7 +29,7 @@ std::FILE* console() {
     std::setvbuf(opened, nullptr, _IONBF, 0);
     return opened;
   }();
-  return stream;
+  return kStream;
 }
 
 LibraryMessagesDropped::LibraryMessagesDropped() {

@@ -1,4 +1,4 @@
-// A fast hash of 64 bits that tells whether bytes have changed. Not for use against somebody who wants it fooled.
+// A fast hash of 64 bits that tells whether bytes have changed. It does not protect against forgery.
 #pragma once
 
 #include <cstddef>

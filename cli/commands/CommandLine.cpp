@@ -159,16 +159,17 @@ void refuseExtras(const CLI::App& app) {
 CommandError unknownCommand(const CLI::App& app) {
   const std::vector<std::string> extras = app.remaining();
   if (extras.empty()) {
-    return badArgument("", "no command was given; use render, rectify, info or testcard, or see 'vantorel --help'");
+    return badArgument(
+        "", "no command was given; use render, rectify, corners, info or testcard, or see 'vantorel --help'");
   }
   const std::string& word = extras.front();
   if (word.rfind('-', 0) == 0) {
     return badArgument(word,
                        fmt::format("unknown option; {}", hint(nearestWord(word, optionNames(app)), "vantorel --help")));
   }
-  return badArgument(
-      word, fmt::format("unknown command; {}",
-                        hint(nearestWord(word, {"render", "rectify", "info", "testcard"}), "vantorel --help")));
+  return badArgument(word, fmt::format("unknown command; {}",
+                                       hint(nearestWord(word, {"render", "rectify", "corners", "info", "testcard"}),
+                                            "vantorel --help")));
 }
 
 CommandError fromParser(const CLI::ParseError& error) {
@@ -198,6 +199,8 @@ ExitCode runCommandLine(int argc, const char* const* argv) try {
                                         rectifyOptionTable());
   const Command<InfoOptions> info(app, "info", "Show what the effect module says of itself", "info [OPTIONS]",
                                   infoOptionTable());
+  const Command<CornersOptions> corners(app, "corners", "Show, convert or plot a tracker's corners",
+                                        "corners FILE [-o OUT] [OPTIONS]", cornersOptionTable());
   const Command<TestCardOptions> card(app, "testcard", "Write a test card, for trying things out",
                                       "testcard -o OUT [OPTIONS]", testCardOptionTable());
   try {
@@ -223,6 +226,9 @@ ExitCode runCommandLine(int argc, const char* const* argv) try {
   }
   if (info.parsed()) {
     return runInfo(info.options());
+  }
+  if (corners.parsed()) {
+    return runCorners(corners.options());
   }
   if (card.parsed()) {
     const Interrupt interrupt;

@@ -1,6 +1,7 @@
 // The subcommands.
 #pragma once
 
+#include <optional>
 #include <stop_token>
 #include <string>
 
@@ -31,11 +32,21 @@ struct RectifyOptions {
   std::string settings;  // the options that change pictures, as they were given
 };
 
+struct CornersOptions {
+  TrackOptions track;
+  std::string output;              // a file, or four for a corner each; empty: the summary alone
+  std::string format;              // of the output; empty: by its name
+  std::optional<host::Size> size;  // of the picture that positions are in
+  std::string plot;                // an SVG file; empty without one
+  FrameRate rate;
+};
+
 // Each does its work and returns how it ended, or throws CommandError.
 ExitCode runRender(const RenderOptions& options, const std::stop_token& stop);
 ExitCode runInfo(const InfoOptions& options);
 // Draws what lies within four corners of a photo as a rectangle, resampled once.
 ExitCode runRectify(const RectifyOptions& options, const std::stop_token& stop);
+ExitCode runCorners(const CornersOptions& options);
 ExitCode runTestCard(const TestCardOptions& options, const std::stop_token& stop);
 
 }  // namespace vantorel::cli

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/Text.h"
 #include "cli/commands/Commands.h"
 #include "cli/shots/ModuleLocation.h"
 #include "host/Simd.h"
@@ -67,7 +68,7 @@ class Listing {
 
 std::string asText(const host::ModuleInfo& info) {
   Listing listing;
-  listing.add("module", info.path);
+  listing.add("module", escaped(info.path));
   listing.add("version", info.version);
   listing.add("shapes", "convex quadrilaterals in perspective, all others by a bilinear mapping");
   for (const char* capability : capabilities(info)) {

@@ -28,6 +28,7 @@ struct OptionRow {
 const std::vector<OptionRow<RenderOptions>>& renderOptionTable();
 const std::vector<OptionRow<InfoOptions>>& infoOptionTable();
 const std::vector<OptionRow<RectifyOptions>>& rectifyOptionTable();
+const std::vector<OptionRow<CornersOptions>>& cornersOptionTable();
 const std::vector<OptionRow<TestCardOptions>>& testCardOptionTable();
 
 }  // namespace vantorel::cli

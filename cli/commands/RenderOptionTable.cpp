@@ -4,6 +4,7 @@
 #include "cli/base/SizeParsing.h"
 #include "cli/commands/OptionTables.h"
 #include "cli/commands/OptionValues.h"
+#include "cli/commands/TrackOptionTable.h"
 
 namespace vantorel::cli {
 
@@ -23,13 +24,13 @@ constexpr int kMaxShutterSamples = 1024;
 
 constexpr PictureUse kLeaves = PictureUse::LeavesPicture;
 
-template <Corner corner>
+template <Corner Which>
 void setCorner(RenderOptions& options, const std::string& name, const std::string& value) {
   const auto position = parseCorner(value);
   if (!position) {
     throw badArgument(name, position.error());
   }
-  options.corners[corner] = *position;
+  options.corners[Which] = *position;
 }
 
 }  // namespace
@@ -37,145 +38,151 @@ void setCorner(RenderOptions& options, const std::string& name, const std::strin
 const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
   using Options = RenderOptions;
   using Text = const std::string&;
-  static const std::vector<OptionRow<Options>> table{
-      {"LAYER", "FILE", kFiles, "The picture to stretch, or a sequence of them",
-       [](Options& o, Text name, Text value) { o.layer = parseFileName(name, value); },
-       "name the picture to render: vantorel render LAYER -o OUT", kLeaves},
-      {"-o,--output", "OUT", kFiles, "The picture to write: " + outputExtensions(),
-       [](Options& o, Text name, Text value) { o.output = parseFileName(name, value); },
-       "name the picture to write with -o OUT", kLeaves},
-      {"--overwrite", "", kFiles, "Replace the layer, the plate, the matte or the corner file where OUT is one of them",
-       [](Options& o, Text, Text) { o.overwrite = true; }, nullptr, kLeaves},
+  static const std::vector<OptionRow<Options>> kTable = withTrackOptions<Options>(
+      {
+          {"LAYER", "FILE", kFiles, "The picture to stretch, or a sequence of them",
+           [](Options& o, Text name, Text value) { o.layer = parseFileName(name, value); },
+           "name the picture to render: vantorel render LAYER -o OUT", kLeaves},
+          {"-o,--output", "OUT", kFiles, "The picture to write: " + outputExtensions(),
+           [](Options& o, Text name, Text value) { o.output = parseFileName(name, value); },
+           "name the picture to write with -o OUT", kLeaves},
+          {"--overwrite", "", kFiles,
+           "Replace the layer, the plate, the matte or the corner file where OUT is one of them",
+           [](Options& o, Text, Text) { o.overwrite = true; }, nullptr, kLeaves},
 
-      {"--ul", "X,Y", kPlacing, "Where the layer's upper left corner goes (default: where it is)",
-       setCorner<kUpperLeft>},
-      {"--ur", "X,Y", kPlacing, "Where the layer's upper right corner goes (default: where it is)",
-       setCorner<kUpperRight>},
-      {"--ll", "X,Y", kPlacing, "Where the layer's lower left corner goes (default: where it is)",
-       setCorner<kLowerLeft>},
-      {"--lr", "X,Y", kPlacing, "Where the layer's lower right corner goes (default: where it is)",
-       setCorner<kLowerRight>},
-      {"--corners", "FILE", kPlacing, "The corners, or keyframes for them, from a .json or .csv file",
-       [](Options& o, Text name, Text value) { o.corners_file = parseFileName(name, value); }},
-      {"--size", "WxH", kPlacing, "The output picture's size (default: the plate's, else the layer's)",
-       [](Options& o, Text name, Text value) { o.size = parseSize(name, value); }},
-      {"--fit", "", kPlacing, "Instead, the size that the effect asks for: the corners' bounding box",
-       [](Options& o, Text, Text) { o.fit = true; }},
-      {"--over", "PLATE", kPlacing, "Composite the result over this picture or sequence",
-       [](Options& o, Text name, Text value) { o.plate = parseFileName(name, value); }},
+          {"--ul", "X,Y", kPlacing, "Where the layer's upper left corner goes (default: where it is)",
+           setCorner<kUpperLeft>},
+          {"--ur", "X,Y", kPlacing, "Where the layer's upper right corner goes (default: where it is)",
+           setCorner<kUpperRight>},
+          {"--ll", "X,Y", kPlacing, "Where the layer's lower left corner goes (default: where it is)",
+           setCorner<kLowerLeft>},
+          {"--lr", "X,Y", kPlacing, "Where the layer's lower right corner goes (default: where it is)",
+           setCorner<kLowerRight>},
+          {"--corners", "FILE[,FILE...]", kPlacing,
+           "The corners, or keyframes for them, from a tracker's file, or from four of a point each; - is standard "
+           "input",
+           [](Options& o, Text name, Text value) { o.track.files = parseFileName(name, value); }},
+          {"--size", "WxH", kPlacing, "The output picture's size (default: the plate's, else the layer's)",
+           [](Options& o, Text name, Text value) { o.size = parseSize(name, value); }},
+          {"--fit", "", kPlacing, "Instead, the size that the effect asks for: the corners' bounding box",
+           [](Options& o, Text, Text) { o.fit = true; }},
+          {"--over", "PLATE", kPlacing, "Composite the result over this picture or sequence",
+           [](Options& o, Text name, Text value) { o.plate = parseFileName(name, value); }},
 
-      {"--crop", "L,T,R,B", kCompositing,
-       "Cut so many pixels, or percent, from the layer's sides first; what is left is the layer",
-       [](Options& o, Text name, Text value) { o.crop = parseCrop(name, value); }},
-      {"--alpha", "straight|premultiplied|ignore", kCompositing,
-       "How to take the layer's alpha (default: as its file says); ignore: the layer is opaque",
-       [](Options& o, Text name, Text value) {
-         o.alpha = parseChoice<AlphaReading>(name, value,
-                                             {{"straight", AlphaReading::Straight},
-                                              {"premultiplied", AlphaReading::Premultiplied},
-                                              {"ignore", AlphaReading::Ignored}});
-       }},
-      {"--opacity", "P", kCompositing, "How opaque the layer is, 0 to 1 or percent (default: 1)",
-       [](Options& o, Text name, Text value) { o.opacity = parseShare(name, value); }},
-      {"--matte", "PICTURE", kCompositing,
-       "What stands in front: a grey or alpha picture, or a sequence, that hides the layer where it is white",
-       [](Options& o, Text name, Text value) { o.matte = parseFileName(name, value); }},
-      {"--feather", "PIXELS", kCompositing, "Fade the layer's edges over so many output pixels inside its outline",
-       [](Options& o, Text name, Text value) { o.feather = parseNumberInRange(name, value, 0.0, kMaxFeather); }},
-      {"--enlarge", "bilinear|bicubic|lanczos", kCompositing,
-       "Enlarge the layer by this filter first where it becomes more than twice as large",
-       [](Options& o, Text name, Text value) {
-         o.enlarge = parseChoice<EnlargeFilter>(name, value,
-                                                {{"bilinear", EnlargeFilter::Bilinear},
-                                                 {"bicubic", EnlargeFilter::Bicubic},
-                                                 {"lanczos", EnlargeFilter::Lanczos}});
-       }},
+          {"--crop", "L,T,R,B", kCompositing,
+           "Cut so many pixels, or percent, from the layer's sides first; what is left is the layer",
+           [](Options& o, Text name, Text value) { o.crop = parseCrop(name, value); }},
+          {"--alpha", "straight|premultiplied|ignore", kCompositing,
+           "How to take the layer's alpha (default: as its file says); ignore: the layer is opaque",
+           [](Options& o, Text name, Text value) {
+             o.alpha = parseChoice<AlphaReading>(name, value,
+                                                 {{"straight", AlphaReading::Straight},
+                                                  {"premultiplied", AlphaReading::Premultiplied},
+                                                  {"ignore", AlphaReading::Ignored}});
+           }},
+          {"--opacity", "P", kCompositing, "How opaque the layer is, 0 to 1 or percent (default: 1)",
+           [](Options& o, Text name, Text value) { o.opacity = parseShare(name, value); }},
+          {"--matte", "PICTURE", kCompositing,
+           "What stands in front: a grey or alpha picture, or a sequence, that hides the layer where it is white",
+           [](Options& o, Text name, Text value) { o.matte = parseFileName(name, value); }},
+          {"--feather", "PIXELS", kCompositing, "Fade the layer's edges over so many output pixels inside its outline",
+           [](Options& o, Text name, Text value) { o.feather = parseNumberInRange(name, value, 0.0, kMaxFeather); }},
+          {"--enlarge", "bilinear|bicubic|lanczos", kCompositing,
+           "Enlarge the layer by this filter first where it becomes more than twice as large",
+           [](Options& o, Text name, Text value) {
+             o.enlarge = parseChoice<EnlargeFilter>(name, value,
+                                                    {{"bilinear", EnlargeFilter::Bilinear},
+                                                     {"bicubic", EnlargeFilter::Bicubic},
+                                                     {"lanczos", EnlargeFilter::Lanczos}});
+           }},
 
-      {"--shutter", "DEGREES", kMotionBlur,
-       "Blur what moves: how long the shutter is open, 180 is half a frame (0: off)",
-       [](Options& o, Text name, Text value) {
-         o.shutter.degrees = parseNumberInRange(name, value, 0.0, kMaxShutter);
-       }},
-      {"--shutter-offset", "DEGREES", kMotionBlur,
-       "When it opens, after the frame's time (default: centred on the frame)",
-       [](Options& o, Text name, Text value) {
-         o.shutter.offset = parseNumberInRange(name, value, -kMaxShutter, kMaxShutter);
-       }},
-      {"--shutter-samples", "N", kMotionBlur, "Draw at most so many moments, as the motion needs (default: 64)",
-       [](Options& o, Text name, Text value) {
-         o.shutter.max_samples = parseIntInRange(name, value, 1, kMaxShutterSamples);
-       }},
+          {"--shutter", "DEGREES", kMotionBlur,
+           "Blur what moves: how long the shutter is open, 180 is half a frame (0: off)",
+           [](Options& o, Text name, Text value) {
+             o.shutter.degrees = parseNumberInRange(name, value, 0.0, kMaxShutter);
+           }},
+          {"--shutter-offset", "DEGREES", kMotionBlur,
+           "When it opens, after the frame's time (default: centred on the frame)",
+           [](Options& o, Text name, Text value) {
+             o.shutter.offset = parseNumberInRange(name, value, -kMaxShutter, kMaxShutter);
+           }},
+          {"--shutter-samples", "N", kMotionBlur, "Draw at most so many moments, as the motion needs (default: 64)",
+           [](Options& o, Text name, Text value) {
+             o.shutter.max_samples = parseIntInRange(name, value, 1, kMaxShutterSamples);
+           }},
 
-      {"--quality", "best|high|standard", kRendering,
-       "best (default) takes as many samples as the picture needs and has crisp edges, high is the effect's own "
-       "filtering by area, standard is fast",
-       [](Options& o, Text name, Text value) {
-         o.quality = parseChoice<host::Quality>(
-             name, value,
-             {{"best", host::Quality::Best}, {"high", host::Quality::High}, {"standard", host::Quality::Standard}});
-       }},
-      {"--samples", "auto|1|2|4|8", kRendering,
-       "Samples a pixel along each axis (default: auto at best, 1 at the other qualities)",
-       [](Options& o, Text name, Text value) {
-         o.samples = parseChoice<int>(name, value, {{"auto", 0}, {"1", 1}, {"2", 2}, {"4", 4}, {"8", 8}});
-       }},
-      {"--edges", "crisp|soft", kRendering,
-       "crisp (default at best): edge pixels covered by their exact share; soft: faded over a layer pixel",
-       [](Options& o, Text name, Text value) {
-         o.edges = parseChoice<host::Edges>(name, value, {{"crisp", host::Edges::Crisp}, {"soft", host::Edges::Soft}});
-       }},
-      {"--placement", "outline|centres", kRendering,
-       "outline (default): the layer's outline lies on the corners; centres: positions count from pixel centres, "
-       "as the effect alone has it",
-       [](Options& o, Text name, Text value) {
-         o.placement = parseChoice<host::Placement>(
-             name, value, {{"outline", host::Placement::Outline}, {"centres", host::Placement::Centres}});
-       }},
-      {"--depth", "auto|8|16|float", kRendering, "auto (default, the files' own), 8, 16 or float bits per channel",
-       [](Options& o, Text name, Text value) {
-         o.depth = parseChoice<DepthChoice>(name, value,
-                                            {{"auto", DepthChoice::Auto},
-                                             {"8", DepthChoice::Bits8},
-                                             {"16", DepthChoice::Bits16},
-                                             {"float", DepthChoice::Float}});
-       }},
-      {"--protocol", "smart|plain", kRendering, "How to speak to the effect: smart (default) or plain",
-       [](Options& o, Text name, Text value) {
-         o.protocol = parseChoice<host::Protocol>(name, value,
-                                                  {{"smart", host::Protocol::Smart}, {"plain", host::Protocol::Plain}});
-       },
-       nullptr, kLeaves},
-      {"--downsample", "N", kRendering, "Render at 1/N of the resolution",
-       [](Options& o, Text name, Text value) { o.downsample = parseIntInRange(name, value, 1, kMaxDownsample); }},
-      {"--linear", "", kRendering, "Filter and composite in linear light, by the files' colour spaces",
-       [](Options& o, Text, Text) { o.linear = true; }},
-      {"--threads", "N", kRendering, "Use at most N threads for everything (default: all cores)",
-       [](Options& o, Text name, Text value) {
-         o.threads = static_cast<unsigned>(parseIntInRange(name, value, 1, kMaxThreads));
-       },
-       nullptr, kLeaves},
-      {"--module", "FILE", kRendering, "The effect module (default: the one beside the command)",
-       [](Options& o, Text name, Text value) { o.module = parseFileName(name, value); }},
+          {"--quality", "best|high|standard", kRendering,
+           "best (default) takes as many samples as the picture needs and has crisp edges, high is the effect's own "
+           "filtering by area, standard is fast",
+           [](Options& o, Text name, Text value) {
+             o.quality = parseChoice<host::Quality>(
+                 name, value,
+                 {{"best", host::Quality::Best}, {"high", host::Quality::High}, {"standard", host::Quality::Standard}});
+           }},
+          {"--samples", "auto|1|2|4|8", kRendering,
+           "Samples a pixel along each axis (default: auto at best, 1 at the other qualities)",
+           [](Options& o, Text name, Text value) {
+             o.samples = parseChoice<int>(name, value, {{"auto", 0}, {"1", 1}, {"2", 2}, {"4", 4}, {"8", 8}});
+           }},
+          {"--edges", "crisp|soft", kRendering,
+           "crisp (default at best): edge pixels covered by their exact share; soft: faded over a layer pixel",
+           [](Options& o, Text name, Text value) {
+             o.edges =
+                 parseChoice<host::Edges>(name, value, {{"crisp", host::Edges::Crisp}, {"soft", host::Edges::Soft}});
+           }},
+          {"--placement", "outline|centres", kRendering,
+           "outline (default): the layer's outline lies on the corners; centres: positions count from pixel centres, "
+           "as the effect alone has it",
+           [](Options& o, Text name, Text value) {
+             o.placement = parseChoice<host::Placement>(
+                 name, value, {{"outline", host::Placement::Outline}, {"centres", host::Placement::Centres}});
+           }},
+          {"--depth", "auto|8|16|float", kRendering, "auto (default, the files' own), 8, 16 or float bits per channel",
+           [](Options& o, Text name, Text value) {
+             o.depth = parseChoice<DepthChoice>(name, value,
+                                                {{"auto", DepthChoice::Auto},
+                                                 {"8", DepthChoice::Bits8},
+                                                 {"16", DepthChoice::Bits16},
+                                                 {"float", DepthChoice::Float}});
+           }},
+          {"--protocol", "smart|plain", kRendering, "How to speak to the effect: smart (default) or plain",
+           [](Options& o, Text name, Text value) {
+             o.protocol = parseChoice<host::Protocol>(
+                 name, value, {{"smart", host::Protocol::Smart}, {"plain", host::Protocol::Plain}});
+           },
+           nullptr, kLeaves},
+          {"--downsample", "N", kRendering, "Render at 1/N of the resolution",
+           [](Options& o, Text name, Text value) { o.downsample = parseIntInRange(name, value, 1, kMaxDownsample); }},
+          {"--linear", "", kRendering, "Filter and composite in linear light, by the files' colour spaces",
+           [](Options& o, Text, Text) { o.linear = true; }},
+          {"--threads", "N", kRendering, "Use at most N threads for everything (default: all cores)",
+           [](Options& o, Text name, Text value) {
+             o.threads = static_cast<unsigned>(parseIntInRange(name, value, 1, kMaxThreads));
+           },
+           nullptr, kLeaves},
+          {"--module", "FILE", kRendering, "The effect module (default: the one beside the command)",
+           [](Options& o, Text name, Text value) { o.module = parseFileName(name, value); }},
 
-      {"--frames", "A-B[xS]", kSequences,
-       "A sequence, every S-th frame of it; %04d or #### in LAYER, OUT and PLATE stands for the frame",
-       [](Options& o, Text name, Text value) { o.frames = parseFrameRange(name, value); }, nullptr, kLeaves},
-      {"--fps", "RATE", kSequences, "Frames per second, such as 25, 23.976 or 24000/1001 (default: 24)",
-       [](Options& o, Text name, Text value) { o.rate = parseFrameRate(name, value); }},
-      {"--resume", "", kSequences,
-       "Skip frames that are done: unchanged, made with these options, newer than the inputs",
-       [](Options& o, Text, Text) { o.resume = true; }, nullptr, kLeaves},
-      {"--keep-going", "", kSequences, "Go on after a frame that fails, list those at the end and exit with 1",
-       [](Options& o, Text, Text) { o.keep_going = true; }, nullptr, kLeaves},
+          {"--frames", "A-B[xS]", kSequences,
+           "A sequence, every S-th frame of it; %04d or #### in LAYER, OUT and PLATE stands for the frame",
+           [](Options& o, Text name, Text value) { o.frames = parseFrameRange(name, value); }, nullptr, kLeaves},
+          {"--fps", "RATE", kSequences, "Frames per second, such as 25, 23.976 or 24000/1001 (default: 24)",
+           [](Options& o, Text name, Text value) { o.rate = parseFrameRate(name, value); }},
+          {"--resume", "", kSequences,
+           "Skip frames that are done: unchanged, made with these options, newer than the inputs",
+           [](Options& o, Text, Text) { o.resume = true; }, nullptr, kLeaves},
+          {"--keep-going", "", kSequences, "Go on after a frame that fails, list those at the end and exit with 1",
+           [](Options& o, Text, Text) { o.keep_going = true; }, nullptr, kLeaves},
 
-      {"--progress", "", kReporting, "Show progress (default: when standard error is a terminal)",
-       [](Options& o, Text, Text) { o.progress = true; }, nullptr, kLeaves},
-      {"--no-progress", "", kReporting, "Show none", [](Options& o, Text, Text) { o.progress = false; }, nullptr,
-       kLeaves},
-      {"--json", "", kReporting, "Print a line of JSON on standard output for every finished frame",
-       [](Options& o, Text, Text) { o.json = true; }, nullptr, kLeaves},
-  };
-  return table;
+          {"--progress", "", kReporting, "Show progress (default: when standard error is a terminal)",
+           [](Options& o, Text, Text) { o.progress = true; }, nullptr, kLeaves},
+          {"--no-progress", "", kReporting, "Show none", [](Options& o, Text, Text) { o.progress = false; }, nullptr,
+           kLeaves},
+          {"--json", "", kReporting, "Print a line of JSON on standard output for every finished frame",
+           [](Options& o, Text, Text) { o.json = true; }, nullptr, kLeaves},
+      },
+      "Files of corners (default: what their format says)");
+  return kTable;
 }
 
 }  // namespace vantorel::cli

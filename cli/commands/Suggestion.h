@@ -1,4 +1,4 @@
-// What somebody who mistyped a word may have meant.
+// Suggestions for mistyped words.
 #pragma once
 
 #include <optional>

@@ -8,13 +8,17 @@
 
 #include "host/Animation.h"
 #include "host/Image.h"
+#include "tracks/CornerTrack.h"
 
 namespace vantorel::cli {
 
-// The order of corners in every list here, as in options and files.
-enum Corner : std::size_t { kUpperLeft, kUpperRight, kLowerLeft, kLowerRight, kCornerCount };
-// The names in files; an option is a name after two dashes.
-constexpr std::array<const char*, kCornerCount> kCornerNames{"ul", "ur", "ll", "lr"};
+using tracks::Corner;
+using tracks::kCornerCount;
+using tracks::kCornerNames;  // an option is a name after two dashes
+using tracks::kLowerLeft;
+using tracks::kLowerRight;
+using tracks::kUpperLeft;
+using tracks::kUpperRight;
 
 // One coordinate: layer pixels, or percent of the layer's width or height.
 struct Coordinate {

@@ -3,76 +3,124 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <iostream>
 
 #include "cli/base/CommandError.h"
 #include "cli/base/Files.h"
-#include "cli/base/Text.h"
 
 namespace vantorel::cli {
 
 namespace {
 
-// A format of files of corners is a row here and a parser.
-struct TrackFormat {
-  const char* extension;
-  CornersTrack (*parse)(const std::string& text, const std::string& name);
-};
-constexpr std::array kTrackFormats{TrackFormat{".json", parseCornersJson}, TrackFormat{".csv", parseCornersCsv}};
-
-// Ten hours of keys on every frame are a tenth of this.
-constexpr std::uintmax_t kLargestFile = 512u << 20;
-
-std::string readText(const std::string& path) {
-  requireReadableFile(path, "a JSON or CSV file");
-  std::error_code fault;
-  if (std::filesystem::file_size(path, fault) > kLargestFile) {
-    throw fileFailure(path, "is too large for a file of corners; give a JSON or CSV file of at most 512 MiB");
-  }
-  std::ifstream file(path, std::ios::binary);
-  const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  if (!file) {
-    throw fileFailure(path, "cannot be read; check its disk");
-  }
-  return std::string(withoutByteOrderMark(text));
+CommandError fromTracks(const host::Error& error) {
+  return fileFailure(error.input, error.message);
 }
 
-// An error about one position of the track: of an option, or of a key of its file.
-CommandError positionFault(const CornersTrack& track, const CornersKey& key, const char* corner,
-                           const std::string& fault) {
-  if (track.source.empty()) {
-    return badArgument(fmt::format("--{}", corner), fault);
+template <typename T>
+T trackOrThrow(host::Result<T> result) {
+  if (!result) {
+    throw fromTracks(result.error());
   }
-  return fileFailure(fmt::format("{}: frame {}: {}", track.source, key.frame, corner), fault);
+  return std::move(*result);
+}
+
+std::string readText(const std::string& path) {
+  if (path == "-") {
+    return trackOrThrow(tracks::readStream(std::cin, "standard input"));
+  }
+  // A pipe is readable as well, but opening it to find out would take what its writer has for the reader.
+  std::error_code fault;
+  if (!std::filesystem::is_fifo(path, fault)) {
+    requireReadableFile(path, "a tracker's file");
+  }
+  std::ifstream file(path, std::ios::binary);
+  if (!file) {
+    throw fileFailure(path, "cannot be opened; check its permissions and its disk");
+  }
+  return trackOrThrow(tracks::readStream(file, path));
+}
+
+using Keys = std::array<std::vector<host::AnimatedPoint::Key>, kCornerCount>;
+
+host::AnimatedCorners animation(Keys keys, host::Interpolation interpolation) {
+  const auto point = [&](Corner corner) { return host::AnimatedPoint(std::move(keys[corner]), interpolation); };
+  return {point(kUpperLeft), point(kUpperRight), point(kLowerLeft), point(kLowerRight)};
+}
+
+host::AnimatedCorners stillCorners(const CornerPositions& still, host::Size layer) {
+  Keys keys;
+  for (std::size_t c = 0; c < kCornerCount; ++c) {
+    const auto point = toLayerPixels(still[c], layer);
+    if (!point) {
+      throw badArgument(fmt::format("--{}", kCornerNames[c]), point.error());
+    }
+    keys[c].push_back({0.0, *point});
+  }
+  return animation(std::move(keys), host::Interpolation::Linear);
 }
 
 }  // namespace
 
-CornersTrack readCorners(const std::string& path) {
-  const std::string extension = lowerCaseExtension(path);
-  for (const TrackFormat& format : kTrackFormats) {
-    if (extension == format.extension) {
-      return format.parse(readText(path), path);
-    }
+std::vector<std::string> trackFiles(const std::string& list) {
+  std::error_code fault;
+  if (std::filesystem::exists(list, fault)) {
+    return {list};
   }
-  throw badArgument("--corners", fmt::format("'{}' ends in neither .json nor .csv; rename it to what it holds", path));
+  std::vector<std::string> files;
+  std::size_t begin = 0;
+  while (true) {
+    const std::size_t comma = list.find(',', begin);
+    files.push_back(list.substr(begin, comma - begin));
+    if (comma == std::string::npos) {
+      return files;
+    }
+    begin = comma + 1;
+  }
 }
 
-host::AnimatedCorners toAnimation(const CornersTrack& track, host::Size layer, const FrameRate& rate) {
-  std::array<std::vector<host::AnimatedPoint::Key>, kCornerCount> keys;
-  for (const CornersKey& key : track.keys) {
+CornersTrack readCorners(const TrackOptions& options, const FrameRate& rate) {
+  const std::vector<std::string> files = trackFiles(options.files);
+  std::vector<std::string> texts;
+  texts.reserve(files.size());  // the sources view the texts
+  std::vector<tracks::TrackSource> sources;
+  for (const std::string& file : files) {
+    texts.push_back(readText(file));
+    sources.push_back({file == "-" ? "standard input" : file, texts.back()});
+  }
+  CornersTrack track;
+  track.read = trackOrThrow(tracks::readTrack(sources, {nullptr, static_cast<double>(rate.scale) / rate.step}));
+  track.options = options.resolve;
+  return track;
+}
+
+tracks::ResolvedTrack resolveCorners(const CornersTrack& track, host::Size layer, host::Size output) {
+  tracks::ResolveOptions options = track.options;
+  options.sizes = {output, layer};
+  return trackOrThrow(tracks::resolveTrack(*track.read, options));
+}
+
+host::AnimatedCorners toAnimation(const CornersTrack& track, host::Size layer, host::Size output,
+                                  const FrameRate& rate) {
+  if (!track.read) {
+    return stillCorners(track.still, layer);
+  }
+  const tracks::ResolvedTrack resolved = resolveCorners(track, layer, output);
+  Keys keys;
+  for (const tracks::CornerKey& key : resolved.track.keys) {
     for (std::size_t c = 0; c < kCornerCount; ++c) {
-      const auto point = toLayerPixels(key.corners[c], layer);
-      if (!point) {
-        throw positionFault(track, key, kCornerNames[c], point.error());
-      }
-      keys[c].push_back({rate.seconds(key.frame), *point});
+      keys[c].push_back({rate.seconds(key.frame), key.points[c]});
     }
   }
-  const auto point = [&](Corner corner) { return host::AnimatedPoint(std::move(keys[corner]), track.interpolation); };
-  return {point(kUpperLeft), point(kUpperRight), point(kLowerLeft), point(kLowerRight)};
+  return animation(std::move(keys), resolved.track.interpolation);
+}
+
+void tellNotes(const std::vector<std::string>& notes) {
+  for (const std::string& note : notes) {
+    std::fprintf(stderr, "vantorel: %s\n", note.c_str());
+  }
 }
 
 }  // namespace vantorel::cli

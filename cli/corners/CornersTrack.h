@@ -1,36 +1,38 @@
-// Keyframes for the four corners, from JSON or CSV files.
+// The four corners over the frames: from options, or from files that trackers wrote.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/base/FrameRange.h"
 #include "cli/corners/Corners.h"
+#include "cli/corners/TrackOptions.h"
 #include "host/Animation.h"
 
 namespace vantorel::cli {
 
-struct CornersKey {
-  double frame = 0.0;  // may lie between frames
-  CornerPositions corners;
-};
-
-// The corners over the frames: at least one key.
 struct CornersTrack {
-  std::string source;  // the file, as errors name it; empty for corners from options
-  std::vector<CornersKey> keys;
-  host::Interpolation interpolation = host::Interpolation::Linear;
+  CornerPositions still;                  // where there are no files
+  std::optional<tracks::ReadTrack> read;  // what the files say
+  tracks::ResolveOptions options;
 };
 
-// Reads a file whose name ends in .json or .csv. Throws CommandError, naming file, line and field.
-CornersTrack readCorners(const std::string& path);
+// The names in a list of files as options give it: a name that holds commas is one if there is such a file.
+std::vector<std::string> trackFiles(const std::string& list);
 
-// The formats themselves; `name` is what errors name.
-CornersTrack parseCornersJson(const std::string& text, const std::string& name);
-CornersTrack parseCornersCsv(const std::string& text, const std::string& name);
+// Reads the files; the rate is that of clock times. Throws CommandError, naming file, line and field.
+CornersTrack readCorners(const TrackOptions& options, const FrameRate& rate);
 
-// The track as the host's parameters for a layer of that size. Throws CommandError for percentages whose pixels 16.16
-// cannot hold: a bad argument for corners from options, a file failure for those from a file.
-host::AnimatedCorners toAnimation(const CornersTrack& track, host::Size layer, const FrameRate& rate);
+// The files' track in pixels of the output. Throws CommandError (file failure).
+tracks::ResolvedTrack resolveCorners(const CornersTrack& track, host::Size layer, host::Size output);
+
+// The track as the host's parameters. Throws CommandError for positions that 16.16 cannot hold: a bad argument for
+// corners from options, a file failure for those from files.
+host::AnimatedCorners toAnimation(const CornersTrack& track, host::Size layer, host::Size output,
+                                  const FrameRate& rate);
+
+// Tells each note once, on standard error.
+void tellNotes(const std::vector<std::string>& notes);
 
 }  // namespace vantorel::cli

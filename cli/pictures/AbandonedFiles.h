@@ -1,4 +1,4 @@
-// Temporary files of outputs, and what becomes of those whose process was killed.
+// Temporary files of outputs, and the removal of those whose process was killed.
 #pragma once
 
 #include <filesystem>

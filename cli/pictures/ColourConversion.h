@@ -1,4 +1,4 @@
-// To linear light and back, by the colour spaces that files state.
+// Conversion to linear light and back, by the colour spaces that files state.
 #pragma once
 
 #include <string>

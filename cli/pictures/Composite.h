@@ -1,4 +1,4 @@
-// Pictures upon pictures, premultiplied.
+// Compositing of premultiplied pictures.
 #pragma once
 
 #include "host/Image.h"

@@ -1,5 +1,5 @@
-// A record inside a picture file: the settings that it was made with, and a checksum of the file's other bytes. By it a
-// file that has been damaged, or made in another way, is known without decoding it.
+// A record inside a picture file: the settings that it was made with, and a checksum of the file's other bytes. It
+// shows, without decoding, whether the file has been damaged or was made in another way.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace vantorel::cli {
 std::string recordText(std::uint64_t settings);
 
 // Fills the checksum into the record of a file that is otherwise complete. A file that holds no record stays as it is.
-// Returns false, with errno set, when the file cannot be read or written.
+// Returns false when the file cannot be read or written; errno tells why.
 bool sealRecord(const std::string& path);
 
 enum class RecordState { Matches, Absent, OtherSettings, Damaged };

@@ -1,4 +1,4 @@
-// An output file as OpenImageIO's writers write to it.
+// Lets OpenImageIO's writers write to an output file.
 #pragma once
 
 #include <OpenImageIO/filesystem.h>

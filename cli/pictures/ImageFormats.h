@@ -20,7 +20,7 @@ struct ImageFormat {
   bool holds_data_window = false;   // keeps pixels at a place of their own inside (or outside) the picture's frame
   bool linear_light = false;        // holds linear light by convention
   bool needs_path = false;          // OpenImageIO must write to a named file, since it reads back what it wrote
-  bool must_be_finished = false;    // its library complains on standard error about a picture that ends early
+  bool must_be_finished = false;    // its library prints an error about a picture that is closed early
   int longest_side = 0;             // in pixels; 0 where other limits come first
   bool holds8 = false;
   bool holds16 = false;

@@ -25,7 +25,7 @@ namespace vantorel::cli {
 
 namespace {
 
-// Rows between two looks at the stop token; enough for OpenEXR to decompress its blocks side by side.
+// Rows read between two checks of the stop token; enough for OpenEXR to decompress its blocks side by side.
 constexpr int kRowsPerRead = 256;
 
 CommandError unreadable(const std::string& path, const std::string& reason) {
@@ -34,7 +34,7 @@ CommandError unreadable(const std::string& path, const std::string& reason) {
                                        oneLine(reason)));
 }
 
-// A file that is open, and how its pixels are to be understood.
+// An open file, and how to interpret its pixels.
 struct Source {
   std::string path;
   std::unique_ptr<OIIO::ImageInput> input;
@@ -68,6 +68,14 @@ Source openSource(const std::string& path, AlphaReading alpha = AlphaReading::As
                                : alpha == AlphaReading::Straight;
   source.unassociated = source.plan.hasAlpha() && is_straight;
   source.orientation = orientationOf(source.spec);
+  return source;
+}
+
+Source openWholeSource(const std::string& path, AlphaReading alpha) {
+  Source source = openSource(path, alpha);
+  if (isTruncated(path)) {
+    throw fileFailure(path, "is truncated; give the whole file");
+  }
   return source;
 }
 
@@ -210,10 +218,7 @@ PictureInfo probePicture(const std::string& path, AlphaReading alpha) {
 
 Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop, AlphaReading alpha) {
   const LibraryMessagesDropped dropped;
-  Source source = openSource(path, alpha);
-  if (isTruncated(path)) {
-    throw fileFailure(path, "is truncated; give the whole file");
-  }
+  Source source = openWholeSource(path, alpha);
   Picture picture;
   picture.info = infoOf(source);
   picture.colour_space = source.spec.get_string_attribute("oiio:ColorSpace");
@@ -238,7 +243,7 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
 
 bool hasSoftAlpha(const std::string& path) {
   const LibraryMessagesDropped dropped;
-  Source source = openSource(path);
+  Source source = openWholeSource(path, AlphaReading::AsStated);
   const int step = std::min(rowsPerRead(source.spec), source.spec.height);
   host::Image rows = valueOrThrow(host::Image::create({source.spec.width, step}, host::Depth::Bits8));
   bool soft = false;

@@ -23,7 +23,7 @@ namespace vantorel::cli {
 
 namespace {
 
-// Rows between two looks at the stop token; enough for OpenEXR to compress its blocks side by side.
+// Rows written between two checks of the stop token; enough for OpenEXR to compress its blocks side by side.
 constexpr int kRowsPerWrite = 256;
 
 // PNG is packed fast rather than small: against zlib's default level and libpng's choice among all filters, writing
@@ -73,8 +73,8 @@ OIIO::ImageSpec describe(const ImageFormat& format, const OutputPicture& picture
   return spec;
 }
 
-// Fills up a picture that nobody is going to see, so that its writer can be closed in peace. Blank rows are packed at
-// no cost to speak of.
+// Completes a picture that is going to be discarded, since closing its writer early prints an error. Blank rows take
+// next to no time.
 void writeBlankRows(OIIO::ImageOutput& output, int from_row) {
   const OIIO::ImageSpec& spec = output.spec();
   const std::vector<std::byte> blank(spec.scanline_bytes(true));
@@ -129,7 +129,7 @@ class Writer {
   void finish() {
     const bool closed = output_->close();
     file_.throwIfFailed();
-    // Writers that go round the sink do not tell whether the last that they wrote found room.
+    // Writers that bypass the sink do not report whether their last write found room.
     if (!closed || (format_.needs_path && !isWholePicture(file_.temporaryPath(), picture_.pixels.size))) {
       throw failure();
     }

@@ -1,11 +1,11 @@
-// What a file says beside its pixels.
+// What a file states besides its pixels.
 #pragma once
 
 #include <OpenImageIO/paramlist.h>
 
 namespace vantorel::cli {
 
-// What a picture made from another keeps of it.
+// What carries over to a picture that is made from this one.
 struct Metadata {
   OIIO::ParamValueList values;
 };

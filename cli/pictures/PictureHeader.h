@@ -13,11 +13,12 @@ namespace vantorel::cli {
 constexpr int kWindowLimit = 1 << 29;
 
 // Throws CommandError naming the path unless both windows hold pixels and lie within kWindowLimit of the origin, and
-// tiles are of a size that exists.
+// the tiles have a possible size.
 void requireSaneHeader(const OIIO::ImageSpec& spec, const std::string& path);
 
-// The data window in the display window's pixels, for a sane header. Formats without a display window of their own show
-// their whole picture, whatever offset they state, as image editors do in PNG. `format` is OpenImageIO's name of it.
+// The data window in the display window's pixels, for a header that has passed the check. A format without a
+// display window shows its whole picture, whatever offset it states; image editors state one in PNG. `format` is
+// OpenImageIO's name for it.
 host::Rect dataWindow(const OIIO::ImageSpec& spec, const std::string& format);
 
 // The camera's orientation, 1 to 8; 1 (upright) where the file states none or one that does not exist.

@@ -1,4 +1,4 @@
-// Plates for proxies.
+// Scaling plates down for proxies.
 #pragma once
 
 #include "host/Image.h"

@@ -1,4 +1,4 @@
-// Rows as a file takes them, where OpenImageIO's own conversion will not do.
+// Conversion of rows to what a file holds, where OpenImageIO's own conversion is not exact enough.
 #pragma once
 
 #include <cstddef>

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::array<unsigned char, 8> kPngSignature{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
 
-// Whether a chunk IEND, whole, ends the chain of chunks: length, name, data, check sum.
+// Whether the chain of chunks (length, name, data, checksum) ends with a complete IEND.
 bool pngIsWhole(std::istream& file, std::uint64_t size) {
   std::uint64_t at = kPngSignature.size();
   std::array<unsigned char, 8> head{};
@@ -38,7 +38,7 @@ bool standsAlone(int marker) {
   return marker == 0x00 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD8);
 }
 
-// Whether the marker that ends an image stands outside the segments, in which thumbnails have markers of their own.
+// Whether there is an end-of-image marker outside the segments; thumbnails inside segments have markers of their own.
 bool jpegIsWhole(std::istream& file) {
   std::streambuf& bytes = *file.rdbuf();
   bytes.pubseekpos(2);

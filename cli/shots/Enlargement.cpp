@@ -27,17 +27,13 @@ host::Size enlargedSize(host::Size layer, const Enlargement& by) {
   return {layer.width * by.x, layer.height * by.y};
 }
 
-Enlargement enlargementFor(const CornersTrack& track, host::Size layer) {
+Enlargement enlargementFor(const host::AnimatedCorners& corners, host::Size layer) {
   double width = 0.0;
   double height = 0.0;
-  for (const CornersKey& key : track.keys) {
-    std::array<host::Point, kCornerCount> at;
-    for (std::size_t c = 0; c < kCornerCount; ++c) {
-      // Positions out of range are reported where the corners are placed.
-      at[c] = toLayerPixels(key.corners[c], layer).value_or(host::Point{});
-    }
-    width = std::max({width, length(at[kUpperLeft], at[kUpperRight]), length(at[kLowerLeft], at[kLowerRight])});
-    height = std::max({height, length(at[kUpperLeft], at[kLowerLeft]), length(at[kUpperRight], at[kLowerRight])});
+  for (const host::AnimatedPoint::Key& key : corners.upper_left.keys()) {
+    const host::Corners at = corners.at(key.seconds);
+    width = std::max({width, length(at.upper_left, at.upper_right), length(at.lower_left, at.lower_right)});
+    height = std::max({height, length(at.upper_left, at.lower_left), length(at.upper_right, at.lower_right)});
   }
   return {wholeFactor(width, layer.width), wholeFactor(height, layer.height)};
 }

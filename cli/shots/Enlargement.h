@@ -1,7 +1,7 @@
 // How much the layer is enlarged before it goes through the effect.
 #pragma once
 
-#include "cli/corners/CornersTrack.h"
+#include "host/Animation.h"
 #include "host/Image.h"
 
 namespace vantorel::cli {
@@ -16,9 +16,9 @@ struct Enlargement {
 // The size of a layer that is so enlarged.
 host::Size enlargedSize(host::Size layer, const Enlargement& by);
 
-// What the track asks for: in an axis in which its longest edge, over all keys, is more than twice the layer's, the
-// next whole number of times.
-Enlargement enlargementFor(const CornersTrack& track, host::Size layer);
+// What the corners ask for, which have keys at the same times: in an axis in which its longest edge, over all keys, is
+// more than twice the layer's, the next whole number of times.
+Enlargement enlargementFor(const host::AnimatedCorners& corners, host::Size layer);
 
 // The greatest factors up to those with which a layer takes no more than so many bytes, and no side more than the
 // effect can address.

@@ -117,7 +117,7 @@ void FrameRenderer::placeCorners(host::Size layer) {
   if (corners_layer_ == layer) {
     return;
   }
-  corners_ = toAnimation(shot_.corners, layer, shot_.options.rate);
+  corners_ = toAnimation(shot_.corners, layer, shot_.frame_size, shot_.options.rate);
   valueOrThrow(instance_.setCorners(corners_));
   corners_layer_ = layer;
 }

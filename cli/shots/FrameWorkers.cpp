@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/Text.h"
 #include "cli/shots/FrameRenderer.h"
 #include "cli/shots/RunSummary.h"
 
@@ -30,6 +31,8 @@ class Run {
       }
     } catch (const CommandError& error) {
       end(error);
+    } catch (const std::bad_alloc&) {
+      end(outOfMemory("", "out of memory; give fewer --threads or a --downsample"));
     }
   }
 
@@ -70,8 +73,10 @@ class Run {
     } catch (const CommandError& error) {
       fail(frame, error);
     } catch (const std::bad_alloc&) {
-      fail(frame,
-           {ExitCode::EffectFailed, shot_.output.path(frame), "out of memory; give fewer --threads or a --downsample"});
+      fail(frame, outOfMemory(shot_.output.path(frame), "out of memory; give fewer --threads or a --downsample"));
+    } catch (const std::exception& error) {
+      fail(frame, {ExitCode::EffectFailed, shot_.output.path(frame),
+                   oneLine(error.what()) + "; raise the limits on processes and memory, or report this"});
     }
   }
 
@@ -82,7 +87,7 @@ class Run {
       try {
         printJson(*report);
       } catch (const CommandError& error) {
-        // Without a reader there is no use in going on, whatever the options say of frames.
+        // Without a reader the run ends, whatever --keep-going says.
         error_ = error_ ? error_ : error;
         ended_ = true;
       }
@@ -128,7 +133,7 @@ ExitCode renderFrames(const Shot& shot, const std::stop_token& stop, Progress& p
         others.emplace_back([&] { run.work(); });
       }
     } catch (const std::system_error&) {
-      // Where no more threads can be had, those that there are do the work.
+      // If no more threads can be started, those already running do the work.
     }
     run.work();
   }

@@ -14,7 +14,7 @@ namespace vantorel::cli {
 
 namespace {
 
-// A shot of more frames is looked at as far as this, which takes about a second where no output exists.
+// Of longer shots only so many frames are checked, which takes about a second where no output exists.
 constexpr std::int64_t kMaxFrames = 1'000'000;
 
 using FileIdentity = std::pair<dev_t, ino_t>;
@@ -65,8 +65,10 @@ void refuseToReplaceInputs(const Shot& shot) {
   if (shot.matte_files) {
     forFiles(*shot.matte_files, shot.frames, refuse("the matte"));
   }
-  if (!shot.options.corners_file.empty()) {
-    refuse("the file of corners")(shot.options.corners_file);
+  if (!shot.options.track.files.empty()) {
+    for (const std::string& file : trackFiles(shot.options.track.files)) {
+      refuse("the file of corners")(file);
+    }
   }
 }
 

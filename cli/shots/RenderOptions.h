@@ -8,6 +8,7 @@
 
 #include "cli/base/FrameRange.h"
 #include "cli/corners/Corners.h"
+#include "cli/corners/TrackOptions.h"
 #include "cli/pictures/Enlarge.h"
 #include "cli/pictures/ImageFormats.h"
 #include "cli/pictures/ImageReader.h"
@@ -29,7 +30,7 @@ struct RenderOptions {
   std::string output;      // the same
   bool overwrite = false;  // inputs too
   std::array<std::optional<CornerPosition>, kCornerCount> corners;
-  std::string corners_file;        // empty without one
+  TrackOptions track;              // files of corners; none without any
   std::optional<host::Size> size;  // the output picture's, at full resolution
   bool fit = false;
   std::string plate;  // as `layer`; empty without one

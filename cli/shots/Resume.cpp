@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <iterator>
 #include <span>
@@ -25,10 +26,21 @@ bool isNewer(const std::string& output, const std::string& input) {
   return !fault && output_time > input_time;
 }
 
+// Standard input and pipes have no time that counts: what they bring is taken for new.
+bool isNewerThanCorners(const std::string& output, const TrackOptions& track) {
+  if (track.files.empty()) {
+    return true;
+  }
+  const std::vector<std::string> files = trackFiles(track.files);
+  return std::all_of(files.begin(), files.end(), [&](const std::string& file) {
+    std::error_code fault;
+    return fs::is_regular_file(file, fault) && isNewer(output, file);
+  });
+}
+
 bool isNewerThanInputs(const Shot& shot, std::int32_t frame, const std::string& output) {
   return isNewer(output, shot.layer->path(frame)) && (!shot.plate || isNewer(output, shot.plate->path(frame))) &&
-         (!shot.matte || isNewer(output, shot.matte->path(frame))) &&
-         (shot.options.corners_file.empty() || isNewer(output, shot.options.corners_file));
+         (!shot.matte || isNewer(output, shot.matte->path(frame))) && isNewerThanCorners(output, shot.options.track);
 }
 
 std::uint64_t hashOf(const std::string& text) {
@@ -37,18 +49,31 @@ std::uint64_t hashOf(const std::string& text) {
   return hash.value();
 }
 
-std::string cornersText(const CornersTrack& track) {
+std::string stillText(const CornerPositions& corners) {
+  std::string text;
+  for (const CornerPosition& corner : corners) {
+    for (const Coordinate& coordinate : {corner.x, corner.y}) {
+      fmt::format_to(std::back_inserter(text), " {}{}", coordinate.value, coordinate.percent ? "%" : "");
+    }
+  }
+  return text;
+}
+
+std::string trackText(const tracks::CornerTrack& track) {
   std::string text = fmt::format("interpolation {}\n", static_cast<int>(track.interpolation));
-  for (const CornersKey& key : track.keys) {
+  for (const tracks::CornerKey& key : track.keys) {
     fmt::format_to(std::back_inserter(text), "{}", key.frame);
-    for (const CornerPosition& corner : key.corners) {
-      for (const Coordinate& coordinate : {corner.x, corner.y}) {
-        fmt::format_to(std::back_inserter(text), " {}{}", coordinate.value, coordinate.percent ? "%" : "");
-      }
+    for (const host::Point& point : key.points) {
+      fmt::format_to(std::back_inserter(text), " {} {}", point.x, point.y);
     }
     text += '\n';
   }
   return text;
+}
+
+std::string cornersText(const Shot& shot, host::Size layer) {
+  return shot.corners.read ? trackText(resolveCorners(shot.corners, layer, shot.frame_size).track)
+                           : stillText(shot.corners.still);
 }
 
 }  // namespace
@@ -70,11 +95,11 @@ const char* reasonToRedo(FrameState state) {
   return "";
 }
 
-std::uint64_t commonSettings(const Shot& shot) {
+std::uint64_t commonSettings(const Shot& shot, host::Size layer) {
   return hashOf(fmt::format("{}\nmodule {:x}\n{} {} {} {}x{}\n{}", shot.options.settings,
                             shot.module->info().version_word, shot.format->name, static_cast<int>(shot.samples),
                             static_cast<int>(shot.depth), shot.frame_size.width, shot.frame_size.height,
-                            cornersText(shot.corners)));
+                            cornersText(shot, layer)));
 }
 
 std::uint64_t settingsOf(const Shot& shot, std::int32_t frame) {

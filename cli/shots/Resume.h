@@ -1,4 +1,4 @@
-// Going on with a shot that has been begun: which frames are done, and why others are not.
+// Resuming a shot: which frames are done, and why others are not.
 #pragma once
 
 #include <cstdint>
@@ -21,8 +21,9 @@ const char* reasonToRedo(FrameState state);
 
 FrameState stateOf(const Shot& shot, std::int32_t frame);
 
-// A hash of all that the pictures of a shot depend on but their inputs; needs the module.
-std::uint64_t commonSettings(const Shot& shot);
+// A hash of all that the pictures of a shot depend on but their inputs; needs the module. `layer` is the size of the
+// layer's first picture. Throws CommandError as resolveCorners() does.
+std::uint64_t commonSettings(const Shot& shot, host::Size layer);
 
 // The same for one frame, with the names of its inputs.
 std::uint64_t settingsOf(const Shot& shot, std::int32_t frame);

@@ -26,10 +26,13 @@ namespace {
 
 void refuseContradictions(const RenderOptions& options) {
   for (std::size_t c = 0; c < kCornerCount; ++c) {
-    if (options.corners[c] && !options.corners_file.empty()) {
+    if (options.corners[c] && !options.track.files.empty()) {
       throw badArgument(fmt::format("--{}", kCornerNames[c]),
                         "cannot be given together with --corners; omit one of them");
     }
+  }
+  if (options.track.files.empty() && !options.track.first_option.empty()) {
+    throw badArgument(options.track.first_option, "tells of the file of corners; name one with --corners, or omit it");
   }
   if (options.fit && options.size) {
     throw badArgument("--fit", "cannot be given together with --size; omit one of them");
@@ -80,17 +83,17 @@ FramePattern outputFiles(const RenderOptions& options, const FrameRange& frames)
 }
 
 CornersTrack cornersOf(const RenderOptions& options) {
-  if (!options.corners_file.empty()) {
-    return readCorners(options.corners_file);
+  if (!options.track.files.empty()) {
+    return readCorners(options.track, options.rate);
   }
   constexpr Coordinate kNear{0.0, true};
   constexpr Coordinate kFar{100.0, true};
   const CornerPositions layers_own{{{kNear, kNear}, {kFar, kNear}, {kNear, kFar}, {kFar, kFar}}};
-  CornersKey key;
+  CornersTrack track;
   for (std::size_t c = 0; c < kCornerCount; ++c) {
-    key.corners[c] = options.corners[c].value_or(layers_own[c]);
+    track.still[c] = options.corners[c].value_or(layers_own[c]);
   }
-  return {"", {key}, host::Interpolation::Linear};
+  return track;
 }
 
 FrameHeads probeFrame(const Shot& shot, std::int32_t frame) {
@@ -210,8 +213,8 @@ void planFiles(Shot& shot) {
   shot.output = outputFiles(options, shot.frames);
 }
 
-// Whether 8 bits would lose the colour of faint pixels, as dividing by their alpha brings out the rounding. Of a
-// sequence it is assumed of every picture that could have such pixels, of a still it is looked up.
+// Whether 8 bits would lose colour in nearly transparent pixels, where dividing by alpha magnifies the rounding. A
+// still is searched for such pixels; of a sequence it is assumed that any picture with alpha has some.
 bool needsDeeperAlpha(const FramePattern& files, const PictureInfo& info, std::int32_t frame) {
   return info.is_unassociated && info.samples == SampleType::Bits8 &&
          (files.hasNumber() || hasSoftAlpha(files.path(frame)));
@@ -255,7 +258,8 @@ void planEnlargement(Shot& shot, host::Size layer) {
     return;
   }
   const host::Size shown = shownSize(shot.options, layer);
-  const Enlargement wanted = enlargementFor(shot.corners, shown);
+  const Enlargement wanted =
+      enlargementFor(toAnimation(shot.corners, shown, shot.frame_size, shot.options.rate), shown);
   constexpr double kMemoryShare = 0.25;
   const double most_bytes = kMemoryShare * availableMemory().value_or(HUGE_VAL);
   shot.enlargement = limited(wanted, shown, shot.depth, most_bytes);
@@ -285,6 +289,9 @@ Shot planShot(const RenderOptions& options) {
   const FrameHeads heads = probeShot(shot);
   planPictures(shot, heads);
   planEnlargement(shot, heads.layer.size);
+  if (shot.corners.read) {
+    tellNotes(resolveCorners(shot.corners, heads.layer.size, shot.frame_size).notes);
+  }
   shot.frames_in_flight = framesInFlight(shot, heads);
   shot.threads_per_frame = std::max(1u, options.threads / static_cast<unsigned>(shot.frames_in_flight));
 
@@ -298,7 +305,7 @@ Shot planShot(const RenderOptions& options) {
     shot.matte = std::make_unique<PictureSource>(*shot.matte_files, shot.depth, preparation(false, options.downsample));
   }
   shot.module = loadModule(options.module);
-  shot.settings = commonSettings(shot);
+  shot.settings = commonSettings(shot, heads.layer.size);
   return shot;
 }
 

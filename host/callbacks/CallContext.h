@@ -6,7 +6,6 @@
 #include <exception>
 #include <new>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "host/checking/CallLedger.h"
@@ -28,9 +27,9 @@ struct CallContext {
   FrameState* frame = nullptr;                     // null for commands that are about no frame
   std::vector<ParameterInfo>* declared = nullptr;  // where declared parameters go; null except in parameter setup
   PF_OutData* out = nullptr;
-  CallLedger* ledger = nullptr;  // null unless misuse is looked for
-  std::string shortened_text;    // the last text looked up in parameter setup, cut to a parameter's name
-  std::optional<Error> failure;  // why a callback failed, where its code cannot tell
+  CallLedger* ledger = nullptr;                      // null unless misuse is looked for
+  char parameter_name[PF_PARAM_NAME_CAPACITY] = {};  // the last text looked up in parameter setup, cut to fit
+  std::optional<Error> failure;                      // why a callback failed, where its code cannot tell
 };
 
 // The context of the command that runs on this thread; null outside of commands.

@@ -35,11 +35,10 @@ const char* lookupString(void* table_ref, std::int32_t row, std::int32_t /*zero*
     return text.c_str();
   }
   // What is looked up now is copied into a parameter's name.
-  const std::int32_t code = guarded([&] {
-    context->shortened_text = cutToBytes(text, PF_PARAM_NAME_CAPACITY - 1);
-    return ERR_NONE;
-  });
-  return code == ERR_NONE ? context->shortened_text.c_str() : "";
+  const std::string_view name = cutToBytes(text, PF_PARAM_NAME_CAPACITY - 1);
+  name.copy(context->parameter_name, name.size());
+  context->parameter_name[name.size()] = '\0';
+  return context->parameter_name;
 }
 
 std::int32_t unregisterStringTable(void** table_ref) {

@@ -41,43 +41,69 @@ int neededIn(const FramePlan& plan, const ConvexPolygon& part) {
   return needed;
 }
 
-int neededByScan(const FramePlan& plan) {
+bool coversAll(const CoverageRegion& region, const Rect& part) {
+  for (int y = part.top; y < part.bottom; ++y) {
+    const RowCoverage row = region.row(y);
+    if (row.solid_begin > part.left || row.solid_end < part.right) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// At the borders the scan's colours are taken from up to a sample away, which finer samples make small.
+int neededByScan(const FramePlan& plan, const Rect& part) {
+  constexpr int kSamplesAtBorders = 4;
   const Box box = plan.region.bounds();
-  return samplesForSteps(
-      std::max(plan.layer.width / (box.right - box.left), plan.layer.height / (box.bottom - box.top)));
+  const int needed =
+      samplesForSteps(std::max(plan.layer.width / (box.right - box.left), plan.layer.height / (box.bottom - box.top)));
+  return needed >= kSamplesAtBorders || coversAll(plan.region, part) ? needed : kSamplesAtBorders;
 }
 
 }  // namespace
 
-FramePlan::FramePlan(const Corners& frame_corners, double layer_width, double layer_height, Size layer_pixels,
-                     const FrameOptions& options)
-    : corners(frame_corners), path(pathOf(frame_corners)), layer(layer_pixels), edges(edgesOf(options)) {
+FramePlan::FramePlan(const Corners& frame_corners, const std::optional<Corners>& source, double layer_width,
+                     double layer_height, Size layer_pixels, const FrameOptions& options)
+    : corners(frame_corners),
+      path(source ? RenderPath::Perspective : pathOf(frame_corners)),
+      layer(layer_pixels),
+      edges(source ? Edges::Crisp : edgesOf(options)),
+      has_source(source.has_value()) {
   samples = options.samples == 0 && options.quality != Quality::Best ? 1 : options.samples;
   if (path == RenderPath::Perspective) {
-    planPerspective(layer_width, layer_height);
+    planPerspective({0.0, 0.0, layer_width, layer_height}, source);
   } else {
+    whole = corners;
     region = CoverageRegion::betweenChains(corners);
   }
 }
 
-void FramePlan::planPerspective(double layer_width, double layer_height) {
-  map = Homography::ofRectangle(layer_width, layer_height, corners);
+void FramePlan::planPerspective(const Box& layer_outline, const std::optional<Corners>& source) {
+  map = source ? Homography::ofQuadrilateral(*source, corners)
+               : Homography::ofRectangle(layer_outline.right, layer_outline.bottom, corners);
   inverse = map ? map->inverse() : std::nullopt;
-  outline = ConvexPolygon(corners);
-  if (!inverse) {
-    outline = {};
+  if (!source) {
+    whole = corners;
   }
-  if (edges == Edges::Crisp) {
-    region = CoverageRegion(outline);
-  } else if (!outline.empty()) {
+  if (!inverse) {
+    return;
+  }
+  outline = ConvexPolygon(corners);
+  if (source) {
+    outline = ConvexPolygon(*source).cut(layer_outline).mappedBy(*map);
+    whole = imageOf(layer_outline, *map);
+  } else if (edges == Edges::Soft) {
     const Box box = outline.bounds();
     outline = ConvexPolygon(
         Box{box.left - kSoftMargin, box.top - kSoftMargin, box.right + kSoftMargin, box.bottom + kSoftMargin});
-    region = CoverageRegion(outline);
   }
+  region = CoverageRegion(outline);
 }
 
 bool FramePlan::isWholeMove() const {
+  if (has_source) {
+    return false;
+  }
   const Point& origin = corners.upper_left;
   const Corners moved{origin,
                       {origin.x + layer.width, origin.y},
@@ -93,13 +119,13 @@ Edges edgesOf(const FrameOptions& options) {
 
 bool needsTiles(const FrameOptions& options, const FramePlan& plan) {
   return options.placement == Placement::Outline &&
-         (plan.path == RenderPath::Bilinear || plan.edges == Edges::Crisp || plan.samples != 1);
+         (plan.path == RenderPath::Bilinear || plan.has_source || plan.edges == Edges::Crisp || plan.samples != 1);
 }
 
 int samplesFor(const FramePlan& plan, const Rect& part) {
   if (plan.path == RenderPath::Bilinear) {
     const bool is_empty = plan.region.empty() || !meets(plan.region.bounds(), boxOf(part));
-    return is_empty ? 0 : plan.samples != 0 ? plan.samples : neededByScan(plan);
+    return is_empty ? 0 : plan.samples != 0 ? plan.samples : neededByScan(plan, part);
   }
   const ConvexPolygon drawn = plan.outline.cut(boxOf(part));
   if (drawn.empty() || drawn.area() == 0.0) {

@@ -13,7 +13,7 @@ namespace vantorel::host {
 
 // Everything is in pixels of the frame's resolution, on the plane that the canvas is a part of.
 struct FramePlan {
-  Corners corners;  // where the outline of the layer goes
+  Corners corners;  // where the layer's outline goes, or the source
   RenderPath path = RenderPath::Perspective;
   Size layer;                     // pixels that there are, the last of each row and column whole
   std::optional<Homography> map;  // layer to canvas; on the perspective path only
@@ -21,18 +21,26 @@ struct FramePlan {
   ConvexPolygon outline;  // on the perspective path only
   CoverageRegion region;  // what the picture covers
   Edges edges = Edges::Crisp;
+  bool has_source = false;
   int samples = 0;  // for every tile; 0: by rule
 
+  std::optional<Corners> whole;  // where the outline of the whole layer goes; none where the horizon runs through it
+
   // `layer_width` and `layer_height` are those of the layer's outline at the frame's resolution: whole numbers but when
-  // it is reduced.
-  FramePlan(const Corners& corners, double layer_width, double layer_height, Size layer, const FrameOptions& options);
+  // it is reduced. `source` is the quadrilateral in the layer that goes onto the corners, in pixels of that resolution;
+  // none for the layer's outline.
+  FramePlan(const Corners& corners, const std::optional<Corners>& source, double layer_width, double layer_height,
+            Size layer, const FrameOptions& options);
+
+  // False when there is a source and no map from it onto the corners, since one of both is not strictly convex.
+  bool hasMap() const { return !has_source || inverse.has_value(); }
 
   // Whether the picture is the layer moved by whole pixels: then the effect, counting from centres, gives it to the
   // bit.
   bool isWholeMove() const;
 
  private:
-  void planPerspective(double layer_width, double layer_height);
+  void planPerspective(const Box& layer_outline, const std::optional<Corners>& source);
 };
 
 // The edges that the options mean.

@@ -41,13 +41,15 @@ double longestWay(const AnimatedCorners& corners, const OpenTime& open) {
 
 }  // namespace
 
-void momentsOf(const AnimatedCorners& corners, const FrameOptions& options, std::vector<double>* seconds) {
+void momentsOf(const AnimatedCorners& corners, const AnimatedCorners* source, const FrameOptions& options,
+               std::vector<double>* seconds) {
   seconds->assign(1, static_cast<double>(options.time.time) / options.time.scale);
   const OpenTime open = openTimeOf(options);
   if (!(open.length > 0.0)) {
     return;
   }
-  const double way = longestWay(corners, open) / options.downsample;
+  const double source_way = source != nullptr ? longestWay(*source, open) : 0.0;
+  const double way = std::max(longestWay(corners, open), source_way) / options.downsample;
   if (way == 0.0) {
     seconds->front() = open.begin;  // with an offset, nothing may move there and yet the corners lie elsewhere
     return;

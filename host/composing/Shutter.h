@@ -12,7 +12,8 @@ namespace vantorel::host {
 // is open: about one a pixel of the longest way that a corner goes meanwhile, at the frame's resolution, at least
 // kFewestMoments and at most the shutter's samples. The frame's own time alone without a shutter, or when nothing
 // moves.
-void momentsOf(const AnimatedCorners& corners, const FrameOptions& options, std::vector<double>* seconds);
+void momentsOf(const AnimatedCorners& corners, const AnimatedCorners* source, const FrameOptions& options,
+               std::vector<double>* seconds);
 
 inline constexpr int kFewestMoments = 8;
 

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "host/composing/Accumulate.h"
+#include "host/composing/PathChoice.h"
 #include "host/composing/Resolve.h"
 #include "host/composing/ScanEdges.h"
 #include "host/composing/Shutter.h"
@@ -68,21 +69,9 @@ bool isOnHorizon(const FramePlan& plan, const Point& p) {
   return std::abs(plan.inverse->weight(p)) < kRounding * std::abs(plan.inverse->weight(plan.outline.middle()));
 }
 
-TileGrid gridOf(const FramePlan& plan, const Tile& tile, double half) {
-  TileGrid grid{tile.area, plan.isWholeMove() ? 1 : tile.samples, 0, 0};
-  if (plan.path == RenderPath::Bilinear) {
-    grid.apron_x = kScanApron;
-    grid.apron_y = kScanApron;
-  }
-  while (grid.samples > 1 && !areCoordinates(onGrid(plan.corners, grid.origin(), grid.samples, half))) {
-    grid.samples /= 2;
-  }
-  if (plan.path == RenderPath::Perspective && isOnHorizon(plan, grid.origin())) {
-    // Two different distances, so that a horizon that climbs at 45 degrees does not meet the new corner too.
-    grid.apron_x = 1;
-    grid.apron_y = 2;
-  }
-  return grid;
+Box boxOf(const Rect& rect) {
+  return {static_cast<double>(rect.left), static_cast<double>(rect.top), static_cast<double>(rect.right),
+          static_cast<double>(rect.bottom)};
 }
 
 ImageView partOf(const ImageView& view, int x, int y, Size size) {
@@ -105,30 +94,93 @@ void copy(const ImageView& from, const ImageView& to) {
   }
 }
 
-// Has the module draw the grid into `drawn`.
-Result<void> drawSamples(const TileSetting& setting, const FramePlan& plan, const TileGrid& grid,
-                         const Convention& convention, FrameState& frame, const ImageView& drawn) {
-  const ImageView& layer = plan.path == RenderPath::Bilinear ? setting.scanned_layer : setting.layer;
-  const Point origin = grid.origin();
-  Rect canvas{0, 0, drawn.size.width, drawn.size.height};
-  Corners corners = onGrid(plan.corners, origin, grid.samples, convention.half);
-  if (!areCoordinates(corners)) {
-    if (plan.path == RenderPath::Bilinear) {
-      return invalidArgument("canvas",
-                             "a corner lies 32768 pixels or more from its upper left corner, farther than a "
-                             "quadrilateral that is not convex can be drawn; use a nearer canvas");
-    }
-    // With one sample a pixel, the corners as they were given always do.
-    const int left = grid.area.left - grid.apron_x;
-    const int top = grid.area.top - grid.apron_y;
-    canvas = {left, top, left + drawn.size.width, top + drawn.size.height};
-    corners = onGrid(plan.corners, {}, 1, convention.half);
+// What of the layer is handed to the module, and where its corners go on a grid.
+struct LayerPart {
+  ImageView pixels;
+  Corners corners;
+};
+
+bool isDrawable(const Corners& corners, RenderPath path) {
+  return areCoordinates(corners) && pathOf(corners) == path;
+}
+
+// The whole layer, where the effect's numbers hold its corners.
+std::optional<LayerPart> wholeLayer(const FramePlan& plan, const TileGrid& grid, double half, const ImageView& layer) {
+  if (!plan.whole) {
+    return std::nullopt;
   }
+  const Corners corners = onGrid(*plan.whole, grid.origin(), grid.samples, half);
+  const bool is_drawable = plan.has_source ? isDrawable(corners, plan.path) : areCoordinates(corners);
+  return is_drawable ? std::optional(LayerPart{layer, corners}) : std::nullopt;
+}
+
+// How far beyond what a part of the picture shows of the layer its pixels' boxes can reach, in layer pixels.
+double marginFor(const FramePlan& plan, const ConvexPolygon& shown) {
+  constexpr double kLargestBox = 16.0;
+  double extent = 1.0;
+  for (const Point& point : shown.points()) {
+    const Jacobian j = plan.inverse->derivative(point);
+    extent = std::max({extent, std::abs(j.xx) + std::abs(j.xy), std::abs(j.yx) + std::abs(j.yy)});
+  }
+  return 1.0 + std::min(extent, kLargestBox);
+}
+
+// The part of the layer that the grid shows, with a margin for the pixels' boxes.
+std::optional<LayerPart> shownLayer(const FramePlan& plan, const TileGrid& grid, double half, const ImageView& layer) {
+  const Rect& area = grid.area;
+  const ConvexPolygon shown =
+      plan.outline.cut(Box{area.left - 1.0, area.top - 1.0, area.right + 1.0, area.bottom + 1.0});
+  if (shown.empty()) {
+    return std::nullopt;
+  }
+  const Box needed = shown.mappedBy(*plan.inverse).bounds();
+  const double margin = marginFor(plan, shown);
+  const auto low = [&](double value, int size) {
+    return static_cast<int>(std::clamp(std::floor(value - margin), 0.0, size - 1.0));
+  };
+  const auto high = [&](double value, int size) {
+    return static_cast<int>(std::clamp(std::ceil(value + margin), 1.0, static_cast<double>(size)));
+  };
+  const Rect part{low(needed.left, layer.size.width), low(needed.top, layer.size.height),
+                  high(needed.right, layer.size.width), high(needed.bottom, layer.size.height)};
+  const std::optional<Corners> image = imageOf(boxOf(part), *plan.map);
+  if (!image || part.empty()) {
+    return std::nullopt;
+  }
+  const Corners corners = onGrid(*image, grid.origin(), grid.samples, half);
+  if (!isDrawable(corners, RenderPath::Perspective)) {
+    return std::nullopt;
+  }
+  return LayerPart{partOf(layer, part.left, part.top, {part.width(), part.height()}), corners};
+}
+
+std::optional<LayerPart> layerFor(const FramePlan& plan, const TileGrid& grid, double half, const ImageView& layer) {
+  std::optional<LayerPart> part = wholeLayer(plan, grid, half, layer);
+  const bool can_be_cut = plan.path == RenderPath::Perspective && plan.inverse;
+  return part || !can_be_cut ? part : shownLayer(plan, grid, half, layer);
+}
+
+TileGrid gridOf(const FramePlan& plan, const Tile& tile) {
+  TileGrid grid{tile.area, plan.isWholeMove() ? 1 : tile.samples, 0, 0};
+  if (plan.path == RenderPath::Bilinear) {
+    grid.apron_x = kScanApron;
+    grid.apron_y = kScanApron;
+  } else if (plan.inverse && isOnHorizon(plan, grid.origin())) {
+    // Two different distances, so that a horizon that climbs at 45 degrees does not meet the new corner too.
+    grid.apron_x = 1;
+    grid.apron_y = 2;
+  }
+  return grid;
+}
+
+// Has the module draw the grid, whose upper left corner is that of `canvas`, into `drawn`.
+Result<void> drawSamples(const TileSetting& setting, const LayerPart& layer, const Rect& canvas, SampleSpace space,
+                         FrameState& frame, const ImageView& drawn) {
   frame.rows.begin(setting.module.workers, 1, setting.options.progress, setting.options.stop);
   frame.depth = drawn.depth;
-  frame.placed = corners;
-  frame.space = convention.space;
-  frame.input = worldOf(layer);
+  frame.placed = layer.corners;
+  frame.space = space;
+  frame.input = worldOf(layer.pixels);
   frame.output = worldOf(drawn);
   frame.iterated = false;
   if (setting.module.checking) {
@@ -140,7 +192,7 @@ Result<void> drawSamples(const TileSetting& setting, const FramePlan& plan, cons
     frame.output = worldOf(frame.guard->world());
   }
   fillParameters(&frame, setting.options.time);
-  const FrameJob job{setting.module, frame, layer.size, setting.options};
+  const FrameJob job{setting.module, frame, layer.pixels.size, setting.options};
   const Result<Rect> rows = drawFrame(job, canvas);
   if (frame.guard && rows) {
     copy(frame.guard->world(), drawn);
@@ -150,11 +202,75 @@ Result<void> drawSamples(const TileSetting& setting, const FramePlan& plan, cons
   return rows ? Result<void>() : tl::unexpected(rows.error());
 }
 
+// The samples into the pixels that `visible` holds.
+void finishMoment(const FramePlan& plan, const TileGrid& grid, double half, const Rect& visible, const ImageView& drawn,
+                  const ImageView& target) {
+  const Point origin = grid.origin();
+  if (plan.path == RenderPath::Bilinear) {
+    const double shift = half / grid.samples;
+    extendScan(plan.region.onGrid({origin.x + shift, origin.y + shift}, grid.samples),
+               plan.region.onGrid(origin, grid.samples), drawn);
+  }
+  const ImageView samples =
+      partOf(drawn, grid.apron_x, grid.apron_y, {drawn.size.width - grid.apron_x, drawn.size.height - grid.apron_y});
+  const CoverageRegion region =
+      plan.region.onGrid({static_cast<double>(grid.area.left), static_cast<double>(grid.area.top)}, grid.samples);
+  resolve(asConst(samples), grid.samples, region, visible.left - grid.area.left, visible.top - grid.area.top, target);
+}
+
+Result<void> drawMoment(const TileSetting& setting, const FramePlan& plan, const Tile& tile, const Rect& visible,
+                        TileWorker& worker, const ImageView& target);
+
+// A tile whose corners the effect's numbers do not hold: in quarters, each of which shows less of the layer, then with
+// fewer samples. Smaller tiles that still have none show next to nothing of the layer, and stay transparent.
+Result<void> drawFarTile(const TileSetting& setting, const FramePlan& plan, const Tile& tile, const Rect& visible,
+                         TileWorker& worker, const ImageView& target) {
+  constexpr int kSmallestSide = 16;
+  if (plan.path == RenderPath::Bilinear && tile.samples == 1) {
+    return invalidArgument("canvas",
+                           "a corner lies 32768 pixels or more from its upper left corner, farther than a "
+                           "quadrilateral that is not convex can be drawn; use a nearer canvas");
+  }
+  if (tile.samples > 1 && (plan.path == RenderPath::Bilinear || tile.area.width() <= kSmallestSide)) {
+    return drawMoment(setting, plan, {tile.area, tile.samples / 2}, visible, worker, target);
+  }
+  clear(target);
+  const int half = tile.area.width() / 2;
+  for (int quarter = 0; quarter < 4 && half >= kSmallestSide / 2; ++quarter) {
+    const int left = tile.area.left + quarter % 2 * half;
+    const int top = tile.area.top + quarter / 2 * half;
+    const Rect area{left, top, left + half, top + half};
+    const Rect part = common(area, visible);
+    if (part.empty() || samplesFor(plan, area) == 0) {
+      continue;
+    }
+    const ImageView view =
+        partOf(target, part.left - visible.left, part.top - visible.top, {part.width(), part.height()});
+    if (Result<void> done = drawMoment(setting, plan, {area, tile.samples}, part, worker, view); !done) {
+      return done;
+    }
+  }
+  return {};
+}
+
 // Draws the part of a tile that `visible` holds into `target`, at one moment.
 Result<void> drawMoment(const TileSetting& setting, const FramePlan& plan, const Tile& tile, const Rect& visible,
                         TileWorker& worker, const ImageView& target) {
   const Convention convention = conventionOf(plan);
-  const TileGrid grid = gridOf(plan, tile, convention.half);
+  const TileGrid grid = gridOf(plan, tile);
+  const ImageView& source = plan.path == RenderPath::Bilinear ? setting.scanned_layer : setting.layer;
+  std::optional<LayerPart> layer = layerFor(plan, grid, convention.half, source);
+  Rect canvas{0, 0, grid.size().width, grid.size().height};
+  if (!layer && grid.samples == 1 && plan.path == RenderPath::Perspective && !plan.has_source) {
+    // The corners as they were given are always held.
+    layer = LayerPart{source, onGrid(plan.corners, {}, 1, convention.half)};
+    const int left = grid.area.left - grid.apron_x;
+    const int top = grid.area.top - grid.apron_y;
+    canvas = {left, top, left + canvas.right, top + canvas.bottom};
+  }
+  if (!layer) {
+    return drawFarTile(setting, plan, tile, visible, worker, target);
+  }
   const bool is_in_place = grid.samples == 1 && grid.size() == target.size;
   ImageView drawn = target;
   if (!is_in_place) {
@@ -164,21 +280,10 @@ Result<void> drawMoment(const TileSetting& setting, const FramePlan& plan, const
     }
     drawn = partOf(worker.samples.view(), 0, 0, grid.size());
   }
-  if (Result<void> done = drawSamples(setting, plan, grid, convention, worker.frame, drawn); !done) {
+  if (Result<void> done = drawSamples(setting, *layer, canvas, convention.space, worker.frame, drawn); !done) {
     return done;
   }
-  const Point origin = grid.origin();
-  const auto shifted = [&](double half) {
-    return plan.region.onGrid({origin.x + half / grid.samples, origin.y + half / grid.samples}, grid.samples);
-  };
-  if (plan.path == RenderPath::Bilinear) {
-    extendScan(shifted(convention.half), shifted(0.0), drawn);
-  }
-  const ImageView samples =
-      partOf(drawn, grid.apron_x, grid.apron_y, {drawn.size.width - grid.apron_x, drawn.size.height - grid.apron_y});
-  const CoverageRegion region =
-      plan.region.onGrid({static_cast<double>(grid.area.left), static_cast<double>(grid.area.top)}, grid.samples);
-  resolve(asConst(samples), grid.samples, region, visible.left - grid.area.left, visible.top - grid.area.top, target);
+  finishMoment(plan, grid, convention.half, visible, drawn, target);
   return {};
 }
 

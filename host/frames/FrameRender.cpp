@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-
 #include <cstring>
-#include <exception>
 #include <limits>
 #include <utility>
 
@@ -32,9 +30,10 @@ ImageView readOnly(const ConstImageView& view) {
   return {const_cast<std::byte*>(view.data), view.row_bytes, view.size, view.depth};
 }
 
-// The layer at the frame's resolution: itself, or scaled into `scaled`.
-Result<ImageView> layerAtResolution(const ConstImageView& layer, int n, BlockEdges edges, Image* scaled) {
-  if (n == 1) {
+// The layer as the module can read it: the caller's own, or a copy in `scaled`, reduced by n. Rows of 8-bit pixels are
+// copied also where they are no whole number of pixels apart, because modules step between them in 4-byte words.
+Result<ImageView> layerForModule(const ConstImageView& layer, int n, BlockEdges edges, Image* scaled) {
+  if (n == 1 && (layer.depth != Depth::Bits8 || layer.row_bytes % 4 == 0)) {
     return readOnly(layer);
   }
   return scaled->fit(downsampled(layer.size, n), layer.depth).map([&] {
@@ -44,11 +43,15 @@ Result<ImageView> layerAtResolution(const ConstImageView& layer, int n, BlockEdg
 }
 
 constexpr double kHalfPixel = 0.5;
+constexpr double kFixedOne = 65536.0;
 
-// The corners at a time, in pixels at 1/n.
+// The corners at a time, in pixels at 1/n, rounded to the 16.16 in which a module gets them: times that differ in their
+// last digits give the same picture.
 Corners cornersAt(const AnimatedCorners& corners, double seconds, double n) {
   const Corners full = corners.at(seconds);
-  const auto scaled = [&](const Point& p) { return Point{p.x / n, p.y / n}; };
+  const auto scaled = [&](const Point& p) {
+    return Point{fixedFromPixels(p.x / n) / kFixedOne, fixedFromPixels(p.y / n) / kFixedOne};
+  };
   return {scaled(full.upper_left), scaled(full.upper_right), scaled(full.lower_left), scaled(full.lower_right)};
 }
 
@@ -79,12 +82,6 @@ Rect rowsOf(const std::vector<FramePlan>& moments, const Rect& canvas) {
   return rows;
 }
 
-void rethrowProgressFailure(const RowScheduler& rows) {
-  if (rows.progressFailure()) {
-    std::rethrow_exception(rows.progressFailure());
-  }
-}
-
 // The bilinear renderer holds the layer's edges, and the corners on the canvas, in 16.16 too.
 Result<void> checkBilinearReach(const FrameState& frame, const Rect& canvas) {
   if (frame.input.width > kMaxBilinearLayer || frame.input.height > kMaxBilinearLayer) {
@@ -110,9 +107,10 @@ Result<void> checkBilinearReach(const FrameState& frame, const Rect& canvas) {
 }  // namespace
 
 FrameRender::FrameRender(const ModuleState& module, FrameState& frame, TileStore& tiles, const AnimatedCorners& corners,
-                         Size layer_size, const FrameOptions& options)
+                         const AnimatedCorners* source, Size layer_size, const FrameOptions& options)
     : job_{module, frame, layer_size, options}, tiles_(tiles) {
   frame.corners = &corners;
+  frame.source = source;
   frame.placed.reset();
   frame.space = SampleSpace::Centres;
   frame.downsample = options.downsample;
@@ -132,13 +130,15 @@ Result<FrameResult> FrameRender::render(const ConstImageView& layer, const Rect&
   const FrameOptions& options = job_.options;
   FrameState& frame = job_.frame;
   const BlockEdges block_edges = edgesOf(options) == Edges::Crisp ? BlockEdges::LeftOut : BlockEdges::Transparent;
-  Result<ImageView> input = layerAtResolution(layer, options.downsample, block_edges, &frame.scaled_layer);
+  Result<ImageView> input = layerForModule(layer, options.downsample, block_edges, &frame.scaled_layer);
   if (!input) {
     return tl::unexpected(std::move(input).error());
   }
   frame.depth = layer.depth;
   frame.input = worldOf(*input);
-  planMoments(layer.size, input->size);
+  if (Result<void> planned = planMoments(layer.size, input->size); !planned) {
+    return tl::unexpected(std::move(planned).error());
+  }
   if (tiles_.plans.size() > 1 || needsTiles(options, tiles_.plans.front())) {
     return renderInTiles(*input, canvas, output);
   }
@@ -148,15 +148,26 @@ Result<FrameResult> FrameRender::render(const ConstImageView& layer, const Rect&
   });
 }
 
-void FrameRender::planMoments(Size layer_size, Size scaled_size) {
+Result<void> FrameRender::planMoments(Size layer_size, Size scaled_size) {
   const FrameOptions& options = job_.options;
+  const FrameState& frame = job_.frame;
   const double n = options.downsample;
-  momentsOf(*job_.frame.corners, options, &tiles_.moments);
+  if (frame.source != nullptr && options.placement == Placement::Centres) {
+    return invalidArgument("source", "it needs corners that the layer's outline lies on; use that placement");
+  }
+  momentsOf(*frame.corners, frame.source, options, &tiles_.moments);
   tiles_.plans.clear();
   for (const double seconds : tiles_.moments) {
-    tiles_.plans.emplace_back(cornersAt(*job_.frame.corners, seconds, n), layer_size.width / n, layer_size.height / n,
-                              scaled_size, options);
+    const auto source = frame.source != nullptr ? std::optional(cornersAt(*frame.source, seconds, n)) : std::nullopt;
+    tiles_.plans.emplace_back(cornersAt(*frame.corners, seconds, n), source, layer_size.width / n,
+                              layer_size.height / n, scaled_size, options);
+    if (!tiles_.plans.back().hasMap()) {
+      return invalidArgument("source",
+                             "it and the corners must both be strictly convex quadrilaterals, none of whose "
+                             "corners lies on a line with its neighbours; move the corner that does");
+    }
   }
+  return {};
 }
 
 void FrameRender::place(const FramePlan& plan) {
@@ -204,7 +215,6 @@ Result<Rect> FrameRender::draw(const Rect& canvas) {
     drawn = drawOnShiftedCanvas(job_, canvas).map([&] { return *drawn; });
   }
   if (!drawn) {
-    rethrowProgressFailure(frame.rows);
     return drawn;
   }
   return endOfFrame().map([&] { return *drawn; });
@@ -213,7 +223,6 @@ Result<Rect> FrameRender::draw(const Rect& canvas) {
 Result<void> FrameRender::endOfFrame() {
   RowScheduler& rows = job_.frame.rows;
   rows.report(1.0);
-  rethrowProgressFailure(rows);
   if (rows.stopRequested()) {
     return failure(ErrorKind::Interrupted, "frame", "the frame was stopped before it was done");
   }
@@ -240,12 +249,12 @@ Result<Rect> FrameRender::boundingBox() {
   FrameState& frame = job_.frame;
   frame.input.width = job_.layer_size.width;
   frame.input.height = job_.layer_size.height;
-  momentsOf(*frame.corners, job_.options, &tiles_.moments);
+  momentsOf(*frame.corners, frame.source, job_.options, &tiles_.moments);
   Rect box;
   for (const double seconds : tiles_.moments) {
     frame.placed = frame.corners->at(seconds);
     fillParameters(&frame, job_.options.time);
-    const Result<Rect> asked = askFrameSetup(job_, {-kFar, -kFar, kFar, kFar});
+    Result<Rect> asked = askFrameSetup(job_, {-kFar, -kFar, kFar, kFar});
     if (!asked) {
       return asked;
     }

@@ -13,13 +13,14 @@ namespace vantorel::host {
 class FrameRender {
  public:
   FrameRender(const ModuleState& module, FrameState& frame, TileStore& tiles, const AnimatedCorners& corners,
-              Size layer_size, const FrameOptions& options);
+              const AnimatedCorners* source, Size layer_size, const FrameOptions& options);
   ~FrameRender();
   FrameRender(const FrameRender&) = delete;
   FrameRender& operator=(const FrameRender&) = delete;
 
   // Renders the layer into `output`, which is the whole canvas, given at the frame's resolution. The request must have
-  // passed checkFrameRequest. Throws what the progress callback threw.
+  // passed checkFrameRequest. What the progress callback threw
+  // is kept in the frame's rows.
   Result<FrameResult> render(const ConstImageView& layer, const Rect& canvas, const ImageView& output);
 
   // Instead of all that: the rectangle that the effect asks for when nothing limits it.
@@ -31,7 +32,7 @@ class FrameRender {
   Result<Rect> draw(const Rect& canvas);
   Result<FrameResult> deliver(const Rect& drawn, const Rect& canvas, const ImageView& output);
 
-  void planMoments(Size layer_size, Size scaled_size);
+  Result<void> planMoments(Size layer_size, Size scaled_size);
   Result<FrameResult> renderInTiles(const ImageView& layer, const Rect& canvas, const ImageView& output);
   void place(const FramePlan& plan);
   Result<void> endOfFrame();

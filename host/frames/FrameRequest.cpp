@@ -20,10 +20,10 @@ constexpr int kMaxLayerSide = 32768;  // what 16.16 positions reach
 template <typename Byte>
 Result<void> checkView(const BasicImageView<Byte>& view, const char* name) {
   if (view.size.width <= 0 || view.size.height <= 0) {
-    return invalidArgument(name, "its size " + sizeText(view.size) + " has no pixels");
+    return invalidArgument(name, "its size " + sizeText(view.size) + " has no pixels; both sides must be 1 or more");
   }
   if (view.data == nullptr) {
-    return invalidArgument(name, "it has no pixel data");
+    return invalidArgument(name, "its data is null; give the address of its first pixel");
   }
   if (view.depth != Depth::Bits8 && view.depth != Depth::Bits16 && view.depth != Depth::Float) {
     return invalidArgument(name, "its depth must be 8, 16 or 32 bits per channel");
@@ -55,7 +55,8 @@ Result<void> checkCanvas(const Rect& canvas, const ImageView& output, int downsa
     return invalidArgument("canvas", "its edges must lie within 536870912 pixels of the layer's corner");
   }
   if (canvas.empty()) {
-    return invalidArgument("canvas", "its size " + sizeText({canvas.width(), canvas.height()}) + " has no pixels");
+    return invalidArgument("canvas", "its size " + sizeText({canvas.width(), canvas.height()}) +
+                                         " has no pixels; both sides must be 1 or more");
   }
   const Size wanted = downsampled({canvas.width(), canvas.height()}, downsample);
   if (output.size != wanted) {
@@ -97,7 +98,8 @@ Result<void> checkShutter(const FrameOptions& options) {
 
 Result<void> checkOptions(const FrameOptions& options) {
   if (options.downsample < 1) {
-    return invalidArgument("downsample", std::to_string(options.downsample) + " is not 1 or more");
+    return invalidArgument("downsample",
+                           std::to_string(options.downsample) + " is no divisor of the resolution; give 1 or more");
   }
   constexpr std::array kSampleCounts{0, 1, 2, 4, 8};
   if (std::ranges::find(kSampleCounts, options.samples) == kSampleCounts.end()) {
@@ -123,7 +125,7 @@ Result<void> checkParameters(const Module& module) {
       });
   if (!four_points) {
     return failure(ErrorKind::ModuleUnusable, module.info().path,
-                   "declares other parameters than four points, so it cannot be rendered");
+                   "declares other parameters than four points; use a four-point effect");
   }
   return {};
 }
@@ -140,11 +142,11 @@ Result<void> checkFrameRequest(const Module& module, const ConstImageView& layer
       .and_then([&] { return checkCanvas(canvas, output, options.downsample); })
       .and_then([&]() -> Result<void> {
         if (layer.depth != output.depth) {
-          return invalidArgument("output", "its depth must be the layer's");
+          return invalidArgument("output", "its depth is not the layer's; give it the same depth");
         }
         if (reinterpret_cast<std::uintptr_t>(layer.data) < endOf(output) &&
             reinterpret_cast<std::uintptr_t>(output.data) < endOf(layer)) {
-          return invalidArgument("output", "its pixels overlap the layer's");
+          return invalidArgument("output", "its pixels overlap the layer's; give it memory of its own");
         }
         return {};
       });
@@ -152,7 +154,8 @@ Result<void> checkFrameRequest(const Module& module, const ConstImageView& layer
 
 Result<void> checkBoxRequest(const Module& module, Size layer_size, const FrameOptions& options) {
   if (layer_size.width <= 0 || layer_size.height <= 0) {
-    return invalidArgument("layer", "its size " + sizeText(layer_size) + " has no pixels");
+    return invalidArgument("layer",
+                           "its size " + sizeText(layer_size) + " has no pixels; both sides must be 1 or more");
   }
   return checkParameters(module).and_then([&] { return checkOptions(options); });
 }

@@ -1,4 +1,4 @@
-// What a caller asks of a frame, looked over before anything is done.
+// The checks of a request for a frame, made before anything is drawn.
 #pragma once
 
 #include "host/Error.h"

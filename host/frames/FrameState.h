@@ -18,6 +18,7 @@ namespace vantorel::host {
 struct FrameState {
   // The parameters.
   const AnimatedCorners* corners = nullptr;
+  const AnimatedCorners* source = nullptr;  // what of the layer goes onto the corners; null for all of it
   int downsample = 1;
   // What the module is told instead, at whatever time, in pixels of the frame's resolution.
   std::optional<Corners> placed;
@@ -42,8 +43,8 @@ struct FrameState {
   double render_seconds = 0.0;  // inside the module's commands
 
   // What is kept from frame to frame.
-  Image scaled_layer;  // the layer at the last frame's resolution
-  Image retry_canvas;  // a larger canvas, for the rare frame that its own gives no map for
+  Image scaled_layer;  // the layer, where a module cannot be given the caller's
+  Image retry_canvas;  // a larger canvas, for the rare frame whose own canvas allows no map
 };
 
 }  // namespace vantorel::host

@@ -1,14 +1,15 @@
 #include "host/frames/WorkerPool.h"
 
 #include <algorithm>
+#include <array>
 #include <exception>
 
 namespace vantorel::host {
 
 namespace {
 
-// Waits for what is likely to come within microseconds, as the next of many small frames is: sleeping and being woken
-// takes longer than such a frame's rows.
+// Waits for what is likely to happen within microseconds, such as the next of many small frames: to sleep and to be
+// woken would take longer than such a frame.
 template <typename Condition>
 void waitBriefly(Condition condition) {
   constexpr int kTries = 100;
@@ -17,23 +18,97 @@ void waitBriefly(Condition condition) {
   }
 }
 
+constexpr unsigned kMaxSharers = 128;
+
+struct RowRange {
+  std::int32_t begin;
+  std::int32_t end;
+};
+
+// The rows that a thread has left, in a cache line of their own.
+struct alignas(64) Share {
+  std::atomic<RowRange> rows;
+
+  std::int32_t left() const {
+    const RowRange range = rows.load(std::memory_order_relaxed);
+    return range.end - range.begin;
+  }
+
+  // Takes the first few rows: few enough that what is costly among them can be shared. False where there are none.
+  bool takeFirst(RowRange* taken) {
+    constexpr std::int32_t kMaxCount = 8;
+    RowRange range = rows.load(std::memory_order_relaxed);
+    while (range.begin < range.end) {
+      const std::int32_t count = std::clamp((range.end - range.begin) / 4, 1, kMaxCount);
+      *taken = {range.begin, range.begin + count};
+      if (rows.compare_exchange_weak(range, {taken->end, range.end}, std::memory_order_relaxed)) {
+        return true;
+      }
+    }
+    return false;
+  }
+
+  // Takes the last half, rounded up. False where there is nothing or another thread came first.
+  bool takeLast(RowRange* taken) {
+    RowRange range = rows.load(std::memory_order_relaxed);
+    const std::int32_t middle = range.begin + (range.end - range.begin) / 2;
+    *taken = {middle, range.end};
+    return range.begin < range.end &&
+           rows.compare_exchange_strong(range, {range.begin, middle}, std::memory_order_relaxed);
+  }
+};
+
 }  // namespace
 
-// Ranges of several rows keep a thread on neighbouring ones; they end with single rows, so that all threads finish at
-// the same time.
-void WorkerPool::Job::work() {
-  std::int32_t begin = top.load(std::memory_order_relaxed);
-  while (begin < bottom) {
-    const std::int64_t left_over = std::int64_t{bottom} - begin;
-    const auto count = static_cast<std::int32_t>(std::clamp<std::int64_t>(left_over / (2 * sharers), 1, max_count));
-    if (top.compare_exchange_weak(begin, begin + count, std::memory_order_relaxed)) {
-      function.run(function.data, begin, begin + count);
-      begin = top.load(std::memory_order_relaxed);
+// A run under way. It lives on the stack of its caller and is listed while helpers may join.
+struct WorkerPool::Job {
+  const RowRangeFunction& function;
+  const unsigned sharers;             // the threads that may work on it
+  unsigned joined = 1;                // those that have, the caller among them
+  std::atomic<unsigned> helpers = 0;  // that have joined and not left
+  std::condition_variable left{};
+  Job* next = nullptr;
+  std::array<Share, kMaxSharers> shares;
+
+  Job(const RowRangeFunction& row_function, std::int32_t top, std::int32_t bottom, unsigned count)
+      : function(row_function), sharers(count) {
+    const std::int64_t rows = std::int64_t{bottom} - top;
+    std::int32_t begin = top;
+    for (unsigned i = 0; i < sharers; ++i) {
+      const auto end = static_cast<std::int32_t>(top + rows * (i + 1) / sharers);
+      shares[i].rows.store({begin, end}, std::memory_order_relaxed);
+      begin = end;
     }
   }
-}
 
-WorkerPool::WorkerPool() : max_threads_(std::max(std::thread::hardware_concurrency(), 1u)) {}
+  // Works on the thread's own share, then on parts of the others', until all rows are taken.
+  void work(unsigned self) {
+    RowRange rows{};
+    do {
+      while (shares[self].takeFirst(&rows)) {
+        function.run(function.data, rows.begin, rows.end);
+      }
+    } while (takeOver(self));
+  }
+
+  // Half of the rows of the longest share. False when no share has any left.
+  bool takeOver(unsigned self) {
+    const auto shorter = [](const Share& a, const Share& b) { return a.left() < b.left(); };
+    while (true) {
+      Share& longest = *std::max_element(shares.data(), shares.data() + sharers, shorter);
+      RowRange rows{};
+      if (longest.left() <= 0) {
+        return false;
+      }
+      if (longest.takeLast(&rows)) {
+        shares[self].rows.store(rows, std::memory_order_relaxed);
+        return true;
+      }
+    }
+  }
+};
+
+WorkerPool::WorkerPool() : max_threads_(std::clamp(std::thread::hardware_concurrency(), 1u, kMaxSharers)) {}
 
 WorkerPool::~WorkerPool() {
   {
@@ -52,25 +127,17 @@ void WorkerPool::run(std::int32_t top, std::int32_t bottom, unsigned threads, co
     function.run(function.data, top, bottom);
     return;
   }
-  // Short enough that a few costly rows amid cheap ones are shared too.
-  constexpr std::int64_t kRangesPerThread = 16;
-  const std::int64_t max_count = (std::int64_t{bottom} - top) / (kRangesPerThread * sharers);
-  Job job{.function = function,
-          .bottom = bottom,
-          .sharers = static_cast<std::int32_t>(sharers),
-          .max_count = static_cast<std::int32_t>(std::max<std::int64_t>(max_count, 1)),
-          .top = top,
-          .wanted = sharers - 1};
+  Job job(function, top, bottom, sharers);
   {
     const std::lock_guard lock(mutex_);
-    startWorkers(job.wanted);
+    startWorkers(sharers - 1);
     list(&job);
     runs_.fetch_add(1, std::memory_order_relaxed);
   }
   for (unsigned i = 1; i < sharers; ++i) {
     wake_.notify_one();
   }
-  job.work();
+  job.work(0);
   std::unique_lock lock(mutex_);
   unlist(&job);
   lock.unlock();
@@ -98,10 +165,10 @@ void WorkerPool::help() {
     if (job == nullptr) {
       return;
     }
-    --job->wanted;
+    const unsigned self = job->joined++;
     ++job->helpers;
     lock.unlock();
-    job->work();
+    job->work(self);
     lock.lock();
     // The last one to leave tells with the lock held: after that the caller may end the job.
     if (--job->helpers == 0) {
@@ -118,7 +185,7 @@ void WorkerPool::help() {
 
 WorkerPool::Job* WorkerPool::firstWaiting() const {
   Job* job = jobs_;
-  while (job != nullptr && job->wanted == 0) {
+  while (job != nullptr && job->joined == job->sharers) {
     job = job->next;
   }
   return job;

@@ -1,7 +1,7 @@
 // Threads that help with the rows of frames, shared by all instances of a module.
 //
-// A run allocates nothing and cannot fail: threads that cannot be started are done without, and the calling thread,
-// which always works along, can finish a run alone. So several runs at once, and runs inside of rows, end too.
+// A run allocates nothing and cannot fail: the calling thread takes part and finishes a run alone where no other thread
+// can be started or has time. For the same reason several runs at once, and runs inside of rows, come to their end.
 #pragma once
 
 #include <atomic>
@@ -20,6 +20,9 @@ struct RowRangeFunction {
 };
 
 // Safe to use from several threads.
+//
+// Each thread that takes part begins on a share of neighbouring rows, the same in every run, so that frames of one size
+// find their rows in the thread's cache; one that has finished its share takes over half of another's.
 class WorkerPool {
  public:
   // Threads start when they are first needed.
@@ -29,24 +32,11 @@ class WorkerPool {
   WorkerPool& operator=(const WorkerPool&) = delete;
 
   // Runs the function over disjoint ranges that make up [top, bottom), and returns when all are done. At most `threads`
-  // threads work on it, the calling one among them, and no more than the machine has; 0 means as many as that.
+  // threads work on it, the calling one among them, and no more than the machine has or 128; 0 means as many as that.
   void run(std::int32_t top, std::int32_t bottom, unsigned threads, const RowRangeFunction& function);
 
  private:
-  // A run under way. It lives on the stack of its caller and is listed while helpers may join.
-  struct Job {
-    const RowRangeFunction& function;
-    const std::int32_t bottom;
-    const std::int32_t sharers;        // the threads that may work on it
-    const std::int32_t max_count;      // the most rows that are taken at once
-    std::atomic<std::int32_t> top;     // the first row that nobody has taken
-    unsigned wanted;                   // helpers that may still join
-    std::atomic<unsigned> helpers{0};  // that have joined and not left
-    std::condition_variable left{};
-    Job* next = nullptr;
-
-    void work();
-  };
+  struct Job;
 
   void startWorkers(std::size_t count);
   void help();

@@ -45,6 +45,14 @@ ConvexPolygon ConvexPolygon::cut(const Box& box) const {
   return cut(1, 0, -box.left).cut(-1, 0, box.right).cut(0, 1, -box.top).cut(0, -1, box.bottom);
 }
 
+ConvexPolygon ConvexPolygon::mappedBy(const Homography& map) const {
+  ConvexPolygon image;
+  for (const Point& point : points()) {
+    image.add(map(point));
+  }
+  return image;
+}
+
 double ConvexPolygon::area() const {
   double twice = 0.0;
   const std::span<const Point> all = points();
@@ -73,6 +81,16 @@ Box ConvexPolygon::bounds() const {
            std::max(box.bottom, point.y)};
   }
   return box;
+}
+
+std::optional<Corners> imageOf(const Box& box, const Homography& map) {
+  const Corners rectangle{{box.left, box.top}, {box.right, box.top}, {box.left, box.bottom}, {box.right, box.bottom}};
+  for (std::size_t i = 0; i < kCornerCount; ++i) {
+    if (!(map.weight(rectangle[i]) > 0.0)) {
+      return std::nullopt;
+    }
+  }
+  return map(rectangle);
 }
 
 }  // namespace vantorel::host

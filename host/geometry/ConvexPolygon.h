@@ -2,9 +2,11 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <span>
 
 #include "host/Animation.h"
+#include "host/geometry/Homography.h"
 
 namespace vantorel::host {
 
@@ -33,6 +35,9 @@ class ConvexPolygon {
   ConvexPolygon cut(double a, double b, double c) const;
   ConvexPolygon cut(const Box& box) const;
 
+  // The image under a map whose horizon does not meet the polygon.
+  ConvexPolygon mappedBy(const Homography& map) const;
+
   double area() const;
   Point middle() const;  // the mean of its points, inside it
   Box bounds() const;
@@ -43,5 +48,8 @@ class ConvexPolygon {
   std::array<Point, kMostPoints> points_{};
   int count_ = 0;
 };
+
+// The images of a rectangle's corners; none when the map's horizon meets the rectangle, or its image lies beyond it.
+std::optional<Corners> imageOf(const Box& box, const Homography& map);
 
 }  // namespace vantorel::host

@@ -51,7 +51,9 @@ std::optional<Homography> Homography::ofQuadrilateral(const Corners& from, const
 }
 
 std::optional<Homography> Homography::inverse() const {
-  const auto minor = [&](std::size_t a, std::size_t b, std::size_t c, std::size_t d) { return m[a] * m[b] - m[c] * m[d]; };
+  const auto minor = [&](std::size_t a, std::size_t b, std::size_t c, std::size_t d) {
+    return m[a] * m[b] - m[c] * m[d];
+  };
   const std::array<double, 9> adjugate{minor(4, 8, 5, 7), minor(2, 7, 1, 8), minor(1, 5, 2, 4),
                                        minor(5, 6, 3, 8), minor(0, 8, 2, 6), minor(2, 3, 0, 5),
                                        minor(3, 7, 4, 6), minor(1, 6, 0, 7), minor(0, 4, 1, 3)};

@@ -2,6 +2,9 @@
 
 #include <dlfcn.h>
 
+#include <cerrno>
+#include <cstring>
+
 #include "host/Error.h"
 
 namespace vantorel::host {
@@ -30,7 +33,10 @@ Result<SharedLibrary> SharedLibrary::open(const std::string& path) {
   SharedLibrary library;
   library.library_.reset(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL));
   if (!library.library_) {
-    return failure(ErrorKind::ModuleUnusable, path, "cannot be loaded as an effect module: " + loaderMessage(file));
+    const std::string message = loaderMessage(file);
+    const bool no_memory = message.ends_with(std::strerror(ENOMEM));
+    return failure(no_memory ? ErrorKind::OutOfMemory : ErrorKind::ModuleUnusable, path,
+                   "cannot be loaded as an effect module: " + message);
   }
   return library;
 }

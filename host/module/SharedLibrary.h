@@ -10,7 +10,7 @@ namespace vantorel::host {
 
 class SharedLibrary {
  public:
-  // Loads the file at `path`. ModuleUnusable with what is wrong with it.
+  // Loads the file at `path`. ModuleUnusable with what is wrong with it, or OutOfMemory.
   static Result<SharedLibrary> open(const std::string& path);
 
   // The address of an exported symbol, or null.

@@ -1,6 +1,7 @@
 #include "host/module/Translations.h"
 
 #include "host/Error.h"
+#include "host/checking/OutOfMemory.h"
 
 namespace vantorel::host {
 
@@ -20,6 +21,34 @@ std::size_t readNumber(std::string_view text, std::size_t at, std::string* place
     return at + 1;
   }
   return skipDigits(text, at);
+}
+
+Result<Translations> readTranslations(const std::string& text, const std::string& name) {
+  Translations translations;
+  std::string_view rest = text;
+  if (rest.starts_with(kByteOrderMark)) {
+    rest.remove_prefix(kByteOrderMark.size());
+  }
+  for (int number = 1; !rest.empty(); ++number) {
+    const std::size_t end = rest.find('\n');
+    std::string_view line = rest.substr(0, end);
+    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+    if (line.ends_with('\r')) {
+      line.remove_suffix(1);
+    }
+    if (line.find_first_not_of(" \t") == std::string_view::npos || line.front() == '#') {
+      continue;
+    }
+    const std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos || equals == 0) {
+      return invalidArgument(name, "line " + std::to_string(number) + " is not of the form key=text");
+    }
+    if (line.find('\0') != std::string_view::npos) {
+      return invalidArgument(name, "line " + std::to_string(number) + " holds a zero byte");
+    }
+    translations.insert_or_assign(std::string(line.substr(0, equals)), std::string(line.substr(equals + 1)));
+  }
+  return translations;
 }
 
 }  // namespace
@@ -50,31 +79,7 @@ std::vector<std::string> printfPlaceholders(std::string_view text) {
 }
 
 Result<Translations> parseTranslations(const std::string& text, const std::string& name) {
-  Translations translations;
-  std::string_view rest = text;
-  if (rest.starts_with(kByteOrderMark)) {
-    rest.remove_prefix(kByteOrderMark.size());
-  }
-  for (int number = 1; !rest.empty(); ++number) {
-    const std::size_t end = rest.find('\n');
-    std::string_view line = rest.substr(0, end);
-    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-    if (line.ends_with('\r')) {
-      line.remove_suffix(1);
-    }
-    if (line.find_first_not_of(" \t") == std::string_view::npos || line.front() == '#') {
-      continue;
-    }
-    const std::size_t equals = line.find('=');
-    if (equals == std::string_view::npos || equals == 0) {
-      return invalidArgument(name, "line " + std::to_string(number) + " is not of the form key=text");
-    }
-    if (line.find('\0') != std::string_view::npos) {
-      return invalidArgument(name, "line " + std::to_string(number) + " holds a zero byte");
-    }
-    translations.insert_or_assign(std::string(line.substr(0, equals)), std::string(line.substr(equals + 1)));
-  }
-  return translations;
+  return withMemoryErrors("translations", [&] { return readTranslations(text, name); });
 }
 
 }  // namespace vantorel::host

@@ -95,9 +95,8 @@ template <typename Pixels, SampleSpace kSpace>
   return sampleAnyBox<Pixels>(effect_ref, x, y, params, out);
 }
 
-// Has the processor fetch what lies so many bytes beyond a pixel, which the next row will need: rows cut across a
-// turned layer's rows too often for the processor to foresee it. The address may lie outside of the world; nothing is
-// read.
+// Prefetches what lies so many bytes beyond a pixel, which the next row will need: the rows of a rotated layer are
+// crossed too often for the processor's own prefetching. The address may lie outside of the world; nothing is read.
 inline void prefetchBelow(const std::byte* pixel, std::ptrdiff_t bytes) {
   const std::uintptr_t address = __builtin_bit_cast(std::uintptr_t, pixel) + static_cast<std::uintptr_t>(bytes);
   __builtin_prefetch(__builtin_bit_cast(const void*, address));
@@ -121,7 +120,7 @@ template <typename Pixels, SampleSpace kSpace>
   const std::int32_t y_radius = params->y_radius;
   const std::int32_t left = beginOf(x, x_radius);
   const std::int32_t top = beginOf(y, y_radius);
-  // A sum that ran over would be that of a negative position.
+  // Where no position is negative, these radii are too small for left and top to have overflowed.
   if (!isSmall(x_radius) || !isSmall(y_radius) || (x | y | left | top) < 0 || params->source == nullptr) {
     return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
@@ -139,7 +138,7 @@ template <typename Pixels, SampleSpace kSpace>
   return ERR_NONE;
 }
 
-// The box of one pixel's size comes first, and so lean that it needs neither calls nor a stack.
+// The box of one pixel's size is looked for first and sampled here, without calls or a stack frame.
 template <typename Pixels, SampleSpace kSpace>
 std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
                     typename Pixels::Pixel* out) {

@@ -7,8 +7,8 @@
 #include "host/frames/WorldRow.h"
 #include "support/PF_HostRecords.h"
 
-// Inlined without exception: files compiled for different instruction sets use these functions, and none may stand in
-// for another's.
+// Always inlined: files compiled for different instruction sets use these functions, and a copy compiled for one set
+// must not serve the others.
 #define VANTOREL_INLINE [[gnu::always_inline]] inline
 
 namespace vantorel::host {

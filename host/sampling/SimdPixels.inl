@@ -113,7 +113,7 @@ struct SmallBox {
   __m128i length;
 };
 
-// The radii stand side by side; a caller had better store them at once, for a load across two stores waits for both.
+// Loads both radii at once. A caller should store them at once too: a load that spans two stores waits for both.
 inline SmallBox smallBox(std::int32_t x, std::int32_t y, const PF_SampleParams& params) {
   static_assert(offsetof(PF_SampleParams, y_radius) == offsetof(PF_SampleParams, x_radius) + 4);
   const __m128i centre = _mm_insert_epi32(_mm_cvtsi32_si128(x), y, 1);

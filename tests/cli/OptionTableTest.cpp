@@ -59,6 +59,7 @@ TEST(OptionTable, HelpCompletionManPageAndGuidesListTheSameOptions) {
   };
   compare("render", namesOf(renderOptionTable()));
   compare("rectify", namesOf(rectifyOptionTable()));
+  compare("corners", namesOf(cornersOptionTable()));
   compare("info", namesOf(infoOptionTable()));
   compare("testcard", namesOf(testCardOptionTable()));
 

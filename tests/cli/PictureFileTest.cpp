@@ -14,7 +14,6 @@
 #include "cli/pictures/FileRecord.h"
 #include "cli/pictures/ImageReader.h"
 #include "cli/pictures/ImageWriter.h"
-#include "cli/pictures/OutputFile.h"
 #include "cli/pictures/Truncation.h"
 
 namespace vantorel::cli {
@@ -155,6 +154,11 @@ TEST(PictureFile, GreyAndExtraChannelsAndOddOrdersBecomeRgba) {
   odd.channelnames = {"A", "B", "Z", "G", "normal.x", "R", "normal.y"};
   writeFile<float>(folder / "odd.exr", odd, {1.0f, 0.2f, 9.0f, 0.4f, 5.0f, 0.6f, 5.0f});
   EXPECT_EQ(pixel8(readAt(folder / "odd.exr", host::Depth::Bits8), 0, 0), (std::vector<int>{153, 102, 51, 255}));
+
+  ImageSpec pair(1, 1, 2, TypeDesc::FLOAT);
+  pair.channelnames = {"p.x", "p.y"};  // by their position: grey and alpha
+  writeFile<float>(folder / "pair.exr", pair, {0.4f, 0.8f});
+  EXPECT_EQ(pixel8(readAt(folder / "pair.exr", host::Depth::Bits8), 0, 0), (std::vector<int>{102, 102, 102, 204}));
 
   ImageSpec nameless(1, 1, 6, TypeDesc::FLOAT);
   nameless.channelnames = {"a.x", "a.y", "a.z", "b.x", "b.y", "b.z"};
@@ -364,47 +368,6 @@ TEST(PictureFile, WhatIsCutShortIsRefused) {
       EXPECT_FALSE(isWholePicture(path, image.size())) << name << " " << share;
     }
   }
-}
-
-TEST(PictureFile, AnOutputThatIsNotCommittedLeavesNothing) {
-  const TestFolder folder;
-  folder.write("kept.txt", "old");
-  {
-    OutputFile file(folder / "kept.txt");
-    std::fputs("new", file.stream());
-  }
-  std::string text;
-  std::ifstream(folder / "kept.txt") >> text;
-  EXPECT_EQ(text, "old");
-  EXPECT_EQ(folder.count(), 1u);
-
-  // Links stay, whether what they lead to exists or not.
-  std::filesystem::create_symlink("kept.txt", folder / "live.txt");
-  std::filesystem::create_symlink("live.txt", folder / "chain.txt");
-  std::filesystem::create_symlink("made.txt", folder / "dangling.txt");
-  for (const auto& [link, target] : {std::pair{"chain.txt", "kept.txt"}, std::pair{"dangling.txt", "made.txt"}}) {
-    OutputFile file(folder / link);
-    std::fputs("new", file.stream());
-    file.commit();
-    std::ifstream(folder / target) >> text;
-    EXPECT_EQ(text, "new") << link;
-    EXPECT_TRUE(std::filesystem::is_symlink(folder / link)) << link;
-  }
-  EXPECT_EQ(folder.count(), 5u);
-}
-
-TEST(PictureFile, TemporaryFilesOfKilledProcessesAreRemovedAndOthersKept) {
-  const TestFolder folder;
-  const OutputFile live(folder / "out.txt");
-  const std::string dead = folder / ".out.txt.vantorel-1-2-3.tmp";
-  const std::string of_another = folder / ".other.txt.vantorel-1-2-3.tmp";
-  folder.write(".out.txt.vantorel-1-2-3.tmp", "half");
-  folder.write(".other.txt.vantorel-1-2-3.tmp", "half");
-  // By another name of the folder, which has not been listed yet.
-  const OutputFile next(folder / "./out.txt");
-  EXPECT_FALSE(std::filesystem::exists(dead));
-  EXPECT_TRUE(std::filesystem::exists(of_another));
-  EXPECT_TRUE(std::filesystem::exists(live.temporaryPath()));
 }
 
 }  // namespace

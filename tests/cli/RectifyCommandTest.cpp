@@ -33,7 +33,9 @@ TEST(RectifyCommand, ThereAndBackKeepsThePicture) {
   runWell(folder, "testcard -o card.png --size 400x300");
   runWell(folder, "render card.png -o there.png --size 1120x850" + corners);
   runWell(folder, "rectify there.png -o back.png --size 400x300" + corners);
-  EXPECT_LT(20 * std::log10(difference(folder / "card.png", folder / "back.png")), -25.0);
+  // The card's finest patterns, two pixels a period, lose contrast on the way there and back. A picture that lay half a
+  // pixel off would come to 17.5 dB.
+  EXPECT_LT(20 * std::log10(difference(folder / "card.png", folder / "back.png")), -22.0);
 }
 
 TEST(RectifyCommand, ProportionsAreEstimatedAndTold) {

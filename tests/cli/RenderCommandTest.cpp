@@ -21,7 +21,8 @@ TEST(RenderCommand, AnIdentityRenderReproducesTheLayerAtEveryDepthThroughBothPro
       // 16-bit files hold v * 257, which as a float is v / 255 but for its last bit.
       EXPECT_LT(difference(folder / "card.png", folder / "same.png"), 1e-7) << depth << " " << protocol;
     }
-    runWell(folder, "render card.exr -o same.exr --protocol " + protocol);
+    // Of an option given twice the later holds.
+    runWell(folder, "render card.exr -o first.exr -o same.exr --protocol " + protocol);
     EXPECT_EQ(difference(folder / "card.exr", folder / "same.exr"), 0.0) << protocol;
   }
 }
@@ -116,6 +117,18 @@ TEST(RenderCommand, FitKeepsThePlaceOfTheOutput) {
   const auto png = runWell(folder, "render card.exr -o fit.png --fit --json" + corners).lines().at(0);
   EXPECT_EQ(png["origin"], line["origin"]);
   EXPECT_EQ(png["size"], line["size"]);
+
+  // At a quarter of the resolution too every pixel is covered: the edges are rounded outward.
+  const auto proxy =
+      runWell(folder, "render card.exr -o proxy.exr --fit --json --downsample 4" + corners).lines().at(0);
+  for (const std::size_t axis : {0u, 1u}) {
+    const int begin = line["origin"][axis];
+    const int end = begin + line["size"][axis].get<int>();
+    const int proxy_begin = proxy["origin"][axis];
+    EXPECT_EQ(begin - 4 * proxy_begin, begin & 3);
+    EXPECT_EQ(4 * (proxy_begin + proxy["size"][axis].get<int>()) - end, -end & 3);
+    EXPECT_NE(end & 3, 0);
+  }
 }
 
 TEST(RenderCommand, ProxiesShowTheSamePictureSmaller) {
@@ -123,13 +136,13 @@ TEST(RenderCommand, ProxiesShowTheSamePictureSmaller) {
   runWell(folder, "testcard -o card.png --size 403x301");
   runWell(folder, "testcard -o plate.png --size 403x301");
   for (const std::string options : {"", " --over plate.png", " --fit"}) {
-    const std::string common = options + " --ul 40,20 --ur 360,60 --ll 20,240 --lr 300,280";
+    const std::string common = options + " --quality high --ul 40,20 --ur 360,60 --ll 20,240 --lr 300,280";
     runWell(folder, "render card.png -o full.exr" + common);
     const auto line = runWell(folder, "render card.png -o half.exr --json --downsample 2" + common).lines().at(0);
     if (options != " --fit") {
       EXPECT_EQ(line["size"], (std::vector<int>{202, 151}));
       // The full picture averaged by twos is near; fine lines and edges differ, since each filters for its own size.
-      const std::string shrink = "render full.exr -o shrunk.exr --downsample 2";
+      const std::string shrink = "render full.exr -o shrunk.exr --quality high --downsample 2";
       runWell(folder, shrink);
       EXPECT_LT(difference(folder / "shrunk.exr", folder / "half.exr"), 0.08) << options;
     }

@@ -89,6 +89,7 @@ TEST(PreRender, UnitesTheCheckoutWithTheCornersInsideTheRequest) {
       // Bounds truncate toward zero. The corners are those of the scaled layer. One point is bilinear.
       {{-2.5, 0, 7.9, 3}, kWide, kNo, kNo, kAlone, {-3, -1, 8, 4}, 1, 0},
       {{0, 0, 50, 40}, kWide, kNo, kNo, kAlone, {4, -1, 56, 41}, 2, 5},
+      {{0, 0, 51, 40}, kWide, kNo, kNo, kAlone, {4, -1, 58, 41}, 3, 5},  // in a buffer of whole pixels, 34 x 27
       {{0, 0, 50, 40}, kWide, {0, 0, 50, 40}, kNo, {0, -1, 56, 41}, {4, -1, 56, 41}, 2, 5},
       {{5, 5, 5, 5}, kWide, {0, 0, 3, 3}, kNo, {0, 0, 6, 6}, {4, 4, 6, 6}, 1, 5},
   };
@@ -112,7 +113,9 @@ TEST(PreRender, TakesTheBufferOfTheCheckoutWhereItHoldsTheLayer) {
   struct {
     M_LRect delivered, largest;
   } const cases[] = {{{-10, -5, 130, 90}, {-11, -6, 131, 91}},  // a larger buffer that the layer is offset in
-                     {{-10, -5, 50, 40}, {-11, -6, 91, 76}}};   // a part of the layer: taken to be the layer's size
+                     {{-10, -5, 50, 40}, {-11, -6, 91, 76}},    // a part of the layer: taken to be the layer's size
+                     {{-10, -5, 130, 40}, {-11, -6, 91, 76}},
+                     {{-10, -5, 50, 90}, {-11, -6, 91, 76}}};
   for (const auto& c : cases) {
     ScriptedHost host(8, {100, 80});
     host.in.source_origin_x = 10;

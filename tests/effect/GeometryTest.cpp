@@ -84,10 +84,11 @@ TEST(ProjectiveMap, InverseExistsForProperQuadsAlone) {
 
 TEST(ProjectiveMap, PointsAtInfinityStopTheTransform) {
   M_Matrix3 m(true);
-  m.m[0][2] = -1.0;  // w = 1 - x
-  Quad p = {{{0.5, 1e-13}, {1.0, 5.0}, {0.25, 0.25}, {0, 0}}};
+  m.m[0][2] = -1.0;                           // w = 1 - x
+  constexpr double kNearlyOne = 1.0 - 1e-13;  // whose w counts as 0
+  Quad p = {{{0.5, 1e-13}, {kNearlyOne, 5.0}, {0.25, 0.25}, {0, 0}}};
   EXPECT_EQ(HomogeneouslyTransformFloatPoints(&m, 4, p.data()), 1);
-  expectQuad(p.data(), {{{1.0, 0.0}, {1.0, 5.0}, {0.25, 0.25}, {0, 0}}}, 0.0);  // 2e-13 counts as 0
+  expectQuad(p.data(), {{{1.0, 0.0}, {kNearlyOne, 5.0}, {0.25, 0.25}, {0, 0}}}, 0.0);  // 2e-13 counts as 0
   EXPECT_EQ(HomogeneouslyTransformFloatPoints(&m, -1, &p[1]), 0);
 }
 

@@ -17,30 +17,30 @@ struct Helpers8 {
   using Pixel = std::uint32_t;
   static Pixel gray(int c) { return static_cast<Pixel>(c) * 0x01010101u; }
   static double channel(Pixel p) { return p >> 24; }
-  static constexpr auto mix = MixPixels;
-  static constexpr auto average = PixAverage;
-  static constexpr auto sample = GetAPixel;
-  static constexpr auto sample_row = GetHSeg;
+  static constexpr auto kMix = MixPixels;
+  static constexpr auto kAverage = PixAverage;
+  static constexpr auto kSample = GetAPixel;
+  static constexpr auto kSampleRow = GetHSeg;
 };
 
 struct Helpers16 {
   using Pixel = PF_Pixel16;
   static Pixel gray(std::uint16_t c) { return {c, c, c, c}; }
   static double channel(Pixel p) { return p.green; }
-  static constexpr auto mix = MixPixels16;
-  static constexpr auto average = PixAverage16;
-  static constexpr auto sample = GetAPixel16;
-  static constexpr auto sample_row = GetHSeg16;
+  static constexpr auto kMix = MixPixels16;
+  static constexpr auto kAverage = PixAverage16;
+  static constexpr auto kSample = GetAPixel16;
+  static constexpr auto kSampleRow = GetHSeg16;
 };
 
 struct HelpersFloat {
   using Pixel = PF_PixelFloat;
   static Pixel gray(float c) { return {c, c, c, c}; }
   static double channel(Pixel p) { return p.blue; }
-  static constexpr auto mix = MixPixelsFloat;
-  static constexpr auto average = PixAverageFloat;
-  static constexpr auto sample = GetAPixelFloat;
-  static constexpr auto sample_row = GetHSegFloat;
+  static constexpr auto kMix = MixPixelsFloat;
+  static constexpr auto kAverage = PixAverageFloat;
+  static constexpr auto kSample = GetAPixelFloat;
+  static constexpr auto kSampleRow = GetHSegFloat;
 };
 
 template <typename Helpers>
@@ -51,10 +51,13 @@ TYPED_TEST_SUITE(Pixels, Depths);
 }  // namespace
 
 TEST(FixedPoint, MultiplyDivideInSinglePrecision) {
-  const std::int32_t cases[][4] = {{196608, 32768, 65536, 98304},          {-1, 65536, 131072, 0},  // toward zero
+  const std::int32_t cases[][4] = {{196608, 32768, 65536, 98304},       // 3 * 0.5 / 1
+                                   {3, 65536, 131072, 1},               // toward zero
+                                   {-1, 65536, 131072, 0},              // toward zero
                                    {16777217, 65536, 65536, 16777216},  // loses its lowest bit
                                    {393676, 2046220, 29725, 27100008},  // every step rounds to single precision
-                                   {2147483647, 131072, 65536, INT32_MIN}, {0, 5, 0, INT32_MIN}};
+                                   {2147483647, 131072, 65536, INT32_MIN},
+                                   {0, 5, 0, INT32_MIN}};
   for (const auto& c : cases) {
     EXPECT_EQ(KZ_FixMulDiv(c[0], c[1], c[2]), c[3]) << c[0] << " * " << c[1] << " / " << c[2];
   }
@@ -63,16 +66,16 @@ TEST(FixedPoint, MultiplyDivideInSinglePrecision) {
 
 TYPED_TEST(Pixels, MixAndAverage) {
   using F = TypeParam;
-  constexpr bool is_float = std::is_same_v<F, HelpersFloat>;
-  const auto mixed = [](int a, int b, int weight) { return F::channel(F::mix(F::gray(a), F::gray(b), weight)); };
+  constexpr bool kIsFloat = std::is_same_v<F, HelpersFloat>;
+  const auto mixed = [](int a, int b, int weight) { return F::channel(F::kMix(F::gray(a), F::gray(b), weight)); };
   EXPECT_EQ(mixed(10, 200, kOne), 10);
   EXPECT_EQ(mixed(10, 200, kOne - 1), 200);
-  EXPECT_EQ(mixed(255, 0, 32768), is_float ? double(255.0F - 255.0F * (128 / 255.0F)) : 127);
-  EXPECT_EQ(mixed(10, 0, 256), is_float ? double(10.0F - 10.0F * (1 / 255.0F)) : 9);
-  EXPECT_EQ(mixed(0, 10, 256 - 3 * kOne), is_float ? double(10.0F * (1 / 255.0F)) : 0);
+  EXPECT_EQ(mixed(255, 0, 32768), kIsFloat ? double(255.0F - 255.0F * (128 / 255.0F)) : 127);
+  EXPECT_EQ(mixed(10, 0, 256), kIsFloat ? double(10.0F - 10.0F * (1 / 255.0F)) : 9);
+  EXPECT_EQ(mixed(0, 10, 256 - 3 * kOne), kIsFloat ? double(10.0F * (1 / 255.0F)) : 0);
   EXPECT_EQ(MixPixels(0x00FF0A00, 0xFF000000, 32768), 0x7F7F0500u);  // channels do not mingle
-  EXPECT_EQ(F::channel(F::average(F::gray(1), F::gray(1))), is_float ? 1 : 0);
-  EXPECT_EQ(F::channel(F::average(F::gray(255), F::gray(4))), is_float ? 129.5 : 129);
+  EXPECT_EQ(F::channel(F::kAverage(F::gray(1), F::gray(1))), kIsFloat ? 1 : 0);
+  EXPECT_EQ(F::channel(F::kAverage(F::gray(255), F::gray(4))), kIsFloat ? 129.5 : 129);
 }
 
 // Pixels 0, 10, 20 .. 70, sampled along a row and down a column (with padded rows) at every kind of position.
@@ -85,7 +88,7 @@ TYPED_TEST(Pixels, SampleAlongBothAxes) {
   for (int i = 0; i < 8; ++i) {
     wide.at<Pixel>(i, 0) = tall.at<Pixel>(0, i) = F::gray(10 * i);
   }
-  const double half = F::channel(F::mix(F::gray(20), F::gray(30), 32768));
+  const double half = F::channel(F::kMix(F::gray(20), F::gray(30), 32768));
   struct {
     double position, step, expected;
   } const cases[] = {{2.0, 1, 20},    {2.0, 9, 20},     {2.5, 1, half}, {2.5, -3, half}, {2.5, 1.99, half},
@@ -101,10 +104,10 @@ TYPED_TEST(Pixels, SampleAlongBothAxes) {
       return reinterpret_cast<Argument*>(reinterpret_cast<std::intptr_t>(world.world.data) +
                                          std::intptr_t{at >> 16} * pitch);
     };
-    EXPECT_EQ(F::channel(F::sample_row(pixel_at(wide, kBytes), at, step, 8)), c.expected)
+    EXPECT_EQ(F::channel(F::kSampleRow(pixel_at(wide, kBytes), at, step, 8)), c.expected)
         << c.position << " " << c.step;
-    EXPECT_EQ(F::channel(F::sample(pixel_at(wide, kBytes), 0, at, 0, step, kOne, 8, 1)), c.expected);
+    EXPECT_EQ(F::channel(F::kSample(pixel_at(wide, kBytes), 0, at, 0, step, kOne, 8, 1)), c.expected);
     const int row_bytes = tall.world.row_bytes;
-    EXPECT_EQ(F::channel(F::sample(pixel_at(tall, row_bytes), row_bytes, 0, at, kOne, step, 1, 8)), c.expected);
+    EXPECT_EQ(F::channel(F::kSample(pixel_at(tall, row_bytes), row_bytes, 0, at, kOne, step, 1, 8)), c.expected);
   }
 }

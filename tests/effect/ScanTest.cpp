@@ -16,7 +16,8 @@
 namespace {
 
 constexpr int kOne = 65536;
-constexpr int kLayer = 8;
+constexpr int kWidth = 6;  // of the layer
+constexpr int kHeight = 8;
 
 using Corners = std::array<M_FixedPoint, 4>;
 using Picture = std::vector<std::vector<int>>;
@@ -66,10 +67,10 @@ int largestDifference(const Picture& a, const Picture& b) {
   return largest;
 }
 
-// What a layer of kLayer x kLayer pixels leaves of an output of 10 x 8 pixels that held `before`.
+// What a layer of kWidth x kHeight pixels leaves of an output of 10 x 8 pixels that held `before`.
 template <typename Function>
 Picture drawn(int depth, Function gray, Corners source, Corners corners, int before = 0) {
-  GuardedWorld input(depth, kLayer, kLayer);
+  GuardedWorld input(depth, kWidth, kHeight);
   GuardedWorld output(depth, 10, 8);
   paint(depth, input, gray);
   paint(depth, output, [before](int, int) { return before; });
@@ -85,7 +86,7 @@ int texel(int x, int y) {
 
 Picture solid(int depth, const Corners& corners) {
   return drawn(
-      depth, [](int, int) { return 240; }, rectangle(0, 0, kLayer, kLayer), corners);
+      depth, [](int, int) { return 240; }, rectangle(0, 0, kWidth, kHeight), corners);
 }
 
 // What is left of 240 where `part` of a pixel is covered.
@@ -102,9 +103,9 @@ struct ReferenceChain {
 
 // Draws one row between two chains.
 void referenceRow(const ReferenceChain& a, const ReferenceChain& b, int coverage, std::vector<int>& row) {
-  int texels[kLayer][kLayer];
-  for (int i = 0; i < kLayer * kLayer; ++i) {
-    texels[i / kLayer][i % kLayer] = texel(i % kLayer, i / kLayer);
+  int texels[kHeight][kWidth];
+  for (int i = 0; i < kWidth * kHeight; ++i) {
+    texels[i / kWidth][i % kWidth] = texel(i % kWidth, i / kWidth);
   }
   const auto mix = [](int p, int q, int w) { return int(MixPixels(unsigned(p), unsigned(q), w)); };
   const auto wrap = [](std::int64_t sum) { return static_cast<int>(sum); };
@@ -117,7 +118,7 @@ void referenceRow(const ReferenceChain& a, const ReferenceChain& b, int coverage
     const int weight = kOne - (coverage == 0 ? covered : int(std::int64_t{covered} * coverage >> 16));
     if (column >= 0 && (weight != kOne || is_left_of_whole)) {
       int& d = row[std::size_t(column)];
-      d = mix(texels[std::clamp(v >> 16, 0, kLayer - 1)][std::clamp(u >> 16, 0, kLayer - 1)], d, weight);
+      d = mix(texels[std::clamp(v >> 16, 0, kHeight - 1)][std::clamp(u >> 16, 0, kWidth - 1)], d, weight);
     }
   };
   const int last = (right - 1) >> 16;  // the column that holds the right end
@@ -135,8 +136,8 @@ void referenceRow(const ReferenceChain& a, const ReferenceChain& b, int coverage
   }
   for (; x < end; x += kOne, u += du, v += dv) {
     if (x >= 0) {
-      const auto address = reinterpret_cast<std::intptr_t>(texels) + 4 * kLayer * (v >> 16) + 4 * (u >> 16);
-      const int sample = GetAPixel(reinterpret_cast<int*>(address), 4 * kLayer, u, v, du, dv, kLayer, kLayer);
+      const auto address = reinterpret_cast<std::intptr_t>(texels) + 4 * kWidth * (v >> 16) + 4 * (u >> 16);
+      const int sample = GetAPixel(reinterpret_cast<int*>(address), 4 * kWidth, u, v, du, dv, kWidth, kHeight);
       int& d = row[std::size_t(x >> 16)];
       d = coverage == 0 ? sample : mix(d, sample, coverage);
     }
@@ -213,7 +214,7 @@ Corners someCorners(int low, int high) {
 
 RC_GTEST_PROP(Scan, EqualsItsDefinition, ()) {
   const Corners corners = someCorners(-3, 13);
-  const Corners source = *rc::gen::inRange(0, 2) == 0 ? rectangle(0, 0, kLayer, kLayer) : someCorners(-2, 11);
+  const Corners source = *rc::gen::inRange(0, 2) == 0 ? rectangle(0, 0, kWidth, kHeight) : someCorners(-2, 11);
   const Picture expected = referenceScan(source, corners, 8);
   for (const int depth : {8, 16, 32}) {
     RC_ASSERT(largestDifference(drawn(depth, texel, source, corners, 8), expected) <= (depth == 32 ? kFloatSlack : 0));
@@ -238,6 +239,8 @@ TEST(Scan, NarrowRowsAndPartialCoverage) {
   // Half a pixel wide in a row covered by 0.75: the weight of the old value is 0.625, its factor 160 of 256 or of 255.
   EXPECT_EQ(solid(8, rectangle(2.5, 1.25, 6.5, 3.5))[1][2], 90);
   EXPECT_EQ(solid(32, rectangle(2.5, 1.25, 6.5, 3.5))[1][6], 89);
+  // Half of 1/65536 pixel: a covered area that rounds to nothing.
+  EXPECT_EQ(solid(8, rectangle(2, 1, 4 + 1.0 / kOne, 3.5))[3][4], 0);
 }
 
 // A layer of 2 x 2 pixels inside a larger buffer: nothing that surrounds it is drawn, the row's right end included.
@@ -260,14 +263,14 @@ TEST(Render, EveryDepthRendererQualityAndProtocol) {
   for (int combination = 0; combination < 24; ++combination) {
     const int depth = 8 << combination / 8;
     const bool is_crossed = (combination & 1) != 0;
-    ScriptedHost host(depth, {kLayer, kLayer}, {10, 8});
+    ScriptedHost host(depth, {kWidth, kHeight}, {10, 8});
     host.in.quality = combination >> 1 & 1;
     paint(depth, host.input, texel);
     paint(depth, host.output, [](int, int) { return 119; });
     const double right = is_crossed ? 0 : 10;
     host.setCorners({{10 - right, 0}, {right, 0}, {10, 8}, {0, 8}});
     EXPECT_EQ(host.run((combination & 4) != 0 ? CMD_SMART_RENDER : CMD_RENDER), 0);
-    Picture expected = referenceScan(rectangle(0, 0, kLayer, kLayer),
+    Picture expected = referenceScan(rectangle(0, 0, kWidth, kHeight),
                                      {{{10 * kOne, 0}, {0, 0}, {10 * kOne, 8 * kOne}, {0, 8 * kOne}}}, 0);
     for (int i = 0; i < 80 && !is_crossed; ++i) {
       expected[std::size_t(i / 10)][std::size_t(i % 10)] = i + 1;
@@ -278,20 +281,22 @@ TEST(Render, EveryDepthRendererQualityAndProtocol) {
 }
 
 TEST(BilinearDriver, CutsTheSourceAndShiftsTheCorners) {
-  // Half resolution of a layer of 9 pixels, 4.5, is cut to 4. It stands at an origin of 1 in the input.
-  ScriptedHost host(8, {6, 2}, {10, 4});
+  // Half resolution of a layer of 9 x 5 pixels, 4.5 x 2.5, is cut to 4 x 2. It stands at (1, 1) in the input.
+  ScriptedHost host(8, {6, 4}, {10, 4});
   host.in.width = 9;
-  host.in.downsample_x_den = 2;
-  host.in.source_origin_x = 1;
+  host.in.height = 5;
+  host.in.downsample_x_den = host.in.downsample_y_den = 2;
+  host.in.source_origin_x = host.in.source_origin_y = 1;
   host.in.output_origin_x = 3;
   host.in.output_origin_y = -1;
-  paint(8, host.input, [](int x, int) { return 10 + 40 * x; });
+  paint(8, host.input, [](int x, int y) { return 10 + 40 * x + 3 * y; });
   host.output.fillBytes(0x77);
   host.setCorners({{0, 2}, {4, 2}, {4, 4}, {0, 4}});
   EXPECT_EQ(TracePointBilinear(&host.in, &host.out, &host.input.world, &host.output.world), 0);
   const Picture picture = pictureOf(8, host.output);
   EXPECT_EQ(picture[0], std::vector<int>(10, 0));
-  EXPECT_EQ(std::vector<int>(picture[1].begin(), picture[1].begin() + 6), (std::vector<int>{0, 0, 0, 50, 90, 130}));
+  EXPECT_EQ(std::vector<int>(picture[1].begin(), picture[1].begin() + 6), (std::vector<int>{0, 0, 0, 53, 93, 133}));
+  EXPECT_EQ(std::vector<int>(picture[2].begin(), picture[2].begin() + 6), (std::vector<int>{0, 0, 0, 56, 96, 136}));
 
   M_FixedPoint corners[4];
   EXPECT_EQ(GetCornerParamsFixed(&host.in, corners, 32767, -32768), 0);  // wraps

@@ -1,25 +1,38 @@
-// After an instance's first frame of a size the host allocates nothing: a player does not stutter.
+// What the host allocates: nothing after an instance's first frame of a size, so that a player does not stutter;
+// nothing that stays; and an allocation that fails is an error like any other.
+#include <malloc.h>
+
 #include <atomic>
 #include <cstdlib>
+#include <limits>
 #include <new>
+#include <tuple>
 
 #include "tests/host/HostTesting.h"
 
 namespace {
 
 std::atomic<long> allocations = 0;
+std::atomic<long> allocations_left = std::numeric_limits<long>::max();
+
+void countAllocation() {
+  ++allocations;
+  if (--allocations_left < 0) {
+    throw std::bad_alloc();
+  }
+}
 
 }  // namespace
 
 __attribute__((noinline)) void* operator new(std::size_t size) {
-  ++allocations;
+  countAllocation();
   if (void* const memory = std::malloc(size)) {
     return memory;
   }
   throw std::bad_alloc();
 }
 __attribute__((noinline)) void* operator new(std::size_t size, std::align_val_t alignment) {
-  ++allocations;
+  countAllocation();
   const auto align = static_cast<std::size_t>(alignment);
   if (void* const memory = std::aligned_alloc(align, (size + align - 1) / align * align)) {
     return memory;
@@ -42,19 +55,21 @@ __attribute__((noinline)) void operator delete(void* memory, std::size_t, std::a
 namespace vantorel::host {
 namespace {
 
+constexpr Corners kConcave{{3, 2}, {60, 5}, {1, 44}, {20, 12}};
+
 TEST(AllocationTest, AFrameAfterTheFirstAllocatesNothing) {
   const auto module = testing::loadModule("vantorel");
   for (const Depth depth : testing::kDepths) {
     Image layer = testing::noise({64, 48}, depth);
-    Image output = testing::dirty({64, 48}, depth);
-    const Corners quads[] = {{{3, 2}, {60, 5}, {1, 44}, {57, 40}}, {{3, 2}, {60, 5}, {1, 44}, {20, 12}}};
-    for (const Corners& quad : quads) {
-      for (const auto& [protocol, quality] :
-           {std::pair(Protocol::Smart, Quality::High), std::pair(Protocol::Plain, Quality::High),
-            std::pair(Protocol::Smart, Quality::Best)}) {
+    for (const Corners& quad : {Corners{{3, 2}, {60, 5}, {1, 44}, {57, 40}}, kConcave}) {
+      for (const auto& [protocol, quality, n] :
+           {std::tuple(Protocol::Smart, Quality::High, 1), std::tuple(Protocol::Plain, Quality::High, 2),
+            std::tuple(Protocol::Smart, Quality::Best, 1)}) {
+        Image output = testing::dirty(downsampled(layer.size(), n), depth);
         Instance instance = testing::instanceWith(module, quad);
         double share = 0;
-        FrameOptions options{.quality = quality, .protocol = protocol, .progress = [&](double s) { share = s; }};
+        FrameOptions options{
+            .quality = quality, .protocol = protocol, .downsample = n, .progress = [&](double s) { share = s; }};
         ASSERT_TRUE(instance.render(asConst(layer.view()), {0, 0, 64, 48}, output.view(), options));
         const long before = allocations;
         for (int frame = 1; frame < 4; ++frame) {
@@ -65,6 +80,57 @@ TEST(AllocationTest, AFrameAfterTheFirstAllocatesNothing) {
       }
     }
   }
+}
+
+Result<FrameResult> loadAndRender(const std::string& path, Image& layer, Image& output, Quality quality) {
+  return Module::load(path).and_then([&](const std::shared_ptr<const Module>& module) {
+    Instance instance(module);
+    return instance.setCorners(kConcave).and_then([&] {
+      return instance.render(asConst(layer.view()), {0, 0, 64, 48}, output.view(),
+                             {.quality = quality, .downsample = 2});
+    });
+  });
+}
+
+TEST(AllocationTest, AnAllocationThatFailsIsAnErrorAndLeavesNothingBroken) {
+  const std::string path = testing::modulePath("vantorel");
+  Image layer = testing::noise({64, 48}, Depth::Bits8);
+  Image output = testing::dirty({32, 24}, Depth::Bits8);
+  for (const Quality quality : {Quality::High, Quality::Best}) {
+    const long before = allocations;
+    ASSERT_TRUE(loadAndRender(path, layer, output, quality));
+    const long count = allocations - before;
+    long errors = 0;
+    for (long i = 0; i < count; ++i) {
+      allocations_left = i;
+      const auto result = loadAndRender(path, layer, output, quality);
+      allocations_left = std::numeric_limits<long>::max();
+      // Threads that cannot be started are no error.
+      if (!result) {
+        EXPECT_EQ(ErrorKind::OutOfMemory, result.error().kind) << i << ": " << errorText(result.error());
+        ++errors;
+      }
+      ASSERT_TRUE(loadAndRender(path, layer, output, quality)) << "after allocation " << i << " had failed";
+    }
+    EXPECT_GT(errors, count / 2);
+  }
+}
+
+TEST(AllocationTest, InstancesAndChangesOfTheirThreadsLeaveNothingBehind) {
+  const auto module = testing::loadModule("vantorel");
+  Image layer = testing::noise({8, 8}, Depth::Bits8);
+  Image output = testing::dirty({8, 8}, Depth::Bits8);
+  const auto allocated_after = [&](int instances) {
+    for (int i = 0; i < instances; ++i) {
+      Instance instance = testing::instanceWith(module, {{0, 0}, {8, 0}, {0, 8}, {8, 8}});
+      for (const unsigned threads : {2u, 1u, 0u}) {
+        EXPECT_TRUE(instance.render(asConst(layer.view()), {0, 0, 8, 8}, output.view(), {.threads = threads}));
+      }
+    }
+    return mallinfo2().uordblks;
+  };
+  const std::size_t before = allocated_after(100);
+  EXPECT_LT(allocated_after(2000), before + 64 * 1024);
 }
 
 }  // namespace

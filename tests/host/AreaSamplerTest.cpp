@@ -131,6 +131,29 @@ TYPED_TEST(AreaSamplerTest, EveryVariantGivesTheMeanOverTheBoxToTheBit) {
   }
 }
 
+// The mean over equal parts of the largest value and the one below it lies halfway between them, whatever the box's
+// size; the reciprocal of its area may be rounded down.
+TYPED_TEST(AreaSamplerTest, HalvesAreRoundedUp) {
+  using Channel = decltype(TypeParam::alpha);
+  Image image = testing::noise({4, 4}, kDepthOf<TypeParam>);
+  for (int i = 0; i < 16; ++i) {
+    const auto value = static_cast<Channel>(i % 4 < 2 ? 65534 : 65535);
+    const Channel pixel[4] = {value, value, value, value};
+    std::memcpy(image.view().pixel(i % 4, i / 4), pixel, sizeof(pixel));
+  }
+  PF_LayerDef world = worldOf(image.view());
+  for (int i = 0; i < 1000; ++i) {
+    const Box box{98304, 65536, 32769 + 32 * i, 65536 - 31 * i};
+    const PF_SampleParams params{box.x_radius, box.y_radius, 0, &world, {}};
+    const TypeParam expected = definition<TypeParam>(asConst(image.view()), box);
+    for (const AreaSamplers* samplers : availableSamplers()) {
+      TypeParam sampled;
+      samplerOf<TypeParam> (*samplers)(nullptr, box.x, box.y, &params, &sampled);
+      ASSERT_TRUE(sameBits(expected, sampled)) << "radii " << box.x_radius << ',' << box.y_radius;
+    }
+  }
+}
+
 TYPED_TEST(AreaSamplerTest, EndsOfTheRangeAndBadArgumentsGiveTransparentPixels) {
   Image image = testing::noise({4, 4}, kDepthOf<TypeParam>);
   PF_LayerDef world = worldOf(image.view());

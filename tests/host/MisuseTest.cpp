@@ -1,88 +1,174 @@
 // Modules that break the interface, with checking and without.
 #include <cstring>
+#include <stdexcept>
 
-#include "tests/host/HostTesting.h"
-#include "tests/host/fixtures/Faults.h"
+#include "host/checking/RowGuard.h"
+#include "tests/host/ScriptedModule.h"
 
 namespace vantorel::host {
 namespace {
 
-using testing::loadModule;
-using testing::modulePath;
+using testing::Call;
+using testing::loadScripted;
+using testing::Script;
 
-class Misbehaving {
- public:
-  explicit Misbehaving(bool checking) : module_(loadModule("fixture_misbehaving", {.checking = checking})) {}
+constexpr auto kWorldSuite = PF_WORLD_SUITE;
+constexpr std::int32_t kWorldSuiteVersion = PF_WORLD_SUITE_VERSION;
 
-  Result<FrameResult> render(Fault fault, Protocol protocol = Protocol::Smart) {
-    Instance instance(module_);
-    EXPECT_TRUE(instance.setCorners(Corners{{static_cast<double>(fault), 0}, {8, 0}, {0, 8}, {8, 8}}));
-    FrameOptions options;
-    options.protocol = protocol;
-    options.placement = Placement::Centres;  // the corners tell the fixture what to do
-    return instance.render(asConst(layer_.view()), {0, 0, 8, 8}, output.view(), options);
-  }
+Result<FrameResult> render(const Script& script, bool checking, Image& output, Protocol protocol = Protocol::Smart) {
+  Image layer = testing::noise({8, 8}, Depth::Bits8);
+  return loadScripted(script, {.checking = checking}).and_then([&](const auto& module) {
+    // Without corners there is nothing to place.
+    return Instance(module).render(asConst(layer.view()), {0, 0, 8, 8}, output.view(),
+                                   {.placement = Placement::Centres, .protocol = protocol});
+  });
+}
 
-  Image output = testing::dirty({8, 8}, Depth::Bits8);
+std::int32_t checkOut(const Call& call, PF_ParamDef* param) {
+  return call.in->checkout_param(call.in->effect_ref, 2, 0, 1, 1, param);
+}
 
- private:
-  std::shared_ptr<const Module> module_;
-  Image layer_ = testing::noise({8, 8}, Depth::Bits8);
-};
+std::int32_t returnTwice(const Call& call) {
+  static PF_ParamDef param;
+  checkOut(call, &param);
+  call.in->checkin_param(call.in->effect_ref, &param);
+  return call.in->checkin_param(call.in->effect_ref, &param);
+}
+
+std::int32_t disposeOfUnknownHandle(const Call& call) {
+  void* block = nullptr;
+  call.in->utility_callbacks->dispose_handle(&block);
+  return 0;
+}
+
+std::int32_t writeBelow(const Call& call) {
+  std::memset(static_cast<char*>(call.output->data) + call.output->row_bytes * call.output->height, 99, 4);
+  return 0;
+}
+
+// In a row, so many pixels beyond its first one.
+std::int32_t writeAt(PF_Pixel8* row, int pixels) {
+  row[pixels].red = 99;
+  return 0;
+}
 
 TEST(MisuseTest, CheckingNamesEveryBreachOfTheInterface) {
-  Misbehaving module(true);
-  const struct {
-    Fault fault;
-    const char* named;
-  } cases[] = {
-      {kKeepsParameter, "parameter 2 was checked out and not checked in"},
-      {kReturnsParameterTwice, "not checked out"},
-      {kKeepsSuite, "suite \"PF World Suite\" version 2 was acquired and not released"},
-      {kReturnsUnknownSuite, "without having been acquired"},
-      {kWritesNextRow, "row 3 wrote outside of the row"},
-      {kWritesPastRow, "row 3 wrote outside of the row"},
-      {kWritesPastWorld, "wrote outside"},
-      {kDisposesUnknownHandle, "handle"},
+  static PF_ParamDef param;
+  static const void* suite = nullptr;
+  const auto keep_suite = [](const Call& call) {
+    return call.in->suite_provider->acquire(kWorldSuite, kWorldSuiteVersion, &suite);
   };
+  const auto release_suite = [](const Call& call) {
+    return call.in->suite_provider->release(kWorldSuite, kWorldSuiteVersion);
+  };
+  const struct {
+    const char* named;
+    Script script;
+  } cases[] = {
+      {"parameter 2 was checked out and not checked in", {.draw = [](const Call& c) { return checkOut(c, &param); }}},
+      {"not checked out", {.draw = returnTwice}},
+      {"suite \"PF World Suite\" version 2 was acquired and not released", {.draw = keep_suite}},
+      {"without having been acquired", {.draw = release_suite}},
+      {"row 3 wrote outside of the row",
+       {.in_row_3 = [](auto* row, const auto& world) { return writeAt(row, world.row_bytes / 4); }}},
+      {"row 3 wrote outside of the row",
+       {.in_row_3 = [](auto* row, const auto& world) { return writeAt(row, world.width); }}},
+      {"wrote outside", {.draw = writeBelow}},
+      {"handle", {.draw = disposeOfUnknownHandle}},
+  };
+  Image output = testing::dirty({8, 8}, Depth::Bits8);
   for (const Protocol protocol : {Protocol::Smart, Protocol::Plain}) {
     for (const auto& c : cases) {
-      const auto result = module.render(c.fault, protocol);
+      const auto result = render(c.script, true, output, protocol);
       ASSERT_FALSE(result) << c.named;
       EXPECT_EQ(ErrorKind::Misuse, result.error().kind);
       EXPECT_EQ(protocol == Protocol::Smart ? "smart render" : "render", result.error().input);
       EXPECT_NE(std::string::npos, result.error().message.find(c.named)) << result.error().message;
     }
   }
-  const auto result = module.render(kAsksUnknownLayer);
-  ASSERT_FALSE(result);
-  EXPECT_EQ(ErrorKind::Misuse, result.error().kind);
+  EXPECT_EQ(ErrorKind::Misuse, render({.checkout_id = 5}, true, output).error().kind);
+}
+
+TEST(MisuseTest, AGuardThatChangedIsReportedAtTheFramesEnd) {
+  for (const int row : {-1, 4}) {
+    auto guard = RowGuard::create({6, 4}, Depth::Bits8);
+    ASSERT_TRUE(guard);
+    guard->remember();
+    *(guard->world().data + row * guard->world().row_bytes) = std::byte{1};
+    CallLedger ledger;
+    guard->finish(false, ledger);
+    EXPECT_NE(std::string::npos, ledger.misuse().find("at row " + std::to_string(row))) << ledger.misuse();
+  }
+}
+
+// A world of the module's own, filled in part with a colour and read back.
+std::int32_t useWorlds(const Call& call) {
+  PF_InData* const in = call.in;
+  const void* table = nullptr;
+  in->suite_provider->acquire(kWorldSuite, kWorldSuiteVersion, &table);
+  const auto& suite = *static_cast<const PF_WorldSuite2*>(table);
+  PF_LayerDef world{};
+  std::int32_t err = suite.new_world(in->effect_ref, 5, 4, true, PF_PIXEL_FORMAT_ARGB16, &world);
+  std::int32_t format = 0;
+  if (err == ERR_NONE) {
+    err = suite.get_pixel_format(&world, &format);
+  }
+  in->suite_provider->release(kWorldSuite, kWorldSuiteVersion);
+  if (err != ERR_NONE || format != PF_PIXEL_FORMAT_ARGB16) {
+    return 1000;
+  }
+  const PF_Pixel16 color{1, 2, 3, 4};
+  const M_LRect beyond(3, 2, 100, 100);
+  in->utility_callbacks->fill(in->effect_ref, &color, &beyond, &world);
+  const auto at = [&](int x, int y) {
+    return reinterpret_cast<const PF_Pixel16*>(static_cast<const char*>(world.data) + world.row_bytes * y)[x];
+  };
+  return at(4, 3).blue == 4 && at(3, 2).alpha == 1 && at(2, 2).alpha == 0 && at(4, 1).blue == 0 ? ERR_NONE : 1001;
+}
+
+// The result is the length of what fits behind the message's first 200 bytes.
+std::int32_t sendEndlessMessage(const Call& call) {
+  const std::string endless(5000, 'm');
+  call.out->out_flags |= OUT_FLAG_SHOW_MESSAGE;
+  call.in->utility_callbacks->sprintf(call.out->return_msg, "%s", endless.c_str());
+  return call.in->utility_callbacks->sprintf(call.out->return_msg + 200, "%s", endless.c_str());
+}
+
+std::int32_t throwError() {
+  throw std::runtime_error("thrown by the module");
 }
 
 TEST(MisuseTest, FailuresOfTheModuleComeThroughWithTheirCodeAndMessage) {
+  const auto fail_with_message = [](const Call& c) {
+    return testing::failWithMessage(c, "It cannot be#{cr}done.", 77);
+  };
+  const struct {
+    Script script;
+    std::int32_t code;
+    std::string message;
+  } cases[] = {
+      {{.draw = fail_with_message}, 77, "It cannot be\ndone."},
+      {{.draw = [](auto&) { return 77; }}, 77, "the effect's render failed with error code 77"},
+      {{.draw = [](auto&) { return ERR_OUT_OF_MEMORY; }}, 4, "the effect's render failed with error code 4"},
+      {{.draw = sendEndlessMessage}, 55, std::string(255, 'm')},
+      {{.draw = [](auto&) { return throwError(); }}, 602, "the effect's render failed with error code 602"},
+      {{.in_row_3 = [](auto*, auto&) { return 9; }}, 9, "the effect's render failed with error code 9"},
+      {{.in_row_3 = [](auto*, auto&) { return throwError(); }}, 602, "the effect's render failed with error code 602"},
+  };
+  Image output = testing::dirty({8, 8}, Depth::Bits8);
   for (const bool checking : {false, true}) {
-    Misbehaving module(checking);
-    const auto failed = module.render(kFailsWithMessage);
-    ASSERT_FALSE(failed);
-    EXPECT_EQ(ErrorKind::EffectFailed, failed.error().kind);
-    EXPECT_EQ(77, failed.error().code);
-    EXPECT_EQ("It cannot be\ndone.", failed.error().message);
-
-    const auto silent = module.render(kFailsSilently, Protocol::Plain);
-    ASSERT_FALSE(silent);
-    EXPECT_EQ("the effect's render failed with error code 77", silent.error().message);
-    EXPECT_EQ(9, module.render(kFailsInRow).error().code);
-    EXPECT_EQ(std::string(255, 'm'), module.render(kSendsEndlessMessage).error().message);
-    EXPECT_EQ(ErrorKind::EffectFailed, module.render(kThrows).error().kind);
-    EXPECT_EQ(ErrorKind::EffectFailed, module.render(kThrowsInRow).error().kind);
-
-    // And the next frame is drawn as if nothing had been.
-    for (const Fault fault : {kNoFault, kUsesWorlds}) {
-      module.output = testing::dirty({8, 8}, Depth::Bits8);
-      const auto drawn = module.render(fault);
+    for (const auto& c : cases) {
+      const auto result = render(c.script, checking, output, Protocol::Plain);
+      ASSERT_FALSE(result) << c.message;
+      EXPECT_EQ(c.code == ERR_OUT_OF_MEMORY ? ErrorKind::OutOfMemory : ErrorKind::EffectFailed, result.error().kind);
+      EXPECT_EQ(c.code, result.error().code);
+      EXPECT_EQ(c.message, result.error().message);
+    }
+    for (const Script& script : {Script{}, Script{.draw = useWorlds}}) {
+      output = testing::dirty({8, 8}, Depth::Bits8);
+      const auto drawn = render(script, checking, output);
       ASSERT_TRUE(drawn) << drawn.error().message;
-      EXPECT_EQ(0, std::memcmp(module.output.view().row(7),
-                               "\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7", 32));
+      EXPECT_EQ(std::string(32, '\7'), std::string(reinterpret_cast<const char*>(output.view().row(7)), 32));
     }
   }
 }
@@ -90,11 +176,14 @@ TEST(MisuseTest, FailuresOfTheModuleComeThroughWithTheirCodeAndMessage) {
 TEST(MisuseTest, HandlesLeftAtSetDownAreReported) {
   std::vector<Error> failures;
   const auto keep = [&](const Error& error) { failures.push_back(error); };
-  loadModule("fixture_leaks_handle", {.checking = true, .on_setdown_failure = keep});
+  const auto leak = [](const Call& call) {
+    return call.in->utility_callbacks->new_handle(100) != nullptr ? ERR_NONE : ERR_OUT_OF_MEMORY;
+  };
+  EXPECT_TRUE(loadScripted({.setup = leak}, {.checking = true, .on_setdown_failure = keep}));
   ASSERT_EQ(1u, failures.size());
   EXPECT_EQ(ErrorKind::Misuse, failures[0].kind);
-  EXPECT_EQ(modulePath("fixture_leaks_handle"), failures[0].input);
-  loadModule("vantorel", {.checking = true, .on_setdown_failure = keep});
+  EXPECT_EQ("scripted", failures[0].input);
+  testing::loadModule("vantorel", {.checking = true, .on_setdown_failure = keep});
   EXPECT_EQ(1u, failures.size());
 }
 
@@ -105,9 +194,8 @@ TEST(MisuseTest, ModulesThatCannotBeUsedAreRefusedWithTheReason) {
   } cases[] = {
       {"/nowhere/vantorel.so", "cannot be loaded"},
       {"", "empty"},
-      {modulePath("../CMakeCache.txt").substr(0, modulePath("../CMakeCache.txt").size() - 3), "cannot be loaded"},
-      {modulePath("fixture_no_entry"), "does not export EffectMainExtra"},
-      {modulePath("fixture_fails_setup"), "global setup: No licence to start."},
+      {VANTOREL_TEST_NO_LIBRARY, "cannot be loaded"},
+      {VANTOREL_TEST_OTHER_LIBRARY, "does not export EffectMainExtra"},
   };
   for (const auto& c : cases) {
     const auto module = Module::load(c.path);
@@ -117,16 +205,25 @@ TEST(MisuseTest, ModulesThatCannotBeUsedAreRefusedWithTheReason) {
     EXPECT_NE(std::string::npos, module.error().message.find(c.reason)) << module.error().message;
     EXPECT_EQ(std::string::npos, module.error().message.find('\n'));
   }
-  EXPECT_EQ(31, Module::load(modulePath("fixture_fails_setup")).error().code);
-  EXPECT_FALSE(Module::load(modulePath("fixture_bad_table")));
+  const auto unlicensed = loadScripted(
+      {.setup = [](const Call& call) { return testing::failWithMessage(call, "No licence to start.", 31); }});
+  ASSERT_FALSE(unlicensed);
+  EXPECT_EQ(ErrorKind::ModuleUnusable, unlicensed.error().kind);
+  EXPECT_EQ("scripted: global setup: No licence to start.", errorText(unlicensed.error()));
+  EXPECT_EQ(31, unlicensed.error().code);
+  EXPECT_EQ(ErrorKind::OutOfMemory, loadScripted({.setup = [](auto&) { return ERR_OUT_OF_MEMORY; }}).error().kind);
+  EXPECT_FALSE(loadScripted({.setup = [](const Call& call) {
+    static FX_StringRow row{"key=text", {}};
+    static FX_StringHeader endless{"FX", ~std::uint64_t{0}, &row, 0};
+    void* table = &endless;
+    return call.in->register_string_table(&table, PF_STRING_TABLE_FORMAT);
+  }}));
 
-  const auto three_points = loadModule("fixture_three_points");
-  EXPECT_EQ(3u, three_points->info().parameters.size());
-  Instance instance(three_points);
+  Instance three_points(*loadScripted({.points = 3}));
+  Image pixels = testing::dirty({4, 4}, Depth::Bits8);
   Image layer = testing::noise({4, 4}, Depth::Bits8);
-  Image output = testing::dirty({4, 4}, Depth::Bits8);
   EXPECT_EQ(ErrorKind::ModuleUnusable,
-            instance.render(asConst(layer.view()), {0, 0, 4, 4}, output.view(), {}).error().kind);
+            three_points.render(asConst(layer.view()), {0, 0, 4, 4}, pixels.view(), {}).error().kind);
 }
 
 }  // namespace

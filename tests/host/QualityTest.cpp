@@ -1,8 +1,8 @@
 // How near high quality comes to the truth: the picture drawn with 16 by 16 samples in every pixel, each taken from the
 // layer at its exact place.
-#include <array>
 #include <cmath>
 
+#include "effect/ProjectiveMap.h"
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
@@ -10,34 +10,15 @@ namespace {
 
 constexpr int kSamples = 16;
 
-using Map = std::array<double, 9>;  // output point to layer point, row by row, for column vectors
-
-// The projective map of the unit square's corners (0,0), (1,0), (1,1), (0,1) onto four points.
-Map squareTo(const std::array<Point, 4>& p) {
-  const double sx = p[0].x - p[1].x + p[2].x - p[3].x;
-  const double sy = p[0].y - p[1].y + p[2].y - p[3].y;
-  const double dx1 = p[1].x - p[2].x;
-  const double dx2 = p[3].x - p[2].x;
-  const double dy1 = p[1].y - p[2].y;
-  const double dy2 = p[3].y - p[2].y;
-  const double det = dx1 * dy2 - dx2 * dy1;
-  const double g = (sx * dy2 - sy * dx2) / det;
-  const double h = (dx1 * sy - dy1 * sx) / det;
-  return {p[1].x - p[0].x + g * p[1].x,
-          p[3].x - p[0].x + h * p[3].x,
-          p[0].x,
-          p[1].y - p[0].y + g * p[1].y,
-          p[3].y - p[0].y + h * p[3].y,
-          p[0].y,
-          g,
-          h,
-          1.0};
-}
-
-Map inverse(const Map& m) {
-  const auto minor = [&](int a, int b, int c, int d) { return m[a] * m[b] - m[c] * m[d]; };
-  return {minor(4, 8, 5, 7), minor(2, 7, 1, 8), minor(1, 5, 2, 4), minor(5, 6, 3, 8), minor(0, 8, 2, 6),
-          minor(2, 3, 0, 5), minor(3, 7, 4, 6), minor(1, 6, 0, 7), minor(0, 4, 1, 3)};
+// The projective map of the corners onto the unit square: m[row][column], for row vectors (x, y, 1).
+M_Matrix3 unitSquareFrom(const Corners& c) {
+  M_Vector2T<double> quad[] = {{c.upper_left.x, c.upper_left.y},
+                               {c.upper_right.x, c.upper_right.y},
+                               {c.lower_right.x, c.lower_right.y},
+                               {c.lower_left.x, c.lower_left.y}};
+  M_Matrix3 map;
+  EXPECT_EQ(1, KZFX_MapUnitSquareToFromQuad(quad, &map, 0));
+  return map;
 }
 
 // The layer's pixel whose square holds a point; transparent outside.
@@ -52,7 +33,7 @@ std::uint8_t layerAt(const ConstImageView& layer, double x, double y, int channe
 
 // The peak signal-to-noise ratio in dB, over the output's pixels and channels.
 double psnr(const ConstImageView& layer, const Corners& c, Image& output) {
-  const Map map = inverse(squareTo({c.upper_left, c.upper_right, c.lower_right, c.lower_left}));
+  const auto& m = unitSquareFrom(c).m;
   double squares = 0;
   for (int y = 0; y < output.size().height; ++y) {
     for (int x = 0; x < output.size().width; ++x) {
@@ -61,9 +42,9 @@ double psnr(const ConstImageView& layer, const Corners& c, Image& output) {
         const int row = i / kSamples;
         const double px = x + (i % kSamples + 0.5) / kSamples;
         const double py = y + (row + 0.5) / kSamples;
-        const double w = map[6] * px + map[7] * py + map[8];
-        const double u = (map[0] * px + map[1] * py + map[2]) / w * layer.size.width;
-        const double v = (map[3] * px + map[4] * py + map[5]) / w * layer.size.height;
+        const double w = m[0][2] * px + m[1][2] * py + m[2][2];
+        const double u = (m[0][0] * px + m[1][0] * py + m[2][0]) / w * layer.size.width;
+        const double v = (m[0][1] * px + m[1][1] * py + m[2][1]) / w * layer.size.height;
         for (int channel = 0; channel < 4; ++channel) {
           sums[channel] += layerAt(layer, u, v, channel);
         }

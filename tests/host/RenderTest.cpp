@@ -8,6 +8,7 @@
 #include <cstring>
 #include <thread>
 
+#include "host/Downsample.h"
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
@@ -97,28 +98,6 @@ TEST(RenderTest, BothProtocolsGiveTheSamePixels) {
   EXPECT_GT(bilinear, 0);
 }
 
-// The pixels of a square picture turned clockwise: what was at (x, y) is at (n - 1 - y, x).
-Image turned(Image& image) {
-  const int n = image.size().width;
-  Image result = testing::dirty(image.size(), image.depth());
-  for (int y = 0; y < n; ++y) {
-    for (int x = 0; x < n; ++x) {
-      std::memcpy(result.view().pixel(n - 1 - y, x), image.view().pixel(x, y), bytesPerPixel(image.depth()));
-    }
-  }
-  return result;
-}
-
-TEST(RenderTest, AQuadrilateralTurnedByAQuarterGivesTheSamePictureTurned) {
-  Image layer = noise({24, 24}, Depth::Bits16);
-  // Pixel (x, y) goes to (n - 1 - y, x), and the point (x, y) to (n - y, x).
-  Instance upright = instanceWith(effect(), cornersOf({8, 8, 32, 32}));
-  Instance quarter = instanceWith(effect(), {{32, 8}, {32, 32}, {8, 8}, {8, 32}});
-  auto a = renderFrame(upright, layer, {0, 0, 40, 40}, {});
-  auto b = renderFrame(quarter, layer, {0, 0, 40, 40}, {});
-  EXPECT_TRUE(samePixels(asConst(turned(a.pixels).view()), asConst(b.pixels.view())));
-}
-
 RC_GTEST_PROP(RenderPropertyTest, AnyCornersDrawInsideTheOutputAlone, ()) {
   const auto coordinate = [] {
     return *rc::gen::oneOf(rc::gen::map(rc::gen::inRange(-2000, 3000), [](int v) { return v / 50.0; }),
@@ -146,6 +125,22 @@ RC_GTEST_PROP(RenderPropertyTest, AnyCornersDrawInsideTheOutputAlone, ()) {
   RC_ASSERT(drawn_or_refused);
 }
 
+TEST(RenderTest, AReducedFrameIsThatOfTheReducedLayer) {
+  Image layer = noise({30, 18}, Depth::Bits16);
+  Image larger = noise({60, 45}, Depth::Bits16);
+  Image reduced = testing::dirty({10, 6}, Depth::Bits16);
+  downsample(asConst(layer.view()), 3, BlockEdges::Transparent, reduced.view());
+  for (const Point& lower_right : {Point{33, 18}, Point{9, 9}}) {  // by the perspective and the bilinear renderer
+    Instance instance = instanceWith(effect(), {{3, 6}, {27, 0}, {-6, 21}, lower_right});
+    // What the instance keeps of a layer of another size does not show.
+    renderFrame(instance, larger, {-6, -3, 36, 24}, {.downsample = 3});
+    auto frame = renderFrame(instance, layer, {-6, -3, 36, 24}, {.downsample = 3});
+    Instance whole = instanceWith(effect(), {{1, 2}, {9, 0}, {-2, 7}, {lower_right.x / 3, lower_right.y / 3}});
+    auto expected = renderFrame(whole, reduced, {-2, -1, 12, 8});
+    EXPECT_TRUE(samePixels(asConst(expected.pixels.view()), asConst(frame.pixels.view()))) << lower_right.x;
+  }
+}
+
 // The two sides meet at (50, 0), so that the map's horizon runs along the output's first row and through its corner.
 TEST(RenderTest, AHorizonThroughTheOutputsCornerIsDrawnAsFromAnyOther) {
   const Corners corners{{47.5, 10}, {52.5, 10}, {37.5, 50}, {62.5, 50}};
@@ -154,6 +149,7 @@ TEST(RenderTest, AHorizonThroughTheOutputsCornerIsDrawnAsFromAnyOther) {
   for (const Quality quality : {Quality::Standard, Quality::High}) {
     FrameOptions options;
     options.quality = quality;
+    options.placement = Placement::Centres;  // the outline's corners lie half a pixel off, and so does the horizon
     const testing::Frame frame = testing::renderFrame(instance, layer, {0, 0, 100, 60}, options);
     const testing::Frame moved = testing::renderFrame(instance, layer, {-7, -3, 100, 60}, options);
     for (int y = 0; y < 60; ++y) {
@@ -196,6 +192,23 @@ TEST(RenderTest, BoundingBoxIsAPixelWiderThanTheCornersInEitherProtocol) {
     ASSERT_FALSE(refused);
     EXPECT_EQ("Vantorel cannot allocate a buffer larger than 30000 pixels in either dimension.",
               refused.error().message);
+  }
+}
+
+TEST(RenderTest, ALayerMayHaveAnyStrideThatItsChannelsAllow) {
+  for (const Depth depth : testing::kDepths) {
+    Image layer = noise({8, 8}, depth);
+    const std::ptrdiff_t stride = 33 * static_cast<std::ptrdiff_t>(bytesPerPixel(depth) / 4);
+    std::vector<std::byte> pixels(8 * stride);
+    for (int y = 0; y < 8; ++y) {
+      std::memcpy(pixels.data() + stride * y, layer.view().row(y), 8 * bytesPerPixel(depth));
+    }
+    // Concave, so that the renderer is the one that reads rows as words.
+    Instance instance = instanceWith(effect(), {{0, 0}, {38, 2}, {2, 28}, {12, 9}});
+    auto expected = renderFrame(instance, layer, {0, 0, 40, 30});
+    Image output = testing::dirty({40, 30}, depth);
+    ASSERT_TRUE(instance.render({pixels.data(), stride, {8, 8}, depth}, {0, 0, 40, 30}, output.view(), {}));
+    EXPECT_TRUE(samePixels(asConst(expected.pixels.view()), asConst(output.view())));
   }
 }
 

@@ -45,6 +45,7 @@ TEST(RequestTest, EachArgumentThatCannotBeServedIsNamed) {
          r.output.size = {7, 8};
        }},
       {"output", [](Request& r) { r.output.depth = Depth::Bits16; }},
+      {"output", [](Request& r) { r.layer.depth = Depth::Bits16; }},
       {"output", [](Request& r) { r.layer.data = r.output.row(1); }},
       {"canvas",
        [](Request& r) {
@@ -95,6 +96,15 @@ TEST(RequestTest, WhatTheBilinearRendererCannotReachIsRefused) {
   EXPECT_TRUE(concave.render(asConst(layer.view()), far, wider.view(), {}));
   const FrameOptions whole{.placement = Placement::Centres};
   EXPECT_EQ("canvas", concave.render(asConst(layer.view()), far, wider.view(), whole).error().input);
+}
+
+TEST(RequestTest, AnInstanceWithoutAModuleIsRefused) {
+  Request request;
+  Instance instance(nullptr);
+  EXPECT_EQ("module", instance.setCorners(Corners{}).error().input);
+  EXPECT_EQ("module", instance.render(request.layer, request.canvas, request.output, {}).error().input);
+  EXPECT_EQ("module", instance.boundingBox({8, 8}, {}).error().input);
+  EXPECT_EQ(Corners{}, instance.defaultCorners({8, 8}));
 }
 
 TEST(RequestTest, ReducedCanvasesBeginAtTheWholePixelThatHoldsTheirCorner) {

@@ -45,7 +45,7 @@ double psnr(const Image& a, const Image& b) {
 
 std::vector<double> momentsWith(const AnimatedCorners& corners, const FrameOptions& options) {
   std::vector<double> moments;
-  momentsOf(corners, options, &moments);
+  momentsOf(corners, nullptr, options, &moments);
   return moments;
 }
 

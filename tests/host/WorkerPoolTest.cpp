@@ -40,6 +40,7 @@ TEST(WorkerPoolTest, RunsEveryRowOnceForManyCallersAndInsideOfRows) {
   WorkerPool pool;
   std::atomic<int> right = 0;
   std::vector<std::jthread> callers;
+  callers.reserve(4);
   for (int i = 0; i < 4; ++i) {
     callers.emplace_back([&, i] {
       for (int repeat = 0; repeat < 50; ++repeat) {

@@ -96,6 +96,9 @@ TEST(Matrix, RectanglesBecomeTheBoxOfTheirCorners) {
     EXPECT_EQ(M_TransformFloatRect(&shift, &r, nullptr, &not_rect), 0);
     EXPECT_FALSE(not_rect);
     expectPoint({r.left, r.top}, expected[(7 - quarter) % 4].x + 1, expected[(4 - quarter) % 4].y + 2);
+    shift.m[1][2] = 0.25;
+    EXPECT_EQ(M_TransformFloatRect(&shift, &r, nullptr, &not_rect), 0);
+    EXPECT_TRUE(not_rect);
   }
 }
 

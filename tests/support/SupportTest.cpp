@@ -72,6 +72,7 @@ void expectIteration(const std::string& depth, const Log& before, const Log& aft
 TEST(Rectangles, EmptinessUnionAndIntersection) {
   EXPECT_FALSE(M_LRect(0, 0, 10, 10).IsEmpty());
   EXPECT_TRUE(M_LRect(5, 0, 5, 10).IsEmpty());
+  EXPECT_TRUE(M_LRect(0, 3, 10, 3).IsEmpty());
   EXPECT_TRUE(M_LRect(0, 3, 10, 2).IsEmpty());
   struct {
     M_LRect a, b, united, bounding_box, clipped;
@@ -107,8 +108,7 @@ TEST(Suites, ThePairReportsByCodeAndMessage) {
   EXPECT_EQ(host.log, (Log{"acquire PF World Suite 2", "release PF World Suite 2"}));
   EXPECT_TRUE(host.outIs());
 
-  host.suites.clear();
-  suite = nullptr;
+  host.suites.clear();  // the pointer still holds the suite
   EXPECT_EQ(acquire(nullptr), ERR_FAILED);
   EXPECT_TRUE(onlyMessages(host, {kAcquireFailed}));
   host.in.suite_provider = nullptr;

@@ -1,0 +1,46 @@
+// The options that say what files of corners mean, for every command that reads them.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/commands/OptionTables.h"
+
+namespace vantorel::cli {
+
+// One such option: a row of a table whose struct has a TrackOptions named `track`.
+struct TrackOptionRow {
+  const char* names;
+  const char* value;
+  const char* help;
+  void (*set)(TrackOptions& options, const std::string& name, const std::string& value);
+  PictureUse use = PictureUse::ChangesPicture;
+};
+
+constexpr std::size_t kTrackOptionCount = 10;
+extern const TrackOptionRow kTrackOptions[kTrackOptionCount];
+
+// Adds the rows from `row` on to a command's table, under that heading.
+template <typename Options, std::size_t row = 0>
+void addTrackOptions(std::vector<OptionRow<Options>>& table, const char* group) {
+  if constexpr (row < kTrackOptionCount) {
+    table.push_back({kTrackOptions[row].names, kTrackOptions[row].value, group, kTrackOptions[row].help,
+                     [](Options& options, const std::string& name, const std::string& value) {
+                       kTrackOptions[row].set(options.track, name, value);
+                       if (options.track.first_option.empty()) {
+                         options.track.first_option = name;
+                       }
+                     },
+                     nullptr, kTrackOptions[row].use});
+    addTrackOptions<Options, row + 1>(table, group);
+  }
+}
+
+// A command's own rows and these.
+template <typename Options>
+std::vector<OptionRow<Options>> withTrackOptions(std::vector<OptionRow<Options>> rows, const char* group) {
+  addTrackOptions(rows, group);
+  return rows;
+}
+
+}  // namespace vantorel::cli

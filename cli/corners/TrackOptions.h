@@ -1,0 +1,16 @@
+// What was said of the files of corners.
+#pragma once
+
+#include <string>
+
+#include "tracks/Resolve.h"
+
+namespace vantorel::cli {
+
+struct TrackOptions {
+  std::string files;               // FILE, or four of one point each as FILE,FILE,FILE,FILE; "-" is standard input
+  tracks::ResolveOptions resolve;  // without the pictures' sizes
+  std::string first_option;        // the first given option that says something of the files; empty without one
+};
+
+}  // namespace vantorel::cli

@@ -1,0 +1,85 @@
+// Trackers' files through the command: rendered, shown and converted.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "CommandRunner.h"
+
+namespace vantorel::cli {
+namespace {
+
+const std::string kSamples = VANTOREL_TRACK_SAMPLES "/";
+// The same track in every format but MLT's boxes.
+constexpr const char* kFiles[]{"own.csv",         "own.json",    "node.nk",          "shake.txt",   "3de.txt",
+                               "pftrack.2dt",     "boujou.txt",  "syntheyes.txt",    "maya.txt",    "matchmover.rz2",
+                               "version1.uv",     "version3.uv", "flame.stabilizer", "blender.csv", "benchmark.txt",
+                               "spreadsheet.csv", "columns.txt"};
+
+std::string bytesOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(CornersCommand, OneTrackInEveryFormatRendersTheSamePicture) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 320x180");
+  const std::string shot = " --size 1920x1080 --downsample 8 --frames 3 --corners ";
+  runWell(folder, "render card.png -o expected.tif" + shot + kSamples + kFiles[0]);
+  const auto expectSame = [&](const std::string& files) {
+    const CommandResult result = run(folder, "render card.png -o out.tif" + shot + files);
+    EXPECT_EQ(result.code, 0) << result.err;
+    EXPECT_EQ(difference(folder / "out.tif", folder / "expected.tif"), 0.0) << files;
+  };
+  for (const char* file : kFiles) {
+    expectSame(kSamples + file);
+  }
+  expectSame(kSamples + "columns_ul.txt," + kSamples + "columns_ur.txt," + kSamples + "columns_ll.txt," + kSamples +
+             "columns_lr.txt");
+  expectSame("- < " + kSamples + "node.nk");
+}
+
+TEST(CornersCommand, ConventionsAreGivenAndToldOnce) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 320x180");
+  folder.write("wild.csv",
+               "Frame;x1;y1;x2;y2;x3;y3;x4;y4\n1;0,25;0,75;0,75;0,75;0,25;0,25;0,75;0,25\n2;0,25;0,75;0,75;0,75;0,25;0,"
+               "25;0,75;0,25\n");
+  const CommandResult result =
+      run(folder,
+          "render card.png -o a.##.png --frames 1-2 --corners wild.csv --corners-units fraction --corners-of output");
+  EXPECT_EQ(result.code, 0) << result.err;
+  const std::string assumed = "vantorel: wild.csv: assumed y downwards";
+  EXPECT_NE(result.err.find(assumed), std::string::npos) << result.err;
+  EXPECT_EQ(result.err.find(assumed, result.err.find(assumed) + 1), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("written in the order ll,lr,ul,ur"), std::string::npos) << result.err;
+  EXPECT_EQ(run(folder, "render card.png -o b.png --corners-gap 3").code, 2);
+}
+
+TEST(CornersCommand, ShowsConvertsAndPlots) {
+  const TestFolder folder;
+  const std::string shown =
+      runWell(folder, "corners " + kSamples + "shake.txt --size 1920x1080 -o out.nk --plot paths.svg").out;
+  EXPECT_NE(shown.find("format      shake: Shake text\n"), std::string::npos) << shown;
+  EXPECT_NE(shown.find("frames      1 to 4, 4 keys\n"), std::string::npos) << shown;
+  EXPECT_NE(bytesOf(folder / "out.nk").find("to4 {{curve x1 412.5 424.75 437 449.25} "), std::string::npos);
+  EXPECT_NE(bytesOf(folder / "paths.svg").find("</svg>"), std::string::npos);
+  runWell(folder, "corners out.nk --size 1920x1080 --format columns -o ul.txt,ur.txt,ll.txt,lr.txt");
+  EXPECT_EQ(bytesOf(folder / "lr.txt").substr(0, 22), "# lr\n1 1449.125 801.37");
+
+  const auto expectFault = [&](const std::string& arguments, int code, const std::string& matter) {
+    const CommandResult result = run(folder, "corners " + arguments);
+    EXPECT_EQ(result.code, code) << arguments;
+    EXPECT_NE(result.err.find(matter), std::string::npos) << result.err;
+  };
+  expectFault("out.nk", 3, "out.nk: has positions that need the tracked picture's size; give it with --size WxH");
+  expectFault("out.nk --size 1920x1080 -o out.txt", 2, "does not tell the format; name it with --format, one of");
+  expectFault("out.nk --size 1920x1080 -o a.csv,b.csv", 2, "neither one file nor four");
+  expectFault("out.nk --size 1920x1080 -o out.txt --format mlt", 2, "frame 0: is no upright box");
+  expectFault("out.nk --corners-order ul,ul,ll,lr", 2, "--corners-order: 'ul,ul,ll,lr' is not an order");
+  expectFault("out.nk --smooth 1000", 2, "--smooth: '1000' is not a number from 0 to 100");
+  expectFault("", 2, "name the track to read");
+}
+
+}  // namespace
+}  // namespace vantorel::cli

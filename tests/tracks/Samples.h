@@ -1,0 +1,41 @@
+// Files of every format, written by hand.
+#pragma once
+
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "tracks/Resolve.h"
+
+namespace vantorel::tracks {
+
+constexpr Size kFrame{1920, 1080};
+
+inline std::string sampleText(const std::string& name) {
+  std::ifstream file(std::string(VANTOREL_TRACK_SAMPLES) + "/" + name, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Reads a text as if it were that file's.
+inline host::Result<ReadTrack> readText(const std::string& text, const std::string& name = "track",
+                                        const ReadOptions& options = {}) {
+  const TrackSource source{name, text};
+  return readTrack({&source, 1}, options);
+}
+
+inline host::Result<ResolvedTrack> resolveText(const std::string& text, ResolveOptions options = {}) {
+  if (options.sizes.output == Size{}) {
+    options.sizes = {kFrame, kFrame};
+  }
+  auto read = readText(text);
+  return read ? resolveTrack(std::move(*read), options) : tl::unexpected(read.error());
+}
+
+// "<input>: <message>", or "no fault".
+template <typename T>
+std::string faultText(const host::Result<T>& result) {
+  return result ? "no fault" : result.error().input + ": " + result.error().message;
+}
+
+}  // namespace vantorel::tracks

@@ -1,0 +1,77 @@
+#include "tracks/SourcePoints.h"
+
+#include <fmt/format.h>
+
+#include "tracks/Homography.h"
+#include "tracks/Text.h"
+
+namespace vantorel::tracks {
+
+namespace {
+
+Quadrilateral cornersOf(Size layer) {
+  const double width = layer.width;
+  const double height = layer.height;
+  return {{{0.0, 0.0}, {width, 0.0}, {0.0, height}, {width, height}}};
+}
+
+Quadrilateral pixelsOf(const SourceCorners& corners, Size layer, bool upwards) {
+  Quadrilateral points;
+  for (std::size_t c = 0; c < kCornerCount; ++c) {
+    const auto& [x, y] = corners[c];
+    points[c] = {x.is_share ? x.value * layer.width : x.value, y.is_share ? y.value * layer.height : y.value};
+    points[c].y = upwards ? layer.height - points[c].y : points[c].y;
+  }
+  return points;
+}
+
+void moveKey(CornerKey& key, const CornerTrack& track, const Quadrilateral& source, Size layer) {
+  const auto map = track.inverted ? Homography::between(key.points, source) : Homography::between(source, key.points);
+  if (!map) {
+    fail(track.source, key.line, fmt::format("frame {}", printed(key.frame, 3)),
+         "has three points on a line, which leaves the layer's own corners unknown; correct them");
+  }
+  const Quadrilateral corners = cornersOf(layer);
+  for (std::size_t c = 0; c < kCornerCount; ++c) {
+    const auto image = map->apply(corners[c]);
+    if (!image) {
+      fail(track.source, key.line, fmt::format("frame {}: {}", printed(key.frame, 3), kCornerNames[c]),
+           "is beyond the horizon of the source corners' map; choose source corners nearer to the layer's own");
+    }
+    key.points[c] = *image;
+  }
+}
+
+}  // namespace
+
+bool isWholeLayer(const SourceCorners& corners) {
+  const auto isAt = [&](std::size_t corner, double x, double y) {
+    const auto matches = [](const SourceCoordinate& c, double share) {
+      return share == 0.0 ? c.value == 0.0 : c.is_share && c.value == 1.0;
+    };
+    return matches(corners[corner][0], x) && matches(corners[corner][1], y);
+  };
+  return isAt(kUpperLeft, 0, 1) && isAt(kUpperRight, 1, 1) && isAt(kLowerLeft, 0, 0) && isAt(kLowerRight, 1, 0);
+}
+
+void applySourceCorners(CornerTrack& track, Size layer) {
+  if (!track.from) {
+    return;
+  }
+  const bool upwards = track.conventions.origin == Origin::LowerLeft;
+  if (!isWholeLayer(*track.from) || track.inverted) {
+    if (layer.width <= 0 || layer.height <= 0) {
+      fail(track.source, 0, "from1", "needs the layer's size, as the points are not the layer's own corners; give it");
+    }
+    const Quadrilateral source = pixelsOf(*track.from, layer, upwards);
+    if (track.inverted || source != cornersOf(layer)) {
+      for (CornerKey& key : track.keys) {
+        moveKey(key, track, source, layer);
+      }
+    }
+  }
+  track.from.reset();
+  track.inverted = false;
+}
+
+}  // namespace vantorel::tracks

@@ -1,0 +1,33 @@
+// What a track is, for people.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tracks/CornerTrack.h"
+
+namespace vantorel::tracks {
+
+struct TrackSummary {
+  std::size_t keys = 0;
+  double first_frame = 0.0;
+  double last_frame = 0.0;
+  std::vector<double> frames_without_key;  // whole frames between the first and the last
+  Point least;                             // of all corners, in pixels
+  Point most;
+  double fastest = 0.0;        // the largest move of a corner, in pixels a frame
+  double fastest_frame = 0.0;  // the frame that it reaches
+  std::size_t fastest_corner = 0;
+  std::vector<double> degenerate;  // on a line, or nearly
+  std::vector<double> crossing;    // edges cross
+  std::vector<double> bilinear;    // drawn by the bilinear mapping rather than in perspective
+};
+
+// Of a track in pixels whose keys are complete. The lists hold whole frames between keys too, where the track spans at
+// most a million frames.
+TrackSummary summarize(const CornerTrack& track);
+
+// A few lines of text, each ended by a line break.
+std::string summaryText(const TrackSummary& summary);
+
+}  // namespace vantorel::tracks

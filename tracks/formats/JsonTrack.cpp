@@ -1,0 +1,209 @@
+// The command's own JSON: {"units": ..., "interpolation": ..., "keys": [{"frame": 1, "ul": [x, y], ...}, ...]}.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+#include "tracks/JsonScanner.h"
+#include "tracks/formats/Common.h"
+#include "tracks/formats/Formats.h"
+
+namespace vantorel::tracks {
+
+namespace {
+
+bool sniff(std::string_view text) {
+  return !text.empty() && (text.front() == '{' || text.front() == '[');
+}
+
+// Notes which members were read; a second of one name is a fault.
+class SeenMembers {
+ public:
+  void take(const JsonScanner& json, std::size_t member, const std::string& field) {
+    if ((seen_ >> member & 1) != 0) {
+      fail(json.file(), json.line(), field, "is there twice; keep one of them");
+    }
+    seen_ |= 1u << member;
+  }
+  bool has(std::size_t member) const { return (seen_ >> member & 1) != 0; }
+
+ private:
+  unsigned seen_ = 0;
+};
+
+template <std::size_t N>
+std::size_t indexOf(const std::array<std::string_view, N>& names, std::string_view name) {
+  return static_cast<std::size_t>(std::find(names.begin(), names.end(), name) - names.begin());
+}
+
+constexpr std::array<std::string_view, 4> kTopMembers{"keys", "units", "interpolation", "$schema"};
+constexpr std::array<std::string_view, 5> kKeyMembers{"ul", "ur", "ll", "lr", "frame"};
+constexpr std::size_t kFrameMember = kCornerCount;
+
+class JsonTrackReader {
+ public:
+  JsonTrackReader(const TrackText& text, TrackDocument& document) : json_(text.text, text.file), document_(document) {}
+
+  void read() {
+    if (json_.peek() != '{') {
+      json_.peek() == '[' ? failAt("", "is not an object; write {\"keys\": [...]}") : json_.failSyntax();
+    }
+    json_.open('{');
+    for (const std::string_view name : kCornerNames) {
+      document_.points.push_back({std::string(name), {}, false});
+    }
+    SeenMembers seen;
+    std::string_view name;
+    while (json_.nextMember(name)) {
+      const std::size_t member = indexOf(kTopMembers, name);
+      if (member == kTopMembers.size()) {
+        failAt(std::string(name), "is unknown; known here are keys, units, interpolation, $schema");
+      }
+      seen.take(json_, member, std::string(name));
+      readMember(member);
+    }
+    json_.finish();
+    if (!seen.has(0)) {
+      fail(json_.file(), 0, "", "has no \"keys\"; list the keyframes in it");
+    }
+  }
+
+ private:
+  [[noreturn]] void failAt(const std::string& field, const std::string& message) {
+    fail(json_.file(), json_.line(), field, message);
+  }
+
+  void readMember(std::size_t member) {
+    switch (member) {
+      case 0:
+        readKeys();
+        break;
+      case 1:
+        document_.conventions.units = choice("units", "px", "percent") ? Units::Percent : Units::Pixels;
+        break;
+      case 2:
+        document_.interpolation =
+            choice("interpolation", "linear", "hold") ? host::Interpolation::Hold : host::Interpolation::Linear;
+        break;
+      default:
+        json_.skip();
+    }
+  }
+
+  // Whether the value is the second of the two words.
+  bool choice(const char* field, const char* usual, const char* other) {
+    json_.peek();
+    const std::uint32_t line = json_.line();
+    const std::string_view value = json_.peek() == '"' ? json_.string() : std::string_view();
+    if (value != usual && value != other) {
+      fail(json_.file(), line, field, fmt::format("is neither \"{}\" nor \"{}\"; write one of them", usual, other));
+    }
+    return value == other;
+  }
+
+  void readKeys() {
+    if (json_.peek() != '[') {
+      failAt("keys", "is no list of keyframes; give at least one");
+    }
+    const std::uint32_t line = json_.line();
+    json_.open('[');
+    for (index_ = 0; json_.nextElement(); ++index_) {
+      readKey();
+    }
+    if (index_ == 0) {
+      fail(json_.file(), line, "keys", "is no list of keyframes; give at least one");
+    }
+  }
+
+  std::string keyPlace() const { return fmt::format("keys[{}]", index_); }
+  std::string memberPlace(std::size_t member) const { return fmt::format("keys[{}].{}", index_, kKeyMembers[member]); }
+
+  void readKey() {
+    if (json_.peek() != '{') {
+      failAt(keyPlace(), "is no keyframe; write {\"frame\": 1, \"ul\": [x, y], ...}");
+    }
+    const std::uint32_t line = json_.line();
+    json_.open('{');
+    SeenMembers seen;
+    std::array<PointKey, kCornerCount> keys{};
+    double frame = 0.0;
+    std::string_view name;
+    while (json_.nextMember(name)) {
+      const std::size_t member = indexOf(kKeyMembers, name);
+      if (member == kKeyMembers.size()) {
+        failAt(fmt::format("{}.{}", keyPlace(), name), "is unknown; known here are frame, ul, ur, ll, lr");
+      }
+      seen.take(json_, member, memberPlace(member));
+      if (member == kFrameMember) {
+        frame = json_.number([&] { return memberPlace(kFrameMember); });
+        keys[0].line = json_.line();
+      } else {
+        keys[member].value = readPosition(member);
+      }
+    }
+    for (std::size_t member = 0; member < kKeyMembers.size(); ++member) {
+      if (!seen.has(member)) {
+        fail(json_.file(), line, keyPlace(),
+             fmt::format("has no \"{}\"; every keyframe needs frame, ul, ur, ll and lr", kKeyMembers[member]));
+      }
+    }
+    for (std::size_t c = 0; c < kCornerCount; ++c) {
+      document_.points[c].keys.push_back({frame, keys[c].value, keys[0].line, 0});
+    }
+  }
+
+  Point readPosition(std::size_t member) {
+    const auto isNoPosition = [&] { failAt(memberPlace(member), "is no position; write [x, y]"); };
+    if (json_.peek() != '[') {
+      isNoPosition();
+    }
+    json_.open('[');
+    std::array<double, 2> values{};
+    for (std::size_t axis = 0; axis < 2; ++axis) {
+      if (!json_.nextElement()) {
+        isNoPosition();
+      }
+      values[axis] = json_.number([&] { return fmt::format("{}[{}]", memberPlace(member), axis); });
+    }
+    if (json_.nextElement()) {
+      isNoPosition();
+    }
+    return {values[0], values[1]};
+  }
+
+  JsonScanner json_;
+  TrackDocument& document_;
+  std::size_t index_ = 0;  // of the key that is read
+};
+
+void read(const TrackText& text, TrackDocument& document) {
+  JsonTrackReader(text, document).read();
+}
+
+void write(const CornerTrack& track, const CornerList& corners, std::string& text) {
+  const CoordinateText coordinate(track);
+  const char* interpolation = track.interpolation == host::Interpolation::Hold ? "hold" : "linear";
+  fmt::format_to(std::back_inserter(text), "{{\"units\": \"px\", \"interpolation\": \"{}\", \"keys\": [",
+                 interpolation);
+  for (std::size_t k = 0; k < track.keys.size(); ++k) {
+    const CornerKey& key = track.keys[k];
+    fmt::format_to(std::back_inserter(text), "{}\n  {{\"frame\": {}", k == 0 ? "" : ",", frameText(key.frame));
+    for (const Corner corner : corners) {
+      fmt::format_to(std::back_inserter(text), ", \"{}\": [{}, {}]", kCornerNames[corner],
+                     coordinate(key.points[corner].x), coordinate(key.points[corner].y));
+    }
+    text += '}';
+  }
+  text += "\n]}\n";
+}
+
+}  // namespace
+
+constexpr Format kJsonFormat{"json",  "the command's own JSON",
+                             ".json", {Origin::UpperLeft, Units::Pixels, Basis::Layer, {}, 0.5, {}, {}},
+                             true,    false,
+                             sniff,   read,
+                             write};
+
+}  // namespace vantorel::tracks

@@ -1,0 +1,50 @@
+// 3DE4 points: how many there are; for each its name, a colour's number, how many keys, and rows of frame, x and y.
+#include <fmt/format.h>
+
+#include <iterator>
+
+#include "tracks/formats/Common.h"
+#include "tracks/formats/Formats.h"
+
+namespace vantorel::tracks {
+
+namespace {
+
+bool sniff(std::string_view text) {
+  const auto lines = firstLines(text, 5);
+  std::vector<std::string_view> words;
+  return lines.size() >= 4 && isNumber(lines[0]) && isNumber(lines[2]) && isNumber(lines[3]) &&
+         (lines.size() == 4 || splitWords(lines[4], words) == 3);
+}
+
+void read(const TrackText& text, TrackDocument& document) {
+  Lines lines(text.text, text.file);
+  lines.needContent("the number of points");
+  const std::uint32_t count = lines.whole(lines.text(), "points");
+  for (std::uint32_t p = 0; p < count; ++p) {
+    lines.needContent(fmt::format("{} points, found {}", count, p));
+    document.points.push_back({std::string(lines.text()), {}, false});
+    lines.needContent("the point's colour");
+    lines.whole(lines.text(), "colour");
+    lines.needContent("the number of keys");
+    readCountedRows(lines, lines.whole(lines.text(), "keys"), 3, document.points.back());
+  }
+}
+
+void write(const CornerTrack& track, const CornerList& corners, std::string& text) {
+  fmt::format_to(std::back_inserter(text), "{}\n", corners.size());
+  for (const Corner corner : corners) {
+    fmt::format_to(std::back_inserter(text), "{}\n0\n{}\n", kCornerNames[corner], track.keys.size());
+    forEachKey(track, corner, [&](const std::string& frame, const std::string& x, const std::string& y) {
+      fmt::format_to(std::back_inserter(text), "{} {} {}\n", frame, x, y);
+    });
+  }
+}
+
+}  // namespace
+
+constexpr Format k3dePointsFormat{
+    "3de", "3DE4 points", ".txt", {Origin::LowerLeft, Units::Pixels, Basis::Output, {}, 0.5, {}, {}}, false, false,
+    sniff, read,          write};
+
+}  // namespace vantorel::tracks

@@ -1,0 +1,49 @@
+// .uv text, version 1: how many points there are; for each its name, how many keys, and rows of frame, u, v and weight.
+#include <fmt/format.h>
+
+#include <iterator>
+
+#include "tracks/formats/Common.h"
+#include "tracks/formats/Formats.h"
+
+namespace vantorel::tracks {
+
+namespace {
+
+bool sniff(std::string_view text) {
+  const auto lines = firstLines(text, 4);
+  std::vector<std::string_view> words;
+  return lines.size() == 4 && isNumber(lines[0]) && isNumber(lines[2]) && splitWords(lines[3], words) == 4;
+}
+
+void read(const TrackText& text, TrackDocument& document) {
+  Lines lines(text.text, text.file);
+  lines.needContent("the number of points");
+  const std::uint32_t count = lines.whole(lines.text(), "points");
+  for (std::uint32_t p = 0; p < count; ++p) {
+    lines.needContent(fmt::format("{} points, found {}", count, p));
+    document.points.push_back({std::string(lines.text()), {}, false});
+    lines.needContent("the number of keys");
+    readCountedRows(lines, lines.whole(lines.text(), "keys"), 4, document.points.back());
+  }
+}
+
+void write(const CornerTrack& track, const CornerList& corners, std::string& text) {
+  fmt::format_to(std::back_inserter(text), "{}\n", corners.size());
+  for (const Corner corner : corners) {
+    fmt::format_to(std::back_inserter(text), "{}\n{}\n", kCornerNames[corner], track.keys.size());
+    forEachKey(track, corner, [&](const std::string& frame, const std::string& x, const std::string& y) {
+      fmt::format_to(std::back_inserter(text), "{} {} {} 1\n", frame, x, y);
+    });
+  }
+}
+
+}  // namespace
+
+constexpr Format kUvTextFormat{"uv",  ".uv text (version 1)",
+                               ".uv", {Origin::LowerLeft, Units::Fraction, Basis::Output, {}, 0.5, {}, {}},
+                               false, false,
+                               sniff, read,
+                               write};
+
+}  // namespace vantorel::tracks
