@@ -19,6 +19,7 @@ constexpr std::array kFormats{
                 .holds_alpha = true,
                 .unassociated_alpha = true,
                 .must_be_finished = true,
+                .longest_side = 1000000,
                 .holds8 = true,
                 .holds16 = true},
     ImageFormat{.name = "JPEG", .extensions = ".jpg .jpeg", .longest_side = 65500, .holds8 = true},
