@@ -87,7 +87,7 @@ TEST(CommandError, Arguments) {
           {still + "--ur 99999%,0", 2, "--ur: "},
           {still + "--size 0x10", 2, "--size"},
           {still + "--size 100000x100000", 1, "--size: a picture of 100000x100000 at 16 bits needs 74.5 GiB"},
-          {still + "--size 2147483647x2147483647 --depth float", 1, "bits needs 64.0 EiB of memory"},
+          {"render card.png -o out.exr --size 2147483647x2147483647 --depth float", 1, "bits needs 64.0 EiB of memory"},
           {still + "--size 10x10 --fit", 2, "--fit: cannot be given together with --size"},
           {still + "--over card.png --size 10x10", 2, "--size: 10x10 is not the plate's size, 64x48"},
           {still + "--over card.png --fit", 2, "--fit: cannot be given together with --over"},
