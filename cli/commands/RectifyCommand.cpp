@@ -6,6 +6,7 @@
 #include "cli/base/CommandError.h"
 #include "cli/base/Console.h"
 #include "cli/commands/Commands.h"
+#include "cli/corners/CornersTrack.h"
 #include "cli/pictures/ImageReader.h"
 #include "host/geometry/AspectEstimate.h"
 #include "host/geometry/Homography.h"
@@ -13,18 +14,6 @@
 namespace vantorel::cli {
 
 namespace {
-
-host::Corners pageCorners(const RectifyOptions& options, host::Size photo) {
-  std::array<host::Point, kCornerCount> at;
-  for (std::size_t c = 0; c < kCornerCount; ++c) {
-    const auto point = toLayerPixels(options.corners[c], photo);
-    if (!point) {
-      throw badArgument(fmt::format("--{}", kCornerNames[c]), point.error());
-    }
-    at[c] = *point;
-  }
-  return {at[kUpperLeft], at[kUpperRight], at[kLowerLeft], at[kLowerRight]};
-}
 
 double length(const host::Point& a, const host::Point& b) {
   return std::hypot(a.x - b.x, a.y - b.y);
@@ -109,7 +98,7 @@ ExitCode runRectify(const RectifyOptions& options, const std::stop_token& stop) 
     throw badArgument("--aspect", "cannot be given together with --size; omit one of them");
   }
   const host::Size photo = probePicture(options.photo).size;
-  const host::Corners page = pageCorners(options, photo);
+  const host::Corners page = toPixels(options.corners, photo, "--");
   const host::Rect part = surroundings(page, photo);
   if (part.empty()) {
     throw badArgument("--ul", "the corners lie outside the photo; give those of the page in the photo");

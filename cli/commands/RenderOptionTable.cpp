@@ -24,14 +24,19 @@ constexpr int kMaxShutterSamples = 1024;
 
 constexpr PictureUse kLeaves = PictureUse::LeavesPicture;
 
-template <Corner Which>
-void setCorner(RenderOptions& options, const std::string& name, const std::string& value) {
+template <OptionalCorners RenderOptions::*Corners, Corner Which>
+void setPosition(RenderOptions& options, const std::string& name, const std::string& value) {
   const auto position = parseCorner(value);
   if (!position) {
     throw badArgument(name, position.error());
   }
-  options.corners[Which] = *position;
+  (options.*Corners)[Which] = *position;
 }
+
+template <Corner Which>
+constexpr auto kSetCorner = setPosition<&RenderOptions::corners, Which>;
+template <Corner Which>
+constexpr auto kSetSourceCorner = setPosition<&RenderOptions::source, Which>;
 
 }  // namespace
 
@@ -51,13 +56,19 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
            [](Options& o, Text, Text) { o.overwrite = true; }, nullptr, kLeaves},
 
           {"--ul", "X,Y", kPlacing, "Where the layer's upper left corner goes (default: where it is)",
-           setCorner<kUpperLeft>},
+           kSetCorner<kUpperLeft>},
           {"--ur", "X,Y", kPlacing, "Where the layer's upper right corner goes (default: where it is)",
-           setCorner<kUpperRight>},
+           kSetCorner<kUpperRight>},
           {"--ll", "X,Y", kPlacing, "Where the layer's lower left corner goes (default: where it is)",
-           setCorner<kLowerLeft>},
+           kSetCorner<kLowerLeft>},
           {"--lr", "X,Y", kPlacing, "Where the layer's lower right corner goes (default: where it is)",
-           setCorner<kLowerRight>},
+           kSetCorner<kLowerRight>},
+          {"--from-ul", "X,Y", kPlacing,
+           "The point of the layer that goes onto the upper left corner (default: its own)",
+           kSetSourceCorner<kUpperLeft>},
+          {"--from-ur", "X,Y", kPlacing, "The same for the upper right corner", kSetSourceCorner<kUpperRight>},
+          {"--from-ll", "X,Y", kPlacing, "The same for the lower left corner", kSetSourceCorner<kLowerLeft>},
+          {"--from-lr", "X,Y", kPlacing, "The same for the lower right corner", kSetSourceCorner<kLowerRight>},
           {"--corners", "FILE[,FILE...]", kPlacing,
            "The corners, or keyframes for them, from a tracker's file, or from four of a point each; - is standard "
            "input",

@@ -30,6 +30,16 @@ Parsed<Coordinate> checkedCoordinate(double value, bool percent) {
   });
 }
 
+CornerPositions orLayersOwn(const OptionalCorners& given) {
+  constexpr Coordinate kNear{0.0, true};
+  constexpr Coordinate kFar{100.0, true};
+  CornerPositions corners{{{kNear, kNear}, {kFar, kNear}, {kNear, kFar}, {kFar, kFar}}};
+  for (std::size_t c = 0; c < kCornerCount; ++c) {
+    corners[c] = given[c].value_or(corners[c]);
+  }
+  return corners;
+}
+
 Parsed<Coordinate> parseCoordinate(std::string_view text) {
   text = trimmed(text);
   std::string_view digits = text;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <tl/expected.hpp>
@@ -32,6 +33,10 @@ struct CornerPosition {
 };
 
 using CornerPositions = std::array<CornerPosition, kCornerCount>;
+using OptionalCorners = std::array<std::optional<CornerPosition>, kCornerCount>;
+
+// The corners given, and the layer's own in place of the others.
+CornerPositions orLayersOwn(const OptionalCorners& given);
 
 // A value, or the fault of what it was read from: "<what is wrong>; <what to do>", to follow the name of the input.
 template <typename T>

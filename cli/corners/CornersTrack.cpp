@@ -51,13 +51,10 @@ host::AnimatedCorners animation(Keys keys, host::Interpolation interpolation) {
 }
 
 host::AnimatedCorners stillCorners(const CornerPositions& still, host::Size layer) {
+  const host::Corners at = toPixels(still, layer, "--");
   Keys keys;
   for (std::size_t c = 0; c < kCornerCount; ++c) {
-    const auto point = toLayerPixels(still[c], layer);
-    if (!point) {
-      throw badArgument(fmt::format("--{}", kCornerNames[c]), point.error());
-    }
-    keys[c].push_back({0.0, *point});
+    keys[c].push_back({0.0, at[c]});
   }
   return animation(std::move(keys), host::Interpolation::Linear);
 }
@@ -115,6 +112,18 @@ host::AnimatedCorners toAnimation(const CornersTrack& track, host::Size layer, h
     }
   }
   return animation(std::move(keys), resolved.track.interpolation);
+}
+
+host::Corners toPixels(const CornerPositions& positions, host::Size layer, const char* prefix) {
+  std::array<host::Point, kCornerCount> at;
+  for (std::size_t c = 0; c < kCornerCount; ++c) {
+    const auto point = toLayerPixels(positions[c], layer);
+    if (!point) {
+      throw badArgument(fmt::format("{}{}", prefix, kCornerNames[c]), point.error());
+    }
+    at[c] = *point;
+  }
+  return {at[kUpperLeft], at[kUpperRight], at[kLowerLeft], at[kLowerRight]};
 }
 
 void tellNotes(const std::vector<std::string>& notes) {

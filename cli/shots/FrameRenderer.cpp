@@ -119,6 +119,9 @@ void FrameRenderer::placeCorners(host::Size layer) {
   }
   corners_ = toAnimation(shot_.corners, layer, shot_.frame_size, shot_.options.rate);
   valueOrThrow(instance_.setCorners(corners_));
+  if (shot_.options.hasSource()) {
+    valueOrThrow(instance_.setSource(toPixels(orLayersOwn(shot_.options.source), layer, "--from-")));
+  }
   corners_layer_ = layer;
 }
 

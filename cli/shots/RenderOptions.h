@@ -1,6 +1,7 @@
 // What a rendering was asked to be.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <string>
@@ -29,7 +30,12 @@ struct RenderOptions {
   std::string layer;       // a name, or with `frames` the pattern of a sequence's names
   std::string output;      // the same
   bool overwrite = false;  // inputs too
-  std::array<std::optional<CornerPosition>, kCornerCount> corners;
+  OptionalCorners corners;
+  // The quadrilateral of the layer that goes onto the corners; a corner that is not given is the layer's own.
+  OptionalCorners source;
+  bool hasSource() const {
+    return std::ranges::any_of(source, [](const auto& corner) { return corner.has_value(); });
+  }
   TrackOptions track;              // files of corners; none without any
   std::optional<host::Size> size;  // the output picture's, at full resolution
   bool fit = false;

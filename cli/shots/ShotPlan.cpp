@@ -49,6 +49,12 @@ void refuseContradictions(const RenderOptions& options) {
   if (options.placement == host::Placement::Centres && options.shutter.degrees > 0.0) {
     throw badArgument("--shutter", "needs --placement outline; omit one of them");
   }
+  if (options.hasSource() && options.placement == host::Placement::Centres) {
+    throw badArgument("--placement", "cannot be centres with --from-ul and the like; omit it");
+  }
+  if (options.hasSource() && options.edges == host::Edges::Soft) {
+    throw badArgument("--edges", "cannot be soft with --from-ul and the like; omit it");
+  }
   if (options.placement == host::Placement::Centres && options.samples > 1) {
     throw badArgument("--samples", "must be 1 with --placement centres; omit one of them");
   }
@@ -86,14 +92,29 @@ CornersTrack cornersOf(const RenderOptions& options) {
   if (!options.track.files.empty()) {
     return readCorners(options.track, options.rate);
   }
-  constexpr Coordinate kNear{0.0, true};
-  constexpr Coordinate kFar{100.0, true};
-  const CornerPositions layers_own{{{kNear, kNear}, {kFar, kNear}, {kNear, kFar}, {kFar, kFar}}};
   CornersTrack track;
-  for (std::size_t c = 0; c < kCornerCount; ++c) {
-    track.still[c] = options.corners[c].value_or(layers_own[c]);
-  }
+  track.still = orLayersOwn(options.corners);
   return track;
+}
+
+// The corners turn the same way all round, so that one perspective map takes them to any others of that kind.
+bool isConvex(const host::Corners& q) {
+  const auto turn = [](const host::Point& a, const host::Point& b, const host::Point& c) {
+    return (b.x - a.x) * (c.y - b.y) - (b.y - a.y) * (c.x - b.x);
+  };
+  const double turns[] = {
+      turn(q.upper_left, q.upper_right, q.lower_right), turn(q.upper_right, q.lower_right, q.lower_left),
+      turn(q.lower_right, q.lower_left, q.upper_left), turn(q.lower_left, q.upper_left, q.upper_right)};
+  return std::ranges::all_of(turns, [](double t) { return t > 0.0; }) ||
+         std::ranges::all_of(turns, [](double t) { return t < 0.0; });
+}
+
+void requireUsableSource(const RenderOptions& options, host::Size layer) {
+  if (options.hasSource() && !isConvex(toPixels(orLayersOwn(options.source), layer, "--from-"))) {
+    throw badArgument("--from-ul",
+                      "with the layer's other corners it makes no convex quadrilateral; give all four, each "
+                      "in its place");
+  }
 }
 
 FrameHeads probeFrame(const Shot& shot, std::int32_t frame) {
@@ -288,6 +309,7 @@ Shot planShot(const RenderOptions& options) {
 
   const FrameHeads heads = probeShot(shot);
   planPictures(shot, heads);
+  requireUsableSource(options, shownSize(options, heads.layer.size));
   planEnlargement(shot, heads.layer.size);
   if (shot.corners.read) {
     tellNotes(resolveCorners(shot.corners, heads.layer.size, shot.frame_size).notes);

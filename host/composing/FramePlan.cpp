@@ -27,7 +27,7 @@ bool isWhole(double value) {
 }
 
 int neededIn(const FramePlan& plan, const ConvexPolygon& part) {
-  if (plan.isWholeMove()) {
+  if (plan.is_whole_move) {
     return 1;
   }
   const auto neededAt = [&](const Point& p) { return samplesForFilter(plan.inverse->derivative(p)); };
@@ -60,6 +60,21 @@ int neededByScan(const FramePlan& plan, const Rect& part) {
   return needed >= kSamplesAtBorders || coversAll(plan.region, part) ? needed : kSamplesAtBorders;
 }
 
+Corners cornersOf(const Box& box) {
+  return {{box.left, box.top}, {box.right, box.top}, {box.left, box.bottom}, {box.right, box.bottom}};
+}
+
+Corners moved(const Corners& corners, const Point& by) {
+  const auto move = [&](const Point& p) { return Point{p.x + by.x, p.y + by.y}; };
+  return {move(corners.upper_left), move(corners.upper_right), move(corners.lower_left), move(corners.lower_right)};
+}
+
+// The whole pixels by which one quadrilateral is the other moved, if it is.
+std::optional<Point> wholeMove(const Corners& from, const Corners& to) {
+  const Point by{to.upper_left.x - from.upper_left.x, to.upper_left.y - from.upper_left.y};
+  return isWhole(by.x) && isWhole(by.y) && moved(from, by) == to ? std::optional(by) : std::nullopt;
+}
+
 }  // namespace
 
 FramePlan::FramePlan(const Corners& frame_corners, const std::optional<Corners>& source, double layer_width,
@@ -79,6 +94,9 @@ FramePlan::FramePlan(const Corners& frame_corners, const std::optional<Corners>&
 }
 
 void FramePlan::planPerspective(const Box& layer_outline, const std::optional<Corners>& source) {
+  const Corners pixels = cornersOf({0.0, 0.0, static_cast<double>(layer.width), static_cast<double>(layer.height)});
+  const std::optional<Point> move = wholeMove(source.value_or(pixels), corners);
+  is_whole_move = move.has_value();
   map = source ? Homography::ofQuadrilateral(*source, corners)
                : Homography::ofRectangle(layer_outline.right, layer_outline.bottom, corners);
   inverse = map ? map->inverse() : std::nullopt;
@@ -91,25 +109,13 @@ void FramePlan::planPerspective(const Box& layer_outline, const std::optional<Co
   outline = ConvexPolygon(corners);
   if (source) {
     outline = ConvexPolygon(*source).cut(layer_outline).mappedBy(*map);
-    whole = imageOf(layer_outline, *map);
+    whole = move ? moved(pixels, *move) : imageOf(layer_outline, *map);
   } else if (edges == Edges::Soft) {
     const Box box = outline.bounds();
     outline = ConvexPolygon(
         Box{box.left - kSoftMargin, box.top - kSoftMargin, box.right + kSoftMargin, box.bottom + kSoftMargin});
   }
   region = CoverageRegion(outline);
-}
-
-bool FramePlan::isWholeMove() const {
-  if (has_source) {
-    return false;
-  }
-  const Point& origin = corners.upper_left;
-  const Corners moved{origin,
-                      {origin.x + layer.width, origin.y},
-                      {origin.x, origin.y + layer.height},
-                      {origin.x + layer.width, origin.y + layer.height}};
-  return corners == moved && isWhole(origin.x) && isWhole(origin.y);
 }
 
 Edges edgesOf(const FrameOptions& options) {

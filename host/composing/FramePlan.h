@@ -22,6 +22,9 @@ struct FramePlan {
   CoverageRegion region;  // what the picture covers
   Edges edges = Edges::Crisp;
   bool has_source = false;
+  // Whether the picture is the layer moved by whole pixels: then the effect, counting from centres, gives it to the
+  // bit.
+  bool is_whole_move = false;
   int samples = 0;  // for every tile; 0: by rule
 
   std::optional<Corners> whole;  // where the outline of the whole layer goes; none where the horizon runs through it
@@ -34,10 +37,6 @@ struct FramePlan {
 
   // False when there is a source and no map from it onto the corners, since one of both is not strictly convex.
   bool hasMap() const { return !has_source || inverse.has_value(); }
-
-  // Whether the picture is the layer moved by whole pixels: then the effect, counting from centres, gives it to the
-  // bit.
-  bool isWholeMove() const;
 
  private:
   void planPerspective(const Box& layer_outline, const std::optional<Corners>& source);

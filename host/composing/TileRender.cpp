@@ -26,7 +26,7 @@ Convention conventionOf(const FramePlan& plan) {
   if (plan.path == RenderPath::Bilinear) {
     return {SampleSpace::Centres, 0.5};
   }
-  if (plan.isWholeMove()) {
+  if (plan.is_whole_move) {
     return {SampleSpace::Centres, 0.0};
   }
   return {plan.edges == Edges::Crisp ? SampleSpace::OutlineExtended : SampleSpace::Outline, 0.5};
@@ -161,7 +161,7 @@ std::optional<LayerPart> layerFor(const FramePlan& plan, const TileGrid& grid, d
 }
 
 TileGrid gridOf(const FramePlan& plan, const Tile& tile) {
-  TileGrid grid{tile.area, plan.isWholeMove() ? 1 : tile.samples, 0, 0};
+  TileGrid grid{tile.area, plan.is_whole_move ? 1 : tile.samples, 0, 0};
   if (plan.path == RenderPath::Bilinear) {
     grid.apron_x = kScanApron;
     grid.apron_y = kScanApron;

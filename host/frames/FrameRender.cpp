@@ -171,7 +171,7 @@ Result<void> FrameRender::planMoments(Size layer_size, Size scaled_size) {
 }
 
 void FrameRender::place(const FramePlan& plan) {
-  if (job_.options.placement == Placement::Centres || plan.isWholeMove()) {
+  if (job_.options.placement == Placement::Centres || plan.is_whole_move) {
     return;
   }
   const auto moved = [](const Point& p) { return Point{p.x - kHalfPixel, p.y - kHalfPixel}; };

@@ -38,6 +38,32 @@ TEST(RectifyCommand, ThereAndBackKeepsThePicture) {
   EXPECT_LT(20 * std::log10(difference(folder / "card.png", folder / "back.png")), -22.0);
 }
 
+// A part of the layer that goes onto its own place shows that part alone; onto a whole picture it is what rectify
+// makes.
+TEST(SourceCorners, TheirQuadrilateralGoesOntoTheCorners) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 200x150");
+  const std::string part = "--from-ul 40,30 --from-ur 140,30 --from-ll 40,80 --from-lr 140,80";
+  runWell(folder, "render card.png -o there.png --size 100x50 --ul 0,0 --ur 100,0 --ll 0,50 --lr 100,50 " + part);
+  runWell(folder, "render card.png -o crop.png --crop 40,30,60,70");
+  EXPECT_EQ(difference(folder / "there.png", folder / "crop.png"), 0.0);
+
+  const std::string screen = "--from-ul 50,20 --from-ur 160,40 --from-ll 30,120 --from-lr 170,110";
+  const std::string corners = " --ul 0,0 --ur 90,0 --ll 0,70 --lr 90,70 ";
+  runWell(folder, "render card.png -o straight.png --size 90x70" + corners + screen);
+  runWell(folder, "rectify card.png -o page.png --size 90x70 --ul 50,20 --ur 160,40 --ll 30,120 --lr 170,110");
+  EXPECT_LT(difference(folder / "straight.png", folder / "page.png"), 0.01);
+
+  const auto refused = [&](const std::string& options, const std::string& message) {
+    const CommandResult result = run(folder, "render card.png -o out.png " + options);
+    EXPECT_EQ(result.code, 2) << options;
+    EXPECT_NE(result.err.find(message), std::string::npos) << result.err;
+  };
+  refused("--from-ul 150,140", "--from-ul: with the layer's other corners it makes no convex quadrilateral");
+  refused("--placement centres " + part, "--placement: cannot be centres");
+  refused("--edges soft " + part, "--edges: cannot be soft");
+}
+
 TEST(RectifyCommand, ProportionsAreEstimatedAndTold) {
   const TestFolder folder;
   PixelFile::filled({400, 300}, {90, 90, 90}).write(folder / "photo.png");
