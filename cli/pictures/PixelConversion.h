@@ -6,13 +6,16 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <type_traits>
+
+#include "host/Alpha.h"
 
 namespace vantorel::cli {
 
-template <typename Channel>
-constexpr Channel kOpaque = std::is_floating_point_v<Channel> ? Channel{1} : std::numeric_limits<Channel>::max();
+using host::kOpaque;
+using host::premultiplyRow;
+using host::repremultiplyRow;
+using host::unpremultiplyRow;
 
 // Where each of R, G, B and A is found among the channels as read; -1 for an alpha that is not there (opaque).
 using ChannelMap = std::array<int, 4>;
@@ -25,49 +28,6 @@ void rearrangeRow(Channel* row, int width, const ChannelMap& map) {
     const Channel read[4] = {row[0], row[1], row[2], row[3]};
     for (std::size_t c = 0; c < 4; ++c) {
       row[c] = map[c] < 0 ? kOpaque<Channel> : read[map[c]];
-    }
-  }
-}
-
-template <typename Channel>
-void premultiplyRow(Channel* row, int width) {
-  for (int x = 0; x < width; ++x, row += 4) {
-    for (int c = 0; c < 3; ++c) {
-      if constexpr (std::is_floating_point_v<Channel>) {
-        row[c] = row[c] * row[3];
-      } else {
-        constexpr std::uint32_t kMax = kOpaque<Channel>;
-        row[c] = static_cast<Channel>((std::uint32_t{row[c]} * row[3] + kMax / 2) / kMax);
-      }
-    }
-  }
-}
-
-// Where alpha is zero the colour stays as it is.
-template <typename Channel>
-void unpremultiplyRow(Channel* row, int width) {
-  for (int x = 0; x < width; ++x, row += 4) {
-    const Channel alpha = row[3];
-    if (alpha == Channel{0} || alpha == kOpaque<Channel>) {
-      continue;
-    }
-    for (int c = 0; c < 3; ++c) {
-      if constexpr (std::is_floating_point_v<Channel>) {
-        row[c] = row[c] / alpha;
-      } else {
-        constexpr std::uint32_t kMax = kOpaque<Channel>;
-        row[c] = static_cast<Channel>(std::min(kMax, (std::uint32_t{row[c]} * kMax + alpha / 2u) / alpha));
-      }
-    }
-  }
-}
-
-// Undoes unpremultiplyRow: where alpha is zero the colour stays as it is, too.
-template <typename Channel>
-void repremultiplyRow(Channel* row, int width) {
-  for (int x = 0; x < width; ++x, row += 4) {
-    if (row[3] != Channel{0}) {
-      premultiplyRow(row, 1);
     }
   }
 }
