@@ -3,7 +3,10 @@
 set(VANTOREL_AVX2_FLAGS -mavx2 -mfma)
 # GCC 12's own header for AVX-512 warns of uninitialised variables that it leaves so on purpose.
 set(VANTOREL_AVX512_FLAGS ${VANTOREL_AVX2_FLAGS} -mavx512f -mavx512dq -mavx512vl -mavx512bw -mavx512ifma
-                          -mprefer-vector-width=512 -Wno-uninitialized -Wno-maybe-uninitialized)
+                          -mprefer-vector-width=512)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  list(APPEND VANTOREL_AVX512_FLAGS -Wno-uninitialized -Wno-maybe-uninitialized)
+endif()
 
 # vantorel_simd_sources(TARGET NAME): compiles NAMEScalar.cpp into the target and, on x86-64, NAMEAvx2.cpp and
 # NAMEAvx512.cpp with their sets' flags.

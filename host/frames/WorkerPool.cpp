@@ -20,7 +20,8 @@ void waitBriefly(Condition condition) {
 
 constexpr unsigned kMaxSharers = 128;
 
-struct RowRange {
+// Aligned to its size, so that it is atomic without a lock with every compiler.
+struct alignas(8) RowRange {
   std::int32_t begin;
   std::int32_t end;
 };
