@@ -214,8 +214,9 @@ TEST(CommandError, AFailureKeepsTheOldPicture) {
 // Libraries that start threads as they are loaded once ended the process before it could say anything.
 TEST(CommandError, NoThreadsAreAMessageToo) {
   const TestFolder folder;
-  // The limit does not hold for root.
-  const std::string alone = geteuid() == 0 ? "ulimit -p 1; setpriv --reuid=65534 --clear-groups" : "ulimit -p 1;";
+  // The limit does not hold for root, and counts every process of a user: this one has no other.
+  const std::string alone =
+      geteuid() == 0 ? "ulimit -p 1; setpriv --reuid=$((100000 + $$)) --clear-groups" : "ulimit -p 1;";
   expectRefused(folder, {{"--version", 1, "cannot start a thread", alone}, {"info", 1, "(ulimit -u", alone}});
 }
 
