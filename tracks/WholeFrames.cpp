@@ -11,6 +11,8 @@ namespace vantorel::tracks {
 namespace {
 
 constexpr double kMaxFrames = 1e7;
+// Frame numbers are written with six digits after the point: a key that close to a whole frame stands on it.
+constexpr double kSameFrame = 1e-6;
 
 }  // namespace
 
@@ -40,7 +42,7 @@ CornerTrack withWholeFrames(const CornerTrack& track) {
   for (const CornerKey& key : track.keys) {
     if (!whole.keys.empty()) {
       const CornerKey before = whole.keys.back();
-      for (double frame = std::floor(before.frame) + 1.0; frame < key.frame; frame += 1.0) {
+      for (double frame = std::floor(before.frame + kSameFrame) + 1.0; frame < key.frame - kSameFrame; frame += 1.0) {
         whole.keys.push_back({frame, between(before, key, frame, track.interpolation), kAllCorners, 0, 0});
       }
     }
