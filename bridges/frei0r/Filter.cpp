@@ -1,0 +1,123 @@
+#include "bridges/frei0r/Filter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "bridges/common/EmbeddedModule.h"
+#include "host/Alpha.h"
+
+namespace vantorel::frei0r {
+namespace {
+
+std::uint8_t* channels(std::byte* row) {
+  return reinterpret_cast<std::uint8_t*>(row);
+}
+
+bool isOpaque(const std::uint32_t* pixels, std::size_t count) {
+  // Whole rows of `and`, without a way out, are fast; a picture with holes shows them early.
+  constexpr std::size_t kStretch = 4096;
+  constexpr std::uint32_t kAlpha = 0xFF000000;
+  for (std::size_t begin = 0; begin < count; begin += kStretch) {
+    std::uint32_t all = kAlpha;
+    for (std::size_t i = begin; i < std::min(begin + kStretch, count); ++i) {
+      all &= pixels[i];
+    }
+    if (all != kAlpha) {
+      return false;
+    }
+  }
+  return true;
+}
+
+void fade(std::uint8_t* row, int width, double opacity) {
+  const auto share = static_cast<unsigned>(std::lround(opacity * 256.0));
+  for (int c = 0; c < 4 * width; ++c) {
+    row[c] = static_cast<std::uint8_t>((row[c] * share + 128) >> 8);
+  }
+}
+
+void makeOpaque(std::uint8_t* row, int width) {
+  for (int x = 0; x < width; ++x) {
+    row[4 * x + 3] = host::kOpaque<std::uint8_t>;
+  }
+}
+
+// 0 for what is not a number.
+double clampedOpacity(double opacity) {
+  return opacity > 0.0 ? std::min(opacity, 1.0) : 0.0;
+}
+
+}  // namespace
+
+std::unique_ptr<Filter> Filter::create(unsigned width, unsigned height) {
+  constexpr unsigned kMaxSide = 32767;  // of what the effect's 16.16 numbers reach
+  if (width == 0 || height == 0 || width > kMaxSide || height > kMaxSide) {
+    return nullptr;
+  }
+  auto module = bridges::embeddedModule();
+  if (!module) {
+    return nullptr;
+  }
+  return std::unique_ptr<Filter>(new (std::nothrow)
+                                     Filter(std::move(*module), {static_cast<int>(width), static_cast<int>(height)}));
+}
+
+Filter::Filter(std::shared_ptr<const host::Module> module, host::Size size)
+    : instance_(std::move(module)), size_(size) {}
+
+void Filter::draw(const std::uint32_t* in, std::uint32_t* out) {
+  const auto count = static_cast<std::size_t>(size_.width) * static_cast<std::size_t>(size_.height);
+  const host::ImageView output{reinterpret_cast<std::byte*>(out), std::ptrdiff_t{4} * size_.width, size_,
+                               host::Depth::Bits8};
+  host::ConstImageView layer{reinterpret_cast<const std::byte*>(in), output.row_bytes, size_, host::Depth::Bits8};
+  if (in == out || !isOpaque(in, count)) {
+    layer = premultiplied(in);
+  }
+  if (layer.data == nullptr || !drawLayer(layer, output)) {
+    std::memset(out, 0, count * sizeof *out);
+  }
+  finish(output);
+}
+
+host::ConstImageView Filter::premultiplied(const std::uint32_t* in) {
+  if (!layer_.fit(size_, host::Depth::Bits8)) {
+    return {};
+  }
+  const auto row_bytes = std::size_t{4} * static_cast<std::size_t>(size_.width);
+  for (int y = 0; y < size_.height; ++y) {
+    std::byte* const row = layer_.view().row(y);
+    std::memcpy(row, reinterpret_cast<const std::byte*>(in) + static_cast<std::size_t>(y) * row_bytes, row_bytes);
+    host::premultiplyRow(channels(row), size_.width);
+  }
+  return std::as_const(layer_).view();
+}
+
+bool Filter::drawLayer(const host::ConstImageView& layer, const host::ImageView& output) {
+  if (!instance_.setCorners(parameters.cornersIn(size_))) {
+    return false;
+  }
+  host::FrameOptions options;
+  options.quality = parameters.quality;
+  options.threads = 1;
+  return instance_.render(layer, {0, 0, size_.width, size_.height}, output, options).has_value();
+}
+
+void Filter::finish(const host::ImageView& output) const {
+  const double opacity = clampedOpacity(parameters.opacity);
+  for (int y = 0; y < size_.height; ++y) {
+    std::uint8_t* const row = channels(output.row(y));
+    if (opacity < 1.0) {
+      fade(row, size_.width, opacity);
+    }
+    if (parameters.is_opaque_outside) {
+      makeOpaque(row, size_.width);
+    } else {
+      host::unpremultiplyRow(row, size_.width);
+    }
+  }
+}
+
+}  // namespace vantorel::frei0r
