@@ -1,0 +1,45 @@
+// Between arrays of one, three or four channels and the host's four-channel, premultiplied pixels.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+
+#include "host/Image.h"
+#include "python/Arguments.h"
+
+namespace vantorel::python {
+
+// A view of an array's memory; strides are in bytes, of either sign.
+struct PixelArray {
+  std::byte* data = nullptr;
+  std::ptrdiff_t row_stride = 0;
+  std::ptrdiff_t pixel_stride = 0;
+  std::ptrdiff_t channel_stride = 0;
+  host::Size size;
+  int channels = 4;  // 1, 3 or 4
+  host::Depth depth = host::Depth::Bits8;
+};
+
+// Of the shape (height, width), (height, width, 1), (height, width, 3) or (height, width, 4) and of uint8, uint16 or
+// float32 in the machine's byte order. TypeError for other types, ValueError for other shapes; both name `input`.
+PixelArray pixelArrayOf(const py::array& array, const char* input);
+
+// The array's own memory as the host's pixels, where it is laid out as they are: four channels side by side.
+std::optional<host::ImageView> hostView(const PixelArray& pixels);
+
+// Whether every pixel's alpha is that of a covered one; true without an alpha.
+bool isOpaque(const PixelArray& pixels);
+
+// Spreads the array to premultiplied RGBA of the same size and depth. Straight RGBA is multiplied by its alpha.
+void toHost(const PixelArray& from, bool premultiplied, const host::ImageView& to);
+
+// Premultiplied red, green, blue, alpha in the array's units, put below the picture.
+using Background = std::array<float, 4>;
+
+// The opposite of `toHost`: composites over the background where there is one, then keeps the channels of `to`, in
+// straight alpha unless `premultiplied`. `to` may be the memory of `from`.
+void fromHost(const host::ImageView& from, const std::optional<Background>& background, bool premultiplied,
+              const PixelArray& to);
+
+}  // namespace vantorel::python
