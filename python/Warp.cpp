@@ -1,6 +1,7 @@
 #include "python/Warp.h"
 
 #include <chrono>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -12,17 +13,50 @@ namespace vantorel::python {
 
 namespace {
 
-// What a thread keeps from one picture to the next, so that a second one of a size allocates nothing here.
+// What is kept from one picture to the next, so that a second one of a size allocates nothing here.
 struct Renderer {
   host::Instance instance{valueOrRaise(bridges::embeddedModule())};
   host::Image layer;
   host::Image output;
 };
 
-Renderer& threadsRenderer() {
-  thread_local Renderer renderer;
-  return renderer;
+using Renderers = std::vector<std::unique_ptr<Renderer>>;
+
+Renderers& threadsIdleRenderers() {
+  thread_local Renderers idle;
+  return idle;
 }
+
+// A renderer of this thread's that no other warp uses. A thread may warp while it warps: Python runs the handlers of
+// signals in the middle of a picture, and anybody's code where it converts arguments.
+class BorrowedRenderer {
+ public:
+  BorrowedRenderer() {
+    Renderers& idle = threadsIdleRenderers();
+    idle.reserve(kMostKept);
+    if (idle.empty()) {
+      renderer_ = std::make_unique<Renderer>();
+    } else {
+      renderer_ = std::move(idle.back());
+      idle.pop_back();
+    }
+  }
+  ~BorrowedRenderer() {
+    Renderers& idle = threadsIdleRenderers();
+    if (idle.size() < kMostKept) {
+      idle.push_back(std::move(renderer_));
+    }
+  }
+  BorrowedRenderer(const BorrowedRenderer&) = delete;
+  BorrowedRenderer& operator=(const BorrowedRenderer&) = delete;
+
+  Renderer& operator*() { return *renderer_; }
+
+ private:
+  static constexpr std::size_t kMostKept = 4;  // of warps within warps; reserved, so that giving back never allocates
+
+  std::unique_ptr<Renderer> renderer_;
+};
 
 // Thrown through the host when a signal's handler has raised an exception, which Python's thread state holds.
 struct SignalRaised {};
@@ -186,7 +220,8 @@ py::array warp(const WarpArguments& arguments) {
   host::FrameOptions options = frameOptions(arguments);
   const host::Rect canvas = canvasOf(arguments, image.size);
   const std::optional<Background> background = backgroundFrom(arguments.background, image.depth);
-  Renderer& renderer = threadsRenderer();
+  BorrowedRenderer borrowed;
+  Renderer& renderer = *borrowed;
   setCorners(renderer.instance, arguments, image.size);
   const py::array result = outputFor(arguments, {canvas.width(), canvas.height()});
   const PixelArray to = pixelArrayOf(result, "out");

@@ -86,6 +86,24 @@ def test_other_threads_run_and_control_c_stops_a_long_warp():
     assert ticks
 
 
+def test_a_signal_handler_may_warp_in_the_middle_of_a_warp():
+    big, small, inner = picture(shape=(500, 500, 3)), picture(shape=(64, 64, 3), seed=2), []
+    square, arguments = [(5, 3), (60, 9), (2, 50), (61, 62)], dict(size=(3000, 3000), quality="best", samples=8, threads=1)
+    outer_corners = [(10, 20), (2900, 5), (0, 2800), (2990, 2950)]
+    wanted_outer, wanted_inner = vantorel.warp(big, outer_corners, **arguments), vantorel.warp(small, square)
+    before = signal.signal(signal.SIGALRM, lambda *_: inner.append(vantorel.warp(small, square)))
+    signal.setitimer(signal.ITIMER_REAL, 0.02, 0.02)
+    try:
+        outer = vantorel.warp(big, outer_corners, **arguments)
+    finally:
+        signal.setitimer(signal.ITIMER_REAL, 0)
+        signal.signal(signal.SIGALRM, before)
+    assert len(inner) > 2  # at most one before and one after the warp
+    np.testing.assert_array_equal(outer, wanted_outer)
+    for result in inner:
+        np.testing.assert_array_equal(result, wanted_inner)
+
+
 @pytest.mark.parametrize(
     "arguments, exception, text",
     [
