@@ -1,11 +1,15 @@
 #include "cli/pictures/ImageWriter.h"
 
 #include <OpenImageIO/imageio.h>
+#include <fmt/chrono.h>
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <memory>
 #include <vector>
 
@@ -22,6 +26,22 @@
 namespace vantorel::cli {
 
 namespace {
+
+// Dates the file by SOURCE_DATE_EPOCH (seconds since 1970), and without it not at all, unless its source had a date:
+// the same call writes the same bytes. The formats' writers would otherwise put in the time of writing.
+void dateBySourceEpoch(OIIO::ImageSpec& spec, bool is_dpx) {
+  if (spec.find_attribute("DateTime") != nullptr) {
+    return;
+  }
+  // An empty date is as good as none to the DPX writer.
+  std::string date = is_dpx ? " " : "";
+  const char* const given = std::getenv("SOURCE_DATE_EPOCH");
+  std::time_t seconds = 0;
+  if (given != nullptr && std::from_chars(given, given + std::strlen(given), seconds).ec == std::errc{}) {
+    date = fmt::format("{:%Y:%m:%d %H:%M:%S}", fmt::gmtime(seconds));
+  }
+  spec.attribute("DateTime", date);
+}
 
 // Rows written between two checks of the stop token; enough for OpenEXR to compress its blocks side by side.
 constexpr int kRowsPerWrite = 256;
@@ -60,8 +80,9 @@ OIIO::ImageSpec describe(const ImageFormat& format, const OutputPicture& picture
     spec.full_height = picture.frame.height;
   }
   addMetadata(spec, picture);
+  const bool is_dpx = std::strcmp(format.name, "DPX") == 0;
   // Ten and twelve bits are DPX's own way to hold what is read as 16.
-  if (std::strcmp(format.name, "DPX") != 0 || picture.samples != SampleType::Bits16) {
+  if (!is_dpx || picture.samples != SampleType::Bits16) {
     spec.erase_attribute("oiio:BitsPerSample");
   }
   if (format.unassociated_alpha) {
@@ -70,6 +91,7 @@ OIIO::ImageSpec describe(const ImageFormat& format, const OutputPicture& picture
   spec.attribute("png:compressionLevel", kPngCompressionLevel);
   spec.attribute("png:filter", kPngFilterSub);
   spec.attribute("Software", recordText(picture.settings));
+  dateBySourceEpoch(spec, is_dpx);
   return spec;
 }
 

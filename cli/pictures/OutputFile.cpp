@@ -140,6 +140,10 @@ void OutputFile::discard() {
 }
 
 void OutputFile::commit() {
+  // On the disk before it takes its name, so that a power failure leaves the old file or the new one, whole. Some file
+  // systems have nothing to synchronise.
+  note(std::fflush(file_.get()) == 0);
+  note(fsync(fileno(file_.get())) == 0 || errno == EINVAL || errno == ENOSYS);
   note(std::fclose(file_.release()) == 0);
   throwIfFailed();
   if (std::rename(temporary_.c_str(), target_.c_str()) != 0) {
