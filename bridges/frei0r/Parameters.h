@@ -13,7 +13,7 @@ namespace vantorel::frei0r {
 
 // A corner's number 0 lies one picture size before the picture, 1/3 on its left or upper border, 2/3 on its right or
 // lower border, and 1 one picture size beyond that: 3 v - 1 picture sizes from the left or from the top. Corners are
-// numbers rather than positions, which some of the programs cannot set.
+// numbers rather than positions, which MLT 7 cannot set.
 inline constexpr double kNear = 1.0 / 3.0;
 inline constexpr double kFar = 2.0 / 3.0;
 

@@ -2,9 +2,6 @@
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <iterator>
-
 #include <cmath>
 #include <cstring>
 #include <fstream>
@@ -370,23 +367,6 @@ TEST(PictureFile, WhatIsCutShortIsRefused) {
       EXPECT_THROW(readAt(path, host::Depth::Bits8), CommandError) << name << " " << share;
       EXPECT_FALSE(isWholePicture(path, image.size())) << name << " " << share;
     }
-  }
-}
-
-TEST(PictureFile, EqualRunsWriteEqualBytes) {
-  const TestFolder folder;
-  const auto bytes = [&](const std::string& name, const std::string& before) {
-    EXPECT_EQ(run(folder, "testcard -o " + name + " --size 64x48", before).code, 0) << name;
-    std::ifstream file(folder / name, std::ios::binary);
-    return std::string{std::istreambuf_iterator<char>(file), {}};
-  };
-  for (const std::string name : {"card.tif", "card.exr", "card.dpx", "card.png", "card.jpg"}) {
-    const std::string first = bytes(name, "");
-    std::this_thread::sleep_for(std::chrono::milliseconds(1100));  // the formats' time stamps count seconds
-    EXPECT_EQ(bytes(name, ""), first) << name;
-  }
-  for (const std::string name : {"card.tif", "card.exr", "card.dpx"}) {
-    EXPECT_NE(bytes(name, "SOURCE_DATE_EPOCH=1700000000").find("2023:11:14"), std::string::npos) << name;
   }
 }
 

@@ -26,3 +26,10 @@ oiiotool --pattern constant:color=0,0,0,1 960x540 4 -d uint8 -o black.png
   --ul 192,108 --ur 768,108 --ll 48,432 --lr 912,432
 ffmpeg -v error -y -i card.png -vf "format=rgba,frei0r=vantorel:$trapezoid|high|1|y" opaque.png
 same opaque.png expected-black.png || { echo "opaque outside differs"; exit 1; }
+
+# Corners that change on the way: the picture itself, then the trapezoid.
+echo "0.5 frei0r filter_params '$trapezoid|high|1|y';" > commands
+ffmpeg -v error -y -loop 1 -framerate 2 -t 1 -i card.png \
+  -vf "format=rgba,sendcmd=f=commands,frei0r=vantorel" moving-%d.png
+same moving-1.png card.png || { echo "the first frame is not the picture itself"; exit 1; }
+same moving-2.png expected-black.png || { echo "the changed corners differ"; exit 1; }
