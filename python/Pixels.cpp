@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 #include <string>
+#include <type_traits>
 
 #include "host/Alpha.h"
 
@@ -45,15 +46,48 @@ host::Depth depthOf(const py::array& array, const char* input) {
                        " is none of uint8, uint16 and float32 in this machine's byte order; convert it with astype");
 }
 
+// Whether the channels of a row's pixels follow each other without gaps.
+bool isPacked(const PixelArray& pixels) {
+  const auto channel_bytes = static_cast<std::ptrdiff_t>(bytesPerPixel(pixels.depth)) / 4;
+  return pixels.pixel_stride == channel_bytes * pixels.channels &&
+         (pixels.channels == 1 || pixels.channel_stride == channel_bytes);
+}
+
+// Calls the function with the number of channels as a constant.
+template <typename Function>
+void withChannelCount(int channels, const Function& function) {
+  if (channels == 1) {
+    function(std::integral_constant<int, 1>{});
+  } else if (channels == 3) {
+    function(std::integral_constant<int, 3>{});
+  } else {
+    function(std::integral_constant<int, 4>{});
+  }
+}
+
+template <int kChannels, typename Channel, typename At>
+void spreadPixels(int width, const At& at, Channel* to) {
+  for (int x = 0; x < width; ++x, to += 4) {
+    to[0] = at(x, 0);
+    to[1] = at(x, kChannels == 1 ? 0 : 1);
+    to[2] = at(x, kChannels == 1 ? 0 : 2);
+    to[3] = kChannels == 4 ? at(x, kChannels - 1) : kOpaque<Channel>;
+  }
+}
+
 template <typename Channel>
 void spreadRow(const PixelArray& from, int y, Channel* to) {
-  const bool is_grey = from.channels == 1;
-  for (int x = 0; x < from.size.width; ++x, to += 4) {
-    to[0] = channelAt<Channel>(from, x, y, 0);
-    to[1] = is_grey ? to[0] : channelAt<Channel>(from, x, y, 1);
-    to[2] = is_grey ? to[0] : channelAt<Channel>(from, x, y, 2);
-    to[3] = from.channels == 4 ? channelAt<Channel>(from, x, y, 3) : kOpaque<Channel>;
-  }
+  withChannelCount(from.channels, [&](auto count) {
+    constexpr int kChannels = decltype(count)::value;
+    if (isPacked(from)) {
+      const Channel* row = &channelAt<Channel>(from, 0, y, 0);
+      spreadPixels<kChannels>(
+          from.size.width, [row](int x, int c) { return row[x * kChannels + c]; }, to);
+    } else {
+      spreadPixels<kChannels>(
+          from.size.width, [&](int x, int c) { return channelAt<Channel>(from, x, y, c); }, to);
+    }
+  });
 }
 
 template <typename Channel>
@@ -81,11 +115,17 @@ void compositeRow(Channel* row, int width, const Background& background) {
 
 template <typename Channel>
 void gatherRow(const Channel* from, const PixelArray& to, int y) {
-  for (int x = 0; x < to.size.width; ++x, from += 4) {
-    for (int c = 0; c < to.channels; ++c) {
-      channelAt<Channel>(to, x, y, c) = from[c];
+  const int width = to.size.width;
+  withChannelCount(to.channels, [&](auto count) {
+    constexpr int kChannels = decltype(count)::value;
+    Channel* row = &channelAt<Channel>(to, 0, y, 0);
+    const bool is_packed = isPacked(to);
+    for (int x = 0; x < width; ++x) {
+      for (int c = 0; c < kChannels; ++c) {
+        (is_packed ? row[x * kChannels + c] : channelAt<Channel>(to, x, y, c)) = from[4 * x + c];
+      }
     }
-  }
+  });
 }
 
 }  // namespace
@@ -105,9 +145,9 @@ PixelArray pixelArrayOf(const py::array& array, const char* input) {
   pixels.pixel_stride = array.strides(1);
   pixels.channel_stride = array.ndim() == 3 ? array.strides(2) : 0;
   const auto channel_bytes = static_cast<std::uintptr_t>(array.itemsize());
-  const auto isAligned = [&](std::ptrdiff_t value) { return static_cast<std::uintptr_t>(value) % channel_bytes == 0; };
-  if (reinterpret_cast<std::uintptr_t>(pixels.data) % channel_bytes != 0 || !isAligned(pixels.row_stride) ||
-      !isAligned(pixels.pixel_stride) || !isAligned(pixels.channel_stride)) {
+  const auto is_aligned = [&](std::ptrdiff_t value) { return static_cast<std::uintptr_t>(value) % channel_bytes == 0; };
+  if (reinterpret_cast<std::uintptr_t>(pixels.data) % channel_bytes != 0 || !is_aligned(pixels.row_stride) ||
+      !is_aligned(pixels.pixel_stride) || !is_aligned(pixels.channel_stride)) {
     refuse(input, "its elements are not aligned; copy it with numpy.require(array, requirements='A')");
   }
   return pixels;
@@ -122,20 +162,17 @@ std::optional<host::ImageView> hostView(const PixelArray& pixels) {
   return host::ImageView{pixels.data, pixels.row_stride, pixels.size, pixels.depth};
 }
 
-bool isOpaque(const PixelArray& pixels) {
-  return pixels.channels != 4 || withChannel(pixels.depth, [&](auto channel) {
-           using Channel = decltype(channel);
-           for (int y = 0; y < pixels.size.height; ++y) {
-             bool row_is_opaque = true;  // without an early end, so that the loop is vectorised
-             for (int x = 0; x < pixels.size.width; ++x) {
-               row_is_opaque &= channelAt<Channel>(pixels, x, y, 3) == kOpaque<Channel>;
-             }
-             if (!row_is_opaque) {
-               return false;
-             }
-           }
-           return true;
-         });
+bool isOpaque(const host::ConstImageView& pixels) {
+  return withChannel(pixels.depth, [&](auto channel) {
+    using Channel = decltype(channel);
+    for (int y = 0; y < pixels.size.height; ++y) {
+      const auto* row = reinterpret_cast<const Channel*>(pixels.row(y));
+      if (host::alphaOfRow(row, pixels.size.width) != host::RowAlpha::Opaque) {
+        return false;
+      }
+    }
+    return true;
+  });
 }
 
 void toHost(const PixelArray& from, bool premultiplied, const host::ImageView& to) {

@@ -28,8 +28,8 @@ PixelArray pixelArrayOf(const py::array& array, const char* input);
 // The array's own memory as the host's pixels, where it is laid out as they are: four channels side by side.
 std::optional<host::ImageView> hostView(const PixelArray& pixels);
 
-// Whether every pixel's alpha is that of a covered one; true without an alpha.
-bool isOpaque(const PixelArray& pixels);
+// Whether every pixel's alpha is that of a covered one.
+bool isOpaque(const host::ConstImageView& pixels);
 
 // Spreads the array to premultiplied RGBA of the same size and depth. Straight RGBA is multiplied by its alpha.
 void toHost(const PixelArray& from, bool premultiplied, const host::ImageView& to);

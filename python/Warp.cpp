@@ -194,7 +194,7 @@ host::Result<void> draw(Renderer& renderer, const PixelArray& image, const host:
                         const std::optional<Background>& background, bool premultiplied,
                         const host::FrameOptions& options) {
   std::optional<host::ImageView> layer = hostView(image);
-  if (!layer || (!premultiplied && !isOpaque(image))) {
+  if (!layer || (!premultiplied && !isOpaque(asConst(*layer)))) {
     if (host::Result<void> fitted = renderer.layer.fit(image.size, image.depth); !fitted) {
       return fitted;
     }
@@ -223,7 +223,7 @@ py::array warp(const WarpArguments& arguments) {
   BorrowedRenderer borrowed;
   Renderer& renderer = *borrowed;
   setCorners(renderer.instance, arguments, image.size);
-  const py::array result = outputFor(arguments, {canvas.width(), canvas.height()});
+  py::array result = outputFor(arguments, {canvas.width(), canvas.height()});
   const PixelArray to = pixelArrayOf(result, "out");
 
   SignalCheck check;
