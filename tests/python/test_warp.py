@@ -1,6 +1,10 @@
+import os
 import signal
+import struct
+import subprocess
 import threading
 import time
+import zlib
 from concurrent.futures import ThreadPoolExecutor
 
 import numpy as np
@@ -35,6 +39,60 @@ def test_views_give_what_their_copies_give(dtype, channels):
         out = np.zeros((48, 192) + channels, dtype)[:, ::2]
         assert vantorel.warp(view, TRAPEZOID, size=(96, 48), out=out) is out
         np.testing.assert_array_equal(out, result)
+
+
+def write_png(path, rgba):
+    def chunk(name, data):
+        return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
+
+    height, width = rgba.shape[:2]
+    rows = b"".join(b"\0" + row.tobytes() for row in rgba)
+    header = struct.pack(">IIBBBBB", width, height, 8, 6, 0, 0, 0)
+    chunks = chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b"")
+    path.write_bytes(b"\x89PNG\r\n\x1a\n" + chunks)
+
+
+def read_png(path, shape):
+    data, packed, at = path.read_bytes(), b"", 8
+    while at < len(data):
+        length, name = struct.unpack(">I4s", data[at : at + 8])
+        packed += data[at + 8 : at + 8 + length] if name == b"IDAT" else b""
+        at += 12 + length
+    rows = np.frombuffer(zlib.decompress(packed), np.uint8).reshape(shape[0], -1)
+    pixels = np.zeros((shape[0] + 1, shape[1] + 1, 4), int)  # with a row above and a pixel on the left
+    for y, row in enumerate(rows, 1):
+        for x, value in enumerate(row[1:].reshape(-1, 4).astype(int), 1):
+            left, up, corner = pixels[y, x - 1], pixels[y - 1, x], pixels[y - 1, x - 1]
+            to_left, to_up, to_corner = abs(up - corner), abs(left - corner), abs(left + up - 2 * corner)
+            nearer = np.where(to_up <= to_corner, up, corner)
+            paeth = np.where((to_left <= to_up) & (to_left <= to_corner), left, nearer)
+            pixels[y, x] = (value + (0, left, up, (left + up) // 2, paeth)[row[0]]) & 255
+    return pixels[1:, 1:].astype(np.uint8)
+
+
+def drawn_by_the_command(folder, image, quality):
+    write_png(folder / "in.png", image)
+    places = [f"--{name}={x},{y}" for name, (x, y) in zip(("ul", "ur", "ll", "lr"), TRAPEZOID)]
+    command = [os.environ["VANTOREL_COMMAND"], "render", "in.png", "-o", "out.png", "--quality", quality, *places]
+    subprocess.run(command, cwd=folder, check=True)
+    return read_png(folder / "out.png", image.shape)
+
+
+@pytest.mark.parametrize("quality", ["standard", "high", "best"])
+def test_an_opaque_picture_is_the_commands_to_the_bit(tmp_path, quality):
+    image = picture()
+    image[..., 3] = 255
+    expected = drawn_by_the_command(tmp_path, image, quality)
+    np.testing.assert_array_equal(vantorel.warp(image, TRAPEZOID, quality=quality), expected)
+
+
+def test_a_translucent_picture_is_the_commands_but_for_the_rounding_of_premultiplied_colours(tmp_path):
+    image = picture()
+    expected = drawn_by_the_command(tmp_path, image, "standard").astype(float)
+    result = vantorel.warp(image, TRAPEZOID, quality="standard").astype(float)
+    np.testing.assert_array_equal(result[..., 3], expected[..., 3])
+    difference = (result - expected)[..., :3] * expected[..., 3:] / 255
+    assert abs(difference).max() < 2
 
 
 def test_rgb_is_rgba_over_black_and_grey_is_one_of_its_channels():
