@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <cmath>
+#include <cstdint>
 
 #include "tracks/Text.h"
 
@@ -42,7 +43,10 @@ CornerTrack withWholeFrames(const CornerTrack& track) {
   for (const CornerKey& key : track.keys) {
     if (!whole.keys.empty()) {
       const CornerKey before = whole.keys.back();
-      for (double frame = std::floor(before.frame + kSameFrame) + 1.0; frame < key.frame - kSameFrame; frame += 1.0) {
+      const auto first = static_cast<std::int64_t>(std::floor(before.frame + kSameFrame)) + 1;
+      const auto end = static_cast<std::int64_t>(std::ceil(key.frame - kSameFrame));
+      for (std::int64_t whole_frame = first; whole_frame < end; ++whole_frame) {
+        const auto frame = static_cast<double>(whole_frame);
         whole.keys.push_back({frame, between(before, key, frame, track.interpolation), kAllCorners, 0, 0});
       }
     }

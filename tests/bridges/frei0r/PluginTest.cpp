@@ -223,8 +223,10 @@ TEST(Frei0r, DrawsOnSeveralThreadsAndIsLoadedAgain) {
   const Pixels still = expected(noise(false), kTrapezoid, host::Quality::High);
   for (int round = 0; round < 3; ++round) {
     const Plugin plugin;
+    constexpr int kThreads = 4;
     std::vector<std::jthread> threads;
-    for (int t = 0; t < 4; ++t) {
+    threads.reserve(kThreads);
+    for (int t = 0; t < kThreads; ++t) {
       threads.emplace_back([&] {
         for (int i = 0; i < 10; ++i) {
           Instance instance(plugin, kSize);
