@@ -28,7 +28,8 @@ int failForLackOfThreads(const std::system_error& error) {
   return static_cast<int>(ExitCode::EffectFailed);
 }
 
-// For exceptions that nothing can catch: those of a library's own thread, or thrown while a library is loaded.
+// For exceptions that nothing can catch: those of a library's own thread, or thrown while a library is loaded, as
+// libraries of picture formats start threads and allocate memory then.
 [[noreturn]] void endWithMessage() {
   int code = static_cast<int>(ExitCode::EffectFailed);
   try {
@@ -48,14 +49,6 @@ int failForLackOfThreads(const std::system_error& error) {
   _exit(code);
 }
 
-void prepareForFailures() {
-  std::set_terminate(endWithMessage);
-}
-
-// Libraries of picture formats start threads and allocate memory as they are loaded, before main(); what is listed here
-// runs before them.
-[[gnu::section(".preinit_array"), gnu::used]] void (*const prepare_before_libraries)() = prepareForFailures;
-
 // Pictures go back to the system as they are freed. Left to itself, the allocator would keep them in its heap, which a
 // long sequence fragments further with every frame.
 void returnPicturesWhenFreed() {
@@ -66,6 +59,7 @@ void returnPicturesWhenFreed() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  std::set_terminate(endWithMessage);
   try {
     console();
     returnPicturesWhenFreed();

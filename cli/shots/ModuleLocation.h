@@ -1,4 +1,4 @@
-// Where the effect module is.
+// Where the modules are.
 #pragma once
 
 #include <memory>
@@ -8,8 +8,12 @@
 
 namespace vantorel::cli {
 
-// Loads the module at `path`, or when that is empty the one beside the command or where it is installed, seen from
-// there. Throws CommandError: a file failure when there is no such file, an effect failure when the file does not
+// The path of the module of that file name: beside the command, or where modules are installed, seen from there. Throws
+// CommandError (file failure), which ends in `remedy`, when there is none.
+std::string findModule(const char* name, const char* remedy);
+
+// Loads the effect module at `path`, or when that is empty the one beside the command or where it is installed, seen
+// from there. Throws CommandError: a file failure when there is no such file, an effect failure when the file does not
 // work, a bad argument when VANTOREL_SIMD names no instruction set of this machine.
 std::shared_ptr<const host::Module> loadModule(const std::string& path);
 

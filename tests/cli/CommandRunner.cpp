@@ -30,13 +30,14 @@ std::vector<nlohmann::json> CommandResult::lines() const {
   return parsed;
 }
 
-CommandResult run(const TestFolder& folder, const std::string& arguments, const std::string& before) {
+CommandResult run(const TestFolder& folder, const std::string& arguments, const std::string& before,
+                  const std::string& command_file) {
   // Beside the folder, so that what is in it is the command's alone.
   const std::string out = folder.path() + ".out";
   const std::string err = folder.path() + ".err";
   // Redirections first, so that arguments may redirect once more.
   const std::string command =
-      "cd '" + folder.path() + "'; " + before + " >'" + out + "' 2>'" + err + "' '" VANTOREL_COMMAND "' " + arguments;
+      "cd '" + folder.path() + "'; " + before + " >'" + out + "' 2>'" + err + "' '" + command_file + "' " + arguments;
   const int status = std::system(command.c_str());
   CommandResult result{WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(out), contents(err)};
   std::filesystem::remove(out);

@@ -20,7 +20,8 @@ struct CommandResult {
 
 // Runs `vantorel ARGUMENTS` by the shell in that folder, so that quoting is the shell's. `before` are shell commands
 // that set the scene, such as "ulimit -f 8;".
-CommandResult run(const TestFolder& folder, const std::string& arguments, const std::string& before = "");
+CommandResult run(const TestFolder& folder, const std::string& arguments, const std::string& before = "",
+                  const std::string& command_file = VANTOREL_COMMAND);
 
 // What `vantorel ARGUMENTS` writes, both streams together, when run in a terminal of that many columns.
 std::string runInTerminal(const TestFolder& folder, const std::string& arguments, unsigned short columns);

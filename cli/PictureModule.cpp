@@ -1,0 +1,10 @@
+#include "cli/commands/PictureCommands.h"
+
+namespace vantorel::cli {
+
+extern "C" [[gnu::visibility("default")]] const PictureCommands* vantorelPictureCommands() {
+  static constexpr PictureCommands kCommands{VANTOREL_VERSION, runRender, runRectify, runTestCard};
+  return &kCommands;
+}
+
+}  // namespace vantorel::cli
