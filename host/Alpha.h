@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <type_traits>
 
@@ -18,30 +20,33 @@ constexpr Channel kOpaque = std::is_floating_point_v<Channel> ? Channel{1} : std
 // What the alphas of a row have in common.
 enum class RowAlpha { Opaque, Transparent, Mixed };
 
+namespace alpha_detail {
+
+// A pixel as one word, whose vectors hold several pixels: all bits of all channels are put together, and the alphas are
+// looked at last. Short stretches must not cost a call each.
+template <typename Channel>
+[[gnu::always_inline]] inline RowAlpha alphaOfWords(const Channel* row, int width) {
+  using Word = std::conditional_t<sizeof(Channel) == 1, std::uint32_t, std::uint64_t>;
+  Word all_bits = ~Word{0};
+  Word any_bits = 0;
+  for (int x = 0; x < width; ++x) {
+    Word pixel;
+    std::memcpy(&pixel, row + 4 * x, sizeof pixel);
+    all_bits &= pixel;
+    any_bits |= pixel;
+  }
+  if (std::bit_cast<std::array<Channel, 4>>(all_bits)[3] == kOpaque<Channel>) {
+    return RowAlpha::Opaque;
+  }
+  return std::bit_cast<std::array<Channel, 4>>(any_bits)[3] == 0 ? RowAlpha::Transparent : RowAlpha::Mixed;
+}
+
+}  // namespace alpha_detail
+
 template <typename Channel>
 RowAlpha alphaOfRow(const Channel* row, int width) {
   if constexpr (std::is_integral_v<Channel>) {
-    // All channels of several pixels side by side, which compilers turn into vectors; the alphas are looked at last.
-    constexpr int kTogether = 16;
-    std::array<Channel, kTogether> all_bits;
-    std::array<Channel, kTogether> any_bits{};
-    all_bits.fill(kOpaque<Channel>);
-    const int count = width * 4;
-    int i = 0;
-    for (; i + kTogether <= count; i += kTogether) {
-      for (std::size_t k = 0; k < kTogether; ++k) {
-        all_bits[k] &= row[i + static_cast<int>(k)];
-        any_bits[k] |= row[i + static_cast<int>(k)];
-      }
-    }
-    for (i += 3; i < count; i += 4) {
-      all_bits[3] &= row[i];
-      any_bits[3] |= row[i];
-    }
-    if ((all_bits[3] & all_bits[7] & all_bits[11] & all_bits[15]) == kOpaque<Channel>) {
-      return RowAlpha::Opaque;
-    }
-    return (any_bits[3] | any_bits[7] | any_bits[11] | any_bits[15]) == 0 ? RowAlpha::Transparent : RowAlpha::Mixed;
+    return alpha_detail::alphaOfWords(row, width);
   } else {
     bool is_opaque = true;
     bool is_transparent = true;
@@ -158,11 +163,16 @@ void premultiplyRow(Channel* row, int width) {
 template <typename Channel>
 void unpremultiplyRow(Channel* row, int width) {
   if constexpr (std::is_same_v<Channel, std::uint8_t>) {
-    for (int x = 0; x < width; x += alpha_detail::kBlock) {
-      const int count = std::min(alpha_detail::kBlock, width - x);
-      if (alphaOfRow(row + 4 * x, count) == RowAlpha::Mixed) {
-        alpha_detail::unpremultiplyBlock(row + 4 * x, count);
+    constexpr int kBlock = alpha_detail::kBlock;
+    int x = 0;
+    // A block's width is a constant where it can be, for which the loop over its pixels is unrolled.
+    for (; x + kBlock <= width; x += kBlock) {
+      if (alpha_detail::alphaOfWords(row + 4 * x, kBlock) == RowAlpha::Mixed) {
+        alpha_detail::unpremultiplyBlock(row + 4 * x, kBlock);
       }
+    }
+    if (x < width && alphaOfRow(row + 4 * x, width - x) == RowAlpha::Mixed) {
+      alpha_detail::unpremultiplyBlock(row + 4 * x, width - x);
     }
   } else {
     for (int x = 0; x < width; ++x) {

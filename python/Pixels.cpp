@@ -1,7 +1,9 @@
 #include "python/Pixels.h"
 
+#include <array>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <type_traits>
 
@@ -75,17 +77,44 @@ void spreadPixels(int width, const At& at, Channel* to) {
   }
 }
 
+// Three channels side by side to four and back. A pixel is moved as one word, with the first channel of the next pixel
+// behind it; the last pixel has none.
+template <typename Channel>
+void spreadTriples(const Channel* from, int width, Channel* to) {
+  std::array<Channel, 4> pixel;
+  for (int x = 0; x + 1 < width; ++x) {
+    std::memcpy(pixel.data(), from + 3 * x, sizeof pixel);
+    pixel[3] = kOpaque<Channel>;
+    std::memcpy(to + 4 * x, pixel.data(), sizeof pixel);
+  }
+  std::copy_n(from + 3 * (width - 1), 3, to + 4 * (width - 1));
+  to[4 * width - 1] = kOpaque<Channel>;
+}
+
+template <typename Channel>
+void gatherTriples(const Channel* from, int width, Channel* to) {
+  for (int x = 0; x + 1 < width; ++x) {
+    std::memcpy(to + 3 * x, from + 4 * x, 4 * sizeof(Channel));
+  }
+  std::memcpy(to + 3 * (width - 1), from + 4 * (width - 1), 3 * sizeof(Channel));
+}
+
 template <typename Channel>
 void spreadRow(const PixelArray& from, int y, Channel* to) {
+  const Channel* row = &channelAt<Channel>(from, 0, y, 0);
+  const int width = from.size.width;
+  if (from.channels == 3 && isPacked(from)) {
+    spreadTriples(row, width, to);
+    return;
+  }
   withChannelCount(from.channels, [&](auto count) {
     constexpr int kChannels = decltype(count)::value;
     if (isPacked(from)) {
-      const Channel* row = &channelAt<Channel>(from, 0, y, 0);
       spreadPixels<kChannels>(
-          from.size.width, [row](int x, int c) { return row[x * kChannels + c]; }, to);
+          width, [row](int x, int c) { return row[x * kChannels + c]; }, to);
     } else {
       spreadPixels<kChannels>(
-          from.size.width, [&](int x, int c) { return channelAt<Channel>(from, x, y, c); }, to);
+          width, [&](int x, int c) { return channelAt<Channel>(from, x, y, c); }, to);
     }
   });
 }
@@ -116,10 +145,14 @@ void compositeRow(Channel* row, int width, const Background& background) {
 template <typename Channel>
 void gatherRow(const Channel* from, const PixelArray& to, int y) {
   const int width = to.size.width;
+  Channel* row = &channelAt<Channel>(to, 0, y, 0);
+  const bool is_packed = isPacked(to);
+  if (to.channels == 3 && is_packed) {
+    gatherTriples(from, width, row);
+    return;
+  }
   withChannelCount(to.channels, [&](auto count) {
     constexpr int kChannels = decltype(count)::value;
-    Channel* row = &channelAt<Channel>(to, 0, y, 0);
-    const bool is_packed = isPacked(to);
     for (int x = 0; x < width; ++x) {
       for (int c = 0; c < kChannels; ++c) {
         (is_packed ? row[x * kChannels + c] : channelAt<Channel>(to, x, y, c)) = from[4 * x + c];
