@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -18,6 +19,7 @@
 #include "cli/pictures/Orientation.h"
 #include "cli/pictures/PictureHeader.h"
 #include "cli/pictures/PixelConversion.h"
+#include "cli/pictures/ReadLimits.h"
 #include "cli/pictures/SampleTypes.h"
 #include "cli/pictures/Truncation.h"
 
@@ -42,6 +44,7 @@ struct Source {
   ChannelPlan plan;
   int orientation = 1;
   bool unassociated = false;
+  std::optional<ReadClock> clock;
 
   host::Size displaySize() const { return {spec.full_width, spec.full_height}; }
 };
@@ -51,14 +54,18 @@ Source openSource(const std::string& path, AlphaReading alpha = AlphaReading::As
   // Premultiplying is done here, with exact rounding and no regard to a gamma that the file may state.
   OIIO::ImageSpec request;
   request.attribute("oiio:UnassociatedAlpha", 1);
+  const ReadLimits limits = readLimits();
   Source source;
   source.path = path;
+  source.clock.emplace(limits, path);
   source.input = OIIO::ImageInput::open(path, &request);
   if (!source.input) {
     throw unreadable(path, OIIO::geterror());
   }
   source.spec = source.input->spec();
   requireSaneHeader(source.spec, path);
+  requirePixelsWithin(limits, path, "a picture", source.displaySize());
+  requirePixelsWithin(limits, path, "a data window", {source.spec.width, source.spec.height});
   source.plan = planChannels(source.spec, path);
   if (alpha == AlphaReading::Ignored) {
     source.plan.source[3] = -1;
@@ -152,20 +159,41 @@ int rowsPerRead(const OIIO::ImageSpec& spec) {
   return unit * std::max(1, kRowsPerRead / unit);
 }
 
+// Clears what the window leaves of the picture. Done last, so that a file whose pixels cannot be read takes no memory
+// for the rest of a large picture.
+void clearAround(const host::Rect& window, const host::ImageView& picture) {
+  const std::size_t pixel_bytes = host::bytesPerPixel(picture.depth);
+  const int left = std::clamp(window.left, 0, picture.size.width);
+  const int right = std::clamp(window.right, left, picture.size.width);
+  const auto clear = [&](int x_begin, int x_end, int y) {
+    std::memset(picture.pixel(x_begin, y), 0, pixel_bytes * static_cast<std::size_t>(x_end - x_begin));
+  };
+  for (int y = 0; y < picture.size.height; ++y) {
+    if (y < window.top || y >= window.bottom) {
+      clear(0, picture.size.width, y);
+    } else {
+      clear(0, left, y);
+      clear(right, picture.size.width, y);
+    }
+  }
+}
+
 // Calls visit(y_begin, y_end) for stretches of the data window's rows, from the top down.
 template <typename Visit>
-void forStretches(const OIIO::ImageSpec& spec, const std::stop_token& stop, const Visit& visit) {
+void forStretches(const Source& source, const std::stop_token& stop, const Visit& visit) {
+  const OIIO::ImageSpec& spec = source.spec;
   const int step = rowsPerRead(spec);
   for (int y = 0; y < spec.height; y += std::min(step, spec.height - y)) {
     if (stop.stop_requested()) {
       throw interrupted();
     }
+    source.clock->require();
     visit(y, y + std::min(step, spec.height - y));
   }
 }
 
 void readInside(Source& source, const host::Rect& window, const host::ImageView& picture, const std::stop_token& stop) {
-  forStretches(source.spec, stop, [&](int y_begin, int y_end) {
+  forStretches(source, stop, [&](int y_begin, int y_end) {
     readRows(source, y_begin,
              {picture.pixel(window.left, window.top + y_begin),
               picture.row_bytes,
@@ -181,7 +209,7 @@ void readCropped(Source& source, const host::Rect& window, const host::ImageView
   const std::size_t pixel_bytes = host::bytesPerPixel(picture.depth);
   const int stretch = std::min(rowsPerRead(source.spec), source.spec.height);
   host::Image rows = valueOrThrow(host::Image::create({window.width(), stretch}, picture.depth));
-  forStretches(source.spec, stop, [&](int y_begin, int y_end) {
+  forStretches(source, stop, [&](int y_begin, int y_end) {
     host::ImageView part = rows.view();
     part.size.height = y_end - y_begin;
     readRows(source, y_begin, part);
@@ -227,14 +255,12 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
 
   const host::Rect window = dataWindow(source.spec, source.input->format_name());
   const host::Rect display{0, 0, source.displaySize().width, source.displaySize().height};
-  if (window != display) {
-    picture.pixels.clear();
-  }
   if (window.left >= 0 && window.top >= 0 && window.right <= display.right && window.bottom <= display.bottom) {
     readInside(source, window, picture.pixels.view(), stop);
   } else {
     readCropped(source, window, picture.pixels.view(), stop);
   }
+  clearAround(window, picture.pixels.view());
   if (source.orientation > 1) {
     picture.pixels = upright(std::as_const(picture.pixels).view(), source.orientation);
   }

@@ -1,6 +1,7 @@
 // Picture files of every format, in and out.
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <cmath>
 #include <cstring>
@@ -14,6 +15,7 @@
 #include "cli/pictures/FileRecord.h"
 #include "cli/pictures/ImageReader.h"
 #include "cli/pictures/ImageWriter.h"
+#include "cli/pictures/ReadLimits.h"
 #include "cli/pictures/Truncation.h"
 
 namespace vantorel::cli {
@@ -352,6 +354,49 @@ TEST(PictureFile, CameraOrientationsAreTurnedUpright) {
     }
     EXPECT_EQ(read, upright[static_cast<std::size_t>(orientation - 1)]) << "orientation " << orientation;
   }
+}
+
+// What a file states is refused by the limits, which the environment moves; and a picture around a data window that
+// cannot be read takes no memory.
+TEST(PictureFile, LimitsHoldUntilTheyAreRaised) {
+  const TestFolder folder;
+  ImageSpec spec(4, 2, 4, TypeDesc::HALF);
+  spec.full_width = 40000;
+  spec.full_height = 30000;
+  const std::string path = folder / "a.exr";
+  writeFile(path, spec, std::vector<float>(32, 0.5f));
+  const auto fault = [&](const char* variable, const char* value) {
+    ::setenv(variable, value, 1);
+    std::string text;
+    try {
+      readAt(path, host::Depth::Bits8);
+    } catch (const CommandError& error) {
+      text = error.text().substr(path.size() + 2);
+    }
+    ::unsetenv(variable);
+    return text;
+  };
+  EXPECT_EQ(fault("VANTOREL_MAX_READ_SECONDS", ""),
+            "a picture of 40000x30000 has 1200 megapixels and 1100 are read; raise VANTOREL_MAX_MEGAPIXELS to read it");
+  spec.full_width = 20000;
+  spec.full_height = 10000;
+  writeFile(path, spec, std::vector<float>(32, 0.5f));
+  folder.cutShort("a.exr", 0.95);
+  rusage before{};
+  getrusage(RUSAGE_SELF, &before);
+  EXPECT_NE(fault("VANTOREL_MAX_MEGAPIXELS", "200").find("cannot be read"), std::string::npos);
+  rusage after{};
+  getrusage(RUSAGE_SELF, &after);
+  EXPECT_LT(after.ru_maxrss, before.ru_maxrss + 200 * 1024);
+
+  spec.full_width = spec.full_height = 8;
+  writeFile(path, spec, std::vector<float>(32, 0.5f));
+  EXPECT_EQ(fault("VANTOREL_MAX_MEGAPIXELS", "0.000064"), "");
+  EXPECT_NE(fault("VANTOREL_MAX_MEGAPIXELS", "0.000063"), "");
+  EXPECT_NE(fault("VANTOREL_MAX_READ_SECONDS", "1e-9").find("takes more than 1e-09 seconds"), std::string::npos);
+  ::setenv("VANTOREL_MAX_MEGAPIXELS", "-1", 1);
+  EXPECT_THROW(readLimits(), CommandError);
+  ::unsetenv("VANTOREL_MAX_MEGAPIXELS");
 }
 
 TEST(PictureFile, WhatIsCutShortIsRefused) {
