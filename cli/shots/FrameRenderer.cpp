@@ -59,11 +59,20 @@ std::optional<FrameReport> FrameRenderer::render(std::int32_t frame) {
     }
   }
 
+  ComposedFrame composed = compose(frame);
+  const Stopwatch writing;
+  write(composed);
+  FrameReport& report = composed.report;
+  report.output = path;
+  report.redone_because = reasonToRedo(state);
+  report.write_seconds += writing.seconds();
+  return report;
+}
+
+ComposedFrame FrameRenderer::compose(std::int32_t frame) {
   FrameReport report;
   report.frame = frame;
   report.depth = shot_.depth;
-  report.output = path;
-  report.redone_because = reasonToRedo(state);
   const Stopwatch reading;
   const std::shared_ptr<const Picture> layer = shot_.layer->at(frame, stop_);
   const std::shared_ptr<const Picture> plate = shot_.plate ? shot_.plate->at(frame, stop_) : nullptr;
@@ -76,7 +85,7 @@ std::optional<FrameReport> FrameRenderer::render(std::int32_t frame) {
   report.path = result.path;
   report.render_seconds = result.render_seconds;
 
-  const Stopwatch writing;
+  const Stopwatch compositing;
   if (shot_.options.feather > 0.0) {
     featherEdges(frame, canvas);
   }
@@ -89,12 +98,11 @@ std::optional<FrameReport> FrameRenderer::render(std::int32_t frame) {
   if (plate) {
     composite(*plate, shot_.plate->path(frame));
   }
-  write(frame, canvas, plate ? *plate : *layer);
-  report.write_seconds = writing.seconds();
+  report.write_seconds = compositing.seconds();
   report.origin_x = canvas.left / shot_.options.downsample;
   report.origin_y = canvas.top / shot_.options.downsample;
   report.size = output_.size();
-  return report;
+  return {output_.view(), canvas, plate ? plate : layer, std::move(report)};
 }
 
 host::FrameOptions FrameRenderer::frameOptions(std::int32_t frame) const {
@@ -176,22 +184,24 @@ void FrameRenderer::composite(const Picture& plate, const std::string& plate_nam
   compositeOver(output_.view(), plate.pixels.view());
 }
 
-void FrameRenderer::write(std::int32_t frame, const host::Rect& canvas, const Picture& reference) {
-  const std::string path = shot_.output.path(frame);
+void FrameRenderer::write(const ComposedFrame& composed) {
+  const std::string path = shot_.output.path(composed.report.frame);
   const int n = shot_.options.downsample;
+  const Picture& reference = *composed.reference;
   OutputPicture picture;
   picture.metadata = reference.metadata;
   if (shot_.options.linear) {
     picture.colour_space = outputColourSpace(reference.colour_space, shot_.format->linear_light);
-    fromLinear(output_.view(), *picture.colour_space, path);
+    fromLinear(composed.pixels, *picture.colour_space, path);
   }
-  picture.pixels = std::as_const(output_).view();
-  picture.window = {canvas.left / n, canvas.top / n, canvas.left / n + output_.size().width,
-                    canvas.top / n + output_.size().height};
+  picture.pixels = host::asConst(composed.pixels);
+  picture.window = {composed.canvas.left / n, composed.canvas.top / n,
+                    composed.canvas.left / n + composed.pixels.size.width,
+                    composed.canvas.top / n + composed.pixels.size.height};
   picture.frame = host::downsampled(shot_.frame_size, n);
   picture.has_alpha = !shot_.plate || reference.info.has_alpha;
   picture.samples = shot_.samples;
-  picture.settings = settingsOf(shot_, frame);
+  picture.settings = settingsOf(shot_, composed.report.frame);
   writePicture(path, *shot_.format, picture, stop_);
 }
 

@@ -11,6 +11,16 @@
 
 namespace vantorel::cli {
 
+// A frame before it is written.
+struct ComposedFrame {
+  // Premultiplied RGBA at the shot's depth and resolution, in linear light where the shot is; the renderer's own, until
+  // its next frame.
+  host::ImageView pixels;
+  host::Rect canvas;                         // what the pixels cover, in full-resolution pixels
+  std::shared_ptr<const Picture> reference;  // whose metadata, alpha and colour space a file takes: the plate or layer
+  FrameReport report;                        // without the time of writing
+};
+
 // Renders frame after frame of a shot, one at a time; several of them work on one shot at the same time.
 class FrameRenderer {
  public:
@@ -20,6 +30,9 @@ class FrameRenderer {
   // Renders and writes the frame, or, when resuming, finds it done and returns nothing. Throws CommandError.
   std::optional<FrameReport> render(std::int32_t frame);
 
+  // Reads, renders and composites the frame, and leaves the output's file alone. Throws CommandError.
+  ComposedFrame compose(std::int32_t frame);
+
  private:
   host::FrameOptions frameOptions(std::int32_t frame) const;
   void placeCorners(host::Size layer);
@@ -28,7 +41,7 @@ class FrameRenderer {
   void featherEdges(std::int32_t frame, const host::Rect& canvas);
   void applyMatte(std::int32_t frame);
   void composite(const Picture& plate, const std::string& plate_name);
-  void write(std::int32_t frame, const host::Rect& canvas, const Picture& reference);
+  void write(const ComposedFrame& composed);
 
   const Shot& shot_;
   std::stop_token stop_;
