@@ -41,8 +41,9 @@ struct Rect {
   bool operator==(const Rect&) const = default;
 };
 
-// A view of `size.height` rows of `size.width` pixels. `row_bytes` may exceed a row's pixels; it must be a multiple of
-// the channel size, and `data` aligned to it.
+// A view of `size.height` rows of `size.width` pixels. `data` is the first pixel of the upper row, and `row_bytes`
+// leads from a row to the one below: it may exceed a row's pixels, and is negative where memory holds the lower rows
+// first. It must be a multiple of the channel size, and `data` aligned to it.
 template <typename Byte>
 struct BasicImageView {
   Byte* data = nullptr;

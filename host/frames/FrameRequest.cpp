@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
 #include <string>
 
@@ -18,6 +19,11 @@ constexpr int kMaxCanvasOffset = 1 << 29;
 constexpr int kMaxLayerSide = 32768;  // what 16.16 positions reach
 
 template <typename Byte>
+std::int64_t rowPixelBytes(const BasicImageView<Byte>& view) {
+  return std::int64_t{view.size.width} * static_cast<std::int64_t>(bytesPerPixel(view.depth));
+}
+
+template <typename Byte>
 Result<void> checkView(const BasicImageView<Byte>& view, const char* name) {
   if (view.size.width <= 0 || view.size.height <= 0) {
     return invalidArgument(name, "its size " + sizeText(view.size) + " has no pixels; both sides must be 1 or more");
@@ -29,10 +35,13 @@ Result<void> checkView(const BasicImageView<Byte>& view, const char* name) {
     return invalidArgument(name, "its depth must be 8, 16 or 32 bits per channel");
   }
   const auto channel_bytes = static_cast<std::ptrdiff_t>(bytesPerPixel(view.depth) / 4);
-  const std::int64_t pixel_bytes = std::int64_t{view.size.width} * static_cast<std::int64_t>(bytesPerPixel(view.depth));
-  if (view.row_bytes < pixel_bytes || view.row_bytes > std::numeric_limits<std::int32_t>::max()) {
-    return invalidArgument(name, "its row stride of " + std::to_string(view.row_bytes) + " bytes must be from " +
-                                     std::to_string(pixel_bytes) + " (a row's pixels) to 2147483647");
+  const std::int64_t pixel_bytes = rowPixelBytes(view);
+  const std::int64_t stride = view.row_bytes;  // its magnitude is taken once it is known to have one
+  if (stride < -std::numeric_limits<std::int32_t>::max() || stride > std::numeric_limits<std::int32_t>::max() ||
+      std::abs(stride) < pixel_bytes) {
+    return invalidArgument(name, "its row stride of " + std::to_string(stride) + " bytes must be from " +
+                                     std::to_string(pixel_bytes) +
+                                     " (a row's pixels) to 2147483647, or as far below zero for rows from the last");
   }
   if (view.row_bytes % channel_bytes != 0 ||
       reinterpret_cast<std::uintptr_t>(view.data) % static_cast<std::uintptr_t>(channel_bytes) != 0) {
@@ -42,11 +51,22 @@ Result<void> checkView(const BasicImageView<Byte>& view, const char* name) {
   return {};
 }
 
+// The addresses from a view's first byte in memory to behind its last one.
+struct MemoryRange {
+  std::uintptr_t begin;
+  std::uintptr_t end;
+};
+
 template <typename Byte>
-std::uintptr_t endOf(const BasicImageView<Byte>& view) {
-  const auto rows_before = static_cast<std::uintptr_t>(view.size.height - 1);
-  return reinterpret_cast<std::uintptr_t>(view.data) + rows_before * static_cast<std::uintptr_t>(view.row_bytes) +
-         static_cast<std::uintptr_t>(view.size.width) * bytesPerPixel(view.depth);
+MemoryRange memoryOf(const BasicImageView<Byte>& view) {
+  const auto first = reinterpret_cast<std::uintptr_t>(view.data);
+  const auto last = first + static_cast<std::uintptr_t>(std::int64_t{view.size.height - 1} * view.row_bytes);
+  const auto row_bytes = static_cast<std::uintptr_t>(rowPixelBytes(view));
+  return {view.row_bytes < 0 ? last : first, (view.row_bytes < 0 ? first : last) + row_bytes};
+}
+
+bool overlap(const MemoryRange& a, const MemoryRange& b) {
+  return a.begin < b.end && b.begin < a.end;
 }
 
 Result<void> checkCanvas(const Rect& canvas, const ImageView& output, int downsample) {
@@ -144,8 +164,7 @@ Result<void> checkFrameRequest(const Module& module, const ConstImageView& layer
         if (layer.depth != output.depth) {
           return invalidArgument("output", "its depth is not the layer's; give it the same depth");
         }
-        if (reinterpret_cast<std::uintptr_t>(layer.data) < endOf(output) &&
-            reinterpret_cast<std::uintptr_t>(output.data) < endOf(layer)) {
+        if (overlap(memoryOf(layer), memoryOf(output))) {
           return invalidArgument("output", "its pixels overlap the layer's; give it memory of its own");
         }
         return {};

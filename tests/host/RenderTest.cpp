@@ -195,20 +195,74 @@ TEST(RenderTest, BoundingBoxIsAPixelWiderThanTheCornersInEitherProtocol) {
   }
 }
 
-TEST(RenderTest, ALayerMayHaveAnyStrideThatItsChannelsAllow) {
-  for (const Depth depth : testing::kDepths) {
-    Image layer = noise({8, 8}, depth);
-    const std::ptrdiff_t stride = 33 * static_cast<std::ptrdiff_t>(bytesPerPixel(depth) / 4);
-    std::vector<std::byte> pixels(8 * stride);
-    for (int y = 0; y < 8; ++y) {
-      std::memcpy(pixels.data() + stride * y, layer.view().row(y), 8 * bytesPerPixel(depth));
+// A picture's rows in memory of the caller's own, with room beyond each that must stay as it is.
+class Rows {
+ public:
+  Rows(Size size, Depth depth, int spare_channels, bool lower_first)
+      : pixel_bytes_(static_cast<std::size_t>(size.width) * bytesPerPixel(depth)),
+        stride_(pixel_bytes_ + static_cast<std::size_t>(spare_channels) * bytesPerPixel(depth) / 4),
+        memory_(stride_ * static_cast<std::size_t>(size.height), kSpare) {
+    const auto stride = static_cast<std::ptrdiff_t>(stride_);
+    std::byte* const first = memory_.data();
+    view_ = lower_first ? ImageView{first + stride * (size.height - 1), -stride, size, depth}
+                        : ImageView{first, stride, size, depth};
+  }
+
+  const ImageView& view() const { return view_; }
+  void fill(const ConstImageView& from) {
+    for (int y = 0; y < view_.size.height; ++y) {
+      std::memcpy(view_.row(y), from.row(y), pixel_bytes_);
     }
-    // Concave, so that the renderer is the one that reads rows as words.
-    Instance instance = instanceWith(effect(), {{0, 0}, {38, 2}, {2, 28}, {12, 9}});
-    auto expected = renderFrame(instance, layer, {0, 0, 40, 30});
-    Image output = testing::dirty({40, 30}, depth);
-    ASSERT_TRUE(instance.render({pixels.data(), stride, {8, 8}, depth}, {0, 0, 40, 30}, output.view(), {}));
-    EXPECT_TRUE(samePixels(asConst(expected.pixels.view()), asConst(output.view())));
+  }
+  bool isSpareRoomUntouched() const {
+    for (std::size_t i = 0; i < memory_.size(); ++i) {
+      if (i % stride_ >= pixel_bytes_ && memory_[i] != kSpare) {
+        return false;
+      }
+    }
+    return true;
+  }
+
+ private:
+  static constexpr std::byte kSpare{0x3C};
+  std::size_t pixel_bytes_;
+  std::size_t stride_;
+  std::vector<std::byte> memory_;
+  ImageView view_;
+};
+
+TEST(RenderTest, LayerAndOutputMayHaveAnyStrideThatTheirChannelsAllow) {
+  const struct {
+    int layer_spare;
+    bool layer_lower_first;
+    int output_spare;
+    bool output_lower_first;
+  } layouts[] = {
+      {1, false, 0, false}, {0, true, 0, true}, {3, true, 4, false}, {0, false, 8, true}, {5, true, 8, true}};
+  constexpr Size kLayer{13, 9};
+  for (const std::shared_ptr<const Module>& module : {effect(), checkedEffect()}) {
+    for (const Depth depth : testing::kDepths) {
+      Image layer = noise(kLayer, depth);
+      // In perspective; concave, so that the renderer is the one that reads rows as words; and moved by whole pixels.
+      for (const Corners& quad : {Corners{{4, 3}, {38, 8}, {1, 28}, {29, 25}},
+                                  Corners{{0, 0}, {38, 2}, {2, 28}, {12, 9}}, cornersOf({5, 6, 18, 15})}) {
+        Instance instance = instanceWith(module, quad);
+        for (const FrameOptions& options :
+             {FrameOptions{.quality = Quality::Standard}, FrameOptions{.quality = Quality::High},
+              FrameOptions{.quality = Quality::Best}, FrameOptions{.quality = Quality::High, .downsample = 2}}) {
+          const Rect canvas{0, 0, 40, 30};
+          auto expected = renderFrame(instance, layer, canvas, options);
+          for (const auto& layout : layouts) {
+            Rows in(kLayer, depth, layout.layer_spare, layout.layer_lower_first);
+            in.fill(asConst(layer.view()));
+            Rows out(expected.pixels.size(), depth, layout.output_spare, layout.output_lower_first);
+            ASSERT_TRUE(instance.render(asConst(in.view()), canvas, out.view(), options));
+            EXPECT_TRUE(samePixels(asConst(expected.pixels.view()), asConst(out.view()))) << (&layout - layouts);
+            EXPECT_TRUE(out.isSpareRoomUntouched());
+          }
+        }
+      }
+    }
   }
 }
 

@@ -1,5 +1,6 @@
 // Frames that cannot be served are refused before anything is drawn, and the message names what is wrong.
 #include <cmath>
+#include <limits>
 
 #include "host/frames/FrameRequest.h"
 #include "tests/host/HostTesting.h"
@@ -27,7 +28,8 @@ TEST(RequestTest, EachArgumentThatCannotBeServedIsNamed) {
        }},
       {"layer", [](Request& r) { r.layer.data = nullptr; }},
       {"layer", [](Request& r) { r.layer.row_bytes = 8 * 16 - 1; }},
-      {"layer", [](Request& r) { r.layer.row_bytes = -r.layer.row_bytes; }},
+      {"layer", [](Request& r) { r.layer.row_bytes = -(8 * 16 - 1); }},
+      {"layer", [](Request& r) { r.layer.row_bytes = std::numeric_limits<std::ptrdiff_t>::min(); }},
       {"layer", [](Request& r) { r.layer.row_bytes = std::ptrdiff_t{1} << 31; }},
       {"layer", [](Request& r) { r.layer.row_bytes += 2; }},
       {"layer", [](Request& r) { r.layer.data += 1; }},
@@ -47,6 +49,11 @@ TEST(RequestTest, EachArgumentThatCannotBeServedIsNamed) {
       {"output", [](Request& r) { r.output.depth = Depth::Bits16; }},
       {"output", [](Request& r) { r.layer.depth = Depth::Bits16; }},
       {"output", [](Request& r) { r.layer.data = r.output.row(1); }},
+      {"output",
+       [](Request& r) {
+         r.layer.data = r.output.row(8);  // its last row is the output's
+         r.layer.row_bytes = -r.output.row_bytes;
+       }},
       {"canvas",
        [](Request& r) {
          r.canvas = {8, 0, 0, 8};
