@@ -1,11 +1,9 @@
 // Which of a file's channels become red, green, blue and alpha.
 #pragma once
 
-#include "cli/pictures/OpenImageIoFwd.h"
-
 #include <string>
 
-#include "cli/pictures/ImageFormats.h"
+#include "cli/pictures/PictureHeader.h"
 #include "cli/pictures/PixelConversion.h"
 
 namespace vantorel::cli {
@@ -19,9 +17,9 @@ struct ChannelPlan {
 
 // Channels named R, G, B (or Y) and A wherever they are; one to four channels of other names by their position. Throws
 // CommandError naming the path for others, for luminance/chroma, deep and volume pictures.
-ChannelPlan planChannels(const OIIO::ImageSpec& spec, const std::string& path);
+ChannelPlan planChannels(const PictureHeader& header, const std::string& path);
 
 // The finest type among the planned channels.
-SampleType samplesOf(const OIIO::ImageSpec& spec, const ChannelPlan& plan);
+SampleType samplesOf(const PictureHeader& header, const ChannelPlan& plan);
 
 }  // namespace vantorel::cli

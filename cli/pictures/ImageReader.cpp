@@ -1,26 +1,20 @@
 #include "cli/pictures/ImageReader.h"
 
-#include <OpenImageIO/imageio.h>
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <cstring>
 #include <memory>
 #include <optional>
-#include <string_view>
 #include <utility>
 
 #include "cli/base/CommandError.h"
 #include "cli/base/Console.h"
 #include "cli/base/Files.h"
-#include "cli/base/Text.h"
 #include "cli/pictures/ChannelPlan.h"
 #include "cli/pictures/Metadata.h"
 #include "cli/pictures/Orientation.h"
-#include "cli/pictures/PictureHeader.h"
+#include "cli/pictures/PictureInput.h"
 #include "cli/pictures/PixelConversion.h"
 #include "cli/pictures/ReadLimits.h"
-#include "cli/pictures/SampleTypes.h"
 #include "cli/pictures/Truncation.h"
 
 namespace vantorel::cli {
@@ -30,51 +24,35 @@ namespace {
 // Rows read between two checks of the stop token; enough for OpenEXR to decompress its blocks side by side.
 constexpr int kRowsPerRead = 256;
 
-CommandError unreadable(const std::string& path, const std::string& reason) {
-  return fileFailure(path, fmt::format("cannot be read as a picture ({}); give a whole PNG, JPEG, TIFF, OpenEXR or DPX "
-                                       "file",
-                                       oneLine(reason)));
-}
-
 // An open file, and how to interpret its pixels.
 struct Source {
   std::string path;
-  std::unique_ptr<OIIO::ImageInput> input;
-  OIIO::ImageSpec spec;
+  std::unique_ptr<PictureInput> input;
   ChannelPlan plan;
-  int orientation = 1;
   bool unassociated = false;
   std::optional<ReadClock> clock;
 
-  host::Size displaySize() const { return {spec.full_width, spec.full_height}; }
+  const PictureHeader& header() const { return input->header(); }
+  host::Size displaySize() const { return {header().display.width, header().display.height}; }
 };
 
 Source openSource(const std::string& path, AlphaReading alpha = AlphaReading::AsStated) {
   requireReadableFile(path, "a picture file");
-  // Premultiplying is done here, with exact rounding and no regard to a gamma that the file may state.
-  OIIO::ImageSpec request;
-  request.attribute("oiio:UnassociatedAlpha", 1);
   const ReadLimits limits = readLimits();
   Source source;
   source.path = path;
   source.clock.emplace(limits, path);
-  source.input = OIIO::ImageInput::open(path, &request);
-  if (!source.input) {
-    throw unreadable(path, OIIO::geterror());
-  }
-  source.spec = source.input->spec();
-  requireSaneHeader(source.spec, path);
+  source.input = openPictureInput(path);
+  requireSaneHeader(source.header(), path);
   requirePixelsWithin(limits, path, "a picture", source.displaySize());
-  requirePixelsWithin(limits, path, "a data window", {source.spec.width, source.spec.height});
-  source.plan = planChannels(source.spec, path);
+  requirePixelsWithin(limits, path, "a data window", {source.header().data.width, source.header().data.height});
+  source.plan = planChannels(source.header(), path);
   if (alpha == AlphaReading::Ignored) {
     source.plan.source[3] = -1;
   }
-  const bool is_straight = alpha == AlphaReading::AsStated
-                               ? source.spec.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0
-                               : alpha == AlphaReading::Straight;
+  const bool is_straight =
+      alpha == AlphaReading::AsStated ? source.header().straight_alpha : alpha == AlphaReading::Straight;
   source.unassociated = source.plan.hasAlpha() && is_straight;
-  source.orientation = orientationOf(source.spec);
   return source;
 }
 
@@ -88,28 +66,10 @@ Source openWholeSource(const std::string& path, AlphaReading alpha) {
 
 PictureInfo infoOf(const Source& source) {
   host::Size size = source.displaySize();
-  if (swapsAxes(source.orientation)) {
+  if (swapsAxes(source.header().orientation)) {
     std::swap(size.width, size.height);
   }
-  return {size, samplesOf(source.spec, source.plan), source.plan.hasAlpha(), source.unassociated};
-}
-
-// Rows y_begin to y_end (counted in the data window) of channels [first, end), four channels of room to a pixel.
-void readChannels(Source& source, int y_begin, int y_end, int first, int end, const host::ImageView& rows,
-                  std::byte* data) {
-  const OIIO::ImageSpec& spec = source.spec;
-  const auto pixel_bytes = static_cast<OIIO::stride_t>(host::bytesPerPixel(rows.depth));
-  const OIIO::TypeDesc type = typeDesc(rows.depth);
-  const bool read =
-      spec.tile_width > 0
-          ? source.input->read_tiles(0, 0, spec.x, spec.x + spec.width, spec.y + y_begin, spec.y + y_end, spec.z,
-                                     spec.z + 1, first, end, type, data, pixel_bytes, rows.row_bytes)
-          : source.input->read_scanlines(0, 0, spec.y + y_begin, spec.y + y_end, spec.z, first, end, type, data,
-                                         pixel_bytes, rows.row_bytes);
-  // Some readers note that strips are missing and still call it a success.
-  if (!read || source.input->has_error()) {
-    throw unreadable(source.path, source.input->geterror());
-  }
+  return {size, samplesOf(source.header(), source.plan), source.plan.hasAlpha(), source.unassociated};
 }
 
 template <typename Channel>
@@ -127,11 +87,10 @@ void finishRows(const host::ImageView& rows, const ChannelMap& map, bool premult
 
 // Reads rows.size.height rows from y_begin on as premultiplied RGBA.
 void readRows(Source& source, int y_begin, const host::ImageView& rows) {
-  const int y_end = y_begin + rows.size.height;
   const int first = source.plan.first();
   ChannelMap map = source.plan.source;
   if (source.plan.end() - first <= 4) {
-    readChannels(source, y_begin, y_end, first, source.plan.end(), rows, rows.data);
+    source.input->readRows(y_begin, {first, source.plan.end()}, rows);
     for (int& channel : map) {
       channel = channel < 0 ? channel : channel - first;
     }
@@ -139,7 +98,9 @@ void readRows(Source& source, int y_begin, const host::ImageView& rows) {
     const std::size_t channel_bytes = host::bytesPerPixel(rows.depth) / 4;
     for (std::size_t c = 0; c < 4; ++c) {
       if (map[c] >= 0) {
-        readChannels(source, y_begin, y_end, map[c], map[c] + 1, rows, rows.data + c * channel_bytes);
+        host::ImageView channel = rows;
+        channel.data += c * channel_bytes;
+        source.input->readRows(y_begin, {map[c], map[c] + 1}, channel);
         map[c] = static_cast<int>(c);
       }
     }
@@ -154,8 +115,8 @@ void readRows(Source& source, int y_begin, const host::ImageView& rows) {
   }
 }
 
-int rowsPerRead(const OIIO::ImageSpec& spec) {
-  const int unit = std::max(1, spec.tile_height);
+int rowsPerRead(const PictureHeader& header) {
+  const int unit = std::max(1, header.tile.height);
   return unit * std::max(1, kRowsPerRead / unit);
 }
 
@@ -181,14 +142,14 @@ void clearAround(const host::Rect& window, const host::ImageView& picture) {
 // Calls visit(y_begin, y_end) for stretches of the data window's rows, from the top down.
 template <typename Visit>
 void forStretches(const Source& source, const std::stop_token& stop, const Visit& visit) {
-  const OIIO::ImageSpec& spec = source.spec;
-  const int step = rowsPerRead(spec);
-  for (int y = 0; y < spec.height; y += std::min(step, spec.height - y)) {
+  const int step = rowsPerRead(source.header());
+  const int height = source.header().data.height;
+  for (int y = 0; y < height; y += std::min(step, height - y)) {
     if (stop.stop_requested()) {
       throw interrupted();
     }
     source.clock->require();
-    visit(y, y + std::min(step, spec.height - y));
+    visit(y, y + std::min(step, height - y));
   }
 }
 
@@ -207,7 +168,7 @@ void readCropped(Source& source, const host::Rect& window, const host::ImageView
   const int left = std::max(0, window.left);
   const int right = std::min(picture.size.width, window.right);
   const std::size_t pixel_bytes = host::bytesPerPixel(picture.depth);
-  const int stretch = std::min(rowsPerRead(source.spec), source.spec.height);
+  const int stretch = std::min(rowsPerRead(source.header()), source.header().data.height);
   host::Image rows = valueOrThrow(host::Image::create({window.width(), stretch}, picture.depth));
   forStretches(source, stop, [&](int y_begin, int y_end) {
     host::ImageView part = rows.view();
@@ -223,15 +184,15 @@ void readCropped(Source& source, const host::Rect& window, const host::ImageView
   });
 }
 
-std::shared_ptr<const Metadata> keptMetadata(const OIIO::ImageSpec& spec) {
+std::shared_ptr<const Metadata> keptMetadata(const Metadata& all) {
   constexpr const char* kKept[] = {"oiio:ColorSpace", "oiio:Gamma",       "ICCProfile",        "PixelAspectRatio",
                                    "XResolution",     "YResolution",      "ResolutionUnit",    "FramesPerSecond",
                                    "smpte:TimeCode",  "smpte:KeyCode",    "chromaticities",    "Artist",
                                    "Copyright",       "ImageDescription", "oiio:BitsPerSample"};
   auto kept = std::make_shared<Metadata>();
   for (const char* name : kKept) {
-    if (const OIIO::ParamValue* value = spec.find_attribute(name)) {
-      kept->values.push_back(*value);
+    if (const Attribute* attribute = all.find(name)) {
+      kept->set(*attribute);
     }
   }
   return kept;
@@ -249,11 +210,11 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
   Source source = openWholeSource(path, alpha);
   Picture picture;
   picture.info = infoOf(source);
-  picture.colour_space = source.spec.get_string_attribute("oiio:ColorSpace");
-  picture.metadata = keptMetadata(source.spec);
+  picture.colour_space = source.header().metadata.text("oiio:ColorSpace");
+  picture.metadata = keptMetadata(source.header().metadata);
   picture.pixels = valueOrThrow(host::Image::create(source.displaySize(), depth));
 
-  const host::Rect window = dataWindow(source.spec, source.input->format_name());
+  const host::Rect window = dataWindow(source.header());
   const host::Rect display{0, 0, source.displaySize().width, source.displaySize().height};
   if (window.left >= 0 && window.top >= 0 && window.right <= display.right && window.bottom <= display.bottom) {
     readInside(source, window, picture.pixels.view(), stop);
@@ -261,8 +222,8 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
     readCropped(source, window, picture.pixels.view(), stop);
   }
   clearAround(window, picture.pixels.view());
-  if (source.orientation > 1) {
-    picture.pixels = upright(std::as_const(picture.pixels).view(), source.orientation);
+  if (const int orientation = source.header().orientation; orientation > 1) {
+    picture.pixels = upright(std::as_const(picture.pixels).view(), orientation);
   }
   return picture;
 }
@@ -270,12 +231,12 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
 bool hasSoftAlpha(const std::string& path) {
   const LibraryMessagesDropped dropped;
   Source source = openWholeSource(path, AlphaReading::AsStated);
-  const int step = std::min(rowsPerRead(source.spec), source.spec.height);
-  host::Image rows = valueOrThrow(host::Image::create({source.spec.width, step}, host::Depth::Bits8));
+  const int step = std::min(rowsPerRead(source.header()), source.header().data.height);
+  host::Image rows = valueOrThrow(host::Image::create({source.header().data.width, step}, host::Depth::Bits8));
   bool soft = false;
-  for (int y = 0; y < source.spec.height && source.plan.hasAlpha() && !soft; y += step) {
+  for (int y = 0; y < source.header().data.height && source.plan.hasAlpha() && !soft; y += step) {
     host::ImageView part = rows.view();
-    part.size.height = std::min(step, source.spec.height - y);
+    part.size.height = std::min(step, source.header().data.height - y);
     readRows(source, y, part);
     for (int row = 0; row < part.size.height && !soft; ++row) {
       const auto* pixel = reinterpret_cast<const std::uint8_t*>(part.row(row));
@@ -296,15 +257,15 @@ bool isWholePicture(const std::string& path, host::Size size) try {
   if (infoOf(source).size != size) {
     return false;
   }
-  const std::string_view format = source.input->format_name();
+  const std::string& format = source.header().format;
   if (format == "png" || format == "jpeg") {
     return true;
   }
   // The last rows of the other formats can be read without those before.
-  const int stretch = std::min(rowsPerRead(source.spec), source.spec.height);
-  const int begin = (source.spec.height - 1) / stretch * stretch;
-  host::Image rows =
-      valueOrThrow(host::Image::create({source.spec.width, source.spec.height - begin}, host::Depth::Bits8));
+  const int stretch = std::min(rowsPerRead(source.header()), source.header().data.height);
+  const int begin = (source.header().data.height - 1) / stretch * stretch;
+  host::Image rows = valueOrThrow(
+      host::Image::create({source.header().data.width, source.header().data.height - begin}, host::Depth::Bits8));
   readRows(source, begin, rows.view());
   return true;
 } catch (const CommandError&) {

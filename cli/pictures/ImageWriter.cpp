@@ -18,7 +18,7 @@
 #include "cli/pictures/FileRecord.h"
 #include "cli/pictures/FileSink.h"
 #include "cli/pictures/ImageReader.h"
-#include "cli/pictures/Metadata.h"
+#include "cli/pictures/OpenImageIoMetadata.h"
 #include "cli/pictures/OutputFile.h"
 #include "cli/pictures/RowEncoder.h"
 #include "cli/pictures/SampleTypes.h"
@@ -57,8 +57,8 @@ bool writesAlpha(const ImageFormat& format, const OutputPicture& picture) {
 
 void addMetadata(OIIO::ImageSpec& spec, const OutputPicture& picture) {
   if (picture.metadata) {
-    for (const OIIO::ParamValue& value : picture.metadata->values) {
-      spec.extra_attribs.add_or_replace(value);
+    for (const Attribute& attribute : picture.metadata->attributes()) {
+      addAttribute(spec, attribute);
     }
   }
   if (picture.colour_space) {

@@ -1,6 +1,5 @@
 #include "cli/pictures/PictureHeader.h"
 
-#include <OpenImageIO/imageio.h>
 #include <fmt/format.h>
 
 #include <cstdint>
@@ -22,31 +21,31 @@ void requireSpan(int begin, int size, const char* what, const std::string& path)
   }
 }
 
+bool isPossible(int tile_side) {
+  return tile_side >= 0 && tile_side <= kWindowLimit;
+}
+
 }  // namespace
 
-void requireSaneHeader(const OIIO::ImageSpec& spec, const std::string& path) {
-  requireSpan(spec.x, spec.width, "data window's width", path);
-  requireSpan(spec.y, spec.height, "data window's height", path);
-  requireSpan(spec.full_x, spec.full_width, "display window's width", path);
-  requireSpan(spec.full_y, spec.full_height, "display window's height", path);
-  if (spec.tile_width < 0 || spec.tile_height < 0 || spec.tile_width > kWindowLimit ||
-      spec.tile_height > kWindowLimit) {
+void requireSaneHeader(const PictureHeader& header, const std::string& path) {
+  requireSpan(header.data.x, header.data.width, "data window's width", path);
+  requireSpan(header.data.y, header.data.height, "data window's height", path);
+  requireSpan(header.display.x, header.display.width, "display window's width", path);
+  requireSpan(header.display.y, header.display.height, "display window's height", path);
+  if (!isPossible(header.tile.width) || !isPossible(header.tile.height)) {
     throw fileFailure(
-        path, fmt::format("states tiles of {}x{} pixels; write the file again", spec.tile_width, spec.tile_height));
+        path, fmt::format("states tiles of {}x{} pixels; write the file again", header.tile.width, header.tile.height));
   }
 }
 
-host::Rect dataWindow(const OIIO::ImageSpec& spec, const std::string& format) {
-  const bool states_display_window = format == "openexr" || spec.full_x != 0 || spec.full_y != 0 ||
-                                     spec.full_width != spec.width || spec.full_height != spec.height;
-  const int left = states_display_window ? spec.x - spec.full_x : 0;
-  const int top = states_display_window ? spec.y - spec.full_y : 0;
-  return {left, top, left + spec.width, top + spec.height};
-}
-
-int orientationOf(const OIIO::ImageSpec& spec) {
-  const int orientation = spec.get_int_attribute("Orientation", 1);
-  return orientation >= 1 && orientation <= 8 ? orientation : 1;
+host::Rect dataWindow(const PictureHeader& header) {
+  const Window& data = header.data;
+  const Window& display = header.display;
+  const bool states_display_window = header.format == "openexr" || display.x != 0 || display.y != 0 ||
+                                     display.width != data.width || display.height != data.height;
+  const int left = states_display_window ? data.x - display.x : 0;
+  const int top = states_display_window ? data.y - display.y : 0;
+  return {left, top, left + data.width, top + data.height};
 }
 
 }  // namespace vantorel::cli

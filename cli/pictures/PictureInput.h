@@ -1,0 +1,42 @@
+// A picture file that is open for reading, whatever its format.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+
+#include "cli/base/CommandError.h"
+#include "cli/pictures/PictureHeader.h"
+#include "host/Image.h"
+
+namespace vantorel::cli {
+
+// Some of a picture's channels, by their numbers in the header.
+struct ChannelRange {
+  int first = 0;
+  int end = 0;
+};
+
+// To be used by one thread at a time.
+class PictureInput {
+ public:
+  PictureInput() = default;
+  virtual ~PictureInput() = default;
+  PictureInput(const PictureInput&) = delete;
+  PictureInput& operator=(const PictureInput&) = delete;
+
+  virtual const PictureHeader& header() const = 0;
+
+  // Reads those channels, at most four, of rows.size.height rows of the data window, `y_begin` being counted from its
+  // top, into the first channels of `rows` (four to a pixel), at its depth. A picture that is kept in tiles is read by
+  // whole rows of tiles. Throws CommandError naming the file.
+  virtual void readRows(int y_begin, ChannelRange channels, const host::ImageView& rows) = 0;
+};
+
+// Opens the file and reads its header, which is not checked yet. Throws CommandError (file failure) naming the path.
+std::unique_ptr<PictureInput> openPictureInput(const std::string& path);
+
+// The fault of a file that its library does not understand, with the library's reason.
+CommandError unreadablePicture(const std::string& path, const std::string& reason);
+
+}  // namespace vantorel::cli
