@@ -2,9 +2,16 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <filesystem>
+#include <string_view>
+
 #include "cli/base/CommandError.h"
+#include "cli/base/NumberParsing.h"
 
 namespace vantorel::cli {
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -66,6 +73,28 @@ FramePattern FramePattern::parse(const std::string& input, const std::string& te
     }
   }
   return pattern;
+}
+
+std::optional<FramePattern::Numbers> FramePattern::existing() const {
+  // The number may be in the name of a folder on the way to the file.
+  const std::string folder = before_.substr(0, before_.rfind('/') + 1);
+  std::optional<Numbers> numbers;
+  std::error_code fault;
+  for (fs::directory_iterator entry(folder.empty() ? "." : folder, fault), end; !fault && entry != end;
+       entry.increment(fault)) {
+    const std::string name = folder + entry->path().filename().string();
+    if (name.compare(0, before_.size(), before_) != 0) {
+      continue;
+    }
+    const std::size_t number_end = name.find_first_not_of("-0123456789", before_.size());
+    const auto number = parseInt(std::string_view(name).substr(before_.size(), number_end - before_.size()));
+    std::error_code missing;
+    if (number && path(*number).compare(0, name.size(), name) == 0 && fs::exists(path(*number), missing)) {
+      numbers = numbers ? Numbers{std::min(numbers->first, *number), std::max(numbers->last, *number)}
+                        : Numbers{*number, *number};
+    }
+  }
+  return numbers;
 }
 
 std::string FramePattern::path(std::int32_t frame) const {

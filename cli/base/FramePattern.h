@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace vantorel::cli {
@@ -19,6 +20,13 @@ class FramePattern {
 
   bool hasNumber() const { return has_number_; }
   std::string path(std::int32_t frame) const;
+  // The numbers of which there are files.
+  struct Numbers {
+    std::int32_t first = 0;
+    std::int32_t last = 0;
+  };
+  // Nothing where there is no file, or where the folder cannot be listed.
+  std::optional<Numbers> existing() const;
   const std::string& text() const { return text_; }
 
  private:

@@ -38,6 +38,15 @@ constexpr auto kSetCorner = setPosition<&RenderOptions::corners, Which>;
 template <Corner Which>
 constexpr auto kSetSourceCorner = setPosition<&RenderOptions::source, Which>;
 
+template <std::optional<std::int32_t> RenderOptions::*Number>
+void setNumber(RenderOptions& options, const std::string& name, const std::string& value) {
+  const auto number = parseInt(value);
+  if (!number) {
+    throw badArgument(name, fmt::format("'{}' is not a frame number; give a whole number", value));
+  }
+  options.*Number = *number;
+}
+
 }  // namespace
 
 const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
@@ -83,8 +92,10 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
           {"--crop", "L,T,R,B", kCompositing,
            "Cut so many pixels, or percent, from the layer's sides first; what is left is the layer",
            [](Options& o, Text name, Text value) { o.crop = parseCrop(name, value); }},
-          {"--alpha", "straight|premultiplied|ignore", kCompositing,
-           "How to take the layer's alpha (default: as its file says); ignore: the layer is opaque",
+          {"--alpha,--alpha-layer", "straight|premultiplied|ignore", kCompositing,
+           "How to take the layer's alpha (default: as its file says): its colours are straight, still to be "
+           "multiplied "
+           "by it, or premultiplied, multiplied already; ignore: the layer is opaque",
            [](Options& o, Text name, Text value) {
              o.alpha = parseChoice<AlphaReading>(name, value,
                                                  {{"straight", AlphaReading::Straight},
@@ -177,6 +188,22 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
           {"--frames", "A-B[xS]", kSequences,
            "A sequence, every S-th frame of it; %04d or #### in LAYER, OUT and PLATE stands for the frame",
            [](Options& o, Text name, Text value) { o.frames = parseFrameRange(name, value); }, nullptr, kLeaves},
+          {"--layer-start", "N", kSequences,
+           "The frame that shows the layer's first file (default: its files are numbered as the shot is)",
+           setNumber<&RenderOptions::layer_start>, nullptr, kLeaves},
+          {"--layer-end", "hold|loop|stop", kSequences,
+           "After the layer's last file hold it, start over, or stop the shot (default: a missing file is an error)",
+           [](Options& o, Text name, Text value) {
+             o.layer_end = parseChoice<SequenceEnd>(
+                 name, value, {{"hold", SequenceEnd::Hold}, {"loop", SequenceEnd::Loop}, {"stop", SequenceEnd::Stop}});
+           },
+           nullptr, kLeaves},
+          {"--over-start", "N", kSequences, "The same for the plate", setNumber<&RenderOptions::plate_start>, nullptr,
+           kLeaves},
+          {"--matte-start", "N", kSequences, "The same for the matte", setNumber<&RenderOptions::matte_start>, nullptr,
+           kLeaves},
+          {"--at", "FRAME", kSequences, "Which frame of the file of corners a still shows (default: 0)",
+           setNumber<&RenderOptions::at>, nullptr, kLeaves},
           {"--fps", "RATE", kSequences, "Frames per second, such as 25, 23.976 or 24000/1001 (default: 24)",
            [](Options& o, Text name, Text value) { o.rate = parseFrameRate(name, value); }},
           {"--resume", "", kSequences,

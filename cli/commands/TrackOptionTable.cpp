@@ -50,7 +50,8 @@ const TrackOptionRow kTrackOptions[kTrackOptionCount]{
      [](TrackOptions& o, const std::string& name, const std::string& value) {
        o.resolve.given.pixel_centres = parseChoice<double>(name, value, {{"0", 0.0}, {"0.5", 0.5}});
      }},
-    {"--corners-first", "N", "The frame of the track's first key (default: frames as the file counts them, from 1)",
+    {"--corners-first,--corners-start", "N",
+     "The frame of the track's first key (default: frames as the file counts them, from 1)",
      [](TrackOptions& o, const std::string& name, const std::string& value) {
        o.resolve.first_frame = parseIntInRange(name, value, -kLongestGap, kLongestGap);
      }},

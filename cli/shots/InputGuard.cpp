@@ -28,8 +28,8 @@ std::optional<FileIdentity> identityOf(const std::string& path) {
 }
 
 // Calls visit(path) for every file of the pattern in the shot's frames.
-template <typename Visit>
-void forFiles(const FramePattern& files, const FrameRange& frames, const Visit& visit) {
+template <typename Files, typename Visit>
+void forFiles(const Files& files, const FrameRange& frames, const Visit& visit) {
   const std::int64_t count = files.hasNumber() ? std::min(frames.count(), kMaxFrames) : 1;
   for (std::int64_t i = 0; i < count; ++i) {
     visit(files.path(frames.at(i)));

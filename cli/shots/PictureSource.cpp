@@ -4,7 +4,7 @@
 
 namespace vantorel::cli {
 
-PictureSource::PictureSource(FramePattern files, host::Depth depth, Prepare prepare, AlphaReading alpha)
+PictureSource::PictureSource(InputFiles files, host::Depth depth, Prepare prepare, AlphaReading alpha)
     : files_(std::move(files)), depth_(depth), prepare_(std::move(prepare)), alpha_(alpha) {}
 
 std::shared_ptr<const Picture> PictureSource::at(std::int32_t frame, const std::stop_token& stop) {

@@ -8,9 +8,9 @@
 #include <stop_token>
 #include <string>
 
-#include "cli/base/FramePattern.h"
 #include "cli/pictures/ImageReader.h"
 #include "cli/pictures/Picture.h"
+#include "cli/shots/InputFiles.h"
 
 namespace vantorel::cli {
 
@@ -20,7 +20,7 @@ class PictureSource {
   // What is done to a picture after reading, once; may throw CommandError. The string is the picture's path.
   using Prepare = std::function<void(Picture&, const std::string&)>;
 
-  PictureSource(FramePattern files, host::Depth depth, Prepare prepare, AlphaReading alpha = AlphaReading::AsStated);
+  PictureSource(InputFiles files, host::Depth depth, Prepare prepare, AlphaReading alpha = AlphaReading::AsStated);
 
   bool isStill() const { return !files_.hasNumber(); }
   std::string path(std::int32_t frame) const { return files_.path(frame); }
@@ -31,7 +31,7 @@ class PictureSource {
  private:
   std::shared_ptr<const Picture> read(const std::string& path, const std::stop_token& stop) const;
 
-  FramePattern files_;
+  InputFiles files_;
   host::Depth depth_;
   Prepare prepare_;
   AlphaReading alpha_;

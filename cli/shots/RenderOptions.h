@@ -14,6 +14,7 @@
 #include "cli/pictures/ImageFormats.h"
 #include "cli/pictures/ImageReader.h"
 #include "cli/shots/Crop.h"
+#include "cli/shots/InputFiles.h"
 #include "host/Instance.h"
 
 namespace vantorel::cli {
@@ -39,7 +40,13 @@ struct RenderOptions {
   TrackOptions track;              // files of corners; none without any
   std::optional<host::Size> size;  // the output picture's, at full resolution
   bool fit = false;
-  std::string plate;  // as `layer`; empty without one
+  // The frame that shows a sequence's first file; nothing: files are numbered as the shot is.
+  std::optional<std::int32_t> layer_start;
+  std::optional<std::int32_t> plate_start;
+  std::optional<std::int32_t> matte_start;
+  std::optional<SequenceEnd> layer_end;  // nothing: a file that is missing is an error
+  std::optional<std::int32_t> at;        // the frame of the corners that a still shows
+  std::string plate;                     // as `layer`; empty without one
   std::optional<Crop> crop;
   AlphaReading alpha = AlphaReading::AsStated;  // the layer's
   std::optional<EnlargeFilter> enlarge;         // nothing: the effect's own interpolation

@@ -103,8 +103,9 @@ std::uint64_t commonSettings(const Shot& shot, host::Size layer) {
 }
 
 std::uint64_t settingsOf(const Shot& shot, std::int32_t frame) {
-  return hashOf(fmt::format("{:x}\nframe {}\nlayer {}\nplate {}", shot.settings, frame, shot.layer_files.path(frame),
-                            shot.plate_files ? shot.plate_files->path(frame) : ""));
+  const auto name = [&](const std::optional<InputFiles>& files) { return files ? files->path(frame) : ""; };
+  return hashOf(fmt::format("{:x}\nframe {}\nlayer {}\nplate {}\nmatte {}", shot.settings, frame,
+                            shot.layer_files.path(frame), name(shot.plate_files), name(shot.matte_files)));
 }
 
 FrameState stateOf(const Shot& shot, std::int32_t frame) {

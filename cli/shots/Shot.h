@@ -9,6 +9,7 @@
 #include "cli/base/FramePattern.h"
 #include "cli/corners/CornersTrack.h"
 #include "cli/shots/Enlargement.h"
+#include "cli/shots/InputFiles.h"
 #include "cli/shots/PictureSource.h"
 #include "cli/shots/RenderOptions.h"
 #include "host/Module.h"
@@ -18,9 +19,9 @@ namespace vantorel::cli {
 struct Shot {
   RenderOptions options;
   FrameRange frames;
-  FramePattern layer_files;
-  std::optional<FramePattern> plate_files;
-  std::optional<FramePattern> matte_files;
+  InputFiles layer_files;
+  std::optional<InputFiles> plate_files;
+  std::optional<InputFiles> matte_files;
   FramePattern output;
   const ImageFormat* format = nullptr;
   std::unique_ptr<PictureSource> layer;

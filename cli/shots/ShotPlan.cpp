@@ -4,23 +4,20 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 
 #include "cli/base/CommandError.h"
 #include "cli/base/Memory.h"
 #include "cli/base/Text.h"
 #include "cli/pictures/ColourConversion.h"
 #include "cli/pictures/ImageReader.h"
-#include "cli/pictures/OutputFile.h"
 #include "cli/pictures/Reduce.h"
 #include "cli/shots/InputGuard.h"
 #include "cli/shots/ModuleLocation.h"
 #include "cli/shots/Resume.h"
+#include "cli/shots/ShotFiles.h"
 #include "cli/shots/ShotMemory.h"
 
 namespace vantorel::cli {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -33,6 +30,12 @@ void refuseContradictions(const RenderOptions& options) {
   }
   if (options.track.files.empty() && !options.track.first_option.empty()) {
     throw badArgument(options.track.first_option, "tells of the file of corners; name one with --corners, or omit it");
+  }
+  if (options.at && options.track.files.empty()) {
+    throw badArgument("--at", "tells of the file of corners; name one with --corners, or omit it");
+  }
+  if (options.at && options.frames) {
+    throw badArgument("--at", "is for stills; omit it, or omit --frames");
   }
   if (options.fit && options.size) {
     throw badArgument("--fit", "cannot be given together with --size; omit one of them");
@@ -61,31 +64,6 @@ void refuseContradictions(const RenderOptions& options) {
   if (options.placement == host::Placement::Centres && options.edges == host::Edges::Crisp) {
     throw badArgument("--edges", "must be soft with --placement centres; omit one of them");
   }
-}
-
-// The files of an input or of the output. Without --frames every character of the name stands for itself.
-FramePattern filesOf(const std::string& input, const std::string& name, const RenderOptions& options) {
-  if (options.frames) {
-    return FramePattern::parse(input, name);
-  }
-  std::error_code fault;
-  if (name.find_first_of("#%") != std::string::npos && !fs::exists(name, fault) &&
-      FramePattern::parse(input, name).hasNumber()) {
-    throw badArgument(input,
-                      fmt::format("'{}' stands for a sequence; say which frames with --frames FIRST-LAST", name));
-  }
-  return FramePattern::literal(name);
-}
-
-FramePattern outputFiles(const RenderOptions& options, const FrameRange& frames) {
-  FramePattern files = filesOf("--output", options.output, options);
-  if (frames.count() > 1 && !files.hasNumber()) {
-    throw badArgument("--output", fmt::format("'{}' has no place for the frame number, so that every frame would "
-                                              "replace the one before; put %04d or #### into the name",
-                                              options.output));
-  }
-  requireWritablePlace(files.path(frames.first));
-  return files;
 }
 
 CornersTrack cornersOf(const RenderOptions& options) {
@@ -128,7 +106,7 @@ FrameHeads probeFrame(const Shot& shot, std::int32_t frame) {
   return heads;
 }
 
-bool isSequence(const std::optional<FramePattern>& files) {
+bool isSequence(const std::optional<InputFiles>& files) {
   return files && files->hasNumber();
 }
 
@@ -220,23 +198,9 @@ void requirePlateSize(const RenderOptions& options, const PictureInfo& plate) {
   }
 }
 
-// The names of the files, checked as far as they can be without reading any.
-void planFiles(Shot& shot) {
-  const RenderOptions& options = shot.options;
-  shot.format = &formatForOutput("--output", options.output);
-  shot.layer_files = filesOf("LAYER", options.layer, options);
-  if (!options.plate.empty()) {
-    shot.plate_files = filesOf("--over", options.plate, options);
-  }
-  if (!options.matte.empty()) {
-    shot.matte_files = filesOf("--matte", options.matte, options);
-  }
-  shot.output = outputFiles(options, shot.frames);
-}
-
 // Whether 8 bits would lose colour in nearly transparent pixels, where dividing by alpha magnifies the rounding. A
 // still is searched for such pixels; of a sequence it is assumed that any picture with alpha has some.
-bool needsDeeperAlpha(const FramePattern& files, const PictureInfo& info, std::int32_t frame) {
+bool needsDeeperAlpha(const InputFiles& files, const PictureInfo& info, std::int32_t frame) {
   return info.is_unassociated && info.samples == SampleType::Bits8 &&
          (files.hasNumber() || hasSoftAlpha(files.path(frame)));
 }
@@ -297,11 +261,10 @@ Shot planShot(const RenderOptions& options) {
   refuseContradictions(options);
   Shot shot;
   shot.options = options;
-  shot.frames = options.frames.value_or(FrameRange{});
+  planFiles(shot);
   // The first and the last frame are the furthest in time.
   timeOf(shot.frames.first, options.rate);
   timeOf(shot.frames.last, options.rate);
-  planFiles(shot);
   if (!options.overwrite) {
     refuseToReplaceInputs(shot);
   }

@@ -14,23 +14,20 @@ namespace {
 
 using Names = std::set<std::string>;
 
+// Every long option in the text.
+Names optionsIn(const std::string& text) {
+  static const std::regex kOption("--[a-z]+(-[a-z]+)*");
+  return {std::sregex_token_iterator(text.begin(), text.end(), kOption), {}};
+}
+
 // The long options of a table, with the help's own; arguments are left out.
 template <typename Options>
 Names namesOf(const std::vector<OptionRow<Options>>& table) {
   Names names{"--help"};
   for (const OptionRow<Options>& row : table) {
-    const std::string text = row.names;
-    if (const std::size_t at = text.find("--"); at != std::string::npos) {
-      names.insert(text.substr(at));
-    }
+    names.merge(optionsIn(row.names));
   }
   return names;
-}
-
-// Every long option in the text.
-Names optionsIn(const std::string& text) {
-  static const std::regex option("--[a-z]+(-[a-z]+)*");
-  return {std::sregex_token_iterator(text.begin(), text.end(), option), {}};
 }
 
 std::string document(const std::string& name) {
@@ -79,12 +76,12 @@ TEST(OptionTable, ChoicesAreTakenAndCompleted) {
     }
     RenderOptions options;
     EXPECT_THROW(row.set(options, row.names, "no such choice"), CommandError);
-    static const std::regex word("[^|]+");
-    for (std::sregex_iterator choice(choices.begin(), choices.end(), word), end; choice != end; ++choice) {
+    static const std::regex kWord("[^|]+");
+    for (std::sregex_iterator choice(choices.begin(), choices.end(), kWord), end; choice != end; ++choice) {
       EXPECT_NO_THROW(row.set(options, row.names, choice->str())) << row.names << " " << choice->str();
     }
-    EXPECT_EQ(completionWords(completion, std::string("    ") + row.names),
-              std::regex_replace(choices, std::regex("\\|"), " "));
+    const std::string pattern = std::regex_replace(row.names, std::regex(","), " | ");
+    EXPECT_EQ(completionWords(completion, "    " + pattern), std::regex_replace(choices, std::regex("\\|"), " "));
   }
 }
 

@@ -66,6 +66,38 @@ std::set<int> resumed(const TestFolder& folder, const std::string& shot, const s
   return frames;
 }
 
+TEST(SequenceCommand, InputsStartAndEndWhereTheOptionsSay) {
+  const TestFolder folder;
+  makeShot(folder);
+  const std::string base = "render plate.%d.jpg --over big.png --ul 10,10 --lr 100,80 ";
+  const auto shows = [&](int frame, int plate) {
+    runWell(folder,
+            "render plate." + std::to_string(plate) + ".jpg -o still.png --over big.png --ul 10,10 --lr 100,80");
+    EXPECT_EQ(difference(folder / "still.png", folder / outputName(frame)), 0.0) << frame << " shows " << plate;
+  };
+  const std::string late = base + "-o out.%02d.png --frames 8-16x2 --layer-start 7 ";
+  runWell(folder, late + "--layer-end hold");
+  shows(8, 2);
+  EXPECT_EQ(difference(folder / "out.14.png", folder / "out.16.png"), 0.0);
+  // What a frame shows is recorded: the frames that loop has as hold has them are kept.
+  EXPECT_EQ(resumed(folder, late + "--layer-end loop", {}), (std::set<int>{12, 14}));
+  runWell(folder, "render plate.3.jpg -o still.png --over big.png --ul 10,10 --lr 100,80");
+  EXPECT_EQ(difference(folder / "still.png", folder / "out.14.png"), 0.0);
+  EXPECT_NE(run(folder, late + "--frames 10-20 --layer-end stop").err.find("the layer ends at frame 11"),
+            std::string::npos);
+  EXPECT_FALSE(std::filesystem::exists(folder / "out.20.png"));
+  // The plate and the corners, and a still of the same frame.
+  runWell(folder,
+          "render card.png -o out.%02d.png --frames 3 --over plate.%d.jpg --over-start -1 --corners track.csv "
+          "--corners-start 0");
+  runWell(folder, "render card.png -o still.png --over plate.5.jpg --corners track.csv --at 4");
+  EXPECT_EQ(difference(folder / "still.png", folder / outputName(3)), 0.0);
+  // The files that are protected are those that are shown.
+  EXPECT_EQ(run(folder, "render card.png -o plate.5.jpg --frames 3 --over plate.%d.jpg --over-start -1").code, 2);
+  EXPECT_EQ(run(folder, base + "-o out.png --layer-start 3").code, 2);
+  EXPECT_EQ(run(folder, "render none.%d.jpg -o out.%d.png --frames 1-2 --layer-start 3").code, 3);
+}
+
 TEST(SequenceCommand, ResumeRendersWhatIsMissingOldDamagedOrMadeInAnotherWay) {
   namespace fs = std::filesystem;
   const TestFolder folder;
