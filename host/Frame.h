@@ -56,6 +56,10 @@ struct FrameOptions {
   // Samples a pixel along each axis: 1, 2, 4 or 8; 0: by rule at Best, else 1. A tile takes fewer where its corners, so
   // many times enlarged, leave the effect's 16.16 numbers. With Placement::Centres 0 or 1 alone, and Soft edges.
   int samples = 0;
+  // Draws Standard and High in tiles of a fixed grid too, as Best is. Then no bit depends on the canvas: a part of a
+  // picture equals that part of the whole, and costs about its share. Otherwise a perspective picture at Standard or
+  // High is drawn in one piece, and its last digits depend on where its canvas begins. With Placement::Outline alone.
+  bool canvas_independent = false;
   // Moving corners are drawn at several moments, in tiles; with Placement::Outline alone.
   Shutter shutter{};
   Protocol protocol = Protocol::Smart;

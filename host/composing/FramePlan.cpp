@@ -125,7 +125,8 @@ Edges edgesOf(const FrameOptions& options) {
 
 bool needsTiles(const FrameOptions& options, const FramePlan& plan) {
   return options.placement == Placement::Outline &&
-         (plan.path == RenderPath::Bilinear || plan.has_source || plan.edges == Edges::Crisp || plan.samples != 1);
+         (options.canvas_independent || plan.path == RenderPath::Bilinear || plan.has_source ||
+          plan.edges == Edges::Crisp || plan.samples != 1);
 }
 
 int samplesFor(const FramePlan& plan, const Rect& part) {

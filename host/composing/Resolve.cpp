@@ -147,8 +147,11 @@ void resolveRow(const ConstImageView& samples, const CoverageRegion& region, int
     weightEdge<Channel, n>(samples, sample_row, rows, x + from_x, at(x));
   }
   if constexpr (n == 1) {
-    std::memmove(at(solid_begin), channelsAt<Channel>(samples, solid_begin + from_x, sample_row),
-                 sizeof(Channel) * kChannels * static_cast<std::size_t>(solid_end - solid_begin));
+    const Channel* const from = channelsAt<Channel>(samples, solid_begin + from_x, sample_row);
+    if (from != at(solid_begin)) {
+      std::memmove(at(solid_begin), from,
+                   sizeof(Channel) * kChannels * static_cast<std::size_t>(solid_end - solid_begin));
+    }
   } else {
     for (int x = solid_begin; x < solid_end; x += kBatch) {
       averageSolid<Channel, n>(samples, (x + from_x) * n, sample_row, std::min(kBatch, solid_end - x), at(x));

@@ -18,15 +18,16 @@ struct Columns {
   bool hold(int x) const { return x >= begin && x < end; }
 };
 
-// The pixels of a row that the scan draws wholly.
-Columns wholeColumns(const CoverageRegion& scanned, const Box& bounds, int y, int width) {
+// The pixels of a row that the scan draws wholly, in a part's columns.
+Columns wholeColumns(const CoverageRegion& scanned, const Box& bounds, int y, const Rect& part) {
   if (y < bounds.top || y + 1.0 > bounds.bottom) {
     return {};
   }
   const CoverageRegion::Span span = scanned.spanAt(y);
-  const double limit = width;
-  return {static_cast<int>(std::ceil(std::clamp(span.left + kDrift, 0.0, limit))),
-          static_cast<int>(std::floor(std::clamp(span.right - kDrift, 0.0, limit)))};
+  const double left = part.left;
+  const double right = part.right;
+  return {static_cast<int>(std::ceil(std::clamp(span.left + kDrift, left, right))),
+          static_cast<int>(std::floor(std::clamp(span.right - kDrift, left, right)))};
 }
 
 struct Step {
@@ -42,26 +43,27 @@ constexpr std::array<Step, 24> kNeighbours{{{1, 0}, {-1, 0}, {0, 1},  {0, -1},  
 // The whole columns of a row and of kScanApron rows on either side.
 class RowWindow {
  public:
-  RowWindow(const CoverageRegion& scanned, Size size) : scanned_(scanned), bounds_(scanned.bounds()), size_(size) {
-    for (int y = 0; y < kScanApron; ++y) {
+  RowWindow(const CoverageRegion& scanned, const Rect& part)
+      : scanned_(scanned), bounds_(scanned.bounds()), part_(part) {
+    for (int y = part.top; y < part.top + kScanApron; ++y) {
       load(y);
     }
   }
 
   void advanceTo(int y) { load(y + kScanApron); }
 
-  bool isWhole(int x, int y) const { return y >= 0 && y < size_.height && slot(y).hold(x); }
+  bool isWhole(int x, int y) const { return y >= part_.top && y < part_.bottom && slot(y).hold(x); }
   const Columns& row(int y) const { return slot(y); }
 
  private:
   static constexpr int kRows = 2 * kScanApron + 1;
 
-  void load(int y) { rows_[static_cast<std::size_t>(y % kRows)] = wholeColumns(scanned_, bounds_, y, size_.width); }
+  void load(int y) { rows_[static_cast<std::size_t>(y % kRows)] = wholeColumns(scanned_, bounds_, y, part_); }
   const Columns& slot(int y) const { return rows_[static_cast<std::size_t>(y % kRows)]; }
 
   const CoverageRegion& scanned_;
   Box bounds_;
-  Size size_;
+  Rect part_;
   std::array<Columns, kRows> rows_{};
 };
 
@@ -76,14 +78,15 @@ void extendPixel(const RowWindow& window, int x, int y, const ImageView& drawn) 
 
 }  // namespace
 
-void extendScan(const CoverageRegion& scanned, const CoverageRegion& covered, const ImageView& drawn) {
-  RowWindow window(scanned, drawn.size);
-  for (int y = 0; y < drawn.size.height; ++y) {
+void extendScan(const CoverageRegion& scanned, const CoverageRegion& covered, const Rect& part,
+                const ImageView& drawn) {
+  RowWindow window(scanned, part);
+  for (int y = part.top; y < part.bottom; ++y) {
     window.advanceTo(y);
     const RowCoverage wanted = covered.row(y);
     const Columns& whole = window.row(y);
-    const int begin = std::clamp(wanted.begin, 0, drawn.size.width);
-    const int end = std::clamp(wanted.end, begin, drawn.size.width);
+    const int begin = std::clamp(wanted.begin, part.left, part.right);
+    const int end = std::clamp(wanted.end, begin, part.right);
     for (int x = begin; x < end; ++x) {
       if (whole.hold(x)) {
         x = whole.end - 1;

@@ -5,16 +5,20 @@
 #include <cstring>
 
 #include "host/composing/Accumulate.h"
-#include "host/composing/PathChoice.h"
 #include "host/composing/Resolve.h"
 #include "host/composing/ScanEdges.h"
 #include "host/composing/Shutter.h"
+#include "host/composing/TileLayer.h"
 #include "host/frames/FrameParameters.h"
 #include "host/frames/FrameProtocols.h"
 
 namespace vantorel::host {
 
 namespace {
+
+// The widest columns, in pixels, that a tile on the perspective path is drawn in: a narrow part of a tile costs at most
+// as much. Narrower ones cost whole frames more than they save.
+constexpr int kMaxStripWidth = 128;
 
 // A whole move needs neither the outline's half pixels nor more than one sample.
 struct Convention {
@@ -30,48 +34,6 @@ Convention conventionOf(const FramePlan& plan) {
     return {SampleSpace::Centres, 0.0};
   }
   return {plan.edges == Edges::Crisp ? SampleSpace::OutlineExtended : SampleSpace::Outline, 0.5};
-}
-
-// The samples of a tile: a grid of `samples` a pixel, whose first column and row lie `apron` before the tile.
-struct TileGrid {
-  Rect area;
-  int samples;
-  int apron_x;
-  int apron_y;
-
-  Size size() const { return {area.width() * samples + 2 * apron_x, area.height() * samples + 2 * apron_y}; }
-  // Where the grid begins, in pixels.
-  Point origin() const {
-    return {area.left - static_cast<double>(apron_x) / samples, area.top - static_cast<double>(apron_y) / samples};
-  }
-};
-
-// Corners in the coordinates of a grid that begins at `origin`, moved by -half a sample where the effect counts from
-// centres.
-Corners onGrid(const Corners& corners, const Point& origin, int samples, double half) {
-  const auto move = [&](const Point& p) {
-    return Point{(p.x - origin.x) * samples - half, (p.y - origin.y) * samples - half};
-  };
-  return {move(corners.upper_left), move(corners.upper_right), move(corners.lower_left), move(corners.lower_right)};
-}
-
-bool areCoordinates(const Corners& corners) {
-  bool fit = true;
-  for (std::size_t i = 0; i < kCornerCount; ++i) {
-    fit = fit && isCoordinate(corners[i].x) && isCoordinate(corners[i].y);
-  }
-  return fit;
-}
-
-// Whether the map's horizon runs through a point: a module that normalises its map there has none to draw by.
-bool isOnHorizon(const FramePlan& plan, const Point& p) {
-  constexpr double kRounding = 1e-9;
-  return std::abs(plan.inverse->weight(p)) < kRounding * std::abs(plan.inverse->weight(plan.outline.middle()));
-}
-
-Box boxOf(const Rect& rect) {
-  return {static_cast<double>(rect.left), static_cast<double>(rect.top), static_cast<double>(rect.right),
-          static_cast<double>(rect.bottom)};
 }
 
 ImageView partOf(const ImageView& view, int x, int y, Size size) {
@@ -94,92 +56,77 @@ void copy(const ImageView& from, const ImageView& to) {
   }
 }
 
-// What of the layer is handed to the module, and where its corners go on a grid.
-struct LayerPart {
-  ImageView pixels;
-  Corners corners;
+// A part of a tile that is drawn at once.
+struct Piece {
+  TileGrid grid;  // that of the tile or of a column of it, whatever is visible
+  Rect visible;   // what of it is asked for, in output pixels
+  Rect samples;   // what of the grid is needed for it
 };
 
-bool isDrawable(const Corners& corners, RenderPath path) {
-  return areCoordinates(corners) && pathOf(corners) == path;
-}
-
-// The whole layer, where the effect's numbers hold its corners.
-std::optional<LayerPart> wholeLayer(const FramePlan& plan, const TileGrid& grid, double half, const ImageView& layer) {
-  if (!plan.whole) {
-    return std::nullopt;
-  }
-  const Corners corners = onGrid(*plan.whole, grid.origin(), grid.samples, half);
-  const bool is_drawable = plan.has_source ? isDrawable(corners, plan.path) : areCoordinates(corners);
-  return is_drawable ? std::optional(LayerPart{layer, corners}) : std::nullopt;
-}
-
-// How far beyond what a part of the picture shows of the layer its pixels' boxes can reach, in layer pixels.
-double marginFor(const FramePlan& plan, const ConvexPolygon& shown) {
-  constexpr double kLargestBox = 16.0;
-  double extent = 1.0;
-  for (const Point& point : shown.points()) {
-    const Jacobian j = plan.inverse->derivative(point);
-    extent = std::max({extent, std::abs(j.xx) + std::abs(j.xy), std::abs(j.yx) + std::abs(j.yy)});
-  }
-  return 1.0 + std::min(extent, kLargestBox);
-}
-
-// The part of the layer that the grid shows, with a margin for the pixels' boxes.
-std::optional<LayerPart> shownLayer(const FramePlan& plan, const TileGrid& grid, double half, const ImageView& layer) {
-  const Rect& area = grid.area;
-  const ConvexPolygon shown =
-      plan.outline.cut(Box{area.left - 1.0, area.top - 1.0, area.right + 1.0, area.bottom + 1.0});
-  if (shown.empty()) {
-    return std::nullopt;
-  }
-  const Box needed = shown.mappedBy(*plan.inverse).bounds();
-  const double margin = marginFor(plan, shown);
-  const auto low = [&](double value, int size) {
-    return static_cast<int>(std::clamp(std::floor(value - margin), 0.0, size - 1.0));
+// What of a grid is needed for the visible pixels: on the bilinear path with aprons.
+Rect samplesFor(const TileGrid& grid, const Rect& visible, bool is_scanned) {
+  const auto range = [&](int begin, int end, int from, int apron) {
+    const int lower = (begin - from) * grid.samples + apron;
+    const int upper = (end - from) * grid.samples + apron;
+    return is_scanned ? std::pair(lower - apron, upper + apron) : std::pair(lower, upper);
   };
-  const auto high = [&](double value, int size) {
-    return static_cast<int>(std::clamp(std::ceil(value + margin), 1.0, static_cast<double>(size)));
-  };
-  const Rect part{low(needed.left, layer.size.width), low(needed.top, layer.size.height),
-                  high(needed.right, layer.size.width), high(needed.bottom, layer.size.height)};
-  const std::optional<Corners> image = imageOf(boxOf(part), *plan.map);
-  if (!image || part.empty()) {
-    return std::nullopt;
-  }
-  const Corners corners = onGrid(*image, grid.origin(), grid.samples, half);
-  if (!isDrawable(corners, RenderPath::Perspective)) {
-    return std::nullopt;
-  }
-  return LayerPart{partOf(layer, part.left, part.top, {part.width(), part.height()}), corners};
+  const auto [left, right] = range(visible.left, visible.right, grid.area.left, grid.apron_x);
+  const auto [top, bottom] = range(visible.top, visible.bottom, grid.area.top, grid.apron_y);
+  return {left, top, right, bottom};
 }
 
-std::optional<LayerPart> layerFor(const FramePlan& plan, const TileGrid& grid, double half, const ImageView& layer) {
-  std::optional<LayerPart> part = wholeLayer(plan, grid, half, layer);
-  const bool can_be_cut = plan.path == RenderPath::Perspective && plan.inverse;
-  return part || !can_be_cut ? part : shownLayer(plan, grid, half, layer);
-}
-
-TileGrid gridOf(const FramePlan& plan, const Tile& tile) {
-  TileGrid grid{tile.area, plan.is_whole_move ? 1 : tile.samples, 0, 0};
+// Calls `draw(piece)` for what has to be drawn so that `visible` is: it ends with the first error.
+//
+// A perspective row's bits depend on where the row begins, so that the tile is cut into columns of a fixed width; its
+// rows do not depend on each other. The bilinear scan may begin anywhere.
+template <typename Draw>
+Result<void> forEachPiece(const FramePlan& plan, const Rect& tile, int samples, const Rect& visible, const Draw& draw) {
   if (plan.path == RenderPath::Bilinear) {
-    grid.apron_x = kScanApron;
-    grid.apron_y = kScanApron;
-  } else if (plan.inverse && isOnHorizon(plan, grid.origin())) {
-    // Two different distances, so that a horizon that climbs at 45 degrees does not meet the new corner too.
-    grid.apron_x = 1;
-    grid.apron_y = 2;
+    const TileGrid grid = gridOf(plan, tile, samples);
+    return draw(Piece{grid, visible, samplesFor(grid, visible, true)});
   }
-  return grid;
+  for (int left = tile.left; left < tile.right; left += kMaxStripWidth) {
+    const Rect strip{left, tile.top, std::min(left + kMaxStripWidth, tile.right), tile.bottom};
+    const Rect part = common(strip, visible);
+    if (part.empty()) {
+      continue;
+    }
+    const TileGrid grid = gridOf(plan, strip, samples);
+    if (Result<void> done = draw(Piece{grid, part, samplesFor(grid, part, false)}); !done) {
+      return done;
+    }
+  }
+  return {};
 }
 
-// Has the module draw the grid, whose upper left corner is that of `canvas`, into `drawn`.
-Result<void> drawSamples(const TileSetting& setting, const LayerPart& layer, const Rect& canvas, SampleSpace space,
-                         FrameState& frame, const ImageView& drawn) {
+// What the module is asked to draw of a piece, on a canvas of its own: whole rows of its grid on the perspective path,
+// no more than is needed on the bilinear one.
+struct PieceCanvas {
+  Point origin;   // of the canvas, in output pixels
+  Rect on_grid;   // in the grid's samples
+  RowRange rows;  // of the canvas
+};
+
+PieceCanvas canvasOf(const FramePlan& plan, const Piece& piece) {
+  const Size size = piece.grid.size();
+  const Point origin = piece.grid.origin();
+  if (plan.path == RenderPath::Perspective) {
+    return {origin, {0, 0, size.width, size.height}, {piece.samples.top, piece.samples.bottom}};
+  }
+  const double n = piece.grid.samples;
+  return {{origin.x + piece.samples.left / n, origin.y + piece.samples.top / n},
+          piece.samples,
+          {0, piece.samples.height()}};
+}
+
+// Has the module draw the canvas of a piece into `drawn`, which has its size.
+Result<void> drawSamples(const TileSetting& setting, const TileLayer& layer, const Convention& convention,
+                         const TileGrid& grid, const PieceCanvas& canvas, FrameState& frame, const ImageView& drawn) {
   frame.rows.begin(setting.module.workers, 1, setting.options.progress, setting.options.stop);
   frame.depth = drawn.depth;
-  frame.placed = layer.corners;
-  frame.space = space;
+  frame.placed = layer.is_on_plane ? onGrid(layer.corners, {}, 1, convention.half)
+                                   : onGrid(layer.corners, canvas.origin, grid.samples, convention.half);
+  frame.space = convention.space;
   frame.input = worldOf(layer.pixels);
   frame.output = worldOf(drawn);
   frame.iterated = false;
@@ -193,7 +140,9 @@ Result<void> drawSamples(const TileSetting& setting, const LayerPart& layer, con
   }
   fillParameters(&frame, setting.options.time);
   const FrameJob job{setting.module, frame, layer.pixels.size, setting.options};
-  const Result<Rect> rows = drawFrame(job, canvas);
+  const int left = layer.is_on_plane ? static_cast<int>(canvas.origin.x) : 0;
+  const int top = layer.is_on_plane ? static_cast<int>(canvas.origin.y) : 0;
+  const Result<Rect> rows = drawRows(job, {left, top, left + drawn.size.width, top + drawn.size.height}, canvas.rows);
   if (frame.guard && rows) {
     copy(frame.guard->world(), drawn);
   }
@@ -202,20 +151,43 @@ Result<void> drawSamples(const TileSetting& setting, const LayerPart& layer, con
   return rows ? Result<void>() : tl::unexpected(rows.error());
 }
 
-// The samples into the pixels that `visible` holds.
-void finishMoment(const FramePlan& plan, const TileGrid& grid, double half, const Rect& visible, const ImageView& drawn,
-                  const ImageView& target) {
+// The samples into the pixels that are visible. `drawn` is the whole grid.
+void finishPiece(const FramePlan& plan, const Piece& piece, double half, const ImageView& drawn,
+                 const ImageView& target) {
+  const TileGrid& grid = piece.grid;
   const Point origin = grid.origin();
   if (plan.path == RenderPath::Bilinear) {
     const double shift = half / grid.samples;
     extendScan(plan.region.onGrid({origin.x + shift, origin.y + shift}, grid.samples),
-               plan.region.onGrid(origin, grid.samples), drawn);
+               plan.region.onGrid(origin, grid.samples), piece.samples, drawn);
   }
   const ImageView samples =
       partOf(drawn, grid.apron_x, grid.apron_y, {drawn.size.width - grid.apron_x, drawn.size.height - grid.apron_y});
   const CoverageRegion region =
       plan.region.onGrid({static_cast<double>(grid.area.left), static_cast<double>(grid.area.top)}, grid.samples);
-  resolve(asConst(samples), grid.samples, region, visible.left - grid.area.left, visible.top - grid.area.top, target);
+  resolve(asConst(samples), grid.samples, region, piece.visible.left - grid.area.left,
+          piece.visible.top - grid.area.top, target);
+}
+
+// Draws what is visible of a piece into `target`.
+Result<void> drawPiece(const TileSetting& setting, const FramePlan& plan, const TileLayer& layer, const Piece& piece,
+                       TileWorker& worker, const ImageView& target) {
+  const Convention convention = conventionOf(plan);
+  const bool is_in_place = piece.grid.samples == 1 && piece.grid.size() == target.size;
+  ImageView drawn = target;
+  if (!is_in_place) {
+    constexpr int kSide = kTileSide + 2 * kScanApron;
+    if (Result<void> fitted = worker.samples.fit({kSide, kSide}, target.depth); !fitted) {
+      return fitted;
+    }
+    drawn = partOf(worker.samples.view(), 0, 0, piece.grid.size());
+  }
+  const PieceCanvas canvas = canvasOf(plan, piece);
+  const ImageView part =
+      partOf(drawn, canvas.on_grid.left, canvas.on_grid.top, {canvas.on_grid.width(), canvas.on_grid.height()});
+  return drawSamples(setting, layer, convention, piece.grid, canvas, worker.frame, part).map([&] {
+    finishPiece(plan, piece, convention.half, drawn, target);
+  });
 }
 
 Result<void> drawMoment(const TileSetting& setting, const FramePlan& plan, const Tile& tile, const Rect& visible,
@@ -256,35 +228,17 @@ Result<void> drawFarTile(const TileSetting& setting, const FramePlan& plan, cons
 // Draws the part of a tile that `visible` holds into `target`, at one moment.
 Result<void> drawMoment(const TileSetting& setting, const FramePlan& plan, const Tile& tile, const Rect& visible,
                         TileWorker& worker, const ImageView& target) {
-  const Convention convention = conventionOf(plan);
-  const TileGrid grid = gridOf(plan, tile);
   const ImageView& source = plan.path == RenderPath::Bilinear ? setting.scanned_layer : setting.layer;
-  std::optional<LayerPart> layer = layerFor(plan, grid, convention.half, source);
-  Rect canvas{0, 0, grid.size().width, grid.size().height};
-  if (!layer && grid.samples == 1 && plan.path == RenderPath::Perspective && !plan.has_source) {
-    // The corners as they were given are always held.
-    layer = LayerPart{source, onGrid(plan.corners, {}, 1, convention.half)};
-    const int left = grid.area.left - grid.apron_x;
-    const int top = grid.area.top - grid.apron_y;
-    canvas = {left, top, left + canvas.right, top + canvas.bottom};
-  }
+  const int samples = plan.is_whole_move ? 1 : tile.samples;
+  const std::optional<TileLayer> layer = layerFor(plan, {tile.area, samples}, conventionOf(plan).half, source);
   if (!layer) {
     return drawFarTile(setting, plan, tile, visible, worker, target);
   }
-  const bool is_in_place = grid.samples == 1 && grid.size() == target.size;
-  ImageView drawn = target;
-  if (!is_in_place) {
-    constexpr int kSide = kTileSide + 2 * kScanApron;
-    if (Result<void> fitted = worker.samples.fit({kSide, kSide}, target.depth); !fitted) {
-      return fitted;
-    }
-    drawn = partOf(worker.samples.view(), 0, 0, grid.size());
-  }
-  if (Result<void> done = drawSamples(setting, *layer, canvas, convention.space, worker.frame, drawn); !done) {
-    return done;
-  }
-  finishMoment(plan, grid, convention.half, visible, drawn, target);
-  return {};
+  return forEachPiece(plan, tile.area, samples, visible, [&](const Piece& piece) {
+    const Rect& part = piece.visible;
+    return drawPiece(setting, plan, *layer, piece, worker,
+                     partOf(target, part.left - visible.left, part.top - visible.top, {part.width(), part.height()}));
+  });
 }
 
 // The mean of all moments.

@@ -28,10 +28,11 @@ Channel mean(Channel a, Channel b, Channel c, Channel d) {
   }
 }
 
-// One row of the enlarged layer: that of the layer's row `lower` when both are the same, else the border above it.
+// The columns [begin, end) of one row of the enlarged layer: that of the layer's row `lower` when both are the same,
+// else the border above it.
 template <typename Channel>
-void enlargeRow(const Channel* upper, const Channel* lower, int width, Channel* out) {
-  for (int x = 0; x < width; ++x) {
+void enlargeRow(const Channel* upper, const Channel* lower, int begin, int end, Channel* out) {
+  for (int x = begin; x < end; ++x) {
     const int here = x * kChannels;
     const int before = std::max(x - 1, 0) * kChannels;
     for (int c = 0; c < kChannels; ++c) {
@@ -44,12 +45,12 @@ void enlargeRow(const Channel* upper, const Channel* lower, int width, Channel* 
 }
 
 template <typename Channel>
-void enlargeTwice(const ConstImageView& layer, const ImageView& enlarged) {
+void enlargeTwice(const ConstImageView& layer, const Rect& part, const ImageView& enlarged) {
   const auto row = [&](int y) { return reinterpret_cast<const Channel*>(layer.row(y)); };
-  for (int y = 0; y < enlarged.size.height; ++y) {
+  for (int y = 2 * part.top; y < 2 * part.bottom; ++y) {
     const Channel* const lower = row(y / 2);
     const Channel* const upper = y % 2 == 0 ? row(std::max(y / 2 - 1, 0)) : lower;
-    enlargeRow(upper, lower, layer.size.width, reinterpret_cast<Channel*>(enlarged.row(y)));
+    enlargeRow(upper, lower, part.left, part.right, reinterpret_cast<Channel*>(enlarged.pixel(2 * part.left, y)));
   }
 }
 
@@ -67,11 +68,11 @@ Neighbours neighboursOf(int position, int factor, int size) {
 }
 
 template <typename Channel>
-void enlargeByFactor(const ConstImageView& layer, int factor, const ImageView& enlarged) {
-  for (int y = 0; y < enlarged.size.height; ++y) {
+void enlargeByFactor(const ConstImageView& layer, int factor, const Rect& part, const ImageView& enlarged) {
+  for (int y = factor * part.top; y < factor * part.bottom; ++y) {
     const Neighbours rows = neighboursOf(y, factor, layer.size.height);
-    auto* out = reinterpret_cast<Channel*>(enlarged.row(y));
-    for (int x = 0; x < enlarged.size.width; ++x, out += kChannels) {
+    auto* out = reinterpret_cast<Channel*>(enlarged.pixel(factor * part.left, y));
+    for (int x = factor * part.left; x < factor * part.right; ++x, out += kChannels) {
       const Neighbours columns = neighboursOf(x, factor, layer.size.width);
       const auto at = [&](int column, int row, int c) {
         return static_cast<double>(reinterpret_cast<const Channel*>(layer.pixel(column, row))[c]);
@@ -89,24 +90,24 @@ void enlargeByFactor(const ConstImageView& layer, int factor, const ImageView& e
 }
 
 template <typename Channel>
-void enlarge(const ConstImageView& layer, int factor, const ImageView& enlarged) {
+void enlarge(const ConstImageView& layer, int factor, const Rect& part, const ImageView& enlarged) {
   if (factor == 2) {
-    enlargeTwice<Channel>(layer, enlarged);
+    enlargeTwice<Channel>(layer, part, enlarged);
   } else {
-    enlargeByFactor<Channel>(layer, factor, enlarged);
+    enlargeByFactor<Channel>(layer, factor, part, enlarged);
   }
 }
 
 }  // namespace
 
-void enlargeToVertices(const ConstImageView& layer, int factor, const ImageView& enlarged) {
+void enlargeToVertices(const ConstImageView& layer, int factor, const Rect& part, const ImageView& enlarged) {
   switch (layer.depth) {
     case Depth::Bits8:
-      return enlarge<std::uint8_t>(layer, factor, enlarged);
+      return enlarge<std::uint8_t>(layer, factor, part, enlarged);
     case Depth::Bits16:
-      return enlarge<std::uint16_t>(layer, factor, enlarged);
+      return enlarge<std::uint16_t>(layer, factor, part, enlarged);
     case Depth::Float:
-      return enlarge<float>(layer, factor, enlarged);
+      return enlarge<float>(layer, factor, part, enlarged);
   }
 }
 

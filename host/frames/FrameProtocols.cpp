@@ -16,8 +16,8 @@ namespace {
 // this margin both protocols draw the same pixels.
 constexpr std::int64_t kAnswerMargin = 8;
 
-// The rows of the canvas that an answer reaches, whole, in canvas pixels.
-Rect rowsToDraw(const Rect& answer, const Rect& canvas) {
+// The wanted rows of the canvas that an answer reaches, whole, in canvas pixels.
+Rect rowsToDraw(const Rect& answer, const Rect& canvas, const RowRange& wanted) {
   const auto reach = [](std::int64_t begin, std::int64_t end, std::int64_t low, std::int64_t high) {
     return std::pair(std::max(begin - kAnswerMargin, low), std::min(end + kAnswerMargin, high));
   };
@@ -25,7 +25,8 @@ Rect rowsToDraw(const Rect& answer, const Rect& canvas) {
     return {};
   }
   const auto [left, right] = reach(answer.left, answer.right, canvas.left, canvas.right);
-  const auto [top, bottom] = reach(answer.top, answer.bottom, canvas.top, canvas.bottom);
+  const auto [top, bottom] =
+      reach(answer.top, answer.bottom, std::int64_t{canvas.top} + wanted.begin, std::int64_t{canvas.top} + wanted.end);
   if (left >= right || top >= bottom) {
     return {};
   }
@@ -44,10 +45,11 @@ void clearRows(const PF_LayerDef& world, Depth depth, int top, int bottom) {
   }
 }
 
-// Clears what the module is not asked to draw, and tells it what it is.
-void prepareOutput(FrameState& frame, const Rect& rows) {
-  clearRows(frame.output, frame.depth, 0, rows.top);
-  clearRows(frame.output, frame.depth, rows.bottom, frame.output.height);
+// Clears what the module is not asked to draw of the wanted rows, and tells it what it is.
+void prepareOutput(FrameState& frame, const Rect& rows, const RowRange& wanted) {
+  const int top = rows.empty() ? wanted.end : rows.top;
+  clearRows(frame.output, frame.depth, wanted.begin, top);
+  clearRows(frame.output, frame.depth, std::max(top, rows.bottom), wanted.end);
   frame.output.extent_hint = M_LRect(rows.left, rows.top, rows.right, rows.bottom);
   if (frame.guard) {
     clearRows(frame.output, frame.depth, rows.top, rows.bottom);
@@ -106,13 +108,17 @@ Result<Rect> askFrameSetup(const FrameJob& job, const Rect& hint) {
 }
 
 Result<Rect> drawFrame(const FrameJob& job, const Rect& canvas) {
+  return drawRows(job, canvas, {0, canvas.height()});
+}
+
+Result<Rect> drawRows(const FrameJob& job, const Rect& canvas, const RowRange& wanted) {
   const Rect asked = widened(canvas);
   Result<Rect> answer = job.options.protocol == Protocol::Smart ? askPreRender(job, asked) : askFrameSetup(job, asked);
   if (!answer) {
     return answer;
   }
-  const Rect rows = rowsToDraw(*answer, canvas);
-  prepareOutput(job.frame, rows);
+  const Rect rows = rowsToDraw(*answer, canvas, wanted);
+  prepareOutput(job.frame, rows, wanted);
   if (rows.empty()) {
     return rows;
   }

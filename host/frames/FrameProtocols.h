@@ -24,4 +24,11 @@ Result<Rect> askFrameSetup(const FrameJob& job, const Rect& hint);
 // that it was asked to draw, in canvas pixels; empty when it wants to draw nothing.
 Result<Rect> drawFrame(const FrameJob& job, const Rect& canvas);
 
+// The same for some rows of the canvas; what it leaves in others is unspecified.
+struct RowRange {
+  int begin;
+  int end;
+};
+Result<Rect> drawRows(const FrameJob& job, const Rect& canvas, const RowRange& wanted);
+
 }  // namespace vantorel::host

@@ -131,6 +131,10 @@ Result<void> checkOptions(const FrameOptions& options) {
   if (options.placement == Placement::Centres && options.edges == Edges::Crisp) {
     return invalidArgument("edges", "they can only be soft where positions count from pixel centres; use soft edges");
   }
+  if (options.placement == Placement::Centres && options.canvas_independent) {
+    return invalidArgument("canvas independence",
+                           "it needs corners that the layer's outline lies on; use that placement");
+  }
   if (options.time.scale == 0) {
     return invalidArgument("time scale", "it must be 1 or more units per second");
   }

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "host/geometry/ScanChains.h"
+
 namespace vantorel::host {
 
 namespace {
@@ -26,18 +28,6 @@ double between(double from, double to, double share) {
 double xAt(const Point& from, const Point& to, double y) {
   return to.y == from.y ? from.x : between(from.x, to.x, (y - from.y) / (to.y - from.y));
 }
-
-// A chain of edges round a quadrilateral.
-struct Chain {
-  int current;
-  int next;
-  int step;
-
-  void advance() {
-    current = (current + step) & 3;
-    next = (next + step) & 3;
-  }
-};
 
 }  // namespace
 
@@ -99,41 +89,23 @@ CoverageRegion::CoverageRegion(const ConvexPolygon& polygon) {
 }
 
 CoverageRegion CoverageRegion::betweenChains(const Corners& corners) {
-  const std::array<Point, 4> ring{corners.upper_left, corners.upper_right, corners.lower_right, corners.lower_left};
-  const auto higher = [](const Point& a, const Point& b) { return a.y < b.y; };
-  const int top = static_cast<int>(std::min_element(ring.begin(), ring.end(), higher) - ring.begin());
-  const double bottom = std::max_element(ring.begin(), ring.end(), higher)->y;
-  const auto at = [&](int index) -> const Point& { return ring[static_cast<std::size_t>(index)]; };
-  Chain a{top, (top - 1) & 3, -1};
-  Chain b{top, (top + 1) & 3, 1};
+  const ScanChains chains(corners);
   CoverageRegion region;
-  double y = at(top).y;
-  while (y < bottom) {
-    while (a.next != b.next && y >= at(a.next).y) {
-      a.advance();
-    }
-    while (b.next != a.next && y >= at(b.next).y) {
-      b.advance();
-    }
-    const double end = std::min(at(a.next).y, at(b.next).y);
-    if (!(end > y)) {
-      break;
-    }
-    const double a_top = xAt(at(a.current), at(a.next), y);
-    const double a_end = xAt(at(a.current), at(a.next), end);
-    const double b_top = xAt(at(b.current), at(b.next), y);
-    const double b_end = xAt(at(b.current), at(b.next), end);
+  for (const ScanBand& band : chains.bands()) {
+    const double a_top = chains.xAt(band.a, band.top);
+    const double a_end = chains.xAt(band.a, band.bottom);
+    const double b_top = chains.xAt(band.b, band.top);
+    const double b_end = chains.xAt(band.b, band.bottom);
     if ((a_top - b_top) * (a_end - b_end) < 0.0) {
       const double share = (a_top - b_top) / ((a_top - b_top) - (a_end - b_end));
       const double x = between(a_top, a_end, share);
-      const double crossing = between(y, end, share);
-      region.add({y, crossing, std::min(a_top, b_top), x, std::max(a_top, b_top), x});
-      region.add({crossing, end, x, std::min(a_end, b_end), x, std::max(a_end, b_end)});
+      const double crossing = between(band.top, band.bottom, share);
+      region.add({band.top, crossing, std::min(a_top, b_top), x, std::max(a_top, b_top), x});
+      region.add({crossing, band.bottom, x, std::min(a_end, b_end), x, std::max(a_end, b_end)});
     } else {
-      region.add(
-          {y, end, std::min(a_top, b_top), std::min(a_end, b_end), std::max(a_top, b_top), std::max(a_end, b_end)});
+      region.add({band.top, band.bottom, std::min(a_top, b_top), std::min(a_end, b_end), std::max(a_top, b_top),
+                  std::max(a_end, b_end)});
     }
-    y = end;
   }
   return region;
 }

@@ -52,10 +52,8 @@ class CoverageRegion {
   CoverageRegion() = default;
   explicit CoverageRegion(const ConvexPolygon& polygon);
 
-  // What a scan conversion fills that walks two chains of edges down from the highest of four corners, one in either
-  // direction, and draws one span a row between them, whichever lies on the left: a chain goes to its next corner when
-  // that is reached or passed, and the chains end where they meet, at the lowest corner. For a convex quadrilateral
-  // that is its inside; one with a notch or a crossing is filled in part beyond its outline.
+  // What a scan conversion fills between its chains of edges (ScanChains.h). For a convex quadrilateral that is its
+  // inside; one with a notch or a crossing is filled in part beyond its outline.
   static CoverageRegion betweenChains(const Corners& corners);
 
   // The region moved by -origin, then enlarged: in the pixels of a grid that begins there, `scale` of them a pixel.

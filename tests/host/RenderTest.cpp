@@ -26,8 +26,8 @@ Corners cornersOf(const Rect& rect) {
 }
 
 const std::shared_ptr<const Module>& effect() {
-  static const std::shared_ptr<const Module> module = testing::loadModule("vantorel");
-  return module;
+  static const std::shared_ptr<const Module> kModule = testing::loadModule("vantorel");
+  return kModule;
 }
 
 TEST(RenderTest, CornersAtTheLayersOwnReproduceItToTheBit) {

@@ -28,7 +28,9 @@ TEST(VertexLayerTest, HoldsTheLayersInterpolationAtEveryFractionOfAPixel) {
   for (const int factor : {2, 4, 8}) {
     const int width = 7 * factor;
     Image enlarged = testing::dirty({width, 5 * factor}, Depth::Float);
-    enlargeToVertices(layer.view(), factor, enlarged.view());
+    enlargeToVertices(layer.view(), factor, {0, 0, 7, 3}, enlarged.view());
+    enlargeToVertices(layer.view(), factor, {2, 3, 7, 5}, enlarged.view());
+    enlargeToVertices(layer.view(), factor, {0, 3, 2, 5}, enlarged.view());
     for (int i = 0; i < width * 5 * factor * 4; ++i) {
       const int x = i / 4 % width;
       const int y = i / 4 / width;
@@ -45,7 +47,7 @@ TEST(VertexLayerTest, RoundsIntegersToNearestAndKeepsTheLayersOwnPixels) {
     *layer.view().pixel(i % 2, i / 2) = std::byte{values[i]};
   }
   Image enlarged = testing::dirty({4, 4}, Depth::Bits8);
-  enlargeToVertices(asConst(layer.view()), 2, enlarged.view());
+  enlargeToVertices(asConst(layer.view()), 2, {0, 0, 2, 2}, enlarged.view());
   const int expected[] = {10, 10, 12, 13, 10, 10, 12, 13, 15, 15, 21, 27, 20, 20, 30, 40};
   for (int i = 0; i < 16; ++i) {
     EXPECT_EQ(expected[i], static_cast<int>(*enlarged.view().pixel(i % 4, i / 4))) << i;

@@ -1,0 +1,116 @@
+#include "host/geometry/ScanChains.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantorel::host {
+
+namespace {
+
+struct Chain {
+  ScanBand::Edge edge;
+  int step;
+
+  void advance() { edge = {edge.to, (edge.to + step) & 3}; }
+};
+
+Point between(const Point& from, const Point& to, double share) {
+  return {from.x + (to.x - from.x) * share, from.y + (to.y - from.y) * share};
+}
+
+bool isEmpty(const Box& box) {
+  return !(box.left < box.right && box.top < box.bottom);
+}
+
+void include(const Point& p, Box* box) {
+  *box = {std::min(box->left, p.x), std::min(box->top, p.y), std::max(box->right, p.x), std::max(box->bottom, p.y)};
+}
+
+constexpr Box kNothing{2.0, 2.0, -1.0, -1.0};
+
+}  // namespace
+
+double spreadOf(const Corners& corners) {
+  Box box{corners[0].x, corners[0].y, corners[0].x, corners[0].y};
+  for (std::size_t i = 1; i < kCornerCount; ++i) {
+    include(corners[i], &box);
+  }
+  return std::max(box.right - box.left, box.bottom - box.top);
+}
+
+ScanChains::ScanChains(const Corners& corners)
+    : ring_{corners.upper_left, corners.upper_right, corners.lower_right, corners.lower_left} {
+  const auto higher = [](const Point& a, const Point& b) { return a.y < b.y; };
+  const int top = static_cast<int>(std::min_element(ring_.begin(), ring_.end(), higher) - ring_.begin());
+  const double bottom = std::max_element(ring_.begin(), ring_.end(), higher)->y;
+  Chain a{{top, (top - 1) & 3}, -1};
+  Chain b{{top, (top + 1) & 3}, 1};
+  double y = corner(top).y;
+  while (y < bottom && count_ < kMostBands) {
+    while (a.edge.to != b.edge.to && y >= corner(a.edge.to).y) {
+      a.advance();
+    }
+    while (b.edge.to != a.edge.to && y >= corner(b.edge.to).y) {
+      b.advance();
+    }
+    const double end = std::min(corner(a.edge.to).y, corner(b.edge.to).y);
+    if (!(end > y)) {
+      break;
+    }
+    bands_[static_cast<std::size_t>(count_++)] = {y, end, a.edge, b.edge};
+    y = end;
+  }
+}
+
+double ScanChains::xAt(const ScanBand::Edge& edge, double y) const {
+  const Point& from = corner(edge.from);
+  const Point& to = corner(edge.to);
+  return to.y == from.y ? from.x : from.x + (to.x - from.x) * ((y - from.y) / (to.y - from.y));
+}
+
+Point ScanChains::sourceAt(const ScanBand::Edge& edge, double y) const {
+  constexpr std::array<Point, 4> kSquare{{{0.0, 0.0}, {1.0, 0.0}, {1.0, 1.0}, {0.0, 1.0}}};
+  const double rise = corner(edge.to).y - corner(edge.from).y;
+  const double share = rise == 0.0 ? 0.0 : std::clamp((y - corner(edge.from).y) / rise, 0.0, 1.0);
+  return between(kSquare[static_cast<std::size_t>(edge.from)], kSquare[static_cast<std::size_t>(edge.to)], share);
+}
+
+// Adds what one row shows in the window's columns.
+void ScanChains::add(double y, const ScanBand& band, const Box& window, Box* shown) const {
+  constexpr double kShort = 4.0;  // where the scan's rounding may move the span beside the window or into it
+  const double a = xAt(band.a, y);
+  const double b = xAt(band.b, y);
+  if (std::max(a, b) < window.left || std::min(a, b) > window.right) {
+    return;
+  }
+  const Point at_a = sourceAt(band.a, y);
+  const Point at_b = sourceAt(band.b, y);
+  const bool is_short = std::abs(b - a) < kShort;
+  const auto share = [&](double x) { return std::clamp((x - a) / (b - a), 0.0, 1.0); };
+  include(is_short ? at_a : between(at_a, at_b, share(window.left)), shown);
+  include(is_short ? at_b : between(at_a, at_b, share(window.right)), shown);
+}
+
+Box ScanChains::shownIn(const Box& window) const {
+  constexpr double kStep = 0.25;  // rows may lie in between; what they add is at most what the next row adds
+  Box shown = kNothing;
+  double widest_step = 0.0;
+  for (const ScanBand& band : bands()) {
+    const double top = std::max(band.top, window.top);
+    const double bottom = std::min(band.bottom, window.bottom);
+    for (double y = top; top <= bottom && y < bottom + kStep; y += kStep) {
+      const Box before = shown;
+      add(std::min(y, bottom), band, window, &shown);
+      if (!isEmpty(before)) {
+        widest_step = std::max({widest_step, before.left - shown.left, before.top - shown.top,
+                                shown.right - before.right, shown.bottom - before.bottom});
+      }
+    }
+  }
+  if (shown.left > shown.right) {
+    return {};
+  }
+  return {shown.left - widest_step, shown.top - widest_step, shown.right + widest_step, shown.bottom + widest_step};
+}
+
+}  // namespace vantorel::host

@@ -1,0 +1,56 @@
+// How a scan conversion walks a quadrilateral: two chains of edges run down from its highest corner, one in either
+// direction, and every row is the span between them, whichever lies on the left. A chain goes to its next corner when
+// that is reached or passed, and the chains end where they meet, at the lowest corner.
+#pragma once
+
+#include <array>
+
+#include "host/geometry/ConvexPolygon.h"
+
+namespace vantorel::host {
+
+// A scan in 16.16 numbers goes wrong where corners lie so far apart along an axis, in its pixels.
+inline constexpr double kMaxScanSpread = 32767.0;
+
+// The larger of the width and the height of the corners' bounding box.
+double spreadOf(const Corners& corners);
+
+// The heights [top, bottom) between which both chains keep to an edge each.
+struct ScanBand {
+  // From one corner to the next down the chain, as numbers of the ring upper left, upper right, lower right, lower
+  // left.
+  struct Edge {
+    int from = 0;
+    int to = 0;
+  };
+  double top = 0.0;
+  double bottom = 0.0;
+  Edge a;
+  Edge b;
+};
+
+class ScanChains {
+ public:
+  explicit ScanChains(const Corners& corners);
+
+  std::span<const ScanBand> bands() const { return {bands_.data(), static_cast<std::size_t>(count_)}; }
+
+  // Where an edge is at a height, also beyond its ends.
+  double xAt(const ScanBand::Edge& edge, double y) const;
+
+  // The part that the spans in a window show of what is drawn, as parts of its width and height: (0, 0) goes onto the
+  // upper left corner, (1, 1) onto the lower right one. Empty where the window shows nothing of it.
+  Box shownIn(const Box& window) const;
+
+ private:
+  const Point& corner(int index) const { return ring_[static_cast<std::size_t>(index)]; }
+  Point sourceAt(const ScanBand::Edge& edge, double y) const;
+  void add(double y, const ScanBand& band, const Box& window, Box* shown) const;
+
+  static constexpr int kMostBands = 8;
+  std::array<Point, 4> ring_;
+  std::array<ScanBand, kMostBands> bands_;
+  int count_ = 0;
+};
+
+}  // namespace vantorel::host

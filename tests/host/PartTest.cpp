@@ -1,0 +1,112 @@
+// A part of a picture is drawn as that part of the whole, to the bit.
+#include <cstring>
+#include <random>
+
+#include "tests/host/HostTesting.h"
+
+namespace vantorel::host {
+namespace {
+
+constexpr Rect kWhole{-30, -20, 271, 170};
+
+struct Scene {
+  const char* name;
+  Corners from;
+  Corners to;  // at the next frame; the same for what stands still
+  std::optional<Corners> source;
+  int downsample = 1;
+};
+
+Corners still(double left, double top, double right, double bottom) {
+  return {{left, top}, {right, top}, {left, bottom}, {right, bottom}};
+}
+
+const Scene kScenes[] = {
+    {"perspective", {{20, 10}, {300, 60}, {-20, 250}, {340, 200}}, {}, {}},
+    {"enlarged, reduced", {{-200, -90}, {900, -200}, {-300, 800}, {700, 500}}, {}, {}, 3},
+    {"moved by whole pixels", still(31, -7, 131, 83), {}, {}},
+    {"horizon through tiles", {{0, 0}, {256, 0}, {-20000, 30000}, {30000, 30000}}, {}, {}},
+    {"far corners", {{-30000, -20000}, {32000, -1000}, {-200, 31000}, {32000, 32000}}, {}, {}},
+    {"notched", {{20, 10}, {300, 60}, {-20, 250}, {90, 90}}, {}, {}},
+    {"crossed", {{20, 10}, {300, 250}, {-20, 250}, {310, 20}}, {}, {}, 2},
+    {"nearly straight", {{-2000, 5}, {150, 3}, {-2000.5, 4000}, {2300, 4}}, {}, {}},
+    {"wider than the scan's numbers", {{-20000, 5}, {150, 3}, {-20000.5, 4000}, {23000, 4}}, {}, {}},
+    {"a source", {{20, 10}, {300, 60}, {-20, 250}, {340, 200}}, {}, Corners{{5, 5}, {90, 9}, {12, 80}, {110, 85}}},
+    {"moving", {{20, 10}, {300, 60}, {-20, 250}, {340, 200}}, {{60, 0}, {310, 60}, {40, 200}, {90, 90}}, {}},
+};
+
+Instance instanceOf(const Scene& scene, const std::shared_ptr<const Module>& module) {
+  Instance instance(module);
+  const Corners& to = scene.to == Corners{} ? scene.from : scene.to;
+  const auto between = [&](std::size_t i) {
+    return AnimatedPoint({{0.0, scene.from[i]}, {1.0, to[i]}}, Interpolation::Linear);
+  };
+  const AnimatedCorners corners{between(0), between(1), between(2), between(3)};
+  EXPECT_TRUE(instance.setCorners(corners));
+  if (scene.source) {
+    EXPECT_TRUE(instance.setSource(*scene.source));
+  }
+  return instance;
+}
+
+FrameOptions optionsOf(const Scene& scene, int quality, int samples) {
+  FrameOptions options{
+      .quality = Quality(quality), .samples = samples, .canvas_independent = true, .downsample = scene.downsample};
+  options.time.scale = 1;
+  options.shutter = {.degrees = scene.to == Corners{} ? 0.0 : 360.0, .max_samples = 5};
+  return options;
+}
+
+bool isPartOf(const ConstImageView& whole, const ConstImageView& part, int left, int top) {
+  for (int y = 0; y < part.size.height; ++y) {
+    const std::size_t bytes = static_cast<std::size_t>(part.size.width) * bytesPerPixel(part.depth);
+    if (std::memcmp(part.row(y), whole.pixel(left, top + y), bytes) != 0) {
+      return false;
+    }
+  }
+  return true;
+}
+
+TEST(PartTest, IsThatPartOfTheWholeAtEveryQuality) {
+  std::mt19937 random(7);
+  const auto upTo = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+  for (const Scene& scene : kScenes) {
+    for (int i = 0; i < 9; ++i) {
+      const Depth depth = testing::kDepths[i % 3];
+      const int n = scene.downsample;
+      const FrameOptions options = optionsOf(scene, i / 3, i == 5 ? 2 : i == 7 ? 8 : 0);
+      Image layer = testing::noise({120, 90}, depth);
+      Instance instance = instanceOf(scene, testing::loadModule("vantorel"));
+      const Image whole = testing::renderFrame(instance, layer, kWhole, options).pixels;
+      // Another layer leaves what is kept from frame to frame useless.
+      Image other = testing::noise({120, 90}, depth, 2);
+      Instance drawn_before = instanceOf(scene, testing::loadModule("vantorel"));
+      testing::renderFrame(drawn_before, other, kWhole, options);
+      for (int k = 0; k < 5; ++k) {
+        const int left = upTo(whole.size().width - 1);
+        const int top = upTo(whole.size().height - 1);
+        const int right = std::min(left + 1 + upTo(70), whole.size().width - 1);
+        const int bottom = std::min(top + 1 + upTo(70), whole.size().height - 1);
+        const int x = kWhole.left / n;  // where the whole's first pixel lies
+        const int y = (kWhole.top - n + 1) / n;
+        const Rect part{(x + left) * n, (y + top) * n, (x + right) * n, (y + bottom) * n};
+        const auto picture = testing::renderFrame(drawn_before, layer, part, options);
+        ASSERT_TRUE(isPartOf(whole.view(), picture.pixels.view(), left, top))
+            << scene.name << ", quality " << i / 3 << ": " << left << ' ' << top << ' ' << right << ' ' << bottom;
+      }
+    }
+  }
+}
+
+TEST(PartTest, NeedsCornersOnTheOutline) {
+  Image layer = testing::noise({8, 8}, Depth::Bits8);
+  Image output = testing::dirty({8, 8}, Depth::Bits8);
+  Instance instance = testing::instanceWith(testing::checkedEffect(), still(0, 0, 8, 8));
+  const auto refused = instance.render(asConst(layer.view()), {0, 0, 8, 8}, output.view(),
+                                       {.placement = Placement::Centres, .canvas_independent = true});
+  ASSERT_FALSE(refused);
+  EXPECT_EQ("canvas independence", refused.error().input);
+}
+
+}  // namespace
+}  // namespace vantorel::host
