@@ -7,7 +7,9 @@ set -euo pipefail
 build=$1 source=$2 module=$3 work=$4
 rm -rf "$work"
 mkdir -p "$work"
-cmake --install "$build" --prefix "$work/first" --component math >/dev/null
+for component in math math-runtime; do
+  cmake --install "$build" --prefix "$work/first" --component "$component" >/dev/null
+done
 mv "$work/first" "$work/moved"
 
 expect() {
