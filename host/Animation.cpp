@@ -43,6 +43,10 @@ AnimatedPoint::AnimatedPoint(std::vector<Key> keys, Interpolation interpolation)
   keys_.erase(keys_.begin(), std::unique(keys_.rbegin(), keys_.rend(), same_time).base());
 }
 
+void AnimatedPoint::setConstant(Point constant) {
+  keys_.assign(1, {0.0, constant});
+}
+
 Point AnimatedPoint::at(double seconds) const {
   if (keys_.empty()) {
     return {};
@@ -68,6 +72,13 @@ const Point& Corners::operator[](std::size_t corner) const {
   static constexpr std::array kCorners{&Corners::upper_left, &Corners::upper_right, &Corners::lower_left,
                                        &Corners::lower_right};
   return this->*kCorners[corner];
+}
+
+void AnimatedCorners::setConstant(const Corners& corners) {
+  upper_left.setConstant(corners.upper_left);
+  upper_right.setConstant(corners.upper_right);
+  lower_left.setConstant(corners.lower_left);
+  lower_right.setConstant(corners.lower_right);
 }
 
 Corners AnimatedCorners::at(double seconds) const {

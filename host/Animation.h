@@ -57,6 +57,9 @@ class AnimatedPoint {
   // Keys in any order; of two at the same time the later in the list wins.
   AnimatedPoint(std::vector<Key> keys, Interpolation interpolation);
 
+  // One value for all times; allocates nothing where there was a key before.
+  void setConstant(Point constant);
+
   // The value at a time; at a key's own time exactly that key's value. Without keys, (0, 0).
   Point at(double seconds) const;
 
@@ -76,6 +79,9 @@ struct AnimatedCorners {
   AnimatedPoint lower_right;
 
   Corners at(double seconds) const;
+
+  // The corners for all times; allocates nothing where every point had a key before.
+  void setConstant(const Corners& corners);
 
   // By its place in kCornerNames, below kCornerCount.
   const AnimatedPoint& operator[](std::size_t corner) const;

@@ -30,23 +30,33 @@ std::string keyText(const AnimatedPoint::Key& key) {
   return text.append(std::to_string(key.seconds)).append(" s");
 }
 
-Result<void> checkCorner(const AnimatedPoint& point, std::string_view name) {
-  const auto refused = [&](const std::string& fault) { return invalidArgument(std::string(name) + " corner", fault); };
-  for (const AnimatedPoint::Key& key : point.keys()) {
-    if (!std::isfinite(key.seconds)) {
-      return refused("a key's time is not a finite number of seconds");
-    }
-    if (!isCoordinate(key.value.x) || !isCoordinate(key.value.y)) {
-      return refused(keyText(key) + " is out of range; both coordinates must be numbers from -32768 to below 32768");
-    }
+Result<void> checkKey(const AnimatedPoint::Key& key, const std::string& name) {
+  const auto refused = [&](const std::string& fault) { return invalidArgument(name + " corner", fault); };
+  if (!std::isfinite(key.seconds)) {
+    return refused("a key's time is not a finite number of seconds");
+  }
+  if (!isCoordinate(key.value.x) || !isCoordinate(key.value.y)) {
+    return refused(keyText(key) + " is out of range; both coordinates must be numbers from -32768 to below 32768");
   }
   return {};
 }
 
 Result<void> checkCorners(const AnimatedCorners& corners, const std::string& prefix) {
   for (std::size_t i = 0; i < kCornerCount; ++i) {
-    if (Result<void> valid = checkCorner(corners[i], prefix + std::string(kCornerNames[i])); !valid) {
-      return valid;
+    for (const AnimatedPoint::Key& key : corners[i].keys()) {
+      if (Result<void> valid = checkKey(key, prefix + std::string(kCornerNames[i])); !valid) {
+        return valid;
+      }
+    }
+  }
+  return {};
+}
+
+// For corners that change with every frame: without memory where all is well.
+Result<void> checkCorners(const Corners& corners) {
+  for (std::size_t i = 0; i < kCornerCount; ++i) {
+    if (!isCoordinate(corners[i].x) || !isCoordinate(corners[i].y)) {
+      return checkKey({0.0, corners[i]}, std::string(kCornerNames[i]));
     }
   }
   return {};
@@ -102,7 +112,11 @@ void Instance::clearSource() {
 }
 
 Result<void> Instance::setCorners(const Corners& corners) {
-  return withMemoryErrors("corners", [&] { return setCorners(constant(corners)); });
+  return withMemoryErrors("corners", [&] {
+    return makeReady().and_then([&] { return checkCorners(corners); }).map([&] {
+      state_->corners.setConstant(corners);
+    });
+  });
 }
 
 Corners Instance::defaultCorners(Size layer_size) const noexcept {

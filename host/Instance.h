@@ -23,7 +23,8 @@ class Instance {
   Instance& operator=(Instance&&) noexcept;
 
   // The corners, in full-resolution layer pixels. InvalidArgument, naming the corner, for a value that is not finite or
-  // that 16.16 cannot hold at full resolution (isCoordinate).
+  // that 16.16 cannot hold at full resolution (isCoordinate). Corners for all times allocate nothing but the first
+  // time.
   Result<void> setCorners(const AnimatedCorners& corners);
   Result<void> setCorners(const Corners& corners);
 

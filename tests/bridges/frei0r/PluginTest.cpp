@@ -1,9 +1,6 @@
 // The filter through its C interface, as programs load it.
 #include <gtest/gtest.h>
 
-#include <dlfcn.h>
-#include <frei0r.h>
-
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -11,73 +8,11 @@
 #include <vector>
 
 #include "host/Alpha.h"
+#include "tests/bridges/frei0r/PluginTesting.h"
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::frei0r {
 namespace {
-
-using Pixels = std::vector<std::uint32_t>;
-
-class Plugin {
- public:
-  Plugin() : library_(dlopen(VANTOREL_FREI0R_PLUGIN, RTLD_NOW | RTLD_LOCAL)) {
-    EXPECT_NE(library_, nullptr) << dlerror();
-    EXPECT_EQ(find<int()>("f0r_init")(), 1);
-  }
-  ~Plugin() {
-    find<void()>("f0r_deinit")();
-    dlclose(library_);
-  }
-  Plugin(const Plugin&) = delete;
-
-  template <typename Function>
-  Function* find(const char* name) const {
-    return reinterpret_cast<Function*>(dlsym(library_, name));
-  }
-
- private:
-  void* library_;
-};
-
-class Instance {
- public:
-  Instance(const Plugin& plugin, host::Size size)
-      : plugin_(plugin),
-        size_(size),
-        instance_(plugin.find<f0r_instance_t(unsigned, unsigned)>("f0r_construct")(
-            static_cast<unsigned>(size.width), static_cast<unsigned>(size.height))) {
-    EXPECT_NE(instance_, nullptr);
-  }
-  ~Instance() { plugin_.find<void(f0r_instance_t)>("f0r_destruct")(instance_); }
-  Instance(const Instance&) = delete;
-
-  void set(int index, const void* value) {
-    plugin_.find<void(f0r_instance_t, const void*, int)>("f0r_set_param_value")(instance_, value, index);
-  }
-  void setQuality(const char* name) { set(8, &name); }
-  void setNumber(int index, double value) { set(index, &value); }
-  void setCorners(const host::Corners& corners) {
-    for (int i = 0; i < 4; ++i) {
-      const host::Point& point = corners[static_cast<std::size_t>(i)];
-      setNumber(2 * i, (point.x / size_.width + 1.0) / 3.0);
-      setNumber(2 * i + 1, (point.y / size_.height + 1.0) / 3.0);
-    }
-  }
-  Pixels draw(const Pixels& in) {
-    Pixels out(in.size(), 0x5A5A5A5A);
-    update(in.data(), out.data());
-    return out;
-  }
-  void update(const std::uint32_t* in, std::uint32_t* out) {
-    plugin_.find<void(f0r_instance_t, double, const std::uint32_t*, std::uint32_t*)>("f0r_update")(instance_, 0.0, in,
-                                                                                                   out);
-  }
-
- private:
-  const Plugin& plugin_;
-  host::Size size_;
-  f0r_instance_t instance_;
-};
 
 constexpr host::Size kSize{96, 64};
 constexpr host::Corners kTrapezoid{{20.0, 10.25}, {76.0, 10.25}, {-8.5, 60.0}, {99.75, 60.0}};
@@ -100,18 +35,18 @@ Pixels noise(bool opaque) {
 }
 
 // What the embedded host draws, with straight alpha on both sides.
-Pixels expected(Pixels layer, const host::Corners& corners, host::Quality quality) {
+Pixels expected(Pixels layer, const host::Corners& corners, host::Quality quality, host::Size size = kSize) {
   const int count = static_cast<int>(layer.size());
   host::premultiplyRow(channels(layer), count);
   Pixels out(layer.size());
-  const auto view = [](Pixels& pixels) {
-    return host::ImageView{reinterpret_cast<std::byte*>(pixels.data()), 4 * kSize.width, kSize, host::Depth::Bits8};
+  const auto view = [size](Pixels& pixels) {
+    return host::ImageView{reinterpret_cast<std::byte*>(pixels.data()), 4 * size.width, size, host::Depth::Bits8};
   };
   host::Instance instance = host::testing::instanceWith(host::testing::checkedEffect(), corners);
   host::FrameOptions options;
   options.quality = quality;
   EXPECT_TRUE(
-      instance.render(host::asConst(view(layer)), {0, 0, kSize.width, kSize.height}, view(out), options).has_value());
+      instance.render(host::asConst(view(layer)), {0, 0, size.width, size.height}, view(out), options).has_value());
   host::unpremultiplyRow(channels(out), count);
   return out;
 }
@@ -131,6 +66,26 @@ TEST(Frei0r, DrawsWhatTheEmbeddedHostDraws) {
     Pixels in_place = noise(opaque);
     instance.update(in_place.data(), in_place.data());
     EXPECT_EQ(in_place, expected(noise(opaque), kTrapezoid, host::Quality::Best));
+  }
+}
+
+TEST(Frei0r, DrawsTheSmallestSizesAnd8K) {
+  const Plugin plugin;
+  for (const host::Size size : {host::Size{1, 1}, {8, 8}, {9, 5}, {7680, 4320}}) {
+    const double width = size.width;
+    const double height = size.height;
+    const host::Corners corners{
+        {0.25 * width, -0.125 * height}, {0.75 * width, 0.125 * height}, {0, height}, {1.5 * width, height}};
+    // Rows of one colour each, for large pictures of noise take long to make.
+    Pixels layer(static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height));
+    for (std::size_t i = 0; i < layer.size(); ++i) {
+      layer[i] = 0x9E3779B1u * static_cast<std::uint32_t>(i / static_cast<std::size_t>(size.width) + 1);
+    }
+    Instance instance(plugin, size);
+    instance.setQuality("standard");
+    instance.setCorners(corners);
+    EXPECT_TRUE(instance.draw(layer) == expected(layer, corners, host::Quality::Standard, size))
+        << size.width << "x" << size.height;
   }
 }
 
@@ -183,6 +138,19 @@ TEST(Frei0r, DrawsNothingOnCornersThatCannotBe) {
   const auto construct = plugin.find<f0r_instance_t(unsigned, unsigned)>("f0r_construct");
   for (const auto& [width, height] : {std::pair{0u, 8u}, {8u, 0u}, {0xFFFFFFFFu, 8u}}) {
     EXPECT_EQ(construct(width, height), nullptr) << width << "x" << height;
+  }
+}
+
+// What lasts only while an instance or a frame does would add up: for the leak sanitizer.
+TEST(Frei0r, DrawsManyFramesInManyInstances) {
+  const Plugin plugin;
+  for (int i = 0; i < 40; ++i) {
+    Instance instance(plugin, kSize);
+    for (int frame = 0; frame < 10; ++frame) {
+      instance.setNumber(0, 0.3 + 0.01 * frame);
+      instance.setQuality(frame % 3 == 0 ? "best" : "high");
+      instance.draw(noise(frame % 2 == 0));
+    }
   }
 }
 
