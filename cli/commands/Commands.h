@@ -34,10 +34,11 @@ struct RectifyOptions {
 
 struct CornersOptions {
   TrackOptions track;
-  std::string output;              // a file, or four for a corner each; empty: the summary alone
+  std::string output;              // a file, or four for a corner each; empty: the summary alone; - standard output
+  bool overwrite = false;
   std::string format;              // of the output; empty: by its name
   std::optional<host::Size> size;  // of the picture that positions are in
-  std::string plot;                // an SVG file; empty without one
+  std::string plot;                // an SVG file; empty without one; - standard output
   FrameRate rate;
 };
 

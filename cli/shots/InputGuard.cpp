@@ -1,14 +1,12 @@
 #include "cli/shots/InputGuard.h"
 
 #include <fmt/format.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <map>
-#include <optional>
-#include <utility>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/FileIdentity.h"
 
 namespace vantorel::cli {
 
@@ -16,16 +14,6 @@ namespace {
 
 // Of longer shots only so many frames are checked, which takes about a second where no output exists.
 constexpr std::int64_t kMaxFrames = 1'000'000;
-
-using FileIdentity = std::pair<dev_t, ino_t>;
-
-std::optional<FileIdentity> identityOf(const std::string& path) {
-  struct stat status {};
-  if (stat(path.c_str(), &status) != 0) {
-    return std::nullopt;
-  }
-  return FileIdentity{status.st_dev, status.st_ino};
-}
 
 // Calls visit(path) for every file of the pattern in the shot's frames.
 template <typename Files, typename Visit>

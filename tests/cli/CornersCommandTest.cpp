@@ -79,6 +79,16 @@ TEST(CornersCommand, ShowsConvertsAndPlots) {
   expectFault("out.nk --corners-order ul,ul,ll,lr", 2, "--corners-order: 'ul,ul,ll,lr' is not an order");
   expectFault("out.nk --smooth 1000", 2, "--smooth: '1000' is not a number from 0 to 100");
   expectFault("", 2, "name the track to read");
+
+  const std::string before = bytesOf(folder / "out.nk");
+  EXPECT_EQ(std::system(("ln '" + (folder / "out.nk") + "' '" + (folder / "link.nk") + "'").c_str()), 0);
+  expectFault("out.nk --size 1920x1080 -o link.nk", 2, "'link.nk' is the track itself, 'out.nk'");
+  expectFault("out.nk --size 1920x1080 -o a.csv --plot a.csv", 2, "'a.csv' is to be written twice");
+  expectFault("out.nk --size 1920x1080 -o -", 2, "'-' does not tell the format");
+  EXPECT_EQ(bytesOf(folder / "out.nk"), before);
+  const CommandResult piped = run(folder, "corners out.nk --size 1920x1080 -o - --format nk");
+  EXPECT_EQ(piped.out, before);
+  EXPECT_EQ(piped.err.find("format      nk"), 0U) << piped.err;
 }
 
 }  // namespace
