@@ -87,7 +87,9 @@ std::string summaryText(const TrackSummary& summary) {
   addFrames(text, "without key", summary.frames_without_key);
   fmt::format_to(std::back_inserter(text), "{:<12}{},{} to {},{} pixels\n", "positions", printed(summary.least.x, 2),
                  printed(summary.least.y, 2), printed(summary.most.x, 2), printed(summary.most.y, 2));
-  if (summary.keys > 1) {
+  if (summary.keys > 1 && summary.fastest == 0.0) {
+    fmt::format_to(std::back_inserter(text), "{:<12}no corner moves\n", "fastest");
+  } else if (summary.keys > 1) {
     fmt::format_to(std::back_inserter(text), "{:<12}{} pixels a frame, {} to frame {}\n", "fastest",
                    printed(summary.fastest, 2), kCornerNames[summary.fastest_corner],
                    printed(summary.fastest_frame, 3));

@@ -179,6 +179,9 @@ CommandError fromParser(const CLI::ParseError& error) {
   }
   const std::size_t colon = text.find(": ");
   const std::string input = colon == std::string::npos ? "" : text.substr(0, colon);
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+    return badArgument(input, "has no value; give one, or see 'vantorel --help'");
+  }
   const std::string fault = colon == std::string::npos ? text : text.substr(colon + 2);
   return badArgument(input, fault + "; see 'vantorel --help'");
 }

@@ -75,6 +75,7 @@ TEST(CommandError, Arguments) {
           {"render card.png", 2, "--output: is missing"},
           {still + "other.png", 2, "other.png: unexpected argument"},
           {still + "--qualty high", 2, "--qualty: unknown option of 'render'; did you mean '--quality'?"},
+          {still + "--edges", 2, "--edges: has no value; give one"},
           {still + "--quality finest", 2, "--quality: 'finest' is not known; give one of best, high, standard"},
           {still + "--depth 12", 2, "--depth"},
           {still + "--protocol smooth", 2, "--protocol"},

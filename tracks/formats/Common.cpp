@@ -68,6 +68,22 @@ void readCountedRows(Lines& lines, std::uint32_t count, std::size_t least_words,
   }
 }
 
+void readCountedPoints(const TrackText& text, PointHeader header, std::size_t least_words, TrackDocument& document) {
+  Lines lines(text.text, text.file);
+  lines.needContent("the number of points");
+  const std::uint32_t count = lines.whole(lines.text(), "points");
+  for (std::uint32_t p = 0; p < count; ++p) {
+    lines.needContent(fmt::format("{} points, found {}", count, p));
+    document.points.push_back({std::string(lines.text()), {}, false});
+    if (header == PointHeader::NameAndColour) {
+      lines.needContent("the point's colour");
+      lines.whole(lines.text(), "colour");
+    }
+    lines.needContent("the number of keys");
+    readCountedRows(lines, lines.whole(lines.text(), "keys"), least_words, document.points.back());
+  }
+}
+
 std::string frameText(double frame) {
   return printed(frame, 6);
 }

@@ -37,6 +37,12 @@ PointKey rowKey(const Lines& lines, const std::vector<std::string_view>& words, 
 // As many rows "frame x y ..." as the count says, of exactly or at least so many words each.
 void readCountedRows(Lines& lines, std::uint32_t count, std::size_t least_words, PointTrack& point);
 
+enum class PointHeader { Name, NameAndColour };
+
+// A whole document of counted points: how many there are, then for each its header, how many keys, and their rows of
+// at least so many words.
+void readCountedPoints(const TrackText& text, PointHeader header, std::size_t least_words, TrackDocument& document);
+
 // How writers print a frame's number and a coordinate of the track.
 std::string frameText(double frame);
 class CoordinateText {

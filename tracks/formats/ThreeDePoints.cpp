@@ -18,17 +18,7 @@ bool sniff(std::string_view text) {
 }
 
 void read(const TrackText& text, TrackDocument& document) {
-  Lines lines(text.text, text.file);
-  lines.needContent("the number of points");
-  const std::uint32_t count = lines.whole(lines.text(), "points");
-  for (std::uint32_t p = 0; p < count; ++p) {
-    lines.needContent(fmt::format("{} points, found {}", count, p));
-    document.points.push_back({std::string(lines.text()), {}, false});
-    lines.needContent("the point's colour");
-    lines.whole(lines.text(), "colour");
-    lines.needContent("the number of keys");
-    readCountedRows(lines, lines.whole(lines.text(), "keys"), 3, document.points.back());
-  }
+  readCountedPoints(text, PointHeader::NameAndColour, 3, document);
 }
 
 void write(const CornerTrack& track, const CornerList& corners, std::string& text) {

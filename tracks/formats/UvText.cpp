@@ -17,15 +17,7 @@ bool sniff(std::string_view text) {
 }
 
 void read(const TrackText& text, TrackDocument& document) {
-  Lines lines(text.text, text.file);
-  lines.needContent("the number of points");
-  const std::uint32_t count = lines.whole(lines.text(), "points");
-  for (std::uint32_t p = 0; p < count; ++p) {
-    lines.needContent(fmt::format("{} points, found {}", count, p));
-    document.points.push_back({std::string(lines.text()), {}, false});
-    lines.needContent("the number of keys");
-    readCountedRows(lines, lines.whole(lines.text(), "keys"), 4, document.points.back());
-  }
+  readCountedPoints(text, PointHeader::Name, 4, document);
 }
 
 void write(const CornerTrack& track, const CornerList& corners, std::string& text) {
