@@ -67,6 +67,19 @@ TEST(OptionTable, HelpCompletionManPageAndGuidesListTheSameOptions) {
   }
 }
 
+TEST(OptionTable, TheShellCompletesOptionsAndTheirValues) {
+  const TestFolder folder;
+  folder.write("complete.sh",
+               ". \"$1\"\nCOMP_WORDS=(vantorel render card.png $2)\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n"
+               "_vantorel\necho \"${COMPREPLY[@]}\"\n");
+  const auto completed = [&](const std::string& words) {
+    return run(folder, "complete.sh " VANTOREL_DOCS "/vantorel.bash-completion '" + words + "'", "", "bash").out;
+  };
+  EXPECT_EQ(completed("--qual"), "--quality\n");
+  EXPECT_EQ(completed("--quality h"), "high\n");
+  EXPECT_EQ(completed("--shutter-samples 1"), "\n");
+}
+
 TEST(OptionTable, ChoicesAreTakenAndCompleted) {
   const std::string completion = document("vantorel.bash-completion");
   for (const OptionRow<RenderOptions>& row : renderOptionTable()) {
