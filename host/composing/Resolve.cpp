@@ -56,7 +56,7 @@ void averageSolid(const ConstImageView& samples, int x, int y, int count, Channe
         for (int k = 0; k < n; ++k) {
           sum += group[k * kChannels + c];
         }
-        out[c] = sum * (1.0F / (n * n));
+        out[c] = sum / static_cast<float>(n * n);
       } else {
         std::uint32_t sum = n * n / 2;
         for (int k = 0; k < n; ++k) {
@@ -180,8 +180,12 @@ void resolveDepth(const ConstImageView& samples, int n, const CoverageRegion& re
       return resolveAll<Channel, 1>(samples, region, from_x, from_y, output);
     case 2:
       return resolveAll<Channel, 2>(samples, region, from_x, from_y, output);
+    case 3:
+      return resolveAll<Channel, 3>(samples, region, from_x, from_y, output);
     case 4:
       return resolveAll<Channel, 4>(samples, region, from_x, from_y, output);
+    case 6:
+      return resolveAll<Channel, 6>(samples, region, from_x, from_y, output);
     default:
       return resolveAll<Channel, kMostSamples>(samples, region, from_x, from_y, output);
   }

@@ -49,15 +49,13 @@ FilterError filterError(const Jacobian& j, int samples) {
 }
 
 int samplesForFilter(const Jacobian& layer_per_pixel) {
-  int samples = 1;
-  for (; samples < kMostSamples; samples *= 2) {
+  const auto isEnough = [&](int samples) {
     const FilterError error = filterError(layer_per_pixel, samples);
     const double sharp_limit = samples == 1 ? kSharpLimitOfOne : kSharpLimit;
-    if (error.soft <= kSoftLimit && error.sharp <= sharp_limit && !leavesGaps(layer_per_pixel, samples)) {
-      break;
-    }
-  }
-  return samples;
+    return error.soft <= kSoftLimit && error.sharp <= sharp_limit && !leavesGaps(layer_per_pixel, samples);
+  };
+  const auto* const found = std::find_if(kSampleCounts.begin(), kSampleCounts.end(), isEnough);
+  return found == kSampleCounts.end() ? kMostSamples : *found;
 }
 
 int samplesForSteps(double layer_pixels_per_output_pixel) {

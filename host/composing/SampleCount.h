@@ -1,12 +1,15 @@
 // How many samples a pixel needs, per axis, for the effect's own averaging to come near the true one.
 #pragma once
 
+#include <array>
+
 #include "host/geometry/Homography.h"
 
 namespace vantorel::host {
 
-// Per axis: 1, 2, 4 and 8 are offered.
-constexpr int kMostSamples = 8;
+// Per axis, rising; FrameOptions offers the powers of two among them.
+inline constexpr std::array<int, 6> kSampleCounts{1, 2, 3, 4, 6, 8};
+inline constexpr int kMostSamples = kSampleCounts.back();
 
 // How far the filter of n by n samples is from the true one.
 //

@@ -21,7 +21,7 @@ constexpr int kTileSide = 256;
 // What decides about the samples of a part of the output.
 class SampleRule {
  public:
-  // How many samples, per axis, the pixels of a part need: 1, 2, 4 or 8; 0 where there is nothing to draw.
+  // How many samples, per axis, the pixels of a part need: one of kSampleCounts; 0 where there is nothing to draw.
   virtual int samplesFor(const Rect& part) const = 0;
 
  protected:
@@ -30,8 +30,8 @@ class SampleRule {
 
 // Replaces `tiles` by those that meet the canvas. They are squares of a fixed quadtree with
 // the origin (0, 0), so that a pixel lies in the same tile whatever the canvas: 256 pixels a side for one sample a
-// pixel, half of that for two, and so on; a part of a square that needs fewer samples than the square is cut off as a
-// tile of its own.
+// pixel, half of that for two, a quarter for three and four, and so on; a part of a square that needs fewer samples
+// than the square is cut off as a tile of its own.
 void collectTiles(const Rect& canvas, const SampleRule& rule, std::vector<Tile>* tiles);
 
 }  // namespace vantorel::host

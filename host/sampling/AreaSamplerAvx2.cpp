@@ -26,29 +26,46 @@ inline void meanOfTwoByTwo(const std::byte* pixel, std::ptrdiff_t row_bytes, std
 }
 
 // sum / area rounded to nearest, halves up, for the sums of weighted 8 or 16-bit channels and the areas of boxes of up
-// to two pixels' size: whole numbers, the areas up to 2^34 and multiples of 4. It is taken by the area's reciprocal,
-// which does not wait for the sum. With a half added, the quotient is a whole number or at least 2^-34 below the next,
-// and the computed one is off by less than 2^-36: with 2^-35 added besides, truncation finds the right one.
+// to three pixels' size: whole numbers, the areas up to 9 * 2^32 and multiples of 4. It is taken by the area's
+// reciprocal, which does not wait for the sum. With a half added, the quotient is a whole number or at least 8/9 of
+// 2^-35 below the next. The computed one is off by at most 3/8 of 2^-35, by 2^-37 from the reciprocal and 2^-38 from
+// the sum: with 4/8 of 2^-35 added besides, truncation finds the right one.
 inline __m128i roundedQuotient(__m256d sum, __m256d area) {
   const __m256d reciprocal = _mm256_div_pd(_mm256_set1_pd(1.0), area);
-  return _mm256_cvttpd_epi32(_mm256_fmadd_pd(sum, reciprocal, _mm256_set1_pd(0.5 + 0x1p-35)));
+  return _mm256_cvttpd_epi32(_mm256_fmadd_pd(sum, reciprocal, _mm256_set1_pd(0.5 + 0x1p-36)));
 }
 
-// The mean of a box that lies within the three by three pixels at `pixel`, summed in doubles, which hold it exactly.
-template <typename Pixels>
-inline void meanOfThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x_centre,
-                               std::int32_t y_centre, const PF_SampleParams& params, typename Pixels::Pixel* out) {
-  const ThreeWeights weights = threeWeights(smallBox(x_centre, y_centre, params));
-  const __m256d x[3] = {broadcastX(weights.weight[0]), broadcastX(weights.weight[1]), broadcastX(weights.weight[2])};
+// The mean of a box that lies within the kSide by kSide pixels at `pixel`, summed in doubles, which hold it exactly.
+template <int kSide, typename Pixels>
+inline void meanOfSquare(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x_centre, std::int32_t y_centre,
+                         const PF_SampleParams& params, typename Pixels::Pixel* out) {
+  const auto weights = boxWeights<kSide>(smallBox(x_centre, y_centre, params));
+  __m256d x[std::size_t{kSide}];
+  for (int i = 0; i < kSide; ++i) {
+    x[i] = broadcastX(weights.weight[i]);
+  }
   __m256d total = _mm256_setzero_pd();
-  for (int row = 0; row < 3; ++row, pixel += row_bytes) {
+  for (int row = 0; row < kSide; ++row, pixel += row_bytes) {
     __m256d sum = _mm256_mul_pd(x[0], Pixels::widen(pixel));
-    sum = _mm256_fmadd_pd(x[1], Pixels::widen(pixel + Pixels::kPixelBytes), sum);
-    sum = _mm256_fmadd_pd(x[2], Pixels::widen(pixel + 2 * Pixels::kPixelBytes), sum);
+    for (int i = 1; i < kSide; ++i) {
+      sum = _mm256_fmadd_pd(x[i], Pixels::widen(pixel + i * Pixels::kPixelBytes), sum);
+    }
     const __m256d y = broadcastY(weights.weight[row]);
     total = _mm256_fmadd_pd(y, sum, total);
   }
   Pixels::storeLanes(roundedQuotient(total, areaOf(weights)), out);
+}
+
+template <typename Pixels>
+inline void meanOfThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
+                               const PF_SampleParams& params, typename Pixels::Pixel* out) {
+  meanOfSquare<3, Pixels>(pixel, row_bytes, x, y, params, out);
+}
+
+template <typename Pixels>
+inline void meanOfFourByFour(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
+                             const PF_SampleParams& params, typename Pixels::Pixel* out) {
+  meanOfSquare<4, Pixels>(pixel, row_bytes, x, y, params, out);
 }
 
 }  // namespace

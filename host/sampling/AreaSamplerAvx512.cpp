@@ -63,10 +63,11 @@ inline void meanOfTwoByTwo(const std::byte* pixel, std::ptrdiff_t row_bytes, std
   storeLow(_mm256_srli_epi64(rounded, 32), out);
 }
 
-// sum / area rounded to nearest, halves up, in the low bits of 64-bit lanes, for whole sums and areas of up to 2^34. It
-// is rounded by the processor: added to 2^52, whose last digit is 1, a number becomes a whole one. The reciprocal,
-// which does not wait for the sum, is taken too large by 2^-53 to 2^-51.4 of itself, so that halves come out above the
-// half; and since a quotient below a half is at least 2^-35 below it, no other one does.
+// sum / area rounded to nearest, halves up, in the low bits of 64-bit lanes, for whole sums and areas that are
+// multiples of 4 up to 9 * 2^32. It is rounded by the processor: added to 2^52, whose last digit is 1, a number becomes
+// a whole one. The reciprocal, which does not wait for the sum, is taken too large by 2^-53 to 2^-51.4 of itself, and
+// so are quotients below 2^16 by at most 2^-35.4, so that halves come out above the half; and since a quotient below a
+// half is at least 1 / area, or 2^-35.2, below it, no other one does.
 inline __m256i roundedQuotientBits(__m256d sum, __m256d area) {
   const __m256d reciprocal = _mm256_div_pd(_mm256_set1_pd(1.0 + 0x1p-52), area);
   return _mm256_castpd_si256(_mm256_fmadd_pd(sum, reciprocal, _mm256_set1_pd(0x1p52)));
@@ -91,23 +92,47 @@ inline __m128i bothAxes(std::int32_t x, std::int32_t y) {
   return _mm_unpacklo_epi64(_mm_cvtsi32_si128(y), _mm_cvtsi32_si128(x));
 }
 
-// The mean of a box that lies within the three by three pixels at `pixel`.
-template <typename Pixels>
-inline void meanOfThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
-                               const PF_SampleParams& params, typename Pixels::Pixel* out) {
-  // Where the box begins and ends from its first pixel on, and from these the weights, of the rows in lane 0 and of the
-  // columns in lane 1.
-  const __m128i one = constant128(kVectorConstants.one);
-  const __m128i two = constant128(kVectorConstants.two);
+// Where a box begins and ends from its first pixel on, and how long it is: of the rows in lane 0 and of the columns in
+// lane 1 of 64 bits.
+struct BoxExtent {
+  __m128i begin;
+  __m128i end;
+  __m128i length;
+};
+
+inline BoxExtent extentOf(std::int32_t x, std::int32_t y, const PF_SampleParams& params) {
   const __m128i radius = _mm_shuffle_epi32(_mm_cvtepu32_epi64(loadBytes8(&params.x_radius)), 0x4E);
   const __m128i length = _mm_add_epi64(radius, radius);
   const __m128i from_centre = _mm_sub_epi32(bothAxes(x, y), radius);
   const __m128i begin = _mm_and_si128(_mm_add_epi32(from_centre, constant128(kVectorConstants.half)),
                                       constant128(kVectorConstants.fraction));
-  const __m128i end = _mm_add_epi64(begin, length);
-  const __m128i first = _mm_sub_epi64(one, begin);
-  const __m128i second = _mm_sub_epi64(_mm_min_epu32(end, two), one);
-  const __m128i third = _mm_sub_epi64(_mm_max_epu32(end, two), two);
+  return {begin, _mm_add_epi64(begin, length), length};
+}
+
+// The weights of two columns, for the sums of two pixels.
+inline __m512i columnWeights(__m128i left, __m128i right) {
+  return _mm512_permutex2var_epi64(_mm512_castsi128_si512(left), constant512(kVectorConstants.pair_lanes),
+                                   _mm512_castsi128_si512(right));
+}
+
+template <typename Pixel>
+inline void storeMean(__m256i total, __m128i length, Pixel* out) {
+  const __m128d lengths = _mm_cvtepi64_pd(length);
+  const __m256d area =
+      _mm256_mul_pd(_mm256_broadcastsd_pd(lengths), _mm256_permute4x64_pd(_mm256_castpd128_pd256(lengths), 0x55));
+  storeLow(roundedQuotientBits(_mm256_cvtepu64_pd(total), area), out);
+}
+
+// The mean of a box that lies within the three by three pixels at `pixel`.
+template <typename Pixels>
+inline void meanOfThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
+                               const PF_SampleParams& params, typename Pixels::Pixel* out) {
+  const BoxExtent box = extentOf(x, y, params);
+  const __m128i one = constant128(kVectorConstants.one);
+  const __m128i two = constant128(kVectorConstants.two);
+  const __m128i first = _mm_sub_epi64(one, box.begin);
+  const __m128i second = _mm_sub_epi64(_mm_min_epu32(box.end, two), one);
+  const __m128i third = _mm_sub_epi64(_mm_max_epu32(box.end, two), two);
 
   // The rows' sums of the first two columns and of the third.
   const std::byte* const lower = pixel + row_bytes;
@@ -125,15 +150,38 @@ inline void meanOfThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes,
   const __m256i thirds =
       _mm256_add_epi64(upper_thirds, _mm256_mul_epu32(widenOne64(lowest + kTwoPixels, Pixels{}), row_of_third(2)));
 
-  const __m512i columns = _mm512_permutex2var_epi64(
-      _mm512_castsi128_si512(first), constant512(kVectorConstants.pair_lanes), _mm512_castsi128_si512(second));
+  const __m512i columns = columnWeights(first, second);
   const __m256i third_column = _mm256_permute4x64_epi64(_mm256_castsi128_si256(third), 0x55);
   const __m256i total =
       _mm256_add_epi64(sumOfHalves(weighted(pairs, columns, Pixels{})), weighted(thirds, third_column, Pixels{}));
-  const __m128d lengths = _mm_cvtepi64_pd(length);
-  const __m256d area =
-      _mm256_mul_pd(_mm256_broadcastsd_pd(lengths), _mm256_permute4x64_pd(_mm256_castpd128_pd256(lengths), 0x55));
-  storeLow(roundedQuotientBits(_mm256_cvtepu64_pd(total), area), out);
+  storeMean(total, box.length, out);
+}
+
+// The mean of a box that lies within the four by four pixels at `pixel`.
+template <typename Pixels>
+inline void meanOfFourByFour(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
+                             const PF_SampleParams& params, typename Pixels::Pixel* out) {
+  const BoxExtent box = extentOf(x, y, params);
+  const __m128i one = constant128(kVectorConstants.one);
+  const __m128i two = constant128(kVectorConstants.two);
+  const __m128i three = constant128(kVectorConstants.three);
+  const __m128i to_three = _mm_min_epu32(box.end, three);
+  const __m128i weights[4] = {_mm_sub_epi64(one, box.begin), _mm_sub_epi64(_mm_min_epu32(box.end, two), one),
+                              _mm_sub_epi64(_mm_max_epu32(to_three, two), two), _mm_sub_epi64(box.end, to_three)};
+
+  // The rows' sums of the first two columns and of the last two.
+  constexpr std::ptrdiff_t kTwoPixels = 2 * Pixels::kPixelBytes;
+  __m512i left = _mm512_setzero_si512();
+  __m512i right = _mm512_setzero_si512();
+  for (int row = 0; row < 4; ++row, pixel += row_bytes) {
+    const __m512i weight = _mm512_broadcastq_epi64(weights[row]);
+    left = _mm512_madd52lo_epu64(left, widenPair64(pixel, Pixels{}), weight);
+    right = _mm512_madd52lo_epu64(right, widenPair64(pixel + kTwoPixels, Pixels{}), weight);
+  }
+
+  const __m512i sums = _mm512_add_epi64(weighted(left, columnWeights(weights[0], weights[1]), Pixels{}),
+                                        weighted(right, columnWeights(weights[2], weights[3]), Pixels{}));
+  storeMean(sumOfHalves(sums), box.length, out);
 }
 
 }  // namespace

@@ -2,10 +2,11 @@
 // pixels in the words of their instruction set and then include this body:
 //   meanOfTwoByTwo<Pixels>      of the pixels that a box of one pixel's size meets
 //   meanOfThreeByThree<Pixels>  of those that one of up to two pixels' size meets
+//   meanOfFourByFour<Pixels>    of those that one of up to three pixels' size meets
 //
-// Well inside the world, boxes of one pixel's size and of up to two pixels' size have code of their own; other boxes of
-// up to 17 by 17 pixels are summed column by column where their loads stay inside a row, and all others are left to the
-// scalar samplers.
+// Well inside the world, boxes of one pixel's size and of up to two and three pixels' size have code of their own;
+// other boxes of up to 17 by 17 pixels are summed column by column where their loads stay inside a row, and all others
+// are left to the scalar samplers.
 #include "host/sampling/ClippedBoxes.inl"
 #include "host/sampling/FloatBoxes.inl"
 
@@ -102,8 +103,10 @@ inline void prefetchBelow(const std::byte* pixel, std::ptrdiff_t bytes) {
   __builtin_prefetch(__builtin_bit_cast(const void*, address));
 }
 
-inline bool isSmall(std::int32_t radius) {
-  return static_cast<std::uint32_t>(radius) - kHalfPixel <= kHalfPixel;
+// Of one to so many pixels' size.
+inline bool isOfPixels(int pixels, std::int32_t radius) {
+  const auto more_than_one = static_cast<std::uint32_t>((pixels - 1) * kHalfPixel);
+  return static_cast<std::uint32_t>(radius) - kHalfPixel <= more_than_one;
 }
 
 inline std::int32_t beginOf(std::int32_t centre, std::int32_t radius) {
@@ -111,30 +114,41 @@ inline std::int32_t beginOf(std::int32_t centre, std::int32_t radius) {
                                    kHalfPixel);
 }
 
-// Any box but that of one pixel's size. One of up to two pixels' size meets three by three pixels at most; its place is
-// computed apart from its weights, which the pixels' arrival does not wait for.
-template <typename Pixels, SampleSpace kSpace>
+// Any box but that of one pixel's size. One of up to kSide - 1 pixels' size meets kSide by kSide pixels at most, three
+// or four; its place is computed apart from its weights, which the pixels' arrival does not wait for.
+template <typename Pixels, SampleSpace kSpace, int kSide>
 [[gnu::noinline]] std::int32_t sampleSmallBox(void* effect_ref, std::int32_t x, std::int32_t y,
                                               const PF_SampleParams* params, typename Pixels::Pixel* out) {
+  constexpr auto kOtherBox = kSide == 3 ? sampleSmallBox<Pixels, kSpace, 4> : sampleClippedBox<Pixels, kSpace>;
   const std::int32_t x_radius = params->x_radius;
   const std::int32_t y_radius = params->y_radius;
   const std::int32_t left = beginOf(x, x_radius);
   const std::int32_t top = beginOf(y, y_radius);
+  if (!isOfPixels(kSide - 1, x_radius) || !isOfPixels(kSide - 1, y_radius)) {
+    return kOtherBox(effect_ref, x, y, params, out);
+  }
   // Where no position is negative, these radii are too small for left and top to have overflowed.
-  if (!isSmall(x_radius) || !isSmall(y_radius) || (x | y | left | top) < 0 || params->source == nullptr) {
+  if ((x | y | left | top) < 0 || params->source == nullptr) {
     return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
   const PF_LayerDef& world = *params->source;
   const std::int32_t column = left >> 16;
   const std::int32_t row = top >> 16;
-  if (world.width < column + 3 || world.height < row + 3 || world.data == nullptr) {
+  if (world.width < column + kSide || world.height < row + kSide || world.data == nullptr) {
     return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
   const std::ptrdiff_t row_bytes = world.row_bytes;
   const std::byte* const pixel =
       static_cast<const std::byte*>(world.data) + row * row_bytes + column * Pixels::kPixelBytes;
-  prefetchBelow(pixel, 3 * row_bytes);
-  meanOfThreeByThree<Pixels>(pixel, row_bytes, x, y, *params, out);
+  constexpr int kRowsBelow = kSide == 3 ? 1 : 3;  // how far the next row's boxes reach beyond this one, as measured
+  for (int i = 0; i < kRowsBelow; ++i) {
+    prefetchBelow(pixel, (kSide + i) * row_bytes);
+  }
+  if constexpr (kSide == 3) {
+    meanOfThreeByThree<Pixels>(pixel, row_bytes, x, y, *params, out);
+  } else {
+    meanOfFourByFour<Pixels>(pixel, row_bytes, x, y, *params, out);
+  }
   return ERR_NONE;
 }
 
@@ -148,7 +162,7 @@ std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_S
     return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
   if (params->x_radius != kHalfPixel || params->y_radius != kHalfPixel) {
-    return sampleSmallBox<Pixels, kSpace>(effect_ref, x, y, params, out);
+    return sampleSmallBox<Pixels, kSpace, 3>(effect_ref, x, y, params, out);
   }
   if ((x | y) < 0 || params->source == nullptr) {
     return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);

@@ -30,22 +30,38 @@ inline void meanOfTwoByTwo<PixelsFloat>(const std::byte* pixel, std::ptrdiff_t r
   PixelsFloat::store(_mm256_fmadd_pd(total, _mm256_set1_pd(0x1p-32), _mm256_setzero_pd()), out);
 }
 
-// The mean of a box that lies within the three by three pixels at `pixel`.
-template <>
-inline void meanOfThreeByThree<PixelsFloat>(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x_centre,
-                                            std::int32_t y_centre, const PF_SampleParams& params, PF_PixelFloat* out) {
-  const ThreeWeights weights = threeWeights(smallBox(x_centre, y_centre, params));
-  const __m256d x[3] = {broadcastX(weights.weight[0]), broadcastX(weights.weight[1]), broadcastX(weights.weight[2])};
+// The mean of a box that lies within the kSide by kSide pixels at `pixel`.
+template <int kSide>
+inline void meanOfFloats(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x_centre, std::int32_t y_centre,
+                         const PF_SampleParams& params, PF_PixelFloat* out) {
+  const auto weights = boxWeights<kSide>(smallBox(x_centre, y_centre, params));
+  __m256d x[std::size_t{kSide}];
+  for (int i = 0; i < kSide; ++i) {
+    x[i] = broadcastX(weights.weight[i]);
+  }
   __m256d total = _mm256_setzero_pd();
-  for (int row = 0; row < 3; ++row, pixel += row_bytes) {
+  for (int row = 0; row < kSide; ++row, pixel += row_bytes) {
     __m256d sum = _mm256_mul_pd(x[0], PixelsFloat::widen(pixel));
-    sum = _mm256_fmadd_pd(x[1], present(PixelsFloat::widen(pixel + 16), x[1]), sum);
-    sum = _mm256_fmadd_pd(x[2], present(PixelsFloat::widen(pixel + 32), x[2]), sum);
+    for (int i = 1; i < kSide; ++i) {
+      sum = _mm256_fmadd_pd(x[i], present(PixelsFloat::widen(pixel + i * PixelsFloat::kPixelBytes), x[i]), sum);
+    }
     const __m256d y = broadcastY(weights.weight[row]);
     total = _mm256_add_pd(total, _mm256_mul_pd(y, row == 0 ? sum : present(sum, y)));
   }
   const __m256d reciprocal = _mm256_div_pd(_mm256_set1_pd(1.0), areaOf(weights));
   PixelsFloat::store(_mm256_fmadd_pd(total, reciprocal, _mm256_setzero_pd()), out);
+}
+
+template <>
+inline void meanOfThreeByThree<PixelsFloat>(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x,
+                                            std::int32_t y, const PF_SampleParams& params, PF_PixelFloat* out) {
+  meanOfFloats<3>(pixel, row_bytes, x, y, params, out);
+}
+
+template <>
+inline void meanOfFourByFour<PixelsFloat>(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x,
+                                          std::int32_t y, const PF_SampleParams& params, PF_PixelFloat* out) {
+  meanOfFloats<4>(pixel, row_bytes, x, y, params, out);
 }
 
 }  // namespace

@@ -106,8 +106,8 @@ struct PixelsFloat {
 
 // ---- The weights of small boxes -------------------------------------------------------------------------------------
 
-// A box of one to two pixels' size: where in its first pixel it begins and how long it is, in 1/65536 pixel, x in lane
-// 0 and y in lane 1 of 32 bits; the other lanes are 0.
+// A box of one to three pixels' size: where in its first pixel it begins and how long it is, in 1/65536 pixel, x in
+// lane 0 and y in lane 1 of 32 bits; the other lanes are 0.
 struct SmallBox {
   __m128i begin;
   __m128i length;
@@ -122,21 +122,26 @@ inline SmallBox smallBox(std::int32_t x, std::int32_t y, const PF_SampleParams& 
   return {_mm_and_si128(begin, constant128(kVectorConstants.narrow_fraction)), _mm_add_epi32(radius, radius)};
 }
 
-// A box of one to two pixels' size meets three columns and three rows at most, whose weights these are, x in the low
-// lane and y in the high one; that of a pixel that it does not meet is 0.
-struct ThreeWeights {
+// A box of one to kSide - 1 pixels' size meets kSide columns and kSide rows at most, whose weights these are, x in the
+// low lane and y in the high one; that of a pixel that it does not meet is 0.
+template <int kSide>
+struct BoxWeights {
   __m128d length;
-  __m128d weight[3];
+  __m128d weight[std::size_t{kSide}];
 };
 
-inline ThreeWeights threeWeights(const SmallBox& box) {
+template <int kSide>
+inline BoxWeights<kSide> boxWeights(const SmallBox& box) {
   const __m128d one = _mm_set1_pd(65536.0);
-  ThreeWeights weights;
+  BoxWeights<kSide> weights;
   weights.length = _mm_cvtepi32_pd(box.length);
   weights.weight[0] = _mm_sub_pd(one, _mm_cvtepi32_pd(box.begin));
-  const __m128d rest = _mm_sub_pd(weights.length, weights.weight[0]);
-  weights.weight[1] = _mm_min_pd(rest, one);
-  weights.weight[2] = _mm_sub_pd(rest, weights.weight[1]);
+  __m128d rest = _mm_sub_pd(weights.length, weights.weight[0]);
+  for (int i = 1; i < kSide - 1; ++i) {
+    weights.weight[i] = _mm_min_pd(rest, one);
+    rest = _mm_sub_pd(rest, weights.weight[i]);
+  }
+  weights.weight[kSide - 1] = rest;
   return weights;
 }
 
@@ -147,7 +152,8 @@ inline __m256d broadcastY(__m128d both) {
   return _mm256_permute4x64_pd(_mm256_castpd128_pd256(both), 0x55);
 }
 
-inline __m256d areaOf(const ThreeWeights& weights) {
+template <int kSide>
+inline __m256d areaOf(const BoxWeights<kSide>& weights) {
   return _mm256_mul_pd(broadcastX(weights.length), broadcastY(weights.length));
 }
 

@@ -11,6 +11,7 @@ struct VectorConstants {
   alignas(32) std::int64_t rounding[4];     // half of 2^32
   alignas(16) std::int64_t one[2];          // a pixel
   alignas(16) std::int64_t two[2];          // two pixels
+  alignas(16) std::int64_t three[2];        // three pixels
   alignas(16) std::int64_t half[2];         // half a pixel
   alignas(16) std::int64_t fraction[2];     // the bits of a position in its pixel
   alignas(16) std::int32_t narrow_half[4];  // the same two in lanes of 32 bits

@@ -90,7 +90,7 @@ Box randomBox(std::mt19937& random, Size size) {
     return random() % 4 == 0 ? fixed & ~65535 : random() % 4 == 0 ? fixed | 32768 : fixed;
   };
   const auto radius = [&]() -> std::int32_t {
-    switch (random() % 8) {
+    switch (random() % 10) {
       case 0:
         return 32768;
       case 1:
@@ -101,6 +101,9 @@ Box randomBox(std::mt19937& random, Size size) {
         return 1 + random() % (40 * 65536);
       case 4:
         return random() >> 1 | 1;
+      case 5:
+      case 6:
+        return 65536 + random() % 32769;
       default:
         return 65536 + random() % (8 * 65536);
     }
@@ -142,8 +145,8 @@ TYPED_TEST(AreaSamplerTest, HalvesAreRoundedUp) {
     std::memcpy(image.view().pixel(i % 4, i / 4), pixel, sizeof(pixel));
   }
   PF_LayerDef world = worldOf(image.view());
-  for (int i = 0; i < 1000; ++i) {
-    const Box box{98304, 65536, 32769 + 32 * i, 65536 - 31 * i};
+  for (int i = 0; i < 2000; ++i) {
+    const Box box{98304, 65536, 32769 + 32 * i, 98304 - 31 * i};
     const PF_SampleParams params{box.x_radius, box.y_radius, 0, &world, {}};
     const TypeParam expected = definition<TypeParam>(asConst(image.view()), box);
     for (const AreaSamplers* samplers : availableSamplers()) {

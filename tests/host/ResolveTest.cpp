@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "host/composing/SampleCount.h"
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
@@ -34,7 +35,7 @@ TEST(ResolveTest, IsTheWeightedMeanRoundedToNearestAtEveryDepthAndCount) {
   const CoverageRegion sliver{ConvexPolygon(Corners{{2, 8.2}, {28, 8.6}, {2, 8.3}, {28, 8.9}})};
   for (const CoverageRegion& region : {quad, sliver, CoverageRegion()}) {
     for (const Depth depth : testing::kDepths) {
-      for (const int n : {1, 2, 4, 8}) {
+      for (const int n : kSampleCounts) {
         const Image samples = testing::noise({32 * n, 24 * n}, depth);
         Image output = testing::dirty({29, 20}, depth);
         const CoverageRegion fine = region.onGrid({}, n);

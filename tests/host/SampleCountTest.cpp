@@ -38,7 +38,7 @@ double measuredError(const Jacobian& j, int n, double angle) {
 
 TEST(SampleCountTest, TheErrorIsThatOfTheFiltersInTheWorstDirection) {
   for (const Jacobian& j : {turned(30, 3), turned(0, 1.4), turned(45, 0.3), Jacobian{4, 1, 0.2, 0.7}, turned(20, 40)}) {
-    for (const int n : {1, 2, 4}) {
+    for (const int n : {1, 2, 3, 4}) {
       double soft = 0.0;
       double sharp = 0.0;
       for (int i = 0; i < 180; ++i) {
@@ -60,6 +60,7 @@ TEST(SampleCountTest, UprightAndEnlargedPicturesNeedFewAndTurnedAndShrunkOnesMor
   EXPECT_EQ(1, samplesForFilter(turned(0, 4)));
   EXPECT_EQ(1, samplesForFilter(turned(90, 8)));
   EXPECT_EQ(2, samplesForFilter(turned(30, 2)));
+  EXPECT_EQ(3, samplesForFilter(turned(30, 6)));
   EXPECT_EQ(8, samplesForFilter(turned(10, 200)));  // beyond what the box reaches
 }
 
