@@ -1,7 +1,11 @@
 #include "host/Image.h"
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -13,6 +17,19 @@ namespace {
 
 constexpr std::size_t alignedUp(std::size_t bytes) {
   return (bytes + Image::kRowAlignment - 1) / Image::kRowAlignment * Image::kRowAlignment;
+}
+
+// Asks for large pages: the rows of a turned layer lie on more of the usual ones than the processor keeps in mind.
+void preferLargePages(void* memory, std::size_t bytes) {
+  constexpr std::size_t kWorthwhile = std::size_t{4} << 20;
+  if (bytes < kWorthwhile) {
+    return;
+  }
+  const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  if (std::align(page, page, memory, bytes) != nullptr) {
+    // Where the kernel has none, the usual pages serve as well.
+    static_cast<void>(madvise(memory, bytes / page * page, MADV_HUGEPAGE));
+  }
 }
 
 }  // namespace
@@ -44,6 +61,7 @@ Result<Image> Image::allocate(Size size, Depth depth) {
         ErrorKind::OutOfMemory, "image size",
         "out of memory for " + sizeText(size) + " pixels (" + std::to_string(bytes) + " bytes); use a smaller picture");
   }
+  preferLargePages(memory, bytes);
   Image image;
   image.memory_.reset(static_cast<std::byte*>(memory));
   image.view_ = {image.memory_.get(), static_cast<std::ptrdiff_t>(row_bytes), size, depth};
