@@ -15,9 +15,10 @@ struct ChannelPlan {
   int end() const;
 };
 
-// Channels named R, G, B (or Y) and A wherever they are; one to four channels of other names by their position. Throws
-// CommandError naming the path for others, for luminance/chroma, deep and volume pictures.
-ChannelPlan planChannels(const PictureHeader& header, const std::string& path);
+// Of the channels of that layer ("beauty" for beauty.R and so on; all where it is empty) those named R, G, B (or Y) and
+// A wherever they are; one to four channels of other names by their position. Throws CommandError naming the path for
+// others, for luminance/chroma, deep and volume pictures, and for a layer that there is not.
+ChannelPlan planChannels(const PictureHeader& header, const std::string& layer, const std::string& path);
 
 // The finest type among the planned channels.
 SampleType samplesOf(const PictureHeader& header, const ChannelPlan& plan);

@@ -142,6 +142,10 @@ std::string recordText(std::uint64_t settings) {
   return fmt::format("{}{} {}", kMark, digits(settings), digits(0));
 }
 
+bool holdsRecord(const std::string& text) {
+  return text.find(kMark) != std::string::npos;
+}
+
 bool sealRecord(const std::string& path) {
   const MappedFile mapped(path, true);
   const std::span<std::byte> file = mapped.bytes();

@@ -10,6 +10,9 @@ namespace vantorel::cli {
 // The text that a picture of those settings (a hash of them) must hold in its file, unpacked, for sealRecord to find.
 std::string recordText(std::uint64_t settings);
 
+// Whether a text holds such a record.
+bool holdsRecord(const std::string& text);
+
 // Fills the checksum into the record of a file that is otherwise complete. A file that holds no record stays as it is.
 // Returns false when the file cannot be read or written; errno tells why.
 bool sealRecord(const std::string& path);

@@ -15,6 +15,7 @@ namespace {
 // A format to write is added here.
 constexpr std::array kFormats{
     ImageFormat{.name = "PNG",
+                .writer = "png",
                 .extensions = ".png",
                 .holds_alpha = true,
                 .unassociated_alpha = true,
@@ -22,22 +23,27 @@ constexpr std::array kFormats{
                 .longest_side = 1000000,
                 .holds8 = true,
                 .holds16 = true},
-    ImageFormat{.name = "JPEG", .extensions = ".jpg .jpeg", .longest_side = 65500, .holds8 = true},
+    ImageFormat{.name = "JPEG", .writer = "jpeg", .extensions = ".jpg .jpeg", .longest_side = 65500, .holds8 = true},
     ImageFormat{.name = "TIFF",
+                .writer = "tiff",
                 .extensions = ".tif .tiff",
+                .compressions = "none lzw zip packbits",
                 .holds_alpha = true,
                 .needs_path = true,
                 .holds8 = true,
                 .holds16 = true,
                 .holds_float = true},
     ImageFormat{.name = "OpenEXR",
+                .writer = "openexr",
                 .extensions = ".exr",
+                .compressions = "none rle zips zip piz pxr24 b44 b44a dwaa dwab",
                 .holds_alpha = true,
                 .holds_data_window = true,
                 .linear_light = true,
+                .passes_parts = true,
                 .holds_half = true,
                 .holds_float = true},
-    ImageFormat{.name = "DPX", .extensions = ".dpx", .holds8 = true, .holds16 = true},
+    ImageFormat{.name = "DPX", .writer = "dpx", .extensions = ".dpx", .holds8 = true, .holds16 = true},
 };
 
 bool lists(const ImageFormat& format, const std::string& extension) {
@@ -66,6 +72,8 @@ SampleType wantedSamples(DepthChoice choice, SampleType source) {
       return SampleType::Bits8;
     case DepthChoice::Bits16:
       return SampleType::Bits16;
+    case DepthChoice::Half:
+      return SampleType::Half;
     case DepthChoice::Float:
       // A half file loses nothing as half again.
       return source == SampleType::Half ? SampleType::Half : SampleType::Float;

@@ -10,16 +10,19 @@ namespace vantorel::cli {
 // Samples of a file, from coarse to fine.
 enum class SampleType { Bits8, Bits16, Half, Float };
 
-enum class DepthChoice { Auto, Bits8, Bits16, Float };
+enum class DepthChoice { Auto, Bits8, Bits16, Half, Float };
 
 struct ImageFormat {
   const char* name = "";
+  const char* writer = "";          // OpenImageIO's name for it
   const char* extensions = "";      // each with its dot, a blank between two
+  const char* compressions = "";    // those to choose among, a blank between two; empty where there is no choice
   bool holds_alpha = false;         // without, the premultiplied colour is kept: the picture over black
   bool unassociated_alpha = false;  // colour in the file is not multiplied by alpha
   bool holds_data_window = false;   // keeps pixels at a place of their own inside (or outside) the picture's frame
   bool linear_light = false;        // holds linear light by convention
   bool needs_path = false;          // OpenImageIO must write to a named file, since it reads back what it wrote
+  bool passes_parts = false;        // written by OpenEXR's own library, which passes on what a plate holds besides
   bool must_be_finished = false;    // its library prints an error about a picture that is closed early
   int longest_side = 0;             // in pixels; 0 where other limits come first
   bool holds8 = false;

@@ -1,6 +1,7 @@
 #include "cli/pictures/ImageReader.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -36,28 +37,28 @@ struct Source {
   host::Size displaySize() const { return {header().display.width, header().display.height}; }
 };
 
-Source openSource(const std::string& path, AlphaReading alpha = AlphaReading::AsStated) {
+Source openSource(const std::string& path, const ReadingOptions& options = {}) {
   requireReadableFile(path, "a picture file");
   const ReadLimits limits = readLimits();
   Source source;
   source.path = path;
   source.clock.emplace(limits, path);
-  source.input = openPictureInput(path);
+  source.input = openPictureInput(path, options.selection.part);
   requireSaneHeader(source.header(), path);
   requirePixelsWithin(limits, path, "a picture", source.displaySize());
   requirePixelsWithin(limits, path, "a data window", {source.header().data.width, source.header().data.height});
-  source.plan = planChannels(source.header(), path);
-  if (alpha == AlphaReading::Ignored) {
+  source.plan = planChannels(source.header(), options.selection.layer, path);
+  if (options.alpha == AlphaReading::Ignored) {
     source.plan.source[3] = -1;
   }
-  const bool is_straight =
-      alpha == AlphaReading::AsStated ? source.header().straight_alpha : alpha == AlphaReading::Straight;
+  const bool is_straight = options.alpha == AlphaReading::AsStated ? source.header().straight_alpha
+                                                                   : options.alpha == AlphaReading::Straight;
   source.unassociated = source.plan.hasAlpha() && is_straight;
   return source;
 }
 
-Source openWholeSource(const std::string& path, AlphaReading alpha) {
-  Source source = openSource(path, alpha);
+Source openWholeSource(const std::string& path, const ReadingOptions& options) {
+  Source source = openSource(path, options);
   if (isTruncated(path)) {
     throw fileFailure(path, "is truncated; give the whole file");
   }
@@ -69,7 +70,33 @@ PictureInfo infoOf(const Source& source) {
   if (swapsAxes(source.header().orientation)) {
     std::swap(size.width, size.height);
   }
-  return {size, samplesOf(source.header(), source.plan), source.plan.hasAlpha(), source.unassociated};
+  return {size,
+          samplesOf(source.header(), source.plan),
+          source.plan.hasAlpha(),
+          source.unassociated,
+          source.header().format,
+          dataWindow(source.header()),
+          source.header().views};
+}
+
+// What a file that is made from the picture replaces of this one.
+std::shared_ptr<const PictureOrigin> originOf(const Source& source, const std::string& layer) {
+  const PictureHeader& header = source.header();
+  PictureOrigin origin{source.path, header.format == "openexr", header.part, header.display.x, header.display.y, {},
+                       {}};
+  const std::string prefix = layer.empty() ? "" : layer + '.';
+  constexpr std::array<const char*, 4> kNames{"R", "G", "B", "A"};
+  const ChannelMap& map = source.plan.source;
+  const bool has_colour = map[0] != map[1] && map[1] != map[2];
+  for (std::size_t c = 0; c < kNames.size(); ++c) {
+    const bool is_own = map[c] >= 0 && (has_colour || c == 3);
+    const std::string& name = map[c] >= 0 ? header.channels[static_cast<std::size_t>(map[c])].name : "";
+    if (map[c] >= 0) {
+      origin.replaced.push_back(name);
+    }
+    origin.written.push_back(is_own ? name : prefix + kNames[c]);
+  }
+  return std::make_shared<const PictureOrigin>(std::move(origin));
 }
 
 template <typename Channel>
@@ -139,6 +166,10 @@ void clearAround(const host::Rect& window, const host::ImageView& picture) {
   }
 }
 
+host::Rect united(const host::Rect& a, const host::Rect& b) {
+  return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
+}
+
 // Calls visit(y_begin, y_end) for stretches of the data window's rows, from the top down.
 template <typename Visit>
 void forStretches(const Source& source, const std::stop_token& stop, const Visit& visit) {
@@ -200,23 +231,31 @@ std::shared_ptr<const Metadata> keptMetadata(const Metadata& all) {
 
 }  // namespace
 
-PictureInfo probePicture(const std::string& path, AlphaReading alpha) {
+PictureInfo probePicture(const std::string& path, const ReadingOptions& options) {
   const LibraryMessagesDropped dropped;
-  return infoOf(openSource(path, alpha));
+  return infoOf(openSource(path, options));
 }
 
-Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop, AlphaReading alpha) {
+Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop,
+                    const ReadingOptions& options) {
   const LibraryMessagesDropped dropped;
-  Source source = openWholeSource(path, alpha);
+  Source source = openWholeSource(path, options);
   Picture picture;
   picture.info = infoOf(source);
   picture.colour_space = source.header().metadata.text("oiio:ColorSpace");
   picture.metadata = keptMetadata(source.header().metadata);
-  picture.pixels = valueOrThrow(host::Image::create(source.displaySize(), depth));
+  picture.origin = originOf(source, options.selection.layer);
 
-  const host::Rect window = dataWindow(source.header());
   const host::Rect display{0, 0, source.displaySize().width, source.displaySize().height};
-  if (window.left >= 0 && window.top >= 0 && window.right <= display.right && window.bottom <= display.bottom) {
+  const host::Rect data = dataWindow(source.header());
+  const bool keeps_overscan = options.keep_overscan && source.header().orientation == 1;
+  picture.area = keeps_overscan ? united(display, data) : display;
+  picture.pixels = valueOrThrow(host::Image::create({picture.area.width(), picture.area.height()}, depth));
+  // Where the data window lies in the pixels.
+  const host::Rect window{data.left - picture.area.left, data.top - picture.area.top, data.right - picture.area.left,
+                          data.bottom - picture.area.top};
+  if (window.left >= 0 && window.top >= 0 && window.right <= picture.area.width() &&
+      window.bottom <= picture.area.height()) {
     readInside(source, window, picture.pixels.view(), stop);
   } else {
     readCropped(source, window, picture.pixels.view(), stop);
@@ -224,13 +263,14 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
   clearAround(window, picture.pixels.view());
   if (const int orientation = source.header().orientation; orientation > 1) {
     picture.pixels = upright(std::as_const(picture.pixels).view(), orientation);
+    picture.area = {0, 0, picture.pixels.size().width, picture.pixels.size().height};
   }
   return picture;
 }
 
-bool hasSoftAlpha(const std::string& path) {
+bool hasSoftAlpha(const std::string& path, const ReadingOptions& options) {
   const LibraryMessagesDropped dropped;
-  Source source = openWholeSource(path, AlphaReading::AsStated);
+  Source source = openWholeSource(path, options);
   const int step = std::min(rowsPerRead(source.header()), source.header().data.height);
   host::Image rows = valueOrThrow(host::Image::create({source.header().data.width, step}, host::Depth::Bits8));
   bool soft = false;

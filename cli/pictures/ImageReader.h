@@ -16,18 +16,24 @@ enum class AlphaReading {
   Ignored         // the picture is opaque, its colours as they are
 };
 
-// Reads the head of the file. Throws CommandError (file failure) naming the path.
-PictureInfo probePicture(const std::string& path, AlphaReading alpha = AlphaReading::AsStated);
+struct ReadingOptions {
+  AlphaReading alpha = AlphaReading::AsStated;
+  PictureSelection selection{};
+  bool keep_overscan = false;  // the pixels cover what the file has of them beyond the picture too
+};
 
-// Reads the file's first picture at that depth: grey spread to RGB, an absent alpha opaque, colour premultiplied, a
+// Reads the head of the file. Throws CommandError (file failure) naming the path.
+PictureInfo probePicture(const std::string& path, const ReadingOptions& options = {});
+
+// Reads the file's picture at that depth: grey spread to RGB, an absent alpha opaque, colour premultiplied, a
 // camera's orientation applied, a data window placed in its display window (what lies beyond is cropped, what is not
 // covered transparent). Throws CommandError naming the path for a file that cannot be read whole, or whose channels
 // are no picture; interrupted when the token is triggered.
 Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop,
-                    AlphaReading alpha = AlphaReading::AsStated);
+                    const ReadingOptions& options = {});
 
 // Whether any pixel of the file is partly transparent. Reads no further than the first. Throws as readPicture does.
-bool hasSoftAlpha(const std::string& path);
+bool hasSoftAlpha(const std::string& path, const ReadingOptions& options = {});
 
 // Whether the file is a picture of that size that was not cut short.
 bool isWholePicture(const std::string& path, host::Size size);

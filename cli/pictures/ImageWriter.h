@@ -7,12 +7,13 @@
 #include <stop_token>
 #include <string>
 
+#include "cli/pictures/Encoding.h"
 #include "cli/pictures/ImageFormats.h"
+#include "cli/pictures/Metadata.h"
+#include "cli/pictures/Picture.h"
 #include "host/Image.h"
 
 namespace vantorel::cli {
-
-struct Metadata;
 
 struct OutputPicture {
   host::ConstImageView pixels;  // premultiplied RGBA
@@ -22,6 +23,11 @@ struct OutputPicture {
   SampleType samples = SampleType::Bits8;
   std::shared_ptr<const Metadata> metadata;  // null for none
   std::uint64_t settings = 0;                // a hash of what the picture was made with, to be recorded in the file
+  Encoding encoding{};
+  // The file that the picture continues; null for none.
+  std::shared_ptr<const PictureOrigin> origin{};
+  // Whether the other parts and channels of that file pass into this one, where both are OpenEXR.
+  bool passes_plate = false;
   // The colour space that the pixels have been converted to; nothing where they are in the metadata's.
   std::optional<std::string> colour_space;
 };

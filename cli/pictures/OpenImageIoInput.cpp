@@ -1,7 +1,12 @@
 #include <OpenImageIO/imageio.h>
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
 #include "cli/base/CommandError.h"
+#include "cli/base/NumberParsing.h"
 #include "cli/base/Text.h"
 #include "cli/pictures/OpenImageIoMetadata.h"
 #include "cli/pictures/PictureInput.h"
@@ -26,9 +31,7 @@ SampleType sampleType(const OIIO::TypeDesc& type) {
   }
 }
 
-PictureHeader headerOf(const OIIO::ImageSpec& spec, const std::string& format) {
-  PictureHeader header;
-  header.format = format;
+void describe(const OIIO::ImageSpec& spec, PictureHeader& header) {
   header.data = {spec.x, spec.y, spec.width, spec.height};
   header.display = {spec.full_x, spec.full_y, spec.full_width, spec.full_height};
   header.tile = {spec.tile_width, spec.tile_height};
@@ -42,12 +45,11 @@ PictureHeader headerOf(const OIIO::ImageSpec& spec, const std::string& format) {
   const int orientation = spec.get_int_attribute("Orientation", 1);
   header.orientation = orientation >= 1 && orientation <= 8 ? orientation : 1;
   header.metadata = metadataOf(spec);
-  return header;
 }
 
 class OpenImageIoInput : public PictureInput {
  public:
-  explicit OpenImageIoInput(const std::string& path) : path_(path) {
+  OpenImageIoInput(const std::string& path, const std::string& part) : path_(path) {
     // Premultiplying is done by the caller, with exact rounding and no regard to a gamma that the file may state.
     OIIO::ImageSpec request;
     request.attribute("oiio:UnassociatedAlpha", 1);
@@ -55,22 +57,27 @@ class OpenImageIoInput : public PictureInput {
     if (!input_) {
       throw unreadablePicture(path, OIIO::geterror());
     }
-    header_ = headerOf(input_->spec(), input_->format_name());
+    const bool is_openexr = std::strcmp(input_->format_name(), "openexr") == 0;
+    const int number = is_openexr || !part.empty() ? choosePart(part) : 0;
+    header_.format = input_->format_name();
+    describe(input_->spec(), header_);
+    header_.part = number;
   }
 
   const PictureHeader& header() const override { return header_; }
 
   void readRows(int y_begin, ChannelRange channels, const host::ImageView& rows) override {
     const OIIO::ImageSpec& spec = input_->spec();
+    const int part = header_.part;
     const int top = spec.y + y_begin;
     const int bottom = top + rows.size.height;
     const auto pixel_bytes = static_cast<OIIO::stride_t>(host::bytesPerPixel(rows.depth));
     const OIIO::TypeDesc type = typeDesc(rows.depth);
     const bool read =
         spec.tile_width > 0
-            ? input_->read_tiles(0, 0, spec.x, spec.x + spec.width, top, bottom, spec.z, spec.z + 1, channels.first,
+            ? input_->read_tiles(part, 0, spec.x, spec.x + spec.width, top, bottom, spec.z, spec.z + 1, channels.first,
                                  channels.end, type, rows.data, pixel_bytes, rows.row_bytes)
-            : input_->read_scanlines(0, 0, top, bottom, spec.z, channels.first, channels.end, type, rows.data,
+            : input_->read_scanlines(part, 0, top, bottom, spec.z, channels.first, channels.end, type, rows.data,
                                      pixel_bytes, rows.row_bytes);
     // Some readers note that strips are missing and still call it a success.
     if (!read || input_->has_error()) {
@@ -79,6 +86,49 @@ class OpenImageIoInput : public PictureInput {
   }
 
  private:
+  // Goes to the part of that name or number, and collects the views of all on the way. Returns its number.
+  int choosePart(const std::string& wanted) {
+    std::vector<std::string> names;
+    while (input_->seek_subimage(static_cast<int>(names.size()), 0)) {
+      names.push_back(input_->spec().get_string_attribute("oiio:subimagename"));
+      addViews();
+    }
+    // That there is none after the last is no fault.
+    input_->geterror();
+    const int number = wanted.empty() ? 0 : numberOf(names, wanted);
+    if (!input_->seek_subimage(number, 0)) {
+      throw unreadablePicture(path_, input_->geterror());
+    }
+    return number;
+  }
+
+  int numberOf(const std::vector<std::string>& names, const std::string& wanted) const {
+    if (const auto found = std::ranges::find(names, wanted); found != names.end()) {
+      return static_cast<int>(found - names.begin());
+    }
+    const auto number = parseNumber(wanted);
+    const auto last = static_cast<int>(names.size()) - 1;
+    if (number && *number >= 0.0 && *number <= last && *number == std::floor(*number)) {
+      return static_cast<int>(*number);
+    }
+    std::string known;
+    for (const std::string& name : names) {
+      known += name.empty() ? "" : name + ", ";
+    }
+    throw fileFailure(path_, fmt::format("has no part '{}'; give --part as {}{}", wanted, known,
+                                         last > 0 ? fmt::format("or 0 to {}", last) : "0, its only one"));
+  }
+
+  void addViews() {
+    if (const std::string view(input_->spec().get_string_attribute("view")); !view.empty()) {
+      header_.views.push_back(view);
+    }
+    const OIIO::ParamValue* const all = input_->spec().find_attribute("multiView");
+    for (int i = 0; all != nullptr && all->type().basetype == OIIO::TypeDesc::STRING && i < all->type().arraylen; ++i) {
+      header_.views.push_back(all->get_ustring_indexed(i).string());
+    }
+  }
+
   std::string path_;
   std::unique_ptr<OIIO::ImageInput> input_;
   PictureHeader header_;
@@ -92,8 +142,8 @@ CommandError unreadablePicture(const std::string& path, const std::string& reaso
                                        oneLine(reason)));
 }
 
-std::unique_ptr<PictureInput> openPictureInput(const std::string& path) {
-  return std::make_unique<OpenImageIoInput>(path);
+std::unique_ptr<PictureInput> openPictureInput(const std::string& path, const std::string& part) {
+  return std::make_unique<OpenImageIoInput>(path, part);
 }
 
 }  // namespace vantorel::cli

@@ -4,28 +4,50 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "cli/pictures/ImageFormats.h"
+#include "cli/pictures/Metadata.h"
 #include "host/Image.h"
 
 namespace vantorel::cli {
+
+// Which of a file's pictures, and which of its channels.
+struct PictureSelection {
+  std::string part;   // its name, or its number from 0; empty: the first
+  std::string layer;  // what the channels' names begin with, before a dot; empty: nothing
+};
 
 // What the head of a picture file tells.
 struct PictureInfo {
   host::Size size;  // after its orientation has been applied
   SampleType samples = SampleType::Bits8;
   bool has_alpha = false;
-  bool is_unassociated = false;  // has an alpha that its colour is not multiplied by in the file
+  bool is_unassociated = false;      // has an alpha that its colour is not multiplied by in the file
+  std::string format{};              // OpenImageIO's name for it: "png", "openexr"
+  host::Rect data{};                 // what the file has pixels of, in the picture's own; may reach beyond it
+  std::vector<std::string> views{};  // of a stereo or multi-view file
 };
 
-struct Metadata;
+// The file that a picture is part of, and what is replaced of it in a file that is made from it.
+struct PictureOrigin {
+  std::string path;
+  bool is_openexr = false;
+  int part = 0;
+  int display_x = 0;  // where the display window lies by the file's own count
+  int display_y = 0;
+  std::vector<std::string> replaced;  // the names of the channels that make the picture
+  std::vector<std::string> written;   // those of the channels R, G, B and A that take their place
+};
 
 struct Picture {
   host::Image pixels;                // premultiplied RGBA
+  host::Rect area{};                 // what they cover: the picture, or with overscan more
   std::optional<host::Rect> crop{};  // the part of the pixels that is shown; unset: all
   PictureInfo info;
   std::string colour_space;  // as the file states it or its format implies, for example "sRGB"; or empty
   std::shared_ptr<const Metadata> metadata;  // what a picture made from this one keeps
+  std::shared_ptr<const PictureOrigin> origin;
 };
 
 // The pixels that are shown, in place.

@@ -37,8 +37,10 @@ struct PictureHeader {
   bool straight_alpha = false;  // colour is not multiplied by alpha in the file
   bool is_deep = false;
   bool is_volume = false;
-  int orientation = 1;  // the camera's, 1 to 8; 1 is upright
-  Metadata metadata;    // all that the file states
+  int part = 0;                    // which of the file's pictures this is, from 0
+  std::vector<std::string> views;  // of a stereo or multi-view file, over all parts
+  int orientation = 1;             // the camera's, 1 to 8; 1 is upright
+  Metadata metadata;               // all that the file states
 };
 
 // Throws CommandError naming the path unless both windows hold pixels and lie within kWindowLimit of the origin, and

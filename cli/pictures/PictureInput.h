@@ -33,8 +33,9 @@ class PictureInput {
   virtual void readRows(int y_begin, ChannelRange channels, const host::ImageView& rows) = 0;
 };
 
-// Opens the file and reads its header, which is not checked yet. Throws CommandError (file failure) naming the path.
-std::unique_ptr<PictureInput> openPictureInput(const std::string& path);
+// Opens the file and reads the header of one of its pictures: `part` is a name, or a number from 0; the first where it
+// is empty. The header is not checked yet. Throws CommandError (file failure) naming the path.
+std::unique_ptr<PictureInput> openPictureInput(const std::string& path, const std::string& part = "");
 
 // The fault of a file that its library does not understand, with the library's reason.
 CommandError unreadablePicture(const std::string& path, const std::string& reason);

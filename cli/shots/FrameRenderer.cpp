@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -78,7 +79,7 @@ ComposedFrame FrameRenderer::compose(std::int32_t frame) {
   const std::shared_ptr<const Picture> plate = shot_.plate ? shot_.plate->at(frame, stop_) : nullptr;
   report.read_seconds = reading.seconds();
 
-  const host::Rect canvas = canvasFor(frame, layer->info.size);
+  const host::Rect canvas = canvasFor(frame, layer->info.size, plate.get());
   prepareOutput(canvas);
   const host::FrameResult result =
       valueOrThrow(instance_.render(shownPixels(*layer), canvas, output_.view(), frameOptions(frame)));
@@ -93,16 +94,17 @@ ComposedFrame FrameRenderer::compose(std::int32_t frame) {
     fade(output_.view(), shot_.options.opacity);
   }
   if (shot_.matte) {
-    applyMatte(frame);
+    applyMatte(frame, canvas);
   }
   if (plate) {
     composite(*plate, shot_.plate->path(frame));
   }
   report.write_seconds = compositing.seconds();
-  report.origin_x = canvas.left / shot_.options.downsample;
-  report.origin_y = canvas.top / shot_.options.downsample;
-  report.size = output_.size();
-  return {output_.view(), canvas, plate ? plate : layer, std::move(report)};
+  const host::Rect written = writtenPart(frame, canvas, plate.get());
+  report.origin_x = written.left / shot_.options.downsample;
+  report.origin_y = written.top / shot_.options.downsample;
+  report.size = host::downsampled({written.width(), written.height()}, shot_.options.downsample);
+  return {output_.view(), canvas, written, plate ? plate : layer, std::move(report)};
 }
 
 host::FrameOptions FrameRenderer::frameOptions(std::int32_t frame) const {
@@ -133,8 +135,11 @@ void FrameRenderer::placeCorners(host::Size layer) {
   corners_layer_ = layer;
 }
 
-host::Rect FrameRenderer::canvasFor(std::int32_t frame, host::Size layer) {
+host::Rect FrameRenderer::canvasFor(std::int32_t frame, host::Size layer, const Picture* plate) {
   placeCorners(layer);
+  if (plate != nullptr && shot_.passes_plate) {
+    return plate->area;
+  }
   if (!shot_.options.fit) {
     return {0, 0, shot_.frame_size.width, shot_.frame_size.height};
   }
@@ -167,24 +172,50 @@ void FrameRenderer::featherEdges(std::int32_t frame, const host::Rect& canvas) {
           shot_.options.feather / n);
 }
 
-void FrameRenderer::applyMatte(std::int32_t frame) {
+// The pixels of the frame without the plate's overscan.
+host::ImageView FrameRenderer::framePart(const host::Rect& canvas) {
+  host::ImageView part = output_.view();
+  if (shot_.passes_plate) {
+    part.data = part.pixel(-canvas.left, -canvas.top);
+    part.size = shot_.frame_size;
+  }
+  return part;
+}
+
+// What of the canvas a file holds: where the plate has pixels, and where the layer lies.
+host::Rect FrameRenderer::writtenPart(std::int32_t frame, const host::Rect& canvas, const Picture* plate) {
+  if (plate == nullptr || !shot_.passes_plate || plate->info.data == canvas) {
+    return canvas;
+  }
+  const host::Rect box = valueOrThrow(instance_.boundingBox(*corners_layer_, frameOptions(frame)));
+  const host::Rect& data = plate->info.data;
+  const host::Rect both{std::max(canvas.left, std::min(data.left, box.left)),
+                        std::max(canvas.top, std::min(data.top, box.top)),
+                        std::min(canvas.right, std::max(data.right, box.right)),
+                        std::min(canvas.bottom, std::max(data.bottom, box.bottom))};
+  return both.empty() ? canvas : both;
+}
+
+void FrameRenderer::applyMatte(std::int32_t frame, const host::Rect& canvas) {
   const std::shared_ptr<const Picture> matte = shot_.matte->at(frame, stop_);
-  if (matte->pixels.size() != output_.size()) {
+  const host::ImageView part = framePart(canvas);
+  if (matte->pixels.size() != part.size) {
     throw fileFailure(shot_.matte->path(frame), fmt::format("its size is {}, the shot's is {}; give mattes of one size",
                                                             toText(matte->info.size), toText(shot_.frame_size)));
   }
-  holdOut(output_.view(), matte->pixels.view(), matte->info.has_alpha ? MatteChannel::Alpha : MatteChannel::Grey);
+  holdOut(part, matte->pixels.view(), matte->info.has_alpha ? MatteChannel::Alpha : MatteChannel::Grey);
 }
 
 void FrameRenderer::composite(const Picture& plate, const std::string& plate_name) {
-  if (plate.pixels.size() != output_.size()) {
+  const bool fits = shot_.passes_plate ? plate.info.size == shot_.frame_size : plate.pixels.size() == output_.size();
+  if (!fits) {
     throw fileFailure(plate_name, fmt::format("its size is {}, the shot's is {}; give plates of one size",
                                               toText(plate.info.size), toText(shot_.frame_size)));
   }
   compositeOver(output_.view(), plate.pixels.view());
 }
 
-void FrameRenderer::write(const ComposedFrame& composed) {
+void FrameRenderer::write(ComposedFrame& composed) {
   const std::string path = shot_.output.path(composed.report.frame);
   const int n = shot_.options.downsample;
   const Picture& reference = *composed.reference;
@@ -194,13 +225,19 @@ void FrameRenderer::write(const ComposedFrame& composed) {
     picture.colour_space = outputColourSpace(reference.colour_space, shot_.format->linear_light);
     fromLinear(composed.pixels, *picture.colour_space, path);
   }
+  const host::Rect& written = composed.written;
   picture.pixels = host::asConst(composed.pixels);
-  picture.window = {composed.canvas.left / n, composed.canvas.top / n,
-                    composed.canvas.left / n + composed.pixels.size.width,
-                    composed.canvas.top / n + composed.pixels.size.height};
+  picture.pixels.data =
+      picture.pixels.pixel((written.left - composed.canvas.left) / n, (written.top - composed.canvas.top) / n);
+  picture.pixels.size = composed.report.size;
+  picture.window = {written.left / n, written.top / n, written.left / n + picture.pixels.size.width,
+                    written.top / n + picture.pixels.size.height};
   picture.frame = host::downsampled(shot_.frame_size, n);
   picture.has_alpha = !shot_.plate || reference.info.has_alpha;
   picture.samples = shot_.samples;
+  picture.encoding = shot_.options.encoding;
+  picture.origin = reference.origin;
+  picture.passes_plate = shot_.passes_plate;
   picture.settings = settingsOf(shot_, composed.report.frame);
   writePicture(path, *shot_.format, picture, stop_);
 }

@@ -17,6 +17,7 @@ struct ComposedFrame {
   // its next frame.
   host::ImageView pixels;
   host::Rect canvas;                         // what the pixels cover, in full-resolution pixels
+  host::Rect written;                        // what of it a file holds
   std::shared_ptr<const Picture> reference;  // whose metadata, alpha and colour space a file takes: the plate or layer
   FrameReport report;                        // without the time of writing
 };
@@ -36,12 +37,14 @@ class FrameRenderer {
  private:
   host::FrameOptions frameOptions(std::int32_t frame) const;
   void placeCorners(host::Size layer);
-  host::Rect canvasFor(std::int32_t frame, host::Size layer);
+  host::Rect canvasFor(std::int32_t frame, host::Size layer, const Picture* plate);
   void prepareOutput(const host::Rect& canvas);
   void featherEdges(std::int32_t frame, const host::Rect& canvas);
-  void applyMatte(std::int32_t frame);
+  void applyMatte(std::int32_t frame, const host::Rect& canvas);
   void composite(const Picture& plate, const std::string& plate_name);
-  void write(const ComposedFrame& composed);
+  host::Rect writtenPart(std::int32_t frame, const host::Rect& canvas, const Picture* plate);
+  host::ImageView framePart(const host::Rect& canvas);
+  void write(ComposedFrame& composed);
 
   const Shot& shot_;
   std::stop_token stop_;

@@ -4,8 +4,8 @@
 
 namespace vantorel::cli {
 
-PictureSource::PictureSource(InputFiles files, host::Depth depth, Prepare prepare, AlphaReading alpha)
-    : files_(std::move(files)), depth_(depth), prepare_(std::move(prepare)), alpha_(alpha) {}
+PictureSource::PictureSource(InputFiles files, host::Depth depth, Prepare prepare, ReadingOptions reading)
+    : files_(std::move(files)), depth_(depth), prepare_(std::move(prepare)), reading_(std::move(reading)) {}
 
 std::shared_ptr<const Picture> PictureSource::at(std::int32_t frame, const std::stop_token& stop) {
   if (!isStill()) {
@@ -19,7 +19,7 @@ std::shared_ptr<const Picture> PictureSource::at(std::int32_t frame, const std::
 }
 
 std::shared_ptr<const Picture> PictureSource::read(const std::string& path, const std::stop_token& stop) const {
-  auto picture = std::make_shared<Picture>(readPicture(path, depth_, stop, alpha_));
+  auto picture = std::make_shared<Picture>(readPicture(path, depth_, stop, reading_));
   if (prepare_) {
     prepare_(*picture, path);
   }

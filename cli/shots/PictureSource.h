@@ -20,7 +20,7 @@ class PictureSource {
   // What is done to a picture after reading, once; may throw CommandError. The string is the picture's path.
   using Prepare = std::function<void(Picture&, const std::string&)>;
 
-  PictureSource(InputFiles files, host::Depth depth, Prepare prepare, AlphaReading alpha = AlphaReading::AsStated);
+  PictureSource(InputFiles files, host::Depth depth, Prepare prepare, ReadingOptions reading = {});
 
   bool isStill() const { return !files_.hasNumber(); }
   std::string path(std::int32_t frame) const { return files_.path(frame); }
@@ -34,7 +34,7 @@ class PictureSource {
   InputFiles files_;
   host::Depth depth_;
   Prepare prepare_;
-  AlphaReading alpha_;
+  ReadingOptions reading_;
   std::mutex still_mutex_;
   std::shared_ptr<const Picture> still_;
 };

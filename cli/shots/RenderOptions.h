@@ -10,6 +10,7 @@
 #include "cli/base/FrameRange.h"
 #include "cli/corners/Corners.h"
 #include "cli/corners/TrackOptions.h"
+#include "cli/pictures/Encoding.h"
 #include "cli/pictures/Enlarge.h"
 #include "cli/pictures/ImageFormats.h"
 #include "cli/pictures/ImageReader.h"
@@ -50,6 +51,7 @@ struct RenderOptions {
   std::optional<Crop> crop;
   AlphaReading alpha = AlphaReading::AsStated;  // the layer's
   std::optional<EnlargeFilter> enlarge;         // nothing: the effect's own interpolation
+  PictureSelection selection;                   // the plate's, without one the layer's
   double feather = 0.0;                         // output pixels at full resolution
   host::Shutter shutter;
   double opacity = 1.0;  // 0 to 1
@@ -60,6 +62,7 @@ struct RenderOptions {
   std::optional<host::Edges> edges;  // nothing: as the quality has them
   host::Placement placement = host::Placement::Outline;
   DepthChoice depth = DepthChoice::Auto;
+  Encoding encoding;
   host::Protocol protocol = host::Protocol::Smart;
   int downsample = 1;  // 1 to kMaxDownsample
   std::optional<FrameRange> frames;

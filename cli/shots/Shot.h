@@ -24,6 +24,9 @@ struct Shot {
   std::optional<InputFiles> matte_files;
   FramePattern output;
   const ImageFormat* format = nullptr;
+  ReadingOptions layer_reading;
+  ReadingOptions plate_reading;
+  bool passes_plate = false;  // what the plate holds besides its picture passes into the output
   std::unique_ptr<PictureSource> layer;
   std::unique_ptr<PictureSource> plate;  // null without one
   std::unique_ptr<PictureSource> matte;  // null without one

@@ -70,6 +70,15 @@ void planLayerEnd(Shot& shot) {
   shot.notes.push_back(fmt::format("the layer ends at frame {}, and the shot with it", shot.frames.last));
 }
 
+// How the files are read, and whether what a plate holds besides its picture passes into the output. At a lower
+// resolution it would not fit.
+void planReading(Shot& shot) {
+  shot.layer_reading.alpha = shot.options.alpha;
+  (shot.plate_files ? shot.plate_reading : shot.layer_reading).selection = shot.options.selection;
+  shot.passes_plate = shot.plate_files && shot.format->passes_parts && shot.options.downsample == 1;
+  shot.plate_reading.keep_overscan = shot.passes_plate;
+}
+
 }  // namespace
 
 void planFiles(Shot& shot) {
@@ -91,7 +100,9 @@ void planFiles(Shot& shot) {
   } else if (options.matte_start) {
     throw badArgument("--matte-start", "tells of the matte; name one with --matte, or omit it");
   }
+  requireEncodingHeld(*shot.format, options.encoding);
   shot.output = outputFiles(options, shot.frames);
+  planReading(shot);
 }
 
 }  // namespace vantorel::cli

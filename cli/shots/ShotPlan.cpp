@@ -1,6 +1,7 @@
 #include "cli/shots/ShotPlan.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <cmath>
@@ -96,9 +97,9 @@ void requireUsableSource(const RenderOptions& options, host::Size layer) {
 }
 
 FrameHeads probeFrame(const Shot& shot, std::int32_t frame) {
-  FrameHeads heads{probePicture(shot.layer_files.path(frame), shot.options.alpha), std::nullopt, std::nullopt};
+  FrameHeads heads{probePicture(shot.layer_files.path(frame), shot.layer_reading), std::nullopt, std::nullopt};
   if (shot.plate_files) {
-    heads.plate = probePicture(shot.plate_files->path(frame));
+    heads.plate = probePicture(shot.plate_files->path(frame), shot.plate_reading);
   }
   if (shot.matte_files) {
     heads.matte = probePicture(shot.matte_files->path(frame));
@@ -198,11 +199,21 @@ void requirePlateSize(const RenderOptions& options, const PictureInfo& plate) {
   }
 }
 
+void noteViews(Shot& shot, const InputFiles& files, const PictureInfo& info) {
+  if (info.views.size() > 1 && shot.options.selection.part.empty() && shot.options.selection.layer.empty()) {
+    shot.notes.push_back(
+        fmt::format("{}: holds the views {}; the first is used, and --part or --layer-name chooses "
+                    "another",
+                    files.path(shot.frames.first), fmt::join(info.views, ", ")));
+  }
+}
+
 // Whether 8 bits would lose colour in nearly transparent pixels, where dividing by alpha magnifies the rounding. A
 // still is searched for such pixels; of a sequence it is assumed that any picture with alpha has some.
-bool needsDeeperAlpha(const InputFiles& files, const PictureInfo& info, std::int32_t frame) {
+bool needsDeeperAlpha(const InputFiles& files, const PictureInfo& info, const ReadingOptions& reading,
+                      std::int32_t frame) {
   return info.is_unassociated && info.samples == SampleType::Bits8 &&
-         (files.hasNumber() || hasSoftAlpha(files.path(frame)));
+         (files.hasNumber() || hasSoftAlpha(files.path(frame), reading));
 }
 
 host::Depth renderingDepth(const Shot& shot, const FrameHeads& heads, SampleType source) {
@@ -213,8 +224,8 @@ host::Depth renderingDepth(const Shot& shot, const FrameHeads& heads, SampleType
   const std::int32_t frame = shot.frames.first;
   const bool fades = !heads.plate && (shot.options.opacity < 1.0 || shot.options.feather > 0.0 || heads.matte);
   const bool deeper = shot.options.depth == DepthChoice::Auto && depth == host::Depth::Bits8 &&
-                      (fades || needsDeeperAlpha(shot.layer_files, heads.layer, frame) ||
-                       (heads.plate && needsDeeperAlpha(*shot.plate_files, *heads.plate, frame)));
+                      (fades || needsDeeperAlpha(shot.layer_files, heads.layer, shot.layer_reading, frame) ||
+                       (heads.plate && needsDeeperAlpha(*shot.plate_files, *heads.plate, shot.plate_reading, frame)));
   return deeper ? host::Depth::Bits16 : depth;
 }
 
@@ -227,6 +238,10 @@ void planPictures(Shot& shot, const FrameHeads& heads) {
   const SampleType source = heads.plate ? finer(heads.layer.samples, heads.plate->samples) : heads.layer.samples;
   shot.depth = renderingDepth(shot, heads, source);
   shot.samples = outputSamples(*shot.format, options.depth, source);
+  if (shot.passes_plate && heads.plate->format == "openexr" && options.depth == DepthChoice::Auto) {
+    // What reads the plate expects its own type back: half stays half.
+    shot.samples = heads.plate->samples;
+  }
   shot.frame_size =
       options.size ? *options.size : (heads.plate ? heads.plate->size : shownSize(options, heads.layer.size));
   if (heads.matte) {
@@ -272,6 +287,11 @@ Shot planShot(const RenderOptions& options) {
 
   const FrameHeads heads = probeShot(shot);
   planPictures(shot, heads);
+  if (heads.plate) {
+    noteViews(shot, *shot.plate_files, *heads.plate);
+  } else {
+    noteViews(shot, shot.layer_files, heads.layer);
+  }
   requireUsableSource(options, shownSize(options, heads.layer.size));
   planEnlargement(shot, heads.layer.size);
   if (shot.corners.read) {
@@ -281,10 +301,10 @@ Shot planShot(const RenderOptions& options) {
   shot.threads_per_frame = std::max(1u, options.threads / static_cast<unsigned>(shot.frames_in_flight));
 
   shot.layer = std::make_unique<PictureSource>(shot.layer_files, shot.depth,
-                                               layerPreparation(options, shot.enlargement), options.alpha);
+                                               layerPreparation(options, shot.enlargement), shot.layer_reading);
   if (shot.plate_files) {
-    shot.plate =
-        std::make_unique<PictureSource>(*shot.plate_files, shot.depth, preparation(options.linear, options.downsample));
+    shot.plate = std::make_unique<PictureSource>(*shot.plate_files, shot.depth,
+                                                 preparation(options.linear, options.downsample), shot.plate_reading);
   }
   if (shot.matte_files) {
     shot.matte = std::make_unique<PictureSource>(*shot.matte_files, shot.depth, preparation(false, options.downsample));

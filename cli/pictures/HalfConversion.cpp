@@ -1,0 +1,76 @@
+#include "cli/pictures/HalfConversion.h"
+
+#include <Imath/half.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
+namespace vantorel::cli {
+
+namespace {
+
+template <typename Channel>
+void unitFloats(const std::byte* channels, std::size_t count, float* floats) {
+  const auto* values = reinterpret_cast<const Channel*>(channels);
+  constexpr auto kMost = static_cast<float>(static_cast<Channel>(~Channel{0}));
+  std::transform(values, values + count, floats, [](Channel value) { return static_cast<float>(value) / kMost; });
+}
+
+void halvesOf(const float* floats, std::size_t count, std::uint16_t* halves) {
+  std::transform(floats, floats + count, halves, imath_float_to_half);
+}
+
+#if defined(__x86_64__)
+__attribute__((target("avx,f16c"))) void halvesOfByF16c(const float* floats, std::size_t count, std::uint16_t* halves) {
+  constexpr std::size_t kAtOnce = 8;
+  std::size_t i = 0;
+  for (; i + kAtOnce <= count; i += kAtOnce) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(halves + i),
+                     _mm256_cvtps_ph(_mm256_loadu_ps(floats + i), _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC));
+  }
+  halvesOf(floats + i, count - i, halves + i);
+}
+#endif
+
+auto fastestHalves() {
+#if defined(__x86_64__)
+  if (__builtin_cpu_supports("avx") && __builtin_cpu_supports("f16c")) {
+    return halvesOfByF16c;
+  }
+#endif
+  return halvesOf;
+}
+
+}  // namespace
+
+void toFloat(const std::byte* channels, host::Depth depth, std::size_t count, float* floats) {
+  switch (depth) {
+    case host::Depth::Bits8:
+      return unitFloats<std::uint8_t>(channels, count, floats);
+    case host::Depth::Bits16:
+      return unitFloats<std::uint16_t>(channels, count, floats);
+    case host::Depth::Float:
+      std::memcpy(floats, channels, count * sizeof(float));
+  }
+}
+
+void toHalf(const std::byte* channels, host::Depth depth, std::size_t count, std::uint16_t* halves) {
+  static const auto convert = fastestHalves();
+  if (depth == host::Depth::Float) {
+    return convert(reinterpret_cast<const float*>(channels), count, halves);
+  }
+  std::array<float, 1024> floats{};
+  const std::size_t channel_bytes = host::bytesPerPixel(depth) / 4;
+  for (std::size_t done = 0; done < count; done += floats.size()) {
+    const std::size_t part = std::min(floats.size(), count - done);
+    toFloat(channels + done * channel_bytes, depth, part, floats.data());
+    convert(floats.data(), part, halves + done);
+  }
+}
+
+}  // namespace vantorel::cli

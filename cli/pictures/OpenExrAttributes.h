@@ -1,0 +1,13 @@
+// Attributes of other formats in OpenEXR's header.
+#pragma once
+
+#include <OpenEXR/ImfHeader.h>
+
+#include "cli/pictures/Metadata.h"
+
+namespace vantorel::cli {
+
+// Adds the attributes, those that OpenEXR has names of its own for under these. What it has no type for is left out.
+void addAttributes(Imf::Header& header, const Metadata& metadata);
+
+}  // namespace vantorel::cli

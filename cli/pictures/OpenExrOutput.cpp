@@ -1,0 +1,244 @@
+// OpenEXR by its own library: what a plate holds besides its picture passes into the output.
+#include <OpenEXR/ImfFrameBuffer.h>
+#include <OpenEXR/ImfMultiPartOutputFile.h>
+#include <OpenEXR/ImfOutputPart.h>
+#include <OpenEXR/ImfPartType.h>
+#include <OpenEXR/ImfStandardAttributes.h>
+#include <OpenEXR/ImfStringAttribute.h>
+#include <OpenEXR/ImfThreading.h>
+#include <fmt/format.h>
+
+#include <map>
+#include <optional>
+#include <utility>
+
+#include "cli/base/CommandError.h"
+#include "cli/base/Text.h"
+#include "cli/pictures/FileDate.h"
+#include "cli/pictures/FileRecord.h"
+#include "cli/pictures/HalfConversion.h"
+#include "cli/pictures/OpenExrAttributes.h"
+#include "cli/pictures/OpenExrSource.h"
+#include "cli/pictures/PictureInput.h"
+#include "cli/pictures/PictureOutput.h"
+
+namespace vantorel::cli {
+
+namespace {
+
+// Lets OpenEXR write to an output file, which keeps the reason of a failure.
+class ExrStream : public Imf::OStream {
+ public:
+  ExrStream(const std::string& path, OutputFile& file) : OStream(path.c_str()), file_(file) {}
+
+  void write(const char bytes[], int count) override {
+    const auto size = static_cast<std::size_t>(count);
+    require(std::fwrite(bytes, 1, size, file_.stream()) == size);
+  }
+  std::uint64_t tellp() override { return static_cast<std::uint64_t>(ftello(file_.stream())); }
+  void seekp(std::uint64_t position) override {
+    require(fseeko(file_.stream(), static_cast<off_t>(position), SEEK_SET) == 0);
+  }
+
+ private:
+  void require(bool succeeded) {
+    file_.note(succeeded);
+    file_.throwIfFailed();
+  }
+
+  OutputFile& file_;
+};
+
+// Runs a step of reading the plate; what OpenEXR throws in it is the plate's fault.
+template <typename Step>
+auto ofPlate(const PictureOrigin& origin, const Step& step) {
+  try {
+    return step();
+  } catch (const Iex::BaseExc& fault) {
+    throw unreadablePicture(origin.path, fault.what());
+  }
+}
+
+Imath::Box2i windowAt(const host::Rect& rect, int x, int y) {
+  return {{rect.left + x, rect.top + y}, {rect.right + x - 1, rect.bottom + y - 1}};
+}
+
+Imf::Compression compressionNamed(const std::string& name) {
+  static const std::map<std::string, Imf::Compression> kNames{
+      {"none", Imf::NO_COMPRESSION},   {"rle", Imf::RLE_COMPRESSION},   {"zips", Imf::ZIPS_COMPRESSION},
+      {"zip", Imf::ZIP_COMPRESSION},   {"piz", Imf::PIZ_COMPRESSION},   {"pxr24", Imf::PXR24_COMPRESSION},
+      {"b44", Imf::B44_COMPRESSION},   {"b44a", Imf::B44A_COMPRESSION}, {"dwaa", Imf::DWAA_COMPRESSION},
+      {"dwab", Imf::DWAB_COMPRESSION},
+  };
+  return kNames.at(name);
+}
+
+class OpenExrOutput : public PictureOutput {
+ public:
+  OpenExrOutput(const std::string& path, OutputFile& file, const OutputPicture& picture)
+      : path_(path), file_(file), picture_(picture), stream_(path, file) {
+    if (picture.origin && picture.origin->is_openexr) {
+      ofPlate(*picture.origin, [&] { source_.emplace(*picture.origin); });
+    }
+    guarded([&] {
+      const std::vector<Imf::Header> headers = describe();
+      output_.emplace(stream_, headers.data(), static_cast<int>(headers.size()), true);
+      part_.emplace(*output_, passesParts() ? source_->part() : 0);
+    });
+  }
+
+  void writeRows(int y_begin, const host::ConstImageView& rows) override {
+    const int top = window_.min.y + y_begin;
+    const int bottom = top + rows.size.height;
+    Imf::FrameBuffer buffer;
+    if (passesChannels()) {
+      ofPlate(*picture_.origin, [&] { source_->readOthers(window_.min.x, window_.max.x + 1, top, bottom, buffer); });
+    }
+    encode(rows);
+    const std::size_t sample = picture_.samples == SampleType::Half ? 2 : 4;
+    const std::size_t row_bytes = 4 * sample * static_cast<std::size_t>(rows.size.width);
+    char* const base = reinterpret_cast<char*>(encoded_.data()) - static_cast<std::ptrdiff_t>(row_bytes) * top -
+                       static_cast<std::ptrdiff_t>(4 * sample) * window_.min.x;
+    for (std::size_t c = 0; c < names_.size(); ++c) {
+      buffer.insert(names_[c], Imf::Slice(pixelType(), base + c * sample, 4 * sample, row_bytes));
+    }
+    guarded([&] {
+      part_->setFrameBuffer(buffer);
+      part_->writePixels(rows.size.height);
+    });
+  }
+
+  void close() override {
+    if (passesParts()) {
+      for (int part = 0; part < source_->parts(); ++part) {
+        if (part != source_->part()) {
+          ofPlate(*picture_.origin, [&] { source_->copyPart(part, *output_); });
+          file_.throwIfFailed();
+        }
+      }
+    }
+    // The parts' places in the file are written as it is let go of, and failures noted in the file alone.
+    part_.reset();
+    output_.reset();
+  }
+
+ private:
+  bool passesParts() const { return source_ && picture_.passes_plate; }
+  bool passesChannels() const {
+    return passesParts() && source_->otherChannels().begin() != source_->otherChannels().end();
+  }
+  Imf::PixelType pixelType() const { return picture_.samples == SampleType::Half ? Imf::HALF : Imf::FLOAT; }
+
+  // Runs a step of writing; what OpenEXR throws in it is the output's fault.
+  template <typename Step>
+  void guarded(const Step& step) {
+    try {
+      step();
+    } catch (const Iex::BaseExc& fault) {
+      file_.throwIfFailed();
+      throw fileFailure(path_, fmt::format("cannot be written ({}); make room on its disk, or try another format or "
+                                           "size",
+                                           oneLine(fault.what())));
+    }
+  }
+
+  std::vector<Imf::Header> describe() {
+    std::vector<Imf::Header> headers;
+    if (passesParts()) {
+      for (int part = 0; part < source_->parts(); ++part) {
+        headers.push_back(part == source_->part() ? pictureHeader() : source_->passedHeader(part));
+      }
+    } else {
+      headers.push_back(pictureHeader());
+    }
+    return headers;
+  }
+
+  Imf::Header pictureHeader() {
+    Imf::Header header = source_ ? source_->header(source_->part()) : Imf::Header();
+    const int x = passesParts() ? picture_.origin->display_x : 0;
+    const int y = passesParts() ? picture_.origin->display_y : 0;
+    window_ = windowAt(picture_.window, x, y);
+    header.dataWindow() = window_;
+    header.displayWindow() = windowAt({0, 0, picture_.frame.width, picture_.frame.height}, x, y);
+    header.lineOrder() = Imf::INCREASING_Y;
+    // Tiles and a preview were those of the plate's own pixels.
+    for (const char* name : {"tiles", "preview", "chunkCount"}) {
+      header.erase(name);
+    }
+    if (!passesParts()) {
+      for (const char* name : {"name", "view", "multiView"}) {
+        header.erase(name);
+      }
+    }
+    header.setType(Imf::SCANLINEIMAGE);
+    addChannels(header);
+    compress(header);
+    if (picture_.metadata && !source_) {
+      addAttributes(header, *picture_.metadata);
+    }
+    header.insert("Software", Imf::StringAttribute(recordText(picture_.settings)));
+    if (const std::string date = fileDate(); !date.empty() && !Imf::hasCapDate(header)) {
+      Imf::addCapDate(header, date);
+    }
+    return header;
+  }
+
+  void addChannels(Imf::Header& header) {
+    names_ = {"R", "G", "B", "A"};
+    header.channels() = passesParts() ? source_->otherChannels() : Imf::ChannelList();
+    if (passesParts()) {
+      names_ = picture_.origin->written;
+    }
+    names_.resize(picture_.has_alpha ? 4 : 3);
+    for (const std::string& name : names_) {
+      header.channels().insert(name, Imf::Channel(pixelType()));
+    }
+  }
+
+  void compress(Imf::Header& header) const {
+    const Compression& wanted = picture_.encoding.compression;
+    if (wanted.name.empty()) {
+      return;
+    }
+    header.compression() = compressionNamed(wanted.name);
+    if (wanted.level && header.compression() >= Imf::DWAA_COMPRESSION) {
+      header.dwaCompressionLevel() = static_cast<float>(*wanted.level);
+    } else if (wanted.level) {
+      header.zipCompressionLevel() = static_cast<int>(*wanted.level);
+    }
+  }
+
+  void encode(const host::ConstImageView& rows) {
+    const std::size_t sample = picture_.samples == SampleType::Half ? 2 : 4;
+    const auto count = 4 * static_cast<std::size_t>(rows.size.width);
+    encoded_.resize(sample * count * static_cast<std::size_t>(rows.size.height));
+    for (int y = 0; y < rows.size.height; ++y) {
+      std::byte* const out = encoded_.data() + sample * count * static_cast<std::size_t>(y);
+      if (picture_.samples == SampleType::Half) {
+        toHalf(rows.row(y), rows.depth, count, reinterpret_cast<std::uint16_t*>(out));
+      } else {
+        toFloat(rows.row(y), rows.depth, count, reinterpret_cast<float*>(out));
+      }
+    }
+  }
+
+  const std::string& path_;
+  OutputFile& file_;
+  const OutputPicture& picture_;
+  ExrStream stream_;
+  std::optional<OpenExrSource> source_;
+  Imath::Box2i window_;             // the data window, by the file's own count
+  std::vector<std::string> names_;  // of the channels for R, G, B and A
+  std::optional<Imf::MultiPartOutputFile> output_;
+  std::optional<Imf::OutputPart> part_;
+  std::vector<std::byte> encoded_;
+};
+
+}  // namespace
+
+std::unique_ptr<PictureOutput> openExrOutput(const std::string& path, OutputFile& file, const OutputPicture& picture) {
+  return std::make_unique<OpenExrOutput>(path, file, picture);
+}
+
+}  // namespace vantorel::cli
