@@ -1,0 +1,95 @@
+#include "bridges/ofx/Describe.h"
+
+#include <utility>
+
+#include "bridges/ofx/Effect.h"
+#include "bridges/ofx/Interact.h"
+#include "bridges/ofx/Names.h"
+#include "bridges/ofx/Parameters.h"
+
+namespace vantorel::ofx {
+namespace {
+
+void describeTexts(const Properties& effect) {
+  effect.set(kPropLabel, "Vantorel");
+  effect.offer("OfxPropShortLabel", "Vantorel");
+  effect.offer("OfxPropLongLabel", "Vantorel Four-Point Warp");
+  effect.offer("OfxImageEffectPluginPropGrouping", "Transform");
+  effect.offer("OfxPropPluginDescription",
+               "Takes the four corners of a picture to any four points, in true perspective: screen replacement, sign "
+               "and billboard inserts, matching a planar track.");
+  effect.offer("OfxPropVersionLabel", VANTOREL_VERSION);
+}
+
+// Whichever way of drawing the host offers: the draw suite, else OpenGL.
+void describeOverlay(const Properties& effect) {
+  if (Properties(hostProperties()).integer("OfxImageEffectPropSupportsOverlays").value_or(0) == 0 ||
+      suites().interact == nullptr) {
+    return;
+  }
+  auto* const entry = reinterpret_cast<void*>(&interactEntry);
+  if (suites().draw == nullptr || !effect.offer("OfxImageEffectPluginPropOverlayInteractV2", entry)) {
+    effect.offer("OfxImageEffectPluginPropOverlayInteractV1", entry);
+  }
+}
+
+Properties defineClip(EffectHandle descriptor, const char* name) {
+  PropertySet clip = nullptr;
+  check(suites().effect->define_clip(descriptor, name, &clip), name);
+  const Properties properties(clip);
+  properties.offer(kPropSupportsTiles, 1);
+  properties.offer("OfxImageEffectPropTemporalClipAccess", 0);
+  return properties;
+}
+
+void defineOptionalClip(EffectHandle descriptor, const char* name, bool is_mask) {
+  const Properties clip = defineClip(descriptor, name);
+  if (is_mask) {
+    clip.set("OfxImageEffectPropSupportedComponents", {kComponentsAlpha, kComponentsRgba});
+  } else {
+    clip.set("OfxImageEffectPropSupportedComponents", {kComponentsRgba, kComponentsRgb});
+  }
+  clip.set("OfxImageClipPropOptional", 1);
+  clip.offer("OfxImageClipPropIsMask", is_mask ? 1 : 0);
+}
+
+}  // namespace
+
+void describe(EffectHandle descriptor) {
+  const Properties effect = propertiesOf(descriptor);
+  describeTexts(effect);
+  effect.set("OfxImageEffectPropSupportedContexts", {kContextGeneral, kContextFilter});
+  effect.set("OfxImageEffectPropSupportedPixelDepths", {kDepthFloat, kDepthShort, kDepthByte});
+  suites().property->set_string(effect.handle(), "OfxImageEffectPropSupportedPixelDepths", 3, kDepthHalf);
+  effect.set("OfxImageEffectPluginRenderThreadSafety", "OfxImageEffectRenderFullySafe");
+  for (const auto& [name, value] : {std::pair{"OfxImageEffectPluginPropSingleInstance", 0},
+                                    {"OfxImageEffectPluginPropHostFrameThreading", 1},
+                                    {"OfxImageEffectPropSupportsMultiResolution", 1},
+                                    {kPropSupportsTiles, 1},
+                                    {"OfxImageEffectPropTemporalClipAccess", 0},
+                                    {"OfxImageEffectPluginPropFieldRenderTwiceAlways", 0},
+                                    {"OfxImageEffectPropMultipleClipDepths", 0},
+                                    {"OfxImageEffectPropSupportsMultipleClipPARs", 0},
+                                    {"OfxImageEffectInstancePropSequentialRender", 0}}) {
+    effect.offer(name, value);
+  }
+  describeOverlay(effect);
+}
+
+void describeInContext(EffectHandle descriptor, const Properties& in) {
+  const bool is_general = in.text(kPropContext) == kContextGeneral;
+  const Properties source = defineClip(descriptor, kSourceClip);
+  const Properties output = defineClip(descriptor, kOutputClip);
+  output.set("OfxImageEffectPropSupportedComponents", {kComponentsRgba});
+  if (is_general) {
+    source.set("OfxImageEffectPropSupportedComponents", {kComponentsRgba, kComponentsRgb});
+  } else {
+    // The output's are those of the source here, and without alpha there is no outside: the host converts.
+    source.set("OfxImageEffectPropSupportedComponents", {kComponentsRgba});
+  }
+  defineOptionalClip(descriptor, kBackgroundClip, false);
+  defineOptionalClip(descriptor, kMatteClip, true);
+  defineParameters(paramSetOf(descriptor));
+}
+
+}  // namespace vantorel::ofx

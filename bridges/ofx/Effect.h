@@ -1,0 +1,80 @@
+// An instance of the plug-in, as the host made it.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "bridges/ofx/ClipImage.h"
+#include "bridges/ofx/Parameters.h"
+#include "host/Instance.h"
+#include "host/Module.h"
+
+namespace vantorel::ofx {
+
+// What draws one window at a time. It keeps its memory from window to window.
+struct Renderer {
+  explicit Renderer(std::shared_ptr<const host::Module> module) : instance(std::move(module)) {}
+
+  host::Instance instance;
+  host::Image layer;   // where the source's image cannot be drawn from as it is
+  host::Image target;  // where the output's image cannot be drawn into
+  host::Image row;     // of another clip
+};
+
+class Effect {
+ public:
+  // Throws a Fault where the host lacks something that the instance needs.
+  Effect(EffectHandle handle, std::shared_ptr<const host::Module> module);
+
+  // Makes an instance for a handle, and ends it; a handle has one at most. The plug-in keeps them, so that nothing is
+  // lost in a host that does not.
+  static void create(EffectHandle handle, std::shared_ptr<const host::Module> module);
+  static void destroy(EffectHandle handle);
+  // That of a handle; a Fault where there is none.
+  static Effect& of(EffectHandle handle);
+
+  EffectHandle handle() const { return handle_; }
+  const Parameters& parameters() const { return parameters_; }
+  bool isGeneral() const { return is_general_; }
+
+  // The host's clips live as long as the instance. Null clips where the context has none.
+  const Clip& source() const { return source_; }
+  const Clip& background() const { return background_; }
+  const Clip& matte() const { return matte_; }
+  const Clip& output() const { return output_; }
+
+  // Where normalised positions lie; where the host does not say, the source's frame.
+  Project project(Time time) const;
+
+  // A renderer that nobody uses, until it is given back. From any thread.
+  std::unique_ptr<Renderer> takeRenderer();
+  void giveBack(std::unique_ptr<Renderer> renderer);
+  // Frees those that nobody uses.
+  void purge();
+
+  // Shows a message at the instance until it is cleared; an error is said once in hosts without such messages.
+  void showError(const std::string& message);
+  void clearError();
+
+ private:
+  EffectHandle handle_;
+  std::shared_ptr<const host::Module> module_;
+  Parameters parameters_;
+  Clip source_;
+  Clip background_;
+  Clip matte_;
+  Clip output_;
+  bool is_general_ = false;
+  std::mutex mutex_;
+  std::vector<std::unique_ptr<Renderer>> idle_;
+  std::atomic<bool> has_error_ = false;
+};
+
+// The properties of an instance or a descriptor.
+Properties propertiesOf(EffectHandle handle);
+ParamSet paramSetOf(EffectHandle handle);
+
+}  // namespace vantorel::ofx

@@ -1,0 +1,44 @@
+// From the interface's coordinates to those that the effect draws in.
+#pragma once
+
+#include "bridges/ofx/OfxTypes.h"
+#include "host/Animation.h"
+#include "host/Image.h"
+
+namespace vantorel::ofx {
+
+// Pixels of an image per canonical unit.
+struct PixelScale {
+  double x = 1.0;
+  double y = 1.0;
+
+  // `is_field`: the image holds every other row.
+  static PixelScale of(const PointD& render_scale, double pixel_aspect, bool is_field);
+};
+
+// The source's frame in canonical coordinates, in pixels.
+RectD pixelsOf(const RectD& canonical, const PixelScale& scale);
+
+// A plane of pixels, y down, on which the upper left corner of the source's frame is (0, 0): that of the embedded
+// host's canvases, of which a still's is the frame itself.
+struct Plane {
+  PixelScale scale;
+  double left = 0.0;  // of the source's frame, in pixels y up
+  double top = 0.0;
+
+  host::Point at(const host::Point& canonical) const;
+  host::Corners at(const host::Corners& canonical) const;
+  // The edges must be whole pixels of the plane.
+  host::Rect at(const RectI& pixels) const;
+};
+
+// Whether the corners are the outline of a frame of that size, to the 16.16 numbers that the effect gets.
+bool areOutline(const host::Corners& corners, double width, double height);
+
+// The box of the corners, `margin` pixels wider on every side; canonical.
+RectD boundsOf(const host::Corners& corners, const PixelScale& scale, double margin);
+
+RectD united(const RectD& a, const RectD& b);
+RectI common(const RectI& a, const RectI& b);
+
+}  // namespace vantorel::ofx

@@ -1,0 +1,11 @@
+// The overlay in the host's viewer: the quadrilateral with handles to drag.
+#pragma once
+
+#include "bridges/ofx/OfxTypes.h"
+
+namespace vantorel::ofx {
+
+// The overlay's own entry, for both of the interface's ways of drawing.
+Status interactEntry(const char* action, const void* handle, PropertySet in, PropertySet out);
+
+}  // namespace vantorel::ofx

@@ -1,0 +1,97 @@
+#include "bridges/ofx/Regions.h"
+
+#include "bridges/ofx/Geometry.h"
+#include "bridges/ofx/Names.h"
+
+namespace vantorel::ofx {
+namespace {
+
+// Soft edges reach up to 5 pixels beyond the corners, and rounding a pixel further.
+constexpr double kMargin = 6.0;
+
+PixelScale scaleOf(const Effect& effect, const Properties& in) {
+  const PointD render_scale = in.point(kPropRenderScale).value_or(PointD{1.0, 1.0});
+  const double aspect = Properties(effect.output().properties).number(kPropPixelAspect).value_or(1.0);
+  return PixelScale::of(render_scale, aspect > 0.0 ? aspect : 1.0, false);
+}
+
+Time timeOf(const Properties& in) {
+  return required(in.number(kPropTime), kPropTime);
+}
+
+}  // namespace
+
+Status regionOfDefinition(const Effect& effect, const Properties& in, const Properties& out) {
+  const Time time = timeOf(in);
+  const ParameterValues values = effect.parameters().at(time, effect.project(time));
+  RectD region = boundsOf(values.corners, scaleOf(effect, in), kMargin);
+  if (const auto background = effect.background().regionOfDefinition(time)) {
+    region = united(region, *background);
+  }
+  out.set("OfxImageEffectPropRegionOfDefinition", {region.x1, region.y1, region.x2, region.y2});
+  return Status::Ok;
+}
+
+// All of the source, whatever the window: the effect reads a frame that is there as a whole. The other clips are needed
+// where the window is, as the host has it already.
+Status regionsOfInterest(const Effect& effect, const Properties& in, const Properties& out) {
+  const auto region = effect.source().regionOfDefinition(timeOf(in));
+  if (!region) {
+    return Status::ReplyDefault;
+  }
+  out.set("OfxImageClipPropRoI_Source", {region->x1, region->y1, region->x2, region->y2});
+  return Status::Ok;
+}
+
+Status identity(const Effect& effect, const Properties& in, const Properties& out) {
+  const Time time = timeOf(in);
+  const ParameterValues values = effect.parameters().at(time, effect.project(time));
+  if (values.opacity == 0.0 && effect.background().isConnected()) {
+    out.set(kPropName, kBackgroundClip);
+    return Status::Ok;
+  }
+  const auto frame = effect.source().regionOfDefinition(time);
+  if (!frame || values.from || values.opacity < 1.0 || effect.background().isConnected() ||
+      effect.matte().isConnected()) {
+    return Status::ReplyDefault;
+  }
+  const PixelScale scale = scaleOf(effect, in);
+  const RectD pixels = pixelsOf(*frame, scale);
+  const Plane plane{scale, pixels.x1, pixels.y2};
+  if (!areOutline(plane.at(values.corners), pixels.x2 - pixels.x1, pixels.y2 - pixels.y1)) {
+    return Status::ReplyDefault;
+  }
+  out.set(kPropName, kSourceClip);
+  return Status::Ok;
+}
+
+// The output has the alpha that the source has: straight where that is straight, else premultiplied, also round an
+// opaque source.
+Status clipPreferences(const Effect& effect, const Properties& out) {
+  out.set(kPropPremultiplication, effect.source().isUnpremultiplied() ? kUnpremultiplied : kPremultiplied);
+  if (effect.isGeneral()) {
+    out.offer("OfxImageClipPropComponents_Output", kComponentsRgba);
+  }
+  out.offer("OfxImageEffectFrameVarying", 0);
+  return Status::Ok;
+}
+
+void resetCorners(const Effect& effect, bool from, Time time) {
+  const Project project = effect.project(time);
+  const RectD frame = effect.source().regionOfDefinition(time).value_or(
+      RectD{project.offset.x, project.offset.y, project.offset.x + project.size.x, project.offset.y + project.size.y});
+  const Parameters& parameters = effect.parameters();
+  parameters.beginEdit(from ? "Reset from corners" : "Reset corners");
+  try {
+    parameters.setCorner(from, 0, {frame.x1, frame.y2});
+    parameters.setCorner(from, 1, {frame.x2, frame.y2});
+    parameters.setCorner(from, 2, {frame.x1, frame.y1});
+    parameters.setCorner(from, 3, {frame.x2, frame.y1});
+  } catch (const Fault&) {
+    parameters.endEdit();
+    throw;
+  }
+  parameters.endEdit();
+}
+
+}  // namespace vantorel::ofx

@@ -1,0 +1,210 @@
+#include "bridges/ofx/Render.h"
+
+#include <algorithm>
+#include <stop_token>
+#include <thread>
+#include <utility>
+
+#include "bridges/ofx/Geometry.h"
+#include "bridges/ofx/Names.h"
+#include "bridges/ofx/PixelRows.h"
+
+namespace vantorel::ofx {
+namespace {
+
+// A renderer for as long as a window is drawn.
+class Borrowed {
+ public:
+  explicit Borrowed(Effect& effect) : effect_(effect), renderer_(effect.takeRenderer()) {}
+  ~Borrowed() { effect_.giveBack(std::move(renderer_)); }
+  Borrowed(const Borrowed&) = delete;
+  Borrowed& operator=(const Borrowed&) = delete;
+  Renderer& operator*() { return *renderer_; }
+
+ private:
+  Effect& effect_;
+  std::unique_ptr<Renderer> renderer_;
+};
+
+template <typename T>
+void orFault(const host::Result<T>& result) {
+  if (!result) {
+    const bool is_memory = result.error().kind == host::ErrorKind::OutOfMemory;
+    throw Fault{is_memory ? Status::Memory : Status::Failed, host::errorText(result.error())};
+  }
+}
+
+// The window that is asked for, and what it is drawn into: from the output's memory where that is laid out as the
+// effect draws.
+struct Target {
+  const ClipImage& image;
+  RectI window;  // pixels, y up
+  host::ImageView view;
+};
+
+bool isDrawable(const ClipImage& image) {
+  return image.components() == Components::Rgba && image.depth() != PixelDepth::Half;
+}
+
+// The interface's rows run upwards: a view begins at the upper one.
+template <typename View>
+View viewOf(const ClipImage& image, const RectI& part) {
+  return {
+      image.pixel(part.x1, part.y2 - 1), -image.rowBytes(), {part.width(), part.height()}, drawnDepth(image.depth())};
+}
+
+Target targetOf(const ClipImage& output, const RectI& window, Renderer& renderer) {
+  if (isDrawable(output)) {
+    return {output, window, viewOf<host::ImageView>(output, window)};
+  }
+  orFault(renderer.target.fit({window.width(), window.height()}, drawnDepth(output.depth())));
+  return {output, window, renderer.target.view()};
+}
+
+// The source's frame as the effect reads it: the host's own memory where that holds all of it, laid out and
+// premultiplied as the effect draws, else a copy.
+host::ConstImageView layerOf(const ClipImage& source, Renderer& renderer) {
+  const RectI& frame = source.fullFrame();
+  const RectI inside = common(frame, source.bounds());
+  const bool is_whole = inside.width() == frame.width() && inside.height() == frame.height();
+  if (is_whole && isDrawable(source) && !source.isUnpremultiplied()) {
+    return viewOf<host::ConstImageView>(source, frame);
+  }
+  orFault(renderer.layer.fit({frame.width(), frame.height()}, drawnDepth(source.depth())));
+  const host::ImageView layer = renderer.layer.view();
+  for (int y = 0; y < frame.height(); ++y) {
+    loadRow(source, frame.y2 - 1 - y, frame.x1, frame.x2, layer.row(y));
+  }
+  return host::asConst(layer);
+}
+
+void clear(const host::ImageView& view) {
+  for (int y = 0; y < view.size.height; ++y) {
+    std::fill_n(view.row(y), host::bytesPerPixel(view.depth) * static_cast<std::size_t>(view.size.width), std::byte{0});
+  }
+}
+
+// As many as the host says: it may have given the others to something else. Small windows are drawn by their caller,
+// since hosts ask for several at once.
+unsigned threadsFor(const RectI& window) {
+  constexpr std::int64_t kSmall = 256 * 256;
+  const MultiThreadSuite* const suite = suites().threads;
+  if (std::int64_t{window.width()} * window.height() <= kSmall ||
+      (suite != nullptr && suite->is_spawned_thread() != 0)) {
+    return 1;
+  }
+  unsigned count = 0;
+  return suite != nullptr && suite->cpu_count(&count) == Status::Ok ? count : 0;
+}
+
+host::FrameOptions optionsOf(const ParameterValues& values, const RectI& window) {
+  host::FrameOptions options;
+  options.quality = values.quality;
+  options.edges = values.edges;
+  options.samples = values.samples;
+  options.canvas_independent = true;
+  options.threads = threadsFor(window);
+  return options;
+}
+
+// Draws the source on its corners. False when the host wants the render to end.
+bool drawSource(const Effect& effect, const ClipImage& source, const ParameterValues& values,
+                const PointD& render_scale, const Target& target, Renderer& renderer) {
+  const RectI& frame = source.fullFrame();
+  const double left = frame.x1;
+  const double top = frame.y2;
+  const Plane plane{PixelScale::of(render_scale, target.image.pixelAspect(), target.image.isField()), left, top};
+  const Plane source_plane{PixelScale::of(render_scale, source.pixelAspect(), source.isField()), left, top};
+  orFault(renderer.instance.setCorners(plane.at(values.corners)));
+  renderer.instance.clearSource();
+  if (values.from) {
+    orFault(renderer.instance.setSource(source_plane.at(*values.from)));
+  }
+  host::FrameOptions options = optionsOf(values, target.window);
+  std::stop_source stop;
+  options.stop = stop.get_token();
+  // The host is asked from its own thread alone.
+  options.progress = [&, caller = std::this_thread::get_id()](double) {
+    if (std::this_thread::get_id() == caller && suites().effect->abort(effect.handle()) != 0) {
+      stop.request_stop();
+    }
+  };
+  const host::Result<host::FrameResult> drawn =
+      renderer.instance.render(layerOf(source, renderer), plane.at(target.window), target.view, options);
+  if (!drawn && drawn.error().kind == host::ErrorKind::Interrupted) {
+    return false;
+  }
+  orFault(drawn);
+  return true;
+}
+
+// The optional clips, and the way into the output's image, row by row.
+void finish(const ParameterValues& values, const std::optional<ClipImage>& matte,
+            const std::optional<ClipImage>& background, const Target& target, Renderer& renderer) {
+  const RectI& window = target.window;
+  const host::Depth depth = target.view.depth;
+  const bool is_stored = isDrawable(target.image) && !target.image.isUnpremultiplied();
+  if (is_stored && !matte && !background && values.opacity == 1.0) {
+    return;
+  }
+  orFault(renderer.row.fit({window.width(), 1}, depth));
+  std::byte* const other = renderer.row.view().row(0);
+  for (int i = 0; i < window.height(); ++i) {
+    std::byte* const row = target.view.row(i);
+    const int y = window.y2 - 1 - i;
+    if (values.opacity < 1.0) {
+      fadeRow(depth, row, window.width(), values.opacity);
+    }
+    if (matte) {
+      loadRow(*matte, y, window.x1, window.x2, other);
+      holdOutRow(depth, row, other, window.width());
+    }
+    if (background) {
+      loadRow(*background, y, window.x1, window.x2, other);
+      layOverRow(depth, row, other, window.width());
+    }
+    storeRow(target.image, y, window.x1, window.x2, row);
+  }
+}
+
+std::optional<ClipImage> fetchLike(const ClipImage& output, const Clip& clip, const char* name, Time time) {
+  std::optional<ClipImage> image = ClipImage::fetch(clip, name, time);
+  if (image && drawnDepth(image->depth()) != drawnDepth(output.depth())) {
+    throw Fault{Status::ImageFormat, std::string(name) + ": its depth is not the output's; give all clips one depth"};
+  }
+  return image;
+}
+
+}  // namespace
+
+void render(Effect& effect, const Properties& arguments) {
+  const Time time = required(arguments.number(kPropTime), kPropTime);
+  const PointD scale = required(arguments.point(kPropRenderScale), kPropRenderScale);
+  const RectI asked = required(arguments.rectangle(kPropRenderWindow), kPropRenderWindow);
+  const std::optional<ClipImage> output = ClipImage::fetch(effect.output(), kOutputClip, time);
+  if (!output) {
+    if (suites().effect->abort(effect.handle()) != 0) {
+      return;
+    }
+    throw Fault{Status::Failed, "the host gives no output image"};
+  }
+  const RectI window = common(asked, output->bounds());
+  if (window.empty()) {
+    return;
+  }
+  const ParameterValues values = effect.parameters().at(time, effect.project(time));
+  const std::optional<ClipImage> source = fetchLike(*output, effect.source(), kSourceClip, time);
+  const std::optional<ClipImage> matte = fetchLike(*output, effect.matte(), kMatteClip, time);
+  const std::optional<ClipImage> background = fetchLike(*output, effect.background(), kBackgroundClip, time);
+
+  Borrowed renderer(effect);
+  const Target target = targetOf(*output, window, *renderer);
+  if (!source) {
+    clear(target.view);
+  } else if (!drawSource(effect, *source, values, scale, target, *renderer)) {
+    return;
+  }
+  finish(values, matte, background, target, *renderer);
+}
+
+}  // namespace vantorel::ofx

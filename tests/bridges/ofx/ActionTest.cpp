@@ -1,0 +1,309 @@
+// What the plug-in tells the host, and what it answers to the host's questions.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+
+#include "tests/bridges/ofx/Session.h"
+
+namespace vantorel::ofx {
+namespace {
+
+constexpr RectI kFrame{0, 0, 64, 48};
+constexpr host::Corners kOutline{{0, 0}, {64, 0}, {0, 48}, {64, 48}};
+constexpr host::Corners kTrapezoid{{10, 8}, {50, 8}, {6, 40}, {60, 44}};
+
+// A session whose clips hold a white frame.
+struct Ready : Session {
+  Ready() {
+    EXPECT_EQ(open(), Status::Ok);
+    PropertySetRecord& source = connect("Source", {.bounds = kFrame});
+    for (std::size_t i = 0; i + 4 <= source.pixels.size(); i += 4) {
+      constexpr float kWhite = 1.0F;
+      std::memcpy(source.pixels.data() + i, &kWhite, sizeof kWhite);
+    }
+    connect("Output", {.bounds = kFrame});
+  }
+
+  std::vector<double> corner(const char* name) { return instance.params.params.at(name).value; }
+  std::vector<double> region() {
+    PropertySetRecord in = renderArguments(kFrame);
+    PropertySetRecord out;
+    EXPECT_EQ(action("OfxImageEffectActionGetRegionOfDefinition", &in, &out), Status::Ok);
+    std::vector<double> edges;
+    for (std::size_t i = 0; i < 4; ++i) {
+      edges.push_back(out.get<double>("OfxImageEffectPropRegionOfDefinition", i));
+    }
+    return edges;
+  }
+  // The clip that is passed on, or nothing.
+  std::string passedOn(PointD scale = {1.0, 1.0}) {
+    PropertySetRecord in = renderArguments(kFrame, scale);
+    PropertySetRecord out;
+    const Status status = action("OfxImageEffectActionIsIdentity", &in, &out);
+    return status == Status::Ok ? out.get<std::string>("OfxPropName") : "";
+  }
+};
+
+TEST(OfxDescribeTest, TellsWhatItOffersInEachContext) {
+  for (const char* context : {kFilter, kGeneral}) {
+    Session session;
+    ASSERT_EQ(session.open(context), Status::Ok);
+    EXPECT_STREQ(session.plugin().api, "OfxImageEffectPluginAPI");
+    EXPECT_EQ(session.plugin().api_version, 1);
+    const PropertySetRecord& effect = session.descriptor.properties;
+    EXPECT_EQ(effect.get<std::string>("OfxImageEffectPropSupportedContexts", 1), kFilter);
+    EXPECT_EQ(effect.values.at("OfxImageEffectPropSupportedPixelDepths").size(), 4U);
+    EXPECT_EQ(effect.get<std::string>("OfxImageEffectPluginRenderThreadSafety"), "OfxImageEffectRenderFullySafe");
+    EXPECT_EQ(effect.get<int>("OfxImageEffectPropSupportsTiles"), 1);
+    auto& clips = session.descriptor.clips;
+    EXPECT_EQ(clips.size(), 4U);
+    EXPECT_EQ(clips.at("Background").properties.get<int>("OfxImageClipPropOptional"), 1);
+    EXPECT_EQ(clips.at("Matte").properties.get<int>("OfxImageClipPropIsMask"), 1);
+    const std::size_t kinds = clips.at("Source").properties.values.at("OfxImageEffectPropSupportedComponents").size();
+    EXPECT_EQ(kinds, context == kGeneral ? 2U : 1U);
+    EXPECT_EQ(session.instance.params.params.at("upperLeft").value, (std::vector<double>{0.0, 48.0}));
+    EXPECT_EQ(session.instance.params.params.at("lowerRight").value, (std::vector<double>{64.0, 0.0}));
+    EXPECT_EQ(session.instance.params.params.at("quality").value, std::vector<double>{2.0});
+    for (const auto& child :
+         session.descriptor.params.params.at("page").properties.values.at("OfxParamPropPageChild")) {
+      EXPECT_EQ(session.descriptor.params.params.count(std::get<std::string>(child)), 1U);
+    }
+    for (const auto& [name, param] : session.descriptor.params.params) {
+      EXPECT_FALSE(param.properties.get<std::string>("OfxPropLabel").empty()) << name;
+    }
+    EXPECT_EQ(session.action("OfxActionSyncPrivateData"), Status::ReplyDefault);
+    EXPECT_EQ(session.action("OfxImageEffectActionBeginSequenceRender"), Status::ReplyDefault);
+    EXPECT_EQ(session.action("OfxActionPurgeCaches"), Status::Ok);
+  }
+}
+
+TEST(OfxDescribeTest, IsLoadedAgainAndDrawsItsOverlayAsTheHostCan) {
+  Session session;
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_EQ(session.open(), Status::Ok);
+    EXPECT_EQ(session.close(), Status::Ok);
+  }
+  const auto offers = [](const char* absent, const char* property) {
+    Session other;
+    other.host.absent_suites = {absent};
+    EXPECT_EQ(other.open(), Status::Ok);
+    return other.descriptor.properties.values.count(property) == 1;
+  };
+  EXPECT_TRUE(offers("", "OfxImageEffectPluginPropOverlayInteractV2"));
+  EXPECT_FALSE(offers("", "OfxImageEffectPluginPropOverlayInteractV1"));
+  EXPECT_TRUE(offers("OfxDrawSuite 1", "OfxImageEffectPluginPropOverlayInteractV1"));
+  EXPECT_FALSE(offers("OfxInteractSuite 1", "OfxImageEffectPluginPropOverlayInteractV2"));
+  for (const char* needed : {"OfxPropertySuite 1", "OfxImageEffectSuite 1", "OfxParameterSuite 1"}) {
+    Session other;
+    other.host.absent_suites = {needed};
+    EXPECT_EQ(other.open(), Status::MissingHostFeature);
+  }
+}
+
+TEST(OfxRegionTest, TheBoxOfTheCornersWithTheBackground) {
+  Ready session;
+  session.setCorners(kTrapezoid, kFrame);
+  EXPECT_EQ(session.region(), (std::vector<double>{0.0, -2.0, 66.0, 46.0}));
+  session.connect("Background", {.bounds = {-10, 3, 70, 100}});
+  EXPECT_EQ(session.region(), (std::vector<double>{-10.0, -2.0, 70.0, 100.0}));
+  PropertySetRecord in = renderArguments(kFrame);
+  PropertySetRecord out;
+  ASSERT_EQ(session.action("OfxImageEffectActionGetRegionsOfInterest", &in, &out), Status::Ok);
+  EXPECT_EQ(out.get<double>("OfxImageClipPropRoI_Source", 2), 64.0);
+}
+
+TEST(OfxRegionTest, PassesOnWhatItWouldNotChange) {
+  Ready session;
+  EXPECT_EQ(session.passedOn(), "Source");
+  EXPECT_EQ(session.passedOn({0.37, 0.37}), "Source");
+  session.setCorners(kTrapezoid, kFrame);
+  EXPECT_EQ(session.passedOn(), "");
+  session.setCorners(kOutline, kFrame);
+  session.setParam("upperLeft", {0.0, 48.001});
+  EXPECT_EQ(session.passedOn(), "");
+  session.setCorners(kOutline, kFrame);
+  for (const auto& [param, value] : {std::pair{"opacity", 0.5}, {"useFrom", 1.0}}) {
+    const std::vector<double> before = session.corner(param);
+    session.setParam(param, {value});
+    EXPECT_EQ(session.passedOn(), "") << param;
+    session.setParam(param, before);
+  }
+  session.connect("Background", {.bounds = kFrame});
+  EXPECT_EQ(session.passedOn(), "");
+  session.setParam("opacity", {0.0});
+  EXPECT_EQ(session.passedOn(), "Background");
+}
+
+TEST(OfxChangeTest, TheButtonsPutCornersOntoTheSourcesOutline) {
+  Ready session;
+  session.connect("Source", {.bounds = {5, 7, 45, 37}});
+  PropertySetRecord in;
+  in.put("OfxPropTime", 0.0);
+  in.put("OfxPropChangeReason", std::string("OfxChangePluginEdited"));
+  in.put("OfxPropName", std::string("reset"));
+  EXPECT_EQ(session.action("OfxActionInstanceChanged", &in), Status::ReplyDefault);
+  in.put("OfxPropChangeReason", std::string("OfxChangeUserEdited"));
+  EXPECT_EQ(session.action("OfxActionInstanceChanged", &in), Status::Ok);
+  EXPECT_EQ(session.corner("upperLeft"), (std::vector<double>{5.0, 37.0}));
+  EXPECT_EQ(session.corner("lowerRight"), (std::vector<double>{45.0, 7.0}));
+  EXPECT_EQ(session.corner("fromLowerRight"), (std::vector<double>{64.0, 0.0}));
+  in.put("OfxPropName", std::string("resetFrom"));
+  EXPECT_EQ(session.action("OfxActionInstanceChanged", &in), Status::Ok);
+  EXPECT_EQ(session.corner("fromLowerRight"), (std::vector<double>{45.0, 7.0}));
+  EXPECT_EQ(session.passedOn(), "Source");
+  EXPECT_EQ(session.host.edits_open, 0);
+}
+
+TEST(OfxRenderTest, SaysWhatIsWrongUntilItIsRight) {
+  Ready session;
+  const auto expectRefused = [&](Status status, const char* fault) {
+    EXPECT_EQ(session.render(kFrame), status);
+    EXPECT_NE(session.host.message.find(fault), std::string::npos) << session.host.message;
+    EXPECT_EQ(session.host.images_out, 0);
+  };
+  session.setParam("upperLeft", {std::nan(""), 1.0});
+  expectRefused(Status::BadValue, "not a number");
+  session.setParam("upperLeft", {1e9, 1.0});
+  expectRefused(Status::Failed, "upper left corner");
+  session.setCorners(kTrapezoid, kFrame);
+  EXPECT_EQ(session.render(kFrame), Status::Ok);
+  EXPECT_EQ(session.host.message, "");
+  session.connect("Source", {.bounds = kFrame, .depth = "OfxBitDepthByte"});
+  expectRefused(Status::ImageFormat, "Source: its depth");
+  session.connect("Source", {.bounds = kFrame, .components = "OfxImageComponentYUVA"});
+  expectRefused(Status::ImageFormat, "OfxImageComponentYUVA");
+  session.connect("Source", {.bounds = kFrame}).put("OfxImagePropRowBytes", 12);
+  expectRefused(Status::ImageFormat, "too short");
+  session.connect("Source", {.bounds = kFrame}).put("OfxImagePropData", static_cast<void*>(nullptr));
+  expectRefused(Status::ImageFormat, "no pixels");
+}
+
+TEST(OfxRenderTest, WithoutASourceOrWithAPartOfItTheRestIsTransparent) {
+  Ready session;
+  const auto alphaAt = [&](int x) {
+    float alpha = -1.0F;
+    std::memcpy(&alpha, pixelOf(*session.instance.clips.at("Output").image, x, 20) + 12, sizeof alpha);
+    return alpha;
+  };
+  session.instance.clips.at("Source").image.reset();
+  ASSERT_EQ(session.render(kFrame), Status::Ok);
+  EXPECT_EQ(alphaAt(30), 0.0F);
+  PropertySetRecord& part = session.connect("Source", {.bounds = {0, 0, 32, 48}, .full_frame = kFrame});
+  for (int i = 0; i < 32 * 48 * 4; ++i) {
+    reinterpret_cast<float*>(part.pixels.data())[i] = 1.0F;
+  }
+  ASSERT_EQ(session.render(kFrame), Status::Ok);
+  EXPECT_EQ(alphaAt(20), 1.0F);
+  EXPECT_EQ(alphaAt(40), 0.0F);
+}
+
+TEST(OfxRenderTest, EndsWhereTheHostWantsItTo) {
+  Ready session;
+  session.setCorners(kTrapezoid, kFrame);
+  session.host.aborts = true;
+  EXPECT_EQ(session.render(kFrame), Status::Ok);
+  EXPECT_EQ(session.host.message, "");
+  EXPECT_EQ(session.host.images_out, 0);
+  session.instance.clips.at("Output").image.reset();
+  EXPECT_EQ(session.render(kFrame), Status::Ok);
+  session.host.aborts = false;
+  EXPECT_EQ(session.render(kFrame), Status::Failed);
+}
+
+// ---- The overlay ---------------------------------------------------------------------------------------------------
+
+struct OfxOverlayTest : ::testing::Test {
+  Ready session;
+
+  OfxOverlayTest() { session.setCorners(kTrapezoid, kFrame); }
+  Status pen(const char* action, double x, double y, double pixel = 0.25) {
+    PropertySetRecord in;
+    in.put("OfxInteractPropPenPosition", x, y);
+    in.put("OfxInteractPropPixelScale", pixel, pixel);
+    return session.overlay(action, &in);
+  }
+  Status key(const char* action, int symbol) {
+    PropertySetRecord in;
+    in.put("kOfxPropKeySym", symbol);
+    return session.overlay(action, &in);
+  }
+  std::vector<std::string> draw() {
+    DrawContextRecord context;
+    PropertySetRecord in;
+    in.put("OfxInteractPropPixelScale", 0.25, 0.25);
+    in.put("OfxInteractPropDrawContext", static_cast<void*>(&context));
+    EXPECT_EQ(session.overlay("OfxInteractActionDraw", &in), Status::Ok);
+    return context.calls;
+  }
+};
+
+TEST_F(OfxOverlayTest, DragsTheNearestCornerFromWhereItWasTaken) {
+  EXPECT_EQ(pen("OfxInteractActionPenMotion", 10, 40), Status::ReplyDefault);
+  EXPECT_EQ(pen("OfxInteractActionPenDown", 10.5, 40.5), Status::Ok);
+  EXPECT_EQ(session.host.edits_open, 1);
+  EXPECT_EQ(pen("OfxInteractActionPenMotion", 20.5, 30.5), Status::Ok);
+  EXPECT_EQ(session.corner("upperLeft"), (std::vector<double>{20.0, 30.0}));
+  EXPECT_EQ(pen("OfxInteractActionPenUp", 21.5, 30.5), Status::Ok);
+  EXPECT_EQ(session.corner("upperLeft"), (std::vector<double>{21.0, 30.0}));
+  EXPECT_EQ(session.corner("upperRight"), (std::vector<double>{50.0, 40.0}));
+  EXPECT_EQ(session.host.edits_open, 0);
+  EXPECT_EQ(pen("OfxInteractActionPenDown", 63.5, 47.5), Status::ReplyDefault) << "nothing there";
+  // The handle is as large on the screen as before, so that it reaches farther in the picture.
+  EXPECT_EQ(pen("OfxInteractActionPenDown", 63.5, 47.5, 4.0), Status::Ok);
+  EXPECT_EQ(session.overlay("OfxInteractActionLoseFocus", nullptr), Status::BadHandle) << "no arguments";
+  PropertySetRecord in;
+  EXPECT_EQ(session.overlay("OfxInteractActionLoseFocus", &in), Status::Ok);
+  EXPECT_EQ(session.host.edits_open, 0);
+}
+
+TEST_F(OfxOverlayTest, SidesMoveTwoCornersAndTheInsideAllOfThem) {
+  pen("OfxInteractActionPenDown", 30, 40.2);
+  pen("OfxInteractActionPenUp", 31, 42.2);
+  EXPECT_EQ(session.corner("upperLeft"), (std::vector<double>{11.0, 42.0}));
+  EXPECT_EQ(session.corner("upperRight"), (std::vector<double>{51.0, 42.0}));
+  EXPECT_EQ(session.corner("lowerLeft"), (std::vector<double>{6.0, 8.0}));
+  pen("OfxInteractActionPenDown", 30, 20);
+  pen("OfxInteractActionPenUp", 25, 19);
+  EXPECT_EQ(session.corner("upperLeft"), (std::vector<double>{6.0, 41.0}));
+  EXPECT_EQ(session.corner("lowerRight"), (std::vector<double>{55.0, 3.0}));
+}
+
+TEST_F(OfxOverlayTest, ArrowKeysMoveWhatWasHeldLast) {
+  constexpr int kLeft = 0xFF51;
+  constexpr int kUp = 0xFF52;
+  constexpr int kShift = 0xFFE1;
+  EXPECT_EQ(key("OfxInteractActionKeyDown", kUp), Status::ReplyDefault) << "nothing was held";
+  pen("OfxInteractActionPenDown", 10, 40);
+  pen("OfxInteractActionPenUp", 10, 40);
+  EXPECT_EQ(key("OfxInteractActionKeyDown", kUp), Status::Ok);
+  EXPECT_EQ(key("OfxInteractActionKeyRepeat", kUp), Status::Ok);
+  EXPECT_EQ(key("OfxInteractActionKeyUp", kUp), Status::ReplyDefault);
+  key("OfxInteractActionKeyDown", kShift);
+  EXPECT_EQ(key("OfxInteractActionKeyDown", kLeft), Status::Ok);
+  key("OfxInteractActionKeyUp", kShift);
+  EXPECT_EQ(key("OfxInteractActionKeyDown", 'a'), Status::ReplyDefault);
+  EXPECT_EQ(session.corner("upperLeft"), (std::vector<double>{0.0, 42.0}));
+  EXPECT_EQ(session.host.edits_open, 0);
+}
+
+TEST_F(OfxOverlayTest, DrawsTheQuadrilateralsAndNamesDegenerateOnes) {
+  const std::vector<std::string> plain{"2 of 4", "3 of 2", "3 of 2", "3 of 2", "3 of 2"};
+  EXPECT_EQ(draw(), plain);
+  session.setParam("useFrom", {1.0});
+  EXPECT_EQ(draw().size(), 2 * plain.size());
+  session.setParam("useFrom", {0.0});
+  const struct {
+    host::Corners corners;
+    const char* word;
+  } cases[] = {{{{0, 0}, {50, 40}, {0, 40}, {50, 0}}, "crossed"},
+               {{{0, 0}, {60, 0}, {0, 40}, {10, 10}}, "notched"},
+               {{{5, 5}, {5, 5}, {5, 5}, {5, 5}}, "flat"}};
+  for (const auto& c : cases) {
+    session.setCorners(c.corners, kFrame);
+    EXPECT_EQ(draw().back().find(c.word), 0U) << draw().back();
+  }
+}
+
+}  // namespace
+}  // namespace vantorel::ofx

@@ -1,0 +1,125 @@
+// A host that refuses gets an answer, never a crash, and gets its images and edits back.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+#include <limits>
+
+#include "tests/bridges/ofx/Session.h"
+
+namespace vantorel::ofx {
+namespace {
+
+constexpr RectI kFrame{0, 0, 16, 12};
+constexpr host::Corners kCorners{{1, 2}, {14, 1}, {3, 11}, {15, 10}};
+
+void connectAll(Session& session) {
+  for (const char* name : {"Source", "Background", "Output"}) {
+    if (session.instance.clips.count(name) != 0) {
+      PropertySetRecord& image = session.connect(name, {.bounds = kFrame, .depth = "OfxBitDepthByte"});
+      std::memset(image.pixels.data(), 0x40, image.pixels.size());
+    }
+  }
+}
+
+bool isStatus(Status status) {
+  const int value = static_cast<int>(status);
+  return (value >= 0 && value <= 14) || value == 1000;
+}
+
+// Everything that a host does with an instance, once; what an action does not answer with success, the next ones take
+// as a host would.
+void useOnce(Session& session) {
+  if (session.open() != Status::Ok) {
+    return;
+  }
+  connectAll(session);
+  try {
+    session.setCorners(kCorners, kFrame);
+  } catch (const std::out_of_range&) {
+    return;  // the host has lost a parameter
+  }
+  PropertySetRecord in = renderArguments(kFrame);
+  in.put("OfxPropChangeReason", std::string("OfxChangeUserEdited"));
+  in.put("OfxPropName", std::string("reset"));
+  for (const char* action :
+       {"OfxImageEffectActionGetClipPreferences", "OfxImageEffectActionGetRegionOfDefinition",
+        "OfxImageEffectActionGetRegionsOfInterest", "OfxImageEffectActionIsIdentity", "OfxImageEffectActionRender",
+        "OfxActionInstanceChanged", "OfxImageEffectActionRender", "OfxActionPurgeCaches"}) {
+    PropertySetRecord out;
+    EXPECT_TRUE(isStatus(session.action(action, &in, &out))) << action;
+  }
+  DrawContextRecord context;
+  for (const char* action : {"OfxInteractActionDraw", "OfxInteractActionPenDown", "OfxInteractActionPenMotion",
+                             "OfxInteractActionPenUp", "OfxInteractActionKeyDown", "OfxInteractActionLoseFocus"}) {
+    PropertySetRecord event;
+    event.put("OfxInteractPropPenPosition", 0.0, 12.0);
+    event.put("OfxInteractPropPixelScale", 0.5, 0.5);
+    event.put("OfxInteractPropDrawContext", static_cast<void*>(&context));
+    event.put("kOfxPropKeySym", 0xFF52);
+    EXPECT_TRUE(isStatus(session.overlay(action, &event))) << action;
+  }
+  session.close();
+}
+
+constexpr std::array kStatuses{Status::Failed,     Status::Fatal,     Status::Unknown,  Status::MissingHostFeature,
+                               Status::Memory,     Status::BadHandle, Status::BadIndex, Status::BadValue,
+                               Status::ImageFormat};
+
+int callsOfOneUse() {
+  Session session({16.0, 12.0});
+  session.host.refused_call = std::numeric_limits<int>::max();
+  useOnce(session);
+  return session.host.calls;
+}
+
+void useWithRefusal(int call, Status status, bool all_after) {
+  Session session({16.0, 12.0});
+  session.host.refused_call = call;
+  session.host.refusal = status;
+  session.host.refuses_all_after = all_after;
+  useOnce(session);
+  const std::string name = static_cast<std::size_t>(call) < session.host.log.size()
+                               ? session.host.log[static_cast<std::size_t>(call)]
+                               : "none";
+  EXPECT_EQ(session.host.images_out, 0) << name << " refused";
+  EXPECT_EQ(session.host.edits_open, 0) << name << " refused";
+}
+
+TEST(OfxFaultTest, EveryCallMayBeRefusedWithEveryStatus) {
+  const int calls = callsOfOneUse();
+  ASSERT_GT(calls, 300);
+  for (int call = 0; call < calls; ++call) {
+    for (const Status status : kStatuses) {
+      useWithRefusal(call, status, false);
+    }
+  }
+}
+
+TEST(OfxFaultTest, AHostMayRefuseEverythingFromAnyCallOn) {
+  const int calls = callsOfOneUse();
+  for (int call = 0; call < calls; ++call) {
+    useWithRefusal(call, kStatuses[static_cast<std::size_t>(call) % kStatuses.size()], true);
+  }
+}
+
+TEST(OfxFaultTest, ActionsWithoutTheirArgumentsAreRefused) {
+  Session session;
+  ASSERT_EQ(session.open(), Status::Ok);
+  for (const char* action : {"OfxImageEffectActionRender", "OfxImageEffectActionGetRegionOfDefinition",
+                             "OfxImageEffectActionGetRegionsOfInterest", "OfxImageEffectActionIsIdentity",
+                             "OfxImageEffectActionGetClipPreferences"}) {
+    EXPECT_EQ(session.action(action),
+              action == std::string("OfxImageEffectActionGetClipPreferences") ? Status::BadHandle : Status::Failed)
+        << action;
+    EffectRecord stranger;
+    EXPECT_EQ(session.perform(action, &stranger), Status::BadHandle) << action;
+  }
+  EXPECT_EQ(session.perform(nullptr, nullptr), Status::BadValue);
+  EXPECT_EQ(session.perform("OfxActionOfTomorrow", nullptr), Status::ReplyDefault);
+  EXPECT_EQ(session.close(), Status::Ok);
+  EXPECT_EQ(session.perform("OfxImageEffectActionRender", nullptr), Status::Failed) << "after unload";
+}
+
+}  // namespace
+}  // namespace vantorel::ofx

@@ -1,0 +1,349 @@
+// Pictures through the plug-in are those of the embedded host, to the bit, however the host lays out its memory.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <random>
+#include <thread>
+
+#include "bridges/ofx/Half.h"
+#include "host/Alpha.h"
+#include "tests/bridges/ofx/Session.h"
+#include "tests/host/HostTesting.h"
+
+namespace vantorel::ofx {
+namespace {
+
+constexpr RectI kFrame{0, 0, 64, 48};
+constexpr host::Corners kTrapezoid{{12.0, 4.25}, {50.5, 8.0}, {-6.5, 45.0}, {66.75, 40.0}};
+constexpr host::Corners kNotched{{2.0, 3.0}, {60.0, 9.5}, {5.0, 44.0}, {22.0, 20.0}};
+
+struct Kind {
+  const char* name;
+  host::Depth drawn;
+  bool is_half = false;
+};
+constexpr Kind kKinds[] = {{"OfxBitDepthByte", host::Depth::Bits8},
+                           {"OfxBitDepthShort", host::Depth::Bits16},
+                           {"OfxBitDepthHalf", host::Depth::Float, true},
+                           {"OfxBitDepthFloat", host::Depth::Float}};
+
+// A channel of a picture that is the same wherever it lies in memory, as stored at a depth. Half's are 0 to 1.
+void store(const Kind& kind, int x, int y, int c, std::byte* channel) {
+  const unsigned value =
+      (static_cast<unsigned>(x) * 7919U + static_cast<unsigned>(y) * 104729U + static_cast<unsigned>(c) * 31U + 77U) *
+          2654435761U >>
+      16;
+  const auto put = [&](auto stored) { std::memcpy(channel, &stored, sizeof stored); };
+  if (kind.is_half) {
+    put(halfFromFloat(static_cast<float>(value & 0xFFFFU) / 65535.0F));
+  } else if (kind.drawn == host::Depth::Bits8) {
+    put(static_cast<std::uint8_t>(value));
+  } else if (kind.drawn == host::Depth::Bits16) {
+    put(static_cast<std::uint16_t>(value));
+  } else {
+    put(static_cast<float>(value & 0xFFFFU) / 65535.0F);
+  }
+}
+
+void fill(PropertySetRecord& image, const Kind& kind, const RectI& bounds, int channels = 4) {
+  const int bytes = image.get<int>("test pixel bytes") / channels;
+  for (int y = bounds.y1; y < bounds.y2; ++y) {
+    for (int x = bounds.x1; x < bounds.x2; ++x) {
+      for (int c = 0; c < channels; ++c) {
+        store(kind, x, y, c, pixelOf(image, x, y) + bytes * c);
+      }
+    }
+  }
+}
+
+// The same picture's frame as the embedded host takes it, rows from the top.
+host::Image layerOf(const Kind& kind, const RectI& frame) {
+  host::Image layer = *host::Image::create({frame.width(), frame.height()}, kind.drawn);
+  for (int y = 0; y < frame.height(); ++y) {
+    for (int x = 0; x < frame.width(); ++x) {
+      for (int c = 0; c < 4; ++c) {
+        std::byte stored[4];
+        store(kind, frame.x1 + x, frame.y2 - 1 - y, c, stored);
+        std::byte* const to =
+            layer.view().pixel(x, y) + host::bytesPerPixel(kind.drawn) / 4 * static_cast<std::size_t>(c);
+        if (kind.is_half) {
+          std::uint16_t half = 0;
+          std::memcpy(&half, stored, 2);
+          const float value = floatFromHalf(half);
+          std::memcpy(to, &value, sizeof value);
+        } else {
+          std::memcpy(to, stored, host::bytesPerPixel(kind.drawn) / 4);
+        }
+      }
+    }
+  }
+  return layer;
+}
+
+template <typename Function>
+void forRows(host::Image& image, const Function& function) {
+  for (int y = 0; y < image.size().height; ++y) {
+    std::byte* const row = image.view().row(y);
+    switch (image.depth()) {
+      case host::Depth::Bits8:
+        function(reinterpret_cast<std::uint8_t*>(row), image.size().width);
+        break;
+      case host::Depth::Bits16:
+        function(reinterpret_cast<std::uint16_t*>(row), image.size().width);
+        break;
+      case host::Depth::Float:
+        function(reinterpret_cast<float*>(row), image.size().width);
+        break;
+    }
+  }
+}
+
+host::Image drawn(host::Image& layer, const host::Corners& corners, const RectI& frame, const RectI& window,
+                  int quality) {
+  host::Instance instance = host::testing::instanceWith(host::testing::checkedEffect(), corners);
+  return host::testing::renderFrame(
+             instance, layer, {window.x1 - frame.x1, frame.y2 - window.y2, window.x2 - frame.x1, frame.y2 - window.y1},
+             {.quality = host::Quality(quality), .canvas_independent = true})
+      .pixels;
+}
+
+bool isPixel(const Kind& kind, PropertySetRecord& image, int x, int y, const std::byte* expected) {
+  const std::byte* const got = pixelOf(image, x, y);
+  if (!kind.is_half) {
+    return std::memcmp(got, expected, host::bytesPerPixel(kind.drawn)) == 0;
+  }
+  for (std::size_t c = 0; c < 4; ++c) {
+    float value = 0.0F;
+    std::memcpy(&value, expected + 4 * c, sizeof value);
+    const std::uint16_t half = halfFromFloat(value);
+    if (std::memcmp(got + 2 * c, &half, 2) != 0) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// The window's pixels are the expected ones, and what lies beside it in the image is untouched.
+::testing::AssertionResult holds(const Kind& kind, PropertySetRecord& image, const RectI& bounds, const RectI& window,
+                                 const host::Image& expected) {
+  const int bytes = image.get<int>("test pixel bytes");
+  for (int y = bounds.y1; y < bounds.y2; ++y) {
+    for (int x = bounds.x1; x < bounds.x2; ++x) {
+      const bool is_inside = x >= window.x1 && x < window.x2 && y >= window.y1 && y < window.y2;
+      const std::byte* const at = pixelOf(image, x, y);
+      const bool is_right = is_inside
+                                ? isPixel(kind, image, x, y, expected.view().pixel(x - window.x1, window.y2 - 1 - y))
+                                : std::all_of(at, at + bytes, [](std::byte b) { return b == std::byte{0xA7}; });
+      if (!is_right) {
+        return ::testing::AssertionFailure() << (is_inside ? "inside, at " : "outside, at ") << x << ", " << y;
+      }
+    }
+  }
+  return ::testing::AssertionSuccess();
+}
+
+TEST(OfxPictureTest, AreTheEmbeddedHostsInEveryLayoutAtEveryDepth) {
+  const struct {
+    RectI source_bounds;
+    RectI source_frame;
+    RectI output_bounds;
+    RectI window;
+    bool source_upper_first;
+    bool output_upper_first;
+    int spare;
+  } layouts[] = {{kFrame, kFrame, kFrame, kFrame, false, false, 0},
+                 {kFrame, kFrame, kFrame, kFrame, true, true, 4},
+                 {{-5, -3, 70, 51}, kFrame, {-20, -9, 90, 77}, {-11, -9, 83, 60}, false, true, 12},
+                 {{13, -7, 77, 41}, {13, -7, 77, 41}, {3, 5, 40, 30}, {4, 7, 39, 29}, true, false, 8}};
+  for (const Kind& kind : kKinds) {
+    for (const auto& layout : layouts) {
+      Session session;
+      ASSERT_EQ(session.open(), Status::Ok);
+      fill(session.connect("Source", {.bounds = layout.source_bounds,
+                                      .full_frame = layout.source_frame,
+                                      .depth = kind.name,
+                                      .spare_bytes = layout.spare,
+                                      .upper_first = layout.source_upper_first}),
+           kind, layout.source_bounds);
+      host::Image layer = layerOf(kind, layout.source_frame);
+      for (const host::Corners& corners : {kTrapezoid, kNotched}) {
+        session.setCorners(corners, layout.source_frame);
+        for (int quality = 0; quality < 3; ++quality) {
+          session.setParam("quality", {static_cast<double>(quality)});
+          PropertySetRecord& output = session.connect("Output", {.bounds = layout.output_bounds,
+                                                                 .depth = kind.name,
+                                                                 .spare_bytes = layout.spare,
+                                                                 .upper_first = layout.output_upper_first});
+          ASSERT_EQ(session.render(layout.window), Status::Ok) << session.host.message;
+          EXPECT_TRUE(holds(kind, output, layout.output_bounds, layout.window,
+                            drawn(layer, corners, layout.source_frame, layout.window, quality)))
+              << kind.name << " layout " << (&layout - layouts) << " quality " << quality;
+          EXPECT_EQ(session.host.images_out, 0);
+        }
+      }
+    }
+  }
+}
+
+TEST(OfxPictureTest, AlphaStaysAsTheHostHasIt) {
+  for (const Kind& kind : kKinds) {
+    Session session;
+    ASSERT_EQ(session.open(), Status::Ok);
+    fill(session.connect("Source",
+                         {.bounds = kFrame, .depth = kind.name, .premultiplication = "OfxImageAlphaUnPremultiplied"}),
+         kind, kFrame);
+    session.setCorners(kTrapezoid, kFrame);
+    PropertySetRecord out;
+    ASSERT_EQ(session.action("OfxImageEffectActionGetClipPreferences", nullptr, &out), Status::Ok);
+    EXPECT_EQ(out.get<std::string>("OfxImageEffectPropPreMultiplication"), "OfxImageAlphaUnPremultiplied");
+    PropertySetRecord& output = session.connect(
+        "Output", {.bounds = kFrame, .depth = kind.name, .premultiplication = "OfxImageAlphaUnPremultiplied"});
+    ASSERT_EQ(session.render(kFrame), Status::Ok);
+    host::Image layer = layerOf(kind, kFrame);
+    forRows(layer, [](auto* row, int width) { host::premultiplyRow(row, width); });
+    host::Image expected = drawn(layer, kTrapezoid, kFrame, kFrame, 2);
+    forRows(expected, [](auto* row, int width) { host::unpremultiplyRow(row, width); });
+    EXPECT_TRUE(holds(kind, output, kFrame, kFrame, expected)) << kind.name;
+  }
+}
+
+TEST(OfxPictureTest, ScaleAspectAndFieldPlaceTheCornersInPixels) {
+  const struct {
+    PointD scale;
+    double aspect;
+    const char* field;
+    double x;  // pixels per canonical unit
+    double y;
+  } cases[] = {{{0.5, 0.5}, 1.0, "OfxFieldNone", 0.5, 0.5},
+               {{1.0, 1.0}, 2.0, "OfxFieldBoth", 0.5, 1.0},
+               {{1.0, 1.0}, 1.0, "OfxFieldLower", 1.0, 0.5},
+               {{0.25, 0.5}, 0.5, "OfxFieldUpper", 0.5, 0.25}};
+  for (const auto& c : cases) {
+    const RectI frame{0, 0, static_cast<int>(64 * c.x), static_cast<int>(48 * c.y)};
+    const Layout layout{.bounds = frame, .pixel_aspect = c.aspect, .field = c.field};
+    Session session;
+    ASSERT_EQ(session.open(kFilter), Status::Ok);
+    fill(session.connect("Source", layout), kKinds[3], frame);
+    PropertySetRecord& output = session.connect("Output", layout);
+    session.setCorners(kTrapezoid, kFrame);
+    ASSERT_EQ(session.render(frame, c.scale), Status::Ok);
+    host::Image layer = layerOf(kKinds[3], frame);
+    host::Corners scaled = kTrapezoid;
+    for (host::Point* p : {&scaled.upper_left, &scaled.upper_right, &scaled.lower_left, &scaled.lower_right}) {
+      *p = {p->x * c.x, p->y * c.y};
+    }
+    EXPECT_TRUE(holds(kKinds[3], output, frame, frame, drawn(layer, scaled, frame, frame, 2))) << c.field;
+  }
+}
+
+TEST(OfxPictureTest, TilesOnEightThreadsAreTheWholeFrame) {
+  constexpr RectI kLarge{-7, 5, 413, 290};
+  for (const int quality : {0, 1, 2}) {
+    for (const host::Corners& corners : {host::Corners{{40, 30}, {380, -20}, {-30, 260}, {430, 300}},
+                                         host::Corners{{2, 3}, {400, 60}, {5, 280}, {90, 90}}}) {
+      Session session({420.0, 285.0});
+      ASSERT_EQ(session.open(), Status::Ok);
+      fill(session.connect("Source", {.bounds = kLarge}), kKinds[3], kLarge);
+      session.setCorners(corners, kLarge);
+      session.setParam("quality", {static_cast<double>(quality)});
+      PropertySetRecord& output = session.connect("Output", {.bounds = kLarge});
+      std::vector<RectI> tiles;
+      for (int y = kLarge.y1; y < kLarge.y2; y += 64) {
+        for (int x = kLarge.x1; x < kLarge.x2; x += 64) {
+          tiles.push_back({x, y, std::min(x + 64, kLarge.x2), std::min(y + 64, kLarge.y2)});
+        }
+      }
+      std::shuffle(tiles.begin(), tiles.end(), std::mt19937(3));
+      std::atomic<std::size_t> next = 0;
+      std::vector<std::jthread> threads;
+      for (int t = 0; t < 8; ++t) {
+        threads.emplace_back([&] {
+          for (std::size_t i = next++; i < tiles.size(); i = next++) {
+            EXPECT_EQ(session.render(tiles[i]), Status::Ok);
+          }
+        });
+      }
+      threads.clear();
+      host::Image layer = layerOf(kKinds[3], kLarge);
+      EXPECT_TRUE(holds(kKinds[3], output, kLarge, kLarge, drawn(layer, corners, kLarge, kLarge, quality))) << quality;
+    }
+  }
+}
+
+TEST(OfxPictureTest, OtherClipsHideAndLieBelow) {
+  const auto paint = [](PropertySetRecord& image, std::initializer_list<float> pixel) {
+    for (int y = 0; y < kFrame.y2; ++y) {
+      for (int x = 0; x < kFrame.x2; ++x) {
+        std::memcpy(pixelOf(image, x, y), pixel.begin(), pixel.size() * sizeof(float));
+      }
+    }
+  };
+  Session session;
+  ASSERT_EQ(session.open(), Status::Ok);
+  paint(session.connect("Source", {.bounds = kFrame, .components = "OfxImageComponentRGB"}), {1.0F, 0.5F, 0.25F});
+  PropertySetRecord& output = session.connect("Output", {.bounds = kFrame});
+  session.setCorners({{0, 0}, {32, 0}, {0, 48}, {32, 48}}, kFrame);
+  const auto expectPixel = [&](int x, std::initializer_list<float> pixel) {
+    ASSERT_EQ(session.render(kFrame), Status::Ok) << session.host.message;
+    for (std::size_t c = 0; c < 4; ++c) {
+      EXPECT_NEAR(reinterpret_cast<const float*>(pixelOf(output, x, 20))[c], pixel.begin()[c], 1e-6) << x << " " << c;
+    }
+  };
+  expectPixel(10, {1.0F, 0.5F, 0.25F, 1.0F});
+  expectPixel(50, {0.0F, 0.0F, 0.0F, 0.0F});
+  session.setParam("opacity", {0.5});
+  expectPixel(10, {0.5F, 0.25F, 0.125F, 0.5F});
+  paint(session.connect("Background", {.bounds = kFrame, .premultiplication = "OfxImageAlphaUnPremultiplied"}),
+        {0.0F, 1.0F, 0.0F, 0.5F});
+  expectPixel(10, {0.5F, 0.5F, 0.125F, 0.75F});
+  expectPixel(50, {0.0F, 0.5F, 0.0F, 0.5F});
+  paint(session.connect("Matte", {.bounds = kFrame, .components = "OfxImageComponentAlpha"}), {0.75F});
+  expectPixel(10, {0.125F, 0.5F, 0.03125F, 0.5625F});
+  session.setParam("opacity", {std::nan("")});
+  expectPixel(10, {0.0F, 0.5F, 0.0F, 0.5F});
+}
+
+TEST(OfxPictureTest, APartOfTheSourceGoesOntoTheCorners) {
+  constexpr host::Corners kPart{{10.0, 5.0}, {55.0, 8.0}, {12.5, 40.0}, {50.0, 44.0}};
+  Session session;
+  ASSERT_EQ(session.open(), Status::Ok);
+  fill(session.connect("Source", {.bounds = kFrame}), kKinds[3], kFrame);
+  PropertySetRecord& output = session.connect("Output", {.bounds = kFrame});
+  session.setCorners(kTrapezoid, kFrame);
+  session.setCorners(kPart, kFrame, "from");
+  session.setParam("useFrom", {1.0});
+  session.setParam("samples", {2.0});
+  ASSERT_EQ(session.render(kFrame), Status::Ok);
+  host::Image layer = layerOf(kKinds[3], kFrame);
+  host::Instance instance = host::testing::instanceWith(host::testing::checkedEffect(), kTrapezoid);
+  ASSERT_TRUE(instance.setSource(kPart));
+  const auto expected =
+      host::testing::renderFrame(instance, layer, {0, 0, 64, 48}, {.quality = host::Quality::Best, .samples = 2});
+  EXPECT_TRUE(holds(kKinds[3], output, kFrame, kFrame, expected.pixels));
+}
+
+TEST(OfxHalfTest, GoesToFloatAndBackAndRoundsToTheNearest) {
+  for (unsigned bits = 0; bits < 0x10000; ++bits) {
+    const auto half = static_cast<std::uint16_t>(bits);
+    const float value = floatFromHalf(half);
+    if (std::isnan(value)) {
+      EXPECT_TRUE(std::isnan(floatFromHalf(halfFromFloat(value))));
+      continue;
+    }
+    EXPECT_EQ(halfFromFloat(value), half);
+    const float next = floatFromHalf(static_cast<std::uint16_t>(half + 1));
+    if (std::isfinite(value) && std::isfinite(next) && (half & 0x7FFF) != 0x7FFF) {
+      const float middle = value + (next - value) / 2.0F;
+      EXPECT_EQ(halfFromFloat(middle), half % 2 == 0 ? half : half + 1) << bits;
+      EXPECT_EQ(halfFromFloat(std::nextafter(middle, value)), half) << bits;
+    }
+  }
+  EXPECT_EQ(floatFromHalf(0x3C00), 1.0F);
+  EXPECT_EQ(floatFromHalf(0x0001), 0x1p-24F);
+  EXPECT_EQ(halfFromFloat(70000.0F), 0x7C00);
+}
+
+}  // namespace
+}  // namespace vantorel::ofx
