@@ -25,7 +25,7 @@ from_corners: (4, 2), the quadrilateral in the image that goes onto the corners;
 premultiplied: whether image and result hold colours multiplied by alpha.
 edges: 'soft', 'crisp' or None, by quality. samples: 1, 2, 4 or 8 a pixel and axis; 0: by quality.
 threads: at most so many; 0: as many as the machine has.
-out: array of the result's shape and dtype to write; its content is unspecified after an exception.
+out: array of the result's shape and dtype to write, which may be image; its content is unspecified after an exception.
 
 The GIL is released while the picture is drawn; any number of threads may call at once. Do not change image meanwhile.
 Raises TypeError or ValueError for arguments that cannot be served, MemoryError, vantorel.Error when the effect fails.)";

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 #include "host/Alpha.h"
 
@@ -161,6 +162,18 @@ void gatherRow(const Channel* from, const PixelArray& to, int y) {
   });
 }
 
+// The addresses from the array's first byte to one past its last.
+std::pair<std::uintptr_t, std::uintptr_t> addressesOf(const PixelArray& pixels) {
+  auto first = reinterpret_cast<std::uintptr_t>(pixels.data);
+  std::uintptr_t last = first;
+  for (const std::ptrdiff_t reach :
+       {pixels.row_stride * (pixels.size.height - 1), pixels.pixel_stride * (pixels.size.width - 1),
+        pixels.channel_stride * (pixels.channels - 1)}) {
+    (reach < 0 ? first : last) += static_cast<std::uintptr_t>(reach);
+  }
+  return {first, last + bytesPerPixel(pixels.depth) / 4};
+}
+
 }  // namespace
 
 PixelArray pixelArrayOf(const py::array& array, const char* input) {
@@ -193,6 +206,12 @@ std::optional<host::ImageView> hostView(const PixelArray& pixels) {
     return std::nullopt;
   }
   return host::ImageView{pixels.data, pixels.row_stride, pixels.size, pixels.depth};
+}
+
+bool mayShareMemory(const PixelArray& a, const PixelArray& b) {
+  const auto [a_begin, a_end] = addressesOf(a);
+  const auto [b_begin, b_end] = addressesOf(b);
+  return a_begin < b_end && b_begin < a_end;
 }
 
 bool isOpaque(const host::ConstImageView& pixels) {

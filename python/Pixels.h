@@ -28,6 +28,9 @@ PixelArray pixelArrayOf(const py::array& array, const char* input);
 // The array's own memory as the host's pixels, where it is laid out as they are: four channels side by side.
 std::optional<host::ImageView> hostView(const PixelArray& pixels);
 
+// Whether a byte may belong to both; arrays whose rows lie between each other's count as sharing.
+bool mayShareMemory(const PixelArray& a, const PixelArray& b);
+
 // Whether every pixel's alpha is that of a covered one.
 bool isOpaque(const host::ConstImageView& pixels);
 

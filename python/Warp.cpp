@@ -194,7 +194,8 @@ host::Result<void> draw(Renderer& renderer, const PixelArray& image, const host:
                         const std::optional<Background>& background, bool premultiplied,
                         const host::FrameOptions& options) {
   std::optional<host::ImageView> layer = hostView(image);
-  if (!layer || (!premultiplied && !isOpaque(asConst(*layer)))) {
+  // The host does not read a layer that it writes.
+  if (!layer || mayShareMemory(image, to) || (!premultiplied && !isOpaque(asConst(*layer)))) {
     if (host::Result<void> fitted = renderer.layer.fit(image.size, image.depth); !fitted) {
       return fitted;
     }
