@@ -76,10 +76,11 @@ void Filter::draw(const std::uint32_t* in, std::uint32_t* out) {
   if (in == out || !isOpaque(in, count)) {
     layer = premultiplied(in);
   }
-  if (layer.data == nullptr || !drawLayer(layer, output)) {
+  const host::Rect drawn = layer.data != nullptr ? drawLayer(layer, output) : host::Rect{};
+  if (drawn.empty()) {
     std::memset(out, 0, count * sizeof *out);
   }
-  finish(output);
+  finish(output, drawn);
 }
 
 host::ConstImageView Filter::premultiplied(const std::uint32_t* in) {
@@ -95,26 +96,28 @@ host::ConstImageView Filter::premultiplied(const std::uint32_t* in) {
   return std::as_const(layer_).view();
 }
 
-bool Filter::drawLayer(const host::ConstImageView& layer, const host::ImageView& output) {
+host::Rect Filter::drawLayer(const host::ConstImageView& layer, const host::ImageView& output) {
   if (!instance_.setCorners(parameters.cornersIn(size_))) {
-    return false;
+    return {};
   }
   host::FrameOptions options;
   options.quality = parameters.quality;
   options.threads = 1;
-  return instance_.render(layer, {0, 0, size_.width, size_.height}, output, options).has_value();
+  const auto frame = instance_.render(layer, {0, 0, size_.width, size_.height}, output, options);
+  return frame ? frame->drawn : host::Rect{};
 }
 
-void Filter::finish(const host::ImageView& output) const {
+void Filter::finish(const host::ImageView& output, const host::Rect& drawn) const {
   const double opacity = clampedOpacity(parameters.opacity);
   for (int y = 0; y < size_.height; ++y) {
     std::uint8_t* const row = channels(output.row(y));
-    if (opacity < 1.0) {
+    const bool holds_layer = y >= drawn.top && y < drawn.bottom;
+    if (holds_layer && opacity < 1.0) {
       fade(row, size_.width, opacity);
     }
     if (parameters.is_opaque_outside) {
       makeOpaque(row, size_.width);
-    } else {
+    } else if (holds_layer) {
       host::unpremultiplyRow(row, size_.width);
     }
   }

@@ -25,10 +25,12 @@ class Filter {
 
  private:
   Filter(std::shared_ptr<const host::Module> module, host::Size size);
-  bool drawLayer(const host::ConstImageView& layer, const host::ImageView& output);
+  // The rows that hold the layer; none where it cannot be drawn.
+  host::Rect drawLayer(const host::ConstImageView& layer, const host::ImageView& output);
   // A copy in layer_; an empty view where memory is lacking.
   host::ConstImageView premultiplied(const std::uint32_t* in);
-  void finish(const host::ImageView& output) const;
+  // Opacity, and straight alpha or black outside, of the rows from `drawn.top` to `drawn.bottom`; the others are clear.
+  void finish(const host::ImageView& output, const host::Rect& drawn) const;
 
   host::Instance instance_;
   host::Size size_;

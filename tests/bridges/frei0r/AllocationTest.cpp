@@ -25,6 +25,10 @@ __attribute__((noinline)) void* operator new(std::size_t size, std::align_val_t 
   }
   throw std::bad_alloc();
 }
+__attribute__((noinline)) void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  ++allocations;
+  return std::malloc(size);
+}
 __attribute__((noinline)) void operator delete(void* memory) noexcept {
   std::free(memory);
 }
