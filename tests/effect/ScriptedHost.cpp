@@ -7,6 +7,17 @@
 
 #include "effect/EffectMain.h"
 
+#if defined(__SANITIZE_ADDRESS__)
+#define ADDRESS_SANITIZER
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ADDRESS_SANITIZER
+#endif
+#endif
+#ifdef ADDRESS_SANITIZER
+#include <sanitizer/asan_interface.h>
+#endif
+
 namespace {
 
 constexpr std::uint8_t kGuard = 0xDB;
@@ -91,10 +102,13 @@ int formatMessage(char* destination, const char* format, ...) {
 
 std::int32_t acquireSuite(const char* name, std::int32_t version, const void** suite) {
   const auto found = current->suites.find(std::string(name) + "/" + text(version));
-  if (found != current->suites.end()) {
-    *suite = found->second;
+  const std::int32_t code = call("acquire", name, version);
+  if (code != 0 || found == current->suites.end()) {
+    return code != 0 ? code : 1;
   }
-  return std::max(call("acquire", name, version), found == current->suites.end() ? 1 : 0);
+  *suite = found->second;
+  ++current->suites_out;
+  return 0;
 }
 
 const PF_WorldSuite2 kWorldSuite = {
@@ -116,12 +130,16 @@ void fillCallbacks(PF_InData* in) {
                           PF_ParamDef* out) {
     const std::int32_t code = call("checkout_param", ref, index, time, step, scale);
     if (code == 0) {
+      ++current->parameters_out;
       *out = current->values[index];
       out->param_id = index;
     }
     return code;
   };
-  in->checkin_param = [](void* ref, PF_ParamDef* param) { return call("checkin_param", ref, param->param_id); };
+  in->checkin_param = [](void* ref, PF_ParamDef* param) {
+    --current->parameters_out;
+    return call("checkin_param", ref, param->param_id);
+  };
   in->add_param = [](void* ref, std::int32_t position, PF_ParamDef* d) {
     const PF_PointValue& p = d->value.point;
     return call("add_param", ref, position, d->param_id, d->ui_flags, d->ui_width, d->ui_height, d->param_type, d->name,
@@ -194,31 +212,60 @@ Log operator+(Log a, const Log& b) {
   return a;
 }
 
-GuardedWorld::GuardedWorld(int depth, int width, int height) : pixel_row_bytes_(std::size_t(width) * (depth / 2)) {
-  const std::size_t row_bytes = pixel_row_bytes_ + std::size_t(depth / 2) * 3;
-  bytes_.assign(2 * kGuardBytes + row_bytes * std::size_t(height), kGuard);
-  world = {bytes_.data() + kGuardBytes, static_cast<std::int32_t>(row_bytes), width, height, {0, 0, width, height}};
+GuardedWorld::GuardedWorld(int depth, const WorldShape& shape)
+    : shape_(shape),
+      pixel_row_bytes_(std::size_t(shape.width) * (depth / 2)),
+      row_bytes_(pixel_row_bytes_ + std::size_t(shape.row_padding) * (depth / 8)),
+      bytes_(2 * kGuardBytes + row_bytes_ * std::size_t(shape.height), kGuard) {
+  const std::size_t first = shape.bottom_up && shape.height > 0 ? row_bytes_ * std::size_t(shape.height - 1) : 0;
+  const auto step = static_cast<std::int32_t>(row_bytes_);
+  world = {bytes_.data() + kGuardBytes + first,
+           shape.bottom_up ? -step : step,
+           shape.width,
+           shape.height,
+           {0, 0, shape.width, shape.height}};
   fillBytes(0);
 }
 
-void GuardedWorld::fillBytes(std::uint8_t value) {
-  for (int y = 0; y < world.height; ++y) {
-    std::memset(&at<char>(0, y), value, pixel_row_bytes_);
+GuardedWorld::~GuardedWorld() {
+  openGuards();
+}
+
+template <typename Visit>
+void GuardedWorld::forRows(std::vector<std::uint8_t>& bytes, Visit visit) const {
+  for (std::size_t row = 0; row < std::size_t(shape_.height); ++row) {
+    visit(bytes.data() + kGuardBytes + row * row_bytes_);
   }
+}
+
+void GuardedWorld::fillBytes(std::uint8_t value) {
+  forRows(bytes_, [&](std::uint8_t* row) { std::memset(row, value, pixel_row_bytes_); });
 }
 
 bool GuardedWorld::guardsIntact() const {
+  openGuards();
   std::vector<std::uint8_t> rest = bytes_;
-  for (int y = 0; y < world.height; ++y) {
-    std::memset(rest.data() + kGuardBytes + std::ptrdiff_t{y} * world.row_bytes, kGuard, pixel_row_bytes_);
-  }
+  forRows(rest, [&](std::uint8_t* row) { std::memset(row, kGuard, pixel_row_bytes_); });
   return std::ranges::all_of(rest, [](std::uint8_t byte) { return byte == kGuard; });
 }
 
-ScriptedHost::ScriptedHost(int depth, M_LPoint layer_size, M_LPoint output_size)
+void GuardedWorld::protectGuards() {
+#ifdef ADDRESS_SANITIZER
+  ASAN_POISON_MEMORY_REGION(bytes_.data(), bytes_.size());
+  forRows(bytes_, [&](std::uint8_t* row) { ASAN_UNPOISON_MEMORY_REGION(row, pixel_row_bytes_); });
+#endif
+}
+
+void GuardedWorld::openGuards() const {
+#ifdef ADDRESS_SANITIZER
+  ASAN_UNPOISON_MEMORY_REGION(bytes_.data(), bytes_.size());
+#endif
+}
+
+ScriptedHost::ScriptedHost(int depth, const WorldShape& layer, const WorldShape& output_shape)
     : entry(EffectMainExtra),
-      input(depth, layer_size.x, layer_size.y),
-      output(depth, output_size.x, output_size.y),
+      input(depth, layer),
+      output(depth, output_shape),
       replacement_table(block),
       pixel_format(depth == 8    ? PF_PIXEL_FORMAT_ARGB8
                    : depth == 16 ? PF_PIXEL_FORMAT_ARGB16
@@ -228,7 +275,10 @@ ScriptedHost::ScriptedHost(int depth, M_LPoint layer_size, M_LPoint output_size)
   current = this;
   fillCallbacks(&in);
   fillUtilities(&utilities);
-  provider = {acquireSuite, [](const char* name, std::int32_t version) { return call("release", name, version); }};
+  provider = {acquireSuite, [](const char* name, std::int32_t version) {
+                --current->suites_out;
+                return call("release", name, version);
+              }};
   suites = {{"PF World Suite/2", &kWorldSuite},
             {"PF iterateFloat Suite/1", &kIterateFloatSuite},
             {"PF SamplingFloat Suite/1", &kSamplingFloatSuite}};
@@ -240,15 +290,15 @@ ScriptedHost::ScriptedHost(int depth, M_LPoint layer_size, M_LPoint output_size)
   in.current_time = 5;
   in.time_step = 2;
   in.time_scale = 24;
-  in.width = layer_size.x;
-  in.height = layer_size.y;
+  in.width = layer.width;
+  in.height = layer.height;
   in.downsample_x_num = in.downsample_y_num = 1;
   in.downsample_x_den = in.downsample_y_den = 1;
   values[0].value.layer_world = input.world;
-  const double w = layer_size.x;
-  const double h = layer_size.y;
+  const double w = layer.width;
+  const double h = layer.height;
   setCorners({{0, 0}, {w, 0}, {w, h}, {0, h}});
-  request.rect = {0, 0, layer_size.x, layer_size.y};
+  request.rect = {0, 0, layer.width, layer.height};
   std::memset(request.reserved, 0x5C, sizeof request.reserved);
   checkout = {request.rect, request.rect};
   names = {{in.effect_ref, "fx"},
@@ -303,5 +353,9 @@ std::int32_t ScriptedHost::called(const std::string& callback, const std::string
   log.push_back(line);
   const int number = ++calls_[callback];
   const auto failure = failures_.find(callback);
-  return failure == failures_.end() ? 0 : failure->second(number);
+  const std::int32_t code = failure == failures_.end() ? 0 : failure->second(number);
+  if (code != 0) {
+    on_failure();
+  }
+  return code;
 }

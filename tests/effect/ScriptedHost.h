@@ -36,10 +36,19 @@ bool samePixel(const Pixel& a, const Pixel& b) {
   return std::memcmp(&a, &b, sizeof(Pixel)) == 0;
 }
 
+struct WorldShape {
+  int width;               // pixels
+  int height;              // pixels
+  int row_padding = 12;    // channels behind each row
+  bool bottom_up = false;  // the first row is the last in memory, so that the row stride is negative
+};
+
 // An image of `depth` bits a channel. Guard bytes stand before its first row, after its last and at the end of each.
 class GuardedWorld {
  public:
-  GuardedWorld(int depth, int width, int height);
+  GuardedWorld(int depth, int width, int height) : GuardedWorld(depth, WorldShape{width, height}) {}
+  GuardedWorld(int depth, const WorldShape& shape);
+  ~GuardedWorld();
   GuardedWorld(const GuardedWorld&) = delete;
 
   template <typename Pixel>
@@ -48,17 +57,25 @@ class GuardedWorld {
   }
   void fillBytes(std::uint8_t value);
   bool guardsIntact() const;
+  // From now on the address sanitizer, where it is there, also stops whoever reads the guard bytes.
+  void protectGuards();
 
   PF_LayerDef world;  // the extent hint is the whole image
 
  private:
-  std::vector<std::uint8_t> bytes_;
+  template <typename Visit>
+  void forRows(std::vector<std::uint8_t>& bytes, Visit visit) const;
+  void openGuards() const;
+
+  WorldShape shape_;
   std::size_t pixel_row_bytes_;
+  std::size_t row_bytes_;
+  mutable std::vector<std::uint8_t> bytes_;
 };
 
 class ScriptedHost {
  public:
-  explicit ScriptedHost(int depth = 8, M_LPoint layer_size = {8, 6}, M_LPoint output_size = {8, 6});
+  explicit ScriptedHost(int depth = 8, const WorldShape& layer = {8, 6}, const WorldShape& output = {8, 6});
   ~ScriptedHost();
   ScriptedHost(const ScriptedHost&) = delete;
 
@@ -95,12 +112,15 @@ class ScriptedHost {
   void* handle;
   double square_root_factor = 1.0;
   std::function<void(void*)> on_iterate = [](void*) {};  // sees the iteration's reference value
+  std::function<void()> on_failure = [] {};              // called when a callback begins to fail
   bool sampler_writes = true;
   bool hands_back_input = true;
   bool hands_back_output = true;
 
   Log log;                                   // every call except those of ceil and sqrt
   std::map<const void*, std::string> names;  // how pointers are called in the log
+  int parameters_out = 0;                    // checked out and not in
+  int suites_out = 0;                        // acquired and not released
   std::vector<Sample> samples;               // a sample's pixel has the code of its number, from 1 on
 
   std::int32_t called(const std::string& callback, const std::string& line);
