@@ -21,8 +21,10 @@ constexpr const char* kCallbacks[] = {"checkout_param",   "checkin_param",
                                       "checkout_output",  "add_param",
                                       "new_handle",       "register_string_table"};
 
-WorldShape someShape(Input& input) {
-  return {input.inRange(0, kMaxSide), input.inRange(0, kMaxSide), input.inRange(0, 9), input.flag()};
+// Rows of 8-bit pixels are whole pixels apart: the effect steps in those.
+WorldShape someShape(Input& input, int depth) {
+  const int unit = depth == 8 ? 4 : 1;
+  return {input.inRange(0, kMaxSide), input.inRange(0, kMaxSide), input.inRange(0, 9) * unit, input.flag()};
 }
 
 M_LRect someRect(Input& input) {
@@ -82,8 +84,8 @@ void spoil(Input& input, ScriptedHost& host) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   Input input(bytes, size);
   const int depth = 8 << input.inRange(0, 2);
-  const WorldShape layer = someShape(input);
-  ScriptedHost host(depth, layer, someShape(input));
+  const WorldShape layer = someShape(input, depth);
+  ScriptedHost host(depth, layer, someShape(input, depth));
   host.input.protectGuards();
   host.output.protectGuards();
   const bool is_smart = input.flag();

@@ -20,8 +20,14 @@ using vantorel::fuzz::require;
 constexpr int kMaxSide = 24;
 constexpr int kMaxRow = 200;  // more than three batches of pixels
 
+// Rows of 8-bit pixels are whole pixels apart.
+int somePadding(Input& input, int depth) {
+  return input.inRange(0, 5) * (depth == 8 ? 4 : 1);
+}
+
 GuardedWorld someWorld(Input& input, int depth) {
-  return {depth, WorldShape{input.inRange(0, kMaxSide), input.inRange(0, kMaxSide), input.inRange(0, 5), input.flag()}};
+  return {depth,
+          WorldShape{input.inRange(0, kMaxSide), input.inRange(0, kMaxSide), somePadding(input, depth), input.flag()}};
 }
 
 void fuzzScan(Input& input) {
@@ -46,7 +52,7 @@ template <typename Pixel, typename Mix, typename Average, typename Row, typename
 void fuzzHelpers(Input& input, int depth, Mix mix, Average average, Row sample_row, Area sample_area) {
   const int width = input.inRange(1, kMaxSide);
   const int height = input.inRange(1, kMaxSide);
-  GuardedWorld world(depth, WorldShape{width, height, input.inRange(0, 5), false});
+  GuardedWorld world(depth, WorldShape{width, height, somePadding(input, depth), false});
   world.protectGuards();
   const Pixel a = input.take<Pixel>();
   world.at<Pixel>(width - 1, height - 1) = a;

@@ -39,6 +39,10 @@ struct Source {
 
 Source openSource(const std::string& path, const ReadingOptions& options = {}) {
   requireReadableFile(path, "a picture file");
+  // Looked at before the libraries do, which take as much memory as a part of a file is said to have.
+  if (isTruncated(path)) {
+    throw fileFailure(path, "is truncated; give the whole file");
+  }
   const ReadLimits limits = readLimits();
   Source source;
   source.path = path;
@@ -54,14 +58,6 @@ Source openSource(const std::string& path, const ReadingOptions& options = {}) {
   const bool is_straight = options.alpha == AlphaReading::AsStated ? source.header().straight_alpha
                                                                    : options.alpha == AlphaReading::Straight;
   source.unassociated = source.plan.hasAlpha() && is_straight;
-  return source;
-}
-
-Source openWholeSource(const std::string& path, const ReadingOptions& options) {
-  Source source = openSource(path, options);
-  if (isTruncated(path)) {
-    throw fileFailure(path, "is truncated; give the whole file");
-  }
   return source;
 }
 
@@ -239,7 +235,7 @@ PictureInfo probePicture(const std::string& path, const ReadingOptions& options)
 Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop,
                     const ReadingOptions& options) {
   const LibraryMessagesDropped dropped;
-  Source source = openWholeSource(path, options);
+  Source source = openSource(path, options);
   Picture picture;
   picture.info = infoOf(source);
   picture.colour_space = source.header().metadata.text("oiio:ColorSpace");
@@ -270,7 +266,7 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
 
 bool hasSoftAlpha(const std::string& path, const ReadingOptions& options) {
   const LibraryMessagesDropped dropped;
-  Source source = openWholeSource(path, options);
+  Source source = openSource(path, options);
   const int step = std::min(rowsPerRead(source.header()), source.header().data.height);
   host::Image rows = valueOrThrow(host::Image::create({source.header().data.width, step}, host::Depth::Bits8));
   bool soft = false;
@@ -290,9 +286,6 @@ bool hasSoftAlpha(const std::string& path, const ReadingOptions& options) {
 
 bool isWholePicture(const std::string& path, host::Size size) try {
   const LibraryMessagesDropped dropped;
-  if (isTruncated(path)) {
-    return false;
-  }
   Source source = openSource(path);
   if (infoOf(source).size != size) {
     return false;

@@ -1,10 +1,12 @@
 #include "cli/pictures/Truncation.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
 #include <fstream>
 #include <istream>
+#include <string>
 
 namespace vantorel::cli {
 
@@ -71,6 +73,44 @@ bool jpegIsWhole(std::istream& file) {
   }
 }
 
+constexpr std::array<unsigned char, 4> kOpenExrSignature{0x76, 0x2F, 0x31, 0x01};
+
+std::uint32_t littleEndian(std::istream& file) {
+  std::array<unsigned char, 4> bytes{};
+  file.read(reinterpret_cast<char*>(bytes.data()), bytes.size());
+  return std::uint32_t{bytes[0]} | std::uint32_t{bytes[1]} << 8 | std::uint32_t{bytes[2]} << 16 |
+         std::uint32_t{bytes[3]} << 24;
+}
+
+// Whether the file holds as many bytes as each attribute of its headers states; the library takes memory for a text
+// before it reads it. A header ends with an attribute without a name, and the list of parts with an empty header.
+bool openExrHeadersAreWhole(std::istream& file, std::uint64_t size) {
+  constexpr std::uint32_t kHasParts = 0x1000;
+  file.seekg(kOpenExrSignature.size());
+  const bool has_parts = (littleEndian(file) & kHasParts) != 0;
+  bool header_is_empty = true;
+  std::string name;
+  std::string type;
+  while (std::getline(file, name, '\0')) {
+    if (name.empty()) {
+      if (header_is_empty || !has_parts) {
+        return true;
+      }
+      header_is_empty = true;
+      continue;
+    }
+    header_is_empty = false;
+    std::getline(file, type, '\0');
+    const std::uint64_t length = littleEndian(file);
+    const std::streamoff at = file.tellg();
+    if (at < 0 || length > size - static_cast<std::uint64_t>(at)) {
+      return false;
+    }
+    file.seekg(at + static_cast<std::streamoff>(length));
+  }
+  return false;
+}
+
 }  // namespace
 
 bool isTruncated(const std::string& path) {
@@ -88,6 +128,9 @@ bool isTruncated(const std::string& path) {
   }
   if (start[0] == 0xFF && start[1] == 0xD8) {
     return !jpegIsWhole(file);
+  }
+  if (std::equal(kOpenExrSignature.begin(), kOpenExrSignature.end(), start.begin())) {
+    return !openExrHeadersAreWhole(file, static_cast<std::uint64_t>(size));
   }
   return false;
 }
