@@ -1,14 +1,9 @@
-// 16.16 fixed-point arithmetic: signed 32-bit integers whose value is the integer divided by 65536.
+// 16.16 fixed-point arithmetic.
 #pragma once
 
 #include <cstdint>
 
-constexpr std::int32_t kFixedOne = 65536;
-constexpr std::int32_t kFixedHalf = kFixedOne / 2;
-
-constexpr double doubleFromFixed(std::int32_t value) {
-  return value / 65536.0;
-}
+#include "support/FixedUnits.h"
 
 // A whole number of pixels as 16.16, without its bits above the 32nd.
 constexpr std::int32_t fixedFromInt(std::int32_t pixels) {

@@ -9,13 +9,8 @@ namespace vantorel::cli {
 
 namespace {
 
-// 16.16 holds -32768 up to, but not including, 32768. NaN is in no range.
-bool fitsFixed(double pixels) {
-  return pixels >= -32768.0 && pixels < 32768.0;
-}
-
 Parsed<double> checkedPixels(double pixels) {
-  if (!fitsFixed(pixels)) {
+  if (!host::isCoordinate(pixels)) {
     return tl::make_unexpected(
         fmt::format("{} pixels is outside -32768 to 32767.99; move the corner nearer to the layer", pixels));
   }

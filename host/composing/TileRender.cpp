@@ -199,9 +199,7 @@ Result<void> drawFarTile(const TileSetting& setting, const FramePlan& plan, cons
                          TileWorker& worker, const ImageView& target) {
   constexpr int kSmallestSide = 16;
   if (plan.path == RenderPath::Bilinear && tile.samples == 1) {
-    return invalidArgument("canvas",
-                           "a corner lies 32768 pixels or more from its upper left corner, farther than a "
-                           "quadrilateral that is not convex can be drawn; use a nearer canvas");
+    return cornerOutOfReach();
   }
   if (tile.samples > 1 && (plan.path == RenderPath::Bilinear || tile.area.width() <= kSmallestSide)) {
     return drawMoment(setting, plan, {tile.area, tile.samples / 2}, visible, worker, target);

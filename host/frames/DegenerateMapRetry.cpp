@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "host/frames/WorldRow.h"
+#include "support/FixedUnits.h"
 
 namespace vantorel::host {
 
@@ -36,7 +37,7 @@ struct Extent {
 };
 
 Extent extentOf(const FrameState& frame, std::int32_t PF_PointValue::*coordinate) {
-  const auto value = [&](std::size_t i) { return frame.params[i].value.point.*coordinate / 65536.0; };
+  const auto value = [&](std::size_t i) { return doubleFromFixed(frame.params[i].value.point.*coordinate); };
   const auto [low, high] = std::minmax({value(1), value(2), value(3), value(4)});
   return {low, high};
 }

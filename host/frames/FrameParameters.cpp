@@ -5,6 +5,8 @@
 #include <cstring>
 #include <limits>
 
+#include "support/FixedUnits.h"
+
 namespace vantorel::host {
 
 namespace {
@@ -37,12 +39,17 @@ void fillParameters(FrameState* frame, const FrameTime& time) {
 }
 
 std::int32_t fixedFromPixels(double pixels) {
-  constexpr double kOnePixel = 65536.0;
-  const double fixed = std::floor(pixels * kOnePixel + 0.5);
+  const double fixed = std::floor(pixels * kFixedOne + 0.5);
   if (!(fixed > static_cast<double>(std::numeric_limits<std::int32_t>::min()))) {
     return std::numeric_limits<std::int32_t>::min();
   }
   return static_cast<std::int32_t>(std::min(fixed, static_cast<double>(std::numeric_limits<std::int32_t>::max())));
+}
+
+tl::unexpected<Error> cornerOutOfReach() {
+  return invalidArgument("canvas",
+                         "a corner lies 32768 pixels or more from its upper left corner, farther than a "
+                         "quadrilateral that is not convex can be drawn; use a nearer canvas");
 }
 
 }  // namespace vantorel::host

@@ -19,4 +19,7 @@ void fillParameters(FrameState* frame, const FrameTime& time);
 // 16.16, rounded to nearest; what lies outside goes to the nearest end of the range.
 std::int32_t fixedFromPixels(double pixels);
 
+// What is said of a corner that 16.16 cannot hold on the canvas, for quadrilaterals that are scanned.
+tl::unexpected<Error> cornerOutOfReach();
+
 }  // namespace vantorel::host

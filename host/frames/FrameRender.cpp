@@ -11,6 +11,7 @@
 #include "host/composing/Shutter.h"
 #include "host/frames/DegenerateMapRetry.h"
 #include "host/frames/FrameParameters.h"
+#include "support/FixedUnits.h"
 
 namespace vantorel::host {
 
@@ -42,15 +43,12 @@ Result<ImageView> layerForModule(const ConstImageView& layer, int n, BlockEdges 
   });
 }
 
-constexpr double kHalfPixel = 0.5;
-constexpr double kFixedOne = 65536.0;
-
 // The corners at a time, in pixels at 1/n, rounded to the 16.16 in which a module gets them: times that differ in their
 // last digits give the same picture.
 Corners cornersAt(const AnimatedCorners& corners, double seconds, double n) {
   const Corners full = corners.at(seconds);
   const auto scaled = [&](const Point& p) {
-    return Point{fixedFromPixels(p.x / n) / kFixedOne, fixedFromPixels(p.y / n) / kFixedOne};
+    return Point{doubleFromFixed(fixedFromPixels(p.x / n)), doubleFromFixed(fixedFromPixels(p.y / n))};
   };
   return {scaled(full.upper_left), scaled(full.upper_right), scaled(full.lower_left), scaled(full.lower_right)};
 }
@@ -90,15 +88,13 @@ Result<void> checkBilinearReach(const FrameState& frame, const Rect& canvas) {
                            "quadrilateral that is not convex; render it at a lower resolution");
   }
   const auto fits = [](std::int32_t fixed, int origin) {
-    const std::int64_t shifted = fixed - std::int64_t{origin} * 65536;
+    const std::int64_t shifted = fixed - std::int64_t{origin} * kFixedOne;
     return shifted >= std::numeric_limits<std::int32_t>::min() && shifted <= std::numeric_limits<std::int32_t>::max();
   };
   for (std::size_t i = 1; i < frame.params.size(); ++i) {
     const PF_PointValue& point = frame.params[i].value.point;
     if (!fits(point.point_x, canvas.left) || !fits(point.point_y, canvas.top)) {
-      return invalidArgument("canvas",
-                             "a corner lies 32768 pixels or more from its upper left corner, farther than a "
-                             "quadrilateral that is not convex can be drawn; use a nearer canvas");
+      return cornerOutOfReach();
     }
   }
   return {};
@@ -174,7 +170,7 @@ void FrameRender::place(const FramePlan& plan) {
   if (job_.options.placement == Placement::Centres || plan.is_whole_move) {
     return;
   }
-  const auto moved = [](const Point& p) { return Point{p.x - kHalfPixel, p.y - kHalfPixel}; };
+  const auto moved = [](const Point& p) { return Point{p.x - 0.5, p.y - 0.5}; };
   const Corners& corners = plan.corners;
   job_.frame.placed = Corners{moved(corners.upper_left), moved(corners.upper_right), moved(corners.lower_left),
                               moved(corners.lower_right)};

@@ -46,7 +46,7 @@ inline __m256i mixColumns(__m256i left, __m256i right, std::int32_t weight, Pixe
 }
 inline __m256i mixColumns(__m256i left, __m256i right, std::int32_t weight, Pixels16) {
   // The difference would not fit 32 bits.
-  return _mm256_add_epi64(_mm256_mul_epu32(left, _mm256_set1_epi64x(65536 - weight)),
+  return _mm256_add_epi64(_mm256_mul_epu32(left, _mm256_set1_epi64x(kOnePixel - weight)),
                           _mm256_mul_epu32(right, _mm256_set1_epi64x(weight)));
 }
 

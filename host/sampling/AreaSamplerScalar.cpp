@@ -12,8 +12,6 @@ namespace {
 
 __extension__ using Uint128 = unsigned __int128;
 
-constexpr std::int64_t kOnePixel = 65536;
-constexpr std::int32_t kHalfPixel = 32768;
 // Up to this radius, 32 pixels, the sums of 16-bit channels fit 64 bits: (2 * 2^21)^2 * 2^16 = 2^60.
 constexpr std::int32_t kMaxRadiusIn64Bits = 1 << 21;
 

@@ -14,7 +14,6 @@ namespace vantorel::host {
 
 namespace {
 
-constexpr std::int32_t kHalfPixel = 32768;
 constexpr std::int32_t kMaxRadius = 8 << 16;
 
 // Any box: column by column where it is small and its loads stay inside a row, else by the scalar sampler.
@@ -178,7 +177,7 @@ std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_S
   const std::byte* const pixel =
       static_cast<const std::byte*>(world.data) + row * row_bytes + column * Pixels::kPixelBytes;
   prefetchBelow(pixel, 2 * row_bytes);
-  if (!Pixels::kOnePixelIsMean && ((x | y) & 65535) == 0) {
+  if (!Pixels::kOnePixelIsMean && ((x | y) & (kFixedOne - 1)) == 0) {
     __builtin_memcpy(out, pixel, Pixels::kPixelBytes);
   } else {
     meanOfTwoByTwo<Pixels>(pixel, row_bytes, x & 65535, y & 65535, out);

@@ -7,7 +7,8 @@ namespace {
 
 constexpr int kMaxColumns = 17;  // what a radius of 8 pixels meets at most
 
-// The columns and rows of a box that lie in the world, and the weights of the outermost ones; those between weigh kOne.
+// The columns and rows of a box that lie in the world, and the weights of the outermost ones; those between weigh
+// kOnePixel.
 struct ClippedBox {
   const std::byte* first;  // the upper left pixel
   std::ptrdiff_t row_bytes;
@@ -31,7 +32,7 @@ inline void addWeighted(const std::byte* pixels, __m256i weight, __m256i* low, _
 }
 
 inline void addBorderRow(const std::byte* pixels, std::uint32_t weight, __m256i* low, __m256i* high) {
-  if (weight == kOne) {
+  if (weight == kOnePixel) {
     const __m256i channels = _mm256_cvtepu8_epi16(loadBytes16(pixels));
     *low = _mm256_add_epi32(*low, _mm256_unpacklo_epi16(_mm256_setzero_si256(), channels));
     *high = _mm256_add_epi32(*high, _mm256_unpackhi_epi16(_mm256_setzero_si256(), channels));
@@ -149,7 +150,7 @@ inline void sumRows(const ClippedBox& box, const std::byte* row, __m256d* sums) 
   for (int i = 0; i < kRows; ++i) {
     sums[i] = _mm256_fmadd_pd(left, PixelsFloat::widen(row + i * box.row_bytes), _mm256_setzero_pd());
   }
-  const __m256d one = _mm256_set1_pd(65536.0);
+  const __m256d one = _mm256_set1_pd(kFixedOne);
   const std::byte* pixel = row + PixelsFloat::kPixelBytes;
   for (int column = 1; column < box.columns - 1; ++column, pixel += PixelsFloat::kPixelBytes) {
     for (int i = 0; i < kRows; ++i) {
@@ -165,7 +166,7 @@ inline void sumRows(const ClippedBox& box, const std::byte* row, __m256d* sums) 
 }
 
 inline __m256d rowWeight(const ClippedBox& box, int row) {
-  return _mm256_set1_pd(row == 0 ? box.top : row == box.rows - 1 ? box.bottom : 65536);
+  return _mm256_set1_pd(row == 0 ? box.top : row == box.rows - 1 ? box.bottom : kFixedOne);
 }
 
 inline void meanOfBox(const ClippedBox& box, std::int64_t area, PF_PixelFloat* out) {

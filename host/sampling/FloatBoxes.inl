@@ -14,7 +14,7 @@ inline __m256d present(__m256d values, __m256d weight) {
 template <>
 inline void meanOfTwoByTwo<PixelsFloat>(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x,
                                         std::int32_t y, PF_PixelFloat* out) {
-  const __m256d one = _mm256_set1_pd(65536.0);
+  const __m256d one = _mm256_set1_pd(kFixedOne);
   const __m256d right = _mm256_cvtepi32_pd(_mm_set1_epi32(x));
   const __m256d left = _mm256_sub_pd(one, right);
   const __m256d below = _mm256_cvtepi32_pd(_mm_set1_epi32(y));

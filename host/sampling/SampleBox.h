@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "host/frames/WorldRow.h"
+#include "support/FixedUnits.h"
 #include "support/PF_HostRecords.h"
 
 // Always inlined: files compiled for different instruction sets use these functions, and a copy compiled for one set
@@ -13,13 +14,16 @@
 
 namespace vantorel::host {
 
+inline constexpr std::int64_t kOnePixel = kFixedOne;
+inline constexpr std::int32_t kHalfPixel = kFixedHalf;
+
 // One axis of the box, in 1/65536 pixel, pixel k covering [k * 65536, (k + 1) * 65536).
 struct SampleSpan {
   std::int64_t begin;
   std::int64_t end;
 
   VANTOREL_INLINE constexpr SampleSpan(std::int32_t centre, std::int32_t radius)
-      : begin(std::int64_t{centre} - radius + 32768), end(std::int64_t{centre} + radius + 32768) {}
+      : begin(std::int64_t{centre} - radius + kHalfPixel), end(std::int64_t{centre} + radius + kHalfPixel) {}
 
   VANTOREL_INLINE constexpr std::int64_t length() const { return end - begin; }
 
@@ -35,7 +39,7 @@ struct SampleSpan {
   // The length that the span shares with a pixel: 1 to 65536 for the pixels that it meets.
   VANTOREL_INLINE constexpr std::int64_t overlap(std::int64_t pixel) const {
     const std::int64_t left = pixel << 16;
-    const std::int64_t right = left + 65536;
+    const std::int64_t right = left + kOnePixel;
     return (end < right ? end : right) - (begin > left ? begin : left);
   }
 };

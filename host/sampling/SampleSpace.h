@@ -19,12 +19,11 @@ inline constexpr int kSampleSpaces = 3;
 // A position counted from pixel centres; the lowest stays the lowest.
 template <SampleSpace kSpace>
 VANTOREL_INLINE constexpr std::int32_t fromCentres(std::int32_t position) {
-  constexpr std::int32_t kHalf = 32768;
   constexpr std::int32_t kLowest = -2147483647 - 1;
   if constexpr (kSpace == SampleSpace::Centres) {
     return position;
   } else {
-    return position < kLowest + kHalf ? kLowest : position - kHalf;
+    return position < kLowest + kHalfPixel ? kLowest : position - kHalfPixel;
   }
 }
 
@@ -33,18 +32,16 @@ VANTOREL_INLINE constexpr std::int32_t fromCentres(std::int32_t position) {
 // extent, but at most 8 pixels, which tells nothing, and always half a pixel at standard quality, where what is shrunk
 // by more than about 24 times can lose its edge pixels' colour.
 VANTOREL_INLINE bool liesOutOfReach(std::int32_t centre, std::int32_t radius, std::int32_t size) {
-  constexpr std::int64_t kPixel = 65536;
-  constexpr std::int32_t kLargestRadius = 8 * 65536;
-  const std::int64_t reach = radius > kPixel / 2 ? 3 * std::int64_t{radius} + kPixel : 17 * kPixel;
-  const std::int64_t position = std::int64_t{centre} + kPixel / 2;
-  return radius < kLargestRadius && (position < -reach || position > size * kPixel + reach);
+  constexpr std::int32_t kLargestRadius = 8 * kFixedOne;
+  const std::int64_t reach = radius > kOnePixel / 2 ? 3 * std::int64_t{radius} + kOnePixel : 17 * kOnePixel;
+  const std::int64_t position = std::int64_t{centre} + kOnePixel / 2;
+  return radius < kLargestRadius && (position < -reach || position > size * kOnePixel + reach);
 }
 
 // Cuts one axis of a box to [0, size) pixels, both in 1/65536 pixel from pixel centres: by an odd length of up to one
 // unit more than that, so that centre and radius stay whole numbers.
 VANTOREL_INLINE void cutToWorld(std::int32_t* centre, std::int32_t* radius, std::int32_t size) {
-  constexpr std::int64_t kPixel = 65536;
-  const std::int64_t world_end = size * kPixel;
+  const std::int64_t world_end = size * kOnePixel;
   const SampleSpan span(*centre, *radius);
   if (span.begin >= 0 && span.end <= world_end) {
     return;
@@ -52,13 +49,13 @@ VANTOREL_INLINE void cutToWorld(std::int32_t* centre, std::int32_t* radius, std:
   std::int64_t begin = span.begin > 0 ? span.begin : 0;
   std::int64_t end = span.end < world_end ? span.end : world_end;
   if (end - begin < 2) {
-    begin = span.end < 2 ? 0 : world_end - kPixel;
-    end = begin + kPixel;
+    begin = span.end < 2 ? 0 : world_end - kOnePixel;
+    end = begin + kOnePixel;
   }
   if (((end - begin) & 1) != 0) {
     begin == 0 ? ++end : --begin;
   }
-  *centre = static_cast<std::int32_t>((begin + end - kPixel) / 2);
+  *centre = static_cast<std::int32_t>((begin + end - kOnePixel) / 2);
   *radius = static_cast<std::int32_t>((end - begin) / 2);
 }
 

@@ -16,8 +16,6 @@ namespace vantorel::host {
 
 namespace {
 
-constexpr std::int64_t kOne = 65536;
-
 inline __m128i loadBytes4(const void* address) {
   int word;
   __builtin_memcpy(&word, address, 4);
@@ -132,7 +130,7 @@ struct BoxWeights {
 
 template <int kSide>
 inline BoxWeights<kSide> boxWeights(const SmallBox& box) {
-  const __m128d one = _mm_set1_pd(65536.0);
+  const __m128d one = _mm_set1_pd(kFixedOne);
   BoxWeights<kSide> weights;
   weights.length = _mm_cvtepi32_pd(box.length);
   weights.weight[0] = _mm_sub_pd(one, _mm_cvtepi32_pd(box.begin));
