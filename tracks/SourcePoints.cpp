@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
-#include "tracks/Homography.h"
+#include <cmath>
+
+#include "host/geometry/Homography.h"
 #include "tracks/Text.h"
 
 namespace vantorel::tracks {
@@ -25,15 +27,30 @@ Quadrilateral pixelsOf(const SourceCorners& corners, Size layer, bool upwards) {
   return points;
 }
 
+host::Corners asCorners(const Quadrilateral& q) {
+  return {q[kUpperLeft], q[kUpperRight], q[kLowerLeft], q[kLowerRight]};
+}
+
+// Nothing where the point is on the horizon or beyond it.
+std::optional<Point> imageOf(const host::Homography& map, const Point& point) {
+  const Point image = map(point);
+  if (!(map.weight(point) > 0.0) || !std::isfinite(image.x) || !std::isfinite(image.y)) {
+    return std::nullopt;
+  }
+  return image;
+}
+
 void moveKey(CornerKey& key, const CornerTrack& track, const Quadrilateral& source, Size layer) {
-  const auto map = track.inverted ? Homography::between(key.points, source) : Homography::between(source, key.points);
+  const host::Corners points = asCorners(key.points);
+  const auto map = track.inverted ? host::Homography::ofQuadrilateral(points, asCorners(source))
+                                  : host::Homography::ofQuadrilateral(asCorners(source), points);
   if (!map) {
     fail(track.source, key.line, fmt::format("frame {}", printed(key.frame, 3)),
-         "has three points on a line, which leaves the layer's own corners unknown; correct them");
+         "makes no convex quadrilateral, which leaves the layer's own corners unknown; correct its points");
   }
   const Quadrilateral corners = cornersOf(layer);
   for (std::size_t c = 0; c < kCornerCount; ++c) {
-    const auto image = map->apply(corners[c]);
+    const auto image = imageOf(*map, corners[c]);
     if (!image) {
       fail(track.source, key.line, fmt::format("frame {}: {}", printed(key.frame, 3), kCornerNames[c]),
            "is beyond the horizon of the source corners' map; choose source corners nearer to the layer's own");
