@@ -46,4 +46,8 @@ ExitCode runTestCard(const TestCardOptions& options, const std::stop_token& stop
   return pictureCommands().test_card(options, stop);
 }
 
+ExitCode runView(const ViewOptions& options, const std::stop_token& stop) {
+  return pictureCommands().view(options, stop);
+}
+
 }  // namespace vantorel::cli

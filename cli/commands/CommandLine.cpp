@@ -160,16 +160,17 @@ CommandError unknownCommand(const CLI::App& app) {
   const std::vector<std::string> extras = app.remaining();
   if (extras.empty()) {
     return badArgument(
-        "", "no command was given; use render, rectify, corners, info or testcard, or see 'vantorel --help'");
+        "", "no command was given; use render, view, rectify, corners, info or testcard, or see 'vantorel --help'");
   }
   const std::string& word = extras.front();
   if (word.rfind('-', 0) == 0) {
     return badArgument(word,
                        fmt::format("unknown option; {}", hint(nearestWord(word, optionNames(app)), "vantorel --help")));
   }
-  return badArgument(word, fmt::format("unknown command; {}",
-                                       hint(nearestWord(word, {"render", "rectify", "corners", "info", "testcard"}),
-                                            "vantorel --help")));
+  return badArgument(word,
+                     fmt::format("unknown command; {}",
+                                 hint(nearestWord(word, {"render", "view", "rectify", "corners", "info", "testcard"}),
+                                      "vantorel --help")));
 }
 
 CommandError fromParser(const CLI::ParseError& error) {
@@ -197,6 +198,9 @@ ExitCode runCommandLine(int argc, const char* const* argv) try {
   Command<RenderOptions> render(app, "render", "Render a still, or a sequence with --frames",
                                 "render LAYER -o OUT [OPTIONS]", renderOptionTable());
   render.app().footer(std::string(kRenderExamples) + kExitCodes);
+  Command<ViewOptions> view(app, "view", "Place the corners in a browser, over the plate", "view [LAYER] [OPTIONS]",
+                            viewOptionTable());
+  view.app().footer(kExitCodes);
   const Command<RectifyOptions> rectify(app, "rectify", "Straighten a page, a screen or a sign in a photo",
                                         "rectify PHOTO -o PAGE --ul X,Y --ur X,Y --ll X,Y --lr X,Y [OPTIONS]",
                                         rectifyOptionTable());
@@ -222,6 +226,10 @@ ExitCode runCommandLine(int argc, const char* const* argv) try {
   if (render.parsed()) {
     const Interrupt interrupt;
     return runRender(render.options(), interrupt.token());
+  }
+  if (view.parsed()) {
+    const Interrupt interrupt;
+    return runView(view.options(), interrupt.token());
   }
   if (rectify.parsed()) {
     const Interrupt interrupt;

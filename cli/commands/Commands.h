@@ -4,6 +4,7 @@
 #include <optional>
 #include <stop_token>
 #include <string>
+#include <vector>
 
 #include "cli/base/ExitCode.h"
 #include "cli/shots/RenderOptions.h"
@@ -34,12 +35,27 @@ struct RectifyOptions {
 
 struct CornersOptions {
   TrackOptions track;
-  std::string output;              // a file, or four for a corner each; empty: the summary alone; - standard output
+  std::string output;  // a file, or four for a corner each; empty: the summary alone; - standard output
   bool overwrite = false;
   std::string format;              // of the output; empty: by its name
   std::optional<host::Size> size;  // of the picture that positions are in
   std::string plot;                // an SVG file; empty without one; - standard output
   FrameRate rate;
+};
+
+// An option as it stands on the command line; a flag has no value.
+struct GivenOption {
+  std::string name;
+  std::string value;
+};
+
+// What `render` takes, as far as it makes sense for looking: `output` may be empty, and the file of corners need not
+// exist.
+struct ViewOptions : RenderOptions {
+  int port = 0;  // 0: any free one
+  bool open_browser = true;
+  std::vector<GivenOption> given;  // the options that `render` gets as they are, to draw the same
+  std::string layer_label;         // what stands for the layer where none was given
 };
 
 // Each does its work and returns how it ended, or throws CommandError.
@@ -49,5 +65,7 @@ ExitCode runInfo(const InfoOptions& options);
 ExitCode runRectify(const RectifyOptions& options, const std::stop_token& stop);
 ExitCode runCorners(const CornersOptions& options);
 ExitCode runTestCard(const TestCardOptions& options, const std::stop_token& stop);
+// Serves a page to place corners on until it is stopped.
+ExitCode runView(const ViewOptions& options, const std::stop_token& stop);
 
 }  // namespace vantorel::cli

@@ -2,6 +2,7 @@
 // row here and a field in the options' struct, and told in the man page and the completion.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,7 +20,7 @@ struct OptionRow {
   std::string help;
   // Takes the value as it stands on the command line (empty for a flag) into the struct. Throws CommandError (bad
   // argument), naming `name`, for a value that is not understood.
-  void (*set)(Options& options, const std::string& name, const std::string& value);
+  std::function<void(Options& options, const std::string& name, const std::string& value)> set;
   const char* if_missing = nullptr;  // for what must be given: what to do when it is not
   // Whether the picture depends on the option, so that a frame made with another value is not taken for done.
   PictureUse use = PictureUse::ChangesPicture;
@@ -30,5 +31,6 @@ const std::vector<OptionRow<InfoOptions>>& infoOptionTable();
 const std::vector<OptionRow<RectifyOptions>>& rectifyOptionTable();
 const std::vector<OptionRow<CornersOptions>>& cornersOptionTable();
 const std::vector<OptionRow<TestCardOptions>>& testCardOptionTable();
+const std::vector<OptionRow<ViewOptions>>& viewOptionTable();
 
 }  // namespace vantorel::cli

@@ -11,6 +11,7 @@ struct PictureCommands {
   decltype(&runRender) render;
   decltype(&runRectify) rectify;
   decltype(&runTestCard) test_card;
+  decltype(&runView) view;
 };
 
 constexpr const char* kPictureModuleName = "vantorel-pictures.so";

@@ -68,6 +68,11 @@ void Progress::finish(const std::string& line) {
   }
 }
 
+std::int64_t Progress::framesDone() {
+  const std::scoped_lock lock(mutex_);
+  return done_;
+}
+
 double Progress::seconds() const {
   return std::chrono::duration<double>(Clock::now() - start_).count();
 }

@@ -28,6 +28,9 @@ class Progress {
   // Shows, where progress is shown, what has been done.
   void finish(const std::string& line);
 
+  // How many frames are done.
+  std::int64_t framesDone();
+
   // Since this was made.
   double seconds() const;
 

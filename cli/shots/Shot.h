@@ -33,6 +33,7 @@ struct Shot {
   CornersTrack corners;
   Enlargement enlargement;                 // of the layer, before the effect
   std::vector<std::string> notes;          // what everybody has to know before the first frame, a line each
+  host::Size layer_size;                   // of what is shown of the layer's first picture
   host::Size frame_size;                   // the output picture's size at full resolution
   host::Depth depth = host::Depth::Bits8;  // what is rendered at
   SampleType samples = SampleType::Bits8;  // what is written

@@ -75,7 +75,8 @@ void planLayerEnd(Shot& shot) {
 void planReading(Shot& shot) {
   shot.layer_reading.alpha = shot.options.alpha;
   (shot.plate_files ? shot.plate_reading : shot.layer_reading).selection = shot.options.selection;
-  shot.passes_plate = shot.plate_files && shot.format->passes_parts && shot.options.downsample == 1;
+  shot.passes_plate =
+      shot.plate_files && shot.format != nullptr && shot.format->passes_parts && shot.options.downsample == 1;
   shot.plate_reading.keep_overscan = shot.passes_plate;
 }
 
@@ -85,7 +86,9 @@ void planFiles(Shot& shot) {
   const RenderOptions& options = shot.options;
   const std::int32_t still = options.at.value_or(0);
   shot.frames = options.frames.value_or(FrameRange{still, still, 1});
-  shot.format = &formatForOutput("--output", options.output);
+  if (!options.output.empty()) {
+    shot.format = &formatForOutput("--output", options.output);
+  }
   shot.layer_files = inputFiles("LAYER", options.layer, options.layer_start, "--layer-start", shot);
   if (options.layer_end) {
     planLayerEnd(shot);
@@ -100,8 +103,10 @@ void planFiles(Shot& shot) {
   } else if (options.matte_start) {
     throw badArgument("--matte-start", "tells of the matte; name one with --matte, or omit it");
   }
-  requireEncodingHeld(*shot.format, options.encoding);
-  shot.output = outputFiles(options, shot.frames);
+  if (shot.format != nullptr) {
+    requireEncodingHeld(*shot.format, options.encoding);
+    shot.output = outputFiles(options, shot.frames);
+  }
   planReading(shot);
 }
 

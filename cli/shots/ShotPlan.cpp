@@ -237,15 +237,18 @@ void planPictures(Shot& shot, const FrameHeads& heads) {
   }
   const SampleType source = heads.plate ? finer(heads.layer.samples, heads.plate->samples) : heads.layer.samples;
   shot.depth = renderingDepth(shot, heads, source);
+  shot.layer_size = shownSize(options, heads.layer.size);
+  shot.frame_size = options.size ? *options.size : (heads.plate ? heads.plate->size : shot.layer_size);
+  if (heads.matte) {
+    requireMatteSize(shot, *heads.matte);
+  }
+  if (shot.format == nullptr) {
+    return;
+  }
   shot.samples = outputSamples(*shot.format, options.depth, source);
   if (shot.passes_plate && heads.plate->format == "openexr" && options.depth == DepthChoice::Auto) {
     // What reads the plate expects its own type back: half stays half.
     shot.samples = heads.plate->samples;
-  }
-  shot.frame_size =
-      options.size ? *options.size : (heads.plate ? heads.plate->size : shownSize(options, heads.layer.size));
-  if (heads.matte) {
-    requireMatteSize(shot, *heads.matte);
   }
   if (!options.fit) {
     requireSizeHeld(*shot.format, options.output, host::downsampled(shot.frame_size, options.downsample));
@@ -272,7 +275,7 @@ void planEnlargement(Shot& shot, host::Size layer) {
 
 }  // namespace
 
-Shot planShot(const RenderOptions& options) {
+Shot planShot(const RenderOptions& options, std::optional<CornersTrack> corners) {
   refuseContradictions(options);
   Shot shot;
   shot.options = options;
@@ -280,10 +283,10 @@ Shot planShot(const RenderOptions& options) {
   // The first and the last frame are the furthest in time.
   timeOf(shot.frames.first, options.rate);
   timeOf(shot.frames.last, options.rate);
-  if (!options.overwrite) {
+  if (!options.overwrite && shot.format != nullptr) {
     refuseToReplaceInputs(shot);
   }
-  shot.corners = cornersOf(options);
+  shot.corners = corners ? *std::move(corners) : cornersOf(options);
 
   const FrameHeads heads = probeShot(shot);
   planPictures(shot, heads);
@@ -292,7 +295,7 @@ Shot planShot(const RenderOptions& options) {
   } else {
     noteViews(shot, shot.layer_files, heads.layer);
   }
-  requireUsableSource(options, shownSize(options, heads.layer.size));
+  requireUsableSource(options, shot.layer_size);
   planEnlargement(shot, heads.layer.size);
   if (shot.corners.read) {
     tellNotes(resolveCorners(shot.corners, heads.layer.size, shot.frame_size).notes);
@@ -310,7 +313,7 @@ Shot planShot(const RenderOptions& options) {
     shot.matte = std::make_unique<PictureSource>(*shot.matte_files, shot.depth, preparation(false, options.downsample));
   }
   shot.module = loadModule(options.module);
-  shot.settings = commonSettings(shot, heads.layer.size);
+  shot.settings = shot.format == nullptr ? 0 : commonSettings(shot, heads.layer.size);
   return shot;
 }
 

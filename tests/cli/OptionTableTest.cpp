@@ -55,6 +55,7 @@ TEST(OptionTable, HelpCompletionManPageAndGuidesListTheSameOptions) {
     all.merge(names);
   };
   compare("render", namesOf(renderOptionTable()));
+  compare("view", namesOf(viewOptionTable()));
   compare("rectify", namesOf(rectifyOptionTable()));
   compare("corners", namesOf(cornersOptionTable()));
   compare("info", namesOf(infoOptionTable()));

@@ -37,6 +37,11 @@ std::size_t indexOf(const std::array<std::string_view, N>& names, std::string_vi
   return static_cast<std::size_t>(std::find(names.begin(), names.end(), name) - names.begin());
 }
 
+// Members whose names begin so are other programs' own, and passed over.
+bool isExtension(std::string_view name) {
+  return name.starts_with('_') || name.starts_with('$') || name.starts_with("x-");
+}
+
 constexpr std::array<std::string_view, 4> kTopMembers{"keys", "units", "interpolation", "$schema"};
 constexpr std::array<std::string_view, 5> kKeyMembers{"ul", "ur", "ll", "lr", "frame"};
 constexpr std::size_t kFrameMember = kCornerCount;
@@ -58,7 +63,9 @@ class JsonTrackReader {
     while (json_.nextMember(name)) {
       const std::size_t member = indexOf(kTopMembers, name);
       if (member == kTopMembers.size()) {
-        failAt(std::string(name), "is unknown; known here are keys, units, interpolation, $schema");
+        passOver(
+            name, [&] { return std::string(name); }, "is unknown; known here are keys, units, interpolation, $schema");
+        continue;
       }
       seen.take(json_, member, std::string(name));
       readMember(member);
@@ -72,6 +79,15 @@ class JsonTrackReader {
  private:
   [[noreturn]] void failAt(const std::string& field, const std::string& message) {
     fail(json_.file(), json_.line(), field, message);
+  }
+
+  // Skips an extension's value; any other member may be a misspelt one.
+  template <typename Place>
+  void passOver(std::string_view name, const Place& place, const char* fault) {
+    if (!isExtension(name)) {
+      failAt(place(), fault);
+    }
+    json_.skip();
   }
 
   void readMember(std::size_t member) {
@@ -132,7 +148,10 @@ class JsonTrackReader {
     while (json_.nextMember(name)) {
       const std::size_t member = indexOf(kKeyMembers, name);
       if (member == kKeyMembers.size()) {
-        failAt(fmt::format("{}.{}", keyPlace(), name), "is unknown; known here are frame, ul, ur, ll, lr");
+        passOver(
+            name, [&] { return fmt::format("{}.{}", keyPlace(), name); },
+            "is unknown; known here are frame, ul, ur, ll, lr");
+        continue;
       }
       seen.take(json_, member, memberPlace(member));
       if (member == kFrameMember) {

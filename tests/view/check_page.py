@@ -1,0 +1,207 @@
+"""Places, moves, keys, saves and renders corners through the page, in a headless browser.
+
+check_page.py FOLDER; VANTOREL_COMMAND is the command. Exit code 77 where no browser is installed.
+"""
+
+import csv
+import json
+import pathlib
+import shutil
+import struct
+import subprocess
+import sys
+
+import webdriver
+from viewing import VANTOREL, View, pixels, vantorel
+
+WIDTH, HEIGHT = 480, 270
+FRAMES = range(1, 6)
+
+
+def make_shot(folder):
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    vantorel(folder, "testcard", "-o", "layer.png", "--size", "640x360")
+    vantorel(folder, "testcard", "-o", "card.png", "--size", f"{WIDTH}x{HEIGHT}")
+    for frame in FRAMES:
+        vantorel(folder, "render", "card.png", "-o", f"plate.{frame:04}.jpg", "--ul", f"{3 * frame},{frame}")
+    (folder / "corners.csv").write_text("# by hand\nframe,ulx,uly,urx,ury,llx,lly,lrx,lry,note\n"
+                                        "1,100,60,300,50,90,200,320,210,  first # keep\n")
+
+
+class Page:
+    """The page in the browser, with the picture's pixels in place of the window's."""
+
+    def __init__(self, browser, view):
+        self.browser = browser
+        browser.open(view.address)
+        browser.wait("return document.documentElement.dataset.ready")
+
+    def corners(self):
+        values = self.browser.run("return [...document.querySelectorAll('#corner-fields input')].map(f => f.value)")
+        return [float(value) for value in values]
+
+    def on_screen(self, x, y):
+        """Where a place of the picture is, which fills the canvas as far as the margin lets it when it is fitted."""
+        box = self.browser.run("const b = document.querySelector('#stage').getBoundingClientRect();"
+                               "return [b.left, b.top, b.width, b.height]")
+        zoom = 0.94 * min(box[2] / WIDTH, box[3] / HEIGHT)
+        return (box[0] + box[2] / 2 + (x - WIDTH / 2) * zoom, box[1] + box[3] / 2 + (y - HEIGHT / 2) * zoom)
+
+    def leave(self):
+        faults = self.browser.complaints()
+        assert faults == [], faults
+        self.browser.open("about:blank")
+
+    def status(self):
+        return self.browser.text("#status")
+
+
+def near(found, wanted, tolerance):
+    assert len(found) == len(wanted) and all(abs(a - b) <= tolerance for a, b in zip(found, wanted)), (found, wanted)
+
+
+def check_placing(browser, view):
+    """Clicks in any order make sorted corners; every act can be undone; without a file there is nothing to save to."""
+    page = Page(browser, view)
+    usual = page.corners()
+    clicks = [(400, 220), (60, 40), (90, 230), (420, 30)]
+    for place in clicks:
+        browser.click_at(*page.on_screen(*place))
+    placed = [60, 40, 420, 30, 90, 230, 400, 220]
+    near(page.corners(), placed, 0.5)
+
+    exact = page.corners()
+    browser.press("1")
+    browser.press("ArrowRight")
+    browser.press("Shift", "ArrowDown")
+    browser.press("Control", "ArrowLeft")
+    near(page.corners(), [exact[0] + 0.9, exact[1] + 10] + exact[2:], 1e-3)
+    # To a quarter of a pixel, by keys alone.
+    browser.press("4")
+    for _ in range(30):
+        away = 390.5 - page.corners()[6]
+        if abs(away) <= 0.25:
+            break
+        size = "Shift" if abs(away) > 9.9 else "Control" if abs(away) < 0.9 else None
+        browser.press(*filter(None, [size, "ArrowRight" if away > 0 else "ArrowLeft"]))
+    near(page.corners()[6:7], [390.5], 0.25)
+    # The upper edge, two corners at once, along an axis alone.
+    before = page.corners()
+    middle = page.on_screen((before[0] + before[2]) / 2, (before[1] + before[3]) / 2)
+    browser.press("n")
+    browser.drag([middle, (middle[0] + 4, middle[1] - 20), (middle[0] + 5, middle[1] - 40)])
+    after = page.corners()
+    assert after[1] < before[1] - 5 and abs((after[1] - before[1]) - (after[3] - before[3])) < 1e-3, (before, after)
+    assert after[4:] == before[4:]
+    browser.type("#corner-2-x", "25%")
+    assert page.corners()[4] == 160.0
+    browser.type("#corner-2-x", "left")
+    assert "'left' is not a position" in page.status() and page.corners()[4] == 160.0
+
+    # A crossed quadrilateral is named, and drawn all the same.
+    browser.type("#corner-0-x", "450")
+    assert "Crossed" in browser.text("#shape"), browser.text("#shape")
+    browser.press("Escape")
+    browser.run("document.querySelector('#stage').focus()")
+    changed = page.corners()
+    acts = 0
+    while acts < 40 and browser.run("return !document.querySelector('#undo').disabled"):
+        browser.press("Control", "z")
+        acts += 1
+    assert page.corners() == usual and acts >= 7, (page.corners(), usual, acts)
+    for _ in range(acts):
+        browser.press("Control", "Shift", "z")
+    assert page.corners() == changed
+    assert browser.run("return document.querySelector('#save').disabled && document.querySelector('#render-frame').disabled")
+    page.leave()
+    assert view.end() == 0
+
+
+def check_shot(browser, folder, view):
+    """Keys over time, saved, rendered by the page and by the command, all to the same bits."""
+    page = Page(browser, view)
+    assert page.corners() == [100, 60, 300, 50, 90, 200, 320, 210]
+    for _ in range(4):
+        browser.press(".")
+    browser.wait("return document.querySelector('#frame-number').value === '5'")
+    browser.press("5")
+    browser.press("Shift", "ArrowRight")
+    browser.wait("return document.querySelector('#key-note').textContent === '2 keys, linear'")
+    browser.press("PageUp")
+    browser.wait("return document.querySelector('#frame-number').value === '1'")
+    assert page.corners()[0] == 100
+    browser.run("const s = document.querySelector('#scrub'); s.value = 3; s.dispatchEvent(new Event('input'))")
+    browser.wait("return document.querySelector('#frame-number').value === '3'")
+    near(page.corners(), [105, 60, 305, 50, 95, 200, 325, 210], 1e-6)
+    browser.run("document.querySelector('#stage').focus()")
+    browser.press("1")
+    browser.press("Control", "ArrowUp")
+    browser.press("Control", "s")
+    browser.wait("return document.querySelector('#status').textContent.startsWith('Saved')")
+    saved = (folder / "corners.csv").read_text().splitlines()
+    assert saved[:3] == ["# by hand", "frame,ulx,uly,urx,ury,llx,lly,lrx,lry,note",
+                         "1,100,60,300,50,90,200,320,210,  first # keep"], saved
+    assert saved[3:] == ["3,105,59.9,305,50,95,200,325,210,", "5,110,60,310,50,100,200,330,210,"], saved
+
+    browser.click("#render-range")
+    browser.wait("return document.querySelector('#render-note').textContent.includes('written')")
+    vantorel(folder, "render", "layer.png", "--over", "plate.%04d.jpg", "--corners", "corners.csv", "--frames", "1-5",
+             "-o", "again.%04d.png")
+    keys = [[float(cell) for cell in row[:9]] for row in csv.reader(saved[2:])]
+    for frame in FRAMES:
+        shown = view.post("picture", {"frame": frame, "n": 1, "region": [0, 0, WIDTH, HEIGHT],
+                                      "track": {"interpolation": "linear", "keys": keys}})
+        assert struct.unpack("<4i", shown[:16]) == (0, 0, WIDTH, HEIGHT)
+        rendered = pixels(folder / f"again.{frame:04}.png")
+        assert shown[16:] == rendered, f"frame {frame} is shown with other pixels than it is rendered with"
+        assert pixels(folder / f"out.{frame:04}.png") == rendered, f"frame {frame} is rendered differently by the page"
+    command = browser.value("#command")
+    assert command.startswith("vantorel render layer.png -o out.%04d.png --corners corners.csv"), command
+    subprocess.run(command.replace("vantorel", VANTOREL, 1).replace("out.", "told."), shell=True, check=True, cwd=folder)
+    assert pixels(folder / "told.0003.png") == pixels(folder / "again.0003.png")
+    page.leave()
+    assert view.end() == 0
+
+
+def check_json(folder):
+    """What is not the page's in a JSON file stays in it."""
+    text = {"$schema": "corners.schema.json", "units": "percent", "x-shot": {"take": 3},
+            "keys": [{"frame": 1, "ul": [10, 10], "ur": [90, 10], "ll": [10, 90], "lr": [90, 90], "_by": "hand"}]}
+    (folder / "corners.json").write_text(json.dumps(text))
+    with View(folder, "layer.png", "--corners", "corners.json") as view:
+        check_json_in(folder, view, text)
+
+
+def check_json_in(folder, view, text):
+    track = json.loads(view.get("shot"))["track"]
+    assert track["keys"] == [[1, 64, 36, 576, 36, 64, 324, 576, 324]], track
+    track["keys"].append([4] + [32] * 2 + [576, 36, 64, 324, 576, 324])
+    view.post("save", {"track": track})
+    text["keys"].append({"frame": 4, "ul": [5, 8.888889], "ur": [90, 10], "ll": [10, 90], "lr": [90, 90]})
+    assert json.loads((folder / "corners.json").read_text()) == text
+    assert view.end() == 0
+
+
+def main():
+    folder = pathlib.Path(sys.argv[1]).absolute()
+    make_shot(folder)
+    check_json(folder)
+    if program := webdriver.missing():
+        print(f"{program} is not installed; install it to test the page: scripts/setup browser")
+        sys.exit(77)
+    browser = webdriver.Browser()
+    try:
+        with View(folder, "layer.png", "--over", "plate.0001.jpg") as view:
+            check_placing(browser, view)
+        with View(folder, "layer.png", "--over", "plate.%04d.jpg", "--corners", "corners.csv", "--frames", "1-5", "-o",
+                  "out.%04d.png") as view:
+            check_shot(browser, folder, view)
+    except Exception:
+        browser.screenshot(folder / "failed.png")
+        raise
+    finally:
+        browser.close()
+
+
+main()

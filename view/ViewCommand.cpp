@@ -1,0 +1,91 @@
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <spawn.h>
+#include <tbb/global_control.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+
+#include "cli/base/CommandError.h"
+#include "cli/base/Console.h"
+#include "cli/commands/Commands.h"
+#include "view/Routes.h"
+#include "view/session/StandInLayer.h"
+
+namespace vantorel::view {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool hasScreen() {
+  return std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr;
+}
+
+// The desktop's own opener, found on the path; it hands the address to the browser and ends.
+void openBrowser(const std::string& address) {
+  std::string program = "xdg-open";
+  std::string argument = address;
+  const std::array<char*, 3> arguments{program.data(), argument.data(), nullptr};
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_RDWR, 0);
+  }
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  // The command has signals blocked, which the browser would inherit.
+  sigset_t none;
+  sigemptyset(&none);
+  posix_spawnattr_setsigmask(&attributes, &none);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+  pid_t process = 0;
+  posix_spawnp(&process, program.c_str(), &actions, &attributes, arguments.data(), environ);
+  posix_spawnattr_destroy(&attributes);
+  posix_spawn_file_actions_destroy(&actions);
+}
+
+void tellAddress(const std::string& address, int port, bool opens) {
+  std::array<char, 256> host{};
+  gethostname(host.data(), host.size() - 1);
+  fmt::print("{}\n", address);
+  std::fflush(stdout);
+  fmt::print(cli::console(),
+             "vantorel: {}; Ctrl-C ends\n"
+             "vantorel: from another machine: ssh -L {}:127.0.0.1:{} {}, and then this address there\n",
+             opens ? "opening this address in the browser" : "open this address in a browser on this machine", port,
+             port, host.data());
+}
+
+}  // namespace
+
+}  // namespace vantorel::view
+
+namespace vantorel::cli {
+
+ExitCode runView(const ViewOptions& given, const std::stop_token& stop) {
+  const view::StandInLayer stand_in(given);
+  const ViewOptions& options = stand_in.options();
+  const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, options.threads);
+  view::Session session(options);
+  view::LocalServer server;
+  view::addRoutes(server, session);
+  const int port = server.bind("--port", options.port);
+  const std::string address = fmt::format("http://127.0.0.1:{}{}", port, server.prefix());
+  const bool opens = options.open_browser && view::hasScreen();
+  view::tellAddress(address, port, opens);
+  if (opens) {
+    view::openBrowser(address);
+  }
+  const std::stop_callback end_pictures(stop, [&] {
+    session.pictures().close();
+    session.job().cancel();
+  });
+  server.serve(stop);
+  // To be stopped is how a view ends; only a rendering is interrupted by it.
+  return session.job().isRunning() ? ExitCode::Interrupted : ExitCode::Done;
+}
+
+}  // namespace vantorel::cli

@@ -1,0 +1,381 @@
+// What the page is about at any moment, the acts that change it, and the pictures that follow.
+
+import {NAMES, flat, fromFlat, moved, point, printed, sameCorners, shapeFault, sortedCorners} from './geometry.js';
+import {Latest, get, picture, post} from './net.js';
+import {snapped} from './snap.js';
+import {History, Track} from './track.js';
+
+const SETTLE = 80;       // milliseconds without a change, after which the full-quality picture is asked for
+const KEPT_TIMES = 500;  // measurements of drawing that the browser keeps
+
+export class App extends EventTarget {
+  constructor(info, stage) {
+    super();
+    this.info = info;
+    this.stage = stage;
+    const [width, height] = info.size;
+    // Without corners, a rectangle in the middle to begin with.
+    this.usual = [[.25, .25], [.75, .25], [.25, .75], [.75, .75]].map(([x, y]) => point(x * width, y * height));
+    this.start = Track.fromMessage(info.track, this.usual);
+    this.history = new History(this.start);
+    this.saved = this.start;
+    this.frames = info.frames ?? this.#framesOfKeys();
+    this.frame = this.frames ? this.frames[0] : this.start.keys[0]?.frame ?? 0;
+    this.hot = [0];
+    this.moving = null;  // the corners while they are dragged
+    this.placing = info.track ? null : [];
+    Object.assign(this, {overlay: true, difference: false, opacity: 1, snapping: true, playing: false, loupe: null});
+    this.version = 0;
+    const tell = error => this.say(error.message, true);
+    [this.drafts, this.backdrops, this.details, this.loupes] = [0, 1, 2, 3].map(() => new Latest(tell));
+  }
+
+  // A track over time is shown even where no frames were named.
+  #framesOfKeys() {
+    const {keys} = this.start;
+    return keys.length > 1 ? [Math.floor(keys[0].frame), Math.ceil(keys.at(-1).frame), 1] : null;
+  }
+
+  get track() {
+    return this.history.present;
+  }
+  get corners() {
+    return this.moving ?? this.track.at(this.frame);
+  }
+  get keyFrame() {
+    return this.frames ? this.frame : this.track.keys[0]?.frame ?? this.frame;
+  }
+  get unsaved() {
+    return this.track !== this.saved && this.track.keys.length > 0;
+  }
+
+  // --- What is said and drawn
+
+  say(text, is_fault = false) {
+    this.dispatchEvent(new CustomEvent('said', {detail: {text, is_fault}}));
+  }
+
+  changed() {
+    this.dispatchEvent(new Event('changed'));
+    this.schedule();
+  }
+
+  schedule() {
+    this.scheduled ??= requestAnimationFrame(() => {
+      this.scheduled = null;
+      this.stage.draw(this.look());
+      for (const start of this.waiting?.splice(0) ?? []) {
+        performance.measure('drag to drawn', {start, end: performance.now()});
+      }
+      if (performance.getEntriesByName('drag to drawn').length > KEPT_TIMES) {
+        performance.clearMeasures('drag to drawn');
+      }
+    });
+  }
+
+  look() {
+    const paths = this.track.keys.length > 1 ? [0, 1, 2, 3].map(c => this.track.keys.map(key => key.corners[c])) : [];
+    return {corners: this.corners, hot: this.hot, overlay: this.overlay, opacity: this.opacity,
+            difference: this.difference, paths, points: this.placing ?? [], loupe: this.loupe};
+  }
+
+  // --- Pictures
+
+  async loadBackdrop() {
+    const {frame} = this;
+    await this.backdrops.run(async () => {
+      this.stage.base = await picture('backdrop', {frame: this.frame, ...this.stage.whole});
+      if (this.frame === frame) {
+        this.schedule();
+      }
+    });
+  }
+
+  // What is seen of the plate at more detail than the whole one has.
+  loadDetail() {
+    const seen = this.stage.visible(Math.floor);
+    if (this.stage.base && seen.n >= this.stage.base.n) {
+      this.stage.detail = null;
+      return;
+    }
+    this.details.run(async () => {
+      const detail = await picture('backdrop', {frame: this.frame, ...seen});
+      this.stage.detail = detail.frame === this.frame ? detail : null;
+      this.schedule();
+    });
+  }
+
+  loadLoupe() {
+    if (this.loupe === null) {
+      return;
+    }
+    this.loupes.run(async () => {
+      if (this.loupe !== null) {
+        this.stage.near = await picture('backdrop', {frame: this.frame, ...this.stage.loupeRegion(this.corners[this.loupe])});
+        this.schedule();
+      }
+    });
+  }
+
+  // Draws the layer where the corners are now; `start` is when the act happened.
+  draft(start) {
+    ++this.version;
+    return this.drafts.run(async () => {
+      const version = this.version;
+      const drawn = await picture('draft', {frame: this.frame, corners: flat(this.corners), ...this.stage.visible(Math.round)});
+      if (drawn && !(this.stage.result?.full && this.stage.result.version === version)) {
+        this.stage.result = {...drawn, version};
+        if (start !== undefined) {
+          (this.waiting ??= []).push(start);
+        }
+        this.schedule();
+      }
+    });
+  }
+
+  // Asks for the full-quality picture once nothing has changed for a moment.
+  settle(delay = SETTLE) {
+    clearTimeout(this.settling);
+    this.settling = setTimeout(() => this.#loadFull(), delay);
+  }
+
+  async #loadFull() {
+    if (this.moving || this.playing) {
+      return;
+    }
+    this.drafts.drop();
+    const {version} = this;
+    const body = {frame: this.frame, track: this.track.toMessage(this.keyFrame), ...this.stage.visible(Math.floor)};
+    try {
+      const full = await picture('picture', body);
+      if (this.version !== version) {
+        return;
+      }
+      if (!full) {
+        this.settle();  // a late draft has ended it
+        return;
+      }
+      this.stage.result = {...full, full: true, version};
+      this.schedule();
+      this.dispatchEvent(new Event('settled'));
+    } catch (error) {
+      this.say(error.message, true);
+    }
+  }
+
+  // After zooming and panning.
+  viewChanged() {
+    ++this.version;
+    this.schedule();
+    clearTimeout(this.viewing);
+    this.viewing = setTimeout(() => this.loadDetail(), SETTLE);
+    this.settle(2 * SETTLE);
+  }
+
+  // --- Acts on corners
+
+  // Pushes a track that can be undone.
+  act(track, text) {
+    this.history.push(track);
+    this.#shown(text);
+  }
+
+  #shown(text) {
+    this.changed();
+    this.draft();
+    this.settle();
+    this.loadLoupe();
+    this.say([text, shapeFault(this.corners)].filter(Boolean).join('. '));
+  }
+
+  setCorners(corners, text) {
+    if (!sameCorners(corners, this.corners) || this.track.keys.length === 0) {
+      this.act(this.track.withKey(this.keyFrame, corners), text);
+    }
+  }
+
+  describe(which = this.hot) {
+    return which.length > 2 ? 'All corners moved'
+        : which.map(c => `${NAMES[c]} ${printed(this.corners[c].x)}, ${printed(this.corners[c].y)}`).join('; ');
+  }
+
+  nudge(dx, dy) {
+    const corners = this.corners.map((p, c) => this.hot.includes(c) ? moved(p, dx, dy) : p);
+    this.loupe = this.hot.length === 1 ? this.hot[0] : null;
+    this.setCorners(corners, '');
+    this.say([this.describe(), shapeFault(corners)].filter(Boolean).join('. '));
+  }
+
+  choose(hot) {
+    this.hot = hot;
+    this.loupe = hot.length === 1 ? hot[0] : null;
+    this.say(hot.length > 2 ? 'All corners' : this.describe());
+    this.loadLoupe();
+    this.changed();
+  }
+
+  // While a drag goes on: `exact` are the corners where it has led to.
+  drag(exact, start) {
+    this.moving = exact;
+    this.changed();
+    this.draft(start);
+    this.loadLoupe();
+  }
+
+  async drop(snaps) {
+    const [corners, {frame}] = [this.moving, this];
+    if (!corners) {
+      return;
+    }
+    let found = corners;
+    if (snaps && this.snapping && this.info.plate && this.hot.length === 1) {
+      found = await this.#snappedAt(this.hot[0], corners);
+    }
+    if (this.frame !== frame) {
+      found = corners;
+    }
+    this.moving = null;
+    this.setCorners(found, this.describe() + (found === corners ? '' : ', snapped'));
+    this.changed();
+    this.settle(0);
+  }
+
+  async #snappedAt(corner, corners) {
+    try {
+      const plate = await picture('backdrop', {frame: this.frame, ...this.stage.loupeRegion(corners[corner])});
+      const reach = Math.min(8, Math.max(3, 6 / this.stage.zoom));
+      const found = snapped(plate, corners[corner], reach);
+      return found ? corners.map((p, c) => c === corner ? point(found.x, found.y) : p) : corners;
+    } catch (error) {
+      this.say(error.message, true);
+      return corners;
+    }
+  }
+
+  beginPlacing() {
+    this.placing = [];
+    this.say('Click the four corners, in any order');
+    this.changed();
+  }
+  endPlacing() {
+    this.placing = null;
+    this.changed();
+  }
+
+  place(p) {
+    this.placing.push(point(p.x, p.y));
+    if (this.placing.length < 4) {
+      this.say(`${this.placing.length} of 4 corners`);
+      this.changed();
+      return;
+    }
+    const corners = sortedCorners(this.placing);
+    this.placing = null;
+    this.setCorners(corners, 'Four corners placed');
+    this.changed();
+  }
+
+  undo() {
+    this.#shown(this.history.undo() ? 'Undone' : 'Nothing to undo');
+  }
+  redo() {
+    this.#shown(this.history.redo() ? 'Redone' : 'Nothing to redo');
+  }
+  reset() {
+    this.act(this.start, 'As at the start');
+  }
+
+  // --- Corners as text, as the command takes them
+
+  text() {
+    return ['ul', 'ur', 'll', 'lr'].map((name, c) => `--${name} ${printed(this.corners[c].x)},${printed(this.corners[c].y)}`).join(' ');
+  }
+
+  paste(text) {
+    const numbers = (text.match(/[-+]?(\d+\.?\d*|\.\d+)(e[-+]?\d+)?/gi) ?? []).map(Number);
+    if (numbers.length !== 8 || numbers.some(n => !Number.isFinite(n))) {
+      this.say('The text does not hold eight numbers; give x and y of the upper left, upper right, lower left and ' +
+               'lower right corner', true);
+      return;
+    }
+    this.setCorners(fromFlat(numbers), 'Corners pasted');
+  }
+
+  // --- Time
+
+  async goTo(frame) {
+    if (!this.frames || !Number.isFinite(frame)) {
+      return;
+    }
+    const [first, last, step] = this.frames;
+    const whole = first + Math.round((frame - first) / step) * step;
+    this.frame = Math.min(last - (last - first) % step, Math.max(first, whole));
+    if (this.info.plateMoves) {
+      this.stage.detail = this.stage.near = null;
+    }
+    this.changed();
+    const plate = this.info.plateMoves ? this.loadBackdrop() : null;
+    await Promise.all([plate, this.draft()]);
+    if (!this.playing) {
+      this.viewing = this.info.plateMoves ? this.loadDetail() : this.viewing;
+      this.settle();
+    }
+  }
+
+  async play() {
+    this.playing = !this.playing;
+    this.changed();
+    const [first, last, step] = this.frames;
+    while (this.playing) {
+      const next = this.frame + step > last ? first : this.frame + step;
+      await Promise.all([this.goTo(next), new Promise(done => setTimeout(done, 1000 / this.info.fps))]);
+    }
+    this.settle();
+  }
+
+  deleteKey() {
+    if (!this.track.hasKey(this.frame) || this.track.keys.length === 1) {
+      this.say(this.track.keys.length === 1 ? 'The only key stays' : 'There is no key on this frame');
+      return;
+    }
+    this.act(this.track.withoutKey(this.frame), `Key on frame ${this.frame} deleted`);
+  }
+
+  // --- Files
+
+  async save() {
+    const {track} = this;
+    if (this.info.cannotSave) {
+      this.say(this.info.cannotSave, true);
+      return;
+    }
+    try {
+      const {file, keys} = await post('save', {track: track.toMessage(this.keyFrame)});
+      this.saved = track;
+      this.say(`Saved ${keys} ${keys === 1 ? 'key' : 'keys'} to ${file}`);
+      this.changed();
+    } catch (error) {
+      this.say(error.message, true);
+    }
+  }
+
+  async command() {
+    return (await post('command', {frame: this.frame, track: this.track.toMessage(this.keyFrame)})).command;
+  }
+
+  async render(body) {
+    try {
+      let state = await post('render', {...body, track: this.track.toMessage(this.keyFrame)});
+      const show = () => this.dispatchEvent(new CustomEvent('rendering', {detail: state}));
+      while (state.state === 'running') {
+        show();
+        await new Promise(done => setTimeout(done, 200));
+        state = await get('render');
+      }
+      show();
+      this.say(state.message, state.state === 'failed');
+    } catch (error) {
+      this.say(error.message, true);
+    }
+  }
+}

@@ -1,0 +1,140 @@
+#include "view/session/Pictures.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "cli/base/CommandError.h"
+#include "cli/pictures/Composite.h"
+#include "cli/pictures/Reduce.h"
+#include "cli/shots/FrameRenderer.h"
+
+namespace vantorel::view {
+
+namespace {
+
+// A part of a picture, in place.
+host::ConstImageView part(const host::ConstImageView& pixels, const host::Rect& rect) {
+  host::ConstImageView view = pixels;
+  view.data = view.pixel(rect.left, rect.top);
+  view.size = {rect.width(), rect.height()};
+  return view;
+}
+
+// The region in pixels of a picture at 1/n, rounded outward.
+host::Rect reducedRect(const Region& region) {
+  const auto up = [&](int value) { return (value + region.n - 1) / region.n; };
+  return {region.rect.left / region.n, region.rect.top / region.n, up(region.rect.right), up(region.rect.bottom)};
+}
+
+host::Point originOf(const Region& region) {
+  return {static_cast<double>(region.rect.left), static_cast<double>(region.rect.top)};
+}
+
+host::Corners scaled(const host::Corners& corners, int n) {
+  const auto point = [&](const host::Point& p) { return host::Point{p.x / n, p.y / n}; };
+  return {point(corners.upper_left), point(corners.upper_right), point(corners.lower_left), point(corners.lower_right)};
+}
+
+// What of the region the corners and a little more around them reach; empty where nothing.
+Region around(const host::Corners& corners, const Region& region) {
+  const auto [left, right] =
+      std::minmax({corners.upper_left.x, corners.upper_right.x, corners.lower_left.x, corners.lower_right.x});
+  const auto [top, bottom] =
+      std::minmax({corners.upper_left.y, corners.upper_right.y, corners.lower_left.y, corners.lower_right.y});
+  const int n = region.n;
+  const auto down = [&](double v) { return static_cast<int>(std::floor(v / n) - 1) * n; };
+  const auto up = [&](double v) { return static_cast<int>(std::ceil(v / n) + 1) * n; };
+  return {{std::max(region.rect.left, down(left)), std::max(region.rect.top, down(top)),
+           std::min(region.rect.right, up(right)), std::min(region.rect.bottom, up(bottom))},
+          n};
+}
+
+double area(const host::Corners& q) {
+  const auto cross = [](const host::Point& a, const host::Point& b) { return a.x * b.y - a.y * b.x; };
+  return std::abs(cross(q.upper_left, q.upper_right) + cross(q.upper_right, q.lower_right) +
+                  cross(q.lower_right, q.lower_left) + cross(q.lower_left, q.upper_left)) /
+         2.0;
+}
+
+// What is there no memory for or nothing to see in: a picture without pixels.
+std::string nothing(const Region& region) {
+  return pictureMessage(originOf(region), {});
+}
+
+}  // namespace
+
+std::string Pictures::backdrop(std::int32_t frame, const Region& region) {
+  const host::Rect rect = reducedRect(region);
+  host::Image picture = cli::valueOrThrow(host::Image::create({rect.width(), rect.height()}, host::Depth::Bits8));
+  picture.clear();
+  layOverPlate(picture.view(), frame, region, {});
+  return pictureMessage(originOf(region), std::as_const(picture).view());
+}
+
+std::string Pictures::draft(std::int32_t frame, const host::Corners& corners, const Region& region) {
+  const std::stop_token stop = drafts_.begin();
+  fulls_.end();
+  const std::scoped_lock lock(draft_mutex_);
+  const Region drawn = around(corners, region);
+  if (drawn.rect.empty()) {
+    return nothing(region);
+  }
+  const host::Size layer_size = proxies_.at(Role::Layer, frame, 1, stop).pixels.size;
+  const DisplayPicture layer = proxies_.at(Role::Layer, frame, layerReduction(corners, region, layer_size), stop);
+  const host::Rect canvas = reducedRect(drawn);
+  cli::valueOrThrow(draft_pixels_.fit({canvas.width(), canvas.height()}, host::Depth::Bits8));
+  cli::valueOrThrow(drafter_.setCorners(scaled(corners, region.n)));
+  host::FrameOptions options;
+  options.quality = host::Quality::Standard;
+  options.threads = shot_.options.threads;
+  options.stop = stop;
+  cli::valueOrThrow(drafter_.render(layer.pixels, canvas, draft_pixels_.view(), options));
+  layOverPlate(draft_pixels_.view(), frame, drawn, stop);
+  return pictureMessage(originOf(drawn), std::as_const(draft_pixels_).view());
+}
+
+std::string Pictures::full(std::int32_t frame, const tracks::CornerTrack& track, const Region& region) {
+  const std::stop_token stop = fulls_.begin();
+  const std::scoped_lock lock(full_mutex_);
+  if (stop.stop_requested()) {
+    throw cli::interrupted();
+  }
+  shot_.corners = asCorners(track);
+  cli::FrameRenderer renderer(shot_, stop, {});
+  const cli::ComposedFrame frame_pixels = renderer.compose(frame);
+  const DisplayPicture picture =
+      displayed(nullptr, host::asConst(frame_pixels.pixels),
+                holdsLinearLight(*frame_pixels.reference, shot_.options.linear), shot_.layer->path(frame));
+  const host::ConstImageView seen = part(picture.pixels, region.rect);
+  host::Image shown = cli::reduced(seen, region.n);
+  makeOpaque(shown.view());
+  return pictureMessage(originOf(region), std::as_const(shown).view());
+}
+
+void Pictures::close() {
+  drafts_.close();
+  fulls_.close();
+}
+
+// So that the proxy has about a pixel for each that is drawn: a power of two, of which few are kept.
+int Pictures::layerReduction(const host::Corners& corners, const Region& region, host::Size layer) const {
+  const double drawn = std::max(1.0, area(corners) / (region.n * region.n));
+  const double ratio = std::sqrt(static_cast<double>(layer.width) * layer.height / drawn);
+  constexpr int kMostReduction = 64;
+  int n = 1;
+  while (2 * n <= ratio && n < kMostReduction) {
+    n *= 2;
+  }
+  return n;
+}
+
+void Pictures::layOverPlate(const host::ImageView& picture, std::int32_t frame, const Region& region,
+                            const std::stop_token& stop) {
+  if (shot_.plate) {
+    const DisplayPicture plate = proxies_.at(Role::Plate, frame, region.n, stop);
+    cli::compositeOver(picture, part(plate.pixels, reducedRect(region)));
+  }
+  makeOpaque(picture);
+}
+
+}  // namespace vantorel::view

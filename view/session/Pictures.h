@@ -1,0 +1,51 @@
+// The pictures that the page shows: backdrops, drafts while corners move, and the full-quality picture.
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <string>
+
+#include "cli/shots/Shot.h"
+#include "host/Instance.h"
+#include "view/session/LatestWins.h"
+#include "view/session/Messages.h"
+#include "view/session/ProxyCache.h"
+
+namespace vantorel::view {
+
+// Each function returns a picture as pictureMessage() makes it, and throws CommandError: interrupted where a later
+// request of the kind has ended it. Safe to use from several threads.
+class Pictures {
+ public:
+  // The shot must outlive it; the full-quality pictures give it their corners.
+  explicit Pictures(cli::Shot& shot) : shot_(shot), proxies_(shot), drafter_(shot.module) {}
+
+  // The plate, or black without one.
+  std::string backdrop(std::int32_t frame, const Region& region);
+
+  // The layer on those corners over the backdrop, drawn fast from proxies: what lies around the corners within the
+  // region.
+  std::string draft(std::int32_t frame, const host::Corners& corners, const Region& region);
+
+  // The frame exactly as it is rendered to a file, for display; reduced afterwards.
+  std::string full(std::int32_t frame, const tracks::CornerTrack& track, const Region& region);
+
+  // Ends what is being drawn, and refuses to draw any more.
+  void close();
+
+ private:
+  int layerReduction(const host::Corners& corners, const Region& region, host::Size layer) const;
+  void layOverPlate(const host::ImageView& picture, std::int32_t frame, const Region& region,
+                    const std::stop_token& stop);
+
+  cli::Shot& shot_;
+  ProxyCache proxies_;
+  LatestWins drafts_;
+  std::mutex draft_mutex_;
+  host::Instance drafter_;
+  host::Image draft_pixels_;
+  LatestWins fulls_;
+  std::mutex full_mutex_;
+};
+
+}  // namespace vantorel::view

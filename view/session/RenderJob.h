@@ -1,0 +1,44 @@
+// The rendering to files that the page can start, follow and end.
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <stop_token>
+#include <string>
+#include <thread>
+
+#include "cli/shots/Progress.h"
+#include "cli/shots/RenderOptions.h"
+#include "tracks/CornerTrack.h"
+
+namespace vantorel::view {
+
+// One rendering at a time. Safe to use from several threads.
+class RenderJob {
+ public:
+  // Ends the rendering under way.
+  ~RenderJob();
+
+  // Starts to render, with that track. False where a rendering is under way. What is wrong with the options or the
+  // files is told by state().
+  bool start(const cli::RenderOptions& options, const tracks::CornerTrack& track);
+  void cancel();
+
+  // {"state": "idle" | "running" | "done" | "cancelled" | "failed", "done": frames, "total": frames, "message": text}
+  nlohmann::json state();
+  bool isRunning();
+
+ private:
+  void run(const cli::RenderOptions& options, const tracks::CornerTrack& track, const std::stop_token& stop);
+  void end(const char* name, const std::string& message);
+
+  std::mutex mutex_;
+  const char* name_ = "idle";
+  std::string message_;
+  std::int64_t total_ = 0;
+  std::shared_ptr<cli::Progress> progress_;
+  std::jthread thread_;
+};
+
+}  // namespace vantorel::view

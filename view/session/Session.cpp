@@ -1,0 +1,122 @@
+#include "view/session/Session.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "cli/base/CommandError.h"
+#include "cli/shots/ShotPlan.h"
+#include "view/session/CommandText.h"
+#include "view/session/CornersFile.h"
+
+namespace vantorel::view {
+
+namespace {
+
+using nlohmann::json;
+
+bool hasCorners(const cli::ViewOptions& options) {
+  std::error_code fault;
+  if (!options.track.files.empty()) {
+    return options.track.files == "-" || cli::trackFiles(options.track.files).size() > 1 ||
+           std::filesystem::exists(options.track.files, fault);
+  }
+  return std::ranges::any_of(options.corners, [](const auto& corner) { return corner.has_value(); });
+}
+
+// The layer's own corners, which stand in until the page has others.
+cli::CornersTrack anyCorners() {
+  cli::CornersTrack corners;
+  corners.still = cli::orLayersOwn({});
+  return corners;
+}
+
+// To look at pictures nothing is written, so that no output is planned.
+cli::Shot planned(const cli::ViewOptions& options) {
+  cli::RenderOptions looking = options;
+  looking.output.clear();
+  return hasCorners(options) ? cli::planShot(looking) : cli::planShot(looking, anyCorners());
+}
+
+tracks::CornerTrack trackOfShot(const cli::Shot& shot, host::Size layer) {
+  if (shot.corners.read) {
+    return cli::resolveCorners(shot.corners, layer, shot.frame_size).track;
+  }
+  const host::Corners corners = cli::toPixels(shot.corners.still, layer, "--");
+  tracks::CornerTrack track;
+  tracks::CornerKey key;
+  key.frame = shot.frames.first;
+  key.points = {corners.upper_left, corners.upper_right, corners.lower_left, corners.lower_right};
+  key.present = tracks::kAllCorners;
+  track.keys.push_back(key);
+  return track;
+}
+
+}  // namespace
+
+Session::Session(const cli::ViewOptions& options) : options_(options), shot_(planned(options)), pictures_(shot_) {
+  if (!options_.output.empty()) {
+    // Says now what rendering would complain about later.
+    cli::planShot(options_, shot_.corners);
+  }
+  layer_size_ = shot_.layer_size;
+  if (hasCorners(options)) {
+    track_ = trackOfShot(shot_, layer_size_);
+  }
+}
+
+json Session::description() const {
+  const auto nameOr = [](const std::string& name) { return name.empty() ? json() : json(name); };
+  return {{"size", {shot_.frame_size.width, shot_.frame_size.height}},
+          {"layer", options_.layer_label.empty() ? options_.layer : options_.layer_label},
+          {"layerSize", {layer_size_.width, layer_size_.height}},
+          {"plate", nameOr(options_.plate)},
+          {"plateMoves", shot_.plate != nullptr && !shot_.plate->isStill()},
+          {"frames", options_.frames ? json{shot_.frames.first, shot_.frames.last, shot_.frames.step} : json()},
+          {"fps", static_cast<double>(options_.rate.scale) / options_.rate.step},
+          {"track", track_.keys.empty() ? json() : toJson(track_)},
+          {"corners", nameOr(options_.track.files)},
+          {"cannotSave", nameOr(reasonNotToSave(options_.track))},
+          {"output", nameOr(options_.output)}};
+}
+
+json Session::save(const json& body) {
+  const tracks::CornerTrack track = trackOf(body);
+  saveCorners(options_.track, track, layer_size_);
+  return {{"file", options_.track.files}, {"keys", track.keys.size()}};
+}
+
+json Session::render(const json& body) {
+  if (options_.output.empty()) {
+    throw cli::badArgument("--output", "was not given; start with -o OUT, or copy the command and run it");
+  }
+  const tracks::CornerTrack track = trackOf(body);
+  cli::RenderOptions options = options_;
+  if (body.contains("frame")) {
+    const std::int32_t frame = frameOf(body);
+    if (options.frames && !isFrame(frame)) {
+      throw cli::badArgument("frame", "is not one of those that were named; choose another");
+    }
+    if (options.frames) {
+      options.frames = cli::FrameRange{frame, frame, 1};
+    } else {
+      options.at = frame;
+    }
+  }
+  if (!job_.start(options, track)) {
+    throw cli::badArgument("render", "a rendering is under way; wait for it or cancel it");
+  }
+  return job_.state();
+}
+
+json Session::command(const json& body) const {
+  return {{"command", commandText(options_, trackOf(body), frameOf(body))}};
+}
+
+bool Session::isFrame(std::int32_t frame) const {
+  const cli::FrameRange& frames = shot_.frames;
+  return frame >= frames.first && frame <= frames.last && (frame - frames.first) % frames.step == 0;
+}
+
+}  // namespace vantorel::view
