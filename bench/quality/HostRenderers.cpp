@@ -11,6 +11,7 @@ namespace {
 struct Setting {
   const char* name;
   host::FrameOptions options;
+  bool moves_corners = false;
 };
 
 host::FrameOptions withQuality(host::Quality quality, int samples = 0) {
@@ -28,9 +29,23 @@ host::FrameOptions highFromCentres() {
   return options;
 }
 
+// Corners that make up for it on the perspective path: where the layer's outline goes when moved by half a layer pixel,
+// moved back by half a canvas pixel.
+host::Corners movedCorners(const Scene& scene) {
+  if (scene.path != host::RenderPath::Perspective) {
+    return scene.corners;
+  }
+  Ring ring = imageOfMovedOutline(scene.layer, ringOf(scene.corners), 0.5);
+  for (host::Point& point : ring) {
+    point = {point.x - 0.5, point.y - 0.5};
+  }
+  return {ring[0], ring[1], ring[3], ring[2]};
+}
+
 std::vector<Setting> settings() {
   return {
       {"high, centres", highFromCentres()},
+      {"high, centres, corners moved", highFromCentres(), true},
       {"standard", withQuality(host::Quality::Standard)},
       {"high", withQuality(host::Quality::High)},
       {"best", withQuality(host::Quality::Best)},
@@ -44,13 +59,13 @@ std::vector<Setting> settings() {
   throw std::runtime_error(error.input + ": " + error.message);
 }
 
-Frame prepare(const std::shared_ptr<const host::Module>& module, const host::FrameOptions& options, const Scene& scene,
+Frame prepare(const std::shared_ptr<const host::Module>& module, const Setting& setting, const Scene& scene,
               const host::ConstImageView& layer, const host::ImageView& output) {
   const auto instance = std::make_shared<host::Instance>(module);
-  if (const auto done = instance->setCorners(scene.corners); !done) {
+  if (const auto done = instance->setCorners(setting.moves_corners ? movedCorners(scene) : scene.corners); !done) {
     fail(done.error());
   }
-  return {[=] {
+  return {[=, options = setting.options] {
             const host::Rect canvas{0, 0, output.size.width, output.size.height};
             const auto frame = instance->render(layer, canvas, output, options);
             if (!frame) {
@@ -68,11 +83,11 @@ Frame prepare(const std::shared_ptr<const host::Module>& module, const host::Fra
 std::vector<Renderer> hostRenderers(const std::shared_ptr<const host::Module>& module) {
   std::vector<Renderer> renderers;
   for (const Setting& setting : settings()) {
-    renderers.push_back({setting.name, true, true,
-                         [module, options = setting.options](const Scene& scene, const host::ConstImageView& layer,
-                                                             const host::ImageView& output) {
-                           return prepare(module, options, scene, layer, output);
-                         }});
+    renderers.push_back(
+        {setting.name, true, true,
+         [module, setting](const Scene& scene, const host::ConstImageView& layer, const host::ImageView& output) {
+           return prepare(module, setting, scene, layer, output);
+         }});
   }
   return renderers;
 }

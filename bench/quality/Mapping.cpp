@@ -53,6 +53,17 @@ Ring ringOf(host::Size layer) {
   return {{{0, 0}, {width, 0}, {width, height}, {0, height}}};
 }
 
+Ring imageOfMovedOutline(host::Size layer, const Ring& ring, double pixels) {
+  const Matrix map = unitSquareTo(ring);
+  Ring images = ringOf(layer);
+  for (host::Point& point : images) {
+    const std::array<double, 3> at = {(point.x + pixels) / layer.width, (point.y + pixels) / layer.height, 1.0};
+    const auto row = [&](std::size_t i) { return map[i][0] * at[0] + map[i][1] * at[1] + map[i][2] * at[2]; };
+    point = {row(0) / row(2), row(1) / row(2)};
+  }
+  return images;
+}
+
 bool ProjectiveRow::covers(double x) const {
   const double w = w_at_0 + w_step * x;
   const double layer_x = x_at_0 + x_step * x;

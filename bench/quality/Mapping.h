@@ -19,6 +19,10 @@ Ring ringOf(const host::Corners& corners);
 // The layer's own corners.
 Ring ringOf(host::Size layer);
 
+// Where a projective map that takes the layer's outline to the ring takes the outline moved by so many layer pixels to
+// the right and down.
+Ring imageOfMovedOutline(host::Size layer, const Ring& ring, double pixels);
+
 // One row of positions of a projective map: layer x = (x_at_0 + x_step x) / (w_at_0 + w_step x), and y likewise.
 struct ProjectiveRow {
   double x_at_0, x_step;

@@ -55,8 +55,8 @@ void momentsOf(const AnimatedCorners& corners, const AnimatedCorners* source, co
     return;
   }
   const int most = options.shutter.max_samples;
-  const int count =
-      static_cast<int>(std::clamp(std::ceil(way), std::min<double>(kFewestMoments, most), static_cast<double>(most)));
+  const int count = static_cast<int>(
+      std::clamp(std::ceil(way / kWayOfMoment), std::min<double>(kFewestMoments, most), static_cast<double>(most)));
   seconds->clear();
   for (int i = 0; i < count; ++i) {
     seconds->push_back(open.begin + open.length * (i + 0.5) / count);

@@ -9,6 +9,7 @@
 #include "host/composing/ScanEdges.h"
 #include "host/composing/Shutter.h"
 #include "host/composing/TileLayer.h"
+#include "host/composing/VertexLayer.h"
 #include "host/frames/FrameParameters.h"
 #include "host/frames/FrameProtocols.h"
 
@@ -227,6 +228,12 @@ Result<void> drawFarTile(const TileSetting& setting, const FramePlan& plan, cons
 Result<void> drawMoment(const TileSetting& setting, const FramePlan& plan, const Tile& tile, const Rect& visible,
                         TileWorker& worker, const ImageView& target) {
   const ImageView& source = plan.path == RenderPath::Bilinear ? setting.scanned_layer : setting.layer;
+  if (source.depth != target.depth) {
+    return worker.fine.fit({kTileSide, kTileSide}, source.depth).and_then([&] {
+      const ImageView fine = partOf(worker.fine.view(), 0, 0, target.size);
+      return drawMoment(setting, plan, tile, visible, worker, fine).map([&] { narrow(asConst(fine), target); });
+    });
+  }
   const int samples = plan.is_whole_move ? 1 : tile.samples;
   const std::optional<TileLayer> layer = layerFor(plan, {tile.area, samples}, conventionOf(plan).half, source);
   if (!layer) {

@@ -11,7 +11,7 @@ struct TileSetting {
   std::span<const FramePlan> moments;  // one or more
   const FrameOptions& options;         // those of the tiles: one thread, no progress, full resolution
   ImageView layer;                     // as the perspective path sees it
-  ImageView scanned_layer;             // as the bilinear path sees it
+  ImageView scanned_layer;             // as the bilinear path sees it, in 16 bits perhaps when the output is in 8
   Rect canvas;
   ImageView output;
 };

@@ -121,7 +121,10 @@ Result<void> TiledFrame::enlargeLayer() {
   if (factor == 1) {
     return {};
   }
-  return store_.vertex_layer.fit({factor * layer_.size.width, factor * layer_.size.height}, layer_.depth).map([&] {
+  // The renderer's mean of 8-bit values comes out a quarter of a level too dark, which moves the edges between pixels
+  // so large.
+  const Depth depth = factor > 2 && layer_.depth == Depth::Bits8 ? Depth::Bits16 : layer_.depth;
+  return store_.vertex_layer.fit({factor * layer_.size.width, factor * layer_.size.height}, depth).map([&] {
     scanned_layer_ = store_.vertex_layer.view();
     enlargeToVertices(asConst(layer_), factor, scannedPart(store_.plans, canvas_), scanned_layer_);
   });

@@ -16,7 +16,8 @@ namespace vantorel::host {
 struct TileWorker {
   FrameState frame;
   Image samples;
-  Image moment;  // a tile's pixels at one moment
+  Image fine;    // a tile's pixels in 16 bits, where the layer's 8 are too coarse
+  Image moment;  // those at one moment
   Image sums;    // those of all moments, in float
 };
 

@@ -67,11 +67,15 @@ Neighbours neighboursOf(int position, int factor, int size) {
   return {std::max(after - 1, 0), std::min(after, size - 1), from_centre % factor};
 }
 
-template <typename Channel>
+// What a layer's values are multiplied with in channels of another type.
+template <typename Channel, typename Out>
+constexpr double kScale = std::is_same_v<Channel, Out> ? 1.0 : 257.0;
+
+template <typename Channel, typename Out = Channel>
 void enlargeByFactor(const ConstImageView& layer, int factor, const Rect& part, const ImageView& enlarged) {
   for (int y = factor * part.top; y < factor * part.bottom; ++y) {
     const Neighbours rows = neighboursOf(y, factor, layer.size.height);
-    auto* out = reinterpret_cast<Channel*>(enlarged.pixel(factor * part.left, y));
+    auto* out = reinterpret_cast<Out*>(enlarged.pixel(factor * part.left, y));
     for (int x = factor * part.left; x < factor * part.right; ++x, out += kChannels) {
       const Neighbours columns = neighboursOf(x, factor, layer.size.width);
       const auto at = [&](int column, int row, int c) {
@@ -81,9 +85,9 @@ void enlargeByFactor(const ConstImageView& layer, int factor, const Rect& part, 
         const auto along = [&](int row) {
           return at(columns.before, row, c) * (factor - columns.share) + at(columns.after, row, c) * columns.share;
         };
-        const double mean =
-            (along(rows.before) * (factor - rows.share) + along(rows.after) * rows.share) / (factor * factor);
-        out[c] = static_cast<Channel>(std::is_floating_point_v<Channel> ? mean : mean + 0.5);
+        const double sum = along(rows.before) * (factor - rows.share) + along(rows.after) * rows.share;
+        const double mean = sum * kScale<Channel, Out> / (factor * factor);
+        out[c] = static_cast<Out>(std::is_floating_point_v<Out> ? mean : mean + 0.5);
       }
     }
   }
@@ -101,6 +105,9 @@ void enlarge(const ConstImageView& layer, int factor, const Rect& part, const Im
 }  // namespace
 
 void enlargeToVertices(const ConstImageView& layer, int factor, const Rect& part, const ImageView& enlarged) {
+  if (layer.depth == Depth::Bits8 && enlarged.depth == Depth::Bits16) {
+    return enlargeByFactor<std::uint8_t, std::uint16_t>(layer, factor, part, enlarged);
+  }
   switch (layer.depth) {
     case Depth::Bits8:
       return enlarge<std::uint8_t>(layer, factor, part, enlarged);
@@ -108,6 +115,16 @@ void enlargeToVertices(const ConstImageView& layer, int factor, const Rect& part
       return enlarge<std::uint16_t>(layer, factor, part, enlarged);
     case Depth::Float:
       return enlarge<float>(layer, factor, part, enlarged);
+  }
+}
+
+void narrow(const ConstImageView& fine, const ImageView& picture) {
+  for (int y = 0; y < picture.size.height; ++y) {
+    const auto* const from = reinterpret_cast<const std::uint16_t*>(fine.row(y));
+    auto* const to = reinterpret_cast<std::uint8_t*>(picture.row(y));
+    for (int i = 0; i < picture.size.width * kChannels; ++i) {
+      to[i] = static_cast<std::uint8_t>((from[i] + 128) / 257);
+    }
   }
 }
 

@@ -54,5 +54,42 @@ TEST(VertexLayerTest, RoundsIntegersToNearestAndKeepsTheLayersOwnPixels) {
   }
 }
 
+TEST(VertexLayerTest, SixteenBitsHoldEveryValueOfEightAndGiveItBack) {
+  Image layer = testing::noise({256, 1}, Depth::Bits8);
+  for (int x = 0; x < 256; ++x) {
+    *layer.view().pixel(x, 0) = static_cast<std::byte>(x);
+  }
+  Image fine = testing::dirty({1024, 4}, Depth::Bits16);
+  Image back = testing::dirty({1024, 4}, Depth::Bits8);
+  enlargeToVertices(asConst(layer.view()), 4, {0, 0, 256, 1}, fine.view());
+  narrow(asConst(fine.view()), back.view());
+  for (int x = 0; x < 256; ++x) {
+    EXPECT_EQ(257 * x, reinterpret_cast<const std::uint16_t*>(fine.view().pixel(4 * x + 2, 0))[0]);
+    EXPECT_EQ(x, static_cast<int>(*back.view().pixel(4 * x + 2, 0)));
+  }
+}
+
+// The scan's own mean of 8-bit values is too dark by a quarter of a level.
+TEST(VertexLayerTest, EnlargedEightBitsAreNoDarkerOnTheWholeThanSixteen) {
+  Instance instance = testing::instanceWith(testing::checkedEffect(), {{10, 10}, {390, 10}, {180, 205}, {390, 390}});
+  Image layer = testing::waves({8, 8}, Depth::Bits8, 5);
+  Image finer = testing::dirty({8, 8}, Depth::Bits16);
+  for (int i = 0; i < 8 * 8 * 4; ++i) {
+    const auto level = static_cast<std::uint16_t>(layer.view().pixel(i / 4 % 8, i / 32)[i % 4]);
+    reinterpret_cast<std::uint16_t*>(finer.view().pixel(i / 4 % 8, i / 32))[i % 4] =
+        static_cast<std::uint16_t>(257 * level);
+  }
+  const FrameOptions options{.quality = Quality::Best};
+  const auto coarse = testing::renderFrame(instance, layer, {0, 0, 400, 400}, options);
+  const auto fine = testing::renderFrame(instance, finer, {0, 0, 400, 400}, options);
+  EXPECT_EQ(RenderPath::Bilinear, coarse.result.path);
+  double difference = 0.0;
+  for (int i = 0; i < 400 * 400; ++i) {
+    const auto level = static_cast<double>(coarse.pixels.view().pixel(i % 400, i / 400)[1]);
+    difference += level - reinterpret_cast<const std::uint16_t*>(fine.pixels.view().pixel(i % 400, i / 400))[1] / 257.0;
+  }
+  EXPECT_LT(std::abs(difference / (400 * 400)), 0.02);
+}
+
 }  // namespace
 }  // namespace vantorel::host
