@@ -11,6 +11,7 @@ namespace {
 struct Frame {
   std::int32_t command;
   int depth;
+  std::int32_t quality;
   bool crossed;           // corners that the bilinear renderer draws
   Log before;             // what precedes the reads that the choice of the path makes
   Log after;              // what follows them
@@ -53,21 +54,19 @@ void expectOutcomes(const Frame& frame) {
   const Log all = frame.before + kReadCorners + frame.after;
   for (std::size_t n = 0; n <= all.size(); ++n) {  // the last round: nothing fails
     ScriptedHost host(frame.depth);
+    host.in.quality = frame.quality;
+    host.output.fillBytes(0x11);
+    std::string drawn_at_failure = host.output.pixelBytes();
+    host.on_failure = [&] { drawn_at_failure = host.output.pixelBytes(); };
     std::memset(static_cast<void*>(&host.result), 0x33, sizeof host.result);
     const PF_PreRenderResult before = host.result;
     if (frame.crossed) {
       host.setCorners({{6, 1}, {1, 1}, {6, 5}, {1, 5}});
     }
     const std::string callback = n < all.size() ? callbackOf(all[n]) : "";
-    if (callback == "acquire") {
-      std::string suite = all[n].substr(8);
-      suite[suite.rfind(' ')] = '/';
-      host.suites.erase(suite);
-    } else {
-      const auto earlier = std::count_if(all.begin(), all.begin() + static_cast<int>(std::min(n, all.size())),
-                                         [&](const std::string& line) { return callbackOf(line) == callback; });
-      host.fail(callback, static_cast<int>(earlier) + 1, 62);
-    }
+    const auto earlier = std::count_if(all.begin(), all.begin() + static_cast<int>(std::min(n, all.size())),
+                                       [&](const std::string& line) { return callbackOf(line) == callback; });
+    host.fail(callback, static_cast<int>(earlier) + 1, 62);
     const Outcome expected = n < all.size() ? outcomeOf(frame, all, n) : Outcome{all, 0, false};
     EXPECT_EQ(host.run(frame.command), expected.code) << frame.command << " " << frame.depth << " " << callback << n;
     for (std::string& line : host.log) {  // the iterations' own arguments are another test's matter
@@ -84,15 +83,15 @@ void expectOutcomes(const Frame& frame) {
     }
     const bool answered = std::memcmp(&before, &host.result, sizeof before) != 0;
     EXPECT_EQ(answered, frame.command == CMD_PRE_RENDER && expected.code == 0);
-    EXPECT_TRUE(host.output.guardsIntact());
+    EXPECT_TRUE(host.output.guardsIntact() && host.input.guardsIntact());
+    EXPECT_TRUE(host.parameters_out == 0 && host.suites_out == 0) << callback;
+    EXPECT_TRUE(expected.code == 0 || host.output.pixelBytes() == drawn_at_failure) << callback << " draws on";
   }
 }
 
 }  // namespace
 
 TEST(Failures, EndEveryFrameInOrder) {
-  expectOutcomes({CMD_FRAME_SETUP, 8, false, {}, kReadCorners, {}});
-  expectOutcomes({CMD_PRE_RENDER, 8, false, {"checkout_layer fx 0 0 [0 0 8 6] 5 2 24"}, kReadCorners, kReadCorners});
   const Log worlds = {"checkout_layer_pixels fx 0", "checkout_output fx"};
   const Log bilinear = kReadCorners + Log{"fill fx null null output"} + kAskDepth;
   const Log iterations[] = {{"iterate_8"},
@@ -100,9 +99,20 @@ TEST(Failures, EndEveryFrameInOrder) {
                             {"acquire PF SamplingFloat Suite 1", "acquire PF iterateFloat Suite 1", "iterate_float",
                              "release PF iterateFloat Suite 1", "release PF SamplingFloat Suite 1"}};
   for (int i = 0; i < 3; ++i) {
-    expectOutcomes({CMD_SMART_RENDER, 8 << i, false, worlds, kReadCorners + kAskDepth + iterations[i], bilinear});
-    expectOutcomes({CMD_SMART_RENDER, 8 << i, true, worlds, bilinear, bilinear});
-    expectOutcomes({CMD_RENDER, 8 << i, false, {}, kReadCorners + kAskDepth + iterations[i], bilinear});
+    const Log perspective = kReadCorners + kAskDepth + iterations[i];
+    for (const std::int32_t quality : {0, PF_QUALITY_HIGH}) {
+      const auto expect = [&](std::int32_t command, bool crossed, const Log& before, const Log& after,
+                              const Log& after_failed_read) {
+        expectOutcomes({command, 8 << i, quality, crossed, before, after, after_failed_read});
+      };
+      expect(CMD_FRAME_SETUP, false, {}, kReadCorners, {});
+      expect(CMD_FRAME_SETUP, true, {}, {}, {});
+      for (const bool crossed : {false, true}) {
+        expect(CMD_PRE_RENDER, crossed, {"checkout_layer fx 0 0 [0 0 8 6] 5 2 24"}, kReadCorners, kReadCorners);
+        expect(CMD_SMART_RENDER, crossed, worlds, crossed ? bilinear : perspective, bilinear);
+        expect(CMD_RENDER, crossed, {}, crossed ? bilinear : perspective, bilinear);
+      }
+    }
   }
 }
 

@@ -242,6 +242,12 @@ void GuardedWorld::fillBytes(std::uint8_t value) {
   forRows(bytes_, [&](std::uint8_t* row) { std::memset(row, value, pixel_row_bytes_); });
 }
 
+std::string GuardedWorld::pixelBytes() const {
+  std::string pixels;
+  forRows(bytes_, [&](const std::uint8_t* row) { pixels.append(row, row + pixel_row_bytes_); });
+  return pixels;
+}
+
 bool GuardedWorld::guardsIntact() const {
   openGuards();
   std::vector<std::uint8_t> rest = bytes_;

@@ -56,6 +56,7 @@ class GuardedWorld {
     return reinterpret_cast<Pixel*>(static_cast<char*>(world.data) + std::ptrdiff_t{y} * world.row_bytes)[x];
   }
   void fillBytes(std::uint8_t value);
+  std::string pixelBytes() const;
   bool guardsIntact() const;
   // From now on the address sanitizer, where it is there, also stops whoever reads the guard bytes.
   void protectGuards();
