@@ -33,7 +33,7 @@ httplib::Server::Handler guarded(std::function<void(const Request&, Response&)> 
       if (error.code() == cli::ExitCode::Interrupted) {
         response.status = kNoContent;
       } else {
-        setError(response, error.code() == cli::ExitCode::BadArguments ? kUnprocessable : kFailed, error.text());
+        setError(response, kUnprocessable, error.text());
       }
     } catch (const std::bad_alloc&) {
       setError(response, kFailed, "out of memory; close other programs");

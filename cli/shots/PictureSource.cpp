@@ -8,14 +8,17 @@ PictureSource::PictureSource(InputFiles files, host::Depth depth, Prepare prepar
     : files_(std::move(files)), depth_(depth), prepare_(std::move(prepare)), reading_(std::move(reading)) {}
 
 std::shared_ptr<const Picture> PictureSource::at(std::int32_t frame, const std::stop_token& stop) {
-  if (!isStill()) {
-    return read(path(frame), stop);
+  const std::string path = files_.path(frame);
+  if (!isStill() && !keeps_latest_) {
+    return read(path, stop);
   }
-  const std::scoped_lock lock(still_mutex_);
-  if (!still_) {
-    still_ = read(path(frame), stop);
+  const std::scoped_lock lock(kept_mutex_);
+  if (!kept_ || kept_path_ != path) {
+    kept_.reset();
+    kept_ = read(path, stop);
+    kept_path_ = path;
   }
-  return still_;
+  return kept_;
 }
 
 std::shared_ptr<const Picture> PictureSource::read(const std::string& path, const std::stop_token& stop) const {

@@ -25,6 +25,9 @@ class PictureSource {
   bool isStill() const { return !files_.hasNumber(); }
   std::string path(std::int32_t frame) const { return files_.path(frame); }
 
+  // From now on keeps a sequence's picture until another one is asked for: for who looks at a frame again and again.
+  void keepLatest() { keeps_latest_ = true; }
+
   // The picture of that frame. A still is kept for the next frame; a sequence's picture belongs to who asked for it.
   std::shared_ptr<const Picture> at(std::int32_t frame, const std::stop_token& stop);
 
@@ -35,8 +38,10 @@ class PictureSource {
   host::Depth depth_;
   Prepare prepare_;
   ReadingOptions reading_;
-  std::mutex still_mutex_;
-  std::shared_ptr<const Picture> still_;
+  bool keeps_latest_ = false;
+  std::mutex kept_mutex_;
+  std::shared_ptr<const Picture> kept_;
+  std::string kept_path_;
 };
 
 }  // namespace vantorel::cli

@@ -118,6 +118,40 @@ def check_placing(browser, view):
     assert view.end() == 0
 
 
+# A white quadrilateral on black, whose corners the page must find.
+SCREEN = [118.3, 61.7, 342.85, 48.2, 126.4, 201.55, 351.1, 222.6]
+
+
+def draw_screen(folder):
+    for colour in ("white", "black"):
+        subprocess.run(["ffmpeg", "-v", "error", "-f", "lavfi", "-i", f"color={colour}:s={WIDTH}x{HEIGHT}", "-frames:v",
+                        "1", f"{colour}.png"], cwd=folder, check=True)
+    vantorel(folder, "render", "white.png", "-o", "screen.png", "--over", "black.png", *corner_options(SCREEN))
+
+
+def corner_options(corners):
+    return [f"--{name}={corners[2 * i]},{corners[2 * i + 1]}" for i, name in enumerate(("ul", "ur", "ll", "lr"))]
+
+
+def check_snapping(browser, view):
+    """A corner that is let go near one of the plate's lies on it, unless Alt says otherwise."""
+    page = Page(browser, view)
+    for c in range(4):
+        x, y = SCREEN[2 * c] + 30, SCREEN[2 * c + 1] + 20
+        near(page.corners()[2 * c:2 * c + 2], [x, y], 1e-6)
+        browser.drag([page.on_screen(x, y), page.on_screen(x - 20, y - 20), page.on_screen(x - 29, y - 21)])
+        browser.wait("return document.querySelector('#status').textContent.includes('snapped')")
+    near(page.corners(), SCREEN, 0.15)
+    browser.press("n")
+    x, y = page.on_screen(*page.corners()[:2])
+    browser.drag([(x, y), (x + 5, y + 5)])
+    browser.wait("return document.querySelector('#status').textContent.startsWith('Upper left')")
+    moved = page.corners()
+    assert 1 < moved[0] - SCREEN[0] < 3, moved
+    page.leave()
+    assert view.end() == 0
+
+
 def check_shot(browser, folder, view):
     """Keys over time, saved, rendered by the page and by the command, all to the same bits."""
     page = Page(browser, view)
@@ -197,6 +231,10 @@ def main():
         with View(folder, "layer.png", "--over", "plate.%04d.jpg", "--corners", "corners.csv", "--frames", "1-5", "-o",
                   "out.%04d.png") as view:
             check_shot(browser, folder, view)
+        draw_screen(folder)
+        away = [value + (20 if i % 2 else 30) for i, value in enumerate(SCREEN)]
+        with View(folder, "layer.png", "--over", "screen.png", *corner_options(away)) as view:
+            check_snapping(browser, view)
     except Exception:
         browser.screenshot(folder / "failed.png")
         raise

@@ -157,6 +157,10 @@ export class App extends EventTarget {
       }
       this.stage.result = {...full, full: true, version};
       this.schedule();
+      if (this.let_go !== undefined) {
+        performance.measure('let go to full quality', {start: this.let_go, end: performance.now()});
+        this.let_go = undefined;
+      }
       this.dispatchEvent(new Event('settled'));
     } catch (error) {
       this.say(error.message, true);
@@ -224,6 +228,7 @@ export class App extends EventTarget {
 
   async drop(snaps) {
     const [corners, {frame}] = [this.moving, this];
+    this.let_go = performance.now();
     if (!corners) {
       return;
     }

@@ -64,8 +64,8 @@ async function start() {
   });
   canvas.focus();
   app.changed();
-  await app.loadBackdrop();
-  await app.draft();
+  await Promise.all([app.loadBackdrop(), app.draft()]);
+  performance.mark('first picture');
   app.settle(0);
   document.documentElement.dataset.ready = 'yes';
 }

@@ -1,6 +1,6 @@
 // Finding a corner of the plate near a point, to a fraction of a pixel.
 
-const WINDOW = 4;        // pixels on each side that the fit looks at
+const WINDOW = 5;        // pixels on each side that the fit looks at
 const ROUNDS = 20;
 const SETTLED = 0.01;    // pixels
 const LEAST_RATIO = 0.06; // of the smaller to the larger eigenvalue: below, it is an edge and no corner
@@ -15,8 +15,9 @@ function gradients(picture) {
     grey[i] = 0.299 * data[4 * i] + 0.587 * data[4 * i + 1] + 0.114 * data[4 * i + 2];
   }
   const at = (x, y) => grey[Math.min(height - 1, Math.max(0, y)) * width + Math.min(width - 1, Math.max(0, x))];
-  // At the centre of pixel (x, y), which lies at x + 0.5, y + 0.5.
-  return (x, y) => [(at(x + 1, y) - at(x - 1, y)) / 2, (at(x, y + 1) - at(x, y - 1)) / 2];
+  const side = (x, y, dx, dy) => at(x + dx - dy, y + dy - dx) + 2 * at(x + dx, y + dy) + at(x + dx + dy, y + dy + dx);
+  // At the centre of pixel (x, y), which lies at x + 0.5, y + 0.5: Sobel's, which the steps of edges disturb less.
+  return (x, y) => [(side(x, y, 1, 0) - side(x, y, -1, 0)) / 8, (side(x, y, 0, 1) - side(x, y, 0, -1)) / 8];
 }
 
 // Every gradient near a corner is perpendicular to the line from the corner to its pixel: the point for which that

@@ -232,9 +232,9 @@ export class Stage {
     this.loupe.classList.toggle('left', this.toScreen(centre).x > this.box.width - 220);
   }
 
-  // The part of the plate that the loupe shows.
+  // The part of the plate that the loupe shows, with a few pixels more for finding corners.
   loupeRegion(p) {
-    const reach = Math.ceil(this.loupe.width / 2 / LOUPE) + 1;
+    const reach = 24;
     const clamped = (value, most) => Math.min(most, Math.max(0, Math.round(value)));
     return {region: [clamped(p.x - reach, this.width - 1), clamped(p.y - reach, this.height - 1),
                      clamped(p.x + reach, this.width) || 1, clamped(p.y + reach, this.height) || 1], n: 1};

@@ -56,12 +56,30 @@ double area(const host::Corners& q) {
          2.0;
 }
 
-// What is there no memory for or nothing to see in: a picture without pixels.
+std::jthread readingAhead(ProxyCache& pictures, std::int32_t frame) {
+  return std::jthread([&pictures, frame](const std::stop_token& stop) {
+    try {
+      pictures.at(frame, 1, stop);
+    } catch (const std::exception&) {
+      // The page asks for it too, and shows the error.
+    }
+  });
+}
+
+// For where nothing is to be seen: a picture without pixels.
 std::string nothing(const Region& region) {
   return pictureMessage(originOf(region), {});
 }
 
 }  // namespace
+
+Pictures::Pictures(cli::Shot& shot) : shot_(shot), layers_(*shot.layer, shot.options.linear), drafter_(shot.module) {
+  first_readings_.push_back(readingAhead(layers_, shot.frames.first));
+  if (shot.plate) {
+    plates_.emplace(*shot.plate, shot.options.linear);
+    first_readings_.push_back(readingAhead(*plates_, shot.frames.first));
+  }
+}
 
 std::string Pictures::backdrop(std::int32_t frame, const Region& region) {
   const host::Rect rect = reducedRect(region);
@@ -79,8 +97,8 @@ std::string Pictures::draft(std::int32_t frame, const host::Corners& corners, co
   if (drawn.rect.empty()) {
     return nothing(region);
   }
-  const host::Size layer_size = proxies_.at(Role::Layer, frame, 1, stop).pixels.size;
-  const DisplayPicture layer = proxies_.at(Role::Layer, frame, layerReduction(corners, region, layer_size), stop);
+  const host::Size layer_size = layers_.at(frame, 1, stop).pixels.size;
+  const DisplayPicture layer = layers_.at(frame, layerReduction(corners, region, layer_size), stop);
   const host::Rect canvas = reducedRect(drawn);
   cli::valueOrThrow(draft_pixels_.fit({canvas.width(), canvas.height()}, host::Depth::Bits8));
   cli::valueOrThrow(drafter_.setCorners(scaled(corners, region.n)));
@@ -112,6 +130,9 @@ std::string Pictures::full(std::int32_t frame, const tracks::CornerTrack& track,
 }
 
 void Pictures::close() {
+  for (std::jthread& reading : first_readings_) {
+    reading.request_stop();
+  }
   drafts_.close();
   fulls_.close();
 }
@@ -130,8 +151,8 @@ int Pictures::layerReduction(const host::Corners& corners, const Region& region,
 
 void Pictures::layOverPlate(const host::ImageView& picture, std::int32_t frame, const Region& region,
                             const std::stop_token& stop) {
-  if (shot_.plate) {
-    const DisplayPicture plate = proxies_.at(Role::Plate, frame, region.n, stop);
+  if (plates_) {
+    const DisplayPicture plate = plates_->at(frame, region.n, stop);
     cli::compositeOver(picture, part(plate.pixels, reducedRect(region)));
   }
   makeOpaque(picture);

@@ -3,7 +3,10 @@
 
 #include <cstdint>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "cli/shots/Shot.h"
 #include "host/Instance.h"
@@ -18,7 +21,8 @@ namespace vantorel::view {
 class Pictures {
  public:
   // The shot must outlive it; the full-quality pictures give it their corners.
-  explicit Pictures(cli::Shot& shot) : shot_(shot), proxies_(shot), drafter_(shot.module) {}
+  // Begins to read the pictures of the first frame, so that the page finds them there.
+  explicit Pictures(cli::Shot& shot);
 
   // The plate, or black without one.
   std::string backdrop(std::int32_t frame, const Region& region);
@@ -39,13 +43,15 @@ class Pictures {
                     const std::stop_token& stop);
 
   cli::Shot& shot_;
-  ProxyCache proxies_;
+  ProxyCache layers_;
+  std::optional<ProxyCache> plates_;
   LatestWins drafts_;
   std::mutex draft_mutex_;
   host::Instance drafter_;
   host::Image draft_pixels_;
   LatestWins fulls_;
   std::mutex full_mutex_;
+  std::vector<std::jthread> first_readings_;
 };
 
 }  // namespace vantorel::view

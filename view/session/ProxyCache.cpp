@@ -9,7 +9,7 @@ namespace vantorel::view {
 
 namespace {
 
-constexpr std::size_t kMaxBytes = 512u << 20;
+constexpr std::size_t kMaxBytes = 256u << 20;
 
 std::size_t bytesOf(const host::ConstImageView& pixels) {
   return static_cast<std::size_t>(pixels.row_bytes) * static_cast<std::size_t>(pixels.size.height);
@@ -17,30 +17,29 @@ std::size_t bytesOf(const host::ConstImageView& pixels) {
 
 }  // namespace
 
-DisplayPicture ProxyCache::at(Role role, std::int32_t frame, int n, const std::stop_token& stop) {
+DisplayPicture ProxyCache::at(std::int32_t frame, int n, const std::stop_token& stop) {
   const std::scoped_lock lock(mutex_);
-  const std::int32_t kept_frame = source(role).isStill() ? 0 : frame;
-  if (DisplayPicture picture = find(role, kept_frame, n); picture.owner) {
+  const std::int32_t kept_frame = source_.isStill() ? 0 : frame;
+  if (DisplayPicture picture = find(kept_frame, n); picture.owner) {
     return picture;
   }
-  DisplayPicture whole = find(role, kept_frame, 1);
+  DisplayPicture whole = find(kept_frame, 1);
   if (!whole.owner) {
-    const std::shared_ptr<const cli::Picture> picture = source(role).at(frame, stop);
-    whole = displayed(picture, cli::shownPixels(*picture), holdsLinearLight(*picture, shot_.options.linear),
-                      source(role).path(frame));
-    keep({role, kept_frame, 1, bytesOf(whole.pixels), whole});
+    const std::shared_ptr<const cli::Picture> picture = source_.at(frame, stop);
+    whole = displayed(picture, cli::shownPixels(*picture), holdsLinearLight(*picture, is_linear_), source_.path(frame));
+    keep({kept_frame, 1, bytesOf(whole.pixels), whole});
   }
   if (n == 1) {
     return whole;
   }
   auto smaller = std::make_shared<host::Image>(cli::reduced(whole.pixels, n));
   const host::ConstImageView pixels = std::as_const(*smaller).view();
-  return keep({role, kept_frame, n, bytesOf(pixels), {std::move(smaller), pixels}});
+  return keep({kept_frame, n, bytesOf(pixels), {std::move(smaller), pixels}});
 }
 
-DisplayPicture ProxyCache::find(Role role, std::int32_t frame, int n) {
+DisplayPicture ProxyCache::find(std::int32_t frame, int n) {
   for (auto kept = kept_.begin(); kept != kept_.end(); ++kept) {
-    if (kept->role == role && kept->frame == frame && kept->n == n) {
+    if (kept->frame == frame && kept->n == n) {
       kept_.splice(kept_.begin(), kept_, kept);
       return kept->picture;
     }

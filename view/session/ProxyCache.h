@@ -5,36 +5,33 @@
 #include <list>
 #include <mutex>
 
-#include "cli/shots/Shot.h"
+#include "cli/shots/PictureSource.h"
 #include "view/session/DisplayPixels.h"
 
 namespace vantorel::view {
 
-enum class Role { Layer, Plate };
-
-// Keeps what was asked for last, up to a bound on its bytes. Safe to use from several threads.
+// Of one of the two. Keeps what was asked for last, up to a bound on its bytes. Safe to use from several threads.
 class ProxyCache {
  public:
-  // The shot must outlive it.
-  explicit ProxyCache(const cli::Shot& shot) : shot_(shot) {}
+  // The source must outlive it; `is_linear` says whether its pictures have been converted to linear light.
+  ProxyCache(cli::PictureSource& source, bool is_linear) : source_(source), is_linear_(is_linear) {}
 
-  // The role's picture in that frame; the shot must have one in that role. Throws CommandError as reading it does.
-  DisplayPicture at(Role role, std::int32_t frame, int n, const std::stop_token& stop);
+  // The picture in that frame. Throws CommandError as reading it does.
+  DisplayPicture at(std::int32_t frame, int n, const std::stop_token& stop);
 
  private:
   struct Kept {
-    Role role;
     std::int32_t frame;
     int n;
     std::size_t bytes;
     DisplayPicture picture;
   };
 
-  DisplayPicture find(Role role, std::int32_t frame, int n);
+  DisplayPicture find(std::int32_t frame, int n);
   DisplayPicture keep(Kept kept);
-  cli::PictureSource& source(Role role) const { return role == Role::Layer ? *shot_.layer : *shot_.plate; }
 
-  const cli::Shot& shot_;
+  cli::PictureSource& source_;
+  const bool is_linear_;
   std::mutex mutex_;
   std::list<Kept> kept_;  // the last used first
 };

@@ -36,7 +36,13 @@ cli::CornersTrack anyCorners() {
 cli::Shot planned(const cli::ViewOptions& options) {
   cli::RenderOptions looking = options;
   looking.output.clear();
-  return hasCorners(options) ? cli::planShot(looking) : cli::planShot(looking, anyCorners());
+  cli::Shot shot = hasCorners(options) ? cli::planShot(looking) : cli::planShot(looking, anyCorners());
+  for (cli::PictureSource* source : {shot.layer.get(), shot.plate.get(), shot.matte.get()}) {
+    if (source != nullptr) {
+      source->keepLatest();
+    }
+  }
+  return shot;
 }
 
 tracks::CornerTrack trackOfShot(const cli::Shot& shot, host::Size layer) {
