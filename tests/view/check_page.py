@@ -1,6 +1,6 @@
 """Places, moves, keys, saves and renders corners through the page, in a headless browser.
 
-check_page.py FOLDER; VANTOREL_COMMAND is the command. Exit code 77 where no browser is installed.
+check_page.py FOLDER [firefox]; VANTOREL_COMMAND is the command. Exit code 77 where no browser is installed.
 """
 
 import csv
@@ -221,10 +221,13 @@ def main():
     folder = pathlib.Path(sys.argv[1]).absolute()
     make_shot(folder)
     check_json(folder)
-    if program := webdriver.missing():
+    if sys.argv[2:] == ["firefox"]:
+        browser = webdriver.Firefox(folder / "profile")
+    elif program := webdriver.missing():
         print(f"{program} is not installed; install it to test the page: scripts/setup browser")
         sys.exit(77)
-    browser = webdriver.Browser()
+    else:
+        browser = webdriver.Browser()
     try:
         with View(folder, "layer.png", "--over", "plate.0001.jpg") as view:
             check_placing(browser, view)

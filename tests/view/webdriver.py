@@ -1,11 +1,13 @@
-"""A small client of the WebDriver protocol, for chromedriver."""
+"""A small client of the WebDriver protocol: for chromedriver, and for Firefox itself."""
 
 import base64
 import json
 import pathlib
 import re
 import shutil
+import socket
 import subprocess
+import time
 import urllib.error
 import urllib.request
 
@@ -113,3 +115,66 @@ class Browser:
         finally:
             self.driver.terminate()
             self.driver.wait()
+
+
+class Firefox(Browser):
+    """The same with a headless Firefox, through its own remote protocol, which carries the same commands."""
+
+    COMMANDS = {("POST", "/url"): "WebDriver:Navigate", ("POST", "/execute/sync"): "WebDriver:ExecuteScript",
+                ("POST", "/element"): "WebDriver:FindElement", ("POST", "/actions"): "WebDriver:PerformActions",
+                ("GET", "/screenshot"): "WebDriver:TakeScreenshot"}
+    PORT = 2828
+
+    def __init__(self, profile, width=1600, height=900):
+        profile = pathlib.Path(profile)
+        profile.mkdir(parents=True, exist_ok=True)
+        (profile / "user.js").write_text(f'user_pref("marionette.port", {self.PORT});\n')
+        self.driver = subprocess.Popen(["firefox-esr", "--headless", "--marionette", "--profile", str(profile),
+                                        f"--width={width}", f"--height={height}"],
+                                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        for _ in range(300):
+            try:
+                self.socket = socket.create_connection(("127.0.0.1", self.PORT), timeout=60)
+                break
+            except ConnectionRefusedError:
+                time.sleep(0.2)
+        self.receive()
+        self.count = 0
+        self.send("WebDriver:NewSession", {"capabilities": {"alwaysMatch": {}}})
+
+    def receive(self):
+        head = b""
+        while not head.endswith(b":"):
+            head += self.socket.recv(1)
+        data = b""
+        while len(data) < int(head[:-1]):
+            data += self.socket.recv(int(head[:-1]) - len(data))
+        return json.loads(data)
+
+    def send(self, command, parameters):
+        self.count += 1
+        message = json.dumps([0, self.count, command, parameters]).encode()
+        self.socket.sendall(str(len(message)).encode() + b":" + message)
+        _, _, error, result = self.receive()
+        if error:
+            raise AssertionError(error["message"])
+        return result.get("value", result) if isinstance(result, dict) else result
+
+    def call(self, method, path, body=None):
+        parts = path.split("/")
+        if len(parts) == 4 and parts[1] == "element":
+            name = {"click": "WebDriver:ElementClick", "value": "WebDriver:ElementSendKeys"}[parts[3]]
+            return self.send(name, {"id": parts[2], **body})
+        return self.send(self.COMMANDS[method, path], body or {})
+
+    def complaints(self):
+        return []  # its protocol does not tell
+
+    def close(self):
+        try:
+            self.send("Marionette:Quit", {"flags": ["eForceQuit"]})
+        except (AssertionError, OSError, IndexError, ValueError):
+            pass
+        self.socket.close()
+        self.driver.terminate()
+        self.driver.wait()
