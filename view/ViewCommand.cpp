@@ -79,13 +79,15 @@ ExitCode runView(const ViewOptions& given, const std::stop_token& stop) {
   if (opens) {
     view::openBrowser(address);
   }
+  bool cut_off = false;
   const std::stop_callback end_pictures(stop, [&] {
+    cut_off = session.job().isRunning();
     session.pictures().close();
     session.job().cancel();
   });
   server.serve(stop);
   // To be stopped is how a view ends; only a rendering is interrupted by it.
-  return session.job().isRunning() ? ExitCode::Interrupted : ExitCode::Done;
+  return cut_off ? ExitCode::Interrupted : ExitCode::Done;
 }
 
 }  // namespace vantorel::cli

@@ -355,9 +355,9 @@ export class App extends EventTarget {
       return;
     }
     try {
-      const {file, keys} = await post('save', {track: track.toMessage(this.keyFrame)});
+      const {file, keys, note} = await post('save', {track: track.toMessage(this.keyFrame)});
       this.saved = track;
-      this.say(`Saved ${keys} ${keys === 1 ? 'key' : 'keys'} to ${file}`);
+      this.say(`Saved ${keys} ${keys === 1 ? 'key' : 'keys'} to ${file}${note ? `; ${note}` : ''}`);
       this.changed();
     } catch (error) {
       this.say(error.message, true);

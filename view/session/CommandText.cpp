@@ -33,6 +33,10 @@ std::string cornerOptions(const tracks::CornerKey& key) {
 
 }  // namespace
 
+bool isReadAsWritten(const tracks::CornerTrack& track) {
+  return tracks::bestOrder(track.keys) == tracks::kAsWritten;
+}
+
 std::string commandText(const cli::ViewOptions& options, const tracks::CornerTrack& track, std::int32_t frame) {
   std::string text = "vantorel render";
   const auto add = [&](const char* option, const std::string& value) {
@@ -46,8 +50,7 @@ std::string commandText(const cli::ViewOptions& options, const tracks::CornerTra
     if (!options.frames && track.keys.size() > 1) {
       text += fmt::format(" --at {}", frame);
     }
-    // The file's reader would put these corners where they seem to belong.
-    if (tracks::bestOrder(track.keys) != tracks::kAsWritten) {
+    if (!isReadAsWritten(track)) {
       text += " --corners-order as-written";
     }
   } else {

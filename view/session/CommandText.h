@@ -13,4 +13,7 @@ namespace vantorel::view {
 // than one key, else with the corners themselves. `frame` is the one that a still shows.
 std::string commandText(const cli::ViewOptions& options, const tracks::CornerTrack& track, std::int32_t frame);
 
+// Whether the reader of files leaves each corner its name, rather than putting it where it seems to belong.
+bool isReadAsWritten(const tracks::CornerTrack& track);
+
 }  // namespace vantorel::view

@@ -64,7 +64,7 @@ tracks::CornerTrack trackOfShot(const cli::Shot& shot, host::Size layer) {
 Session::Session(const cli::ViewOptions& options) : options_(options), shot_(planned(options)), pictures_(shot_) {
   if (!options_.output.empty()) {
     // Says now what rendering would complain about later.
-    cli::planShot(options_, shot_.corners);
+    cli::planShot(options_, anyCorners());
   }
   layer_size_ = shot_.layer_size;
   if (hasCorners(options)) {
@@ -90,7 +90,10 @@ json Session::description() const {
 json Session::save(const json& body) {
   const tracks::CornerTrack track = trackOf(body);
   saveCorners(options_.track, track, layer_size_);
-  return {{"file", options_.track.files}, {"keys", track.keys.size()}};
+  return {
+      {"file", options_.track.files},
+      {"keys", track.keys.size()},
+      {"note", isReadAsWritten(track) ? "" : "render it with --corners-order as-written, as these corners are turned"}};
 }
 
 json Session::render(const json& body) {
