@@ -96,6 +96,11 @@ vantorel_package(frei0r frei0r-vantorel graphics
   "and the editors that are built on MLT, whose lists of effects it joins. The"
   "effect is linked in."
   ENHANCES "ffmpeg, gstreamer1.0-plugins-bad, kdenlive, melt, shotcut")
+vantorel_package(ofx openfx-vantorel graphics
+  "four-point warp for programs that host OpenFX plug-ins"
+  "Puts a picture onto four corners, in true perspective, in compositing and"
+  "grading programs: at 8, 16 and 32 bit, with handles in the viewer. The effect"
+  "is linked in.")
 if(TARGET vantorel_python)
   math(EXPR next_python_minor "${VANTOREL_PYTHON_MINOR} + 1")
   vantorel_package(python python3-vantorel python

@@ -1,6 +1,7 @@
 #include "bridges/ofx/ClipImage.h"
 
 #include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <utility>
 
@@ -29,6 +30,12 @@ constexpr std::array<std::pair<const char*, PixelDepth>, 4> kDepths{{{kDepthByte
                                                                      {kDepthFloat, PixelDepth::Float}}};
 constexpr std::array<std::pair<const char*, Components>, 3> kComponents{
     {{kComponentsRgba, Components::Rgba}, {kComponentsRgb, Components::Rgb}, {kComponentsAlpha, Components::Alpha}}};
+
+// Whether its sides can be computed with.
+bool isHeld(const RectI& rect) {
+  constexpr std::int64_t kMaxSide = 1 << 20;
+  return std::int64_t{rect.x2} - rect.x1 <= kMaxSide && std::int64_t{rect.y2} - rect.y1 <= kMaxSide;
+}
 
 constexpr std::size_t channelBytes(PixelDepth depth) {
   return depth == PixelDepth::Byte ? 1 : depth == PixelDepth::Float ? 4 : 2;
@@ -103,13 +110,16 @@ void ClipImage::describe(const Clip& clip, const char* name) {
   components_ = kindOf(required(properties.text(kPropComponents), kPropComponents), kComponents, name);
   bounds_ = required(properties.rectangle("OfxImagePropBounds"), "OfxImagePropBounds");
   full_frame_ = properties.rectangle("OfxImagePropRegionOfDefinition").value_or(bounds_);
-  if (full_frame_.empty()) {
-    full_frame_ = bounds_;
+  if (full_frame_.empty() || !isHeld(full_frame_)) {
+    full_frame_ = bounds_;  // a frame without end has no outline
   }
   row_bytes_ = required(properties.integer("OfxImagePropRowBytes"), "OfxImagePropRowBytes");
   data_ = static_cast<std::byte*>(properties.pointer("OfxImagePropData"));
   if (data_ == nullptr || bounds_.empty()) {
     refuse(name, "the host's image has no pixels");
+  }
+  if (!isHeld(bounds_)) {
+    refuse(name, "the host's image is larger than can be drawn; use a smaller one");
   }
   if (static_cast<std::size_t>(std::llabs(row_bytes_)) < static_cast<std::size_t>(bounds_.width()) * pixelBytes() &&
       bounds_.height() > 1) {

@@ -67,7 +67,7 @@ void describe(EffectHandle descriptor) {
                                     {"OfxImageEffectPropSupportsMultiResolution", 1},
                                     {kPropSupportsTiles, 1},
                                     {"OfxImageEffectPropTemporalClipAccess", 0},
-                                    {"OfxImageEffectPluginPropFieldRenderTwiceAlways", 0},
+                                    {"OfxImageEffectPluginPropFieldRenderTwiceAlways", 1},
                                     {"OfxImageEffectPropMultipleClipDepths", 0},
                                     {"OfxImageEffectPropSupportsMultipleClipPARs", 0},
                                     {"OfxImageEffectInstancePropSequentialRender", 0}}) {

@@ -1,6 +1,7 @@
 #include "bridges/ofx/Properties.h"
 
 #include <array>
+#include <cstddef>
 
 namespace vantorel::ofx {
 namespace {
@@ -13,6 +14,26 @@ std::optional<Value> got(Get get, PropertySet set, const char* name, int index) 
     return std::nullopt;
   }
   return value;
+}
+
+// All values at once, or one by one in hosts that have only that.
+template <std::size_t kCount, typename Value>
+std::optional<std::array<Value, kCount>> gotAll(Status (*get_all)(PropertySet, const char*, int, Value*),
+                                                Status (*get)(PropertySet, const char*, int, Value*), PropertySet set,
+                                                const char* name) {
+  std::array<Value, kCount> values{};
+  if (set == nullptr) {
+    return std::nullopt;
+  }
+  if (get_all(set, name, static_cast<int>(kCount), values.data()) == Status::Ok) {
+    return values;
+  }
+  for (std::size_t i = 0; i < kCount; ++i) {
+    if (get(set, name, static_cast<int>(i), &values[i]) != Status::Ok) {
+      return std::nullopt;
+    }
+  }
+  return values;
 }
 
 }  // namespace
@@ -62,19 +83,13 @@ void* Properties::pointer(const char* name) const {
 }
 
 std::optional<RectI> Properties::rectangle(const char* name) const {
-  std::array<int, 4> values{};
-  if (set_ == nullptr || suites().property->get_ints(set_, name, 4, values.data()) != Status::Ok) {
-    return std::nullopt;
-  }
-  return RectI{values[0], values[1], values[2], values[3]};
+  const auto values = gotAll<4>(suites().property->get_ints, suites().property->get_int, set_, name);
+  return values ? std::optional(RectI{(*values)[0], (*values)[1], (*values)[2], (*values)[3]}) : std::nullopt;
 }
 
 std::optional<PointD> Properties::point(const char* name) const {
-  std::array<double, 2> values{};
-  if (set_ == nullptr || suites().property->get_doubles(set_, name, 2, values.data()) != Status::Ok) {
-    return std::nullopt;
-  }
-  return PointD{values[0], values[1]};
+  const auto values = gotAll<2>(suites().property->get_doubles, suites().property->get_double, set_, name);
+  return values ? std::optional(PointD{(*values)[0], (*values)[1]}) : std::nullopt;
 }
 
 }  // namespace vantorel::ofx

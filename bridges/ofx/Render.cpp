@@ -107,14 +107,30 @@ host::FrameOptions optionsOf(const ParameterValues& values, const RectI& window)
   return options;
 }
 
+// When and at which scale a window is drawn.
+struct Moment {
+  Time time;
+  PointD scale;
+};
+
+// A single field may come with half the frame's rows, or with every row doubled: the height tells which.
+PixelScale scaleOf(const ClipImage& image, const Clip& clip, const Moment& moment) {
+  bool is_half = image.isField();
+  if (const auto region = is_half ? clip.regionOfDefinition(moment.time) : std::nullopt) {
+    const double full = (region->y2 - region->y1) * moment.scale.y;
+    is_half = image.fullFrame().height() < 0.75 * full;
+  }
+  return PixelScale::of(moment.scale, image.pixelAspect(), is_half);
+}
+
 // Draws the source on its corners. False when the host wants the render to end.
-bool drawSource(const Effect& effect, const ClipImage& source, const ParameterValues& values,
-                const PointD& render_scale, const Target& target, Renderer& renderer) {
+bool drawSource(const Effect& effect, const ClipImage& source, const ParameterValues& values, const Moment& moment,
+                const Target& target, Renderer& renderer) {
   const RectI& frame = source.fullFrame();
   const double left = frame.x1;
   const double top = frame.y2;
-  const Plane plane{PixelScale::of(render_scale, target.image.pixelAspect(), target.image.isField()), left, top};
-  const Plane source_plane{PixelScale::of(render_scale, source.pixelAspect(), source.isField()), left, top};
+  const Plane plane{scaleOf(target.image, effect.output(), moment), left, top};
+  const Plane source_plane{scaleOf(source, effect.source(), moment), left, top};
   orFault(renderer.instance.setCorners(plane.at(values.corners)));
   renderer.instance.clearSource();
   if (values.from) {
@@ -179,7 +195,7 @@ std::optional<ClipImage> fetchLike(const ClipImage& output, const Clip& clip, co
 
 void render(Effect& effect, const Properties& arguments) {
   const Time time = required(arguments.number(kPropTime), kPropTime);
-  const PointD scale = required(arguments.point(kPropRenderScale), kPropRenderScale);
+  const Moment moment{time, required(arguments.point(kPropRenderScale), kPropRenderScale)};
   const RectI asked = required(arguments.rectangle(kPropRenderWindow), kPropRenderWindow);
   const std::optional<ClipImage> output = ClipImage::fetch(effect.output(), kOutputClip, time);
   if (!output) {
@@ -201,7 +217,7 @@ void render(Effect& effect, const Properties& arguments) {
   const Target target = targetOf(*output, window, *renderer);
   if (!source) {
     clear(target.view);
-  } else if (!drawSource(effect, *source, values, scale, target, *renderer)) {
+  } else if (!drawSource(effect, *source, values, moment, target, *renderer)) {
     return;
   }
   finish(values, matte, background, target, *renderer);

@@ -52,6 +52,9 @@ void clear(const ImageView& view) {
 }
 
 void copy(const ImageView& from, const ImageView& to) {
+  if (from.data == to.data) {
+    return;
+  }
   for (int y = 0; y < to.size.height; ++y) {
     std::memcpy(to.row(y), from.row(y), bytesPerPixel(to.depth) * static_cast<std::size_t>(to.size.width));
   }
@@ -157,6 +160,12 @@ void finishPiece(const FramePlan& plan, const Piece& piece, double half, const I
                  const ImageView& target) {
   const TileGrid& grid = piece.grid;
   const Point origin = grid.origin();
+  if (plan.path == RenderPath::Perspective && plan.edges == Edges::Soft && grid.samples == 1) {
+    // The region is wider than what the effect draws, and has nothing to weigh.
+    const Rect& part = piece.samples;
+    copy(partOf(drawn, part.left, part.top, {part.width(), part.height()}), target);
+    return;
+  }
   if (plan.path == RenderPath::Bilinear) {
     const double shift = half / grid.samples;
     extendScan(plan.region.onGrid({origin.x + shift, origin.y + shift}, grid.samples),

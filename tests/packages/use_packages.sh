@@ -34,7 +34,8 @@ expect "$moved" ./linked
 
 "$prefix/bin/vantorel" testcard -o card.png --size 320x180
 "$prefix/bin/vantorel" render card.png -o out.png --ul 40,20 --ur 280,0 --ll 0,180 --lr 320,150
-for text in share/man/man1/vantorel.1.gz share/doc/vantorel/changelog.gz share/doc/frei0r-vantorel/copyright; do
+for text in share/man/man1/vantorel.1.gz share/doc/vantorel/changelog.gz share/doc/frei0r-vantorel/copyright \
+    OFX/Plugins/Vantorel.ofx.bundle/Contents/Info.plist; do
   [ -s "$prefix/$text" ] || { echo "$text is missing" >&2; exit 1; }
 done
 

@@ -173,6 +173,8 @@ TEST(OfxRenderTest, SaysWhatIsWrongUntilItIsRight) {
   expectRefused(Status::ImageFormat, "Source: its depth");
   session.connect("Source", {.bounds = kFrame, .components = "OfxImageComponentYUVA"});
   expectRefused(Status::ImageFormat, "OfxImageComponentYUVA");
+  session.connect("Source", {.bounds = kFrame}).put("OfxImagePropBounds", -2147483647, -5, 2147483647, 5);
+  expectRefused(Status::ImageFormat, "larger than");
   session.connect("Source", {.bounds = kFrame}).put("OfxImagePropRowBytes", 12);
   expectRefused(Status::ImageFormat, "too short");
   session.connect("Source", {.bounds = kFrame}).put("OfxImagePropData", static_cast<void*>(nullptr));

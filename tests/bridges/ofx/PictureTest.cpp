@@ -219,6 +219,7 @@ TEST(OfxPictureTest, ScaleAspectAndFieldPlaceTheCornersInPixels) {
   } cases[] = {{{0.5, 0.5}, 1.0, "OfxFieldNone", 0.5, 0.5},
                {{1.0, 1.0}, 2.0, "OfxFieldBoth", 0.5, 1.0},
                {{1.0, 1.0}, 1.0, "OfxFieldLower", 1.0, 0.5},
+               {{1.0, 1.0}, 1.0, "OfxFieldLower", 1.0, 1.0},
                {{0.25, 0.5}, 0.5, "OfxFieldUpper", 0.5, 0.25}};
   for (const auto& c : cases) {
     const RectI frame{0, 0, static_cast<int>(64 * c.x), static_cast<int>(48 * c.y)};
@@ -227,6 +228,7 @@ TEST(OfxPictureTest, ScaleAspectAndFieldPlaceTheCornersInPixels) {
     ASSERT_EQ(session.open(kFilter), Status::Ok);
     fill(session.connect("Source", layout), kKinds[3], frame);
     PropertySetRecord& output = session.connect("Output", layout);
+    session.instance.clips.at("Output").region.y2 = 48.0;
     session.setCorners(kTrapezoid, kFrame);
     ASSERT_EQ(session.render(frame, c.scale), Status::Ok);
     host::Image layer = layerOf(kKinds[3], frame);

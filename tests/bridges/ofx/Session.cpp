@@ -9,23 +9,23 @@ bool isFine(Status status) {
   return status == Status::Ok || status == Status::ReplyDefault;
 }
 
+// Loaded once, and mapped until the end: hosts load and unload plug-ins in one binary, and sessions by the thousand do.
+Plugin* plugin() {
+  static void* const kLibrary = dlopen(VANTOREL_OFX_PLUGIN, RTLD_LAZY | RTLD_LOCAL);
+  return kLibrary != nullptr ? reinterpret_cast<Plugin* (*)(int)>(dlsym(kLibrary, "OfxGetPlugin"))(0) : nullptr;
+}
+
 }  // namespace
 
 Session::~Session() {
   host.refused_call = -1;
   close();
-  if (library_ != nullptr) {
-    dlclose(library_);
-  }
 }
 
 Status Session::load() {
-  if (library_ == nullptr) {
-    library_ = dlopen(VANTOREL_OFX_PLUGIN, RTLD_LAZY | RTLD_LOCAL);
-    if (library_ == nullptr) {
-      return Status::Failed;
-    }
-    plugin_ = reinterpret_cast<Plugin* (*)(int)>(dlsym(library_, "OfxGetPlugin"))(0);
+  plugin_ = ofx::plugin();
+  if (plugin_ == nullptr) {
+    return Status::Failed;
   }
   plugin_->set_host(&host.record);
   const Status status = perform("OfxActionLoad", nullptr);

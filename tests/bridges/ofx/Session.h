@@ -21,7 +21,7 @@ class Session {
   EffectRecord descriptor;
   EffectRecord instance;
 
-  Plugin& plugin() const { return *plugin_; }
+  const Plugin& plugin() const { return *plugin_; }
 
   // Each step returns the first status that is neither Ok nor ReplyDefault.
   Status load();
@@ -45,7 +45,6 @@ class Session {
   InteractRecord interact;
 
  private:
-  void* library_ = nullptr;
   Plugin* plugin_ = nullptr;
   PointD project_;
   bool is_loaded_ = false;
