@@ -240,8 +240,8 @@ void toHost(const PixelArray& from, bool premultiplied, const host::ImageView& t
   });
 }
 
-void fromHost(const host::ImageView& from, const std::optional<Background>& background, bool premultiplied,
-              const PixelArray& to) {
+void fromHost(const host::ImageView& from, const host::Rect& drawn, const std::optional<Background>& background,
+              bool premultiplied, const PixelArray& to) {
   withChannel(from.depth, [&](auto channel) {
     using Channel = decltype(channel);
     for (int y = 0; y < from.size.height; ++y) {
@@ -249,7 +249,8 @@ void fromHost(const host::ImageView& from, const std::optional<Background>& back
       if (background) {
         compositeRow(row, from.size.width, *background);
       }
-      if (to.channels == 4 && !premultiplied) {
+      const bool is_clear = !background && (y < drawn.top || y >= drawn.bottom);
+      if (to.channels == 4 && !premultiplied && !is_clear) {
         host::unpremultiplyRow(row, from.size.width);
       }
       if (from.data != to.data) {

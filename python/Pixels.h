@@ -41,8 +41,8 @@ void toHost(const PixelArray& from, bool premultiplied, const host::ImageView& t
 using Background = std::array<float, 4>;
 
 // The opposite of `toHost`: composites over the background where there is one, then keeps the channels of `to`, in
-// straight alpha unless `premultiplied`. `to` may be the memory of `from`.
-void fromHost(const host::ImageView& from, const std::optional<Background>& background, bool premultiplied,
-              const PixelArray& to);
+// straight alpha unless `premultiplied`. Rows outside of `drawn` are clear. `to` may be the memory of `from`.
+void fromHost(const host::ImageView& from, const host::Rect& drawn, const std::optional<Background>& background,
+              bool premultiplied, const PixelArray& to);
 
 }  // namespace vantorel::python

@@ -209,8 +209,8 @@ host::Result<void> draw(Renderer& renderer, const PixelArray& image, const host:
     }
     output = renderer.output.view();
   }
-  return renderer.instance.render(asConst(*layer), canvas, *output, options).map([&](const host::FrameResult&) {
-    fromHost(*output, background, premultiplied, to);
+  return renderer.instance.render(asConst(*layer), canvas, *output, options).map([&](const host::FrameResult& frame) {
+    fromHost(*output, frame.drawn, background, premultiplied, to);
   });
 }
 

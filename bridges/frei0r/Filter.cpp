@@ -16,16 +16,10 @@ std::uint8_t* channels(std::byte* row) {
   return reinterpret_cast<std::uint8_t*>(row);
 }
 
-bool isOpaque(const std::uint32_t* pixels, std::size_t count) {
-  // A stretch is looked at whole, since a loop that can end early is not made of vectors.
-  constexpr std::size_t kStretch = 4096;
-  constexpr std::uint32_t kAlpha = 0xFF000000;
-  for (std::size_t begin = 0; begin < count; begin += kStretch) {
-    std::uint32_t all = kAlpha;
-    for (std::size_t i = begin; i < std::min(begin + kStretch, count); ++i) {
-      all &= pixels[i];
-    }
-    if (all != kAlpha) {
+bool isOpaque(const host::ConstImageView& layer) {
+  for (int y = 0; y < layer.size.height; ++y) {
+    const auto* row = reinterpret_cast<const std::uint8_t*>(layer.row(y));
+    if (host::alphaOfRow(row, layer.size.width) != host::RowAlpha::Opaque) {
       return false;
     }
   }
@@ -73,7 +67,7 @@ void Filter::draw(const std::uint32_t* in, std::uint32_t* out) {
   const host::ImageView output{reinterpret_cast<std::byte*>(out), std::ptrdiff_t{4} * size_.width, size_,
                                host::Depth::Bits8};
   host::ConstImageView layer{reinterpret_cast<const std::byte*>(in), output.row_bytes, size_, host::Depth::Bits8};
-  if (in == out || !isOpaque(in, count)) {
+  if (in == out || !isOpaque(layer)) {
     layer = premultiplied(in);
   }
   const host::Rect drawn = layer.data != nullptr ? drawLayer(layer, output) : host::Rect{};

@@ -123,12 +123,12 @@ static int formatMessage(char* destination, const char* format, ...) {
 
 // The only suite that 8-bit frames need tells the depth of a world.
 static std::int32_t acquireSuite(const char* name, std::int32_t version, const void** suite) {
-  static const PF_WorldSuite2 world_suite{nullptr, nullptr, [](PF_LayerDef*, std::int32_t* format) -> std::int32_t {
+  static const PF_WorldSuite2 kWorldSuite{nullptr, nullptr, [](PF_LayerDef*, std::int32_t* format) -> std::int32_t {
                                             *format = PF_PIXEL_FORMAT_ARGB8;
                                             return ERR_NONE;
                                           }};
   const bool known = std::strcmp(name, PF_WORLD_SUITE) == 0 && version == PF_WORLD_SUITE_VERSION;
-  *suite = known ? &world_suite : nullptr;
+  *suite = known ? &kWorldSuite : nullptr;
   return known ? ERR_NONE : ERR_SUITE_UNAVAILABLE;
 }
 

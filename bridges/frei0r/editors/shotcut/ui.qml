@@ -27,7 +27,8 @@ Shotcut.KeyframableFilter {
     }
 
     function toPercent(slider, value) {
-        return 100 * (value - slider.low) / (slider.high - slider.low);
+        // To a millionth, for the digits that are shown are not rounded.
+        return Math.round(1e8 * (value - slider.low) / (slider.high - slider.low)) / 1e6;
     }
 
     function setControls() {
@@ -47,14 +48,14 @@ Shotcut.KeyframableFilter {
 
     function updateSimpleKeyframes() {
         setControls();
-        sliders.forEach((slider, i) => rows.itemAt(i).update(null));
+        sliders.forEach((slider, i) => rows.itemAt(i).apply(null));
     }
 
     keyframableParameters: sliders.map(slider => slider.parameter)
     startValues: sliders.map(slider => toFilter(slider, slider.initial))
     middleValues: sliders.map(slider => toFilter(slider, slider.initial))
     endValues: sliders.map(slider => toFilter(slider, slider.initial))
-    width: 400
+    width: 420
     height: 420
     Component.onCompleted: {
         if (filter.isNew) {
@@ -73,7 +74,7 @@ Shotcut.KeyframableFilter {
         RowLayout {
             Label {
                 text: qsTr('Preset')
-                Layout.preferredWidth: 100
+                Layout.preferredWidth: 120
             }
 
             Shotcut.Preset {
@@ -97,13 +98,13 @@ Shotcut.KeyframableFilter {
                 property alias percent: spinner.value
                 property alias hasKeyframes: keyframesButton.checked
 
-                function update(position) {
+                function apply(position) {
                     updateFilter(modelData.parameter, toFilter(modelData, percent), keyframesButton, position);
                 }
 
                 Label {
                     text: modelData.name
-                    Layout.preferredWidth: 100
+                    Layout.preferredWidth: 120
                 }
 
                 Shotcut.SliderSpinner {
@@ -113,7 +114,7 @@ Shotcut.KeyframableFilter {
                     maximumValue: toPercent(modelData, 1)
                     decimals: 2
                     suffix: ' %'
-                    onValueChanged: update(getPosition())
+                    onValueChanged: apply(getPosition())
                 }
 
                 Shotcut.UndoButton {
@@ -134,7 +135,7 @@ Shotcut.KeyframableFilter {
         RowLayout {
             Label {
                 text: qsTr('Quality')
-                Layout.preferredWidth: 100
+                Layout.preferredWidth: 120
             }
 
             Shotcut.ComboBox {
