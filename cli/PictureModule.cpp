@@ -3,7 +3,7 @@
 namespace vantorel::cli {
 
 extern "C" [[gnu::visibility("default")]] const PictureCommands* vantorelPictureCommands() {
-  static constexpr PictureCommands kCommands{VANTOREL_VERSION, runRender, runRectify, runTestCard, runView};
+  static constexpr PictureCommands kCommands{VANTOREL_VERSION, runRender, runRectify, runTestCard, runDescribe, runView};
   return &kCommands;
 }
 

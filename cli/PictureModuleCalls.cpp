@@ -46,6 +46,10 @@ ExitCode runTestCard(const TestCardOptions& options, const std::stop_token& stop
   return pictureCommands().test_card(options, stop);
 }
 
+ExitCode runDescribe(const InfoOptions& options) {
+  return pictureCommands().describe(options);
+}
+
 ExitCode runView(const ViewOptions& options, const std::stop_token& stop) {
   return pictureCommands().view(options, stop);
 }

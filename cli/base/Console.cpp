@@ -1,5 +1,7 @@
 #include "cli/base/Console.h"
 
+#include "cli/base/CommandError.h"
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -47,6 +49,12 @@ LibraryMessagesDropped::~LibraryMessagesDropped() {
   const std::scoped_lock lock(mutex);
   if (--living == 0 && console() != stderr) {
     sendStandardErrorTo(fileno(console()));
+  }
+}
+
+void printOut(const std::string& text) {
+  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
+    throw fileFailure("standard output", "cannot be written to; check the pipe or the disk that it goes to");
   }
 }
 

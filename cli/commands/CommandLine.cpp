@@ -204,8 +204,8 @@ ExitCode runCommandLine(int argc, const char* const* argv) try {
   const Command<RectifyOptions> rectify(app, "rectify", "Straighten a page, a screen or a sign in a photo",
                                         "rectify PHOTO -o PAGE --ul X,Y --ur X,Y --ll X,Y --lr X,Y [OPTIONS]",
                                         rectifyOptionTable());
-  const Command<InfoOptions> info(app, "info", "Show what the effect module says of itself", "info [OPTIONS]",
-                                  infoOptionTable());
+  const Command<InfoOptions> info(app, "info", "Show what a picture file or the effect module says of itself",
+                                  "info [FILE] [OPTIONS]", infoOptionTable());
   const Command<CornersOptions> corners(app, "corners", "Show, convert or plot a tracker's corners",
                                         "corners FILE [-o OUT] [OPTIONS]", cornersOptionTable());
   const Command<TestCardOptions> card(app, "testcard", "Write a test card, for trying things out",

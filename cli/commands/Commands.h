@@ -12,7 +12,9 @@
 namespace vantorel::cli {
 
 struct InfoOptions {
-  std::string module;  // empty: the one beside the command
+  std::string file;      // a picture to describe; empty: the effect module
+  ColourOptions colour;  // its config counts
+  std::string module;    // empty: the one beside the command
   bool json = false;
 };
 
@@ -29,6 +31,7 @@ struct RectifyOptions {
   std::optional<host::Size> size;  // the page's
   std::optional<double> aspect;    // width over height; positive
   bool linear = false;
+  ColourOptions colour;
   std::string module;    // empty: the one beside the command
   std::string settings;  // the options that change pictures, as they were given
 };
@@ -61,6 +64,8 @@ struct ViewOptions : RenderOptions {
 // Each does its work and returns how it ended, or throws CommandError.
 ExitCode runRender(const RenderOptions& options, const std::stop_token& stop);
 ExitCode runInfo(const InfoOptions& options);
+// Tells what a picture file is, by its header.
+ExitCode runDescribe(const InfoOptions& options);
 // Draws what lies within four corners of a photo as a rectangle, resampled once.
 ExitCode runRectify(const RectifyOptions& options, const std::stop_token& stop);
 ExitCode runCorners(const CornersOptions& options);

@@ -1,13 +1,13 @@
 #include <fmt/format.h>
 
-#include <cstdio>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
-#include "cli/base/CommandError.h"
+#include "cli/base/Console.h"
 #include "cli/base/Text.h"
 #include "cli/commands/Commands.h"
+#include "cli/commands/Listing.h"
 #include "cli/shots/ModuleLocation.h"
 #include "host/Simd.h"
 
@@ -52,20 +52,6 @@ std::string asJson(const host::ModuleInfo& info) {
   return object.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
 }
 
-// A table of labels and lines; of lines under one label only the first shows it.
-class Listing {
- public:
-  void add(const std::string& label, const std::string& line) {
-    text_ += fmt::format("{:13} {}\n", label == last_ ? "" : label, line);
-    last_ = label;
-  }
-  const std::string& text() const { return text_; }
-
- private:
-  std::string text_;
-  std::string last_;
-};
-
 std::string asText(const host::ModuleInfo& info) {
   Listing listing;
   listing.add("module", escaped(info.path));
@@ -88,11 +74,11 @@ std::string asText(const host::ModuleInfo& info) {
 }  // namespace
 
 ExitCode runInfo(const InfoOptions& options) {
-  const auto module = loadModule(options.module);
-  const std::string text = options.json ? asJson(module->info()) : asText(module->info());
-  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
-    throw fileFailure("standard output", "cannot be written to; check the pipe or the disk that it goes to");
+  if (!options.file.empty()) {
+    return runDescribe(options);
   }
+  const auto module = loadModule(options.module);
+  printOut(options.json ? asJson(module->info()) : asText(module->info()));
   return ExitCode::Done;
 }
 

@@ -2,6 +2,7 @@
 
 #include "cli/base/NumberParsing.h"
 #include "cli/base/SizeParsing.h"
+#include "cli/commands/ColourOptionTable.h"
 #include "cli/commands/OptionValues.h"
 #include "cli/commands/TrackOptionTable.h"
 
@@ -37,6 +38,11 @@ double parseAspect(const std::string& option, const std::string& text) {
 
 const std::vector<OptionRow<InfoOptions>>& infoOptionTable() {
   static const std::vector<OptionRow<InfoOptions>> kTable{
+      {"FILE", "FILE", kOptions, "A picture to tell about: its size, channels and colours (default: the effect module)",
+       [](InfoOptions& options, const std::string& name, const std::string& value) {
+         options.file = parseFileName(name, value);
+       }},
+      ocioRow<InfoOptions>(kOptions),
       {"--module", "FILE", kOptions, "The effect module (default: the one beside the command)",
        [](InfoOptions& options, const std::string& name, const std::string& value) {
          options.module = parseFileName(name, value);
@@ -76,29 +82,30 @@ const std::vector<OptionRow<RectifyOptions>>& rectifyOptionTable() {
   using Options = RectifyOptions;
   using Text = const std::string&;
   constexpr const char* kGiveAll = "give all four corners of the page, in pixels of the photo";
-  static const std::vector<OptionRow<Options>> table{
-      {"PHOTO", "FILE", kOptions, "The picture that shows the page",
-       [](Options& o, Text name, Text value) { o.photo = parseFileName(name, value); },
-       "name the photo: vantorel rectify PHOTO -o PAGE"},
-      {"-o,--output", "PAGE", kOptions, "The picture to write: " + outputExtensions(),
-       [](Options& o, Text name, Text value) { o.output = parseFileName(name, value); },
-       "name the picture to write with -o PAGE"},
-      {"--overwrite", "", kOptions, "Replace the photo where PAGE is it",
-       [](Options& o, Text, Text) { o.overwrite = true; }},
-      {"--ul", "X,Y", kOptions, "Where the page's upper left corner is in the photo", setPageCorner<kUpperLeft>,
-       kGiveAll},
-      {"--ur", "X,Y", kOptions, "Where its upper right corner is", setPageCorner<kUpperRight>, kGiveAll},
-      {"--ll", "X,Y", kOptions, "Where its lower left corner is", setPageCorner<kLowerLeft>, kGiveAll},
-      {"--lr", "X,Y", kOptions, "Where its lower right corner is", setPageCorner<kLowerRight>, kGiveAll},
-      {"--size", "WxH", kOptions, "The page's size in pixels (default: as long as its longest edges in the photo)",
-       [](Options& o, Text name, Text value) { o.size = parseSize(name, value); }},
-      {"--aspect", "W:H", kOptions, "The page's proportions (default: estimated from the corners)",
-       [](Options& o, Text name, Text value) { o.aspect = parseAspect(name, value); }},
-      {"--linear", "", kOptions, "Filter in linear light, by the file's colour space",
-       [](Options& o, Text, Text) { o.linear = true; }},
-      {"--module", "FILE", kOptions, "The effect module (default: the one beside the command)",
-       [](Options& o, Text name, Text value) { o.module = parseFileName(name, value); }},
-  };
+  static const std::vector<OptionRow<Options>> table = withColourOptions<Options>(
+      {
+          {"PHOTO", "FILE", kOptions, "The picture that shows the page",
+           [](Options& o, Text name, Text value) { o.photo = parseFileName(name, value); },
+           "name the photo: vantorel rectify PHOTO -o PAGE"},
+          {"-o,--output", "PAGE", kOptions, "The picture to write: " + outputExtensions(),
+           [](Options& o, Text name, Text value) { o.output = parseFileName(name, value); },
+           "name the picture to write with -o PAGE"},
+          {"--overwrite", "", kOptions, "Replace the photo where PAGE is it",
+           [](Options& o, Text, Text) { o.overwrite = true; }},
+          {"--ul", "X,Y", kOptions, "Where the page's upper left corner is in the photo", setPageCorner<kUpperLeft>,
+           kGiveAll},
+          {"--ur", "X,Y", kOptions, "Where its upper right corner is", setPageCorner<kUpperRight>, kGiveAll},
+          {"--ll", "X,Y", kOptions, "Where its lower left corner is", setPageCorner<kLowerLeft>, kGiveAll},
+          {"--lr", "X,Y", kOptions, "Where its lower right corner is", setPageCorner<kLowerRight>, kGiveAll},
+          {"--size", "WxH", kOptions, "The page's size in pixels (default: as long as its longest edges in the photo)",
+           [](Options& o, Text name, Text value) { o.size = parseSize(name, value); }},
+          {"--aspect", "W:H", kOptions, "The page's proportions (default: estimated from the corners)",
+           [](Options& o, Text name, Text value) { o.aspect = parseAspect(name, value); }},
+          {"--linear", "", kOptions, "Filter in linear light", [](Options& o, Text, Text) { o.linear = true; }},
+          {"--module", "FILE", kOptions, "The effect module (default: the one beside the command)",
+           [](Options& o, Text name, Text value) { o.module = parseFileName(name, value); }},
+      },
+      "Colour (the layer is the photo)", false);
   return table;
 }
 

@@ -11,6 +11,7 @@ struct PictureCommands {
   decltype(&runRender) render;
   decltype(&runRectify) rectify;
   decltype(&runTestCard) test_card;
+  decltype(&runDescribe) describe;
   decltype(&runView) view;
 };
 

@@ -108,6 +108,7 @@ ExitCode runRectify(const RectifyOptions& options, const std::stop_token& stop) 
   render.output = options.output;
   render.overwrite = options.overwrite;
   render.linear = options.linear;
+  render.colour = options.colour;
   render.module = options.module;
   render.settings = options.settings;
   render.size = pageSize(options, page, photo);

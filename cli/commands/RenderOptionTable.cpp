@@ -2,6 +2,7 @@
 
 #include "cli/base/NumberParsing.h"
 #include "cli/base/SizeParsing.h"
+#include "cli/commands/ColourOptionTable.h"
 #include "cli/commands/OptionTables.h"
 #include "cli/commands/OptionValues.h"
 #include "cli/commands/TrackOptionTable.h"
@@ -15,6 +16,7 @@ constexpr const char* kPlacing = "Placing (positions in layer pixels, 640,12.5, 
 constexpr const char* kCompositing = "Layer and compositing";
 constexpr const char* kMotionBlur = "Motion blur";
 constexpr const char* kRendering = "Rendering";
+constexpr const char* kColour = "Colour";
 constexpr const char* kSequences = "Sequences";
 constexpr const char* kReporting = "Reporting";
 
@@ -190,7 +192,7 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
            nullptr, kLeaves},
           {"--downsample", "N", kRendering, "Render at 1/N of the resolution",
            [](Options& o, Text name, Text value) { o.downsample = parseIntInRange(name, value, 1, kMaxDownsample); }},
-          {"--linear", "", kRendering, "Filter and composite in linear light, by the files' colour spaces",
+          {"--linear", "", kRendering, "Filter and composite in linear light",
            [](Options& o, Text, Text) { o.linear = true; }},
           {"--threads", "N", kRendering, "Use at most N threads for everything (default: all cores)",
            [](Options& o, Text name, Text value) {
@@ -235,7 +237,8 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
            [](Options& o, Text, Text) { o.json = true; }, nullptr, kLeaves},
       },
       "Files of corners (default: what their format says)");
-  return kTable;
+  static const std::vector<OptionRow<Options>> kWithColour = withColourOptions<Options>(kTable, kColour, true);
+  return kWithColour;
 }
 
 }  // namespace vantorel::cli

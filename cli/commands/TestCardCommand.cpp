@@ -3,6 +3,7 @@
 #include "cli/base/CommandError.h"
 #include "cli/base/Memory.h"
 #include "cli/base/Text.h"
+#include "cli/colour/ColourProcessor.h"
 #include "cli/commands/Commands.h"
 #include "cli/pictures/ImageWriter.h"
 #include "cli/pictures/OutputFile.h"
@@ -21,6 +22,9 @@ ExitCode runTestCard(const TestCardOptions& options, const std::stop_token& stop
   }
   host::Image card = valueOrThrow(host::Image::create(options.size, depth));
   drawTestCard(card.view());
+  if (format.linear_light) {
+    convert(card.view(), makeProcessor(srgb(), linearRec709(), options.output));
+  }
   picture.pixels = std::as_const(card).view();
   picture.window = {0, 0, options.size.width, options.size.height};
   picture.frame = options.size;

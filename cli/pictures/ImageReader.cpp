@@ -11,6 +11,7 @@
 #include "cli/base/Console.h"
 #include "cli/base/Files.h"
 #include "cli/pictures/ChannelPlan.h"
+#include "cli/pictures/ColourTags.h"
 #include "cli/pictures/Metadata.h"
 #include "cli/pictures/Orientation.h"
 #include "cli/pictures/PictureInput.h"
@@ -66,13 +67,15 @@ PictureInfo infoOf(const Source& source) {
   if (swapsAxes(source.header().orientation)) {
     std::swap(size.width, size.height);
   }
+  const SampleType samples = samplesOf(source.header(), source.plan);
   return {size,
-          samplesOf(source.header(), source.plan),
+          samples,
           source.plan.hasAlpha(),
           source.unassociated,
           source.header().format,
           dataWindow(source.header()),
-          source.header().views};
+          source.header().views,
+          std::make_shared<const ColourFacts>(colourFactsOf(source.header(), samples))};
 }
 
 // What a file that is made from the picture replaces of this one.
@@ -238,7 +241,6 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
   Source source = openSource(path, options);
   Picture picture;
   picture.info = infoOf(source);
-  picture.colour_space = source.header().metadata.text("oiio:ColorSpace");
   picture.metadata = keptMetadata(source.header().metadata);
   picture.origin = originOf(source, options.selection.layer);
 

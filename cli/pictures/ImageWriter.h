@@ -28,8 +28,6 @@ struct OutputPicture {
   std::shared_ptr<const PictureOrigin> origin{};
   // Whether the other parts and channels of that file pass into this one, where both are OpenEXR.
   bool passes_plate = false;
-  // The colour space that the pixels have been converted to; nothing where they are in the metadata's.
-  std::optional<std::string> colour_space;
 };
 
 // Writes the picture whole or not at all, following the format's alpha convention; a format without alpha gets the

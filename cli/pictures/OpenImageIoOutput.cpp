@@ -35,13 +35,6 @@ void addMetadata(OIIO::ImageSpec& spec, const OutputPicture& picture) {
       addAttribute(spec, attribute);
     }
   }
-  if (picture.colour_space) {
-    // A profile of the colour space that the pixels are in no longer would take them for something else.
-    if (spec.get_string_attribute("oiio:ColorSpace") != *picture.colour_space) {
-      spec.erase_attribute("ICCProfile");
-    }
-    spec.attribute("oiio:ColorSpace", *picture.colour_space);
-  }
 }
 
 void choosePacking(OIIO::ImageSpec& spec, const Encoding& encoding) {

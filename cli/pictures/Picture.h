@@ -18,6 +18,8 @@ struct PictureSelection {
   std::string layer;  // what the channels' names begin with, before a dot; empty: nothing
 };
 
+struct ColourFacts;
+
 // What the head of a picture file tells.
 struct PictureInfo {
   host::Size size;  // after its orientation has been applied
@@ -27,6 +29,7 @@ struct PictureInfo {
   std::string format{};              // OpenImageIO's name for it: "png", "openexr"
   host::Rect data{};                 // what the file has pixels of, in the picture's own; may reach beyond it
   std::vector<std::string> views{};  // of a stereo or multi-view file
+  std::shared_ptr<const ColourFacts> colour{};  // what it says of its colours
 };
 
 // The file that a picture is part of, and what is replaced of it in a file that is made from it.
@@ -45,7 +48,6 @@ struct Picture {
   host::Rect area{};                 // what they cover: the picture, or with overscan more
   std::optional<host::Rect> crop{};  // the part of the pixels that is shown; unset: all
   PictureInfo info;
-  std::string colour_space;  // as the file states it or its format implies, for example "sRGB"; or empty
   std::shared_ptr<const Metadata> metadata;  // what a picture made from this one keeps
   std::shared_ptr<const PictureOrigin> origin;
 };

@@ -10,13 +10,13 @@
 #include "cli/base/Memory.h"
 #include "cli/base/Text.h"
 #include "cli/pictures/AbandonedFiles.h"
-#include "cli/pictures/ColourConversion.h"
 #include "cli/pictures/Composite.h"
 #include "cli/pictures/Fade.h"
 #include "cli/pictures/Feather.h"
 #include "cli/pictures/ImageReader.h"
 #include "cli/pictures/ImageWriter.h"
 #include "cli/shots/Resume.h"
+#include "cli/shots/ShotColour.h"
 
 namespace vantorel::cli {
 
@@ -221,9 +221,8 @@ void FrameRenderer::write(ComposedFrame& composed) {
   const Picture& reference = *composed.reference;
   OutputPicture picture;
   picture.metadata = reference.metadata;
-  if (shot_.options.linear) {
-    picture.colour_space = outputColourSpace(reference.colour_space, shot_.format->linear_light);
-    fromLinear(composed.pixels, *picture.colour_space, path);
+  if (shot_.colour) {
+    shot_.colour->leave(composed.pixels, path);
   }
   const host::Rect& written = composed.written;
   picture.pixels = host::asConst(composed.pixels);

@@ -13,7 +13,7 @@ namespace vantorel::cli {
 
 // A frame before it is written.
 struct ComposedFrame {
-  // Premultiplied RGBA at the shot's depth and resolution, in linear light where the shot is; the renderer's own, until
+  // Premultiplied RGBA at the shot's depth and resolution, in the shot's own colour space; the renderer's own, until
   // its next frame.
   host::ImageView pixels;
   host::Rect canvas;                         // what the pixels cover, in full-resolution pixels

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "cli/base/FrameRange.h"
+#include "cli/colour/ColourOptions.h"
 #include "cli/corners/Corners.h"
 #include "cli/corners/TrackOptions.h"
 #include "cli/pictures/Encoding.h"
@@ -57,6 +58,7 @@ struct RenderOptions {
   double opacity = 1.0;  // 0 to 1
   std::string matte;     // as `layer`; empty without one
   bool linear = false;
+  ColourOptions colour;
   host::Quality quality = host::Quality::Best;
   int samples = 0;                   // a pixel along each axis: 1, 2, 4 or 8; 0: as the quality has it
   std::optional<host::Edges> edges;  // nothing: as the quality has them

@@ -9,6 +9,7 @@
 
 #include "cli/base/Hash64.h"
 #include "cli/pictures/FileRecord.h"
+#include "cli/shots/ShotColour.h"
 
 namespace vantorel::cli {
 
@@ -96,10 +97,10 @@ const char* reasonToRedo(FrameState state) {
 }
 
 std::uint64_t commonSettings(const Shot& shot, host::Size layer) {
-  return hashOf(fmt::format("{}\nmodule {:x}\n{} {} {} {}x{}\n{}", shot.options.settings,
+  return hashOf(fmt::format("{}\nmodule {:x}\n{} {} {} {}x{}\n{}\n{}", shot.options.settings,
                             shot.module->info().version_word, shot.format->name, static_cast<int>(shot.samples),
                             static_cast<int>(shot.depth), shot.frame_size.width, shot.frame_size.height,
-                            cornersText(shot, layer)));
+                            cornersText(shot, layer), shot.colour ? shot.colour->record() : ""));
 }
 
 std::uint64_t settingsOf(const Shot& shot, std::int32_t frame) {

@@ -16,6 +16,8 @@
 
 namespace vantorel::cli {
 
+class ShotColour;
+
 struct Shot {
   RenderOptions options;
   FrameRange frames;
@@ -30,6 +32,7 @@ struct Shot {
   std::unique_ptr<PictureSource> layer;
   std::unique_ptr<PictureSource> plate;  // null without one
   std::unique_ptr<PictureSource> matte;  // null without one
+  std::shared_ptr<ShotColour> colour;    // null where numbers are taken as they are
   CornersTrack corners;
   Enlargement enlargement;                 // of the layer, before the effect
   std::vector<std::string> notes;          // what everybody has to know before the first frame, a line each

@@ -8,6 +8,7 @@
 #include "cli/base/CommandError.h"
 #include "cli/base/Memory.h"
 #include "cli/base/Text.h"
+#include "cli/shots/ShotColour.h"
 
 namespace vantorel::cli {
 
@@ -46,7 +47,8 @@ void requireMemory(const Shot& shot, const FrameHeads& heads, double bytes_per_f
   if (shot.options.size && pixels(*shot.options.size) >= pixels(largest)) {
     throw outOfMemory("--size", fault(*shot.options.size, "give a smaller size"));
   }
-  const bool can_be_lower = shot.depth != host::Depth::Bits8 && !shot.options.linear;
+  const bool can_be_lower =
+      shot.depth != host::Depth::Bits8 && !shot.options.linear && !(shot.colour && shot.colour->converts());
   throw outOfMemory(
       (plate_is_largest ? *shot.plate_files : shot.layer_files).path(shot.frames.first),
       fault(largest, can_be_lower ? "give a smaller picture or a lower --depth" : "give a smaller picture"));

@@ -9,12 +9,12 @@
 #include "cli/base/CommandError.h"
 #include "cli/base/Memory.h"
 #include "cli/base/Text.h"
-#include "cli/pictures/ColourConversion.h"
 #include "cli/pictures/ImageReader.h"
 #include "cli/pictures/Reduce.h"
 #include "cli/shots/InputGuard.h"
 #include "cli/shots/ModuleLocation.h"
 #include "cli/shots/Resume.h"
+#include "cli/shots/ShotColour.h"
 #include "cli/shots/ShotFiles.h"
 #include "cli/shots/ShotMemory.h"
 
@@ -31,6 +31,13 @@ void refuseContradictions(const RenderOptions& options) {
   }
   if (options.track.files.empty() && !options.track.first_option.empty()) {
     throw badArgument(options.track.first_option, "tells of the file of corners; name one with --corners, or omit it");
+  }
+  if (options.colour.raw && (options.linear || !options.colour.first_option.empty())) {
+    throw badArgument("--raw", fmt::format("cannot be given together with {}; omit one of them",
+                                           options.linear ? "--linear" : options.colour.first_option));
+  }
+  if (!options.colour.plate.empty() && options.plate.empty()) {
+    throw badArgument("--colorspace-over", "tells of the plate; name one with --over, or omit it");
   }
   if (options.at && options.track.files.empty()) {
     throw badArgument("--at", "tells of the file of corners; name one with --corners, or omit it");
@@ -132,10 +139,11 @@ SampleType finer(SampleType a, SampleType b) {
   return most == SampleType::Half && std::min(a, b) == SampleType::Bits16 ? SampleType::Float : most;
 }
 
-PictureSource::Prepare preparation(bool linear, int reduce_by) {
+// `colour` may be null: nothing is converted.
+PictureSource::Prepare preparation(const std::shared_ptr<ShotColour>& colour, int reduce_by) {
   return [=](Picture& picture, const std::string& path) {
-    if (linear) {
-      toLinear(picture.pixels.view(), picture.colour_space, path);
+    if (colour) {
+      colour->enter(picture, ColourRole::Plate, path);
     }
     if (reduce_by > 1) {
       picture.pixels = reduced(std::as_const(picture.pixels).view(), reduce_by);
@@ -159,10 +167,12 @@ void enlargeLayer(Picture& picture, const Enlargement& by, EnlargeFilter filter)
   picture.crop.reset();
 }
 
-PictureSource::Prepare layerPreparation(const RenderOptions& options, const Enlargement& enlargement) {
-  return [=, to_linear = preparation(options.linear, 1), crop = options.crop, filter = options.enlarge](
-             Picture& picture, const std::string& path) {
-    to_linear(picture, path);
+PictureSource::Prepare layerPreparation(const Shot& shot) {
+  return [enlargement = shot.enlargement, colour = shot.colour, crop = shot.options.crop,
+          filter = shot.options.enlarge](Picture& picture, const std::string& path) {
+    if (colour) {
+      colour->enter(picture, ColourRole::Layer, path);
+    }
     if (crop) {
       cropLayer(picture, *crop, path);
     }
@@ -217,7 +227,7 @@ bool needsDeeperAlpha(const InputFiles& files, const PictureInfo& info, const Re
 }
 
 host::Depth renderingDepth(const Shot& shot, const FrameHeads& heads, SampleType source) {
-  if (shot.options.linear) {
+  if (shot.options.linear || (shot.colour && shot.colour->converts())) {
     return host::Depth::Float;
   }
   const host::Depth depth = renderDepth(shot.options.depth, source);
@@ -236,21 +246,23 @@ void planPictures(Shot& shot, const FrameHeads& heads) {
     requirePlateSize(options, *heads.plate);
   }
   const SampleType source = heads.plate ? finer(heads.layer.samples, heads.plate->samples) : heads.layer.samples;
+  if (shot.format != nullptr) {
+    shot.samples = outputSamples(*shot.format, options.depth, source);
+  }
+  if (shot.passes_plate && heads.plate->format == "openexr" && options.depth == DepthChoice::Auto) {
+    // What reads the plate expects its own type back: half stays half.
+    shot.samples = heads.plate->samples;
+  }
+  if (!options.colour.raw) {
+    shot.colour = std::make_shared<ShotColour>(shot, heads);
+  }
   shot.depth = renderingDepth(shot, heads, source);
   shot.layer_size = shownSize(options, heads.layer.size);
   shot.frame_size = options.size ? *options.size : (heads.plate ? heads.plate->size : shot.layer_size);
   if (heads.matte) {
     requireMatteSize(shot, *heads.matte);
   }
-  if (shot.format == nullptr) {
-    return;
-  }
-  shot.samples = outputSamples(*shot.format, options.depth, source);
-  if (shot.passes_plate && heads.plate->format == "openexr" && options.depth == DepthChoice::Auto) {
-    // What reads the plate expects its own type back: half stays half.
-    shot.samples = heads.plate->samples;
-  }
-  if (!options.fit) {
+  if (shot.format != nullptr && !options.fit) {
     requireSizeHeld(*shot.format, options.output, host::downsampled(shot.frame_size, options.downsample));
   }
 }
@@ -286,6 +298,9 @@ Shot planShot(const RenderOptions& options, std::optional<CornersTrack> corners)
   if (!options.overwrite && shot.format != nullptr) {
     refuseToReplaceInputs(shot);
   }
+  if (options.colour.raw) {
+    shot.notes.push_back("numbers are taken as they are, whatever colour spaces the files are in (--raw)");
+  }
   shot.corners = corners ? *std::move(corners) : cornersOf(options);
 
   const FrameHeads heads = probeShot(shot);
@@ -303,14 +318,15 @@ Shot planShot(const RenderOptions& options, std::optional<CornersTrack> corners)
   shot.frames_in_flight = framesInFlight(shot, heads);
   shot.threads_per_frame = std::max(1u, options.threads / static_cast<unsigned>(shot.frames_in_flight));
 
-  shot.layer = std::make_unique<PictureSource>(shot.layer_files, shot.depth,
-                                               layerPreparation(options, shot.enlargement), shot.layer_reading);
+  shot.layer =
+      std::make_unique<PictureSource>(shot.layer_files, shot.depth, layerPreparation(shot), shot.layer_reading);
   if (shot.plate_files) {
     shot.plate = std::make_unique<PictureSource>(*shot.plate_files, shot.depth,
-                                                 preparation(options.linear, options.downsample), shot.plate_reading);
+                                                 preparation(shot.colour, options.downsample), shot.plate_reading);
   }
   if (shot.matte_files) {
-    shot.matte = std::make_unique<PictureSource>(*shot.matte_files, shot.depth, preparation(false, options.downsample));
+    shot.matte =
+        std::make_unique<PictureSource>(*shot.matte_files, shot.depth, preparation(nullptr, options.downsample));
   }
   shot.module = loadModule(options.module);
   shot.settings = shot.format == nullptr ? 0 : commonSettings(shot, heads.layer.size);

@@ -1,4 +1,4 @@
-// Premultiplied "over", reduction for proxies, and linear light.
+// Premultiplied "over", and reduction for proxies.
 #include "cli/pictures/Composite.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "cli/base/CommandError.h"
-#include "cli/pictures/ColourConversion.h"
 #include "cli/pictures/PixelConversion.h"
 #include "cli/pictures/Reduce.h"
 
@@ -105,24 +104,6 @@ TEST(Composite, PremultiplyingIsUndoneWhereAlphaCarriesTheValue) {
   EXPECT_EQ(quantise<std::uint16_t>(2.0f), 65535);
   EXPECT_EQ(quantise<std::uint8_t>(-1.0f), 0);
   EXPECT_EQ(quantise<std::uint8_t>(0.5f), 128);
-}
-
-TEST(Composite, LinearLightGoesThereAndBackUnderAlpha) {
-  host::Image picture = imageOf({2, 1}, host::Depth::Float);
-  float* pixel = channels<float>(picture, 0, 0);
-  const float values[8] = {0.25f, 0.1f, 0.5f, 0.5f, 0.5f, 1.0f, 0.0f, 1.0f};
-  std::copy(values, values + 8, pixel);
-  toLinear(picture.view(), "", "layer");
-  EXPECT_NEAR(pixel[0], 0.21404f * 0.5f, 1e-4f);  // sRGB 0.25 / 0.5 = 0.5 is 0.21404 in linear light
-  EXPECT_EQ(pixel[3], 0.5f);
-  EXPECT_NEAR(pixel[4], 0.21404f, 1e-4f);
-  fromLinear(picture.view(), outputColourSpace("", false), "output");
-  for (int c = 0; c < 8; ++c) {
-    EXPECT_NEAR(pixel[c], values[c], 1e-5f);
-  }
-  EXPECT_THROW(toLinear(picture.view(), "no such space", "layer"), CommandError);
-  EXPECT_EQ(outputColourSpace("Rec709", false), "Rec709");
-  EXPECT_EQ(outputColourSpace("Linear", false), "sRGB");
 }
 
 }  // namespace

@@ -35,7 +35,7 @@ TEST(LayerOptions, AlphaIsReadAsAskedFor) {
   const TestFolder folder;
   PixelFile::filled({4, 4}, {200, 100, 40, 128}).write(folder / "soft.png");
   const auto rendered = [&](const std::string& options) {
-    runWell(folder, "render soft.png -o out.exr --depth float " + options);
+    runWell(folder, "render soft.png -o out.exr --depth float --colorspace-layer linear " + options);
     return PixelFile::read(folder / "out.exr").at(1, 1);
   };
   const double alpha = 128 / 255.0;
@@ -44,7 +44,7 @@ TEST(LayerOptions, AlphaIsReadAsAskedFor) {
   expectNear(rendered("--alpha premultiplied"), {200 / 255.0, 100 / 255.0, 40 / 255.0, alpha}, 1e-3);
   expectNear(rendered("--alpha ignore"), {200 / 255.0, 100 / 255.0, 40 / 255.0, 1.0}, 1e-3);
   // OpenEXR states premultiplied colours.
-  runWell(folder, "render soft.png -o soft.exr --depth float");
+  runWell(folder, "render soft.png -o soft.exr --depth float --colorspace-layer linear");
   runWell(folder, "render soft.exr -o twice.exr --alpha straight");
   expectNear(PixelFile::read(folder / "twice.exr").at(1, 1),
              {200 / 255.0 * alpha * alpha, 100 / 255.0 * alpha * alpha, 40 / 255.0 * alpha * alpha, alpha}, 1e-3);
@@ -109,7 +109,7 @@ Spread alphaSpread(const PixelFile& picture, int row) {
 TEST(LayerOptions, FeatheredEdgesFadeByTheirDistance) {
   const TestFolder folder;
   PixelFile::filled({40, 30}, {255, 128, 0, 255}).write(folder / "layer.png");
-  runWell(folder, "render layer.png -o out.exr --depth float --feather 8");
+  runWell(folder, "render layer.png -o out.exr --depth float --feather 8 --colorspace-layer linear");
   const PixelFile out = PixelFile::read(folder / "out.exr");
   for (int x = 0; x < 20; ++x) {
     const double t = std::min(1.0, (x + 0.5) / 8);
@@ -136,7 +136,7 @@ TEST(LayerOptions, AnEnlargedLayerIsSmootherAndStaysInItsPlace) {
   layer.write(folder / "layer.png");
   const std::string corners = " --ul 0,0 --ur 240,0 --ll 0,60 --lr 240,60 --size 240x60";
   const auto error = [&](const std::string& options) {
-    runWell(folder, "render layer.png -o out.exr --depth float" + corners + options);
+    runWell(folder, "render layer.png -o out.exr --depth float --colorspace-layer linear" + corners + options);
     const PixelFile out = PixelFile::read(folder / "out.exr");
     double sum = 0.0;
     for (int x = 40; x < 200; ++x) {

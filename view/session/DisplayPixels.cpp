@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "cli/base/CommandError.h"
-#include "cli/pictures/ColourConversion.h"
 #include "cli/pictures/PixelConversion.h"
+#include "cli/shots/ShotColour.h"
 
 namespace vantorel::view {
 
@@ -42,13 +42,7 @@ host::Image copyOf(const host::ConstImageView& pixels) {
 
 }  // namespace
 
-bool holdsLinearLight(const cli::Picture& picture, bool shot_is_linear) {
-  return shot_is_linear || (picture.pixels.depth() == host::Depth::Float &&
-                            cli::outputColourSpace(picture.colour_space, false) == "sRGB" &&
-                            picture.colour_space != "sRGB" && !picture.colour_space.empty());
-}
-
-DisplayPicture displayed(std::shared_ptr<const void> owner, const host::ConstImageView& pixels, bool is_linear,
+DisplayPicture displayed(std::shared_ptr<const void> owner, const host::ConstImageView& pixels, const cli::Shot& shot,
                          const std::string& name) {
   if (pixels.depth == host::Depth::Bits8) {
     return {std::move(owner), pixels};
@@ -56,9 +50,9 @@ DisplayPicture displayed(std::shared_ptr<const void> owner, const host::ConstIma
   auto image = std::make_shared<host::Image>(cli::valueOrThrow(host::Image::create(pixels.size, host::Depth::Bits8)));
   if (pixels.depth == host::Depth::Bits16) {
     convertRows<std::uint16_t>(pixels, image->view());
-  } else if (is_linear) {
+  } else if (shot.colour && shot.colour->convertsOutput()) {
     host::Image copy = copyOf(pixels);
-    cli::fromLinear(copy.view(), "sRGB", name);
+    shot.colour->leave(copy.view(), name);
     convertRows<float>(std::as_const(copy).view(), image->view());
   } else {
     convertRows<float>(pixels, image->view());

@@ -1,10 +1,10 @@
-// Pictures as a screen shows them: 8 bits a channel, in sRGB where the pixels are in linear light.
+// Pictures as a screen shows them: 8 bits a channel, in sRGB.
 #pragma once
 
 #include <memory>
 #include <string>
 
-#include "cli/pictures/Picture.h"
+#include "cli/shots/Shot.h"
 #include "host/Image.h"
 
 namespace vantorel::view {
@@ -15,11 +15,9 @@ struct DisplayPicture {
   host::ConstImageView pixels;
 };
 
-// Whether values of such a picture are linear light.
-bool holdsLinearLight(const cli::Picture& picture, bool shot_is_linear);
-
-// 8-bit pixels as they are, without a copy of them; others converted. `name` is the picture's file, for messages.
-DisplayPicture displayed(std::shared_ptr<const void> owner, const host::ConstImageView& pixels, bool is_linear,
+// Pixels of a shot that has no output, in its own colour space: 8-bit ones as they are, without a copy of them; others
+// converted. `name` is the picture's file, for messages.
+DisplayPicture displayed(std::shared_ptr<const void> owner, const host::ConstImageView& pixels, const cli::Shot& shot,
                          const std::string& name);
 
 // Makes every pixel opaque: what it is over black.

@@ -73,10 +73,10 @@ std::string nothing(const Region& region) {
 
 }  // namespace
 
-Pictures::Pictures(cli::Shot& shot) : shot_(shot), layers_(*shot.layer, shot.options.linear), drafter_(shot.module) {
+Pictures::Pictures(cli::Shot& shot) : shot_(shot), layers_(*shot.layer, shot_), drafter_(shot.module) {
   first_readings_.push_back(readingAhead(layers_, shot.frames.first));
   if (shot.plate) {
-    plates_.emplace(*shot.plate, shot.options.linear);
+    plates_.emplace(*shot.plate, shot_);
     first_readings_.push_back(readingAhead(*plates_, shot.frames.first));
   }
 }
@@ -121,8 +121,7 @@ std::string Pictures::full(std::int32_t frame, const tracks::CornerTrack& track,
   cli::FrameRenderer renderer(shot_, stop, {});
   const cli::ComposedFrame frame_pixels = renderer.compose(frame);
   const DisplayPicture picture =
-      displayed(nullptr, host::asConst(frame_pixels.pixels),
-                holdsLinearLight(*frame_pixels.reference, shot_.options.linear), shot_.layer->path(frame));
+      displayed(nullptr, host::asConst(frame_pixels.pixels), shot_, shot_.layer->path(frame));
   const host::ConstImageView seen = part(picture.pixels, region.rect);
   host::Image shown = cli::reduced(seen, region.n);
   makeOpaque(shown.view());

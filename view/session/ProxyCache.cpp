@@ -26,7 +26,7 @@ DisplayPicture ProxyCache::at(std::int32_t frame, int n, const std::stop_token& 
   DisplayPicture whole = find(kept_frame, 1);
   if (!whole.owner) {
     const std::shared_ptr<const cli::Picture> picture = source_.at(frame, stop);
-    whole = displayed(picture, cli::shownPixels(*picture), holdsLinearLight(*picture, is_linear_), source_.path(frame));
+    whole = displayed(picture, cli::shownPixels(*picture), shot_, source_.path(frame));
     keep({kept_frame, 1, bytesOf(whole.pixels), whole});
   }
   if (n == 1) {

@@ -13,8 +13,8 @@ namespace vantorel::view {
 // Of one of the two. Keeps what was asked for last, up to a bound on its bytes. Safe to use from several threads.
 class ProxyCache {
  public:
-  // The source must outlive it; `is_linear` says whether its pictures have been converted to linear light.
-  ProxyCache(cli::PictureSource& source, bool is_linear) : source_(source), is_linear_(is_linear) {}
+  // The source and the shot that it belongs to must outlive it.
+  ProxyCache(cli::PictureSource& source, const cli::Shot& shot) : source_(source), shot_(shot) {}
 
   // The picture in that frame. Throws CommandError as reading it does.
   DisplayPicture at(std::int32_t frame, int n, const std::stop_token& stop);
@@ -31,7 +31,7 @@ class ProxyCache {
   DisplayPicture keep(Kept kept);
 
   cli::PictureSource& source_;
-  const bool is_linear_;
+  const cli::Shot& shot_;
   std::mutex mutex_;
   std::list<Kept> kept_;  // the last used first
 };

@@ -1,0 +1,202 @@
+#include "cli/colour/ColourProcessor.h"
+
+#include <tbb/parallel_for.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+
+#include "cli/colour/IccProfile.h"
+#include "cli/colour/OcioConfig.h"
+#include "host/Alpha.h"
+
+namespace vantorel::cli {
+
+namespace {
+
+std::shared_ptr<const CurveTable> decodeTable(const Transfer& transfer) {
+  return transfer.isLinear() ? nullptr
+                             : std::make_shared<const CurveTable>([=](double code) { return transfer.decode(code); });
+}
+
+std::shared_ptr<const CurveTable> encodeTable(const Transfer& transfer) {
+  return transfer.isLinear() ? nullptr
+                             : std::make_shared<const CurveTable>([=](double light) { return transfer.encode(light); });
+}
+
+// Curve, matrix, curve.
+class RgbConversion : public RowConversion {
+ public:
+  RgbConversion(const RgbModel& from, const RgbModel& to)
+      : decode_(decodeTable(from.transfer)),
+        encode_(encodeTable(to.transfer)),
+        has_matrix_(!areClose(from.primaries, to.primaries)) {
+    const Matrix3 matrix = has_matrix_ ? inverse(toXyz(to.primaries)) * toXyz(from.primaries) : kIdentity3;
+    for (std::size_t i = 0; i < 3; ++i) {
+      for (std::size_t j = 0; j < 3; ++j) {
+        matrix_[i][j] = static_cast<float>(matrix[i][j]);
+      }
+    }
+  }
+
+  void apply(float* row, int width) const override {
+    for (float* pixel = row; pixel != row + 4 * static_cast<std::ptrdiff_t>(width); pixel += 4) {
+      if (decode_) {
+        through(*decode_, pixel);
+      }
+      if (has_matrix_) {
+        multiply(pixel);
+      }
+      if (encode_) {
+        through(*encode_, pixel);
+      }
+    }
+  }
+
+ private:
+  static void through(const CurveTable& curve, float* pixel) {
+    for (int c = 0; c < 3; ++c) {
+      pixel[c] = curve(pixel[c]);
+    }
+  }
+
+  void multiply(float* pixel) const {
+    const std::array<float, 3> in{pixel[0], pixel[1], pixel[2]};
+    for (std::size_t i = 0; i < 3; ++i) {
+      pixel[i] = matrix_[i][0] * in[0] + matrix_[i][1] * in[1] + matrix_[i][2] * in[2];
+    }
+  }
+
+  std::shared_ptr<const CurveTable> decode_;
+  std::shared_ptr<const CurveTable> encode_;
+  bool has_matrix_;
+  std::array<std::array<float, 3>, 3> matrix_{};
+};
+
+// From the space into one that is an RgbModel, by a step of its own where it is not one itself.
+RgbModel enter(const ColourSpace& from, ColourProcessor& steps, const std::string& input) {
+  if (from.rgb) {
+    return *from.rgb;
+  }
+  if (from.icc) {
+    steps.push_back(from.icc->toLinear(input));
+    return *linearRec709().rgb;
+  }
+  const OcioConfig::Hub hub = from.config->hub();
+  if (hub.name != from.name) {
+    steps.push_back(from.config->conversion(from.name, hub.name));
+  }
+  return hub.model;
+}
+
+// The RgbModel from which `step` leads to the space; no step where it is one itself.
+RgbModel leave(const ColourSpace& to, std::unique_ptr<const RowConversion>& step, const std::string& input) {
+  if (to.rgb) {
+    return *to.rgb;
+  }
+  if (to.icc) {
+    step = to.icc->fromLinear(input);
+    return *linearRec709().rgb;
+  }
+  const OcioConfig::Hub hub = to.config->hub();
+  if (hub.name != to.name) {
+    step = to.config->conversion(hub.name, to.name);
+  }
+  return hub.model;
+}
+
+void convertRow(float* row, int width, const ColourProcessor& processor) {
+  host::unpremultiplyRow(row, width);
+  for (const auto& step : processor) {
+    step->apply(row, width);
+  }
+  host::repremultiplyRow(row, width);
+}
+
+template <typename Channel>
+void convertIntegerRow(Channel* row, int width, const ColourProcessor& processor) {
+  constexpr float kMax = static_cast<float>(host::kOpaque<Channel>);
+  std::vector<float> floats(4 * static_cast<std::size_t>(width));
+  std::transform(row, row + floats.size(), floats.begin(),
+                 [](Channel value) { return static_cast<float>(value) / kMax; });
+  convertRow(floats.data(), width, processor);
+  std::transform(floats.begin(), floats.end(), row,
+                 [](float value) { return static_cast<Channel>(std::clamp(value, 0.0f, 1.0f) * kMax + 0.5f); });
+}
+
+}  // namespace
+
+ColourProcessor makeProcessor(const ColourSpace& from, const ColourSpace& to, const std::string& input) {
+  ColourProcessor steps;
+  if (isSame(from, to)) {
+    return steps;
+  }
+  if (from.config && from.config == to.config) {
+    steps.push_back(from.config->conversion(from.name, to.name));
+    return steps;
+  }
+  const RgbModel entered = enter(from, steps, input);
+  std::unique_ptr<const RowConversion> last;
+  const RgbModel left = leave(to, last, input);
+  if (!isSame({"", entered, nullptr, nullptr}, {"", left, nullptr, nullptr})) {
+    steps.push_back(std::make_unique<RgbConversion>(entered, left));
+  }
+  if (last) {
+    steps.push_back(std::move(last));
+  }
+  return steps;
+}
+
+std::optional<RgbModel> modelOf(const ColourSpace& space) {
+  if (space.rgb || !isLinear(space)) {
+    return space.rgb;
+  }
+  ColourProcessor steps;
+  const Matrix3 to_xyz = toXyz(enter(space, steps, space.name).primaries);
+  std::array<float, 12> pixels{1, 0, 0, 1, 0, 1, 0, 1, 0, 0, 1, 1};
+  for (const auto& step : steps) {
+    step->apply(pixels.data(), 3);
+  }
+  std::array<Chromaticity, 3> at;
+  for (std::size_t i = 0; i < 3; ++i) {
+    const Triple xyz = to_xyz * Triple{pixels[4 * i], pixels[4 * i + 1], pixels[4 * i + 2]};
+    const double sum = xyz[0] + xyz[1] + xyz[2];
+    at[i] = {xyz[0] / sum, xyz[1] / sum};
+  }
+  const Primaries primaries{at[0], at[1], at[2], kD65};
+  return isUsable(primaries) ? std::optional(RgbModel{primaries, Transfer{}}) : std::nullopt;
+}
+
+void convert(const host::ImageView& picture, const ColourProcessor& processor) {
+  if (processor.empty()) {
+    return;
+  }
+  tbb::parallel_for(0, picture.size.height, [&](int y) {
+    switch (picture.depth) {
+      case host::Depth::Bits8:
+        return convertIntegerRow(reinterpret_cast<std::uint8_t*>(picture.row(y)), picture.size.width, processor);
+      case host::Depth::Bits16:
+        return convertIntegerRow(reinterpret_cast<std::uint16_t*>(picture.row(y)), picture.size.width, processor);
+      case host::Depth::Float:
+        return convertRow(reinterpret_cast<float*>(picture.row(y)), picture.size.width, processor);
+    }
+  });
+}
+
+void ConversionTo::operator()(const host::ImageView& picture, const ColourSpace& from, const std::string& input) {
+  if (!isSame(from, to_)) {
+    convert(picture, processorFrom(from, input));
+  }
+}
+
+const ColourProcessor& ConversionTo::processorFrom(const ColourSpace& from, const std::string& input) {
+  const std::scoped_lock lock(mutex_);
+  const auto known = std::ranges::find_if(processors_, [&](const auto& entry) { return isSame(entry.first, from); });
+  if (known != processors_.end()) {
+    return *known->second;
+  }
+  processors_.emplace_back(from, std::make_unique<const ColourProcessor>(makeProcessor(from, to_, input)));
+  return *processors_.back().second;
+}
+
+}  // namespace vantorel::cli

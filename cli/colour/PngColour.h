@@ -1,0 +1,28 @@
+// What the chunks of a PNG file say of its colours.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "cli/colour/ColourMatrix.h"
+
+namespace vantorel::cli {
+
+// Code points of ITU-T H.273.
+struct CodingPoints {
+  std::uint8_t primaries = 0;
+  std::uint8_t transfer = 0;
+};
+
+struct PngColour {
+  std::optional<CodingPoints> cicp;
+  bool has_srgb = false;
+  std::optional<double> gamma;  // of gAMA: the exponent that makes code values of light
+  std::optional<Primaries> primaries;
+};
+
+// Nothing for other files and for those that cannot be opened or end before their pixels.
+std::optional<PngColour> readPngColour(const std::string& path);
+
+}  // namespace vantorel::cli

@@ -1,0 +1,134 @@
+#include "cli/colour/TransferCurve.h"
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+namespace vantorel::cli {
+
+namespace {
+
+// A power with a straight toe, as all of this kind are: code = a * light^power - (a - 1) above `knee`, slope * light
+// below.
+struct ToedPower {
+  double a;
+  double power;
+  double slope;
+  double knee;  // of light
+
+  double encode(double light) const { return light < knee ? slope * light : a * std::pow(light, power) - (a - 1.0); }
+  double decode(double code) const {
+    return code < slope * knee ? code / slope : std::pow((code + (a - 1.0)) / a, 1.0 / power);
+  }
+};
+
+constexpr ToedPower kSrgb{1.055, 1.0 / 2.4, 12.92, 0.0031308};
+constexpr ToedPower kRec709{1.09929682680944, 0.45, 4.5, 0.018053968510807};
+constexpr ToedPower kProPhoto{1.0, 1.0 / 1.8, 16.0, 0.001953125};
+
+// ACEScct as S-2016-001 has it.
+constexpr double kCctKnee = 0.0078125;
+constexpr double kCctSlope = 10.5402377416545;
+constexpr double kCctOffset = 0.0729055341958355;
+
+double encodeCct(double light) {
+  return light <= kCctKnee ? kCctSlope * light + kCctOffset : (std::log2(light) + 9.72) / 17.52;
+}
+double decodeCct(double code) {
+  constexpr double kCodeKnee = kCctSlope * kCctKnee + kCctOffset;
+  return code <= kCodeKnee ? (code - kCctOffset) / kCctSlope : std::exp2(code * 17.52 - 9.72);
+}
+
+// Printing density of 10-bit scans: 95 is black, 685 is white, a code value is 0.002 of density at a gamma of 0.6.
+constexpr double kDensityPerCode = 1023.0 * 0.002 / 0.6;
+const double kCineonBlack = std::pow(10.0, (95.0 - 685.0) * 0.002 / 0.6);
+
+double decodeCineon(double code) {
+  return (std::pow(10.0, (code - 685.0 / 1023.0) * kDensityPerCode) - kCineonBlack) / (1.0 - kCineonBlack);
+}
+double encodeCineon(double light) {
+  constexpr double kLeast = 1e-6;  // below, nothing is left to take a logarithm of
+  const double exposure = std::max(kLeast, light * (1.0 - kCineonBlack) + kCineonBlack);
+  return 685.0 / 1023.0 + std::log10(exposure) / kDensityPerCode;
+}
+
+template <typename Curve>
+double mirrored(double x, const Curve& curve) {
+  return x < 0.0 ? -curve(-x) : curve(x);
+}
+
+const ToedPower& toedPower(TransferKind kind) {
+  return kind == TransferKind::Srgb ? kSrgb : kind == TransferKind::Rec709 ? kRec709 : kProPhoto;
+}
+
+// The octaves that are tabulated, by their exponents, and the steps in each.
+constexpr int kLowestOctave = -16;
+constexpr int kOctaves = 20;
+constexpr int kStepBits = 9;
+constexpr int kFractionBits = 23 - kStepBits;
+constexpr std::uint32_t kLowest = static_cast<std::uint32_t>(127 + kLowestOctave) << 23;
+constexpr std::uint32_t kSteps = static_cast<std::uint32_t>(kOctaves) << kStepBits;
+
+std::vector<float> tabulate(const std::function<double(double)>& curve, double sign) {
+  std::vector<float> table(kSteps + 1);
+  for (std::uint32_t i = 0; i <= kSteps; ++i) {
+    table[i] = static_cast<float>(curve(sign * double{std::bit_cast<float>(kLowest + (i << kFractionBits))}));
+  }
+  return table;
+}
+
+}  // namespace
+
+double Transfer::decode(double code) const {
+  switch (kind) {
+    case TransferKind::Linear:
+      return code;
+    case TransferKind::Gamma:
+      return mirrored(code, [this](double x) { return std::pow(x, gamma); });
+    case TransferKind::AcesCct:
+      return decodeCct(code);
+    case TransferKind::Cineon:
+      return decodeCineon(code);
+    default:
+      return mirrored(code, [this](double x) { return toedPower(kind).decode(x); });
+  }
+}
+
+double Transfer::encode(double light) const {
+  switch (kind) {
+    case TransferKind::Linear:
+      return light;
+    case TransferKind::Gamma:
+      return mirrored(light, [this](double x) { return std::pow(x, 1.0 / gamma); });
+    case TransferKind::AcesCct:
+      return encodeCct(light);
+    case TransferKind::Cineon:
+      return encodeCineon(light);
+    default:
+      return mirrored(light, [this](double x) { return toedPower(kind).encode(x); });
+  }
+}
+
+CurveTable::CurveTable(std::function<double(double)> curve)
+    : curve_(std::move(curve)),
+      positive_(tabulate(curve_, 1.0)),
+      negative_(tabulate(curve_, -1.0)),
+      zero_(static_cast<float>(curve_(0.0))) {}
+
+float CurveTable::tabulated(float magnitude, const std::vector<float>& side) const {
+  const std::uint32_t place = std::bit_cast<std::uint32_t>(magnitude) - kLowest;
+  const std::uint32_t step = place >> kFractionBits;
+  constexpr float kFraction = 1.0f / static_cast<float>(1u << kFractionBits);
+  const float fraction = static_cast<float>(place & ((1u << kFractionBits) - 1)) * kFraction;
+  return side[step] + (side[step + 1] - side[step]) * fraction;
+}
+
+float CurveTable::operator()(float x) const {
+  const float magnitude = std::abs(x);
+  if (std::bit_cast<std::uint32_t>(magnitude) - kLowest < kSteps << kFractionBits) {
+    return tabulated(magnitude, x < 0.0f ? negative_ : positive_);
+  }
+  return x == 0.0f ? zero_ : static_cast<float>(curve_(double{x}));
+}
+
+}  // namespace vantorel::cli

@@ -1,0 +1,50 @@
+// The options of colour spaces, for every command that reads pictures.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/commands/OptionTables.h"
+#include "cli/commands/OptionValues.h"
+
+namespace vantorel::cli {
+
+// Takes the value into the options' ColourOptions, which are called `colour`.
+template <typename Options, std::string ColourOptions::*Field>
+void setColour(Options& options, const std::string& name, const std::string& value) {
+  if (value.empty()) {
+    throw badArgument(name, "is empty; give a name, or omit the option");
+  }
+  options.colour.*Field = value;
+  if (options.colour.first_option.empty()) {
+    options.colour.first_option = name;
+  }
+}
+
+template <typename Options>
+OptionRow<Options> ocioRow(const char* group) {
+  return {"--ocio", "CONFIG", group, "An OpenColorIO config, whose spaces can be named (default: $OCIO, if it is set)",
+          setColour<Options, &ColourOptions::config>};
+}
+
+// Adds the rows to a command's table, under that heading; those of a plate only where the command has one.
+template <typename Options>
+std::vector<OptionRow<Options>> withColourOptions(std::vector<OptionRow<Options>> rows, const char* group,
+                                                  bool has_plate) {
+  rows.push_back({"--colorspace-layer", "NAME", group,
+                  "The colour space that the layer is in (default: as its file says, or as is usual for its kind)",
+                  setColour<Options, &ColourOptions::layer>});
+  if (has_plate) {
+    rows.push_back(
+        {"--colorspace-over", "NAME", group, "The same for the plate", setColour<Options, &ColourOptions::plate>});
+  }
+  rows.push_back({"--colorspace-out", "NAME", group,
+                  "The colour space to write (default: the plate's, else the layer's; for OpenEXR its linear light)",
+                  setColour<Options, &ColourOptions::output>});
+  rows.push_back(ocioRow<Options>(group));
+  rows.push_back({"--raw", "", group, "Convert nothing: take all numbers as they are",
+                  [](Options& o, const std::string&, const std::string&) { o.colour.raw = true; }});
+  return rows;
+}
+
+}  // namespace vantorel::cli
