@@ -258,7 +258,7 @@ Result<void> drawMoment(const TileSetting& setting, const FramePlan& plan, const
 // The mean of all moments.
 Result<void> drawBlurred(const TileSetting& setting, const Tile& tile, const Rect& visible, TileWorker& worker,
                          const ImageView& target) {
-  const auto fitted = worker.moment.fit({kTileSide, kTileSide}, target.depth).and_then([&] {
+  auto fitted = worker.moment.fit({kTileSide, kTileSide}, target.depth).and_then([&] {
     return worker.sums.fit({kTileSide, kTileSide}, Depth::Float);
   });
   if (!fitted) {

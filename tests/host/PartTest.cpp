@@ -69,7 +69,7 @@ bool isPartOf(const ConstImageView& whole, const ConstImageView& part, int left,
 
 TEST(PartTest, IsThatPartOfTheWholeAtEveryQuality) {
   std::mt19937 random(7);
-  const auto upTo = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+  const auto up_to = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
   for (const Scene& scene : kScenes) {
     for (int i = 0; i < 9; ++i) {
       const Depth depth = testing::kDepths[i % 3];
@@ -83,10 +83,10 @@ TEST(PartTest, IsThatPartOfTheWholeAtEveryQuality) {
       Instance drawn_before = instanceOf(scene, testing::loadModule("vantorel"));
       testing::renderFrame(drawn_before, other, kWhole, options);
       for (int k = 0; k < 5; ++k) {
-        const int left = upTo(whole.size().width - 1);
-        const int top = upTo(whole.size().height - 1);
-        const int right = std::min(left + 1 + upTo(70), whole.size().width - 1);
-        const int bottom = std::min(top + 1 + upTo(70), whole.size().height - 1);
+        const int left = up_to(whole.size().width - 1);
+        const int top = up_to(whole.size().height - 1);
+        const int right = std::min(left + 1 + up_to(70), whole.size().width - 1);
+        const int bottom = std::min(top + 1 + up_to(70), whole.size().height - 1);
         const int x = kWhole.left / n;  // where the whole's first pixel lies
         const int y = (kWhole.top - n + 1) / n;
         const Rect part{(x + left) * n, (y + top) * n, (x + right) * n, (y + bottom) * n};

@@ -6,6 +6,26 @@
 
 #include "tests/bridges/ofx/Session.h"
 
+namespace {
+
+int vertices_drawn = 0;
+
+}  // namespace
+
+// What the plug-in finds of OpenGL in a process that has it. The names are OpenGL's.
+// NOLINTBEGIN(readability-identifier-naming)
+#pragma GCC visibility push(default)
+extern "C" {
+void glBegin(unsigned /*mode*/) {}
+void glEnd() {}
+void glVertex2d(double /*x*/, double /*y*/) {
+  ++vertices_drawn;
+}
+void glColor4f(float /*red*/, float /*green*/, float /*blue*/, float /*alpha*/) {}
+}
+#pragma GCC visibility pop
+// NOLINTEND(readability-identifier-naming)
+
 namespace vantorel::ofx {
 namespace {
 
@@ -157,47 +177,47 @@ TEST(OfxChangeTest, TheButtonsPutCornersOntoTheSourcesOutline) {
 
 TEST(OfxRenderTest, SaysWhatIsWrongUntilItIsRight) {
   Ready session;
-  const auto expectRefused = [&](Status status, const char* fault) {
+  const auto expect_refused = [&](Status status, const char* fault) {
     EXPECT_EQ(session.render(kFrame), status);
     EXPECT_NE(session.host.message.find(fault), std::string::npos) << session.host.message;
     EXPECT_EQ(session.host.images_out, 0);
   };
   session.setParam("upperLeft", {std::nan(""), 1.0});
-  expectRefused(Status::BadValue, "not a number");
+  expect_refused(Status::BadValue, "not a number");
   session.setParam("upperLeft", {1e9, 1.0});
-  expectRefused(Status::Failed, "upper left corner");
+  expect_refused(Status::Failed, "upper left corner");
   session.setCorners(kTrapezoid, kFrame);
   EXPECT_EQ(session.render(kFrame), Status::Ok);
   EXPECT_EQ(session.host.message, "");
   session.connect("Source", {.bounds = kFrame, .depth = "OfxBitDepthByte"});
-  expectRefused(Status::ImageFormat, "Source: its depth");
+  expect_refused(Status::ImageFormat, "Source: its depth");
   session.connect("Source", {.bounds = kFrame, .components = "OfxImageComponentYUVA"});
-  expectRefused(Status::ImageFormat, "OfxImageComponentYUVA");
+  expect_refused(Status::ImageFormat, "OfxImageComponentYUVA");
   session.connect("Source", {.bounds = kFrame}).put("OfxImagePropBounds", -2147483647, -5, 2147483647, 5);
-  expectRefused(Status::ImageFormat, "larger than");
+  expect_refused(Status::ImageFormat, "larger than");
   session.connect("Source", {.bounds = kFrame}).put("OfxImagePropRowBytes", 12);
-  expectRefused(Status::ImageFormat, "too short");
+  expect_refused(Status::ImageFormat, "too short");
   session.connect("Source", {.bounds = kFrame}).put("OfxImagePropData", static_cast<void*>(nullptr));
-  expectRefused(Status::ImageFormat, "no pixels");
+  expect_refused(Status::ImageFormat, "no pixels");
 }
 
 TEST(OfxRenderTest, WithoutASourceOrWithAPartOfItTheRestIsTransparent) {
   Ready session;
-  const auto alphaAt = [&](int x) {
+  const auto alpha_at = [&](int x) {
     float alpha = -1.0F;
     std::memcpy(&alpha, pixelOf(*session.instance.clips.at("Output").image, x, 20) + 12, sizeof alpha);
     return alpha;
   };
   session.instance.clips.at("Source").image.reset();
   ASSERT_EQ(session.render(kFrame), Status::Ok);
-  EXPECT_EQ(alphaAt(30), 0.0F);
+  EXPECT_EQ(alpha_at(30), 0.0F);
   PropertySetRecord& part = session.connect("Source", {.bounds = {0, 0, 32, 48}, .full_frame = kFrame});
   for (int i = 0; i < 32 * 48 * 4; ++i) {
     reinterpret_cast<float*>(part.pixels.data())[i] = 1.0F;
   }
   ASSERT_EQ(session.render(kFrame), Status::Ok);
-  EXPECT_EQ(alphaAt(20), 1.0F);
-  EXPECT_EQ(alphaAt(40), 0.0F);
+  EXPECT_EQ(alpha_at(20), 1.0F);
+  EXPECT_EQ(alpha_at(40), 0.0F);
 }
 
 TEST(OfxRenderTest, EndsWhereTheHostWantsItTo) {
@@ -287,6 +307,13 @@ TEST_F(OfxOverlayTest, ArrowKeysMoveWhatWasHeldLast) {
   EXPECT_EQ(key("OfxInteractActionKeyDown", 'a'), Status::ReplyDefault);
   EXPECT_EQ(session.corner("upperLeft"), (std::vector<double>{0.0, 42.0}));
   EXPECT_EQ(session.host.edits_open, 0);
+}
+
+TEST_F(OfxOverlayTest, DrawsByOpenGlWhereTheHostHasNoContextOfItsOwn) {
+  vertices_drawn = 0;
+  PropertySetRecord in;
+  EXPECT_EQ(session.overlay("OfxInteractActionDraw", &in), Status::Ok);
+  EXPECT_EQ(vertices_drawn, 5 * 4);
 }
 
 TEST_F(OfxOverlayTest, DrawsTheQuadrilateralsAndNamesDegenerateOnes) {

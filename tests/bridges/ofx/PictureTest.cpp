@@ -260,6 +260,7 @@ TEST(OfxPictureTest, TilesOnEightThreadsAreTheWholeFrame) {
       std::shuffle(tiles.begin(), tiles.end(), std::mt19937(3));
       std::atomic<std::size_t> next = 0;
       std::vector<std::jthread> threads;
+      threads.reserve(8);
       for (int t = 0; t < 8; ++t) {
         threads.emplace_back([&] {
           for (std::size_t i = next++; i < tiles.size(); i = next++) {
@@ -287,24 +288,24 @@ TEST(OfxPictureTest, OtherClipsHideAndLieBelow) {
   paint(session.connect("Source", {.bounds = kFrame, .components = "OfxImageComponentRGB"}), {1.0F, 0.5F, 0.25F});
   PropertySetRecord& output = session.connect("Output", {.bounds = kFrame});
   session.setCorners({{0, 0}, {32, 0}, {0, 48}, {32, 48}}, kFrame);
-  const auto expectPixel = [&](int x, std::initializer_list<float> pixel) {
+  const auto expect_pixel = [&](int x, std::initializer_list<float> pixel) {
     ASSERT_EQ(session.render(kFrame), Status::Ok) << session.host.message;
     for (std::size_t c = 0; c < 4; ++c) {
       EXPECT_NEAR(reinterpret_cast<const float*>(pixelOf(output, x, 20))[c], pixel.begin()[c], 1e-6) << x << " " << c;
     }
   };
-  expectPixel(10, {1.0F, 0.5F, 0.25F, 1.0F});
-  expectPixel(50, {0.0F, 0.0F, 0.0F, 0.0F});
+  expect_pixel(10, {1.0F, 0.5F, 0.25F, 1.0F});
+  expect_pixel(50, {0.0F, 0.0F, 0.0F, 0.0F});
   session.setParam("opacity", {0.5});
-  expectPixel(10, {0.5F, 0.25F, 0.125F, 0.5F});
+  expect_pixel(10, {0.5F, 0.25F, 0.125F, 0.5F});
   paint(session.connect("Background", {.bounds = kFrame, .premultiplication = "OfxImageAlphaUnPremultiplied"}),
         {0.0F, 1.0F, 0.0F, 0.5F});
-  expectPixel(10, {0.5F, 0.5F, 0.125F, 0.75F});
-  expectPixel(50, {0.0F, 0.5F, 0.0F, 0.5F});
+  expect_pixel(10, {0.5F, 0.5F, 0.125F, 0.75F});
+  expect_pixel(50, {0.0F, 0.5F, 0.0F, 0.5F});
   paint(session.connect("Matte", {.bounds = kFrame, .components = "OfxImageComponentAlpha"}), {0.75F});
-  expectPixel(10, {0.125F, 0.5F, 0.03125F, 0.5625F});
+  expect_pixel(10, {0.125F, 0.5F, 0.03125F, 0.5625F});
   session.setParam("opacity", {std::nan("")});
-  expectPixel(10, {0.0F, 0.5F, 0.0F, 0.5F});
+  expect_pixel(10, {0.0F, 0.5F, 0.0F, 0.5F});
 }
 
 TEST(OfxPictureTest, APartOfTheSourceGoesOntoTheCorners) {

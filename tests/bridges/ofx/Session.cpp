@@ -1,6 +1,9 @@
 #include "tests/bridges/ofx/Session.h"
 
 #include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <exception>
 
 namespace vantorel::ofx {
 namespace {
@@ -19,7 +22,11 @@ Plugin* plugin() {
 
 Session::~Session() {
   host.refused_call = -1;
-  close();
+  try {
+    close();
+  } catch (const std::exception& error) {
+    ADD_FAILURE() << error.what();
+  }
 }
 
 Status Session::load() {

@@ -37,7 +37,7 @@ class Session {
 
   // Connects a clip to an image; its region is the image's full frame.
   PropertySetRecord& connect(const char* clip, const Layout& layout);
-  void setParam(const char* name, std::vector<double> value) { instance.params.params.at(name).value = value; }
+  void setParam(const char* name, const std::vector<double>& value) { instance.params.params.at(name).value = value; }
   // Corners in pixels from the upper left corner of a frame, y down, on a project whose frame it is.
   void setCorners(const host::Corners& corners, const RectI& frame, const char* prefix = "");
   Status render(const RectI& window, PointD scale = {1.0, 1.0});
