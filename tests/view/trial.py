@@ -7,6 +7,7 @@ trial.py pictures FOLDER           the guide's pictures, by the layer and the pl
 VANTOREL_COMMAND is the command.
 """
 
+import os
 import pathlib
 import random
 import statistics
@@ -32,6 +33,23 @@ def centre_of(browser, x, y, width, height):
     return box[0] + box[2] / 2 + (x - width / 2) * zoom, box[1] + box[3] / 2 + (y - height / 2) * zoom
 
 
+def processor_seconds(process):
+    """What a process and those below it have used."""
+    ticks, parents = {}, {}
+    for stat in pathlib.Path("/proc").glob("[0-9]*/stat"):
+        try:
+            fields = stat.read_text().rpartition(")")[2].split()
+        except OSError:
+            continue  # it has ended
+        pid = int(stat.parent.name)
+        parents[pid], ticks[pid] = int(fields[1]), int(fields[11]) + int(fields[12])
+
+    def is_below(pid):
+        return pid == process.pid or (pid in parents and is_below(parents[pid]))
+
+    return sum(count for pid, count in ticks.items() if is_below(pid)) / os.sysconf("SC_CLK_TCK")
+
+
 def measure(folder):
     browser = webdriver.Browser()
     for width, height in ((1920, 1080), (3840, 2160)):
@@ -46,7 +64,10 @@ def measure(folder):
             for i in range(1, 111):
                 steps += [{"type": "pointerMove", "x": round(x + i), "y": round(y + i / 2)},
                           {"type": "pause", "duration": 60}]
+            before = [processor_seconds(each) for each in (view.process, browser.driver)]
             browser.act("pointer", steps)
+            used = [processor_seconds(each) - b for each, b in zip((view.process, browser.driver), before)]
+            moves = browser.run("return performance.getEntriesByName('drag to drawn').length")
             drawn = browser.run("return performance.getEntriesByName('drag to drawn').map(e => e.duration)")[-100:]
             browser.run("performance.clearMeasures()")
             browser.act("pointer", [{"type": "pointerUp", "button": 0}])
@@ -55,7 +76,8 @@ def measure(folder):
             browser.open("about:blank")
             print(f"{width}x{height}: drag to drawn {statistics.median(drawn):.0f} ms (median of {len(drawn)}, worst "
                   f"{max(drawn):.0f}), let go to full quality {full:.0f} ms, first picture {first:.0f} ms after the page "
-                  "was asked for")
+                  f"was asked for; a drawn move takes {1e3 * used[0] / moves:.0f} ms of the server's processors and "
+                  f"{1e3 * used[1] / moves:.0f} ms of the browser's; load {os.getloadavg()[0]:.0f}")
             view.end()
     browser.close()
 
