@@ -6,7 +6,6 @@
 
 #include <array>
 #include <cstdlib>
-#include <filesystem>
 
 #include "cli/base/CommandError.h"
 #include "cli/base/Console.h"
@@ -17,8 +16,6 @@
 namespace vantorel::view {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 bool hasScreen() {
   return std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr;

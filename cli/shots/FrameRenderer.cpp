@@ -70,7 +70,14 @@ std::optional<FrameReport> FrameRenderer::render(std::int32_t frame) {
   return report;
 }
 
-ComposedFrame FrameRenderer::compose(std::int32_t frame) {
+// Best draws on a grid of tiles that does not depend on the canvas.
+bool FrameRenderer::composesParts() const {
+  const RenderOptions& options = shot_.options;
+  return options.quality == host::Quality::Best && options.placement == host::Placement::Outline && !options.fit &&
+         options.downsample == 1 && options.feather == 0.0 && !shot_.matte && !shot_.passes_plate;
+}
+
+ComposedFrame FrameRenderer::compose(std::int32_t frame, const std::optional<host::Rect>& part) {
   FrameReport report;
   report.frame = frame;
   report.depth = shot_.depth;
@@ -79,7 +86,9 @@ ComposedFrame FrameRenderer::compose(std::int32_t frame) {
   const std::shared_ptr<const Picture> plate = shot_.plate ? shot_.plate->at(frame, stop_) : nullptr;
   report.read_seconds = reading.seconds();
 
-  const host::Rect canvas = canvasFor(frame, layer->info.size, plate.get());
+  const bool is_part = part && composesParts();
+  const host::Rect whole = canvasFor(frame, layer->info.size, plate.get());
+  const host::Rect canvas = is_part ? *part : whole;
   prepareOutput(canvas);
   const host::FrameResult result =
       valueOrThrow(instance_.render(shownPixels(*layer), canvas, output_.view(), frameOptions(frame)));
@@ -97,7 +106,7 @@ ComposedFrame FrameRenderer::compose(std::int32_t frame) {
     applyMatte(frame, canvas);
   }
   if (plate) {
-    composite(*plate, shot_.plate->path(frame));
+    composite(*plate, shot_.plate->path(frame), canvas, is_part);
   }
   report.write_seconds = compositing.seconds();
   const host::Rect written = writtenPart(frame, canvas, plate.get());
@@ -206,13 +215,20 @@ void FrameRenderer::applyMatte(std::int32_t frame, const host::Rect& canvas) {
   holdOut(part, matte->pixels.view(), matte->info.has_alpha ? MatteChannel::Alpha : MatteChannel::Grey);
 }
 
-void FrameRenderer::composite(const Picture& plate, const std::string& plate_name) {
-  const bool fits = shot_.passes_plate ? plate.info.size == shot_.frame_size : plate.pixels.size() == output_.size();
+void FrameRenderer::composite(const Picture& plate, const std::string& plate_name, const host::Rect& canvas,
+                              bool is_part) {
+  const bool shows_frame = shot_.passes_plate || is_part;
+  const bool fits = shows_frame ? plate.info.size == shot_.frame_size : plate.pixels.size() == output_.size();
   if (!fits) {
     throw fileFailure(plate_name, fmt::format("its size is {}, the shot's is {}; give plates of one size",
                                               toText(plate.info.size), toText(shot_.frame_size)));
   }
-  compositeOver(output_.view(), plate.pixels.view());
+  host::ConstImageView behind = plate.pixels.view();
+  if (is_part) {
+    behind.data = behind.pixel(canvas.left, canvas.top);
+    behind.size = output_.size();
+  }
+  compositeOver(output_.view(), behind);
 }
 
 void FrameRenderer::write(ComposedFrame& composed) {

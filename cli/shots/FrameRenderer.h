@@ -31,17 +31,20 @@ class FrameRenderer {
   // Renders and writes the frame, or, when resuming, finds it done and returns nothing. Throws CommandError.
   std::optional<FrameReport> render(std::int32_t frame);
 
-  // Reads, renders and composites the frame, and leaves the output's file alone. Throws CommandError.
-  ComposedFrame compose(std::int32_t frame);
+  // Reads, renders and composites the frame, and leaves the output's file alone. With a part, a rectangle within the
+  // frame, that much is enough: it has the bits that it has in the whole, and where these would depend on more than the
+  // part, the whole is composed. Throws CommandError.
+  ComposedFrame compose(std::int32_t frame, const std::optional<host::Rect>& part = std::nullopt);
 
  private:
   host::FrameOptions frameOptions(std::int32_t frame) const;
+  bool composesParts() const;
   void placeCorners(host::Size layer);
   host::Rect canvasFor(std::int32_t frame, host::Size layer, const Picture* plate);
   void prepareOutput(const host::Rect& canvas);
   void featherEdges(std::int32_t frame, const host::Rect& canvas);
   void applyMatte(std::int32_t frame, const host::Rect& canvas);
-  void composite(const Picture& plate, const std::string& plate_name);
+  void composite(const Picture& plate, const std::string& plate_name, const host::Rect& canvas, bool is_part);
   host::Rect writtenPart(std::int32_t frame, const host::Rect& canvas, const Picture* plate);
   host::ImageView framePart(const host::Rect& canvas);
   void write(ComposedFrame& composed);

@@ -184,12 +184,14 @@ def check_shot(browser, folder, view):
              "-o", "again.%04d.png")
     keys = [[float(cell) for cell in row[:9]] for row in csv.reader(saved[2:])]
     for frame in FRAMES:
-        shown = view.post("picture", {"frame": frame, "n": 1, "region": [0, 0, WIDTH, HEIGHT],
-                                      "track": {"interpolation": "linear", "keys": keys}})
-        assert struct.unpack("<4i", shown[:16]) == (0, 0, WIDTH, HEIGHT)
         rendered = pixels(folder / f"again.{frame:04}.png")
-        assert shown[16:] == rendered, f"frame {frame} is shown with other pixels than it is rendered with"
         assert pixels(folder / f"out.{frame:04}.png") == rendered, f"frame {frame} is rendered differently by the page"
+        for left, top, right, bottom in ((0, 0, WIDTH, HEIGHT), (101, 37, 299, 211)):
+            shown = view.post("picture", {"frame": frame, "n": 1, "region": [left, top, right, bottom],
+                                          "track": {"interpolation": "linear", "keys": keys}})
+            assert struct.unpack("<4i", shown[:16]) == (left, top, right - left, bottom - top)
+            part = b"".join(rendered[4 * (y * WIDTH + left):4 * (y * WIDTH + right)] for y in range(top, bottom))
+            assert shown[16:] == part, f"frame {frame} is shown with other pixels than it is rendered with"
     command = browser.value("#command")
     assert command.startswith("vantorel render layer.png -o out.%04d.png --corners corners.csv"), command
     subprocess.run(command.replace("vantorel", VANTOREL, 1).replace("out.", "told."), shell=True, check=True, cwd=folder)

@@ -119,10 +119,13 @@ std::string Pictures::full(std::int32_t frame, const tracks::CornerTrack& track,
   }
   shot_.corners = asCorners(track);
   cli::FrameRenderer renderer(shot_, stop, {});
-  const cli::ComposedFrame frame_pixels = renderer.compose(frame);
+  const cli::ComposedFrame frame_pixels = renderer.compose(frame, region.rect);
   const DisplayPicture picture =
       displayed(nullptr, host::asConst(frame_pixels.pixels), shot_, shot_.layer->path(frame));
-  const host::ConstImageView seen = part(picture.pixels, region.rect);
+  const host::Rect& canvas = frame_pixels.canvas;
+  const host::ConstImageView seen =
+      part(picture.pixels, {region.rect.left - canvas.left, region.rect.top - canvas.top,
+                            region.rect.right - canvas.left, region.rect.bottom - canvas.top});
   host::Image shown = cli::reduced(seen, region.n);
   makeOpaque(shown.view());
   return pictureMessage(originOf(region), std::as_const(shown).view());

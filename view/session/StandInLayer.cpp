@@ -9,7 +9,7 @@ namespace vantorel::view {
 
 namespace fs = std::filesystem;
 
-StandInLayer::StandInLayer(cli::ViewOptions options) : options_(std::move(options)) {
+StandInLayer::StandInLayer(const cli::ViewOptions& options) : options_(options) {
   if (!options_.layer.empty()) {
     return;
   }

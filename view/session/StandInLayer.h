@@ -11,7 +11,7 @@ namespace vantorel::view {
 class StandInLayer {
  public:
   // Throws CommandError where the file cannot be written.
-  explicit StandInLayer(cli::ViewOptions options);
+  explicit StandInLayer(const cli::ViewOptions& options);
   ~StandInLayer();
   StandInLayer(const StandInLayer&) = delete;
   StandInLayer& operator=(const StandInLayer&) = delete;
