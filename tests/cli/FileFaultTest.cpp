@@ -1,0 +1,123 @@
+// Files that cannot be opened, written, synchronised or renamed, and commands that are killed: no output is half
+// written or lost, no temporary file stays, and the next run ends the shot.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <set>
+#include <string>
+
+#include "CommandRunner.h"
+
+namespace vantorel::cli {
+namespace {
+
+constexpr const char* kShot =
+    "render card.png -o out.#.png --over plate.png --ul 5,3 --ur 40,1 --no-progress --resume ";
+
+std::string contents(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// The files of a folder whose name begins so; hidden ones are temporary.
+std::map<std::string, std::string> files(const TestFolder& folder, const std::string& begin) {
+  std::map<std::string, std::string> found;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+    if (const std::string name = entry.path().filename(); name.rfind(begin, 0) == 0) {
+      found[name] = contents(entry.path());
+    }
+  }
+  return found;
+}
+
+class FileFaults : public ::testing::Test {
+ protected:
+  FileFaults() {
+    runWell(folder_, "testcard -o card.png --size 64x48");
+    runWell(folder_, "testcard -o plate.png --size 96x64");
+  }
+
+  // Renders the frames whole, remembers them and removes them.
+  void rememberFrames(const std::string& frames, const std::string& before = "") {
+    ASSERT_EQ(run(folder_, kShot + frames, before).code, 0);
+    whole_ = files(folder_, "out.");
+    removeFrames();
+  }
+
+  void removeFrames() const {
+    for (const auto& [name, bytes] : whole_) {
+      std::filesystem::remove(folder_ / name);
+    }
+  }
+
+  // Every output that is there is a whole one.
+  void expectWholeFrames(const std::string& what) const {
+    for (const auto& [name, bytes] : files(folder_, "out.")) {
+      const auto expected = whole_.find(name);
+      EXPECT_TRUE(expected != whole_.end() && expected->second == bytes) << name << " after " << what;
+    }
+  }
+
+  const TestFolder folder_;
+  std::map<std::string, std::string> whole_;
+};
+
+TEST_F(FileFaults, EveryCallThatFailsOnceIsTold) {
+  const std::string frames = "--frames 1-2 --threads 1";
+  const std::string preloaded = "LD_PRELOAD='" VANTOREL_FAULT_SHIM "' ASAN_OPTIONS=verify_asan_link_order=0 ";
+  const std::string counts_file = folder_ / "counts";
+  rememberFrames(frames, preloaded + "VANTOREL_FAULT_COUNTS='" + counts_file + "'");
+  std::ifstream counts(counts_file);
+  int tried = 0;
+  std::string function;
+  for (int calls = 0; counts >> function >> calls;) {
+    EXPECT_GT(calls, 0) << function;
+    for (const int number : std::set<int>{1, calls / 2, calls}) {
+      if (number < 1) {
+        continue;
+      }
+      const std::string what = function + " call " + std::to_string(number) + " of " + std::to_string(calls);
+      const CommandResult result =
+          run(folder_, kShot + frames, preloaded + "VANTOREL_FAULT=" + function + ":" + std::to_string(number));
+      // What is read besides pictures, such as an older frame's record, may be done without.
+      if (result.code != 0 || function != "fopen") {
+        EXPECT_EQ(result.code, 3) << what << "\n" << result.err;
+        EXPECT_EQ(result.err.rfind("vantorel: ", 0), 0u) << what << "\n" << result.err;
+        EXPECT_NE(result.err.find("; "), std::string::npos) << what << "\n" << result.err;
+      }
+      expectWholeFrames(what);
+      EXPECT_TRUE(files(folder_, ".").empty()) << "a temporary file is left after " << what;
+      EXPECT_EQ(run(folder_, kShot + frames).code, 0) << "the run after " << what;
+      EXPECT_EQ(files(folder_, "out."), whole_) << "the run after " << what;
+      removeFrames();
+      ++tried;
+    }
+  }
+  EXPECT_GE(tried, 12);
+}
+
+// VANTOREL_KILLS=200 makes it a minute or more.
+TEST_F(FileFaults, KilledRunsLeaveWholeFramesAndTheNextGoesOn) {
+  const std::string frames = "--frames 1-12 --threads 2";
+  rememberFrames(frames);
+  const char* const wanted = std::getenv("VANTOREL_KILLS");
+  const int kills = wanted != nullptr ? std::atoi(wanted) : 5;
+  int killed = 0;
+  for (int i = 0; i < kills; ++i) {
+    const std::string seconds = std::to_string(0.25 + 0.037 * (i % 16));
+    killed += run(folder_, kShot + frames, "(sleep " + seconds + "; kill -9 $$) & exec").code == 0 ? 0 : 1;
+    expectWholeFrames("a kill after " + seconds + " s");
+    if (i % 8 == 7) {
+      removeFrames();
+    }
+  }
+  EXPECT_EQ(run(folder_, kShot + frames).code, 0);
+  EXPECT_EQ(files(folder_, "out."), whole_);
+  EXPECT_TRUE(files(folder_, ".").empty()) << "a temporary file is left";
+  RecordProperty("killed", killed);
+}
+
+}  // namespace
+}  // namespace vantorel::cli
