@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "bench/quality/Measurements.h"
+#include "bench/quality/SampleRule.h"
 
 namespace {
 
@@ -18,6 +19,7 @@ struct Options {
   std::string json;
   std::vector<std::string> columns;
   quality::Selection selection;
+  bool prints_rule = false;
 };
 
 std::vector<quality::Renderer> allRenderers(const std::string& path) {
@@ -65,6 +67,10 @@ void writeJson(const std::string& path, const quality::Measurements& measurement
 }
 
 void run(const Options& options) {
+  if (options.prints_rule) {
+    std::fputs(quality::sampleRuleCsv().c_str(), stdout);
+    return;
+  }
   const quality::Measurements measurements = quality::measure(chosen(allRenderers(options.module), options.columns),
                                                               quality::TruthCache(options.truths), options.selection);
   if (measurements.pictures.empty() && measurements.placements.empty() && measurements.coverage.empty()) {
@@ -88,6 +94,7 @@ int main(int argc, char** argv) {
   app.add_option("--rows", options.selection.row, "only the rows whose name contains this");
   app.add_option("--columns", options.columns, "only these columns, separated by slashes")->delimiter('/');
   app.add_flag("!--no-times", options.selection.times, "leaves the times out");
+  app.add_flag("--rule", options.prints_rule, "prints instead what the host's rule of samples chooses, as CSV");
   CLI11_PARSE(app, argc, argv);
   try {
     run(options);
