@@ -28,21 +28,24 @@ Connections::Entry::~Entry() {
 
 void Connections::Entry::setWaiting(bool waiting) {
   const std::scoped_lock lock(all_.mutex_);
+  if (waiting && std::exchange(all_.is_wanted_, false)) {
+    ::shutdown(*place_, SHUT_RD);
+  }
   std::list<int>& from = waiting_ ? all_.waiting_ : all_.answering_;
   std::list<int>& to = waiting ? all_.waiting_ : all_.answering_;
   to.splice(to.end(), from, place_);
   waiting_ = waiting;
 }
 
-bool Connections::endLongestWaiting() {
+void Connections::endLongestWaiting() {
   const std::scoped_lock lock(mutex_);
   if (waiting_.empty()) {
-    return false;
+    is_wanted_ = true;
+    return;
   }
   // Its thread finds the connection closed and takes it off the list. Until then it is the last to be ended again.
   ::shutdown(waiting_.front(), SHUT_RDWR);
   waiting_.splice(waiting_.end(), waiting_, waiting_.begin());
-  return true;
 }
 
 void Connections::endAll() {
@@ -94,8 +97,12 @@ void ConnectionThreads::work() {
     }
     const std::function<void()> task = std::move(tasks_.front());
     tasks_.pop_front();
+    const bool others_wait = tasks_.size() > idle_;
     lock.unlock();
     changed_.notify_all();
+    if (others_wait) {
+      connections_.endLongestWaiting();
+    }
     task();
     lock.lock();
   }

@@ -34,8 +34,9 @@ class Connections {
     bool waiting_ = true;
   };
 
-  // Ends the connection that has waited for its client the longest. False where none waits.
-  bool endLongestWaiting();
+  // Ends the connection that has waited for its client the longest; where none waits, the next one that has been
+  // served.
+  void endLongestWaiting();
   // Ends all, those to come as well.
   void endAll();
 
@@ -43,12 +44,12 @@ class Connections {
   std::mutex mutex_;
   std::list<int> waiting_;
   std::list<int> answering_;
+  bool is_wanted_ = false;  // somebody waits for a connection to end
   bool ended_ = false;
 };
 
 // Runs connections on a fixed number of threads. Where all are taken, a new connection takes the place of the one that
-// has waited for its client the longest, so that clients that say nothing keep nobody out; where none waits, accepting
-// pauses.
+// has waited for its client the longest, so that clients that say nothing keep nobody out.
 class ConnectionThreads : public httplib::TaskQueue {
  public:
   explicit ConnectionThreads(Connections& connections);

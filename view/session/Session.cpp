@@ -73,18 +73,18 @@ Session::Session(const cli::ViewOptions& options) : options_(options), shot_(pla
 }
 
 json Session::description() const {
-  const auto nameOr = [](const std::string& name) { return name.empty() ? json() : json(name); };
+  const auto name_or_null = [](const std::string& name) { return name.empty() ? json() : json(name); };
   return {{"size", {shot_.frame_size.width, shot_.frame_size.height}},
           {"layer", options_.layer_label.empty() ? options_.layer : options_.layer_label},
           {"layerSize", {layer_size_.width, layer_size_.height}},
-          {"plate", nameOr(options_.plate)},
+          {"plate", name_or_null(options_.plate)},
           {"plateMoves", shot_.plate != nullptr && !shot_.plate->isStill()},
           {"frames", options_.frames ? json{shot_.frames.first, shot_.frames.last, shot_.frames.step} : json()},
           {"fps", static_cast<double>(options_.rate.scale) / options_.rate.step},
           {"track", track_.keys.empty() ? json() : toJson(track_)},
-          {"corners", nameOr(options_.track.files)},
-          {"cannotSave", nameOr(reasonNotToSave(options_.track))},
-          {"output", nameOr(options_.output)}};
+          {"corners", name_or_null(options_.track.files)},
+          {"cannotSave", name_or_null(reasonNotToSave(options_.track))},
+          {"output", name_or_null(options_.output)}};
 }
 
 json Session::save(const json& body) {
