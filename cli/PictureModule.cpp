@@ -3,7 +3,8 @@
 namespace vantorel::cli {
 
 extern "C" [[gnu::visibility("default")]] const PictureCommands* vantorelPictureCommands() {
-  static constexpr PictureCommands kCommands{VANTOREL_VERSION, runRender, runRectify, runTestCard, runDescribe, runView};
+  static constexpr PictureCommands kCommands{VANTOREL_VERSION, runRender,   runRectify,
+                                             runTestCard,      runDescribe, runView};
   return &kCommands;
 }
 

@@ -1,5 +1,6 @@
 #include "cli/colour/TransferCurve.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -61,22 +62,6 @@ const ToedPower& toedPower(TransferKind kind) {
   return kind == TransferKind::Srgb ? kSrgb : kind == TransferKind::Rec709 ? kRec709 : kProPhoto;
 }
 
-// The octaves that are tabulated, by their exponents, and the steps in each.
-constexpr int kLowestOctave = -16;
-constexpr int kOctaves = 20;
-constexpr int kStepBits = 9;
-constexpr int kFractionBits = 23 - kStepBits;
-constexpr std::uint32_t kLowest = static_cast<std::uint32_t>(127 + kLowestOctave) << 23;
-constexpr std::uint32_t kSteps = static_cast<std::uint32_t>(kOctaves) << kStepBits;
-
-std::vector<float> tabulate(const std::function<double(double)>& curve, double sign) {
-  std::vector<float> table(kSteps + 1);
-  for (std::uint32_t i = 0; i <= kSteps; ++i) {
-    table[i] = static_cast<float>(curve(sign * double{std::bit_cast<float>(kLowest + (i << kFractionBits))}));
-  }
-  return table;
-}
-
 }  // namespace
 
 double Transfer::decode(double code) const {
@@ -109,26 +94,18 @@ double Transfer::encode(double light) const {
   }
 }
 
+std::vector<float> CurveTable::tabulate(const std::function<double(double)>& curve, double sign) {
+  std::vector<float> table(kSteps + 1);
+  for (std::uint32_t i = 0; i <= kSteps; ++i) {
+    table[i] = static_cast<float>(curve(sign * double{std::bit_cast<float>(kLowest + (i << kFractionBits))}));
+  }
+  return table;
+}
+
 CurveTable::CurveTable(std::function<double(double)> curve)
     : curve_(std::move(curve)),
       positive_(tabulate(curve_, 1.0)),
       negative_(tabulate(curve_, -1.0)),
       zero_(static_cast<float>(curve_(0.0))) {}
-
-float CurveTable::tabulated(float magnitude, const std::vector<float>& side) const {
-  const std::uint32_t place = std::bit_cast<std::uint32_t>(magnitude) - kLowest;
-  const std::uint32_t step = place >> kFractionBits;
-  constexpr float kFraction = 1.0f / static_cast<float>(1u << kFractionBits);
-  const float fraction = static_cast<float>(place & ((1u << kFractionBits) - 1)) * kFraction;
-  return side[step] + (side[step + 1] - side[step]) * fraction;
-}
-
-float CurveTable::operator()(float x) const {
-  const float magnitude = std::abs(x);
-  if (std::bit_cast<std::uint32_t>(magnitude) - kLowest < kSteps << kFractionBits) {
-    return tabulated(magnitude, x < 0.0f ? negative_ : positive_);
-  }
-  return x == 0.0f ? zero_ : static_cast<float>(curve_(double{x}));
-}
 
 }  // namespace vantorel::cli

@@ -1,6 +1,9 @@
 // How code values stand for light.
 #pragma once
 
+#include <bit>
+#include <cmath>
+#include <cstdint>
 #include <functional>
 #include <vector>
 
@@ -25,10 +28,30 @@ struct Transfer {
 class CurveTable {
  public:
   explicit CurveTable(std::function<double(double)> curve);
-  float operator()(float x) const;
+
+  float operator()(float x) const {
+    const float magnitude = std::abs(x);
+    const std::uint32_t place = std::bit_cast<std::uint32_t>(magnitude) - kLowest;
+    if (place >= kSteps << kFractionBits) {
+      return x == 0.0f ? zero_ : static_cast<float>(curve_(double{x}));
+    }
+    const float* const step = (x < 0.0f ? negative_ : positive_).data() + (place >> kFractionBits);
+    constexpr float kFraction = 1.0f / static_cast<float>(1u << kFractionBits);
+    const float fraction = static_cast<float>(place & ((1u << kFractionBits) - 1)) * kFraction;
+    return step[0] + (step[1] - step[0]) * fraction;
+  }
 
  private:
-  float tabulated(float magnitude, const std::vector<float>& side) const;
+  // The octaves that are tabulated, by their exponents, and the steps in each: a float's bits, less those of the lowest
+  // one, are the number of its step and the fraction in it.
+  static constexpr int kLowestOctave = -16;
+  static constexpr int kOctaves = 20;
+  static constexpr int kStepBits = 9;
+  static constexpr int kFractionBits = 23 - kStepBits;
+  static constexpr std::uint32_t kLowest = static_cast<std::uint32_t>(127 + kLowestOctave) << 23;
+  static constexpr std::uint32_t kSteps = static_cast<std::uint32_t>(kOctaves) << kStepBits;
+
+  static std::vector<float> tabulate(const std::function<double(double)>& curve, double sign);
 
   std::function<double(double)> curve_;
   std::vector<float> positive_;
