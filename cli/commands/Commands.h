@@ -20,12 +20,14 @@ struct InfoOptions {
 
 struct TestCardOptions {
   std::string output;
+  std::string format;  // of the output; empty: by its name
   host::Size size{1920, 1080};
 };
 
 struct RectifyOptions {
   std::string photo;
   std::string output;
+  std::string format;  // of the output; empty: by its name
   bool overwrite = false;
   CornerPositions corners{};       // the page's in the photo
   std::optional<host::Size> size;  // the page's

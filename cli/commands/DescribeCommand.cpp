@@ -59,7 +59,7 @@ Description describe(const InfoOptions& options) {
   const LibraryMessagesDropped dropped;
   Description description;
   description.info = probePicture(options.file);
-  description.header = openPictureInput(options.file)->header();
+  description.header = openPictureInput({options.file, options.file})->header();
   description.colour = detectColour(options.file, *description.info.colour, colourConfig(options.colour));
   return description;
 }

@@ -84,12 +84,14 @@ const std::vector<OptionRow<RectifyOptions>>& rectifyOptionTable() {
   constexpr const char* kGiveAll = "give all four corners of the page, in pixels of the photo";
   static const std::vector<OptionRow<Options>> table = withColourOptions<Options>(
       {
-          {"PHOTO", "FILE", kOptions, "The picture that shows the page",
+          {"PHOTO", "FILE", kOptions, "The picture that shows the page; - is standard input",
            [](Options& o, Text name, Text value) { o.photo = parseFileName(name, value); },
            "name the photo: vantorel rectify PHOTO -o PAGE"},
-          {"-o,--output", "PAGE", kOptions, "The picture to write: " + outputExtensions(),
+          {"-o,--output", "PAGE", kOptions, "The picture to write: " + outputExtensions() + "; - is standard output",
            [](Options& o, Text name, Text value) { o.output = parseFileName(name, value); },
            "name the picture to write with -o PAGE"},
+          {"--format", "NAME", kOptions, "The format to write (default: by the ending of PAGE)",
+           [](Options& o, Text, Text value) { o.format = value; }},
           {"--overwrite", "", kOptions, "Replace the photo where PAGE is it",
            [](Options& o, Text, Text) { o.overwrite = true; }},
           {"--ul", "X,Y", kOptions, "Where the page's upper left corner is in the photo", setPageCorner<kUpperLeft>,
@@ -111,11 +113,13 @@ const std::vector<OptionRow<RectifyOptions>>& rectifyOptionTable() {
 
 const std::vector<OptionRow<TestCardOptions>>& testCardOptionTable() {
   static const std::vector<OptionRow<TestCardOptions>> kTable{
-      {"-o,--output", "OUT", kOptions, "The picture to write: " + outputExtensions(),
+      {"-o,--output", "OUT", kOptions, "The picture to write: " + outputExtensions() + "; - is standard output",
        [](TestCardOptions& options, const std::string& name, const std::string& value) {
          options.output = parseFileName(name, value);
        },
        "name the picture to write with -o OUT"},
+      {"--format", "NAME", kOptions, "The format to write (default: by the ending of OUT)",
+       [](TestCardOptions& options, const std::string&, const std::string& value) { options.format = value; }},
       {"--size", "WxH", kOptions, "Its size in pixels (default: 1920x1080)",
        [](TestCardOptions& options, const std::string& name, const std::string& value) {
          options.size = parseSize(name, value);

@@ -5,6 +5,7 @@
 
 #include "cli/base/CommandError.h"
 #include "cli/base/Console.h"
+#include "cli/base/StandardStreams.h"
 #include "cli/commands/Commands.h"
 #include "cli/corners/CornersTrack.h"
 #include "cli/pictures/ImageReader.h"
@@ -97,6 +98,9 @@ ExitCode runRectify(const RectifyOptions& options, const std::stop_token& stop) 
   if (options.size && options.aspect) {
     throw badArgument("--aspect", "cannot be given together with --size; omit one of them");
   }
+  if (isStandardStream(options.photo)) {
+    readStandardInput("a photo", stop);
+  }
   const host::Size photo = probePicture(options.photo).size;
   const host::Corners page = toPixels(options.corners, photo, "--");
   const host::Rect part = surroundings(page, photo);
@@ -106,6 +110,7 @@ ExitCode runRectify(const RectifyOptions& options, const std::stop_token& stop) 
   RenderOptions render;
   render.layer = options.photo;
   render.output = options.output;
+  render.format = options.format;
   render.overwrite = options.overwrite;
   render.linear = options.linear;
   render.colour = options.colour;

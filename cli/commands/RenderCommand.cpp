@@ -1,6 +1,7 @@
 #include <tbb/global_control.h>
 #include <unistd.h>
 
+#include "cli/base/StandardStreams.h"
 #include "cli/commands/Commands.h"
 #include "cli/pictures/CodecThreads.h"
 #include "cli/shots/FrameWorkers.h"
@@ -10,6 +11,9 @@
 namespace vantorel::cli {
 
 ExitCode runRender(const RenderOptions& options, const std::stop_token& stop) {
+  if (isStandardStream(options.layer) || isStandardStream(options.plate) || isStandardStream(options.matte)) {
+    readStandardInput("a picture", stop);
+  }
   const Shot shot = planShot(options);
   limitCodecThreads(options.threads, shot.frames_in_flight == 1);
   // The frames' own threads count, and the workers that help them come on top.

@@ -56,12 +56,14 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
   using Text = const std::string&;
   static const std::vector<OptionRow<Options>> kTable = withTrackOptions<Options>(
       {
-          {"LAYER", "FILE", kFiles, "The picture to stretch, or a sequence of them",
+          {"LAYER", "FILE", kFiles, "The picture to stretch, or a sequence of them; - is standard input, for PLATE too",
            [](Options& o, Text name, Text value) { o.layer = parseFileName(name, value); },
            "name the picture to render: vantorel render LAYER -o OUT", kLeaves},
-          {"-o,--output", "OUT", kFiles, "The picture to write: " + outputExtensions(),
+          {"-o,--output", "OUT", kFiles, "The picture to write: " + outputExtensions() + "; - is standard output",
            [](Options& o, Text name, Text value) { o.output = parseFileName(name, value); },
            "name the picture to write with -o OUT", kLeaves},
+          {"--format", "NAME", kFiles, "The format to write (default: by the ending of OUT)",
+           [](Options& o, Text, Text value) { o.format = value; }},
           {"--part", "PART", kFiles,
            "The name or number of the part of the plate's file, without a plate the layer's (default: the first)",
            [](Options& o, Text name, Text value) { o.selection.part = parseFileName(name, value); }},

@@ -12,7 +12,7 @@
 namespace vantorel::cli {
 
 ExitCode runTestCard(const TestCardOptions& options, const std::stop_token& stop) {
-  const ImageFormat& format = formatForOutput("--output", options.output);
+  const ImageFormat& format = chosenFormat(options.output, options.format);
   requireWritablePlace(options.output);
   OutputPicture picture;
   picture.samples = outputSamples(format, DepthChoice::Auto, SampleType::Bits8);

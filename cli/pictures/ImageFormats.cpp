@@ -6,6 +6,7 @@
 #include <array>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/StandardStreams.h"
 #include "cli/base/Text.h"
 
 namespace vantorel::cli {
@@ -23,7 +24,12 @@ constexpr std::array kFormats{
                 .longest_side = 1000000,
                 .holds8 = true,
                 .holds16 = true},
-    ImageFormat{.name = "JPEG", .writer = "jpeg", .extensions = ".jpg .jpeg", .longest_side = 65500, .holds8 = true},
+    ImageFormat{.name = "JPEG",
+                .writer = "jpeg",
+                .extensions = ".jpg .jpeg",
+                .longest_side = 65500,
+                .most_metadata = 60000,
+                .holds8 = true},
     ImageFormat{.name = "TIFF",
                 .writer = "tiff",
                 .extensions = ".tif .tiff",
@@ -48,6 +54,13 @@ constexpr std::array kFormats{
 
 bool lists(const ImageFormat& format, const std::string& extension) {
   return (std::string(format.extensions) + ' ').find(extension + ' ') != std::string::npos;
+}
+
+// Null for an extension (with its dot) that no format has.
+const ImageFormat* formatOf(const std::string& extension) {
+  const auto found =
+      std::ranges::find_if(kFormats, [&](const ImageFormat& format) { return lists(format, extension); });
+  return extension.empty() || found == kFormats.end() ? nullptr : &*found;
 }
 
 bool holds(const ImageFormat& format, SampleType type) {
@@ -94,16 +107,26 @@ std::string outputExtensions() {
 
 const ImageFormat& formatForOutput(const std::string& option, const std::string& path) {
   const std::string extension = lowerCaseExtension(path);
-  if (!extension.empty()) {
-    for (const ImageFormat& format : kFormats) {
-      if (lists(format, extension)) {
-        return format;
-      }
-    }
+  if (const ImageFormat* format = formatOf(extension)) {
+    return *format;
   }
   const std::string fault = extension.empty() ? "has no extension that tells the format"
                                               : fmt::format("has the unknown format '{}'", extension);
   throw badArgument(option, fmt::format("'{}' {}; end the name in {}", path, fault, outputExtensions()));
+}
+
+const ImageFormat& chosenFormat(const std::string& path, const std::string& name) {
+  constexpr const char* kNames = "png, jpg, tif, exr or dpx";
+  if (name.empty() && !isStandardStream(path)) {
+    return formatForOutput("--output", path);
+  }
+  if (name.empty()) {
+    throw badArgument("--format", fmt::format("is missing for standard output; give {}", kNames));
+  }
+  if (const ImageFormat* format = formatOf('.' + name)) {
+    return *format;
+  }
+  throw badArgument("--format", fmt::format("'{}' is not known; give {}", name, kNames));
 }
 
 void requireSizeHeld(const ImageFormat& format, const std::string& path, host::Size size) {

@@ -1,6 +1,7 @@
 // What each kind of output file can hold, and which kind of sample a picture is written with.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "host/Image.h"
@@ -25,6 +26,7 @@ struct ImageFormat {
   bool passes_parts = false;        // written by OpenEXR's own library, which passes on what a plate holds besides
   bool must_be_finished = false;    // its library prints an error about a picture that is closed early
   int longest_side = 0;             // in pixels; 0 where other limits come first
+  std::size_t most_metadata = 0;    // bytes of all attributes together; 0 where other limits come first
   bool holds8 = false;
   bool holds16 = false;
   bool holds_half = false;
@@ -37,6 +39,10 @@ std::string outputExtensions();
 // The format that the file name's extension stands for. Throws CommandError (bad argument), naming the option and
 // listing the known formats, when there is none.
 const ImageFormat& formatForOutput(const std::string& option, const std::string& path);
+
+// The format of an output as the options have it: by `name` ("png", "exr"), or where that is empty by the path. Throws
+// CommandError (bad argument).
+const ImageFormat& chosenFormat(const std::string& path, const std::string& name);
 
 // Throws CommandError (bad argument) when the format cannot hold a picture of that size.
 void requireSizeHeld(const ImageFormat& format, const std::string& path, host::Size size);

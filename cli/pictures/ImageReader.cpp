@@ -10,9 +10,10 @@
 #include "cli/base/CommandError.h"
 #include "cli/base/Console.h"
 #include "cli/base/Files.h"
+#include "cli/base/StandardStreams.h"
 #include "cli/pictures/ChannelPlan.h"
 #include "cli/pictures/ColourTags.h"
-#include "cli/pictures/Metadata.h"
+#include "cli/pictures/KeptMetadata.h"
 #include "cli/pictures/Orientation.h"
 #include "cli/pictures/PictureInput.h"
 #include "cli/pictures/PixelConversion.h"
@@ -28,7 +29,7 @@ constexpr int kRowsPerRead = 256;
 
 // An open file, and how to interpret its pixels.
 struct Source {
-  std::string path;
+  InputFile file;
   std::unique_ptr<PictureInput> input;
   ChannelPlan plan;
   bool unassociated = false;
@@ -39,20 +40,23 @@ struct Source {
 };
 
 Source openSource(const std::string& path, const ReadingOptions& options = {}) {
-  requireReadableFile(path, "a picture file");
+  const InputFile file{openablePath(path), inputName(path)};
+  if (!isStandardStream(path)) {
+    requireReadableFile(path, "a picture file");
+  }
   // Looked at before the libraries do, which take as much memory as a part of a file is said to have.
-  if (isTruncated(path)) {
-    throw fileFailure(path, "is truncated; give the whole file");
+  if (isTruncated(file.path)) {
+    throw fileFailure(file.name, "is truncated; give the whole file");
   }
   const ReadLimits limits = readLimits();
   Source source;
-  source.path = path;
-  source.clock.emplace(limits, path);
-  source.input = openPictureInput(path, options.selection.part);
-  requireSaneHeader(source.header(), path);
-  requirePixelsWithin(limits, path, "a picture", source.displaySize());
-  requirePixelsWithin(limits, path, "a data window", {source.header().data.width, source.header().data.height});
-  source.plan = planChannels(source.header(), options.selection.layer, path);
+  source.file = file;
+  source.clock.emplace(limits, file.name);
+  source.input = openPictureInput(file, options.selection.part);
+  requireSaneHeader(source.header(), file.name);
+  requirePixelsWithin(limits, file.name, "a picture", source.displaySize());
+  requirePixelsWithin(limits, file.name, "a data window", {source.header().data.width, source.header().data.height});
+  source.plan = planChannels(source.header(), options.selection.layer, file.name);
   if (options.alpha == AlphaReading::Ignored) {
     source.plan.source[3] = -1;
   }
@@ -81,7 +85,13 @@ PictureInfo infoOf(const Source& source) {
 // What a file that is made from the picture replaces of this one.
 std::shared_ptr<const PictureOrigin> originOf(const Source& source, const std::string& layer) {
   const PictureHeader& header = source.header();
-  PictureOrigin origin{source.path, header.format == "openexr", header.part, header.display.x, header.display.y, {},
+  PictureOrigin origin{source.file.path,
+                       source.file.name,
+                       header.format == "openexr",
+                       header.part,
+                       header.display.x,
+                       header.display.y,
+                       {},
                        {}};
   const std::string prefix = layer.empty() ? "" : layer + '.';
   constexpr std::array<const char*, 4> kNames{"R", "G", "B", "A"};
@@ -214,20 +224,6 @@ void readCropped(Source& source, const host::Rect& window, const host::ImageView
   });
 }
 
-std::shared_ptr<const Metadata> keptMetadata(const Metadata& all) {
-  constexpr const char* kKept[] = {"oiio:ColorSpace", "oiio:Gamma",       "ICCProfile",        "PixelAspectRatio",
-                                   "XResolution",     "YResolution",      "ResolutionUnit",    "FramesPerSecond",
-                                   "smpte:TimeCode",  "smpte:KeyCode",    "chromaticities",    "Artist",
-                                   "Copyright",       "ImageDescription", "oiio:BitsPerSample"};
-  auto kept = std::make_shared<Metadata>();
-  for (const char* name : kKept) {
-    if (const Attribute* attribute = all.find(name)) {
-      kept->set(*attribute);
-    }
-  }
-  return kept;
-}
-
 }  // namespace
 
 PictureInfo probePicture(const std::string& path, const ReadingOptions& options) {
@@ -241,7 +237,7 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
   Source source = openSource(path, options);
   Picture picture;
   picture.info = infoOf(source);
-  picture.metadata = keptMetadata(source.header().metadata);
+  picture.metadata = std::make_shared<const Metadata>(keptMetadata(source.header().metadata));
   picture.origin = originOf(source, options.selection.layer);
 
   const host::Rect display{0, 0, source.displaySize().width, source.displaySize().height};

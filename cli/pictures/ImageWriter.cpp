@@ -5,6 +5,7 @@
 
 #include "cli/base/CommandError.h"
 #include "cli/pictures/FileRecord.h"
+#include "cli/pictures/KeptMetadata.h"
 #include "cli/pictures/PictureOutput.h"
 
 namespace vantorel::cli {
@@ -21,11 +22,15 @@ std::unique_ptr<PictureOutput> openOutput(const std::string& path, OutputFile& f
 
 }  // namespace
 
-void writePicture(const std::string& path, const ImageFormat& format, const OutputPicture& picture,
+void writePicture(const std::string& output_path, const ImageFormat& format, const OutputPicture& picture,
                   const std::stop_token& stop) {
+  const std::string path = outputName(output_path);
   requireSizeHeld(format, path, picture.pixels.size);
   requireEncodingHeld(format, picture.encoding);
-  OutputFile file(path);
+  if (picture.metadata) {
+    requireMetadataHeld(format, *picture.metadata, picture.origin ? picture.origin->name : path);
+  }
+  OutputFile file(output_path);
   // The file outlives the output, which may write as it is destroyed.
   const std::unique_ptr<PictureOutput> output = openOutput(path, file, format, picture);
   const host::ConstImageView& pixels = picture.pixels;

@@ -55,7 +55,7 @@ auto ofPlate(const PictureOrigin& origin, const Step& step) {
   try {
     return step();
   } catch (const Iex::BaseExc& fault) {
-    throw unreadablePicture(origin.path, fault.what());
+    throw unreadablePicture(origin.name, fault.what());
   }
 }
 
@@ -142,6 +142,19 @@ class OpenExrOutput : public PictureOutput {
     }
   }
 
+  // All parts of a file share one set of primaries, those of the pixels as they are now.
+  void tagColours(Imf::Header& header) const {
+    const std::vector<float> values =
+        picture_.metadata ? picture_.metadata->floats("chromaticities") : std::vector<float>();
+    constexpr std::size_t kValues = 8;
+    if (values.size() == kValues) {
+      Imf::addChromaticities(
+          header, {{values[0], values[1]}, {values[2], values[3]}, {values[4], values[5]}, {values[6], values[7]}});
+    } else {
+      header.erase("chromaticities");
+    }
+  }
+
   std::vector<Imf::Header> describe() {
     std::vector<Imf::Header> headers;
     if (passesParts()) {
@@ -150,6 +163,9 @@ class OpenExrOutput : public PictureOutput {
       }
     } else {
       headers.push_back(pictureHeader());
+    }
+    for (Imf::Header& header : headers) {
+      tagColours(header);
     }
     return headers;
   }

@@ -1,4 +1,5 @@
 #include <OpenImageIO/imageio.h>
+#include <OpenImageIO/strutil.h>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -49,13 +50,13 @@ void describe(const OIIO::ImageSpec& spec, PictureHeader& header) {
 
 class OpenImageIoInput : public PictureInput {
  public:
-  OpenImageIoInput(const std::string& path, const std::string& part) : path_(path) {
+  OpenImageIoInput(const InputFile& file, const std::string& part) : path_(file.name) {
     // Premultiplying is done by the caller, with exact rounding and no regard to a gamma that the file may state.
     OIIO::ImageSpec request;
     request.attribute("oiio:UnassociatedAlpha", 1);
-    input_ = OIIO::ImageInput::open(path, &request);
+    input_ = OIIO::ImageInput::open(file.path, &request);
     if (!input_) {
-      throw unreadablePicture(path, OIIO::geterror());
+      throw unreadablePicture(path_, OIIO::Strutil::replace(OIIO::geterror(), file.path, file.name));
     }
     const bool is_openexr = std::strcmp(input_->format_name(), "openexr") == 0;
     const int number = is_openexr || !part.empty() ? choosePart(part) : 0;
@@ -142,8 +143,8 @@ CommandError unreadablePicture(const std::string& path, const std::string& reaso
                                        oneLine(reason)));
 }
 
-std::unique_ptr<PictureInput> openPictureInput(const std::string& path, const std::string& part) {
-  return std::make_unique<OpenImageIoInput>(path, part);
+std::unique_ptr<PictureInput> openPictureInput(const InputFile& file, const std::string& part) {
+  return std::make_unique<OpenImageIoInput>(file, part);
 }
 
 }  // namespace vantorel::cli

@@ -85,6 +85,12 @@ int createLocked(const fs::path& target, std::string& name) {
 }  // namespace
 
 void requireWritablePlace(const std::string& path) {
+  if (isStandardStream(path)) {
+    if (isatty(STDOUT_FILENO) != 0) {
+      throw fileFailure(outputName(path), "is a terminal; send the picture through a pipe or into a file");
+    }
+    return;
+  }
   const fs::path target = followLinks(path);
   const fs::path folder = folderOf(target);
   std::error_code fault;
@@ -104,14 +110,22 @@ void requireWritablePlace(const std::string& path) {
   }
 }
 
-OutputFile::OutputFile(const std::string& path) : path_(path), target_(followLinks(path).string()) {
+OutputFile::OutputFile(const std::string& path)
+    : path_(outputName(path)), target_(isStandardStream(path) ? path : followLinks(path).string()) {
   requireWritablePlace(path);
-  removeAbandoned(target_);
-  const int descriptor = createLocked(target_, temporary_);
+  int descriptor = -1;
+  if (isStandardStream(path)) {
+    unnamed_ = std::make_unique<UnnamedFile>(path_);
+    temporary_ = unnamed_->path();
+    descriptor = dup(unnamed_->descriptor());
+  } else {
+    removeAbandoned(target_);
+    descriptor = createLocked(target_, temporary_);
+  }
   if (descriptor < 0) {
     const int fault = errno;
     temporary_.clear();
-    throw unwritable(path, fault);
+    throw unwritable(path_, fault);
   }
   // The same open file once more keeps the lock when the stream is closed.
   lock_ = dup(descriptor);
@@ -120,7 +134,7 @@ OutputFile::OutputFile(const std::string& path) : path_(path), target_(followLin
     const int fault = errno;
     ::close(descriptor);
     discard();
-    throw unwritable(path, fault);
+    throw unwritable(path_, fault);
   }
 }
 
@@ -130,7 +144,7 @@ OutputFile::~OutputFile() {
 
 void OutputFile::discard() {
   file_.reset();
-  if (!temporary_.empty()) {
+  if (!temporary_.empty() && !unnamed_) {
     unlink(temporary_.c_str());
   }
   if (lock_ >= 0) {
@@ -140,6 +154,11 @@ void OutputFile::discard() {
 }
 
 void OutputFile::commit() {
+  if (unnamed_) {
+    note(std::fflush(file_.get()) == 0);
+    throwIfFailed();
+    return writeToStandardOutput(unnamed_->descriptor());
+  }
   // On the disk before it takes its name, so that a power failure leaves the old file or the new one, whole. Some file
   // systems have nothing to synchronise.
   note(std::fflush(file_.get()) == 0);

@@ -35,6 +35,7 @@ struct PictureInfo {
 // The file that a picture is part of, and what is replaced of it in a file that is made from it.
 struct PictureOrigin {
   std::string path;
+  std::string name;  // what messages call it
   bool is_openexr = false;
   int part = 0;
   int display_x = 0;  // where the display window lies by the file's own count

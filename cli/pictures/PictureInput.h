@@ -33,9 +33,15 @@ class PictureInput {
   virtual void readRows(int y_begin, ChannelRange channels, const host::ImageView& rows) = 0;
 };
 
+// A file to read, and what messages call it.
+struct InputFile {
+  std::string path;
+  std::string name;
+};
+
 // Opens the file and reads the header of one of its pictures: `part` is a name, or a number from 0; the first where it
-// is empty. The header is not checked yet. Throws CommandError (file failure) naming the path.
-std::unique_ptr<PictureInput> openPictureInput(const std::string& path, const std::string& part = "");
+// is empty. The header is not checked yet. Throws CommandError (file failure) naming the file.
+std::unique_ptr<PictureInput> openPictureInput(const InputFile& file, const std::string& part = "");
 
 // The fault of a file that its library does not understand, with the library's reason.
 CommandError unreadablePicture(const std::string& path, const std::string& reason);

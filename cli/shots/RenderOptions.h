@@ -32,6 +32,7 @@ inline unsigned allCores() {
 struct RenderOptions {
   std::string layer;       // a name, or with `frames` the pattern of a sequence's names
   std::string output;      // the same
+  std::string format;      // the output's; empty: by its name
   bool overwrite = false;  // inputs too
   OptionalCorners corners;
   // The quadrilateral of the layer that goes onto the corners; a corner that is not given is the layer's own.

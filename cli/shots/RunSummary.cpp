@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "cli/base/StandardStreams.h"
 #include "cli/base/Text.h"
 
 namespace vantorel::cli {
@@ -57,12 +58,12 @@ std::vector<std::string> RunSummary::messages(const Shot& shot) const {
 }
 
 std::string RunSummary::lastLine(const Shot& shot, double seconds) const {
-  const std::string first = shot.output.path(shot.frames.first);
+  const std::string first = outputName(shot.output.path(shot.frames.first));
   std::string line = fmt::format("{} in {:.1f} s", counted(rendered_, "frame"), seconds);
   if (rendered_ > 1 && seconds > 0) {
     line += fmt::format(", {:.1f} frames/s", static_cast<double>(rendered_) / seconds);
   }
-  const bool one_file = shot.frames.count() == 1;
+  const bool one_file = shot.frames.count() == 1 || !shot.output.hasNumber();
   return line + ", " + (one_file ? first : first + " to " + shot.output.path(shot.frames.at(shot.frames.count() - 1)));
 }
 

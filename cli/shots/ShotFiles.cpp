@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <utility>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/StandardStreams.h"
 #include "cli/pictures/OutputFile.h"
 
 namespace vantorel::cli {
@@ -30,7 +32,7 @@ FramePattern filesOf(const std::string& input, const std::string& name, const Re
 
 FramePattern outputFiles(const RenderOptions& options, const FrameRange& frames) {
   FramePattern files = filesOf("--output", options.output, options);
-  if (frames.count() > 1 && !files.hasNumber()) {
+  if (frames.count() > 1 && !files.hasNumber() && !isStandardStream(options.output)) {
     throw badArgument("--output", fmt::format("'{}' has no place for the frame number, so that every frame would "
                                               "replace the one before; put %04d or #### into the name",
                                               options.output));
@@ -41,6 +43,9 @@ FramePattern outputFiles(const RenderOptions& options, const FrameRange& frames)
 
 InputFiles inputFiles(const std::string& input, const std::string& name, std::optional<std::int32_t> start,
                       const char* start_option, const Shot& shot) {
+  if (isStandardStream(name) && openablePath(name) == name) {
+    throw badArgument(input, "cannot be standard input here; give a file");
+  }
   InputFiles files(filesOf(input, name, shot.options));
   if (start) {
     if (!files.hasNumber()) {
@@ -80,14 +85,40 @@ void planReading(Shot& shot) {
   shot.plate_reading.keep_overscan = shot.passes_plate;
 }
 
+// Two inputs cannot read one stream, and a picture there leaves no room for text.
+void refuseSharedStreams(const RenderOptions& options) {
+  std::string user;
+  for (const auto& [option, file] :
+       {std::pair{"LAYER", options.layer}, std::pair{"--over", options.plate}, std::pair{"--matte", options.matte},
+        std::pair{"--corners", options.track.files}}) {
+    if (!isStandardStream(file)) {
+      continue;
+    }
+    if (!user.empty()) {
+      throw badArgument(option, fmt::format("cannot be standard input, which {} reads already; give a file", user));
+    }
+    user = option;
+  }
+  if (!isStandardStream(options.output)) {
+    return;
+  }
+  if (options.json) {
+    throw badArgument("--json", "writes to standard output, where the picture goes; omit it, or write to a file");
+  }
+  if (options.resume) {
+    throw badArgument("--resume", "has no files to look at where the output is standard output; omit it");
+  }
+}
+
 }  // namespace
 
 void planFiles(Shot& shot) {
   const RenderOptions& options = shot.options;
+  refuseSharedStreams(options);
   const std::int32_t still = options.at.value_or(0);
   shot.frames = options.frames.value_or(FrameRange{still, still, 1});
   if (!options.output.empty()) {
-    shot.format = &formatForOutput("--output", options.output);
+    shot.format = &chosenFormat(options.output, options.format);
   }
   shot.layer_files = inputFiles("LAYER", options.layer, options.layer_start, "--layer-start", shot);
   if (options.layer_end) {

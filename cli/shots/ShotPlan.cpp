@@ -8,6 +8,7 @@
 
 #include "cli/base/CommandError.h"
 #include "cli/base/Memory.h"
+#include "cli/base/StandardStreams.h"
 #include "cli/base/Text.h"
 #include "cli/pictures/ImageReader.h"
 #include "cli/pictures/Reduce.h"
@@ -315,7 +316,8 @@ Shot planShot(const RenderOptions& options, std::optional<CornersTrack> corners)
   if (shot.corners.read) {
     tellNotes(resolveCorners(shot.corners, heads.layer.size, shot.frame_size).notes);
   }
-  shot.frames_in_flight = framesInFlight(shot, heads);
+  // Frames on standard output follow one another.
+  shot.frames_in_flight = isStandardStream(options.output) ? 1 : framesInFlight(shot, heads);
   shot.threads_per_frame = std::max(1u, options.threads / static_cast<unsigned>(shot.frames_in_flight));
 
   shot.layer =

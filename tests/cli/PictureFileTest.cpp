@@ -332,6 +332,73 @@ TEST(PictureFile, RecordsTellSettingsAndDamage) {
   EXPECT_EQ(checkRecord(folder / "none.png", 42), RecordState::Absent);
 }
 
+// Names of attributes, with values that each format gives back as they are.
+TEST(PictureFile, AttributesPassAsFarAsTheFormatHoldsThem) {
+  const TestFolder folder;
+  ImageSpec spec(2, 1, 3, TypeDesc::UINT8);
+  const float latitude[3] = {48, 30, 15};
+  spec.attribute("GPS:Latitude", TypeDesc(TypeDesc::FLOAT, 3), latitude);
+  spec.attribute("GPS:LatitudeRef", "N");
+  spec.attribute("IPTC:City", "Rome");
+  spec.attribute("Make", "Camera");
+  spec.attribute("Copyright", "somebody");
+  spec.attribute("DateTime", "2020:01:02 03:04:05");
+  spec.attribute("Exif:DateTimeOriginal", "2019:01:02 03:04:05");
+  spec.attribute("XResolution", 300.0f);
+  spec.attribute("YResolution", 300.0f);
+  spec.attribute("ResolutionUnit", "in");
+  spec.attribute("dc:creator", "author");
+  spec.attribute("Orientation", 6);
+  writeFile<std::uint8_t>(folder / "from.jpg", spec, std::vector<std::uint8_t>(6, 100));
+  const Picture from = readAt(folder / "from.jpg", host::Depth::Bits8);
+
+  using Names = std::vector<const char*>;
+  const std::pair<const char*, Names> held[] = {
+      {"to.jpg",
+       {"GPS:Latitude", "GPS:LatitudeRef", "IPTC:City", "Make", "Copyright", "DateTime", "Exif:DateTimeOriginal",
+        "XResolution", "ResolutionUnit"}},
+      {"to.tif", {"Make", "Copyright", "DateTime", "Exif:DateTimeOriginal", "XResolution", "ResolutionUnit"}},
+      {"to.png", {"IPTC:City", "Make", "Copyright", "DateTime"}},
+      {"to.dpx", {"Copyright", "DateTime"}},
+      {"to.exr", {"GPS:Latitude", "IPTC:City", "Copyright", "DateTime", "XResolution"}}};
+  for (const auto& [name, attributes] : held) {
+    const std::string path = folder / name;
+    const ImageFormat& format = formatForOutput("", path);
+    OutputPicture picture = describe(from.pixels, outputSamples(format, DepthChoice::Auto, SampleType::Bits8));
+    picture.metadata = from.metadata;
+    writePicture(path, format, picture, {});
+    const Picture back = readAt(path, host::Depth::Bits8);
+    EXPECT_EQ(back.pixels.size(), (host::Size{1, 2})) << name << ": upright, once";
+    for (const char* attribute : attributes) {
+      const Attribute* const before = from.metadata->find(attribute);
+      const Attribute* const after = back.metadata->find(attribute);
+      ASSERT_TRUE(before != nullptr && after != nullptr) << name << " " << attribute;
+      EXPECT_EQ(before->text, after->text) << name << " " << attribute;
+      EXPECT_EQ(before->bytes, after->bytes) << name << " " << attribute;
+    }
+  }
+}
+
+// The library of JPEG once ended the process here.
+TEST(PictureFile, AttributesThatAreTooLongAreNamed) {
+  const TestFolder folder;
+  const host::Image image = sample(host::Depth::Bits8);
+  OutputPicture picture = describe(image, SampleType::Bits8);
+  Metadata metadata;
+  metadata.set(textAttribute("Copyright", "somebody"));
+  metadata.set(textAttribute("ImageDescription", std::string(70000, 'x')));
+  picture.metadata = std::make_shared<const Metadata>(metadata);
+  const std::string path = folder / "a.jpg";
+  try {
+    writePicture(path, formatForOutput("", path), picture, {});
+    ADD_FAILURE() << "was written";
+  } catch (const CommandError& error) {
+    EXPECT_EQ(error.code(), ExitCode::FileFailed);
+    EXPECT_NE(error.text().find("its attribute 'ImageDescription' has 70000 bytes"), std::string::npos) << error.text();
+  }
+  EXPECT_EQ(folder.count(), 0U);
+}
+
 TEST(PictureFile, CameraOrientationsAreTurnedUpright) {
   const TestFolder folder;
   // Stored as 1 2 3 / 4 5 6, by orientation 1 to 8.

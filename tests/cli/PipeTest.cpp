@@ -1,0 +1,67 @@
+// Standard input and output in place of files.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "CommandRunner.h"
+
+namespace vantorel::cli {
+namespace {
+
+TEST(Pipe, PicturesGoThroughPipesInEveryFormat) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 40x30");
+  for (const std::string format : {"png", "jpg", "tif", "exr", "dpx"}) {
+    const std::string corners = " --ul 3,2 --lr 36,29";
+    const std::string file = "file." + format;
+    runWell(folder, "render card.png -o " + file + corners);
+    const CommandResult piped =
+        run(folder, "render - -o - --format " + format + corners + " > pipe." + format, "cat card.png |");
+    EXPECT_EQ(piped.code, 0) << piped.err;
+    EXPECT_EQ(difference(folder / file, folder / ("pipe." + format)), 0.0) << format;
+  }
+  EXPECT_EQ(run(folder, "render card.png --over - -o over.png", "cat card.png |").code, 0);
+}
+
+TEST(Pipe, ASequenceFollowsOnAndProgressKeepsOutOfIt) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.dpx --size 40x30");
+  runWell(folder, "render card.dpx -o one.dpx");
+  EXPECT_EQ(run(folder, "render card.dpx -o - --format dpx --frames 1-3 --progress > all.dpx").code, 0);
+  EXPECT_EQ(std::filesystem::file_size(folder / "all.dpx"), 3 * std::filesystem::file_size(folder / "one.dpx"));
+}
+
+TEST(Pipe, FaultsNameTheStream) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 400x300");
+  struct Case {
+    const char* before;
+    const char* arguments;
+    int code;
+    const char* message;
+  };
+  for (const Case& one : {
+           Case{"", "render - -o out.png < /dev/null", 3, "standard input: is empty; send a picture"},
+           Case{"head -c 900 card.png |", "render - -o out.png", 3, "standard input: is truncated"},
+           Case{"echo text |", "render - -o out.png", 3, "standard input: cannot be read as a picture"},
+           Case{"", "render - --over - -o out.png < card.png", 2,
+                "--over: cannot be standard input, which LAYER reads"},
+           Case{"", "render card.png -o -", 2, "--format: is missing for standard output; give png, jpg"},
+           Case{"", "render card.png -o - --format gif", 2, "--format: 'gif' is not known; give png"},
+           Case{"", "render card.png -o - --format png --json", 2, "--json: writes to standard output"},
+           Case{"", "render card.png -o - --format png --resume", 2, "--resume: has no files to look at"},
+           Case{"", "testcard -o - --format png > /dev/full", 3, "standard output: cannot be written to (No space"},
+       }) {
+    const CommandResult result = run(folder, one.arguments, one.before);
+    EXPECT_EQ(result.code, one.code) << one.arguments;
+    EXPECT_NE(result.err.find(one.message), std::string::npos) << one.arguments << ": " << result.err;
+    EXPECT_EQ(folder.count(), 1U) << one.arguments;
+  }
+  const CommandResult unread =
+      run(folder, "testcard -o - --format dpx > fifo", "mkfifo fifo; head -c 9 fifo > /dev/null &");
+  EXPECT_EQ(unread.code, 3);
+  EXPECT_NE(unread.err.find("standard output: cannot be written to (Broken pipe)"), std::string::npos) << unread.err;
+}
+
+}  // namespace
+}  // namespace vantorel::cli
