@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
+#include <vector>
 
 #include "cli/base/CommandError.h"
 #include "cli/base/NumberParsing.h"
@@ -48,6 +50,23 @@ void describe(const OIIO::ImageSpec& spec, PictureHeader& header) {
   header.metadata = metadataOf(spec);
 }
 
+// Rows of 8 bits as 16: 255 becomes 65535, exactly. OpenImageIO does the same sample by sample, and more slowly.
+void widenRow(const std::byte* narrow, int width, int channels, std::byte* wide) {
+  const auto* from = reinterpret_cast<const std::uint8_t*>(narrow);
+  auto* to = reinterpret_cast<std::uint16_t*>(wide);
+  constexpr int kFactor = 257;
+  if (channels == 4) {
+    std::transform(from, from + 4 * static_cast<std::ptrdiff_t>(width), to,
+                   [](std::uint8_t value) { return static_cast<std::uint16_t>(value * kFactor); });
+    return;
+  }
+  for (int x = 0; x < width; ++x, from += 4, to += 4) {
+    for (int c = 0; c < channels; ++c) {
+      to[c] = static_cast<std::uint16_t>(from[c] * kFactor);
+    }
+  }
+}
+
 class OpenImageIoInput : public PictureInput {
  public:
   OpenImageIoInput(const InputFile& file, const std::string& part) : path_(file.name) {
@@ -68,12 +87,28 @@ class OpenImageIoInput : public PictureInput {
   const PictureHeader& header() const override { return header_; }
 
   void readRows(int y_begin, ChannelRange channels, const host::ImageView& rows) override {
+    const bool widens = rows.depth == host::Depth::Bits16 && input_->spec().format == OIIO::TypeDesc::UINT8 &&
+                        input_->spec().channelformats.empty();
+    if (!widens) {
+      return readAt(rows.depth, y_begin, channels, rows);
+    }
+    const std::ptrdiff_t row_bytes = 4 * static_cast<std::ptrdiff_t>(rows.size.width);
+    narrow_.resize(static_cast<std::size_t>(row_bytes) * static_cast<std::size_t>(rows.size.height));
+    const host::ImageView narrow{narrow_.data(), row_bytes, rows.size, host::Depth::Bits8};
+    readAt(host::Depth::Bits8, y_begin, channels, narrow);
+    for (int y = 0; y < rows.size.height; ++y) {
+      widenRow(narrow.row(y), rows.size.width, channels.end - channels.first, rows.row(y));
+    }
+  }
+
+ private:
+  void readAt(host::Depth depth, int y_begin, ChannelRange channels, const host::ImageView& rows) {
     const OIIO::ImageSpec& spec = input_->spec();
     const int part = header_.part;
     const int top = spec.y + y_begin;
     const int bottom = top + rows.size.height;
-    const auto pixel_bytes = static_cast<OIIO::stride_t>(host::bytesPerPixel(rows.depth));
-    const OIIO::TypeDesc type = typeDesc(rows.depth);
+    const auto pixel_bytes = static_cast<OIIO::stride_t>(host::bytesPerPixel(depth));
+    const OIIO::TypeDesc type = typeDesc(depth);
     const bool read =
         spec.tile_width > 0
             ? input_->read_tiles(part, 0, spec.x, spec.x + spec.width, top, bottom, spec.z, spec.z + 1, channels.first,
@@ -86,7 +121,6 @@ class OpenImageIoInput : public PictureInput {
     }
   }
 
- private:
   // Goes to the part of that name or number, and collects the views of all on the way. Returns its number.
   int choosePart(const std::string& wanted) {
     std::vector<std::string> names;
@@ -133,6 +167,7 @@ class OpenImageIoInput : public PictureInput {
   std::string path_;
   std::unique_ptr<OIIO::ImageInput> input_;
   PictureHeader header_;
+  std::vector<std::byte> narrow_;  // rows of 8 bits on their way to 16
 };
 
 }  // namespace
