@@ -103,12 +103,12 @@ int formatMessage(char* destination, const char* format, ...) {
 std::int32_t acquireSuite(const char* name, std::int32_t version, const void** suite) {
   const auto found = current->suites.find(std::string(name) + "/" + text(version));
   const std::int32_t code = call("acquire", name, version);
-  if (code != 0 || found == current->suites.end()) {
+  if (found == current->suites.end() || (code != 0 && !current->failed_acquire_hands_over)) {
     return code != 0 ? code : 1;
   }
   *suite = found->second;
   ++current->suites_out;
-  return 0;
+  return code;
 }
 
 const PF_WorldSuite2 kWorldSuite = {

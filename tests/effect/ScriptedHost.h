@@ -115,6 +115,7 @@ class ScriptedHost {
   std::function<void(void*)> on_iterate = [](void*) {};  // sees the iteration's reference value
   std::function<void()> on_failure = [] {};              // called when a callback begins to fail
   bool sampler_writes = true;
+  bool failed_acquire_hands_over = false;  // the suite, together with the code
   bool hands_back_input = true;
   bool hands_back_output = true;
 

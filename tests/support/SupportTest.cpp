@@ -100,6 +100,7 @@ TEST(Suites, ThePairReportsByCodeAndMessage) {
   const auto release = [&](const char* text) {
     return KZFX_ReleaseSuite(&host.in, &host.out, PF_WORLD_SUITE, 2, text);
   };
+  host.failed_acquire_hands_over = true;
   host.fail("acquire", 1, 7);  // success is judged by the pointer alone
   host.fail("release", 1, 7);
   EXPECT_EQ(acquire("own"), 0);
