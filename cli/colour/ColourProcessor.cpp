@@ -3,6 +3,7 @@
 #include <tbb/parallel_for.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <optional>
 
@@ -121,7 +122,7 @@ void convertIntegerRow(Channel* row, int width, const ColourProcessor& processor
                  [](Channel value) { return static_cast<float>(value) / kMax; });
   convertRow(floats.data(), width, processor);
   std::transform(floats.begin(), floats.end(), row,
-                 [](float value) { return static_cast<Channel>(std::clamp(value, 0.0f, 1.0f) * kMax + 0.5f); });
+                 [](float value) { return static_cast<Channel>(std::lround(std::clamp(value, 0.0f, 1.0f) * kMax)); });
 }
 
 }  // namespace

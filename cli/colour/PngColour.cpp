@@ -42,12 +42,12 @@ std::optional<PngColour> readPngColour(const std::string& path) {
   constexpr std::streamoff kCheck = 4;
   std::ifstream file(path, std::ios::binary);
   std::array<unsigned char, 8> head{};
-  const auto readHead = [&] { return bool(file.read(reinterpret_cast<char*>(head.data()), head.size())); };
-  if (!readHead() || std::memcmp(head.data(), kSignature.data(), kSignature.size()) != 0) {
+  const auto read_head = [&] { return bool(file.read(reinterpret_cast<char*>(head.data()), head.size())); };
+  if (!read_head() || std::memcmp(head.data(), kSignature.data(), kSignature.size()) != 0) {
     return std::nullopt;
   }
   PngColour colour;
-  while (readHead()) {
+  while (read_head()) {
     const std::uint32_t length = bigEndian(head.data());
     const std::string_view type(reinterpret_cast<const char*>(head.data()) + 4, 4);
     if (type == "IDAT" || type == "IEND") {

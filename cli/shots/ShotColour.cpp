@@ -69,8 +69,8 @@ ColourSpace ShotColour::outputSpace(const ColourSpace& reference, bool is_float,
 }
 
 bool ShotColour::converts() const {
-  const auto isWorking = [&](const ColourSpace& space) { return isSame(space, working_->space()); };
-  return !isWorking(layer_) || (plate_ && !isWorking(*plate_)) || convertsOutput();
+  const auto is_working = [&](const ColourSpace& space) { return isSame(space, working_->space()); };
+  return !is_working(layer_) || (plate_ && !is_working(*plate_)) || convertsOutput();
 }
 
 void ShotColour::enter(Picture& picture, ColourRole role, const std::string& path) {

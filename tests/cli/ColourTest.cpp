@@ -31,7 +31,7 @@ Profile profileOf(const cmsCIExyYTRIPLE& primaries, double gamma, const cmsCIExy
   cmsToneCurve* const curve =
       gamma == 0.0 ? cmsBuildParametricToneCurve(nullptr, 4, srgb.data()) : cmsBuildGamma(nullptr, gamma);
   cmsToneCurve* const curves[] = {curve, curve, curve};
-  const Profile profile(cmsCreateRGBProfile(&white, &primaries, curves), cmsCloseProfile);
+  Profile profile(cmsCreateRGBProfile(&white, &primaries, curves), cmsCloseProfile);
   cmsFreeToneCurve(curve);
   return profile;
 }
