@@ -1,0 +1,193 @@
+// Picture files that are cut short, lie about themselves or ask for too much.
+#include <sys/resource.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+#include "PictureFiles.h"
+#include "cli/pictures/FileRecord.h"
+#include "cli/pictures/ReadLimits.h"
+#include "cli/pictures/Truncation.h"
+
+namespace vantorel::cli {
+namespace {
+
+// The check sum of a PNG's chunk, over its type and data.
+std::uint32_t pngCheckSum(const std::string& bytes) {
+  std::uint32_t sum = 0xFFFFFFFF;
+  for (const char byte : bytes) {
+    sum ^= static_cast<unsigned char>(byte);
+    for (int bit = 0; bit < 8; ++bit) {
+      sum = (sum & 1) != 0 ? sum >> 1 ^ 0xEDB88320 : sum >> 1;
+    }
+  }
+  return ~sum;
+}
+
+std::string bigEndian(std::uint32_t value) {
+  return {static_cast<char>(value >> 24), static_cast<char>(value >> 16), static_cast<char>(value >> 8),
+          static_cast<char>(value)};
+}
+
+std::string contents(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string pngOffsetChunk(std::uint32_t x, std::uint32_t y) {
+  const std::string chunk = "oFFs" + bigEndian(x) + bigEndian(y) + '\0';
+  return bigEndian(9) + chunk + bigEndian(pngCheckSum(chunk));
+}
+
+constexpr std::size_t kEndOfPngHeader = 33;
+
+// A PNG's offset once moved its picture out of view, and a GIF's alpha channel, which its reader counts beyond the
+// last, once ended the process.
+TEST(DamagedPicture, OffsetsWithoutADisplayWindowAndMiscountedChannelsShowTheWholePicture) {
+  const TestFolder folder;
+  const std::vector<std::uint8_t> data{10, 20, 30, 255, 40, 50, 60, 255};
+  for (const char* name : {"a.png", "a.gif"}) {
+    writeFile(folder / name, ImageSpec(2, 1, 4, TypeDesc::UINT8), data);
+  }
+  const std::string png = contents(folder / "a.png");
+  std::ofstream(folder / "a.png", std::ios::binary)
+      << png.substr(0, kEndOfPngHeader) << pngOffsetChunk(100, 7) << png.substr(kEndOfPngHeader);
+  for (const char* name : {"a.png", "a.gif"}) {
+    const Picture picture = readAt(folder / name, host::Depth::Bits8);
+    ASSERT_EQ(picture.pixels.size(), (host::Size{2, 1})) << name;
+    EXPECT_EQ(pixel8(picture, 0, 0), (std::vector<int>{10, 20, 30, 255})) << name;
+    EXPECT_EQ(pixel8(picture, 1, 0), (std::vector<int>{40, 50, 60, 255})) << name;
+  }
+}
+
+// A file's own offset once wrapped around 32 bits, and the pixels were written far outside the picture.
+TEST(DamagedPicture, OffsetsNearTheEndsOfTheirRangeAreRefused) {
+  const TestFolder folder;
+  const std::vector<std::uint8_t> data(64 * 48 * 3, 7);
+  const std::string png = folder / "a.png";
+  const std::string dpx = folder / "a.dpx";
+  const ImageSpec spec(64, 48, 3, TypeDesc::UINT8);
+  writeFile(png, spec, data);
+  writeFile(dpx, spec, data);
+  const std::string whole_png = contents(png);
+  const std::string whole_dpx = contents(dpx);
+  const auto expect_refused = [](const std::string& path, std::uint32_t offset) {
+    EXPECT_THROW(readAt(path, host::Depth::Bits8), CommandError) << path << " " << offset;
+    EXPECT_THROW(probePicture(path), CommandError) << path << " " << offset;
+    EXPECT_FALSE(isWholePicture(path, {64, 48})) << path << " " << offset;
+  };
+  for (const std::uint32_t offset : {0x7FFFFFC0u, 0x7FFFFFFFu, 0x80000001u, 0x60000000u, 0xA0000000u}) {
+    for (const bool horizontal : {true, false}) {
+      std::ofstream(png, std::ios::binary)
+          << whole_png.substr(0, kEndOfPngHeader)
+          << (horizontal ? pngOffsetChunk(offset, 0) : pngOffsetChunk(0, offset)) << whole_png.substr(kEndOfPngHeader);
+      expect_refused(png, offset);
+
+      // As the library writes it here, the numbers of a DPX begin with the lowest byte. Offsets of a DPX are not
+      // negative, and the library takes those that are for none.
+      if (offset < 0x80000000u) {
+        constexpr std::size_t kOffsetOfDpx = 1408;
+        const std::string bytes = bigEndian(offset);
+        std::string moved = whole_dpx;
+        moved.replace(kOffsetOfDpx + (horizontal ? 0 : 4), 4, std::string(bytes.rbegin(), bytes.rend()));
+        std::ofstream(dpx, std::ios::binary) << moved;
+        expect_refused(dpx, offset);
+      }
+    }
+  }
+}
+constexpr long kLittle = 200 * 1024;  // KiB
+
+// By how many KiB the function raises the most memory that this process has had.
+template <typename Function>
+long peakGrowthOf(Function function) {
+  const auto peak = [] {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+  };
+  const long before = peak();
+  function();
+  return peak() - before;
+}
+
+// A length beyond the file's end, of a chunk or an attribute, once took that much memory before the file was refused.
+TEST(DamagedPicture, LengthsBeyondTheEndOfTheFileTakeNoMemory) {
+  const TestFolder folder;
+  for (const char* name : {"a.png", "a.exr"}) {
+    ImageSpec spec(1, 1, 3, TypeDesc::HALF);
+    spec.attribute("comments", "some");
+    writeFile<float>(folder / name, spec, {0.5f, 0.5f, 0.5f});
+  }
+  std::string png = contents(folder / "a.png");
+  png.insert(kEndOfPngHeader, bigEndian(0x70000000) + "tEXt");
+  std::ofstream(folder / "a.png", std::ios::binary) << png;
+  std::string exr = contents(folder / "a.exr");
+  const std::size_t length = exr.find("comments") + sizeof "comments" + sizeof "string";
+  exr[length + 3] = 0x70;
+  std::ofstream(folder / "a.exr", std::ios::binary) << exr;
+  for (const char* name : {"a.png", "a.exr"}) {
+    EXPECT_LT(peakGrowthOf([&] { EXPECT_THROW(readAt(folder / name, host::Depth::Bits8), CommandError); }), kLittle)
+        << name;
+  }
+}
+
+// What a file states is refused by the limits, which the environment moves; and a picture around a data window that
+// cannot be read takes no memory.
+TEST(DamagedPicture, LimitsHoldUntilTheyAreRaised) {
+  const TestFolder folder;
+  ImageSpec spec(4, 2, 4, TypeDesc::HALF);
+  spec.full_width = 40000;
+  spec.full_height = 30000;
+  const std::string path = folder / "a.exr";
+  writeFile(path, spec, std::vector<float>(32, 0.5f));
+  const auto fault = [&](const char* variable, const char* value) {
+    ::setenv(variable, value, 1);
+    std::string text;
+    try {
+      readAt(path, host::Depth::Bits8);
+    } catch (const CommandError& error) {
+      text = error.text().substr(path.size() + 2);
+    }
+    ::unsetenv(variable);
+    return text;
+  };
+  EXPECT_EQ(fault("VANTOREL_MAX_READ_SECONDS", ""),
+            "a picture of 40000x30000 has 1200 megapixels and 1100 are read; raise VANTOREL_MAX_MEGAPIXELS to read it");
+  spec.full_width = 20000;
+  spec.full_height = 10000;
+  writeFile(path, spec, std::vector<float>(32, 0.5f));
+  folder.cutShort("a.exr", 0.95);
+  EXPECT_LT(peakGrowthOf(
+                [&] { EXPECT_NE(fault("VANTOREL_MAX_MEGAPIXELS", "200").find("cannot be read"), std::string::npos); }),
+            kLittle);
+
+  spec.full_width = spec.full_height = 8;
+  writeFile(path, spec, std::vector<float>(32, 0.5f));
+  EXPECT_EQ(fault("VANTOREL_MAX_MEGAPIXELS", "0.000064"), "");
+  EXPECT_NE(fault("VANTOREL_MAX_MEGAPIXELS", "0.000063"), "");
+  EXPECT_NE(fault("VANTOREL_MAX_READ_SECONDS", "1e-9").find("takes more than 1e-09 seconds"), std::string::npos);
+  ::setenv("VANTOREL_MAX_MEGAPIXELS", "-1", 1);
+  EXPECT_THROW(readLimits(), CommandError);
+  ::unsetenv("VANTOREL_MAX_MEGAPIXELS");
+}
+
+TEST(DamagedPicture, WhatIsCutShortIsRefused) {
+  const TestFolder folder;
+  const host::Image image = sample(host::Depth::Float);
+  for (const char* name : {"a.png", "a.jpg", "a.tif", "a.exr", "a.dpx"}) {
+    for (const double share : {0.98, 0.5, 0.1, 0.0}) {
+      const std::string path = folder / name;
+      writePicture(path, formatForOutput("", path),
+                   describe(image, outputSamples(formatForOutput("", path), DepthChoice::Auto, SampleType::Float)), {});
+      EXPECT_FALSE(isTruncated(path)) << name;
+      folder.cutShort(name, share);
+      EXPECT_THROW(readAt(path, host::Depth::Bits8), CommandError) << name << " " << share;
+      EXPECT_FALSE(isWholePicture(path, image.size())) << name << " " << share;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace vantorel::cli
