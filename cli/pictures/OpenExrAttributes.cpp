@@ -124,4 +124,17 @@ void addAttributes(Imf::Header& header, const Metadata& metadata) {
   addDensity(header, metadata);
 }
 
+Imf::Header without(const Imf::Header& header, std::span<const char* const> names) {
+  Imf::Header kept;
+  for (auto attribute = header.begin(); attribute != header.end(); ++attribute) {
+    const auto is_it = [&](const char* name) { return std::string_view(name) == attribute.name(); };
+    if (std::ranges::none_of(names, is_it)) {
+      kept.insert(attribute.name(), attribute.attribute());
+    }
+  }
+  kept.zipCompressionLevel() = header.zipCompressionLevel();
+  kept.dwaCompressionLevel() = header.dwaCompressionLevel();
+  return kept;
+}
+
 }  // namespace vantorel::cli

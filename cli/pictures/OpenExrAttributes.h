@@ -3,11 +3,16 @@
 
 #include <OpenEXR/ImfHeader.h>
 
+#include <span>
+
 #include "cli/pictures/Metadata.h"
 
 namespace vantorel::cli {
 
 // Adds the attributes, those that OpenEXR has names of its own for under these. What it has no type for is left out.
 void addAttributes(Imf::Header& header, const Metadata& metadata);
+
+// A copy without the attributes of these names. OpenEXR's own erase() loses the attribute's memory.
+Imf::Header without(const Imf::Header& header, std::span<const char* const> names);
 
 }  // namespace vantorel::cli

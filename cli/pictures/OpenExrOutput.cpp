@@ -8,6 +8,7 @@
 #include <OpenEXR/ImfThreading.h>
 #include <fmt/format.h>
 
+#include <array>
 #include <map>
 #include <optional>
 #include <utility>
@@ -25,6 +26,8 @@
 namespace vantorel::cli {
 
 namespace {
+
+constexpr std::array kChromaticities{"chromaticities"};
 
 // Lets OpenEXR write to an output file, which keeps the reason of a failure.
 class ExrStream : public Imf::OStream {
@@ -151,7 +154,7 @@ class OpenExrOutput : public PictureOutput {
       Imf::addChromaticities(
           header, {{values[0], values[1]}, {values[2], values[3]}, {values[4], values[5]}, {values[6], values[7]}});
     } else {
-      header.erase("chromaticities");
+      header = without(header, kChromaticities);
     }
   }
 
@@ -170,23 +173,26 @@ class OpenExrOutput : public PictureOutput {
     return headers;
   }
 
+  // The plate's, less its tiles and preview, which were those of its own pixels, and less what only a file of several
+  // parts needs where there is one.
+  Imf::Header pictureAttributes() const {
+    static constexpr std::array kOfPixels{"tiles", "preview", "chunkCount"};
+    static constexpr std::array kOfParts{"tiles", "preview", "chunkCount", "name", "view", "multiView"};
+    if (!source_) {
+      return Imf::Header();
+    }
+    const Imf::Header& header = source_->header(source_->part());
+    return passesParts() ? without(header, kOfPixels) : without(header, kOfParts);
+  }
+
   Imf::Header pictureHeader() {
-    Imf::Header header = source_ ? source_->header(source_->part()) : Imf::Header();
+    Imf::Header header = pictureAttributes();
     const int x = passesParts() ? picture_.origin->display_x : 0;
     const int y = passesParts() ? picture_.origin->display_y : 0;
     window_ = windowAt(picture_.window, x, y);
     header.dataWindow() = window_;
     header.displayWindow() = windowAt({0, 0, picture_.frame.width, picture_.frame.height}, x, y);
     header.lineOrder() = Imf::INCREASING_Y;
-    // Tiles and a preview were those of the plate's own pixels.
-    for (const char* name : {"tiles", "preview", "chunkCount"}) {
-      header.erase(name);
-    }
-    if (!passesParts()) {
-      for (const char* name : {"name", "view", "multiView"}) {
-        header.erase(name);
-      }
-    }
     header.setType(Imf::SCANLINEIMAGE);
     addChannels(header);
     compress(header);

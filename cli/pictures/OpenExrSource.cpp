@@ -14,8 +14,10 @@
 #include <OpenEXR/ImfTiledOutputPart.h>
 
 #include <algorithm>
+#include <array>
 
 #include "cli/pictures/FileRecord.h"
+#include "cli/pictures/OpenExrAttributes.h"
 
 namespace vantorel::cli {
 
@@ -54,13 +56,11 @@ OpenExrSource::OpenExrSource(const PictureOrigin& origin) : origin_(origin), fil
 }
 
 Imf::Header OpenExrSource::passedHeader(int part) const {
-  Imf::Header passed = header(part);
+  const Imf::Header& passed = header(part);
   // A record of how the plate was made is not one of how this file is.
   const auto* software = passed.findTypedAttribute<Imf::StringAttribute>("Software");
-  if (software != nullptr && holdsRecord(software->value())) {
-    passed.erase("Software");
-  }
-  return passed;
+  static constexpr std::array kRecord{"Software"};
+  return software != nullptr && holdsRecord(software->value()) ? without(passed, kRecord) : passed;
 }
 
 void OpenExrSource::copyPart(int part, Imf::MultiPartOutputFile& output) {
