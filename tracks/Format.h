@@ -33,6 +33,10 @@ struct Format {
   void (*read)(const TrackText& text, TrackDocument& document) = nullptr;
   // Adds the file's text. The positions are in the format's conventions, and every key complete.
   void (*write)(const CornerTrack& track, const CornerList& corners, std::string& text) = nullptr;
+
+  // What the files can say of the way between two keys, besides that it is straight and even.
+  bool can_hold = false;
+  bool can_smooth = false;
 };
 
 }  // namespace vantorel::tracks

@@ -20,6 +20,7 @@ class GapFiller {
 
   void fillCorner(std::size_t corner) {
     std::vector<CornerKey>& keys = track_.keys;
+    const host::AnimatedPoint known = animated(track_, corner);
     std::size_t after = 0;
     while (after < keys.size()) {
       if (keys[after].has(corner)) {
@@ -32,10 +33,8 @@ class GapFiller {
       }
       requireShort(corner, first, after);
       for (std::size_t k = first; k < after; ++k) {
-        keys[k].points[corner] = pointAt(corner, k, first, after);
+        keys[k].points[corner] = known.at(keys[k].frame);
         filled_[k] = true;
-      }
-      for (std::size_t k = first; k < after; ++k) {
         keys[k].present = static_cast<std::uint8_t>(keys[k].present | 1u << corner);
       }
     }
@@ -62,17 +61,6 @@ class GapFiller {
            fmt::format("is missing on frames {} to {} ({}), more than {}; track it there, or allow longer gaps",
                        printed(from, 3), printed(to, 3), printed(to - from + 1.0, 3), longest_));
     }
-  }
-
-  Point pointAt(std::size_t corner, std::size_t key, std::size_t first, std::size_t after) const {
-    const std::vector<CornerKey>& keys = track_.keys;
-    if (first == 0) {
-      return keys[after].points[corner];
-    }
-    if (after == keys.size()) {
-      return keys[first - 1].points[corner];
-    }
-    return between(keys[first - 1], keys[after], keys[key].frame, track_.interpolation)[corner];
   }
 
   CornerTrack& track_;

@@ -7,12 +7,14 @@
 
 #include "tracks/Quadrilaterals.h"
 #include "tracks/Text.h"
+#include "tracks/WholeFrames.h"
 
 namespace vantorel::tracks {
 
 namespace {
 
 constexpr std::size_t kMaxPoints = 2000;
+constexpr double kMaxDrawnFrames = 1e6;  // beyond which lines join the keys, however the corners move between them
 constexpr double kWidth = 960.0;
 constexpr double kPathHeight = 540.0;
 constexpr double kSpeedHeight = 200.0;
@@ -147,8 +149,11 @@ std::string plotSvg(const CornerTrack& track, Size frame) {
       "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"{0}\" height=\"{1}\" viewBox=\"0 0 {0} {1}\" "
       "font-family=\"sans-serif\" font-size=\"12\">\n<rect width=\"{0}\" height=\"{1}\" fill=\"white\"/>\n",
       kWidth, kPathHeight + kSpeedHeight);
-  addPaths(svg, track, frame);
-  addSpeeds(svg, track);
+  const bool is_straight = track.interpolation == host::Interpolation::Linear ||
+                           track.keys.back().frame - track.keys.front().frame > kMaxDrawnFrames;
+  const CornerTrack drawn = is_straight ? track : withWholeFrames(track);
+  addPaths(svg, drawn, frame);
+  addSpeeds(svg, drawn);
   return svg + "</svg>\n";
 }
 

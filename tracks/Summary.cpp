@@ -51,12 +51,25 @@ void addFrames(std::string& text, const char* name, const std::vector<double>& f
   fmt::format_to(std::back_inserter(text), "{:<12}{}\n", name, frames.empty() ? "none" : frameList(frames));
 }
 
+const char* wayBetweenKeys(const TrackSummary& summary) {
+  switch (summary.keys > 1 ? summary.interpolation : host::Interpolation::Linear) {
+    case host::Interpolation::Hold:
+      return ", held from key to key";
+    case host::Interpolation::Smooth:
+      return ", smooth from key to key";
+    case host::Interpolation::Linear:
+      break;
+  }
+  return "";
+}
+
 }  // namespace
 
 TrackSummary summarize(const CornerTrack& track) {
   TrackSummary summary;
   const std::vector<CornerKey>& keys = track.keys;
   summary.keys = keys.size();
+  summary.interpolation = track.interpolation;
   summary.first_frame = keys.front().frame;
   summary.last_frame = keys.back().frame;
   summary.least = summary.most = keys.front().points[0];
@@ -82,8 +95,8 @@ TrackSummary summarize(const CornerTrack& track) {
 
 std::string summaryText(const TrackSummary& summary) {
   std::string text;
-  fmt::format_to(std::back_inserter(text), "{:<12}{} to {}, {} {}\n", "frames", printed(summary.first_frame, 3),
-                 printed(summary.last_frame, 3), summary.keys, summary.keys == 1 ? "key" : "keys");
+  fmt::format_to(std::back_inserter(text), "{:<12}{} to {}, {}{}\n", "frames", printed(summary.first_frame, 3),
+                 printed(summary.last_frame, 3), counted(summary.keys, "key"), wayBetweenKeys(summary));
   addFrames(text, "without key", summary.frames_without_key);
   fmt::format_to(std::back_inserter(text), "{:<12}{},{} to {},{} pixels\n", "positions", printed(summary.least.x, 2),
                  printed(summary.least.y, 2), printed(summary.most.x, 2), printed(summary.most.y, 2));

@@ -10,6 +10,7 @@ namespace vantorel::tracks {
 
 struct TrackSummary {
   std::size_t keys = 0;
+  host::Interpolation interpolation = host::Interpolation::Linear;
   double first_frame = 0.0;
   double last_frame = 0.0;
   std::vector<double> frames_without_key;  // whole frames between the first and the last

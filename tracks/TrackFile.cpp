@@ -118,6 +118,18 @@ ReadTrack readSources(std::span<const TrackSource> sources, const ReadOptions& o
   return result;
 }
 
+// The track as the format can hold it: where it cannot say what is between two keys, with keys on every frame.
+CornerTrack withKeysFor(const Format& format, const CornerTrack& track) {
+  const bool is_told = track.interpolation == host::Interpolation::Linear ||
+                       (track.interpolation == host::Interpolation::Hold ? format.can_hold : format.can_smooth);
+  if (format.sparse && is_told) {
+    return track;
+  }
+  CornerTrack whole = withWholeFrames(track);
+  whole.interpolation = is_told ? track.interpolation : host::Interpolation::Linear;
+  return whole;
+}
+
 // The track in the format's own conventions.
 CornerTrack inConventions(CornerTrack track, const Format& format, Size frame) {
   Conventions conventions =
@@ -196,7 +208,7 @@ host::Result<std::string> readStream(std::istream& stream, const std::string& na
 
 host::Result<std::string> writeTrack(const CornerTrack& track, const Format& format, const WriteOptions& options) {
   return resultOf([&] {
-    const CornerTrack written = inConventions(format.sparse ? track : withWholeFrames(track), format, options.frame);
+    const CornerTrack written = inConventions(withKeysFor(format, track), format, options.frame);
     std::string text;
     format.write(written, options.corners, text);
     return text;

@@ -53,7 +53,8 @@ struct WriteOptions {
 };
 
 // The text of a file in that format. `track` holds pixels from the upper left, as resolveTrack() gives them, with every
-// key complete. Formats that expect a position on every frame get those between keys too. Fails where the format needs
+// key complete. Formats that expect a position on every frame, or cannot say how the corners move between two keys,
+// get those between keys too. Fails where the format needs
 // the picture's size and it is not known, or cannot hold the track.
 host::Result<std::string> writeTrack(const CornerTrack& track, const Format& format, const WriteOptions& options);
 

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 #include "tracks/Text.h"
 
@@ -17,19 +18,15 @@ constexpr double kSameFrame = 1e-6;
 
 }  // namespace
 
-Quadrilateral between(const CornerKey& before, const CornerKey& after, double frame,
-                      host::Interpolation interpolation) {
-  if (interpolation == host::Interpolation::Hold || frame == before.frame) {
-    return frame == after.frame ? after.points : before.points;
+host::AnimatedPoint animated(const CornerTrack& track, std::size_t corner) {
+  std::vector<host::AnimatedPoint::Key> keys;
+  keys.reserve(track.keys.size());
+  for (const CornerKey& key : track.keys) {
+    if (key.has(corner)) {
+      keys.push_back({key.frame, key.points[corner]});
+    }
   }
-  const double share = (frame - before.frame) / (after.frame - before.frame);
-  Quadrilateral points;
-  for (std::size_t c = 0; c < kCornerCount; ++c) {
-    const Point& a = before.points[c];
-    const Point& b = after.points[c];
-    points[c] = {a.x + (b.x - a.x) * share, a.y + (b.y - a.y) * share};
-  }
-  return points;
+  return {std::move(keys), track.interpolation};
 }
 
 CornerTrack withWholeFrames(const CornerTrack& track) {
@@ -38,16 +35,20 @@ CornerTrack withWholeFrames(const CornerTrack& track) {
     fail(track.source, 0, "",
          fmt::format("spans {} frames, more than ten million; write a format with sparse keys", printed(frames, 0)));
   }
+  const std::array corners{animated(track, kUpperLeft), animated(track, kUpperRight), animated(track, kLowerLeft),
+                           animated(track, kLowerRight)};
   CornerTrack whole = track;
   whole.keys.clear();
   for (const CornerKey& key : track.keys) {
     if (!whole.keys.empty()) {
-      const CornerKey before = whole.keys.back();
-      const auto first = static_cast<std::int64_t>(std::floor(before.frame + kSameFrame)) + 1;
+      const auto first = static_cast<std::int64_t>(std::floor(whole.keys.back().frame + kSameFrame)) + 1;
       const auto end = static_cast<std::int64_t>(std::ceil(key.frame - kSameFrame));
       for (std::int64_t whole_frame = first; whole_frame < end; ++whole_frame) {
         const auto frame = static_cast<double>(whole_frame);
-        whole.keys.push_back({frame, between(before, key, frame, track.interpolation), kAllCorners, 0, 0});
+        CornerKey& between = whole.keys.emplace_back(CornerKey{frame, {}, kAllCorners, 0, 0});
+        for (std::size_t c = 0; c < kCornerCount; ++c) {
+          between.points[c] = corners[c].at(frame);
+        }
       }
     }
     whole.keys.push_back(key);

@@ -1,12 +1,12 @@
-// Keys on every frame.
+// Tracks between their keys.
 #pragma once
 
 #include "tracks/CornerTrack.h"
 
 namespace vantorel::tracks {
 
-// The corners between two keys, both complete, at a frame between theirs.
-Quadrilateral between(const CornerKey& before, const CornerKey& after, double frame, host::Interpolation interpolation);
+// A corner over the frames, each of which stands for a second, from the keys that have it.
+host::AnimatedPoint animated(const CornerTrack& track, std::size_t corner);
 
 // The track with a key on every whole frame from its first key to its last; its own keys stay as they are. Throws
 // ReadFault for a track over more than ten million frames. Keys must be complete.

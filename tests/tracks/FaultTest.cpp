@@ -75,7 +75,7 @@ TEST(Faults, JsonNamesLineAndField) {
               "not valid");
   expectFault("{}", "track: ", "has no \"keys\"");
   expectFault("{\n\"keys\": []}", "track: line 2: keys", "at least one");
-  expectFault("{\n\n\"units\": \"feet\", \"keys\": []}", "track: line 3: units", "neither");
+  expectFault("{\n\n\"units\": \"feet\", \"keys\": []}", "track: line 3: units", "none of");
   expectFault("{\"keys\": [" + jsonKey("1", "[0, 0]") + "],\n\"speed\": 3}", "track: line 2: speed", "unknown");
   expectFault("{\"units\": \"px\",\n\"units\": \"px\"}", "track: line 2: units", "is there twice");
   expectFault(keys(jsonKey("1", "[0, 0], \"ul\": [1, 1]")), "track: line 2: keys[0].ul", "is there twice");

@@ -1,4 +1,5 @@
 // A sample of every format: found by its content, read to the same positions, and written back to the printed digit.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -6,6 +7,7 @@
 
 #include "tests/tracks/Samples.h"
 #include "tracks/Text.h"
+#include "tracks/WholeFrames.h"
 
 namespace vantorel::tracks {
 namespace {
@@ -136,6 +138,42 @@ TEST(Samples, BoxesAreReadAndWrittenBack) {
   const auto other = resolveText(sampleText("own.csv"));
   EXPECT_NE(faultText(writeTrack(other->track, *read->format, {})).find("frame 0: is no upright box"),
             std::string::npos);
+}
+
+TEST(Samples, WhatAFormatCannotSayBetweenKeysIsWrittenOnEveryFrame) {
+  const auto corner = [](int x, int y) { return fmt::format("[{}, {}]", x, y); };
+  const auto box = [&](double frame, int x) {
+    return fmt::format(R"({{"frame": {}, "ul": {}, "ur": {}, "ll": {}, "lr": {}}})", frame, corner(x, 0),
+                       corner(x + 100, 0), corner(x, 100), corner(x + 100, 100));
+  };
+  for (const auto& [word, interpolation] :
+       {std::pair{"linear", host::Interpolation::Linear}, std::pair{"hold", host::Interpolation::Hold},
+        std::pair{"smooth", host::Interpolation::Smooth}}) {
+    const auto resolved = resolveText(fmt::format(R"({{"interpolation": "{}", "keys": [{}, {}, {}, {}]}})", word,
+                                                  box(1, 0), box(4.5, 64), box(8, 80), box(10, 500)));
+    ASSERT_TRUE(resolved) << faultText(resolved);
+    const host::AnimatedPoint expected(
+        {{1.0, {0.0, 0.0}}, {4.5, {64.0, 0.0}}, {8.0, {80.0, 0.0}}, {10.0, {500.0, 0.0}}}, interpolation);
+    for (const auto& [name, keys] : {std::pair{"json", 4U},
+                                     {"csv", interpolation == host::Interpolation::Linear ? 4U : 11U},
+                                     {"nk", interpolation == host::Interpolation::Linear ? 4U : 11U},
+                                     {"flame", interpolation == host::Interpolation::Smooth ? 11U : 4U},
+                                     {"mlt", interpolation == host::Interpolation::Smooth ? 11U : 4U},
+                                     {"boujou", 11U}}) {
+      SCOPED_TRACE(fmt::format("{} as {}", word, name));
+      WriteOptions options;
+      options.frame = kFrame;
+      const auto text = writeTrack(resolved->track, *formatNamed(name), options);
+      ASSERT_TRUE(text) << faultText(text);
+      const auto again = resolveText(*text);
+      ASSERT_TRUE(again) << faultText(again);
+      EXPECT_EQ(keys, again->track.keys.size());
+      const host::AnimatedPoint written = animated(again->track, kUpperLeft);
+      for (double frame = 1.0; frame <= 10.0; frame += 1.0) {
+        EXPECT_NEAR(expected.at(frame).x, written.at(frame).x, 1e-5) << frame;
+      }
+    }
+  }
 }
 
 TEST(Samples, FourFilesOfOnePointEach) {

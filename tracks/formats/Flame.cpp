@@ -159,6 +159,6 @@ constexpr Format kFlameFormat{"flame",       "Flame stabilizer setup",
                               ".stabilizer", {Origin::LowerLeft, Units::Pixels, Basis::Output, {}, 0.5, {}, {}},
                               true,          false,
                               sniff,         read,
-                              write};
+                              write,         true};
 
 }  // namespace vantorel::tracks

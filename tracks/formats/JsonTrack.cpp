@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <utility>
 
 #include "tracks/JsonScanner.h"
 #include "tracks/formats/Common.h"
@@ -41,6 +42,14 @@ std::size_t indexOf(const std::array<std::string_view, N>& names, std::string_vi
 bool isExtension(std::string_view name) {
   return name.starts_with('_') || name.starts_with('$') || name.starts_with("x-");
 }
+
+template <typename T, std::size_t N>
+using WordTable = std::array<std::pair<std::string_view, T>, N>;
+
+constexpr WordTable<Units, 2> kUnits{{{"px", Units::Pixels}, {"percent", Units::Percent}}};
+constexpr WordTable<host::Interpolation, 3> kInterpolations{{{"linear", host::Interpolation::Linear},
+                                                             {"hold", host::Interpolation::Hold},
+                                                             {"smooth", host::Interpolation::Smooth}}};
 
 constexpr std::array<std::string_view, 4> kTopMembers{"keys", "units", "interpolation", "$schema"};
 constexpr std::array<std::string_view, 5> kKeyMembers{"ul", "ur", "ll", "lr", "frame"};
@@ -96,26 +105,30 @@ class JsonTrackReader {
         readKeys();
         break;
       case 1:
-        document_.conventions.units = choice("units", "px", "percent") ? Units::Percent : Units::Pixels;
+        document_.conventions.units = choice("units", kUnits);
         break;
       case 2:
-        document_.interpolation =
-            choice("interpolation", "linear", "hold") ? host::Interpolation::Hold : host::Interpolation::Linear;
+        document_.interpolation = choice("interpolation", kInterpolations);
         break;
       default:
         json_.skip();
     }
   }
 
-  // Whether the value is the second of the two words.
-  bool choice(const char* field, const char* usual, const char* other) {
-    json_.peek();
+  // What the value, one of the words, stands for.
+  template <typename T, std::size_t N>
+  T choice(const char* field, const WordTable<T, N>& words) {
+    const bool is_text = json_.peek() == '"';
     const std::uint32_t line = json_.line();
-    const std::string_view value = json_.peek() == '"' ? json_.string() : std::string_view();
-    if (value != usual && value != other) {
-      fail(json_.file(), line, field, fmt::format("is neither \"{}\" nor \"{}\"; write one of them", usual, other));
+    const std::string_view value = is_text ? json_.string() : std::string_view();
+    std::string known;
+    for (const auto& [word, meaning] : words) {
+      if (word == value) {
+        return meaning;
+      }
+      known += fmt::format("{}\"{}\"", known.empty() ? "" : ", ", word);
     }
-    return value == other;
+    fail(json_.file(), line, field, fmt::format("is none of {}; write one of them", known));
   }
 
   void readKeys() {
@@ -202,9 +215,10 @@ void read(const TrackText& text, TrackDocument& document) {
 
 void write(const CornerTrack& track, const CornerList& corners, std::string& text) {
   const CoordinateText coordinate(track);
-  const char* interpolation = track.interpolation == host::Interpolation::Hold ? "hold" : "linear";
+  const auto* const interpolation = std::find_if(kInterpolations.begin(), kInterpolations.end(),
+                                                 [&](const auto& word) { return word.second == track.interpolation; });
   fmt::format_to(std::back_inserter(text), "{{\"units\": \"px\", \"interpolation\": \"{}\", \"keys\": [",
-                 interpolation);
+                 interpolation->first);
   for (std::size_t k = 0; k < track.keys.size(); ++k) {
     const CornerKey& key = track.keys[k];
     fmt::format_to(std::back_inserter(text), "{}\n  {{\"frame\": {}", k == 0 ? "" : ",", frameText(key.frame));
@@ -223,6 +237,7 @@ constexpr Format kJsonFormat{"json",  "the command's own JSON",
                              ".json", {Origin::UpperLeft, Units::Pixels, Basis::Layer, {}, 0.5, {}, {}},
                              true,    false,
                              sniff,   read,
-                             write};
+                             write,   true,
+                             true};
 
 }  // namespace vantorel::tracks

@@ -134,6 +134,6 @@ constexpr Format kMltFormat{"mlt",  "MLT keyframes: boxes",
                             ".txt", {Origin::UpperLeft, Units::Pixels, Basis::Output, {}, 0.5, {}, 0},
                             true,   false,
                             sniff,  read,
-                            write};
+                            write,  true};
 
 }  // namespace vantorel::tracks
