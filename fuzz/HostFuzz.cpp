@@ -1,5 +1,6 @@
 // Fuzzes the embedded host's own interface: pictures, canvases, corners, sources and options of any kind. A request is
 // answered with pixels inside the output alone, or with an error that says what is wrong with which input.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -42,8 +43,10 @@ class Pixels {
         view{bytes_.data() + kGuardBytes, static_cast<std::ptrdiff_t>(row_bytes_), size, depth} {
     if (input.inRange(0, 31) == 0) {
       view.row_bytes = input.number() % (view.row_bytes + 1);
+      // Rows that go up in memory are allowed, and begin with the last: any step as long as a row stays in the buffer.
+      view.data -= view.row_bytes < 0 ? view.row_bytes * std::max(size.height - 1, 0) : 0;
     }
-    if (input.inRange(0, 31) == 0) {
+    if (input.inRange(0, 31) == 0 && view.row_bytes >= 0) {
       view.data = input.flag() ? nullptr : view.data + 1;
       view.size.height = view.size.height > 0 ? view.size.height - 1 : 0;
     }

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #if defined(__x86_64__)
+#include <cpuid.h>
 #include <immintrin.h>
 #endif
 
@@ -35,11 +36,20 @@ __attribute__((target("avx,f16c"))) void halvesOfByF16c(const float* floats, std
   }
   halvesOf(floats + i, count - i, halves + i);
 }
+
+// clang 14's __builtin_cpu_supports does not know the name.
+bool hasF16c() {
+  unsigned a = 0;
+  unsigned b = 0;
+  unsigned features = 0;
+  unsigned d = 0;
+  return __get_cpuid(1, &a, &b, &features, &d) != 0 && (features & bit_F16C) != 0;
+}
 #endif
 
 auto fastestHalves() {
 #if defined(__x86_64__)
-  if (__builtin_cpu_supports("avx") && __builtin_cpu_supports("f16c")) {
+  if (__builtin_cpu_supports("avx") && hasF16c()) {
     return halvesOfByF16c;
   }
 #endif
