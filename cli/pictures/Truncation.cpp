@@ -111,6 +111,20 @@ bool openExrHeadersAreWhole(std::istream& file, std::uint64_t size) {
   return false;
 }
 
+// Whether the file holds the bytes of its owner's that its header states; the library takes memory for them before it
+// reads them. Each byte of the length is set where there is none.
+bool dpxHeadersAreWhole(std::istream& file, std::uint64_t size, bool is_little_endian) {
+  constexpr std::streamoff kLengthAt = 32;
+  constexpr std::uint64_t kHeaderBytes = 2048;
+  constexpr std::uint32_t kUndefined = 0xFFFFFFFF;
+  file.seekg(kLengthAt);
+  std::uint32_t length = littleEndian(file);
+  if (!is_little_endian) {
+    length = __builtin_bswap32(length);
+  }
+  return length == 0 || length == kUndefined || kHeaderBytes + length <= size;
+}
+
 }  // namespace
 
 bool isTruncated(const std::string& path) {
@@ -131,6 +145,11 @@ bool isTruncated(const std::string& path) {
   }
   if (std::equal(kOpenExrSignature.begin(), kOpenExrSignature.end(), start.begin())) {
     return !openExrHeadersAreWhole(file, static_cast<std::uint64_t>(size));
+  }
+  for (const char* const signature : {"SDPX", "XPDS"}) {
+    if (std::memcmp(start.data(), signature, 4) == 0) {
+      return !dpxHeadersAreWhole(file, static_cast<std::uint64_t>(size), *signature == 'X');
+    }
   }
   return false;
 }

@@ -115,7 +115,7 @@ long peakGrowthOf(Function function) {
 // A length beyond the file's end, of a chunk or an attribute, once took that much memory before the file was refused.
 TEST(DamagedPicture, LengthsBeyondTheEndOfTheFileTakeNoMemory) {
   const TestFolder folder;
-  for (const char* name : {"a.png", "a.exr"}) {
+  for (const char* name : {"a.png", "a.exr", "a.dpx"}) {
     ImageSpec spec(1, 1, 3, TypeDesc::HALF);
     spec.attribute("comments", "some");
     writeFile<float>(folder / name, spec, {0.5f, 0.5f, 0.5f});
@@ -127,7 +127,10 @@ TEST(DamagedPicture, LengthsBeyondTheEndOfTheFileTakeNoMemory) {
   const std::size_t length = exr.find("comments") + sizeof "comments" + sizeof "string";
   exr[length + 3] = 0x70;
   std::ofstream(folder / "a.exr", std::ios::binary) << exr;
-  for (const char* name : {"a.png", "a.exr"}) {
+  std::string dpx = contents(folder / "a.dpx");
+  dpx.replace(32, 4, dpx[0] == 'X' ? std::string("\0\0\0\x70", 4) : bigEndian(0x70000000));
+  std::ofstream(folder / "a.dpx", std::ios::binary) << dpx;
+  for (const char* name : {"a.png", "a.exr", "a.dpx"}) {
     EXPECT_LT(peakGrowthOf([&] { EXPECT_THROW(readAt(folder / name, host::Depth::Bits8), CommandError); }), kLittle)
         << name;
   }
