@@ -95,13 +95,18 @@ TiledFrame::TiledFrame(const ModuleState& module, TileStore& store, const FrameO
 Result<void> TiledFrame::draw(RowScheduler& scheduler, const Rect& canvas, const ImageView& output) {
   canvas_ = canvas;
   output_ = output;
-  if (Result<void> enlarged = enlargeLayer(); !enlarged) {
-    return enlarged;
+  Result<Rect> enlarged = prepareEnlargedLayer();
+  if (!enlarged) {
+    return tl::unexpected(std::move(enlarged).error());
   }
+  enlarged_part_ = *enlarged;
   collectTiles(canvas, PlannedSamples(store_.plans), &store_.tiles);
   CallContext context(module_.resources);
-  const std::int32_t code =
-      scheduler.run(context, 0, static_cast<std::int32_t>(store_.tiles.size()), 0.0, 1.0, {runTile, this});
+  std::int32_t code =
+      scheduler.run(context, enlarged_part_.top, enlarged_part_.bottom, 0.0, 0.0, {enlargeLayerRow, this});
+  if (code == ERR_NONE) {
+    code = scheduler.run(context, 0, static_cast<std::int32_t>(store_.tiles.size()), 0.0, 1.0, {runTile, this});
+  }
   if (error_) {
     return tl::unexpected(std::move(*error_));
   }
@@ -114,20 +119,28 @@ Result<void> TiledFrame::draw(RowScheduler& scheduler, const Rect& canvas, const
   return {};
 }
 
-Result<void> TiledFrame::enlargeLayer() {
+Result<Rect> TiledFrame::prepareEnlargedLayer() {
   const auto scanned = std::find_if(store_.plans.begin(), store_.plans.end(),
                                     [](const FramePlan& plan) { return plan.path == RenderPath::Bilinear; });
-  const int factor = scanned != store_.plans.end() ? vertexFactor(*scanned) : 1;
-  if (factor == 1) {
-    return {};
+  enlargement_ = scanned != store_.plans.end() ? vertexFactor(*scanned) : 1;
+  if (enlargement_ == 1) {
+    return Rect{};
   }
   // The renderer's mean of 8-bit values comes out a quarter of a level too dark, which moves the edges between pixels
   // so large.
-  const Depth depth = factor > 2 && layer_.depth == Depth::Bits8 ? Depth::Bits16 : layer_.depth;
-  return store_.vertex_layer.fit({factor * layer_.size.width, factor * layer_.size.height}, depth).map([&] {
+  const Depth depth = enlargement_ > 2 && layer_.depth == Depth::Bits8 ? Depth::Bits16 : layer_.depth;
+  const Size size{enlargement_ * layer_.size.width, enlargement_ * layer_.size.height};
+  return store_.vertex_layer.fit(size, depth).map([&] {
     scanned_layer_ = store_.vertex_layer.view();
-    enlargeToVertices(asConst(layer_), factor, scannedPart(store_.plans, canvas_), scanned_layer_);
+    return scannedPart(store_.plans, canvas_);
   });
+}
+
+std::int32_t TiledFrame::enlargeLayerRow(const void* self, std::int32_t y) {
+  const auto& frame = *static_cast<const TiledFrame*>(self);
+  const Rect& part = frame.enlarged_part_;
+  enlargeToVertices(asConst(frame.layer_), frame.enlargement_, {part.left, y, part.right, y + 1}, frame.scanned_layer_);
+  return ERR_NONE;
 }
 
 std::int32_t TiledFrame::runTile(const void* self, std::int32_t index) {

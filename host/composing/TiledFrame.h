@@ -50,15 +50,19 @@ class TiledFrame {
   Result<void> draw(RowScheduler& scheduler, const Rect& canvas, const ImageView& output);
 
  private:
+  static std::int32_t enlargeLayerRow(const void* self, std::int32_t y);
   static std::int32_t runTile(const void* self, std::int32_t index);
   Result<void> drawTile(const Tile& tile, TileWorker& worker) const;
-  Result<void> enlargeLayer();
+  // Makes room for the layer enlarged for the bilinear path; returns what of the layer it has to hold.
+  Result<Rect> prepareEnlargedLayer();
 
   const ModuleState& module_;
   TileStore& store_;
   FrameOptions tile_options_;
   ImageView layer_;
   ImageView scanned_layer_;  // for the bilinear path
+  int enlargement_ = 1;      // of that
+  Rect enlarged_part_;       // in pixels of the layer
   Rect canvas_;
   ImageView output_;
   mutable std::mutex mutex_;

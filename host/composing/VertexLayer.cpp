@@ -28,19 +28,49 @@ Channel mean(Channel a, Channel b, Channel c, Channel d) {
   }
 }
 
-// The columns [begin, end) of one row of the enlarged layer: that of the layer's row `lower` when both are the same,
-// else the border above it.
+// How many pixels are enlarged at once: the compiler turns loops of a fixed length over an array into vector code.
+constexpr int kRunLength = 64;
+
+// `count` pixels of an enlarged row, at most kRunLength: for each of the layer's the mean of it and the one before it,
+// and it itself. All pointers are to pixels, those of `before` to the ones before. `upper` is `lower` in the rows
+// between the borders.
+template <typename Channel>
+void enlargeRun(const Channel* upper_before, const Channel* upper, const Channel* lower_before, const Channel* lower,
+                int count, Channel* out) {
+  Channel border[kRunLength * kChannels];
+  Channel centre[kRunLength * kChannels];
+  const int channels = count * kChannels;
+  if (upper == lower) {
+    for (int i = 0; i < channels; ++i) {
+      border[i] = mean(lower_before[i], lower[i]);
+      centre[i] = lower[i];
+    }
+  } else {
+    for (int i = 0; i < channels; ++i) {
+      border[i] = mean(upper_before[i], upper[i], lower_before[i], lower[i]);
+      centre[i] = mean(upper[i], lower[i]);
+    }
+  }
+  for (int i = 0; i < channels; i += kChannels, out += 2 * kChannels) {
+    std::copy_n(border + i, kChannels, out);
+    std::copy_n(centre + i, kChannels, out + kChannels);
+  }
+}
+
+// The columns [begin, end) of the layer in one row of the enlarged layer: that of the layer's row `lower` when both are
+// the same, else the border above it.
 template <typename Channel>
 void enlargeRow(const Channel* upper, const Channel* lower, int begin, int end, Channel* out) {
-  for (int x = begin; x < end; ++x) {
+  int x = begin;
+  if (x == 0 && x < end) {
+    enlargeRun(upper, upper, lower, lower, 1, out);
+    ++x;
+  }
+  for (; x < end; x += kRunLength) {
     const int here = x * kChannels;
-    const int before = std::max(x - 1, 0) * kChannels;
-    for (int c = 0; c < kChannels; ++c) {
-      out[c] = upper == lower ? mean(lower[before + c], lower[here + c])
-                              : mean(upper[before + c], upper[here + c], lower[before + c], lower[here + c]);
-      out[kChannels + c] = upper == lower ? lower[here + c] : mean(upper[here + c], lower[here + c]);
-    }
-    out += 2 * kChannels;
+    const int before = here - kChannels;
+    enlargeRun(upper + before, upper + here, lower + before, lower + here, std::min(kRunLength, end - x),
+               out + 2 * kChannels * (x - begin));
   }
 }
 

@@ -24,12 +24,12 @@ double interpolated(const ConstImageView& layer, double x, double y, int c) {
 }
 
 TEST(VertexLayerTest, HoldsTheLayersInterpolationAtEveryFractionOfAPixel) {
-  const Image layer = testing::noise({7, 5}, Depth::Float);
+  const Image layer = testing::noise({151, 5}, Depth::Float);
   for (const int factor : {2, 4, 8}) {
-    const int width = 7 * factor;
+    const int width = 151 * factor;
     Image enlarged = testing::dirty({width, 5 * factor}, Depth::Float);
-    enlargeToVertices(layer.view(), factor, {0, 0, 7, 3}, enlarged.view());
-    enlargeToVertices(layer.view(), factor, {2, 3, 7, 5}, enlarged.view());
+    enlargeToVertices(layer.view(), factor, {0, 0, 151, 3}, enlarged.view());
+    enlargeToVertices(layer.view(), factor, {2, 3, 151, 5}, enlarged.view());
     enlargeToVertices(layer.view(), factor, {0, 3, 2, 5}, enlarged.view());
     for (int i = 0; i < width * 5 * factor * 4; ++i) {
       const int x = i / 4 % width;
