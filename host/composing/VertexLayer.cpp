@@ -29,7 +29,7 @@ Channel mean(Channel a, Channel b, Channel c, Channel d) {
 }
 
 // How many pixels are enlarged at once: the compiler turns loops of a fixed length over an array into vector code.
-constexpr int kRunLength = 64;
+constexpr int kRunLength = 16;
 
 // `count` pixels of an enlarged row, at most kRunLength: for each of the layer's the mean of it and the one before it,
 // and it itself. All pointers are to pixels, those of `before` to the ones before. `upper` is `lower` in the rows
