@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <malloc.h>
 #include <spawn.h>
 #include <tbb/global_control.h>
 #include <unistd.h>
@@ -16,6 +17,17 @@
 namespace vantorel::view {
 
 namespace {
+
+// A view runs for hours and lets pictures of many sizes come and go on many threads. By default the C library keeps what
+// each thread has freed, and so ever more of it; these hand a picture's memory back when the picture goes.
+void handBackFreedMemory() {
+  constexpr int kLeastMappedBytes = 128 << 10;
+  constexpr int kMostKeptBytes = 1 << 20;
+  constexpr int kArenas = 2;
+  mallopt(M_MMAP_THRESHOLD, kLeastMappedBytes);
+  mallopt(M_TRIM_THRESHOLD, kMostKeptBytes);
+  mallopt(M_ARENA_MAX, kArenas);
+}
 
 bool hasScreen() {
   return std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr;
@@ -63,6 +75,7 @@ void tellAddress(const std::string& address, int port, bool opens) {
 namespace vantorel::cli {
 
 ExitCode runView(const ViewOptions& given, const std::stop_token& stop) {
+  view::handBackFreedMemory();
   const view::StandInLayer stand_in(given);
   const ViewOptions& options = stand_in.options();
   const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, options.threads);

@@ -128,11 +128,15 @@ def monkey(folder, seconds=600, seed=1):
         ready(browser, view)
         box = browser.run("const b = document.querySelector('#stage').getBoundingClientRect();"
                           "return [b.left, b.top, b.width, b.height]")
-        begin = told = time.monotonic()
+        begin = told = last = time.monotonic()
         acts, faults = 0, []
         while time.monotonic() - begin < float(seconds):
             random_act(browser, chance, box)
             acts += 1
+            if time.monotonic() - last > 10:
+                print(f"{last - begin:5.0f} s: stood still for {time.monotonic() - last:.0f} s", flush=True)
+                begin += time.monotonic() - last  # an hour of acts, not of waiting
+            last = time.monotonic()
             if time.monotonic() - told > 30:
                 told = time.monotonic()
                 faults += unexpected(browser.complaints())

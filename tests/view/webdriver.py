@@ -25,6 +25,8 @@ def missing():
 class Browser:
     """A headless Chromium with one page. Coordinates are CSS pixels of its window."""
 
+    PATIENCE = 300  # seconds for an answer: the machine may be stopped for a while
+
     def __init__(self, width=1600, height=900):
         self.driver = subprocess.Popen(["chromedriver", "--port=0"], stdout=subprocess.PIPE, text=True)
         for line in self.driver.stdout:
@@ -32,16 +34,18 @@ class Browser:
                 self.base = f"http://127.0.0.1:{found[1]}/session"
                 break
         arguments = ["--headless=new", "--no-sandbox", "--disable-gpu", "--force-device-scale-factor=1",
-                     f"--window-size={width},{height}", "--hide-scrollbars", "--disable-dev-shm-usage"]
+                     f"--window-size={width},{height}", "--hide-scrollbars", "--disable-dev-shm-usage",
+                     "--disable-hang-monitor", "--disable-gpu-watchdog"]
         options = {"browserName": "chrome", "goog:loggingPrefs": {"browser": "ALL"},
                    "goog:chromeOptions": {"binary": shutil.which("chromium"), "args": arguments}}
         self.base += "/" + self.call("POST", "", {"capabilities": {"alwaysMatch": options}})["sessionId"]
+        self.call("POST", "/timeouts", {"script": 1000 * self.PATIENCE, "pageLoad": 1000 * self.PATIENCE})
 
     def call(self, method, path, body=None):
         data = None if body is None else json.dumps(body).encode()
         request = urllib.request.Request(self.base + path, data, {"Content-Type": "application/json"}, method=method)
         try:
-            with urllib.request.urlopen(request, timeout=30) as answer:
+            with urllib.request.urlopen(request, timeout=self.PATIENCE) as answer:
                 return json.load(answer)["value"]
         except urllib.error.HTTPError as error:
             raise AssertionError(json.load(error)["value"]["message"]) from None
