@@ -81,6 +81,7 @@ void addRoutes(LocalServer& server, Session& session) {
                 return session.pictures().full(frameOf(body), trackOf(body), regionOf(body, session.frameSize()));
               }));
   server.Post(api + "save", answering([&](const json& body) { return session.save(body); }));
+  server.Post(api + "reload", answering([&](const json&) { return session.reload(); }));
   server.Post(api + "command", answering([&](const json& body) { return session.command(body); }));
   server.Post(api + "render", answering([&](const json& body) { return session.render(body); }));
   server.Get(api + "render",

@@ -161,7 +161,9 @@ def check_shot(browser, folder, view):
     browser.wait("return document.querySelector('#frame-number').value === '5'")
     browser.press("5")
     browser.press("Shift", "ArrowRight")
-    browser.wait("return document.querySelector('#key-note').textContent === '2 keys, linear'")
+    browser.wait("return document.querySelector('#key-note').textContent === '2 keys'")
+    assert browser.value("#interpolation") == "linear"
+    assert browser.run("return document.querySelector('#interpolation').disabled"), "a table holds linear keys alone"
     browser.press("PageUp")
     browser.wait("return document.querySelector('#frame-number').value === '1'")
     assert page.corners()[0] == 100
@@ -187,11 +189,15 @@ def check_shot(browser, folder, view):
         rendered = pixels(folder / f"again.{frame:04}.png")
         assert pixels(folder / f"out.{frame:04}.png") == rendered, f"frame {frame} is rendered differently by the page"
         for left, top, right, bottom in ((0, 0, WIDTH, HEIGHT), (101, 37, 299, 211)):
-            shown = view.post("picture", {"frame": frame, "n": 1, "region": [left, top, right, bottom],
-                                          "track": {"interpolation": "linear", "keys": keys}})
-            assert struct.unpack("<4i", shown[:16]) == (left, top, right - left, bottom - top)
+            region = {"frame": frame, "n": 1, "region": [left, top, right, bottom]}
+            shown = bytearray(view.post("backdrop", region)[16:])
+            picture = view.post("picture", region | {"track": {"interpolation": "linear", "keys": keys}})
+            x, y, width, height = struct.unpack("<4i", picture[:16])
+            for row in range(height):
+                at = 4 * ((y - top + row) * (right - left) + x - left)
+                shown[at:at + 4 * width] = picture[16 + 4 * width * row:16 + 4 * width * (row + 1)]
             part = b"".join(rendered[4 * (y * WIDTH + left):4 * (y * WIDTH + right)] for y in range(top, bottom))
-            assert shown[16:] == part, f"frame {frame} is shown with other pixels than it is rendered with"
+            assert shown == part, f"frame {frame} is shown with other pixels than it is rendered with"
     command = browser.value("#command")
     assert command.startswith("vantorel render layer.png -o out.%04d.png --corners corners.csv"), command
     subprocess.run(command.replace("vantorel", VANTOREL, 1).replace("out.", "told."), shell=True, check=True, cwd=folder)
@@ -219,6 +225,60 @@ def check_json_in(folder, view, text):
     assert view.end() == 0
 
 
+def check_touch(browser, view):
+    """A finger moves a corner; two zoom."""
+    page = Page(browser, view)
+    browser.press("n")
+    before = page.corners()
+    x, y = page.on_screen(*before[:2])
+    browser.touch([(x, y), (x + 20, y + 10), (x + 60, y + 30)])
+    once = page.corners()
+    assert once[0] - before[0] > 5 and once[2:] == before[2:], (before, once)
+    x, y = page.on_screen(*once[:2])
+    browser.touch([(x - 20, y), (x - 40, y), (x - 80, y)], [(x + 20, y), (x + 40, y), (x + 80, y)])
+    assert page.corners() == once
+    browser.touch([(x, y), (x + 20, y + 10), (x + 60, y + 30)])
+    near([page.corners()[0] - once[0]], [(once[0] - before[0]) / 4], 0.3)
+    page.leave()
+    assert view.end() == 0
+
+
+def check_smooth(browser, folder):
+    """Smooth keys lie where the command puts them; the file keeps how its keys are joined, and others' changes."""
+    keys = [{"frame": f, "ul": [40 + 3 * f * f % 50, 30 + f], "ur": [400 - f, 40], "ll": [60, 220 - 2 * f],
+             "lr": [420, 230 + f * f % 11]} for f in (1, 3, 8, 9, 14)]
+    file = folder / "smooth.json"
+    file.write_text(json.dumps({"units": "px", "interpolation": "smooth", "keys": keys}))
+    vantorel(folder, "corners", "smooth.json", "-o", "baked.csv")
+    baked = [row for row in csv.reader((folder / "baked.csv").read_text().splitlines()) if row and row[0].isdigit()]
+    with View(folder, "layer.png", "--over", "plate.0001.jpg", "--corners", "smooth.json", "--frames", "1-14") as view:
+        page = Page(browser, view)
+        assert len(baked) == 14 and browser.value("#interpolation") == "smooth", baked
+        for row in baked:
+            browser.run("const s = document.querySelector('#scrub'); s.value = arguments[0];"
+                        "s.dispatchEvent(new Event('input'))", int(row[0]))
+            near(page.corners(), [float(cell) for cell in row[1:9]], 2e-4)
+        browser.run("const s = document.querySelector('#interpolation'); s.value = 'hold';"
+                    "s.dispatchEvent(new Event('change'))")
+        file.write_text(file.read_text().replace("smooth", "linear"))
+        browser.click("#save")
+        browser.wait("return document.querySelector('#conflict').open")
+        assert json.loads(file.read_text())["interpolation"] == "linear"
+        browser.click("#conflict-save")
+        browser.wait("return document.querySelector('#status').textContent.startsWith('Saved')")
+        assert json.loads(file.read_text()) == {"units": "px", "interpolation": "hold", "keys": keys}
+        file.write_text(file.read_text().replace("hold", "linear"))
+        browser.click("#save")
+        browser.wait("return document.querySelector('#conflict').open")
+        browser.click("#conflict-reload")
+        browser.wait("return document.querySelector('#interpolation').value === 'linear'")
+        browser.click("#undo")
+        assert browser.value("#interpolation") == "hold"
+        browser.click("#redo")
+        page.leave()
+        assert view.end() == 0
+
+
 def main():
     folder = pathlib.Path(sys.argv[1]).absolute()
     make_shot(folder)
@@ -240,6 +300,9 @@ def main():
         away = [value + (20 if i % 2 else 30) for i, value in enumerate(SCREEN)]
         with View(folder, "layer.png", "--over", "screen.png", *corner_options(away)) as view:
             check_snapping(browser, view)
+        with View(folder, "layer.png", "--over", "screen.png") as view:
+            check_touch(browser, view)
+        check_smooth(browser, folder)
     except Exception:
         browser.screenshot(folder / "failed.png")
         raise

@@ -89,6 +89,17 @@ class Browser:
             source["parameters"] = {"pointerType": "mouse"}
         self.call("POST", "/actions", {"actions": [source]})
 
+    def touch(self, *fingers):
+        """Fingers that go along lists of points at the same time, and then leave."""
+        sources = []
+        for name, points in enumerate(fingers):
+            steps = [{"type": "pointerMove", "x": round(x), "y": round(y), "duration": 20 if i else 0}
+                     for i, (x, y) in enumerate(points)]
+            steps.insert(1, {"type": "pointerDown", "button": 0})
+            sources.append({"type": "pointer", "id": f"finger {name}", "parameters": {"pointerType": "touch"},
+                            "actions": steps + [{"type": "pointerUp", "button": 0}]})
+        self.call("POST", "/actions", {"actions": sources})
+
     def press(self, *keys):
         """Keys together: press("Control", "z")."""
         values = [KEYS.get(key, key) for key in keys]

@@ -1,7 +1,7 @@
 // What the page is about at any moment, the acts that change it, and the pictures that follow.
 
 import {NAMES, flat, fromFlat, moved, point, printed, sameCorners, shapeFault, sortedCorners} from './geometry.js';
-import {Latest, get, picture, post} from './net.js';
+import {Latest, picture} from './net.js';
 import {snapped} from './snap.js';
 import {History, Track} from './track.js';
 
@@ -64,6 +64,10 @@ export class App extends EventTarget {
     this.scheduled ??= requestAnimationFrame(() => {
       this.scheduled = null;
       this.stage.draw(this.look());
+      if (this.stage.base && this.stage.result && !this.has_begun) {
+        this.has_begun = true;
+        performance.mark('first picture');
+      }
       for (const start of this.waiting?.splice(0) ?? []) {
         performance.measure('drag to drawn', {start, end: performance.now()});
       }
@@ -74,7 +78,7 @@ export class App extends EventTarget {
   }
 
   look() {
-    const paths = this.track.keys.length > 1 ? [0, 1, 2, 3].map(c => this.track.keys.map(key => key.corners[c])) : [];
+    const paths = this.track.keys.length > 1 ? [0, 1, 2, 3].map(c => this.track.path(c)) : [];
     return {corners: this.corners, hot: this.hot, overlay: this.overlay, opacity: this.opacity,
             difference: this.difference, paths, points: this.placing ?? [], loupe: this.loupe};
   }
@@ -123,7 +127,7 @@ export class App extends EventTarget {
     return this.drafts.run(async () => {
       const version = this.version;
       const drawn = await picture('draft', {frame: this.frame, corners: flat(this.corners), ...this.stage.visible(Math.round)});
-      if (drawn && !(this.stage.result?.full && this.stage.result.version === version)) {
+      if (drawn && !(this.stage.result?.full && this.stage.result.version >= version)) {
         this.stage.result = {...drawn, version};
         if (start !== undefined) {
           (this.waiting ??= []).push(start);
@@ -131,6 +135,23 @@ export class App extends EventTarget {
         this.schedule();
       }
     });
+  }
+
+  // For differences the plate at the detail and of the part that the full-quality picture has, so that equal pixels meet.
+  async loadReference() {
+    const {result} = this.stage;
+    if (!this.difference || !result?.full || result.reference || result.canvas.width === 0) {
+      return;
+    }
+    const {n, left, top, frame, canvas} = result;
+    const region = [left, top, Math.min(this.stage.width, left + n * canvas.width),
+                    Math.min(this.stage.height, top + n * canvas.height)];
+    try {
+      result.reference = (await picture('backdrop', {frame, n, region})).canvas;
+      this.schedule();
+    } catch (error) {
+      this.say(error.message, true);
+    }
   }
 
   // Asks for the full-quality picture once nothing has changed for a moment.
@@ -157,6 +178,7 @@ export class App extends EventTarget {
       }
       this.stage.result = {...full, full: true, version};
       this.schedule();
+      this.loadReference();
       if (this.let_go !== undefined) {
         performance.measure('let go to full quality', {start: this.let_go, end: performance.now()});
         this.let_go = undefined;
@@ -188,6 +210,10 @@ export class App extends EventTarget {
     this.changed();
     this.draft();
     this.settle();
+    this.#told(text);
+  }
+
+  #told(text) {
     this.loadLoupe();
     this.say([text, shapeFault(this.corners)].filter(Boolean).join('. '));
   }
@@ -240,8 +266,13 @@ export class App extends EventTarget {
       found = corners;
     }
     this.moving = null;
-    this.setCorners(found, this.describe() + (found === corners ? '' : ', snapped'));
+    if (!sameCorners(found, this.corners) || this.track.keys.length === 0) {
+      this.history.push(this.track.withKey(this.keyFrame, found));
+    }
+    // The last draft is as good as another one, which would only hold up the picture in full quality.
+    ++this.version;
     this.changed();
+    this.#told(this.describe() + (found === corners ? '' : ', snapped'));
     this.settle(0);
   }
 
@@ -327,15 +358,22 @@ export class App extends EventTarget {
     }
   }
 
-  async play() {
-    this.playing = !this.playing;
-    this.changed();
-    const [first, last, step] = this.frames;
-    while (this.playing) {
-      const next = this.frame + step > last ? first : this.frame + step;
-      await Promise.all([this.goTo(next), new Promise(done => setTimeout(done, 1000 / this.info.fps))]);
+  // While playing: `base` and `result` are its pictures, or null.
+  showFrame({frame, base, result}) {
+    ++this.version;
+    this.frame = frame;
+    if (base) {
+      this.stage.base = base;
+      this.stage.detail = this.stage.near = null;
     }
-    this.settle();
+    if (result && !this.moving) {
+      this.stage.result = {...result, version: this.version};
+    }
+    this.changed();
+  }
+
+  interpolate(interpolation) {
+    this.act(this.track.withInterpolation(interpolation), `Between keys: ${interpolation}`);
   }
 
   deleteKey() {
@@ -344,43 +382,5 @@ export class App extends EventTarget {
       return;
     }
     this.act(this.track.withoutKey(this.frame), `Key on frame ${this.frame} deleted`);
-  }
-
-  // --- Files
-
-  async save() {
-    const {track} = this;
-    if (this.info.cannotSave) {
-      this.say(this.info.cannotSave, true);
-      return;
-    }
-    try {
-      const {file, keys, note} = await post('save', {track: track.toMessage(this.keyFrame)});
-      this.saved = track;
-      this.say(`Saved ${keys} ${keys === 1 ? 'key' : 'keys'} to ${file}${note ? `; ${note}` : ''}`);
-      this.changed();
-    } catch (error) {
-      this.say(error.message, true);
-    }
-  }
-
-  async command() {
-    return (await post('command', {frame: this.frame, track: this.track.toMessage(this.keyFrame)})).command;
-  }
-
-  async render(body) {
-    try {
-      let state = await post('render', {...body, track: this.track.toMessage(this.keyFrame)});
-      const show = () => this.dispatchEvent(new CustomEvent('rendering', {detail: state}));
-      while (state.state === 'running') {
-        show();
-        await new Promise(done => setTimeout(done, 200));
-        state = await get('render');
-      }
-      show();
-      this.say(state.message, state.state === 'failed');
-    } catch (error) {
-      this.say(error.message, true);
-    }
   }
 }

@@ -1,5 +1,6 @@
 // Keys. Letters work everywhere but in fields; arrows, Tab and the space bar on the picture alone.
 
+import {save} from './files.js';
 import {AROUND} from './geometry.js';
 
 const ARROWS = {ArrowLeft: [-1, 0], ArrowRight: [1, 0], ArrowUp: [0, -1], ArrowDown: [0, 1]};
@@ -67,7 +68,7 @@ export function attachKeyboard(app, stage, canvas, act) {
       app.redo();
       event.preventDefault();
     } else if (control && event.key === 's') {
-      app.save();
+      save(app);
       event.preventDefault();
     } else if (!control && !event.altKey && event.key in plain) {
       plain[event.key]();

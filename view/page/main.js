@@ -4,6 +4,7 @@ import {App} from './app.js';
 import {attachKeyboard} from './keyboard.js';
 import {get} from './net.js';
 import {attachPanel} from './panel.js';
+import {play} from './playback.js';
 import {attachPointer} from './pointer.js';
 import {Stage} from './stage.js';
 import {attachTimeline} from './timeline.js';
@@ -21,7 +22,10 @@ function actsOf(app, stage) {
   };
   return {
     overlay: toggled('overlay', 'Outline'),
-    difference: toggled('difference', 'Difference'),
+    difference: () => {
+      toggled('difference', 'Difference')();
+      app.loadReference();
+    },
     snap: toggled('snapping', 'Snapping'),
     place: () => app.placing ? app.endPlacing() : app.beginPlacing(),
     opacity: value => {
@@ -32,7 +36,7 @@ function actsOf(app, stage) {
     fit: seen(() => stage.fit()),
     oneToOne: seen(() => stage.zoomTo(1 / stage.ratio)),
     zoom: factor => seen(() => stage.zoomTo(stage.zoom * factor))(),
-    play: () => app.frames && app.play(),
+    play: () => app.frames && play(app),
     step: by => app.frames && app.goTo(app.frame + by * app.frames[2]),
     key: by => {
       const frame = by < 0 ? app.track.keyBefore(app.frame) : app.track.keyAfter(app.frame);
@@ -65,7 +69,6 @@ async function start() {
   canvas.focus();
   app.changed();
   await Promise.all([app.loadBackdrop(), app.draft()]);
-  performance.mark('first picture');
   app.settle(0);
   document.documentElement.dataset.ready = 'yes';
 }

@@ -1,5 +1,6 @@
 // The fields and buttons beside the picture.
 
+import {command, reload, render, save} from './files.js';
 import {NAMES, point, printed, shapeFault} from './geometry.js';
 
 const element = id => document.getElementById(id);
@@ -70,8 +71,8 @@ function attachRendering(app) {
   const [bar, note, cancel] = ['render-progress', 'render-note', 'render-cancel'].map(element);
   const starts = ['render-frame', 'render-range'].map(element);
   const can = app.info.output !== null;
-  starts[0].addEventListener('click', () => app.render({frame: app.frame}));
-  starts[1].addEventListener('click', () => app.render({}));
+  starts[0].addEventListener('click', () => render(app, {frame: app.frame}));
+  starts[1].addEventListener('click', () => render(app, {}));
   starts[1].hidden = app.info.frames === null;
   cancel.addEventListener('click', () => fetch('api/cancel', {method: 'POST', body: '{}'}));
   note.textContent = can ? `to ${app.info.output}` : 'Start with -o OUT to render from here.';
@@ -91,7 +92,7 @@ function attachCommand(app) {
   const field = element('command');
   const update = async () => {
     try {
-      field.value = await app.command();
+      field.value = await command(app);
     } catch (error) {
       app.say(error.message, true);
     }
@@ -121,7 +122,7 @@ export function attachPanel(app, act) {
   attachRendering(app);
   attachCommand(app);
   const clicks = {
-    'undo': () => app.undo(), 'redo': () => app.redo(), 'reset': () => app.reset(), 'save': () => app.save(),
+    'undo': () => app.undo(), 'redo': () => app.redo(), 'reset': () => app.reset(), 'save': () => save(app),
     'place': act.place, 'snap': act.snap, 'overlay': act.overlay, 'difference': act.difference,
     'zoom-fit': act.fit, 'zoom-one': act.oneToOne, 'zoom-in': () => act.zoom(1.25), 'zoom-out': () => act.zoom(0.8),
     'help-open': act.help, 'copy': () => copyText(app, app.text(), 'Corners copied'),
@@ -136,6 +137,12 @@ export function attachPanel(app, act) {
   for (const [id, handler] of Object.entries(clicks)) {
     element(id).addEventListener('click', handler);
   }
+  element('conflict-reload').addEventListener('click', () => reload(app));
+  element('conflict-save').addEventListener('click', () => save(app, true));
+  app.addEventListener('conflict', ({detail}) => {
+    element('conflict-text').textContent = `${detail}.`;
+    element('conflict').showModal();
+  });
   element('opacity').addEventListener('input', event => act.opacity(event.target.value / 100));
   element('units').addEventListener('change', showFields);
   element('save').disabled = Boolean(app.info.cannotSave);

@@ -7,6 +7,19 @@ const UNSMOOTHED = 2;                      // device pixels for a pixel, from wh
 const MAX_ZOOM = 64, LOUPE = 8;
 const LINE = '#ffffff', SHADOW = 'rgba(0,0,0,.85)', HOT = '#ffc44d', FAULT = '#ff6a5a';
 
+// Pixel by pixel, before either is scaled.
+function differenceOf(result) {
+  if (!result.difference) {
+    result.difference = document.createElement('canvas');
+    [result.difference.width, result.difference.height] = [result.canvas.width, result.canvas.height];
+    const ctx = result.difference.getContext('2d');
+    ctx.drawImage(result.reference, 0, 0);
+    ctx.globalCompositeOperation = 'difference';
+    ctx.drawImage(result.canvas, 0, 0);
+  }
+  return result.difference;
+}
+
 export class Stage {
   constructor(canvas, loupe, size) {
     this.canvas = canvas;
@@ -155,6 +168,10 @@ export class Stage {
     ctx.beginPath();
     ctx.rect(place.x * this.ratio, place.y * this.ratio, r.canvas.width * scale, r.canvas.height * scale);
     ctx.clip();
+    if (r.reference) {
+      put({...r, canvas: differenceOf(r)});
+      return;
+    }
     put(this.base);
     put(this.detail);
     ctx.globalCompositeOperation = 'difference';

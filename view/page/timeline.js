@@ -26,6 +26,10 @@ export function attachTimeline(app, act) {
   [scrub.min, scrub.max, scrub.step] = app.frames;
   scrub.addEventListener('input', () => app.goTo(Number(scrub.value)));
   number.addEventListener('change', () => app.goTo(Number(number.value)));
+  const interpolation = element('interpolation');
+  interpolation.disabled = !app.info.interpolates;
+  interpolation.title = app.info.interpolates ? '' : 'Only JSON files hold another one';
+  interpolation.addEventListener('change', () => app.interpolate(interpolation.value));
   const clicks = {
     'key-previous': () => act.key(-1), 'key-next': () => act.key(1), 'frame-previous': () => act.step(-1),
     'frame-next': () => act.step(1), 'play': act.play, 'key-delete': () => app.deleteKey(),
@@ -42,7 +46,8 @@ export function attachTimeline(app, act) {
     element('play').textContent = app.playing ? 'Stop' : 'Play';
     element('key-delete').disabled = !app.track.hasKey(app.frame) || app.track.keys.length === 1;
     element('key-note').textContent =
-        `${app.track.keys.length} ${app.track.keys.length === 1 ? 'key' : 'keys'}, ${app.track.interpolation}`;
+        `${app.track.keys.length} ${app.track.keys.length === 1 ? 'key' : 'keys'}`;
+    interpolation.value = app.track.interpolation;
     drawTicks(app, ticks);
   });
 }

@@ -2,6 +2,21 @@
 
 import {flat, fromFlat, point} from './geometry.js';
 
+const PATH_STEPS = 12;  // between two keys
+
+const secant = (a, b) => (b.value - a.value) / (b.time - a.time);
+
+// At the middle one of three knots: the weighted harmonic mean of the slopes on its sides, 0 where their signs differ.
+function slope(a, b, c) {
+  const [left, right] = [secant(a, b), secant(b, c)];
+  if (!(left * right > 0)) {
+    return 0;
+  }
+  const left_weight = 2 * (c.time - b.time) + (b.time - a.time);
+  const right_weight = (c.time - b.time) + 2 * (b.time - a.time);
+  return (left_weight + right_weight) / (left_weight / left + right_weight / right);
+}
+
 export class Track {
   // `keys`: [{frame, corners}], ascending. Without keys the corners are `usual` throughout.
   constructor(keys, interpolation, usual) {
@@ -33,9 +48,41 @@ export class Track {
     if (before.frame === frame || this.interpolation === 'hold') {
       return before.corners;
     }
+    if (this.interpolation === 'smooth') {
+      return before.corners.map((_, c) => {
+        const [x, y] = ['x', 'y'].map(axis => this.#smoothly(next, c, axis, frame));
+        return point(x, y);
+      });
+    }
     const share = (frame - before.frame) / (after.frame - before.frame);
     return before.corners.map((p, c) => point(p.x + share * (after.corners[c].x - p.x),
                                               p.y + share * (after.corners[c].y - p.y)));
+  }
+
+  // Between the key before `next` and that one: the cubic that never overshoots, with the renderer's slopes.
+  #smoothly(next, corner, axis, frame) {
+    const knot = i => this.keys[i] && {time: this.keys[i].frame, value: this.keys[i].corners[corner][axis]};
+    const [before, begin, end, after] = [next - 2, next - 1, next, next + 1].map(knot);
+    const chord = secant(begin, end);
+    const first = before ? slope(before, begin, end) : chord;
+    const last = after ? slope(begin, end, after) : chord;
+    const length = end.time - begin.time;
+    const t = (frame - begin.time) / length;
+    const curve = length * t * (1 - t) * ((first - chord) * (1 - t) - (last - chord) * t);
+    return begin.value + (end.value - begin.value) * t + curve;
+  }
+
+  // The way of a corner from the first to the last key.
+  path(corner) {
+    const frames = this.keys.flatMap(({frame}, i) => {
+      const steps = this.interpolation === 'smooth' && i + 1 < this.keys.length ? PATH_STEPS : 1;
+      return Array.from({length: steps}, (_, s) => frame + s * ((this.keys[i + 1]?.frame ?? frame) - frame) / steps);
+    });
+    return frames.map(frame => this.at(frame)[corner]);
+  }
+
+  withInterpolation(interpolation) {
+    return new Track(this.keys, interpolation, this.usual);
   }
 
   hasKey(frame) {

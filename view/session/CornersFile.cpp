@@ -9,6 +9,7 @@
 #include "cli/base/CommandError.h"
 #include "cli/base/Text.h"
 #include "cli/pictures/OutputFile.h"
+#include "tracks/TrackFile.h"
 #include "view/session/TrackEdit.h"
 
 namespace vantorel::view {
@@ -32,6 +33,14 @@ bool exists(const std::string& path) {
   return fs::exists(path, fault);
 }
 
+std::optional<std::string> contentIfAny(const std::string& path) {
+  return exists(path) ? std::optional(contentOf(path)) : std::nullopt;
+}
+
+bool isOneFile(const cli::TrackOptions& options) {
+  return !options.files.empty() && options.files != "-" && cli::trackFiles(options.files).size() == 1;
+}
+
 const char* formatByName(const std::string& path) {
   const std::string extension = cli::lowerCaseExtension(path);
   return extension == ".json" ? "json" : (extension == ".csv" ? "csv" : nullptr);
@@ -44,33 +53,51 @@ bool changesMeaning(const tracks::ResolveOptions& options) {
 
 }  // namespace
 
-std::string reasonNotToSave(const cli::TrackOptions& options) {
-  if (options.files.empty()) {
+CornersFile::CornersFile(const cli::TrackOptions& options) : options_(options) {
+  if (isOneFile(options_)) {
+    known_ = contentIfAny(options_.files);
+  }
+}
+
+std::string CornersFile::reasonNotToSave() const {
+  if (options_.files.empty()) {
     return "no file of corners was named; start with --corners FILE.csv or FILE.json, which need not exist";
   }
-  if (options.files == "-" || cli::trackFiles(options.files).size() != 1) {
+  if (!isOneFile(options_)) {
     return "the corners come from standard input or from several files; name one with --corners FILE.csv";
   }
-  if (changesMeaning(options.resolve)) {
+  if (changesMeaning(options_.resolve)) {
     return "options say what the file's numbers mean; convert it with 'vantorel corners FILE -o OTHER.csv' first";
   }
-  if (!exists(options.files)) {
-    return formatByName(options.files) != nullptr ? "" : "the file's name ends neither in .csv nor in .json";
+  const std::optional<std::string> text = contentIfAny(options_.files);
+  if (!text) {
+    return formatByName(options_.files) != nullptr ? "" : "the file's name ends neither in .csv nor in .json";
   }
-  const std::string text = contentOf(options.files);
-  return isEditable(text, options.files)
+  return isEditable(*text, options_.files)
              ? ""
              : "the file is in a tracker's format; convert it with 'vantorel corners FILE -o OTHER.csv' first";
 }
 
-void saveCorners(const cli::TrackOptions& options, const tracks::CornerTrack& track, host::Size layer) {
-  if (const std::string reason = reasonNotToSave(options); !reason.empty()) {
+bool CornersFile::holdsInterpolation() const {
+  if (!reasonNotToSave().empty()) {
+    return false;
+  }
+  const std::optional<std::string> text = contentIfAny(options_.files);
+  return text ? isJsonTrack(*text, options_.files) : std::string_view(formatByName(options_.files)) == "json";
+}
+
+bool CornersFile::isChanged() const {
+  return isOneFile(options_) && contentIfAny(options_.files) != known_;
+}
+
+void CornersFile::save(const tracks::CornerTrack& track, host::Size layer) {
+  if (const std::string reason = reasonNotToSave(); !reason.empty()) {
     throw cli::badArgument("--corners", reason);
   }
-  const std::string& path = options.files;
+  const std::string& path = options_.files;
   std::string text;
-  if (exists(path)) {
-    text = editedTrack(contentOf(path), path, track, layer);
+  if (const std::optional<std::string> before = contentIfAny(path)) {
+    text = editedTrack(*before, path, track, layer);
   } else {
     const auto written = tracks::writeTrack(track, *tracks::formatNamed(formatByName(path)), {});
     if (!written) {
@@ -81,6 +108,14 @@ void saveCorners(const cli::TrackOptions& options, const tracks::CornerTrack& tr
   cli::OutputFile file(path);
   file.note(std::fwrite(text.data(), 1, text.size(), file.stream()) == text.size());
   file.commit();
+  known_ = std::move(text);
+}
+
+cli::CornersTrack CornersFile::read(const cli::FrameRate& rate) {
+  std::optional<std::string> text = contentIfAny(options_.files);
+  cli::CornersTrack corners = cli::readCorners(options_, rate);
+  known_ = std::move(text);
+  return corners;
 }
 
 }  // namespace vantorel::view

@@ -42,17 +42,17 @@ host::Image copyOf(const host::ConstImageView& pixels) {
 
 }  // namespace
 
-DisplayPicture displayed(std::shared_ptr<const void> owner, const host::ConstImageView& pixels, const cli::Shot& shot,
-                         const std::string& name) {
+DisplayPicture displayed(std::shared_ptr<const void> owner, const host::ConstImageView& pixels,
+                         cli::ShotColour* colour, const std::string& name) {
   if (pixels.depth == host::Depth::Bits8) {
     return {std::move(owner), pixels};
   }
   auto image = std::make_shared<host::Image>(cli::valueOrThrow(host::Image::create(pixels.size, host::Depth::Bits8)));
   if (pixels.depth == host::Depth::Bits16) {
     convertRows<std::uint16_t>(pixels, image->view());
-  } else if (shot.colour && shot.colour->convertsOutput()) {
+  } else if (colour != nullptr && colour->convertsOutput()) {
     host::Image copy = copyOf(pixels);
-    shot.colour->leave(copy.view(), name);
+    colour->leave(copy.view(), name);
     convertRows<float>(std::as_const(copy).view(), image->view());
   } else {
     convertRows<float>(pixels, image->view());

@@ -163,9 +163,11 @@ json toJson(const tracks::CornerTrack& track) {
     }
     keys.push_back(std::move(numbers));
   }
-  const auto* const named =
-      std::ranges::find(kInterpolations, track.interpolation, [](const auto& i) { return i.second; });
-  return {{"interpolation", named->first}, {"keys", std::move(keys)}};
+  return {{"interpolation", nameOf(track.interpolation)}, {"keys", std::move(keys)}};
+}
+
+std::string_view nameOf(host::Interpolation interpolation) {
+  return std::ranges::find(kInterpolations, interpolation, [](const auto& named) { return named.second; })->first;
 }
 
 cli::CornersTrack asCorners(const tracks::CornerTrack& track) {

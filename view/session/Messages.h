@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <string_view>
 
 #include "cli/corners/CornersTrack.h"
 #include "host/Animation.h"
@@ -30,6 +31,9 @@ Region regionOf(const nlohmann::json& body, host::Size frame);
 // ...]}, at least one key; positions in pixels of the output, frames ascending.
 tracks::CornerTrack trackOf(const nlohmann::json& body);
 nlohmann::json toJson(const tracks::CornerTrack& track);
+
+// "linear", "hold" or "smooth", as in files.
+std::string_view nameOf(host::Interpolation interpolation);
 
 // The track in the place of one read from files, its corners taken as they are.
 cli::CornersTrack asCorners(const tracks::CornerTrack& track);

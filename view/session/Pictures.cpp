@@ -5,8 +5,11 @@
 
 #include "cli/base/CommandError.h"
 #include "cli/pictures/Composite.h"
+#include "cli/pictures/Fade.h"
+#include "cli/pictures/Feather.h"
 #include "cli/pictures/Reduce.h"
 #include "cli/shots/FrameRenderer.h"
+#include "cli/shots/ShotColour.h"
 
 namespace vantorel::view {
 
@@ -35,15 +38,16 @@ host::Corners scaled(const host::Corners& corners, int n) {
   return {point(corners.upper_left), point(corners.upper_right), point(corners.lower_left), point(corners.lower_right)};
 }
 
-// What of the region the corners and a little more around them reach; empty where nothing.
-Region around(const host::Corners& corners, const Region& region) {
+// What of the region the corners reach, and `margin` full-resolution pixels and a pixel of the picture around them;
+// empty where nothing.
+Region around(const host::Corners& corners, double margin, const Region& region) {
   const auto [left, right] =
       std::minmax({corners.upper_left.x, corners.upper_right.x, corners.lower_left.x, corners.lower_right.x});
   const auto [top, bottom] =
       std::minmax({corners.upper_left.y, corners.upper_right.y, corners.lower_left.y, corners.lower_right.y});
   const int n = region.n;
-  const auto down = [&](double v) { return static_cast<int>(std::floor(v / n) - 1) * n; };
-  const auto up = [&](double v) { return static_cast<int>(std::ceil(v / n) + 1) * n; };
+  const auto down = [&](double v) { return static_cast<int>(std::floor((v - margin) / n) - 1) * n; };
+  const auto up = [&](double v) { return static_cast<int>(std::ceil((v + margin) / n) + 1) * n; };
   return {{std::max(region.rect.left, down(left)), std::max(region.rect.top, down(top)),
            std::min(region.rect.right, up(right)), std::min(region.rect.bottom, up(bottom))},
           n};
@@ -73,11 +77,14 @@ std::string nothing(const Region& region) {
 
 }  // namespace
 
-Pictures::Pictures(cli::Shot& shot) : shot_(shot), layers_(*shot.layer, shot_), drafter_(shot.module) {
+Pictures::Pictures(cli::Shot& shot) : shot_(shot), layers_(*shot.layer, shot.colour.get()), drafter_(shot.module) {
   first_readings_.push_back(readingAhead(layers_, shot.frames.first));
   if (shot.plate) {
-    plates_.emplace(*shot.plate, shot_);
+    plates_.emplace(*shot.plate, shot.colour.get());
     first_readings_.push_back(readingAhead(*plates_, shot.frames.first));
+  }
+  if (shot.matte) {
+    mattes_.emplace(*shot.matte, nullptr);
   }
 }
 
@@ -93,7 +100,7 @@ std::string Pictures::draft(std::int32_t frame, const host::Corners& corners, co
   const std::stop_token stop = drafts_.begin();
   fulls_.end();
   const std::scoped_lock lock(draft_mutex_);
-  const Region drawn = around(corners, region);
+  const Region drawn = around(corners, 0.0, region);
   if (drawn.rect.empty()) {
     return nothing(region);
   }
@@ -107,28 +114,34 @@ std::string Pictures::draft(std::int32_t frame, const host::Corners& corners, co
   options.threads = shot_.options.threads;
   options.stop = stop;
   cli::valueOrThrow(drafter_.render(layer.pixels, canvas, draft_pixels_.view(), options));
+  hold(corners, frame, drawn, stop);
   layOverPlate(draft_pixels_.view(), frame, drawn, stop);
   return pictureMessage(originOf(drawn), std::as_const(draft_pixels_).view());
 }
 
 std::string Pictures::full(std::int32_t frame, const tracks::CornerTrack& track, const Region& region) {
   const std::stop_token stop = fulls_.begin();
+  drafts_.end();
   const std::scoped_lock lock(full_mutex_);
   if (stop.stop_requested()) {
     throw cli::interrupted();
   }
   shot_.corners = asCorners(track);
+  const Region drawn = reached(frame, region);
+  if (drawn.rect.empty()) {
+    return nothing(region);
+  }
   cli::FrameRenderer renderer(shot_, stop, {});
-  const cli::ComposedFrame frame_pixels = renderer.compose(frame, region.rect);
+  const cli::ComposedFrame frame_pixels = renderer.compose(frame, drawn.rect);
   const DisplayPicture picture =
-      displayed(nullptr, host::asConst(frame_pixels.pixels), shot_, shot_.layer->path(frame));
+      displayed(nullptr, host::asConst(frame_pixels.pixels), shot_.colour.get(), shot_.layer->path(frame));
   const host::Rect& canvas = frame_pixels.canvas;
   const host::ConstImageView seen =
-      part(picture.pixels, {region.rect.left - canvas.left, region.rect.top - canvas.top,
-                            region.rect.right - canvas.left, region.rect.bottom - canvas.top});
-  host::Image shown = cli::reduced(seen, region.n);
+      part(picture.pixels, {drawn.rect.left - canvas.left, drawn.rect.top - canvas.top,
+                            drawn.rect.right - canvas.left, drawn.rect.bottom - canvas.top});
+  host::Image shown = cli::reduced(seen, drawn.n);
   makeOpaque(shown.view());
-  return pictureMessage(originOf(region), std::as_const(shown).view());
+  return pictureMessage(originOf(drawn), std::as_const(shown).view());
 }
 
 void Pictures::close() {
@@ -149,6 +162,43 @@ int Pictures::layerReduction(const host::Corners& corners, const Region& region,
     n *= 2;
   }
   return n;
+}
+
+// What holds the draft back: its soft edges, its opacity and what stands before it.
+void Pictures::hold(const host::Corners& corners, std::int32_t frame, const Region& drawn,
+                    const std::stop_token& stop) {
+  const host::ImageView picture = draft_pixels_.view();
+  const cli::RenderOptions& options = shot_.options;
+  const host::Rect rect = reducedRect(drawn);
+  if (options.feather > 0.0) {
+    const auto inDraft = [&](const host::Point& p) {
+      return host::Point{p.x / drawn.n - rect.left, p.y / drawn.n - rect.top};
+    };
+    cli::feather(picture,
+                 {inDraft(corners.upper_left), inDraft(corners.upper_right), inDraft(corners.lower_right),
+                  inDraft(corners.lower_left)},
+                 options.feather / drawn.n);
+  }
+  if (options.opacity < 1.0) {
+    cli::fade(picture, options.opacity);
+  }
+  if (mattes_) {
+    const DisplayPicture matte = mattes_->at(frame, drawn.n, stop);
+    cli::holdOut(picture, part(matte.pixels, rect),
+                 matte.has_alpha ? cli::MatteChannel::Alpha : cli::MatteChannel::Grey);
+  }
+}
+
+// What of the region the layer can reach in that frame, which has no bounds where it is blurred by its motion.
+Region Pictures::reached(std::int32_t frame, const Region& region) const {
+  // More than soft edges take, and than the plate's pixels next to the outline.
+  constexpr double kMargin = 16.0;
+  if (shot_.options.shutter.degrees > 0.0) {
+    return region;
+  }
+  const cli::FrameRate& rate = shot_.options.rate;
+  const host::AnimatedCorners corners = cli::toAnimation(shot_.corners, shot_.layer_size, shot_.frame_size, rate);
+  return around(corners.at(rate.seconds(frame)), kMargin, region);
 }
 
 void Pictures::layOverPlate(const host::ImageView& picture, std::int32_t frame, const Region& region,

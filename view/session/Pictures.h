@@ -27,11 +27,12 @@ class Pictures {
   // The plate, or black without one.
   std::string backdrop(std::int32_t frame, const Region& region);
 
-  // The layer on those corners over the backdrop, drawn fast from proxies: what lies around the corners within the
-  // region.
+  // The layer on those corners over the backdrop, drawn fast from proxies, without motion blur: what lies around the
+  // corners within the region.
   std::string draft(std::int32_t frame, const host::Corners& corners, const Region& region);
 
-  // The frame exactly as it is rendered to a file, for display; reduced afterwards.
+  // The frame exactly as it is rendered to a file, for display; reduced afterwards. What of the region the layer can
+  // reach: beyond it the frame is the backdrop.
   std::string full(std::int32_t frame, const tracks::CornerTrack& track, const Region& region);
 
   // Ends what is being drawn, and refuses to draw any more.
@@ -39,12 +40,15 @@ class Pictures {
 
  private:
   int layerReduction(const host::Corners& corners, const Region& region, host::Size layer) const;
+  void hold(const host::Corners& corners, std::int32_t frame, const Region& drawn, const std::stop_token& stop);
+  Region reached(std::int32_t frame, const Region& region) const;
   void layOverPlate(const host::ImageView& picture, std::int32_t frame, const Region& region,
                     const std::stop_token& stop);
 
   cli::Shot& shot_;
   ProxyCache layers_;
   std::optional<ProxyCache> plates_;
+  std::optional<ProxyCache> mattes_;
   LatestWins drafts_;
   std::mutex draft_mutex_;
   host::Instance drafter_;

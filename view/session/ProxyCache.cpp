@@ -26,7 +26,8 @@ DisplayPicture ProxyCache::at(std::int32_t frame, int n, const std::stop_token& 
   DisplayPicture whole = find(kept_frame, 1);
   if (!whole.owner) {
     const std::shared_ptr<const cli::Picture> picture = source_.at(frame, stop);
-    whole = displayed(picture, cli::shownPixels(*picture), shot_, source_.path(frame));
+    whole = displayed(picture, cli::shownPixels(*picture), colour_, source_.path(frame));
+    whole.has_alpha = picture->info.has_alpha;
     keep({kept_frame, 1, bytesOf(whole.pixels), whole});
   }
   if (n == 1) {
@@ -34,7 +35,7 @@ DisplayPicture ProxyCache::at(std::int32_t frame, int n, const std::stop_token& 
   }
   auto smaller = std::make_shared<host::Image>(cli::reduced(whole.pixels, n));
   const host::ConstImageView pixels = std::as_const(*smaller).view();
-  return keep({kept_frame, n, bytesOf(pixels), {std::move(smaller), pixels}});
+  return keep({kept_frame, n, bytesOf(pixels), {std::move(smaller), pixels, whole.has_alpha}});
 }
 
 DisplayPicture ProxyCache::find(std::int32_t frame, int n) {

@@ -1,4 +1,4 @@
-// The layer and the plate as drafts need them: for display, at 1/n of their resolution, kept for the next draft.
+// The layer, the plate and the matte as drafts need them: for display, at 1/n of their resolution, kept for the next draft.
 #pragma once
 
 #include <cstdint>
@@ -10,11 +10,11 @@
 
 namespace vantorel::view {
 
-// Of one of the two. Keeps what was asked for last, up to a bound on its bytes. Safe to use from several threads.
+// Of one of them. Keeps what was asked for last, up to a bound on its bytes. Safe to use from several threads.
 class ProxyCache {
  public:
-  // The source and the shot that it belongs to must outlive it.
-  ProxyCache(cli::PictureSource& source, const cli::Shot& shot) : source_(source), shot_(shot) {}
+  // The source must outlive it, and so must the colours that its pictures are shown by; null for numbers as they are.
+  ProxyCache(cli::PictureSource& source, cli::ShotColour* colour) : source_(source), colour_(colour) {}
 
   // The picture in that frame. Throws CommandError as reading it does.
   DisplayPicture at(std::int32_t frame, int n, const std::stop_token& stop);
@@ -31,7 +31,7 @@ class ProxyCache {
   DisplayPicture keep(Kept kept);
 
   cli::PictureSource& source_;
-  const cli::Shot& shot_;
+  cli::ShotColour* colour_;
   std::mutex mutex_;
   std::list<Kept> kept_;  // the last used first
 };

@@ -45,15 +45,15 @@ cli::Shot planned(const cli::ViewOptions& options) {
   return shot;
 }
 
-tracks::CornerTrack trackOfShot(const cli::Shot& shot, host::Size layer) {
-  if (shot.corners.read) {
-    return cli::resolveCorners(shot.corners, layer, shot.frame_size).track;
+tracks::CornerTrack trackOfShot(const cli::Shot& shot, const cli::CornersTrack& corners, host::Size layer) {
+  if (corners.read) {
+    return cli::resolveCorners(corners, layer, shot.frame_size).track;
   }
-  const host::Corners corners = cli::toPixels(shot.corners.still, layer, "--");
+  const host::Corners still = cli::toPixels(corners.still, layer, "--");
   tracks::CornerTrack track;
   tracks::CornerKey key;
   key.frame = shot.frames.first;
-  key.points = {corners.upper_left, corners.upper_right, corners.lower_left, corners.lower_right};
+  key.points = {still.upper_left, still.upper_right, still.lower_left, still.lower_right};
   key.present = tracks::kAllCorners;
   track.keys.push_back(key);
   return track;
@@ -61,18 +61,19 @@ tracks::CornerTrack trackOfShot(const cli::Shot& shot, host::Size layer) {
 
 }  // namespace
 
-Session::Session(const cli::ViewOptions& options) : options_(options), shot_(planned(options)), pictures_(shot_) {
+Session::Session(const cli::ViewOptions& options) : options_(options), file_(options_.track), shot_(planned(options)), pictures_(shot_) {
   if (!options_.output.empty()) {
     // Says now what rendering would complain about later.
     cli::planShot(options_, anyCorners());
   }
   layer_size_ = shot_.layer_size;
   if (hasCorners(options)) {
-    track_ = trackOfShot(shot_, layer_size_);
+    track_ = trackOfShot(shot_, shot_.corners, layer_size_);
   }
 }
 
-json Session::description() const {
+json Session::description() {
+  const std::scoped_lock lock(file_mutex_);
   const auto name_or_null = [](const std::string& name) { return name.empty() ? json() : json(name); };
   return {{"size", {shot_.frame_size.width, shot_.frame_size.height}},
           {"layer", options_.layer_label.empty() ? options_.layer : options_.layer_label},
@@ -83,17 +84,33 @@ json Session::description() const {
           {"fps", static_cast<double>(options_.rate.scale) / options_.rate.step},
           {"track", track_.keys.empty() ? json() : toJson(track_)},
           {"corners", name_or_null(options_.track.files)},
-          {"cannotSave", name_or_null(reasonNotToSave(options_.track))},
+          {"cannotSave", name_or_null(file_.reasonNotToSave())},
+          {"interpolates", options_.track.files.empty() || file_.holdsInterpolation()},
           {"output", name_or_null(options_.output)}};
 }
 
 json Session::save(const json& body) {
   const tracks::CornerTrack track = trackOf(body);
-  saveCorners(options_.track, track, layer_size_);
+  const std::scoped_lock lock(file_mutex_);
+  if (file_.isChanged() && body.value("anyway", json()) != true) {
+    return {{"changed", fmt::format("{} has been changed by another program since it was read here",
+                                    options_.track.files)}};
+  }
+  file_.save(track, layer_size_);
+  track_ = track;
   return {
       {"file", options_.track.files},
       {"keys", track.keys.size()},
       {"note", isReadAsWritten(track) ? "" : "render it with --corners-order as-written, as these corners are turned"}};
+}
+
+json Session::reload() {
+  const std::scoped_lock lock(file_mutex_);
+  if (const std::string reason = file_.reasonNotToSave(); !reason.empty()) {
+    throw cli::badArgument("--corners", reason);
+  }
+  track_ = trackOfShot(shot_, file_.read(shot_.options.rate), layer_size_);
+  return {{"track", toJson(track_)}};
 }
 
 json Session::render(const json& body) {

@@ -14,6 +14,7 @@
 #include "tracks/Text.h"
 #include "tracks/TrackFile.h"
 #include "tracks/formats/CsvTable.h"
+#include "view/session/Messages.h"
 
 namespace vantorel::view {
 
@@ -176,6 +177,10 @@ class ObjectEditor {
       keys.push_back(editedKey(found == before.end() ? Json{{"frame", number(key.frame)}} : found->second, key));
     }
     document_["keys"] = std::move(keys);
+    const std::string_view interpolation = nameOf(track_.interpolation);
+    if (document_.value("interpolation", "linear") != interpolation) {
+      document_["interpolation"] = interpolation;
+    }
     return written();
   }
 
@@ -237,6 +242,11 @@ class ObjectEditor {
 };
 
 }  // namespace
+
+bool isJsonTrack(std::string_view text, const std::string& name) {
+  const tracks::Format* format = formatOf(text, name);
+  return format != nullptr && format->name == "json";
+}
 
 bool isEditable(std::string_view text, const std::string& name) {
   const tracks::Format* format = formatOf(text, name);

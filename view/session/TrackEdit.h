@@ -9,6 +9,9 @@
 
 namespace vantorel::view {
 
+// Whether the text is the command's own JSON.
+bool isJsonTrack(std::string_view text, const std::string& name);
+
 // Whether the text is CSV or JSON as the command documents them.
 bool isEditable(std::string_view text, const std::string& name);
 
