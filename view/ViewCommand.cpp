@@ -18,8 +18,8 @@ namespace vantorel::view {
 
 namespace {
 
-// A view runs for hours and lets pictures of many sizes come and go on many threads. By default the C library keeps what
-// each thread has freed, and so ever more of it; these hand a picture's memory back when the picture goes.
+// A view runs for hours and lets pictures of many sizes come and go on many threads. By default the C library keeps
+// what each thread has freed, and so ever more of it; these hand a picture's memory back when the picture goes.
 void handBackFreedMemory() {
   constexpr int kLeastMappedBytes = 128 << 10;
   constexpr int kMostKeptBytes = 1 << 20;

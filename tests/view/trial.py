@@ -1,6 +1,6 @@
 """Trials of the page that take too long for the tests, or need what they do without.
 
-trial.py measure FOLDER            how long a drag takes to be drawn, and the first picture
+trial.py measure FOLDER            how long a drag takes to be drawn, full quality, and the first picture
 trial.py monkey FOLDER [SECONDS [SEED]]   random acts, with memory and faults watched
 trial.py audit FOLDER AXE          accessibility by axe-core, whose axe.min.js is AXE
 trial.py pictures FOLDER           the guide's pictures, by the layer and the plates of docs/images
@@ -50,6 +50,32 @@ def processor_seconds(process):
     return sum(count for pid, count in ticks.items() if is_below(pid)) / os.sysconf("SC_CLK_TCK")
 
 
+def first_picture(browser, view):
+    """When the first picture was drawn, in milliseconds since the server's start, and what happened before."""
+    origin, shot, asked, answered, drawn = browser.run(
+        "const e = name => performance.getEntriesByType('resource').find(r => r.name.endsWith(name));"
+        "const pictures = [e('api/backdrop'), e('api/draft')];"
+        "return [performance.timeOrigin, e('api/shot').responseEnd, Math.min(...pictures.map(r => r.requestStart)),"
+        "Math.max(...pictures.map(r => r.responseEnd)), performance.getEntriesByName('first picture')[0].startTime]")
+    page = origin - 1e3 * view.began
+    return (f"first picture {page + drawn:.0f} ms after the server's start (address printed {1e3 * (view.told - view.began):.0f}, "
+            f"page begun {page:.0f}, shot known {page + shot:.0f}, pictures asked for {page + asked:.0f}, "
+            f"answered {page + answered:.0f})")
+
+
+def full_quality(browser, places):
+    """Lets the corner go at each place, and gives the milliseconds until its picture in full quality is drawn."""
+    times = []
+    for x, y in places:
+        browser.run("performance.clearMeasures('let go to full quality')")
+        browser.act("pointer", [{"type": "pointerMove", "x": round(x), "y": round(y), "duration": 50},
+                                {"type": "pause", "duration": 100}, {"type": "pointerUp", "button": 0}])
+        browser.wait("return performance.getEntriesByName('let go to full quality').length")
+        times.append(browser.run("return performance.getEntriesByName('let go to full quality')[0].duration"))
+        browser.act("pointer", [{"type": "pointerDown", "button": 0}])
+    return times
+
+
 def measure(folder):
     browser = webdriver.Browser()
     for width, height in ((1920, 1080), (3840, 2160)):
@@ -58,7 +84,7 @@ def measure(folder):
                    (("ul", .2, .2), ("ur", .8, .15), ("ll", .15, .8), ("lr", .85, .9))]
         with View(folder, "card.png", "--over", "card.png", *corners) as view:
             ready(browser, view)
-            first = browser.run("return performance.getEntriesByName('first picture')[0].startTime")
+            first = first_picture(browser, view)
             x, y = centre_of(browser, .2 * width, .2 * height, width, height)
             steps = [{"type": "pointerMove", "x": round(x), "y": round(y)}, {"type": "pointerDown", "button": 0}]
             for i in range(1, 111):
@@ -70,13 +96,11 @@ def measure(folder):
             moves = browser.run("return performance.getEntriesByName('drag to drawn').length")
             drawn = browser.run("return performance.getEntriesByName('drag to drawn').map(e => e.duration)")[-100:]
             browser.run("performance.clearMeasures()")
-            browser.act("pointer", [{"type": "pointerUp", "button": 0}])
-            browser.wait("return performance.getEntriesByName('let go to full quality').length")
-            full = browser.run("return performance.getEntriesByName('let go to full quality')[0].duration")
+            full = full_quality(browser, [(x + 110 - 4 * i, y + 55) for i in range(5)])
             browser.open("about:blank")
             print(f"{width}x{height}: drag to drawn {statistics.median(drawn):.0f} ms (median of {len(drawn)}, worst "
-                  f"{max(drawn):.0f}), let go to full quality {full:.0f} ms, first picture {first:.0f} ms after the page "
-                  f"was asked for; a drawn move takes {1e3 * used[0] / moves:.0f} ms of the server's processors and "
+                  f"{max(drawn):.0f}), let go to full quality {statistics.median(full):.0f} ms (median of {len(full)}, worst "
+                  f"{max(full):.0f}), {first}; a drawn move takes {1e3 * used[0] / moves:.0f} ms of the server's processors and "
                   f"{1e3 * used[1] / moves:.0f} ms of the browser's; load {os.getloadavg()[0]:.0f}")
             view.end()
     browser.close()

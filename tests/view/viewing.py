@@ -4,6 +4,7 @@ import json
 import os
 import signal
 import subprocess
+import time
 import urllib.request
 
 VANTOREL = os.environ.get("VANTOREL_COMMAND", "vantorel")
@@ -21,9 +22,11 @@ def pixels(path):
 
 class View:
     def __init__(self, folder, *arguments):
+        self.began = time.time()
         self.process = subprocess.Popen([VANTOREL, "view", *map(str, arguments), "--no-browser"], cwd=folder,
                                         stdout=subprocess.PIPE, text=True)
         self.address = self.process.stdout.readline().strip()
+        self.told = time.time()
 
     def __enter__(self):
         return self

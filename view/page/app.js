@@ -164,6 +164,10 @@ export class App extends EventTarget {
     if (this.moving || this.playing) {
       return;
     }
+    if (!this.stage.result && this.drafts.busy) {
+      this.settle();  // the first draft is sooner there without it
+      return;
+    }
     this.drafts.drop();
     const {version} = this;
     const body = {frame: this.frame, track: this.track.toMessage(this.keyFrame), ...this.stage.visible(Math.floor)};

@@ -42,8 +42,8 @@ host::Image copyOf(const host::ConstImageView& pixels) {
 
 }  // namespace
 
-DisplayPicture displayed(std::shared_ptr<const void> owner, const host::ConstImageView& pixels,
-                         cli::ShotColour* colour, const std::string& name) {
+DisplayPicture displayed(std::shared_ptr<const void> owner, const host::ConstImageView& pixels, cli::ShotColour* colour,
+                         const std::string& name) {
   if (pixels.depth == host::Depth::Bits8) {
     return {std::move(owner), pixels};
   }

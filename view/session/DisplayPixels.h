@@ -18,8 +18,8 @@ struct DisplayPicture {
 
 // Pixels of a shot that has no output: 8-bit ones as they are, without a copy of them; others converted, out of the
 // shot's own colour space where `colour` is not null. `name` is the picture's file, for messages.
-DisplayPicture displayed(std::shared_ptr<const void> owner, const host::ConstImageView& pixels,
-                         cli::ShotColour* colour, const std::string& name);
+DisplayPicture displayed(std::shared_ptr<const void> owner, const host::ConstImageView& pixels, cli::ShotColour* colour,
+                         const std::string& name);
 
 // Makes every pixel opaque: what it is over black.
 void makeOpaque(const host::ImageView& pixels);

@@ -121,7 +121,6 @@ std::string Pictures::draft(std::int32_t frame, const host::Corners& corners, co
 
 std::string Pictures::full(std::int32_t frame, const tracks::CornerTrack& track, const Region& region) {
   const std::stop_token stop = fulls_.begin();
-  drafts_.end();
   const std::scoped_lock lock(full_mutex_);
   if (stop.stop_requested()) {
     throw cli::interrupted();
@@ -137,8 +136,8 @@ std::string Pictures::full(std::int32_t frame, const tracks::CornerTrack& track,
       displayed(nullptr, host::asConst(frame_pixels.pixels), shot_.colour.get(), shot_.layer->path(frame));
   const host::Rect& canvas = frame_pixels.canvas;
   const host::ConstImageView seen =
-      part(picture.pixels, {drawn.rect.left - canvas.left, drawn.rect.top - canvas.top,
-                            drawn.rect.right - canvas.left, drawn.rect.bottom - canvas.top});
+      part(picture.pixels, {drawn.rect.left - canvas.left, drawn.rect.top - canvas.top, drawn.rect.right - canvas.left,
+                            drawn.rect.bottom - canvas.top});
   host::Image shown = cli::reduced(seen, drawn.n);
   makeOpaque(shown.view());
   return pictureMessage(originOf(drawn), std::as_const(shown).view());

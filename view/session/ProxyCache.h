@@ -1,4 +1,5 @@
-// The layer, the plate and the matte as drafts need them: for display, at 1/n of their resolution, kept for the next draft.
+// The layer, the plate and the matte as drafts need them: for display, at 1/n of their resolution, kept for the next
+// draft.
 #pragma once
 
 #include <cstdint>

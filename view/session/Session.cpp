@@ -61,7 +61,8 @@ tracks::CornerTrack trackOfShot(const cli::Shot& shot, const cli::CornersTrack& 
 
 }  // namespace
 
-Session::Session(const cli::ViewOptions& options) : options_(options), file_(options_.track), shot_(planned(options)), pictures_(shot_) {
+Session::Session(const cli::ViewOptions& options)
+    : options_(options), file_(options_.track), shot_(planned(options)), pictures_(shot_) {
   if (!options_.output.empty()) {
     // Says now what rendering would complain about later.
     cli::planShot(options_, anyCorners());
@@ -93,8 +94,8 @@ json Session::save(const json& body) {
   const tracks::CornerTrack track = trackOf(body);
   const std::scoped_lock lock(file_mutex_);
   if (file_.isChanged() && body.value("anyway", json()) != true) {
-    return {{"changed", fmt::format("{} has been changed by another program since it was read here",
-                                    options_.track.files)}};
+    return {{"changed",
+             fmt::format("{} has been changed by another program since it was read here", options_.track.files)}};
   }
   file_.save(track, layer_size_);
   track_ = track;
