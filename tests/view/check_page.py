@@ -10,6 +10,7 @@ import shutil
 import struct
 import subprocess
 import sys
+import urllib.error
 
 import webdriver
 from viewing import VANTOREL, View, pixels, vantorel
@@ -225,6 +226,23 @@ def check_json_in(folder, view, text):
     assert view.end() == 0
 
 
+def check_sizes(folder):
+    """A picture of a sequence that has another size is named, not read beyond its end."""
+    for frame, size in ((1, "64x48"), (2, "32x24")):
+        vantorel(folder, "testcard", "-o", f"odd.{frame}.png", "--size", size)
+    with View(folder, "layer.png", "--over", "odd.%d.png", "--matte", "odd.%d.png", "--frames", "1-2") as view:
+        whole = {"n": 1, "region": [0, 0, 64, 48], "corners": [5, 5, 60, 5, 5, 40, 60, 40]}
+        for path in ("backdrop", "draft"):
+            assert len(view.post(path, whole | {"frame": 1})) > 16
+            try:
+                view.post(path, whole | {"frame": 2})
+            except urllib.error.HTTPError as error:
+                assert error.code == 422 and "odd.2.png: its size" in json.load(error)["error"]
+            else:
+                raise AssertionError(f"{path} shows a plate of another size")
+        assert view.end() == 0
+
+
 def check_touch(browser, view):
     """A finger moves a corner; two zoom."""
     page = Page(browser, view)
@@ -283,6 +301,7 @@ def main():
     folder = pathlib.Path(sys.argv[1]).absolute()
     make_shot(folder)
     check_json(folder)
+    check_sizes(folder)
     if sys.argv[2:] == ["firefox"]:
         browser = webdriver.Firefox(folder / "profile")
     elif program := webdriver.missing():

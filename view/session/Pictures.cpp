@@ -1,14 +1,18 @@
 #include "view/session/Pictures.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/Text.h"
 #include "cli/pictures/Composite.h"
 #include "cli/pictures/Fade.h"
 #include "cli/pictures/Feather.h"
 #include "cli/pictures/Reduce.h"
 #include "cli/shots/FrameRenderer.h"
+#include "cli/shots/PictureSource.h"
 #include "cli/shots/ShotColour.h"
 
 namespace vantorel::view {
@@ -183,6 +187,7 @@ void Pictures::hold(const host::Corners& corners, std::int32_t frame, const Regi
   }
   if (mattes_) {
     const DisplayPicture matte = mattes_->at(frame, drawn.n, stop);
+    requireFrameSize(matte, *shot_.matte, frame, drawn.n);
     cli::holdOut(picture, part(matte.pixels, rect),
                  matte.has_alpha ? cli::MatteChannel::Alpha : cli::MatteChannel::Grey);
   }
@@ -200,10 +205,20 @@ Region Pictures::reached(std::int32_t frame, const Region& region) const {
   return around(corners.at(rate.seconds(frame)), kMargin, region);
 }
 
+// A later picture of a sequence may have another size than the first one.
+void Pictures::requireFrameSize(const DisplayPicture& picture, const cli::PictureSource& source, std::int32_t frame,
+                                int n) const {
+  if (picture.pixels.size != host::downsampled(shot_.frame_size, n)) {
+    throw cli::fileFailure(source.path(frame), fmt::format("its size is not the shot's, {}; give pictures of one size",
+                                                           cli::toText(shot_.frame_size)));
+  }
+}
+
 void Pictures::layOverPlate(const host::ImageView& picture, std::int32_t frame, const Region& region,
                             const std::stop_token& stop) {
   if (plates_) {
     const DisplayPicture plate = plates_->at(frame, region.n, stop);
+    requireFrameSize(plate, *shot_.plate, frame, region.n);
     cli::compositeOver(picture, part(plate.pixels, reducedRect(region)));
   }
   makeOpaque(picture);

@@ -42,6 +42,8 @@ class Pictures {
   int layerReduction(const host::Corners& corners, const Region& region, host::Size layer) const;
   void hold(const host::Corners& corners, std::int32_t frame, const Region& drawn, const std::stop_token& stop);
   Region reached(std::int32_t frame, const Region& region) const;
+  void requireFrameSize(const DisplayPicture& picture, const cli::PictureSource& source, std::int32_t frame,
+                        int n) const;
   void layOverPlate(const host::ImageView& picture, std::int32_t frame, const Region& region,
                     const std::stop_token& stop);
 
