@@ -2,58 +2,16 @@
 // nothing that stays; and an allocation that fails is an error like any other.
 #include <malloc.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <limits>
-#include <new>
 #include <tuple>
 
+#include "tests/CountedAllocations.h"
 #include "tests/host/HostTesting.h"
-
-namespace {
-
-std::atomic<long> allocations = 0;
-std::atomic<long> allocations_left = std::numeric_limits<long>::max();
-
-void countAllocation() {
-  ++allocations;
-  if (--allocations_left < 0) {
-    throw std::bad_alloc();
-  }
-}
-
-}  // namespace
-
-__attribute__((noinline)) void* operator new(std::size_t size) {
-  countAllocation();
-  if (void* const memory = std::malloc(size)) {
-    return memory;
-  }
-  throw std::bad_alloc();
-}
-__attribute__((noinline)) void* operator new(std::size_t size, std::align_val_t alignment) {
-  countAllocation();
-  const auto align = static_cast<std::size_t>(alignment);
-  if (void* const memory = std::aligned_alloc(align, (size + align - 1) / align * align)) {
-    return memory;
-  }
-  throw std::bad_alloc();
-}
-__attribute__((noinline)) void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-__attribute__((noinline)) void operator delete(void* memory, std::align_val_t) noexcept {
-  std::free(memory);
-}
-__attribute__((noinline)) void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
-  std::free(memory);
-}
 
 namespace vantorel::host {
 namespace {
+
+using vantorel::testing::allocations;
+using vantorel::testing::allocations_left;
 
 constexpr Corners kConcave{{3, 2}, {60, 5}, {1, 44}, {20, 12}};
 
@@ -104,7 +62,7 @@ TEST(AllocationTest, AnAllocationThatFailsIsAnErrorAndLeavesNothingBroken) {
     for (long i = 0; i < count; ++i) {
       allocations_left = i;
       const auto result = loadAndRender(path, layer, output, quality);
-      allocations_left = std::numeric_limits<long>::max();
+      allocations_left = vantorel::testing::kUnlimited;
       // Threads that cannot be started are no error.
       if (!result) {
         EXPECT_EQ(ErrorKind::OutOfMemory, result.error().kind) << i << ": " << errorText(result.error());

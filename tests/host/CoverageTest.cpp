@@ -1,13 +1,13 @@
 // Exact coverage against counting points.
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <random>
 
-#include "host/geometry/CoverageRegion.h"
+#include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
 namespace {
+
+using testing::coverageOf;
 
 constexpr int kGrid = 24;
 constexpr int kPoints = 128;  // per axis of a pixel, for those on a border
@@ -38,19 +38,11 @@ double countedShare(int x, int y, Predicate holds) {
   return static_cast<double>(count) / (kPoints * kPoints);
 }
 
-double shareOf(const RowCoverage& row, int x) {
-  if (x < row.begin || x >= row.end) {
-    return 0.0;
-  }
-  return x >= row.solid_begin && x < row.solid_end ? 1.0 : row.at(x);
-}
-
 template <typename Predicate>
 void expectCounted(const CoverageRegion& region, Predicate holds) {
   for (int y = -1; y < kGrid; ++y) {
-    const RowCoverage row = region.row(y);
     for (int x = -1; x < kGrid; ++x) {
-      ASSERT_NEAR(countedShare(x, y, holds), shareOf(row, x), kTolerance) << "pixel " << x << ", " << y;
+      ASSERT_NEAR(countedShare(x, y, holds), coverageOf(region, x, y), kTolerance) << "pixel " << x << ", " << y;
     }
   }
 }
@@ -88,7 +80,7 @@ TEST(CoverageTest, ItsSumIsTheAreaAndOneInsideWhateverThePolygon) {
     for (int y = 0; y < kGrid; ++y) {
       const RowCoverage row = region.row(y);
       for (int x = row.begin; x < row.end; ++x) {
-        sum += shareOf(row, x);
+        sum += coverageOf(region, x, y);
         EXPECT_TRUE(x < row.solid_begin || x >= row.solid_end || row.at(x) > 1.0 - 1e-9);
       }
     }
@@ -118,13 +110,12 @@ TEST(CoverageTest, OnAFinerGridEveryPixelIsTheMeanOfItsParts) {
   const CoverageRegion region{ConvexPolygon(Corners{{2.3, 1.6}, {20.1, 4.4}, {5.5, 21.2}, {17.9, 16.3}})};
   const CoverageRegion fine = region.onGrid({3, 2}, 4);
   for (int y = 2; y < kGrid; ++y) {
-    const RowCoverage row = region.row(y);
     for (int x = 3; x < kGrid; ++x) {
       double sum = 0.0;
       for (int i = 0; i < 16; ++i) {
-        sum += shareOf(fine.row((y - 2) * 4 + i / 4), (x - 3) * 4 + i % 4);
+        sum += coverageOf(fine, (x - 3) * 4 + i % 4, (y - 2) * 4 + i / 4);
       }
-      EXPECT_NEAR(shareOf(row, x), sum / 16, 1e-9);
+      EXPECT_NEAR(coverageOf(region, x, y), sum / 16, 1e-9);
     }
   }
 }

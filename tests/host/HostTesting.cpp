@@ -34,6 +34,17 @@ Value orThrow(Result<Value> result) {
 
 }  // namespace
 
+Corners rectangle(double left, double top, double right, double bottom) {
+  return {{left, top}, {right, top}, {left, bottom}, {right, bottom}};
+}
+
+AnimatedCorners moving(const Corners& from, const Corners& to, double begin, double end) {
+  const auto point = [&](std::size_t i) {
+    return AnimatedPoint({{begin, from[i]}, {end, to[i]}}, Interpolation::Linear);
+  };
+  return {point(0), point(1), point(2), point(3)};
+}
+
 std::string modulePath(const std::string& name) {
   return VANTOREL_TEST_MODULE_FOLDER "/" + name + ".so";
 }
@@ -90,15 +101,66 @@ bool samePixels(const ConstImageView& a, const ConstImageView& b) {
   return true;
 }
 
-Frame renderFrame(Instance& instance, Image& layer, const Rect& canvas, const FrameOptions& options) {
+bool samePixels(const Image& a, const Image& b) {
+  return samePixels(a.view(), b.view());
+}
+
+double channelAt(const ConstImageView& view, int x, int y, int channel) {
+  const std::byte* const pixel = view.pixel(x, y);
+  switch (view.depth) {
+    case Depth::Bits8:
+      return static_cast<double>(pixel[channel]);
+    case Depth::Bits16:
+      return reinterpret_cast<const std::uint16_t*>(pixel)[channel];
+    default:
+      return static_cast<double>(reinterpret_cast<const float*>(pixel)[channel]);
+  }
+}
+
+double channelAt(const Image& image, int x, int y, int channel) {
+  return channelAt(image.view(), x, y, channel);
+}
+
+double psnr(const Image& a, const Image& b, int margin) {
+  double squares = 0.0;
+  int count = 0;
+  for (int y = margin; y < a.size().height - margin; ++y) {
+    for (int i = margin * 4; i < (a.size().width - margin) * 4; ++i, ++count) {
+      squares += std::pow(channelAt(a, i / 4, y, i % 4) - channelAt(b, i / 4, y, i % 4), 2);
+    }
+  }
+  return 10.0 * std::log10(255.0 * 255.0 * count / squares);
+}
+
+double coverageOf(const CoverageRegion& region, int x, int y) {
+  const RowCoverage row = region.row(y);
+  if (x < row.begin || x >= row.end) {
+    return 0.0;
+  }
+  return x >= row.solid_begin && x < row.solid_end ? 1.0 : row.at(x);
+}
+
+Frame renderFrame(Instance& instance, const Image& layer, const Rect& canvas, const FrameOptions& options) {
   Frame frame{dirty(downsampled({canvas.width(), canvas.height()}, options.downsample), layer.depth()), {}};
-  const Result<FrameResult> result = instance.render(asConst(layer.view()), canvas, frame.pixels.view(), options);
+  const Result<FrameResult> result = instance.render(layer.view(), canvas, frame.pixels.view(), options);
   if (result) {
     frame.result = *result;
   } else {
     ADD_FAILURE() << result.error().input << ": " << result.error().message;
   }
   return frame;
+}
+
+Frame renderFrame(const Corners& corners, const Image& layer, const Rect& canvas, const FrameOptions& options) {
+  Instance instance = instanceWith(checkedEffect(), corners);
+  return renderFrame(instance, layer, canvas, options);
+}
+
+std::string refusedInput(Instance& instance, const Image& layer, const FrameOptions& options) {
+  Image output = dirty(layer.size(), layer.depth());
+  const Rect canvas{0, 0, layer.size().width, layer.size().height};
+  const Result<FrameResult> result = instance.render(layer.view(), canvas, output.view(), options);
+  return result ? "" : result.error().input;
 }
 
 Instance instanceWith(const std::shared_ptr<const Module>& module, const Corners& corners) {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "host/Instance.h"
+#include "host/geometry/CoverageRegion.h"
 
 namespace vantorel::host {
 
@@ -25,6 +26,12 @@ constexpr Depth kDepths[] = {Depth::Bits8, Depth::Bits16, Depth::Float};
 // The path of a module that was built beside the tests, "vantorel" for the effect itself.
 std::string modulePath(const std::string& name);
 
+// The upright rectangle with these sides.
+Corners rectangle(double left, double top, double right, double bottom);
+
+// Corners that move steadily between two moments in seconds.
+AnimatedCorners moving(const Corners& from, const Corners& to, double begin = 0.0, double end = 1.0);
+
 // Loads it; a failure ends the test program with the error.
 std::shared_ptr<const Module> loadModule(const std::string& name, ModuleOptions options = {});
 
@@ -41,6 +48,17 @@ Image waves(Size size, Depth depth, double wavelength);
 Image dirty(Size size, Depth depth);
 
 bool samePixels(const ConstImageView& a, const ConstImageView& b);
+bool samePixels(const Image& a, const Image& b);
+
+// A channel's number as it is stored.
+double channelAt(const ConstImageView& view, int x, int y, int channel);
+double channelAt(const Image& image, int x, int y, int channel);
+
+// The peak signal-to-noise ratio in dB of one 8-bit picture beside another, without so many pixels along its edges.
+double psnr(const Image& a, const Image& b, int margin = 0);
+
+// The share of a pixel that a region covers.
+double coverageOf(const CoverageRegion& region, int x, int y);
 
 struct Frame {
   Image pixels;
@@ -48,7 +66,12 @@ struct Frame {
 };
 
 // Renders into dirty pixels of the canvas's size; a failure fails the test.
-Frame renderFrame(Instance& instance, Image& layer, const Rect& canvas, const FrameOptions& options = {});
+Frame renderFrame(Instance& instance, const Image& layer, const Rect& canvas, const FrameOptions& options = {});
+// The same by the checked effect, with these corners.
+Frame renderFrame(const Corners& corners, const Image& layer, const Rect& canvas, const FrameOptions& options = {});
+
+// The input that is named as the layer is refused on a canvas of its own size; empty where it is drawn.
+std::string refusedInput(Instance& instance, const Image& layer, const FrameOptions& options);
 
 // An instance of the effect with these corners, which must be in range.
 Instance instanceWith(const std::shared_ptr<const Module>& module, const Corners& corners);

@@ -17,14 +17,12 @@ struct Scene {
   int downsample = 1;
 };
 
-Corners still(double left, double top, double right, double bottom) {
-  return {{left, top}, {right, top}, {left, bottom}, {right, bottom}};
-}
+using testing::rectangle;
 
 const Scene kScenes[] = {
     {"perspective", {{20, 10}, {300, 60}, {-20, 250}, {340, 200}}, {}, {}},
     {"enlarged, reduced", {{-200, -90}, {900, -200}, {-300, 800}, {700, 500}}, {}, {}, 3},
-    {"moved by whole pixels", still(31, -7, 131, 83), {}, {}},
+    {"moved by whole pixels", rectangle(31, -7, 131, 83), {}, {}},
     {"horizon through tiles", {{0, 0}, {256, 0}, {-20000, 30000}, {30000, 30000}}, {}, {}},
     {"far corners", {{-30000, -20000}, {32000, -1000}, {-200, 31000}, {32000, 32000}}, {}, {}},
     {"notched", {{20, 10}, {300, 60}, {-20, 250}, {90, 90}}, {}, {}},
@@ -37,12 +35,7 @@ const Scene kScenes[] = {
 
 Instance instanceOf(const Scene& scene, const std::shared_ptr<const Module>& module) {
   Instance instance(module);
-  const Corners& to = scene.to == Corners{} ? scene.from : scene.to;
-  const auto between = [&](std::size_t i) {
-    return AnimatedPoint({{0.0, scene.from[i]}, {1.0, to[i]}}, Interpolation::Linear);
-  };
-  const AnimatedCorners corners{between(0), between(1), between(2), between(3)};
-  EXPECT_TRUE(instance.setCorners(corners));
+  EXPECT_TRUE(instance.setCorners(testing::moving(scene.from, scene.to == Corners{} ? scene.from : scene.to)));
   if (scene.source) {
     EXPECT_TRUE(instance.setSource(*scene.source));
   }
@@ -75,7 +68,7 @@ TEST(PartTest, IsThatPartOfTheWholeAtEveryQuality) {
       const Depth depth = testing::kDepths[i % 3];
       const int n = scene.downsample;
       const FrameOptions options = optionsOf(scene, i / 3, i == 5 ? 2 : i == 7 ? 8 : 0);
-      Image layer = testing::noise({120, 90}, depth);
+      const Image layer = testing::noise({120, 90}, depth);
       Instance instance = instanceOf(scene, testing::loadModule("vantorel"));
       const Image whole = testing::renderFrame(instance, layer, kWhole, options).pixels;
       // Another layer leaves what is kept from frame to frame useless.
@@ -96,16 +89,6 @@ TEST(PartTest, IsThatPartOfTheWholeAtEveryQuality) {
       }
     }
   }
-}
-
-TEST(PartTest, NeedsCornersOnTheOutline) {
-  Image layer = testing::noise({8, 8}, Depth::Bits8);
-  Image output = testing::dirty({8, 8}, Depth::Bits8);
-  Instance instance = testing::instanceWith(testing::checkedEffect(), still(0, 0, 8, 8));
-  const auto refused = instance.render(asConst(layer.view()), {0, 0, 8, 8}, output.view(),
-                                       {.placement = Placement::Centres, .canvas_independent = true});
-  ASSERT_FALSE(refused);
-  EXPECT_EQ("canvas independence", refused.error().input);
 }
 
 }  // namespace

@@ -9,24 +9,21 @@ namespace {
 
 using testing::renderFrame;
 
-float& channel(Image& image, int x, int y, int c) {
-  return reinterpret_cast<float*>(image.view().pixel(x, y))[c];
-}
-
 // An opaque layer, black on the left and white on the right.
 Image halves(Size size) {
   Image image = testing::dirty(size, Depth::Float);
   for (int i = 0; i < size.width * size.height * 4; ++i) {
     const int x = i / 4 % size.width;
-    channel(image, x, i / 4 / size.width, i % 4) = i % 4 == 0 || x >= size.width / 2 ? 1.0F : 0.0F;
+    reinterpret_cast<float*>(image.view().pixel(x, i / 4 / size.width))[i % 4] =
+        i % 4 == 0 || x >= size.width / 2 ? 1.0F : 0.0F;
   }
   return image;
 }
 
-double rowSum(Image& image, int y, int c) {
+double rowSum(const Image& image, int y, int c) {
   double sum = 0.0;
   for (int x = 0; x < image.size().width; ++x) {
-    sum += static_cast<double>(channel(image, x, y, c));
+    sum += testing::channelAt(image, x, y, c);
   }
   return sum;
 }
@@ -36,16 +33,15 @@ TEST(PlacementTest, EnlargedEdgesLandWhereTheyBelongOnBothPaths) {
   for (const double times : {10.0, 40.0, 100.0}) {
     const double side = 8 * times;
     const Point at{times + 4.3, times + 5.6};
-    const Corners square{at, {at.x + side, at.y}, {at.x, at.y + side}, {at.x + side, at.y + side}};
+    const Corners square = testing::rectangle(at.x, at.y, at.x + side, at.y + side);
     // Its lower left corner lies nearly on the diagonal: its rows reach from there to the right side.
     const Corners straight{
         at, {at.x + side, at.y}, {at.x + 0.48 * side, at.y + 0.5 * side}, {at.x + side, at.y + side}};
     const int canvas_side = static_cast<int>(side + 2 * times) + 10;
     for (const Corners& corners : {square, straight}) {
       for (const int samples : {1, 2}) {
-        Instance instance = testing::instanceWith(testing::checkedEffect(), corners);
-        auto frame = renderFrame(instance, layer, {0, 0, canvas_side, canvas_side},
-                                 {.quality = Quality::Best, .samples = samples});
+        const auto frame = renderFrame(corners, layer, {0, 0, canvas_side, canvas_side},
+                                       {.quality = Quality::Best, .samples = samples});
         const bool is_straight = frame.result.path == RenderPath::Bilinear;
         EXPECT_EQ(corners == straight, is_straight);
         for (const double share : {0.2, 0.3, 0.4}) {
@@ -63,11 +59,11 @@ TEST(PlacementTest, EnlargedEdgesLandWhereTheyBelongOnBothPaths) {
 TEST(PlacementTest, ALayerMovedByWholePixelsStaysItselfToTheBit) {
   for (const Depth depth : testing::kDepths) {
     Image layer = testing::noise({300, 40}, depth);
-    Instance instance = testing::instanceWith(testing::checkedEffect(), {{-7, 3}, {293, 3}, {-7, 43}, {293, 43}});
     for (const Quality quality : {Quality::High, Quality::Best}) {
       for (const int samples : {0, 4}) {
-        const auto frame = renderFrame(instance, layer, {-7, 3, 293, 43}, {.quality = quality, .samples = samples});
-        EXPECT_TRUE(testing::samePixels(asConst(layer.view()), frame.pixels.view()))
+        const auto frame = renderFrame(testing::rectangle(-7, 3, 293, 43), layer, {-7, 3, 293, 43},
+                                       {.quality = quality, .samples = samples});
+        EXPECT_TRUE(testing::samePixels(layer, frame.pixels))
             << static_cast<int>(depth) << " bits, quality " << static_cast<int>(quality);
       }
     }
@@ -96,24 +92,20 @@ TEST(PlacementTest, AMapWhoseHorizonMeetsATilesCornerIsDrawn) {
   // The left and right sides meet at (256, 0), a corner of four tiles.
   const Corners corners{{192, 128}, {320, 128}, {64, 384}, {448, 384}};
   Image layer = testing::waves({64, 64}, Depth::Bits8, 64);
-  Instance instance = testing::instanceWith(testing::checkedEffect(), corners);
-  auto frame = renderFrame(instance, layer, {0, 0, 512, 512}, {.quality = Quality::Best});
+  const auto frame = renderFrame(corners, layer, {0, 0, 512, 512}, {.quality = Quality::Best});
   for (const int x : {240, 250, 256, 260, 280}) {
-    EXPECT_EQ(255, static_cast<int>(*frame.pixels.view().pixel(x, 200)));
+    EXPECT_EQ(255, testing::channelAt(frame.pixels, x, 200, 0)) << x;
   }
 }
 
 TEST(PlacementTest, RefusesWhatCentresCannotHave) {
-  Image layer = testing::noise({8, 8}, Depth::Bits8);
-  Image output = testing::dirty({8, 8}, Depth::Bits8);
-  Instance instance = testing::instanceWith(testing::checkedEffect(), {{0, 0}, {8, 0}, {0, 8}, {8, 8}});
-  const auto inputOf = [&](const FrameOptions& options) {
-    const auto result = instance.render(asConst(layer.view()), {0, 0, 8, 8}, output.view(), options);
-    return result ? std::string() : result.error().input;
-  };
+  const Image layer = testing::noise({8, 8}, Depth::Bits8);
+  Instance instance = testing::instanceWith(testing::checkedEffect(), testing::rectangle(0, 0, 8, 8));
+  const auto inputOf = [&](const FrameOptions& options) { return testing::refusedInput(instance, layer, options); };
   EXPECT_EQ("samples", inputOf({.samples = 3}));
   EXPECT_EQ("samples", inputOf({.placement = Placement::Centres, .samples = 2}));
   EXPECT_EQ("edges", inputOf({.placement = Placement::Centres, .edges = Edges::Crisp}));
+  EXPECT_EQ("canvas independence", inputOf({.placement = Placement::Centres, .canvas_independent = true}));
   EXPECT_EQ("", inputOf({.quality = Quality::Best, .placement = Placement::Centres}));
 }
 

@@ -2,7 +2,7 @@
 // layer at its exact place.
 #include <cmath>
 
-#include "effect/ProjectiveMap.h"
+#include "host/geometry/Homography.h"
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
@@ -10,60 +10,42 @@ namespace {
 
 constexpr int kSamples = 16;
 
-// The projective map of the corners onto the unit square: m[row][column], for row vectors (x, y, 1).
-M_Matrix3 unitSquareFrom(const Corners& c) {
-  M_Vector2T<double> quad[] = {{c.upper_left.x, c.upper_left.y},
-                               {c.upper_right.x, c.upper_right.y},
-                               {c.lower_right.x, c.lower_right.y},
-                               {c.lower_left.x, c.lower_left.y}};
-  M_Matrix3 map;
-  EXPECT_EQ(1, KZFX_MapUnitSquareToFromQuad(quad, &map, 0));
-  return map;
-}
-
 // The layer's pixel whose square holds a point; transparent outside.
-std::uint8_t layerAt(const ConstImageView& layer, double x, double y, int channel) {
-  const double column = std::floor(x);
-  const double row = std::floor(y);
-  if (!(column >= 0 && row >= 0 && column < layer.size.width && row < layer.size.height)) {
-    return 0;
-  }
-  return static_cast<std::uint8_t>(layer.pixel(static_cast<int>(column), static_cast<int>(row))[channel]);
+double layerAt(const Image& layer, const Point& at, int channel) {
+  const int x = static_cast<int>(std::floor(at.x));
+  const int y = static_cast<int>(std::floor(at.y));
+  const bool is_inside = x >= 0 && y >= 0 && x < layer.size().width && y < layer.size().height;
+  return is_inside ? testing::channelAt(layer, x, y, channel) : 0.0;
 }
 
 // The peak signal-to-noise ratio in dB, over the output's pixels and channels.
-double psnr(const ConstImageView& layer, const Corners& c, Image& output) {
-  const auto& m = unitSquareFrom(c).m;
+double psnr(const Image& layer, const Corners& corners, const Image& output) {
+  const Size size = layer.size();
+  const Homography back =
+      Homography::ofQuadrilateral(corners, testing::rectangle(0, 0, size.width, size.height)).value();
   double squares = 0;
   for (int y = 0; y < output.size().height; ++y) {
     for (int x = 0; x < output.size().width; ++x) {
       double sums[4] = {};
       for (int i = 0; i < kSamples * kSamples; ++i) {
         const int row = i / kSamples;
-        const double px = x + (i % kSamples + 0.5) / kSamples;
-        const double py = y + (row + 0.5) / kSamples;
-        const double w = m[0][2] * px + m[1][2] * py + m[2][2];
-        const double u = (m[0][0] * px + m[1][0] * py + m[2][0]) / w * layer.size.width;
-        const double v = (m[0][1] * px + m[1][1] * py + m[2][1]) / w * layer.size.height;
+        const Point at = back(Point{x + (i % kSamples + 0.5) / kSamples, y + (row + 0.5) / kSamples});
         for (int channel = 0; channel < 4; ++channel) {
-          sums[channel] += layerAt(layer, u, v, channel);
+          sums[channel] += layerAt(layer, at, channel);
         }
       }
       for (int channel = 0; channel < 4; ++channel) {
-        const double drawn = static_cast<double>(output.view().pixel(x, y)[channel]);
-        const double difference = drawn - sums[channel] / (kSamples * kSamples);
-        squares += difference * difference;
+        squares += std::pow(testing::channelAt(output, x, y, channel) - sums[channel] / (kSamples * kSamples), 2);
       }
     }
   }
   return 10.0 * std::log10(255.0 * 255.0 / (squares / (4.0 * output.size().width * output.size().height)));
 }
 
-double qualityOf(const char* name, Image layer, const Corners& corners, Quality quality_level = Quality::High) {
-  Instance instance = testing::instanceWith(testing::checkedEffect(), corners);
-  auto frame = testing::renderFrame(instance, layer, {0, 0, 160, 160}, {.quality = quality_level});
+double qualityOf(const char* name, const Image& layer, const Corners& corners, Quality quality_level = Quality::High) {
+  const auto frame = testing::renderFrame(corners, layer, {0, 0, 160, 160}, {.quality = quality_level});
   EXPECT_EQ(RenderPath::Perspective, frame.result.path);
-  const double quality = psnr(asConst(layer.view()), corners, frame.pixels);
+  const double quality = psnr(layer, corners, frame.pixels);
   ::testing::Test::RecordProperty(name, std::to_string(quality));
   return quality;
 }

@@ -9,21 +9,19 @@
 #include <thread>
 
 #include "host/Downsample.h"
+#include "tests/effect/GuardedWorld.h"
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
 namespace {
 
+using testing::channelAt;
 using testing::checkedEffect;
 using testing::instanceWith;
 using testing::noise;
+using testing::rectangle;
 using testing::renderFrame;
 using testing::samePixels;
-
-Corners cornersOf(const Rect& rect) {
-  const auto at = [](int x, int y) { return Point{static_cast<double>(x), static_cast<double>(y)}; };
-  return {at(rect.left, rect.top), at(rect.right, rect.top), at(rect.left, rect.bottom), at(rect.right, rect.bottom)};
-}
 
 const std::shared_ptr<const Module>& effect() {
   static const std::shared_ptr<const Module> kModule = testing::loadModule("vantorel");
@@ -35,10 +33,10 @@ TEST(RenderTest, CornersAtTheLayersOwnReproduceItToTheBit) {
     Image layer = noise({67, 45}, depth);
     for (const Protocol protocol : {Protocol::Smart, Protocol::Plain}) {
       for (const unsigned threads : {1u, 3u}) {
-        Instance instance = instanceWith(effect(), cornersOf({0, 0, 67, 45}));
-        auto frame = renderFrame(instance, layer, {0, 0, 67, 45}, {.protocol = protocol, .threads = threads});
+        Instance instance = instanceWith(effect(), rectangle(0, 0, 67, 45));
+        const auto frame = renderFrame(instance, layer, {0, 0, 67, 45}, {.protocol = protocol, .threads = threads});
         EXPECT_EQ(RenderPath::Perspective, frame.result.path);
-        EXPECT_TRUE(samePixels(asConst(layer.view()), asConst(frame.pixels.view())));
+        EXPECT_TRUE(samePixels(layer, frame.pixels));
       }
     }
   }
@@ -46,8 +44,7 @@ TEST(RenderTest, CornersAtTheLayersOwnReproduceItToTheBit) {
 
 TEST(RenderTest, AWholePixelShiftMovesThePictureAndLeavesTheRestTransparent) {
   Image layer = noise({10, 6}, Depth::Bits16);
-  Instance instance = instanceWith(checkedEffect(), cornersOf({3, 2, 13, 8}));
-  auto frame = renderFrame(instance, layer, {-4, -60, 30, 40}, {});
+  const auto frame = renderFrame(rectangle(3, 2, 13, 8), layer, {-4, -60, 30, 40});
   for (int y = -60; y < 40; ++y) {
     for (int x = -4; x < 30; ++x) {
       const bool inside = x >= 3 && x < 13 && y >= 2 && y < 8;
@@ -82,12 +79,10 @@ TEST(RenderTest, BothProtocolsGiveTheSamePixels) {
       for (const Quality quality : {Quality::Standard, Quality::High}) {
         for (const int downsample : {1, 3}) {
           for (const Rect& canvas : {Rect{0, 0, 40, 30}, Rect{-14, -11, 20, 9}, Rect{-60, -70, -8, -5}}) {
-            Instance instance = instanceWith(checkedEffect(), quad);
             FrameOptions options{.quality = quality, .downsample = downsample};
-            auto smart = renderFrame(instance, layer, canvas, options);
+            const auto smart = renderFrame(quad, layer, canvas, options);
             options.protocol = Protocol::Plain;
-            auto plain = renderFrame(instance, layer, canvas, options);
-            EXPECT_TRUE(samePixels(asConst(smart.pixels.view()), asConst(plain.pixels.view())))
+            EXPECT_TRUE(samePixels(smart.pixels, renderFrame(quad, layer, canvas, options).pixels))
                 << quad.upper_left.x << " canvas " << canvas.left;
             bilinear += smart.result.path == RenderPath::Bilinear;
           }
@@ -134,10 +129,10 @@ TEST(RenderTest, AReducedFrameIsThatOfTheReducedLayer) {
     Instance instance = instanceWith(effect(), {{3, 6}, {27, 0}, {-6, 21}, lower_right});
     // What the instance keeps of a layer of another size does not show.
     renderFrame(instance, larger, {-6, -3, 36, 24}, {.downsample = 3});
-    auto frame = renderFrame(instance, layer, {-6, -3, 36, 24}, {.downsample = 3});
+    const auto frame = renderFrame(instance, layer, {-6, -3, 36, 24}, {.downsample = 3});
     Instance whole = instanceWith(effect(), {{1, 2}, {9, 0}, {-2, 7}, {lower_right.x / 3, lower_right.y / 3}});
-    auto expected = renderFrame(whole, reduced, {-2, -1, 12, 8});
-    EXPECT_TRUE(samePixels(asConst(expected.pixels.view()), asConst(frame.pixels.view()))) << lower_right.x;
+    const auto expected = renderFrame(whole, reduced, {-2, -1, 12, 8});
+    EXPECT_TRUE(samePixels(expected.pixels, frame.pixels)) << lower_right.x;
   }
 }
 
@@ -154,32 +149,27 @@ TEST(RenderTest, AHorizonThroughTheOutputsCornerIsDrawnAsFromAnyOther) {
     const testing::Frame moved = testing::renderFrame(instance, layer, {-7, -3, 100, 60}, options);
     for (int y = 0; y < 60; ++y) {
       for (int x = 0; x < 100; ++x) {
-        const std::byte* const a = frame.pixels.view().pixel(x, y);
-        const std::byte* const b = moved.pixels.view().pixel(x + 7, y + 3);
         for (int c = 0; c < 4; ++c) {
-          ASSERT_NEAR(std::to_integer<int>(a[c]), std::to_integer<int>(b[c]), 1) << x << ' ' << y;
+          ASSERT_NEAR(channelAt(frame.pixels, x, y, c), channelAt(moved.pixels, x + 7, y + 3, c), 1) << x << ' ' << y;
         }
       }
     }
-    EXPECT_EQ(std::to_integer<int>(*frame.pixels.view().pixel(50, 30)), 255);
+    EXPECT_EQ(channelAt(frame.pixels, 50, 30, 0), 255);
   }
 }
 
+ImageView viewOf(const GuardedWorld& guarded, Depth depth) {
+  const PF_LayerDef& world = guarded.world;
+  return {static_cast<std::byte*>(world.data), world.row_bytes, {world.width, world.height}, depth};
+}
+
 TEST(RenderTest, OutputMemoryBeyondTheRowsIsTheCallersOwn) {
-  Image layer = noise({20, 20}, Depth::Bits8);
-  Image memory = testing::dirty({50, 24}, Depth::Bits8);
-  const ImageView inner{memory.view().pixel(5, 2), memory.view().row_bytes, {30, 20}, Depth::Bits8};
+  const Image layer = noise({20, 20}, Depth::Bits8);
+  GuardedWorld output(8, WorldShape{30, 20, 80});
   for (const Corners& quad : kQuads) {
     Instance instance = instanceWith(effect(), quad);
-    ASSERT_TRUE(instance.render(asConst(layer.view()), {0, 0, 30, 20}, inner, {}));
-  }
-  Image untouched = testing::dirty({50, 24}, Depth::Bits8);
-  for (int y = 0; y < 24; ++y) {
-    for (int x = 0; x < 50; ++x) {
-      if (x < 5 || x >= 35 || y < 2 || y >= 22) {
-        ASSERT_EQ(0, std::memcmp(untouched.view().pixel(x, y), memory.view().pixel(x, y), 4)) << x << ',' << y;
-      }
-    }
+    ASSERT_TRUE(instance.render(layer.view(), {0, 0, 30, 20}, viewOf(output, Depth::Bits8), {}));
+    EXPECT_TRUE(output.guardsIntact()) << quad.upper_left.x;
   }
 }
 
@@ -195,42 +185,6 @@ TEST(RenderTest, BoundingBoxIsAPixelWiderThanTheCornersInEitherProtocol) {
   }
 }
 
-// A picture's rows in memory of the caller's own, with room beyond each that must stay as it is.
-class Rows {
- public:
-  Rows(Size size, Depth depth, int spare_channels, bool lower_first)
-      : pixel_bytes_(static_cast<std::size_t>(size.width) * bytesPerPixel(depth)),
-        stride_(pixel_bytes_ + static_cast<std::size_t>(spare_channels) * bytesPerPixel(depth) / 4),
-        memory_(stride_ * static_cast<std::size_t>(size.height), kSpare) {
-    const auto stride = static_cast<std::ptrdiff_t>(stride_);
-    std::byte* const first = memory_.data();
-    view_ = lower_first ? ImageView{first + stride * (size.height - 1), -stride, size, depth}
-                        : ImageView{first, stride, size, depth};
-  }
-
-  const ImageView& view() const { return view_; }
-  void fill(const ConstImageView& from) {
-    for (int y = 0; y < view_.size.height; ++y) {
-      std::memcpy(view_.row(y), from.row(y), pixel_bytes_);
-    }
-  }
-  bool isSpareRoomUntouched() const {
-    for (std::size_t i = 0; i < memory_.size(); ++i) {
-      if (i % stride_ >= pixel_bytes_ && memory_[i] != kSpare) {
-        return false;
-      }
-    }
-    return true;
-  }
-
- private:
-  static constexpr std::byte kSpare{0x3C};
-  std::size_t pixel_bytes_;
-  std::size_t stride_;
-  std::vector<std::byte> memory_;
-  ImageView view_;
-};
-
 TEST(RenderTest, LayerAndOutputMayHaveAnyStrideThatTheirChannelsAllow) {
   const struct {
     int layer_spare;
@@ -245,20 +199,25 @@ TEST(RenderTest, LayerAndOutputMayHaveAnyStrideThatTheirChannelsAllow) {
       Image layer = noise(kLayer, depth);
       // In perspective; concave, so that the renderer is the one that reads rows as words; and moved by whole pixels.
       for (const Corners& quad : {Corners{{4, 3}, {38, 8}, {1, 28}, {29, 25}},
-                                  Corners{{0, 0}, {38, 2}, {2, 28}, {12, 9}}, cornersOf({5, 6, 18, 15})}) {
+                                  Corners{{0, 0}, {38, 2}, {2, 28}, {12, 9}}, rectangle(5, 6, 18, 15)}) {
         Instance instance = instanceWith(module, quad);
         for (const FrameOptions& options :
              {FrameOptions{.quality = Quality::Standard}, FrameOptions{.quality = Quality::High},
               FrameOptions{.quality = Quality::Best}, FrameOptions{.quality = Quality::High, .downsample = 2}}) {
           const Rect canvas{0, 0, 40, 30};
-          auto expected = renderFrame(instance, layer, canvas, options);
+          const auto expected = renderFrame(instance, layer, canvas, options);
           for (const auto& layout : layouts) {
-            Rows in(kLayer, depth, layout.layer_spare, layout.layer_lower_first);
-            in.fill(asConst(layer.view()));
-            Rows out(expected.pixels.size(), depth, layout.output_spare, layout.output_lower_first);
-            ASSERT_TRUE(instance.render(asConst(in.view()), canvas, out.view(), options));
-            EXPECT_TRUE(samePixels(asConst(expected.pixels.view()), asConst(out.view()))) << (&layout - layouts);
-            EXPECT_TRUE(out.isSpareRoomUntouched());
+            const int bits = static_cast<int>(depth);
+            const GuardedWorld in(bits, {kLayer.width, kLayer.height, layout.layer_spare, layout.layer_lower_first});
+            const ImageView in_view = viewOf(in, depth);
+            for (int y = 0; y < kLayer.height; ++y) {
+              std::memcpy(in_view.row(y), layer.view().row(y), bytesPerPixel(depth) * kLayer.width);
+            }
+            const Size size = expected.pixels.size();
+            const GuardedWorld out(bits, {size.width, size.height, layout.output_spare, layout.output_lower_first});
+            ASSERT_TRUE(instance.render(asConst(in_view), canvas, viewOf(out, depth), options));
+            EXPECT_TRUE(samePixels(expected.pixels.view(), asConst(viewOf(out, depth)))) << (&layout - layouts);
+            EXPECT_TRUE(out.guardsIntact());
           }
         }
       }
@@ -268,15 +227,12 @@ TEST(RenderTest, LayerAndOutputMayHaveAnyStrideThatTheirChannelsAllow) {
 
 TEST(RenderTest, CornersFollowTheFramesTime) {
   Image layer = noise({8, 8}, Depth::Bits8);
-  const auto moving = [](Point from) {
-    return AnimatedPoint({{0.0, from}, {1.0, {from.x + 24, from.y}}}, Interpolation::Linear);
-  };
   Instance instance(checkedEffect());
-  ASSERT_TRUE(instance.setCorners({moving({0, 0}), moving({8, 0}), moving({0, 8}), moving({8, 8})}));
+  ASSERT_TRUE(instance.setCorners(testing::moving(rectangle(0, 0, 8, 8), rectangle(24, 0, 32, 8))));
   for (const Protocol protocol : {Protocol::Smart, Protocol::Plain}) {
-    auto frame = renderFrame(instance, layer, {6, 0, 14, 8},
-                             {.time = {.time = 6, .step = 1, .scale = 24}, .protocol = protocol});
-    EXPECT_TRUE(samePixels(asConst(layer.view()), asConst(frame.pixels.view())));
+    const auto frame = renderFrame(instance, layer, {6, 0, 14, 8},
+                                   {.time = {.time = 6, .step = 1, .scale = 24}, .protocol = protocol});
+    EXPECT_TRUE(samePixels(layer, frame.pixels));
   }
 }
 
@@ -297,7 +253,7 @@ TEST(RenderTest, ManyInstancesOfOneModuleRenderAtOnce) {
   for (int i = 0; i < 6; ++i) {
     callers.emplace_back([&, i] {
       for (int repeat = 0; repeat < 5; ++repeat) {
-        same += samePixels(asConst(expected[i].view()), asConst(render(i).view()));
+        same += samePixels(expected[i], render(i));
       }
     });
   }
@@ -309,7 +265,7 @@ TEST(RenderTest, ProgressRisesToOneAndTheStopTokenEndsTheFrame) {
   Image layer = noise({32, 400}, Depth::Bits8);
   Image output = testing::dirty({32, 400}, Depth::Bits8);
   for (const unsigned threads : {1u, 4u}) {
-    Instance instance = instanceWith(effect(), cornersOf({0, 0, 32, 400}));
+    Instance instance = instanceWith(effect(), rectangle(0, 0, 32, 400));
     std::vector<double> shares;
     FrameOptions options{.threads = threads, .progress = [&](double share) { shares.push_back(share); }};
     ASSERT_TRUE(instance.render(asConst(layer.view()), {0, 0, 32, 400}, output.view(), options));
@@ -339,7 +295,7 @@ TEST(RenderTest, ProgressRisesToOneAndTheStopTokenEndsTheFrame) {
 
 TEST(RenderTest, WorldsWiderThanSixteenBitsAreDrawnToTheirEnd) {
   Image layer = noise({16, 4}, Depth::Bits8);
-  Instance instance = instanceWith(effect(), cornersOf({32740, 0, 32756, 4}));
+  Instance instance = instanceWith(effect(), rectangle(32740, 0, 32756, 4));
   auto frame = renderFrame(instance, layer, {0, 0, 40000, 4}, {});
   const ImageView at{frame.pixels.view().pixel(32740, 0), frame.pixels.view().row_bytes, {16, 4}, Depth::Bits8};
   EXPECT_TRUE(samePixels(asConst(layer.view()), asConst(at)));

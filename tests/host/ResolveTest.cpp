@@ -9,25 +9,8 @@
 namespace vantorel::host {
 namespace {
 
-double channelAt(const ConstImageView& view, int x, int y, int c) {
-  const std::byte* const pixel = view.pixel(x, y);
-  switch (view.depth) {
-    case Depth::Bits8:
-      return static_cast<double>(pixel[c]);
-    case Depth::Bits16:
-      return reinterpret_cast<const std::uint16_t*>(pixel)[c];
-    default:
-      return static_cast<double>(reinterpret_cast<const float*>(pixel)[c]);
-  }
-}
-
-double shareOf(const CoverageRegion& region, int x, int y) {
-  const RowCoverage row = region.row(y);
-  if (x < row.begin || x >= row.end) {
-    return 0.0;
-  }
-  return x >= row.solid_begin && x < row.solid_end ? 1.0 : row.at(x);
-}
+using testing::channelAt;
+using testing::coverageOf;
 
 TEST(ResolveTest, IsTheWeightedMeanRoundedToNearestAtEveryDepthAndCount) {
   constexpr Point kCut{3, 2};
@@ -47,10 +30,10 @@ TEST(ResolveTest, IsTheWeightedMeanRoundedToNearestAtEveryDepthAndCount) {
           for (int k = 0; k < n * n; ++k) {
             const int sx = (x + 3) * n + k % n;
             const int sy = (y + 2) * n + k / n;
-            sum += shareOf(fine, sx, sy) * channelAt(samples.view(), sx, sy, i % 4);
+            sum += coverageOf(fine, sx, sy) * channelAt(samples, sx, sy, i % 4);
           }
           const double mean = sum / (n * n);
-          const double actual = channelAt(asConst(output.view()), x, y, i % 4);
+          const double actual = channelAt(output, x, y, i % 4);
           const double half = depth == Depth::Float ? 1e-6 : 0.5 + 1e-6;
           ASSERT_NEAR(mean, actual, half) << "pixel " << x << ", " << y << " of " << n << " samples";
         }
@@ -67,9 +50,9 @@ TEST(ResolveTest, WithOneSampleLeavesTheInsideToTheBitAndWorksInPlace) {
   for (int i = 0; i < 16 * 12 * 4; ++i) {
     const int x = i / 4 % 16;
     const int y = i / 4 / 16;
-    const double whole = channelAt(before.view(), x, y, i % 4);
+    const double whole = channelAt(before, x, y, i % 4);
     const double share = x < 2 || x >= 14 || y < 1 || y > 9 ? 0.0 : y == 9 ? 0.5 : 1.0;
-    EXPECT_EQ(std::floor(whole * share + 0.5), channelAt(asConst(pixels.view()), x, y, i % 4));
+    EXPECT_EQ(std::floor(whole * share + 0.5), channelAt(pixels, x, y, i % 4));
   }
 }
 

@@ -30,7 +30,7 @@ double meanInside(const ConstImageView& world, double left, double top, double r
       const double width = std::min(x1, x + 1.0) - std::max(x0, static_cast<double>(x));
       const double height = std::min(y1, y + 1.0) - std::max(y0, static_cast<double>(y));
       if (width > 0 && height > 0) {
-        sum += width * height * static_cast<double>(reinterpret_cast<const float*>(world.pixel(x, y))[channel]);
+        sum += width * height * testing::channelAt(world, x, y, channel);
       }
     }
   }

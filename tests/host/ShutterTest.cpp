@@ -17,12 +17,9 @@ Corners moved(const Corners& c, double x, double y) {
   return {move(c.upper_left), move(c.upper_right), move(c.lower_left), move(c.lower_right)};
 }
 
-// From `begin` at -1 s to `end` at 1 s.
+// Their way in the two seconds about time 0.
 AnimatedCorners between(const Corners& begin, const Corners& end) {
-  const auto point = [&](std::size_t i) {
-    return AnimatedPoint({{-1.0, begin[i]}, {1.0, end[i]}}, Interpolation::Linear);
-  };
-  return {point(0), point(1), point(2), point(3)};
+  return testing::moving(begin, end, -1.0, 1.0);
 }
 
 // A frame of one second, so that 360 degrees are half of the way.
@@ -31,16 +28,6 @@ FrameOptions shutter(double degrees, int max_samples = 64) {
   options.time.scale = 1;
   options.shutter = {.degrees = degrees, .max_samples = max_samples};
   return options;
-}
-
-double psnr(const Image& a, const Image& b) {
-  double squares = 0.0;
-  for (int y = 0; y < a.size().height; ++y) {
-    for (int i = 0; i < a.size().width * 4; ++i) {
-      squares += std::pow(static_cast<double>(a.view().row(y)[i]) - static_cast<double>(b.view().row(y)[i]), 2);
-    }
-  }
-  return 10.0 * std::log10(255.0 * 255.0 * a.size().width * a.size().height * 4.0 / squares);
 }
 
 std::vector<double> momentsWith(const AnimatedCorners& corners, const FrameOptions& options) {
@@ -74,22 +61,22 @@ TEST(ShutterTest, AMoveOfTwentyPixelsIsNearThatOfManyMoments) {
   auto few = renderFrame(instance, layer, {0, 0, 200, 140}, shutter(180));
   // 256 stills, added up.
   std::vector<double> sums(200 * 140 * 4);
+  const auto channel = [](Image& image, std::size_t i) {
+    return &image.view().pixel(static_cast<int>(i / 4 % 200), static_cast<int>(i / 800))[i % 4];
+  };
   for (int i = 0; i < 256; ++i) {
     const double share = 0.375 + 0.25 * (i + 0.5) / 256;
     ASSERT_TRUE(instance.setCorners(moved(kQuad, 72 * share, 34 * share)));
     auto still = renderFrame(instance, layer, {0, 0, 200, 140}, shutter(0));
     for (std::size_t k = 0; k < sums.size(); ++k) {
-      sums[k] += static_cast<double>(
-                     still.pixels.view().pixel(static_cast<int>(k / 4 % 200), static_cast<int>(k / 800))[k % 4]) /
-                 256;
+      sums[k] += static_cast<double>(*channel(still.pixels, k)) / 256;
     }
   }
   Image many = testing::dirty({200, 140}, Depth::Bits8);
   for (std::size_t k = 0; k < sums.size(); ++k) {
-    many.view().pixel(static_cast<int>(k / 4 % 200), static_cast<int>(k / 800))[k % 4] =
-        static_cast<std::byte>(std::lround(sums[k]));
+    *channel(many, k) = static_cast<std::byte>(std::lround(sums[k]));
   }
-  EXPECT_GE(psnr(few.pixels, many), 40.0);
+  EXPECT_GE(testing::psnr(few.pixels, many), 40.0);
 }
 
 TEST(ShutterTest, WithoutMotionItIsTheStillToTheBitAndItsBoxGrowsWithTheMotion) {
@@ -97,7 +84,7 @@ TEST(ShutterTest, WithoutMotionItIsTheStillToTheBitAndItsBoxGrowsWithTheMotion) 
   Instance instance = testing::instanceWith(testing::checkedEffect(), kQuad);
   const auto still = renderFrame(instance, layer, {0, 0, 140, 120}, shutter(0));
   const auto open = renderFrame(instance, layer, {0, 0, 140, 120}, shutter(360));
-  EXPECT_TRUE(testing::samePixels(still.pixels.view(), open.pixels.view()));
+  EXPECT_TRUE(testing::samePixels(still.pixels, open.pixels));
   ASSERT_TRUE(instance.setCorners(between(moved(kQuad, -100, 0), moved(kQuad, 100, 0))));
   const Rect small = instance.boundingBox({60, 50}, shutter(0)).value();
   const Rect wide = instance.boundingBox({60, 50}, shutter(360)).value();

@@ -13,7 +13,7 @@ double interpolated(const ConstImageView& layer, double x, double y, int c) {
   const auto at = [&](double column, double row) {
     const int i = std::clamp(static_cast<int>(column), 0, layer.size.width - 1);
     const int k = std::clamp(static_cast<int>(row), 0, layer.size.height - 1);
-    return static_cast<double>(reinterpret_cast<const float*>(layer.pixel(i, k))[c]);
+    return testing::channelAt(layer, i, k, c);
   };
   const double left = std::floor(x - 0.5);
   const double top = std::floor(y - 0.5);
@@ -35,7 +35,7 @@ TEST(VertexLayerTest, HoldsTheLayersInterpolationAtEveryFractionOfAPixel) {
       const int x = i / 4 % width;
       const int y = i / 4 / width;
       EXPECT_NEAR(interpolated(layer.view(), static_cast<double>(x) / factor, static_cast<double>(y) / factor, i % 4),
-                  static_cast<double>(reinterpret_cast<const float*>(enlarged.view().pixel(x, y))[i % 4]), 1e-6);
+                  testing::channelAt(enlarged, x, y, i % 4), 1e-6);
     }
   }
 }
@@ -50,7 +50,7 @@ TEST(VertexLayerTest, RoundsIntegersToNearestAndKeepsTheLayersOwnPixels) {
   enlargeToVertices(asConst(layer.view()), 2, {0, 0, 2, 2}, enlarged.view());
   const int expected[] = {10, 10, 12, 13, 10, 10, 12, 13, 15, 15, 21, 27, 20, 20, 30, 40};
   for (int i = 0; i < 16; ++i) {
-    EXPECT_EQ(expected[i], static_cast<int>(*enlarged.view().pixel(i % 4, i / 4))) << i;
+    EXPECT_EQ(expected[i], testing::channelAt(enlarged, i % 4, i / 4, 0)) << i;
   }
 }
 
@@ -64,29 +64,28 @@ TEST(VertexLayerTest, SixteenBitsHoldEveryValueOfEightAndGiveItBack) {
   enlargeToVertices(asConst(layer.view()), 4, {0, 0, 256, 1}, fine.view());
   narrow(asConst(fine.view()), back.view());
   for (int x = 0; x < 256; ++x) {
-    EXPECT_EQ(257 * x, reinterpret_cast<const std::uint16_t*>(fine.view().pixel(4 * x + 2, 0))[0]);
-    EXPECT_EQ(x, static_cast<int>(*back.view().pixel(4 * x + 2, 0)));
+    EXPECT_EQ(257 * x, testing::channelAt(fine, 4 * x + 2, 0, 0));
+    EXPECT_EQ(x, testing::channelAt(back, 4 * x + 2, 0, 0));
   }
 }
 
 // The scan's own mean of 8-bit values is too dark by a quarter of a level.
 TEST(VertexLayerTest, EnlargedEightBitsAreNoDarkerOnTheWholeThanSixteen) {
-  Instance instance = testing::instanceWith(testing::checkedEffect(), {{10, 10}, {390, 10}, {180, 205}, {390, 390}});
+  const Corners corners{{10, 10}, {390, 10}, {180, 205}, {390, 390}};
   Image layer = testing::waves({8, 8}, Depth::Bits8, 5);
   Image finer = testing::dirty({8, 8}, Depth::Bits16);
   for (int i = 0; i < 8 * 8 * 4; ++i) {
-    const auto level = static_cast<std::uint16_t>(layer.view().pixel(i / 4 % 8, i / 32)[i % 4]);
     reinterpret_cast<std::uint16_t*>(finer.view().pixel(i / 4 % 8, i / 32))[i % 4] =
-        static_cast<std::uint16_t>(257 * level);
+        static_cast<std::uint16_t>(257 * testing::channelAt(layer, i / 4 % 8, i / 32, i % 4));
   }
   const FrameOptions options{.quality = Quality::Best};
-  const auto coarse = testing::renderFrame(instance, layer, {0, 0, 400, 400}, options);
-  const auto fine = testing::renderFrame(instance, finer, {0, 0, 400, 400}, options);
+  const auto coarse = testing::renderFrame(corners, layer, {0, 0, 400, 400}, options);
+  const auto fine = testing::renderFrame(corners, finer, {0, 0, 400, 400}, options);
   EXPECT_EQ(RenderPath::Bilinear, coarse.result.path);
   double difference = 0.0;
   for (int i = 0; i < 400 * 400; ++i) {
-    const auto level = static_cast<double>(coarse.pixels.view().pixel(i % 400, i / 400)[1]);
-    difference += level - reinterpret_cast<const std::uint16_t*>(fine.pixels.view().pixel(i % 400, i / 400))[1] / 257.0;
+    difference += testing::channelAt(coarse.pixels, i % 400, i / 400, 1);
+    difference -= testing::channelAt(fine.pixels, i % 400, i / 400, 1) / 257.0;
   }
   EXPECT_LT(std::abs(difference / (400 * 400)), 0.02);
 }

@@ -1,49 +1,11 @@
 // What the filter allocates: nothing after an instance's first frame of a kind, whatever its corners.
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
+#include "tests/CountedAllocations.h"
 #include "tests/bridges/frei0r/PluginTesting.h"
-
-namespace {
-std::atomic<long> allocations = 0;
-}  // namespace
-
-// The filter's own calls come here too, since the program's functions precede those of the libraries that it loads.
-__attribute__((noinline)) void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* const memory = std::malloc(size)) {
-    return memory;
-  }
-  throw std::bad_alloc();
-}
-__attribute__((noinline)) void* operator new(std::size_t size, std::align_val_t alignment) {
-  ++allocations;
-  const auto align = static_cast<std::size_t>(alignment);
-  if (void* const memory = std::aligned_alloc(align, (size + align - 1) / align * align)) {
-    return memory;
-  }
-  throw std::bad_alloc();
-}
-__attribute__((noinline)) void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  ++allocations;
-  return std::malloc(size);
-}
-__attribute__((noinline)) void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-__attribute__((noinline)) void operator delete(void* memory, std::align_val_t) noexcept {
-  std::free(memory);
-}
-__attribute__((noinline)) void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
-  std::free(memory);
-}
 
 namespace vantorel::frei0r {
 namespace {
+
+using vantorel::testing::allocations;
 
 TEST(Frei0rAllocation, FramesAfterTheFirstAllocateNothing) {
   const Plugin plugin;

@@ -141,19 +141,6 @@ TEST(Frei0r, DrawsNothingOnCornersThatCannotBe) {
   }
 }
 
-// What lasts only while an instance or a frame does would add up: for the leak sanitizer.
-TEST(Frei0r, DrawsManyFramesInManyInstances) {
-  const Plugin plugin;
-  for (int i = 0; i < 40; ++i) {
-    Instance instance(plugin, kSize);
-    for (int frame = 0; frame < 10; ++frame) {
-      instance.setNumber(0, 0.3 + 0.01 * frame);
-      instance.setQuality(frame % 3 == 0 ? "best" : "high");
-      instance.draw(noise(frame % 2 == 0));
-    }
-  }
-}
-
 TEST(Frei0r, TellsItsParametersAndTheirValues) {
   const Plugin plugin;
   f0r_plugin_info_t info{};
