@@ -13,13 +13,13 @@
 #include <sstream>
 #include <string>
 
+#include "host/geometry/Homography.h"
+
 namespace {
 
-struct Point {
-  double x;
-  double y;
-};
-using Quad = std::array<Point, 4>;  // upper left, upper right, lower left, lower right
+using vantorel::host::Corners;
+using vantorel::host::Homography;
+using vantorel::host::Point;
 using Colour = std::array<int, 3>;
 
 constexpr int kWidth = 40;
@@ -28,23 +28,6 @@ constexpr int kHeight = 24;
 // The layer rises linearly, so that the mean of a box is the colour of its middle.
 Colour layerColour(double x, double y) {
   return {static_cast<int>(std::lround(20 + 5 * x)), static_cast<int>(std::lround(10 + 9 * y)), 128};
-}
-
-// The position in the layer that a projective map of the layer onto the quadrilateral takes to `target`.
-Point mapBack(const Quad& quad, Point target) {
-  const auto& [ul, ur, ll, lr] = quad;
-  const Point sum{ul.x - ur.x + lr.x - ll.x, ul.y - ur.y + lr.y - ll.y};
-  const Point d1{ur.x - lr.x, ur.y - lr.y};
-  const Point d2{ll.x - lr.x, ll.y - lr.y};
-  const double g = (sum.x * d2.y - d2.x * sum.y) / (d1.x * d2.y - d1.y * d2.x);
-  const double h = (d1.x * sum.y - d1.y * sum.x) / (d1.x * d2.y - d1.y * d2.x);
-  // target = (column_u * u + column_v * v + ul) / (g * u + h * v + 1), solved for u and v.
-  const Point along_u{ur.x - ul.x + g * (ur.x - target.x), ur.y - ul.y + g * (ur.y - target.y)};
-  const Point along_v{ll.x - ul.x + h * (ll.x - target.x), ll.y - ul.y + h * (ll.y - target.y)};
-  const Point offset{target.x - ul.x, target.y - ul.y};
-  const double determinant = along_u.x * along_v.y - along_u.y * along_v.x;
-  return {kWidth * (offset.x * along_v.y - offset.y * along_v.x) / determinant,
-          kHeight * (along_u.x * offset.y - along_u.y * offset.x) / determinant};
 }
 
 class MinimalHost : public ::testing::Test {
@@ -64,11 +47,11 @@ class MinimalHost : public ::testing::Test {
   void TearDown() override { std::filesystem::remove_all(folder_); }
 
   // Runs the program and returns its exit code; after success the output is read.
-  int run(const std::string& module, const Quad& quad) {
+  int run(const std::string& module, const Corners& corners) {
     std::ostringstream command;
     command << VANTOREL_MINIMAL_HOST << ' ' << module << ' ' << path("layer.ppm") << ' ' << path("out.ppm");
-    for (const Point& corner : quad) {
-      command << ' ' << corner.x << ' ' << corner.y;
+    for (std::size_t i = 0; i < vantorel::host::kCornerCount; ++i) {
+      command << ' ' << corners[i].x << ' ' << corners[i].y;
     }
     command << " >" << path("log") << " 2>&1";
     const int code = WEXITSTATUS(std::system(command.str().c_str()));
@@ -109,7 +92,7 @@ class MinimalHost : public ::testing::Test {
 };
 
 TEST_F(MinimalHost, MovesALayerByWholePixelsUnchanged) {
-  ASSERT_EQ(run(VANTOREL_MODULE_PATH, {{{3, -5}, {43, -5}, {3, 19}, {43, 19}}}), 0) << log();
+  ASSERT_EQ(run(VANTOREL_MODULE_PATH, {{3, -5}, {43, -5}, {3, 19}, {43, 19}}), 0) << log();
   for (int y = 0; y < kHeight; ++y) {
     for (int x = 0; x < kWidth; ++x) {
       ASSERT_EQ(colourAt(x + 3, y - 5), layerColour(x, y)) << x << ", " << y;
@@ -120,16 +103,18 @@ TEST_F(MinimalHost, MovesALayerByWholePixelsUnchanged) {
 }
 
 TEST_F(MinimalHost, DrawsInPerspective) {
-  const Quad quads[] = {{{{-3.5, 2.25}, {161, -7}, {4, 90}, {170.75, 63}}},
-                        {{{120, 3}, {6, 10}, {135, 70}, {0, 86}}},
-                        {{{0, 0}, {19, 1}, {-1, 12}, {22, 13}}}};
+  const Corners quads[] = {{{-3.5, 2.25}, {161, -7}, {4, 90}, {170.75, 63}},
+                           {{120, 3}, {6, 10}, {135, 70}, {0, 86}},
+                           {{0, 0}, {19, 1}, {-1, 12}, {22, 13}}};
+  const Corners layer{{0, 0}, {kWidth, 0}, {0, kHeight}, {kWidth, kHeight}};
   constexpr double kMargin = 3.0;  // layer pixels: boxes that reach over the layer's edge are darker
-  for (const Quad& quad : quads) {
+  for (const Corners& quad : quads) {
     ASSERT_EQ(run(VANTOREL_MODULE_PATH, quad), 0) << log();
+    const Homography back = Homography::ofQuadrilateral(quad, layer).value();
     int seen = 0;
     for (int y = -10; y < 100; ++y) {
       for (int x = -10; x < 180; ++x) {
-        const Point at = mapBack(quad, {static_cast<double>(x), static_cast<double>(y)});
+        const Point at = back(Point{static_cast<double>(x), static_cast<double>(y)});
         if (at.x > kMargin && at.x < kWidth - kMargin && at.y > kMargin && at.y < kHeight - kMargin) {
           const std::optional<Colour> drawn = colourAt(x, y);
           ASSERT_TRUE(drawn) << x << ", " << y;
@@ -147,7 +132,7 @@ TEST_F(MinimalHost, DrawsInPerspective) {
 }
 
 TEST_F(MinimalHost, DrawsAConcaveQuadrilateral) {
-  ASSERT_EQ(run(VANTOREL_MODULE_PATH, {{{0, 0}, {60, 0}, {0, 40}, {20, 15}}}), 0) << log();
+  ASSERT_EQ(run(VANTOREL_MODULE_PATH, {{0, 0}, {60, 0}, {0, 40}, {20, 15}}), 0) << log();
   EXPECT_EQ(colourAt(10, 10).value_or(Colour{})[2], 128);
   EXPECT_EQ(colourAt(50, 30).value_or(Colour{}), Colour{});
 }

@@ -123,25 +123,4 @@ TEST(Ratapprox, KnownFractions) {
   }
 }
 
-// All fractions up to the limit, for values that lie on, between and half-way between them. Products of the distances
-// with denominators are exact in double precision at this size.
-TEST(Ratapprox, IsTheBestOfAllFractions) {
-  for (int limit = 1; limit <= 24; ++limit) {
-    for (int step = 0; step <= 26 * 96; ++step) {
-      const float x = static_cast<float>(step) / 96.0f;
-      const M_Ratio found = ratapprox(limit, x);
-      ASSERT_TRUE(found.num <= limit && found.den >= 1 && static_cast<int>(found.den) <= limit);
-      const double distance = std::abs(double{x} * found.den - found.num);
-      for (int den = 1; den <= limit; ++den) {
-        for (int num = 0; num <= limit; ++num) {
-          const double left = std::abs(double{x} * den - num) * found.den;
-          const bool simpler = num < found.num && den <= static_cast<int>(found.den);
-          ASSERT_FALSE(left < distance * den || (left == distance * den && simpler))
-              << x << " by " << found.num << '/' << found.den << ", not " << num << '/' << den;
-        }
-      }
-    }
-  }
-}
-
 }  // namespace

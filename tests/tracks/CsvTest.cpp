@@ -48,11 +48,6 @@ TEST(Csv, TakesPercentFramesBetweenFramesAndMissingCorners) {
 }
 
 TEST(Csv, FaultsNameLineFieldAndWhatWasRead) {
-  const auto expectFault = [](const std::string& text, const std::string& place, const std::string& matter) {
-    const std::string fault = faultText(resolveText(text));
-    EXPECT_EQ(fault.rfind(place, 0), 0u) << fault;
-    EXPECT_NE(fault.find(matter), std::string::npos) << fault;
-  };
   const std::string table = std::string(kHeader) + kRow;
   expectFault("frame,ulx,uly,urx,ury,llx,lly,lrx\n1,2,3,4,5,6,7,8\n", "track: line 1", "'lry' is missing");
   expectFault("frame,ulx,ulx,uly,urx,ury,llx,lly,lrx,lry\n", "track: line 1", "'ulx' is there twice");

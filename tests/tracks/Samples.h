@@ -1,6 +1,8 @@
 // Files of every format, written by hand.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -36,6 +38,13 @@ inline host::Result<ResolvedTrack> resolveText(const std::string& text, ResolveO
 template <typename T>
 std::string faultText(const host::Result<T>& result) {
   return result ? "no fault" : result.error().input + ": " + result.error().message;
+}
+
+// The text is refused; what is said begins with the place and holds the matter.
+inline void expectFault(const std::string& text, const std::string& place, const std::string& matter) {
+  const std::string fault = faultText(resolveText(text));
+  EXPECT_EQ(fault.rfind(place, 0), 0u) << fault << "\n" << text.substr(0, 400);
+  EXPECT_NE(fault.find(matter), std::string::npos) << fault;
 }
 
 }  // namespace vantorel::tracks
