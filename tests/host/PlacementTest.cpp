@@ -56,15 +56,23 @@ TEST(PlacementTest, EnlargedEdgesLandWhereTheyBelongOnBothPaths) {
   }
 }
 
-TEST(PlacementTest, ALayerMovedByWholePixelsStaysItselfToTheBit) {
+TEST(PlacementTest, ALayerMovedByWholePixelsOrNoneStaysItselfToTheBit) {
+  const FrameOptions kinds[] = {{},
+                                {.samples = 4},
+                                {.quality = Quality::Best},
+                                {.quality = Quality::Best, .samples = 4},
+                                {.protocol = Protocol::Plain},
+                                {.protocol = Protocol::Plain, .threads = 1},
+                                {.threads = 3}};
   for (const Depth depth : testing::kDepths) {
-    Image layer = testing::noise({300, 40}, depth);
-    for (const Quality quality : {Quality::High, Quality::Best}) {
-      for (const int samples : {0, 4}) {
-        const auto frame = renderFrame(testing::rectangle(-7, 3, 293, 43), layer, {-7, 3, 293, 43},
-                                       {.quality = quality, .samples = samples});
+    const Image layer = testing::noise({300, 45}, depth);
+    for (const Rect& place : {Rect{-7, 3, 293, 48}, Rect{0, 0, 300, 45}}) {
+      for (const FrameOptions& options : kinds) {
+        const Corners corners = testing::rectangle(place.left, place.top, place.right, place.bottom);
+        const auto frame = renderFrame(corners, layer, place, options);
+        EXPECT_EQ(RenderPath::Perspective, frame.result.path);
         EXPECT_TRUE(testing::samePixels(layer, frame.pixels))
-            << static_cast<int>(depth) << " bits, quality " << static_cast<int>(quality);
+            << static_cast<int>(depth) << " bits, left " << place.left << ", case " << (&options - kinds);
       }
     }
   }

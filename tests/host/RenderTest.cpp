@@ -28,20 +28,6 @@ const std::shared_ptr<const Module>& effect() {
   return kModule;
 }
 
-TEST(RenderTest, CornersAtTheLayersOwnReproduceItToTheBit) {
-  for (const Depth depth : testing::kDepths) {
-    Image layer = noise({67, 45}, depth);
-    for (const Protocol protocol : {Protocol::Smart, Protocol::Plain}) {
-      for (const unsigned threads : {1u, 3u}) {
-        Instance instance = instanceWith(effect(), rectangle(0, 0, 67, 45));
-        const auto frame = renderFrame(instance, layer, {0, 0, 67, 45}, {.protocol = protocol, .threads = threads});
-        EXPECT_EQ(RenderPath::Perspective, frame.result.path);
-        EXPECT_TRUE(samePixels(layer, frame.pixels));
-      }
-    }
-  }
-}
-
 TEST(RenderTest, AWholePixelShiftMovesThePictureAndLeavesTheRestTransparent) {
   Image layer = noise({10, 6}, Depth::Bits16);
   const auto frame = renderFrame(rectangle(3, 2, 13, 8), layer, {-4, -60, 30, 40});
