@@ -2,9 +2,9 @@
 
 namespace vantorel::cli {
 
-extern "C" [[gnu::visibility("default")]] const PictureCommands* vantorelPictureCommands() {
-  static constexpr PictureCommands kCommands{VANTOREL_VERSION, runRender,   runRectify,
-                                             runTestCard,      runDescribe, runView};
+extern "C" [[gnu::visibility("default")]] const ModuleTable* vantorelPictureCommands() {
+  static constexpr PictureCommands kCommands{{VANTOREL_VERSION}, runRender,   runRectify,
+                                             runTestCard,        runDescribe, runView};
   return &kCommands;
 }
 

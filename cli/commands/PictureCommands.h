@@ -2,12 +2,12 @@
 // all else that the command does before the first pixel, and most of what it can answer needs none of them.
 #pragma once
 
+#include "cli/base/OwnModules.h"
 #include "cli/commands/Commands.h"
 
 namespace vantorel::cli {
 
-struct PictureCommands {
-  const char* version;  // the module's; that of the command, or the structs below may differ
+struct PictureCommands : ModuleTable {
   decltype(&runRender) render;
   decltype(&runRectify) rectify;
   decltype(&runTestCard) test_card;
@@ -17,8 +17,7 @@ struct PictureCommands {
 
 constexpr const char* kPictureModuleName = "vantorel-pictures.so";
 
-// What the module exports, under this name: a table that lives as long as the module is loaded.
+// What the module exports, under this name: a function that returns the table.
 constexpr const char* kPictureCommandsName = "vantorelPictureCommands";
-using GetPictureCommands = const PictureCommands*();
 
 }  // namespace vantorel::cli

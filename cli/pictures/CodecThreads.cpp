@@ -1,14 +1,38 @@
 #include "cli/pictures/CodecThreads.h"
 
-#include <OpenImageIO/imageio.h>
+#include <OpenEXR/ImfThreading.h>
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <thread>
 
 namespace vantorel::cli {
 
+namespace {
+
+std::atomic<unsigned> limit{0};  // 0: none
+
+}  // namespace
+
 void limitCodecThreads(unsigned threads, bool one_picture_at_a_time) {
-  constexpr int kCallerOnly = -1;
-  const int most = static_cast<int>(threads);
-  OIIO::attribute("threads", one_picture_at_a_time ? most : 1);
-  OIIO::attribute("exr_threads", one_picture_at_a_time && most > 1 ? most : kCallerOnly);
+  limit = one_picture_at_a_time ? std::max(1u, threads) : 1u;
+}
+
+std::optional<unsigned> codecThreads() {
+  const unsigned threads = limit;
+  return threads == 0 ? std::nullopt : std::optional(threads);
+}
+
+void startOpenExrThreads() {
+  static std::mutex mutex;
+  const std::scoped_lock lock(mutex);
+  const unsigned threads = codecThreads().value_or(std::thread::hardware_concurrency());
+  // The caller's own thread is none of OpenEXR's.
+  const int own = threads > 1 ? static_cast<int>(threads) : 0;
+  if (Imf::globalThreadCount() != own) {
+    Imf::setGlobalThreadCount(own);
+  }
 }
 
 }  // namespace vantorel::cli

@@ -20,7 +20,6 @@ constexpr std::array kFormats{
                 .extensions = ".png",
                 .holds_alpha = true,
                 .unassociated_alpha = true,
-                .must_be_finished = true,
                 .longest_side = 1000000,
                 .holds8 = true,
                 .holds16 = true},

@@ -24,7 +24,6 @@ struct ImageFormat {
   bool linear_light = false;        // holds linear light by convention
   bool needs_path = false;          // OpenImageIO must write to a named file, since it reads back what it wrote
   bool passes_parts = false;        // written by OpenEXR's own library, which passes on what a plate holds besides
-  bool must_be_finished = false;    // its library prints an error about a picture that is closed early
   int longest_side = 0;             // in pixels; 0 where other limits come first
   std::size_t most_metadata = 0;    // bytes of all attributes together; 0 where other limits come first
   bool holds8 = false;

@@ -5,6 +5,7 @@
 
 #include "cli/base/CommandError.h"
 #include "cli/pictures/FileRecord.h"
+#include "cli/pictures/ImageReader.h"
 #include "cli/pictures/KeptMetadata.h"
 #include "cli/pictures/PictureOutput.h"
 
@@ -14,11 +15,6 @@ namespace {
 
 // Rows written between two checks of the stop token; enough for OpenEXR to compress its blocks side by side.
 constexpr int kRowsPerWrite = 256;
-
-std::unique_ptr<PictureOutput> openOutput(const std::string& path, OutputFile& file, const ImageFormat& format,
-                                          const OutputPicture& picture) {
-  return format.passes_parts ? openExrOutput(path, file, picture) : openImageIoOutput(path, file, format, picture);
-}
 
 }  // namespace
 
@@ -32,18 +28,21 @@ void writePicture(const std::string& output_path, const ImageFormat& format, con
   }
   OutputFile file(output_path);
   // The file outlives the output, which may write as it is destroyed.
-  const std::unique_ptr<PictureOutput> output = openOutput(path, file, format, picture);
+  const std::unique_ptr<PictureOutput> output = openPictureOutput(path, file, format, picture);
   const host::ConstImageView& pixels = picture.pixels;
   const int height = pixels.size.height;
   for (int y = 0; y < height; y += std::min(kRowsPerWrite, height - y)) {
     if (stop.stop_requested()) {
-      output->abandon(y);
       throw interrupted();
     }
     const int count = std::min(kRowsPerWrite, height - y);
     output->writeRows(y, {pixels.row(y), pixels.row_bytes, {pixels.size.width, count}, pixels.depth});
   }
   output->close();
+  // Writers that bypass the stream do not report whether their last write found room.
+  if (format.needs_path && !isWholePicture(file.temporaryPath(), picture.pixels.size)) {
+    throw unwritablePicture(path, "it is incomplete");
+  }
   file.note(std::fflush(file.stream()) == 0);
   file.note(sealRecord(file.temporaryPath()));
   file.commit();

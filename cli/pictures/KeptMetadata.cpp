@@ -9,6 +9,7 @@
 
 #include "cli/base/CommandError.h"
 #include "cli/pictures/FileRecord.h"
+#include "cli/pictures/PngText.h"
 
 namespace vantorel::cli {
 
@@ -19,9 +20,9 @@ bool startsWith(const std::string& name, std::string_view prefix) {
 }
 
 // What a format, a library or a camera's maker keeps for itself.
-constexpr std::array<std::string_view, 13> kOwnPrefixes{
-    "oiio:", "tiff:", "png:", "jpeg:", "openexr:",  "gif:",     "heif:",
-    "webp:", "bmp:",  "ico:", "raw:",  "thumbnail", "MakerNote"};
+constexpr std::array<std::string_view, 14> kOwnPrefixes{
+    "oiio:", "tiff:", "png:", "jpeg:", "openexr:",  "gif:",      "heif:",
+    "webp:", "bmp:",  "ico:", "raw:",  "thumbnail", "MakerNote", "ICCProfile:"};
 
 // What is true of the pixels as they were stored, or is written anew.
 constexpr std::array<std::string_view, 21> kOwnNames{"Orientation",
@@ -58,9 +59,10 @@ bool isKept(const std::string& name) {
          std::ranges::none_of(kOwnPrefixes, [&](std::string_view prefix) { return startsWith(name, prefix); });
 }
 
-// Profiles are divided among as many segments as they need.
+// Profiles are divided among as many segments as they need, and packets of XMP written by PNG alone.
 std::size_t sizeInSegment(const Attribute& attribute) {
-  return attribute.name == "ICCProfile" ? 0 : attribute.text.size() + attribute.bytes.size();
+  return attribute.name == "ICCProfile" || attribute.name == kXmpKey ? 0
+                                                                     : attribute.text.size() + attribute.bytes.size();
 }
 
 }  // namespace

@@ -5,8 +5,6 @@
 #include <OpenEXR/ImfPartType.h>
 #include <OpenEXR/ImfStandardAttributes.h>
 #include <OpenEXR/ImfStringAttribute.h>
-#include <OpenEXR/ImfThreading.h>
-#include <fmt/format.h>
 
 #include <array>
 #include <map>
@@ -14,7 +12,7 @@
 #include <utility>
 
 #include "cli/base/CommandError.h"
-#include "cli/base/Text.h"
+#include "cli/pictures/CodecThreads.h"
 #include "cli/pictures/FileDate.h"
 #include "cli/pictures/FileRecord.h"
 #include "cli/pictures/HalfConversion.h"
@@ -139,9 +137,7 @@ class OpenExrOutput : public PictureOutput {
       step();
     } catch (const Iex::BaseExc& fault) {
       file_.throwIfFailed();
-      throw fileFailure(path_, fmt::format("cannot be written ({}); make room on its disk, or try another format or "
-                                           "size",
-                                           oneLine(fault.what())));
+      throw unwritablePicture(path_, fault.what());
     }
   }
 
@@ -259,7 +255,9 @@ class OpenExrOutput : public PictureOutput {
 
 }  // namespace
 
-std::unique_ptr<PictureOutput> openExrOutput(const std::string& path, OutputFile& file, const OutputPicture& picture) {
+std::unique_ptr<PictureOutput> openExrOutput(const std::string& path, OutputFile& file, const ImageFormat&,
+                                             const OutputPicture& picture) {
+  startOpenExrThreads();
   return std::make_unique<OpenExrOutput>(path, file, picture);
 }
 

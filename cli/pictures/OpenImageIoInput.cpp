@@ -1,3 +1,4 @@
+// What OpenImageIO reads, every format that has no input of its own here.
 #include <OpenImageIO/imageio.h>
 #include <OpenImageIO/strutil.h>
 #include <fmt/format.h>
@@ -10,7 +11,7 @@
 
 #include "cli/base/CommandError.h"
 #include "cli/base/NumberParsing.h"
-#include "cli/base/Text.h"
+#include "cli/pictures/FormatLibrary.h"
 #include "cli/pictures/OpenImageIoMetadata.h"
 #include "cli/pictures/PictureInput.h"
 #include "cli/pictures/SampleTypes.h"
@@ -172,13 +173,7 @@ class OpenImageIoInput : public PictureInput {
 
 }  // namespace
 
-CommandError unreadablePicture(const std::string& path, const std::string& reason) {
-  return fileFailure(path, fmt::format("cannot be read as a picture ({}); give a whole PNG, JPEG, TIFF, OpenEXR or DPX "
-                                       "file",
-                                       oneLine(reason)));
-}
-
-std::unique_ptr<PictureInput> openPictureInput(const InputFile& file, const std::string& part) {
+std::unique_ptr<PictureInput> openImageIoInput(const InputFile& file, const std::string& part) {
   return std::make_unique<OpenImageIoInput>(file, part);
 }
 

@@ -1,5 +1,9 @@
 #include "cli/pictures/OpenImageIoMetadata.h"
 
+#include <OpenImageIO/tiffutils.h>
+
+#include "cli/pictures/FormatLibrary.h"
+
 namespace vantorel::cli {
 
 Metadata metadataOf(const OIIO::ImageSpec& spec) {
@@ -24,6 +28,31 @@ void addAttribute(OIIO::ImageSpec& spec, const Attribute& attribute) {
   const OIIO::TypeDesc type(attribute.type);
   if (type.size() == attribute.bytes.size()) {
     spec.attribute(attribute.name, type, attribute.bytes.data());
+  }
+}
+
+namespace {
+
+void addTo(Metadata& metadata, const OIIO::ImageSpec& spec) {
+  const Metadata found = metadataOf(spec);
+  for (const Attribute& attribute : found.attributes()) {
+    metadata.set(attribute);
+  }
+}
+
+}  // namespace
+
+void addExif(std::string_view block, Metadata& metadata) {
+  OIIO::ImageSpec spec;
+  if (OIIO::decode_exif(block, spec)) {
+    addTo(metadata, spec);
+  }
+}
+
+void addXmp(const std::string& packet, Metadata& metadata) {
+  OIIO::ImageSpec spec;
+  if (OIIO::decode_xmp(packet, spec)) {
+    addTo(metadata, spec);
   }
 }
 

@@ -6,11 +6,10 @@
 #include <vector>
 
 #include "cli/base/CommandError.h"
-#include "cli/base/Text.h"
 #include "cli/pictures/FileDate.h"
 #include "cli/pictures/FileRecord.h"
 #include "cli/pictures/FileSink.h"
-#include "cli/pictures/ImageReader.h"
+#include "cli/pictures/FormatLibrary.h"
 #include "cli/pictures/OpenImageIoMetadata.h"
 #include "cli/pictures/PictureOutput.h"
 #include "cli/pictures/RowEncoder.h"
@@ -19,11 +18,6 @@
 namespace vantorel::cli {
 
 namespace {
-
-// PNG is packed fast rather than small: against zlib's default level and libpng's choice among all filters, writing
-// takes about a tenth of the time, and files grow by about a quarter.
-constexpr int kPngCompressionLevel = 1;
-constexpr int kPngFilterSub = 16;
 
 bool writesAlpha(const ImageFormat& format, const OutputPicture& picture) {
   return picture.has_alpha && format.holds_alpha;
@@ -38,7 +32,6 @@ void addMetadata(OIIO::ImageSpec& spec, const OutputPicture& picture) {
 }
 
 void choosePacking(OIIO::ImageSpec& spec, const Encoding& encoding) {
-  spec.attribute("png:compressionLevel", encoding.png_level.value_or(kPngCompressionLevel));
   if (encoding.jpeg_quality) {
     spec.attribute("CompressionQuality", *encoding.jpeg_quality);
   }
@@ -70,7 +63,6 @@ OIIO::ImageSpec describe(const ImageFormat& format, const OutputPicture& picture
     spec.attribute("oiio:UnassociatedAlpha", 1);
   }
   choosePacking(spec, picture.encoding);
-  spec.attribute("png:filter", kPngFilterSub);
   spec.attribute("Software", recordText(picture.settings));
   if (spec.find_attribute("DateTime") == nullptr) {
     // The formats' writers would put in the time of writing. An empty date is as good as none to that of DPX.
@@ -78,18 +70,6 @@ OIIO::ImageSpec describe(const ImageFormat& format, const OutputPicture& picture
     spec.attribute("DateTime", date.empty() && is_dpx ? " " : date);
   }
   return spec;
-}
-
-// Completes a picture that is going to be discarded, since closing its writer early prints an error. Blank rows take
-// next to no time.
-void writeBlankRows(OIIO::ImageOutput& output, int from_row) {
-  const OIIO::ImageSpec& spec = output.spec();
-  const std::vector<std::byte> blank(spec.scanline_bytes(true));
-  for (int y = from_row; y < spec.height; ++y) {
-    if (!output.write_scanline(spec.y + y, 0, spec.format, blank.data())) {
-      return;
-    }
-  }
 }
 
 class OpenImageIoOutput : public PictureOutput {
@@ -126,24 +106,15 @@ class OpenImageIoOutput : public PictureOutput {
   void close() override {
     const bool closed = output_->close();
     file_.throwIfFailed();
-    // Writers that bypass the sink do not report whether their last write found room.
-    if (!closed || (format_.needs_path && !isWholePicture(file_.temporaryPath(), picture_.pixels.size))) {
+    if (!closed) {
       throw failure();
-    }
-  }
-
-  void abandon(int rows_written) override {
-    if (format_.must_be_finished) {
-      writeBlankRows(*output_, rows_written);
     }
   }
 
  private:
   CommandError failure() {
     file_.throwIfFailed();
-    return fileFailure(path_, fmt::format("cannot be written ({}); make room on its disk, or try another format or "
-                                          "size",
-                                          oneLine(output_->geterror())));
+    return unwritablePicture(path_, output_->geterror());
   }
 
   const std::string& path_;

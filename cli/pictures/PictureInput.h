@@ -43,6 +43,11 @@ struct InputFile {
 // is empty. The header is not checked yet. Throws CommandError (file failure) naming the file.
 std::unique_ptr<PictureInput> openPictureInput(const InputFile& file, const std::string& part = "");
 
+// Those of single formats.
+std::unique_ptr<PictureInput> openPngInput(const InputFile& file);
+// Goes on to OpenImageIO where the file holds what only that understands, such as what cameras note.
+std::unique_ptr<PictureInput> openJpegInput(const InputFile& file);
+
 // The fault of a file that its library does not understand, with the library's reason.
 CommandError unreadablePicture(const std::string& path, const std::string& reason);
 

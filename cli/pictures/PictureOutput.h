@@ -2,7 +2,9 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
+#include "cli/base/CommandError.h"
 #include "cli/pictures/ImageWriter.h"
 #include "cli/pictures/OutputFile.h"
 
@@ -21,14 +23,23 @@ class PictureOutput {
 
   // Writes what follows the last row. Throws CommandError naming the file.
   virtual void close() = 0;
-
-  // Lets go of a picture of which only the rows above `rows_written` have been written.
-  virtual void abandon(int rows_written) { static_cast<void>(rows_written); }
 };
 
-// Begins a picture in the file: `path` is what messages name it. Format, picture and file must outlive it.
-std::unique_ptr<PictureOutput> openImageIoOutput(const std::string& path, OutputFile& file, const ImageFormat& format,
+// Begins a picture in the file: `path` is what messages name it. Format, picture and file must outlive it. Throws
+// CommandError naming the path.
+std::unique_ptr<PictureOutput> openPictureOutput(const std::string& path, OutputFile& file, const ImageFormat& format,
                                                  const OutputPicture& picture);
-std::unique_ptr<PictureOutput> openExrOutput(const std::string& path, OutputFile& file, const OutputPicture& picture);
+
+// Those of single formats.
+std::unique_ptr<PictureOutput> openPngOutput(const std::string& path, OutputFile& file, const ImageFormat& format,
+                                             const OutputPicture& picture);
+// Goes on to OpenImageIO where the picture's metadata is more than a few texts.
+std::unique_ptr<PictureOutput> openJpegOutput(const std::string& path, OutputFile& file, const ImageFormat& format,
+                                              const OutputPicture& picture);
+std::unique_ptr<PictureOutput> openExrOutput(const std::string& path, OutputFile& file, const ImageFormat& format,
+                                             const OutputPicture& picture);
+
+// The fault of a file that its library cannot write, with the library's reason.
+CommandError unwritablePicture(const std::string& path, const std::string& reason);
 
 }  // namespace vantorel::cli

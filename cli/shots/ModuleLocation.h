@@ -1,4 +1,4 @@
-// Where the modules are.
+// The effect module.
 #pragma once
 
 #include <memory>
@@ -7,10 +7,6 @@
 #include "host/Module.h"
 
 namespace vantorel::cli {
-
-// The path of the module of that file name: beside the command, or where modules are installed, seen from there. Throws
-// CommandError (file failure), which ends in `remedy`, when there is none.
-std::string findModule(const char* name, const char* remedy);
 
 // Loads the effect module at `path`, or when that is empty the one beside the command or where it is installed, seen
 // from there. Throws CommandError: a file failure when there is no such file, an effect failure when the file does not

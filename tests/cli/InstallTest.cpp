@@ -39,7 +39,7 @@ TEST(Install, EverythingThatTheGuidesLinkToIsInstalled) {
   EXPECT_GT(links, 0);
 }
 
-TEST(Install, TheCommandFindsItsModulesAndNeedsThatOfPicturesForPicturesAlone) {
+TEST(Install, TheCommandFindsItsModulesAndNeedsEachForItsOwnFilesAlone) {
   const TestFolder folder;
   const TestFolder prefix;
   install("command", prefix.path());
@@ -58,6 +58,13 @@ TEST(Install, TheCommandFindsItsModulesAndNeedsThatOfPicturesForPicturesAlone) {
   for (const auto& entry : fs::recursive_directory_iterator(prefix.path())) {
     module = entry.path().filename() == "vantorel-pictures.so" ? entry.path() : module;
   }
+  fs::remove(module.parent_path() / "vantorel-formats.so");
+  EXPECT_EQ(run_installed("render card.png -o out.jpg --ul 10,5").code, 0);
+  EXPECT_EQ(run_installed("render out.jpg -o out.exr --ul 10,5").code, 0);
+  const CommandResult other_format = run_installed("testcard -o card.tif");
+  EXPECT_EQ(other_format.code, 3);
+  EXPECT_NE(other_format.err.find("vantorel-formats.so: was found neither in '"), std::string::npos)
+      << other_format.err;
   fs::remove(module);
   folder.write("track.csv", "1,0,0,60,0,0,40,60,40\n");
   for (const char* arguments : {"--version", "--help", "render --help", "info", "corners track.csv -o out.csv"}) {

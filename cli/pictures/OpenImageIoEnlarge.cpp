@@ -1,4 +1,4 @@
-#include "cli/pictures/Enlarge.h"
+// Pictures enlarged by OpenImageIO, and its threads.
 
 #include <OpenImageIO/imagebuf.h>
 #include <OpenImageIO/imagebufalgo.h>
@@ -9,6 +9,7 @@
 
 #include "cli/base/CommandError.h"
 #include "cli/base/Text.h"
+#include "cli/pictures/FormatLibrary.h"
 #include "cli/pictures/SampleTypes.h"
 
 namespace vantorel::cli {
@@ -46,7 +47,7 @@ void holdAlpha(const host::ImageView& picture) {
 
 }  // namespace
 
-host::Image enlarged(const host::ConstImageView& picture, host::Size size, EnlargeFilter filter) {
+host::Image enlargedByImageIo(const host::ConstImageView& picture, host::Size size, EnlargeFilter filter) {
   host::Image result = valueOrThrow(host::Image::create(size, picture.depth));
   OIIO::ImageBuf target = wrapped(host::asConst(result.view()));
   if (!OIIO::ImageBufAlgo::resize(target, wrapped(picture), filterName(filter))) {
@@ -58,6 +59,13 @@ host::Image enlarged(const host::ConstImageView& picture, host::Size size, Enlar
     holdAlpha(result.view());
   }
   return result;
+}
+
+void limitImageIoThreads(unsigned threads) {
+  constexpr int kCallerOnly = -1;
+  const int most = static_cast<int>(threads);
+  OIIO::attribute("threads", most);
+  OIIO::attribute("exr_threads", most > 1 ? most : kCallerOnly);
 }
 
 }  // namespace vantorel::cli

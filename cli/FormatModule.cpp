@@ -1,0 +1,11 @@
+#include "cli/pictures/FormatLibrary.h"
+
+namespace vantorel::cli {
+
+extern "C" [[gnu::visibility("default")]] const ModuleTable* vantorelFormatLibrary() {
+  static constexpr FormatLibrary kLibrary{
+      {VANTOREL_VERSION}, openImageIoInput, openImageIoOutput, enlargedByImageIo, addExif, addXmp, limitImageIoThreads};
+  return &kLibrary;
+}
+
+}  // namespace vantorel::cli

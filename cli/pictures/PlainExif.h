@@ -1,0 +1,18 @@
+// The EXIF of pictures that no camera took: texts, and whether the colours are sRGB.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "cli/pictures/Metadata.h"
+
+namespace vantorel::cli {
+
+// What a block states, from its TIFF header on. Nothing for a block that states more, or is damaged.
+std::optional<Metadata> readPlainExif(std::string_view block);
+
+// A block that states the same. Nothing where the metadata holds what such a block cannot state.
+std::optional<std::string> writePlainExif(const Metadata& metadata);
+
+}  // namespace vantorel::cli
