@@ -179,9 +179,10 @@ host::Rect united(const host::Rect& a, const host::Rect& b) {
   return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
 }
 
-// Calls visit(y_begin, y_end) for stretches of the data window's rows, from the top down.
+// Calls visit(y_begin, y_end) for stretches of the data window's rows, from the top down, as long as it returns true.
+// Returns whether it always did.
 template <typename Visit>
-void forStretches(const Source& source, const std::stop_token& stop, const Visit& visit) {
+bool forStretches(const Source& source, const std::stop_token& stop, const Visit& visit) {
   const int step = rowsPerRead(source.header());
   const int height = source.header().data.height;
   for (int y = 0; y < height; y += std::min(step, height - y)) {
@@ -189,28 +190,52 @@ void forStretches(const Source& source, const std::stop_token& stop, const Visit
       throw interrupted();
     }
     source.clock->require();
-    visit(y, y + std::min(step, height - y));
+    if (!visit(y, y + std::min(step, height - y))) {
+      return false;
+    }
   }
+  return true;
 }
 
-void readInside(Source& source, const host::Rect& window, const host::ImageView& picture, const std::stop_token& stop) {
-  forStretches(source, stop, [&](int y_begin, int y_end) {
-    readRows(source, y_begin,
-             {picture.pixel(window.left, window.top + y_begin),
-              picture.row_bytes,
-              {window.width(), y_end - y_begin},
-              picture.depth});
+// Looks at rows that have been read; false ends the reading.
+using LookAtRows = bool(const host::ConstImageView& rows);
+
+bool acceptAll(const host::ConstImageView&) {
+  return true;
+}
+
+// Whether no pixel of those rows of 8 bits is partly transparent.
+bool hasHardAlpha(const host::ConstImageView& rows) {
+  bool hard = true;
+  for (int y = 0; y < rows.size.height && hard; ++y) {
+    const auto* pixel = reinterpret_cast<const std::uint8_t*>(rows.row(y));
+    for (int x = 0; x < rows.size.width; ++x, pixel += 4) {
+      hard &= pixel[3] == 0 || pixel[3] == kOpaque<std::uint8_t>;
+    }
+  }
+  return hard;
+}
+
+bool readInside(Source& source, const host::Rect& window, const host::ImageView& picture, const std::stop_token& stop,
+                LookAtRows* look) {
+  return forStretches(source, stop, [&](int y_begin, int y_end) {
+    const host::ImageView rows{picture.pixel(window.left, window.top + y_begin),
+                               picture.row_bytes,
+                               {window.width(), y_end - y_begin},
+                               picture.depth};
+    readRows(source, y_begin, rows);
+    return look(host::asConst(rows));
   });
 }
 
-void readCropped(Source& source, const host::Rect& window, const host::ImageView& picture,
-                 const std::stop_token& stop) {
+bool readCropped(Source& source, const host::Rect& window, const host::ImageView& picture, const std::stop_token& stop,
+                 LookAtRows* look) {
   const int left = std::max(0, window.left);
   const int right = std::min(picture.size.width, window.right);
   const std::size_t pixel_bytes = host::bytesPerPixel(picture.depth);
   const int stretch = std::min(rowsPerRead(source.header()), source.header().data.height);
   host::Image rows = valueOrThrow(host::Image::create({window.width(), stretch}, picture.depth));
-  forStretches(source, stop, [&](int y_begin, int y_end) {
+  return forStretches(source, stop, [&](int y_begin, int y_end) {
     host::ImageView part = rows.view();
     part.size.height = y_end - y_begin;
     readRows(source, y_begin, part);
@@ -221,18 +246,13 @@ void readCropped(Source& source, const host::Rect& window, const host::ImageView
                     pixel_bytes * static_cast<std::size_t>(right - left));
       }
     }
+    return look(host::asConst(part));
   });
 }
 
-}  // namespace
-
-PictureInfo probePicture(const std::string& path, const ReadingOptions& options) {
-  const LibraryMessagesDropped dropped;
-  return infoOf(openSource(path, options));
-}
-
-Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop,
-                    const ReadingOptions& options) {
+// Nothing where the look at some rows ended the reading.
+std::optional<Picture> read(const std::string& path, host::Depth depth, const std::stop_token& stop,
+                            const ReadingOptions& options, LookAtRows* look) {
   const LibraryMessagesDropped dropped;
   Source source = openSource(path, options);
   Picture picture;
@@ -248,11 +268,15 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
   // Where the data window lies in the pixels.
   const host::Rect window{data.left - picture.area.left, data.top - picture.area.top, data.right - picture.area.left,
                           data.bottom - picture.area.top};
+  bool is_accepted = true;
   if (window.left >= 0 && window.top >= 0 && window.right <= picture.area.width() &&
       window.bottom <= picture.area.height()) {
-    readInside(source, window, picture.pixels.view(), stop);
+    is_accepted = readInside(source, window, picture.pixels.view(), stop, look);
   } else {
-    readCropped(source, window, picture.pixels.view(), stop);
+    is_accepted = readCropped(source, window, picture.pixels.view(), stop, look);
+  }
+  if (!is_accepted) {
+    return std::nullopt;
   }
   clearAround(window, picture.pixels.view());
   if (const int orientation = source.header().orientation; orientation > 1) {
@@ -262,24 +286,20 @@ Picture readPicture(const std::string& path, host::Depth depth, const std::stop_
   return picture;
 }
 
-bool hasSoftAlpha(const std::string& path, const ReadingOptions& options) {
+}  // namespace
+
+PictureInfo probePicture(const std::string& path, const ReadingOptions& options) {
   const LibraryMessagesDropped dropped;
-  Source source = openSource(path, options);
-  const int step = std::min(rowsPerRead(source.header()), source.header().data.height);
-  host::Image rows = valueOrThrow(host::Image::create({source.header().data.width, step}, host::Depth::Bits8));
-  bool soft = false;
-  for (int y = 0; y < source.header().data.height && source.plan.hasAlpha() && !soft; y += step) {
-    host::ImageView part = rows.view();
-    part.size.height = std::min(step, source.header().data.height - y);
-    readRows(source, y, part);
-    for (int row = 0; row < part.size.height && !soft; ++row) {
-      const auto* pixel = reinterpret_cast<const std::uint8_t*>(part.row(row));
-      for (int x = 0; x < part.size.width && !soft; ++x, pixel += 4) {
-        soft = pixel[3] != 0 && pixel[3] != kOpaque<std::uint8_t>;
-      }
-    }
-  }
-  return soft;
+  return infoOf(openSource(path, options));
+}
+
+Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop,
+                    const ReadingOptions& options) {
+  return *read(path, depth, stop, options, acceptAll);
+}
+
+std::optional<Picture> readUnlessSoft(const std::string& path, const ReadingOptions& options) {
+  return read(path, host::Depth::Bits8, {}, options, hasHardAlpha);
 }
 
 bool isWholePicture(const std::string& path, host::Size size) try {

@@ -1,6 +1,7 @@
 // Reads picture files into premultiplied RGBA.
 #pragma once
 
+#include <optional>
 #include <stop_token>
 #include <string>
 
@@ -32,8 +33,9 @@ PictureInfo probePicture(const std::string& path, const ReadingOptions& options 
 Picture readPicture(const std::string& path, host::Depth depth, const std::stop_token& stop,
                     const ReadingOptions& options = {});
 
-// Whether any pixel of the file is partly transparent. Reads no further than the first. Throws as readPicture does.
-bool hasSoftAlpha(const std::string& path, const ReadingOptions& options = {});
+// Reads the picture at 8 bits. Nothing where a pixel is partly transparent; reads little further than the first of
+// them. Throws as readPicture does.
+std::optional<Picture> readUnlessSoft(const std::string& path, const ReadingOptions& options = {});
 
 // Whether the file is a picture of that size that was not cut short.
 bool isWholePicture(const std::string& path, host::Size size);

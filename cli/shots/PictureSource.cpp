@@ -22,11 +22,21 @@ std::shared_ptr<const Picture> PictureSource::at(std::int32_t frame, const std::
 }
 
 std::shared_ptr<const Picture> PictureSource::read(const std::string& path, const std::stop_token& stop) const {
-  auto picture = std::make_shared<Picture>(readPicture(path, depth_, stop, reading_));
+  return prepared(readPicture(path, depth_, stop, reading_), path);
+}
+
+std::shared_ptr<const Picture> PictureSource::prepared(Picture picture, const std::string& path) const {
+  auto kept = std::make_shared<Picture>(std::move(picture));
   if (prepare_) {
-    prepare_(*picture, path);
+    prepare_(*kept, path);
   }
-  return picture;
+  return kept;
+}
+
+void PictureSource::adopt(Picture picture, std::int32_t frame) {
+  const std::scoped_lock lock(kept_mutex_);
+  kept_path_ = files_.path(frame);
+  kept_ = prepared(std::move(picture), kept_path_);
 }
 
 }  // namespace vantorel::cli

@@ -25,6 +25,9 @@ class PictureSource {
   bool isStill() const { return !files_.hasNumber(); }
   std::string path(std::int32_t frame) const { return files_.path(frame); }
 
+  // Keeps a picture of a still that has been read at the source's depth already.
+  void adopt(Picture picture, std::int32_t frame);
+
   // From now on keeps a sequence's picture until another one is asked for: for who looks at a frame again and again.
   void keepLatest() { keeps_latest_ = true; }
 
@@ -33,6 +36,7 @@ class PictureSource {
 
  private:
   std::shared_ptr<const Picture> read(const std::string& path, const std::stop_token& stop) const;
+  std::shared_ptr<const Picture> prepared(Picture picture, const std::string& path) const;
 
   InputFiles files_;
   host::Depth depth_;

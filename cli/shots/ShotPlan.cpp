@@ -220,28 +220,41 @@ void noteViews(Shot& shot, const InputFiles& files, const PictureInfo& info) {
 }
 
 // Whether 8 bits would lose colour in nearly transparent pixels, where dividing by alpha magnifies the rounding. A
-// still is searched for such pixels; of a sequence it is assumed that any picture with alpha has some.
+// still is searched for such pixels, and kept in `read` where it has none; of a sequence it is assumed that any picture
+// with alpha has some.
 bool needsDeeperAlpha(const InputFiles& files, const PictureInfo& info, const ReadingOptions& reading,
-                      std::int32_t frame) {
-  return info.is_unassociated && info.samples == SampleType::Bits8 &&
-         (files.hasNumber() || hasSoftAlpha(files.path(frame), reading));
+                      std::int32_t frame, std::optional<Picture>& read) {
+  if (!info.is_unassociated || info.samples != SampleType::Bits8) {
+    return false;
+  }
+  if (!files.hasNumber()) {
+    read = readUnlessSoft(files.path(frame), reading);
+  }
+  return !read;
 }
 
-host::Depth renderingDepth(const Shot& shot, const FrameHeads& heads, SampleType source) {
+// Stills that have been read at 8 bits to look at their pixels.
+struct ReadStills {
+  std::optional<Picture> layer;
+  std::optional<Picture> plate;
+};
+
+host::Depth renderingDepth(const Shot& shot, const FrameHeads& heads, SampleType source, ReadStills& read) {
   if (shot.options.linear || (shot.colour && shot.colour->converts())) {
     return host::Depth::Float;
   }
   const host::Depth depth = renderDepth(shot.options.depth, source);
   const std::int32_t frame = shot.frames.first;
   const bool fades = !heads.plate && (shot.options.opacity < 1.0 || shot.options.feather > 0.0 || heads.matte);
-  const bool deeper = shot.options.depth == DepthChoice::Auto && depth == host::Depth::Bits8 &&
-                      (fades || needsDeeperAlpha(shot.layer_files, heads.layer, shot.layer_reading, frame) ||
-                       (heads.plate && needsDeeperAlpha(*shot.plate_files, *heads.plate, shot.plate_reading, frame)));
+  const bool deeper =
+      shot.options.depth == DepthChoice::Auto && depth == host::Depth::Bits8 &&
+      (fades || needsDeeperAlpha(shot.layer_files, heads.layer, shot.layer_reading, frame, read.layer) ||
+       (heads.plate && needsDeeperAlpha(*shot.plate_files, *heads.plate, shot.plate_reading, frame, read.plate)));
   return deeper ? host::Depth::Bits16 : depth;
 }
 
 // Sizes and depths, by the heads of the files.
-void planPictures(Shot& shot, const FrameHeads& heads) {
+void planPictures(Shot& shot, const FrameHeads& heads, ReadStills& read) {
   const RenderOptions& options = shot.options;
   if (heads.plate) {
     requirePlateSize(options, *heads.plate);
@@ -257,7 +270,7 @@ void planPictures(Shot& shot, const FrameHeads& heads) {
   if (!options.colour.raw) {
     shot.colour = std::make_shared<ShotColour>(shot, heads);
   }
-  shot.depth = renderingDepth(shot, heads, source);
+  shot.depth = renderingDepth(shot, heads, source, read);
   shot.layer_size = shownSize(options, heads.layer.size);
   shot.frame_size = options.size ? *options.size : (heads.plate ? heads.plate->size : shot.layer_size);
   if (heads.matte) {
@@ -305,7 +318,8 @@ Shot planShot(const RenderOptions& options, std::optional<CornersTrack> corners)
   shot.corners = corners ? *std::move(corners) : cornersOf(options);
 
   const FrameHeads heads = probeShot(shot);
-  planPictures(shot, heads);
+  ReadStills read;
+  planPictures(shot, heads, read);
   if (heads.plate) {
     noteViews(shot, *shot.plate_files, *heads.plate);
   } else {
@@ -325,6 +339,12 @@ Shot planShot(const RenderOptions& options, std::optional<CornersTrack> corners)
   if (shot.plate_files) {
     shot.plate = std::make_unique<PictureSource>(*shot.plate_files, shot.depth,
                                                  preparation(shot.colour, options.downsample), shot.plate_reading);
+    if (read.plate && shot.depth == host::Depth::Bits8) {
+      shot.plate->adopt(*std::move(read.plate), shot.frames.first);
+    }
+  }
+  if (read.layer && shot.depth == host::Depth::Bits8) {
+    shot.layer->adopt(*std::move(read.layer), shot.frames.first);
   }
   if (shot.matte_files) {
     shot.matte =
