@@ -54,6 +54,9 @@ struct CornerTrack {
   bool corners_named = false;         // the file told which point is which corner, so that the order is no guess
   std::optional<SourceCorners> from;  // empty: the layer's own corners
   bool inverted = false;              // the corners go to `from`, rather than from there
+  // The quadrilateral of the layer that alone goes onto the corners, in the layer's pixels or percent of it, over the
+  // frames as `keys` are; empty: the layer's outline.
+  std::vector<CornerKey> source_keys;
 };
 
 }  // namespace vantorel::tracks

@@ -37,6 +37,7 @@ struct Format {
   // What the files can say of the way between two keys, besides that it is straight and even.
   bool can_hold = false;
   bool can_smooth = false;
+  bool can_name_source = false;  // CornerTrack::source_keys
 };
 
 }  // namespace vantorel::tracks

@@ -197,6 +197,13 @@ CornerTrack joinPoints(TrackDocument document, const std::string& file) {
   CornerTrack track;
   track.source = file;
   track.keys = mergeKeys({&points[roles[0]], &points[roles[1]], &points[roles[2]], &points[roles[3]]});
+  if (std::vector<PointTrack>& source = document.source_points; !source.empty()) {
+    for (PointTrack& point : source) {
+      sortKeys(point, file);
+    }
+    track.source_keys =
+        mergeKeys({&source[kUpperLeft], &source[kUpperRight], &source[kLowerLeft], &source[kLowerRight]});
+  }
   track.interpolation = document.interpolation;
   track.conventions = document.conventions;
   track.corners_named = named;

@@ -25,7 +25,8 @@ struct PointTrack {
 // A file as its format's reader understood it.
 struct TrackDocument {
   std::vector<PointTrack> points;
-  Conventions conventions;  // the format's at first; the reader adds what the file says
+  std::vector<PointTrack> source_points;  // of the layer, in the order of Corner; empty: its outline
+  Conventions conventions;                // the format's at first; the reader adds what the file says
   host::Interpolation interpolation = host::Interpolation::Linear;
   std::optional<SourceCorners> from;
   bool inverted = false;

@@ -30,6 +30,7 @@ class Resolver {
     requireOptions();
     placeInPixels();
     placeFrames();
+    requireSource();
     repairOrder();
     add(fillGaps(track(), options_.longest_gap, format_.sparse));
     applySourceCorners(track(), options_.sizes.layer);
@@ -88,7 +89,39 @@ class Resolver {
       }
       key.percent = 0;
     }
+    placeSource(conventions);
     track().conventions = conventions;
+  }
+
+  // Whatever the corners count by, the source's positions are in the layer.
+  void placeSource(Conventions conventions) {
+    if (track().source_keys.empty()) {
+      return;
+    }
+    conventions.of = Basis::Layer;
+    conventions.size.reset();
+    const PictureSizes layer_alone{options_.sizes.layer, options_.sizes.layer};
+    if (*missingSize(conventions, layer_alone) != '\0') {
+      fail(track().source, 0, "from", "has positions that need the layer's size; give it");
+    }
+    const FrameMap map = frameMap(conventions, layer_alone);
+    for (CornerKey& key : track().source_keys) {
+      for (Point& point : key.points) {
+        point = {map.x.toPixels(point.x), map.y.toPixels(point.y)};
+      }
+    }
+  }
+
+  void requireSource() const {
+    const CornerTrack& track = result_.track;
+    for (const CornerKey& key : track.source_keys) {
+      const bool is_animated = track.source_keys.size() > 1;
+      const std::string place = is_animated ? fmt::format("from: frame {}", printed(key.frame, 3)) : "from";
+      requireInRange(key, place);
+      if (!isConvex(key.points)) {
+        fail(track.source, key.line, place, "makes no convex quadrilateral; give its four corners, each in its place");
+      }
+    }
   }
 
   void tellAssumptions(const Conventions& conventions) {
@@ -123,8 +156,8 @@ class Resolver {
     } else if (shift != 0.0 && track().keys.size() > 1) {
       note(fmt::format("counts frames from {}; its frame {} is taken for frame 1", counts_from, counts_from));
     }
-    if (shift != 0.0) {
-      for (CornerKey& key : track().keys) {
+    for (std::vector<CornerKey>* keys : {&track().keys, &track().source_keys}) {
+      for (CornerKey& key : *keys) {
         key.frame += shift;
       }
     }
@@ -132,7 +165,8 @@ class Resolver {
 
   void repairOrder() {
     // Points that belong to source corners are told by these, not by where they are.
-    const bool told = track().from.has_value() && (track().inverted || !isWholeLayer(*track().from));
+    const bool told = !track().source_keys.empty() ||
+                      (track().from.has_value() && (track().inverted || !isWholeLayer(*track().from)));
     result_.order = options_.order ? *options_.order : (told ? kAsWritten : bestOrder(track().keys));
     reorder(track().keys, result_.order);
     if (!options_.order && result_.order != kAsWritten) {
@@ -158,14 +192,18 @@ class Resolver {
 
   void requireRange() {
     for (const CornerKey& key : track().keys) {
-      for (std::size_t c = 0; c < kCornerCount; ++c) {
-        for (const double value : {key.points[c].x, key.points[c].y}) {
-          // Negated, so that NaN is refused too.
-          if (!(value >= kLowest && value < kBeyond)) {
-            fail(track().source, key.line, fmt::format("frame {}: {}", printed(key.frame, 3), kCornerNames[c]),
-                 fmt::format("{} pixels is outside -32768 to 32767.99; move the corner nearer to the layer",
-                             printed(value, 2)));
-          }
+      requireInRange(key, fmt::format("frame {}", printed(key.frame, 3)));
+    }
+  }
+
+  void requireInRange(const CornerKey& key, const std::string& place) const {
+    for (std::size_t c = 0; c < kCornerCount; ++c) {
+      for (const double value : {key.points[c].x, key.points[c].y}) {
+        // Negated, so that NaN is refused too.
+        if (!(value >= kLowest && value < kBeyond)) {
+          fail(result_.track.source, key.line, fmt::format("{}: {}", place, kCornerNames[c]),
+               fmt::format("{} pixels is outside -32768 to 32767.99; move the corner nearer to the layer",
+                           printed(value, 2)));
         }
       }
     }

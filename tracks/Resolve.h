@@ -27,8 +27,10 @@ struct ResolvedTrack {
   std::vector<std::string> notes;  // what was assumed, repaired and found, each to be told once
 };
 
+// Source keys become pixels of the layer, whatever picture the corners' positions count by.
+//
 // Errors name file, line and corner: a size that is needed and not known, a gap that is too long, a position outside
-// what the effect holds (-32768 to 32768 pixels), options out of their range.
+// what the effect holds (-32768 to 32768 pixels), a source that is not convex, options out of their range.
 host::Result<ResolvedTrack> resolveTrack(ReadTrack read, const ResolveOptions& options);
 
 }  // namespace vantorel::tracks

@@ -17,11 +17,19 @@ namespace {
 
 constexpr double kMaxListedFrames = 1e6;
 
-void takeExtremes(const Quadrilateral& q, TrackSummary& summary) {
-  for (const Point& point : q) {
-    summary.least = {std::min(summary.least.x, point.x), std::min(summary.least.y, point.y)};
-    summary.most = {std::max(summary.most.x, point.x), std::max(summary.most.y, point.y)};
+void takeExtremes(const std::vector<CornerKey>& keys, Point& least, Point& most) {
+  least = most = keys.front().points[0];
+  for (const CornerKey& key : keys) {
+    for (const Point& point : key.points) {
+      least = {std::min(least.x, point.x), std::min(least.y, point.y)};
+      most = {std::max(most.x, point.x), std::max(most.y, point.y)};
+    }
   }
+}
+
+void addExtremes(std::string& text, const char* name, const Point& least, const Point& most, const char* what) {
+  fmt::format_to(std::back_inserter(text), "{:<12}{},{} to {},{} pixels{}\n", name, printed(least.x, 2),
+                 printed(least.y, 2), printed(most.x, 2), printed(most.y, 2), what);
 }
 
 void takeSpeed(const CornerKey& before, const CornerKey& after, TrackSummary& summary) {
@@ -72,12 +80,13 @@ TrackSummary summarize(const CornerTrack& track) {
   summary.interpolation = track.interpolation;
   summary.first_frame = keys.front().frame;
   summary.last_frame = keys.back().frame;
-  summary.least = summary.most = keys.front().points[0];
-  for (std::size_t k = 0; k < keys.size(); ++k) {
-    takeExtremes(keys[k].points, summary);
-    if (k > 0) {
-      takeSpeed(keys[k - 1], keys[k], summary);
-    }
+  takeExtremes(keys, summary.least, summary.most);
+  if (!track.source_keys.empty()) {
+    summary.source_keys = track.source_keys.size();
+    takeExtremes(track.source_keys, summary.source_least, summary.source_most);
+  }
+  for (std::size_t k = 1; k < keys.size(); ++k) {
+    takeSpeed(keys[k - 1], keys[k], summary);
   }
   const bool listed = summary.last_frame - summary.first_frame <= kMaxListedFrames;
   const CornerTrack whole = listed ? withWholeFrames(track) : track;
@@ -98,8 +107,11 @@ std::string summaryText(const TrackSummary& summary) {
   fmt::format_to(std::back_inserter(text), "{:<12}{} to {}, {}{}\n", "frames", printed(summary.first_frame, 3),
                  printed(summary.last_frame, 3), counted(summary.keys, "key"), wayBetweenKeys(summary));
   addFrames(text, "without key", summary.frames_without_key);
-  fmt::format_to(std::back_inserter(text), "{:<12}{},{} to {},{} pixels\n", "positions", printed(summary.least.x, 2),
-                 printed(summary.least.y, 2), printed(summary.most.x, 2), printed(summary.most.y, 2));
+  addExtremes(text, "positions", summary.least, summary.most, "");
+  if (summary.source_keys > 0) {
+    const std::string keys = fmt::format(" of the layer, {}", counted(summary.source_keys, "key"));
+    addExtremes(text, "from", summary.source_least, summary.source_most, keys.c_str());
+  }
   if (summary.keys > 1 && summary.fastest == 0.0) {
     fmt::format_to(std::back_inserter(text), "{:<12}no corner moves\n", "fastest");
   } else if (summary.keys > 1) {

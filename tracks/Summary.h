@@ -11,6 +11,9 @@ namespace vantorel::tracks {
 struct TrackSummary {
   std::size_t keys = 0;
   host::Interpolation interpolation = host::Interpolation::Linear;
+  std::size_t source_keys = 0;  // of the part of the layer that goes onto the corners; 0: all of it
+  Point source_least;           // of all its corners, in pixels of the layer
+  Point source_most;
   double first_frame = 0.0;
   double last_frame = 0.0;
   std::vector<double> frames_without_key;  // whole frames between the first and the last

@@ -91,6 +91,7 @@ void addSource(const TrackSource& source, const Format& format, const ReadOption
   document.conventions = part.conventions;
   document.interpolation = part.interpolation;
   document.from = part.from;
+  document.source_points = std::move(part.source_points);
   document.inverted = part.inverted;
   for (std::string& note : part.notes) {
     document.notes.push_back(fmt::format("{}: {}", source.file, note));
@@ -120,6 +121,10 @@ ReadTrack readSources(std::span<const TrackSource> sources, const ReadOptions& o
 
 // The track as the format can hold it: where it cannot say what is between two keys, with keys on every frame.
 CornerTrack withKeysFor(const Format& format, const CornerTrack& track) {
+  if (!track.source_keys.empty() && !format.can_name_source) {
+    fail(track.source, 0, "from",
+         fmt::format("is a part of the layer, which the format {} cannot name; write json", format.name));
+  }
   const bool is_told = track.interpolation == host::Interpolation::Linear ||
                        (track.interpolation == host::Interpolation::Hold ? format.can_hold : format.can_smooth);
   if (format.sparse && is_told) {

@@ -32,6 +32,7 @@ struct RectifyOptions {
   CornerPositions corners{};       // the page's in the photo
   std::optional<host::Size> size;  // the page's
   std::optional<double> aspect;    // width over height; positive
+  std::optional<EnlargeFilter> enlarge;
   bool linear = false;
   ColourOptions colour;
   std::string module;    // empty: the one beside the command

@@ -9,6 +9,7 @@
 
 #include "cli/base/CommandError.h"
 #include "cli/base/NumberParsing.h"
+#include "cli/pictures/Enlarge.h"
 
 namespace vantorel::cli {
 
@@ -24,6 +25,13 @@ Value parseChoice(const std::string& option, const std::string& word,
     known += (known.empty() ? "" : ", ") + std::string(name);
   }
   throw badArgument(option, fmt::format("'{}' is not known; give one of {}", word, known));
+}
+
+inline EnlargeFilter parseEnlargeFilter(const std::string& option, const std::string& word) {
+  return parseChoice<EnlargeFilter>(option, word,
+                                    {{"bilinear", EnlargeFilter::Bilinear},
+                                     {"bicubic", EnlargeFilter::Bicubic},
+                                     {"lanczos", EnlargeFilter::Lanczos}});
 }
 
 // A share: "0.25" or "25%", from 0 to 1.

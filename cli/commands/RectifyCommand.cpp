@@ -20,20 +20,24 @@ double length(const host::Point& a, const host::Point& b) {
   return std::hypot(a.x - b.x, a.y - b.y);
 }
 
-double estimatedAspect(const host::Corners& page, host::Size photo) {
-  const host::AspectEstimate estimate = host::estimateAspect(page, photo);
+struct PageSize {
+  host::Size size;
+  std::optional<host::AspectEstimate> estimate;  // where the proportions were not given
+};
+
+void tell(const host::AspectEstimate& estimate) {
   fmt::print(console(), "vantorel: the page is taken to be {:.4f} times as wide as high{}\n", estimate.aspect,
              estimate.is_reliable ? ", if the photo is not cropped"
                                   : ", by its edges alone, as its corners do not tell; give --aspect or --size");
-  return estimate.aspect;
 }
 
 // Without a size asked for, as large as the longest edges, so that nothing of the photo is lost.
-host::Size pageSize(const RectifyOptions& options, const host::Corners& page, host::Size photo) {
+PageSize pageSize(const RectifyOptions& options, const host::Corners& page, host::Size photo) {
   if (options.size) {
-    return *options.size;
+    return {*options.size, std::nullopt};
   }
-  const double aspect = options.aspect ? *options.aspect : estimatedAspect(page, photo);
+  const auto estimate = options.aspect ? std::nullopt : std::optional(host::estimateAspect(page, photo));
+  const double aspect = options.aspect ? *options.aspect : estimate->aspect;
   const double across = std::max(length(page.upper_left, page.upper_right), length(page.lower_left, page.lower_right));
   const double down = std::max(length(page.upper_left, page.lower_left), length(page.upper_right, page.lower_right));
   const double width = std::max(across, down * aspect);
@@ -43,7 +47,7 @@ host::Size pageSize(const RectifyOptions& options, const host::Corners& page, ho
                                               width / aspect));
   }
   const auto whole = [](double pixels) { return std::max(1, static_cast<int>(std::lround(pixels))); };
-  return {whole(width), whole(width / aspect)};
+  return {{whole(width), whole(width / aspect)}, estimate};
 }
 
 // The part of the photo around the page, with a pixel or two more for interpolation. What lies further off may be
@@ -116,9 +120,14 @@ ExitCode runRectify(const RectifyOptions& options, const std::stop_token& stop) 
   render.colour = options.colour;
   render.module = options.module;
   render.settings = options.settings;
-  render.size = pageSize(options, page, photo);
+  render.enlarge = options.enlarge;
+  const PageSize page_size = pageSize(options, page, photo);
+  render.size = page_size.size;
   render.crop = cropTo(part, photo);
-  render.corners = placed(part, page, *render.size);
+  render.corners = placed(part, page, page_size.size);
+  if (page_size.estimate) {
+    tell(*page_size.estimate);
+  }
   return runRender(render, stop);
 }
 

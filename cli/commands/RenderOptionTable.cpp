@@ -128,12 +128,7 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
            [](Options& o, Text name, Text value) { o.feather = parseNumberInRange(name, value, 0.0, kMaxFeather); }},
           {"--enlarge", "bilinear|bicubic|lanczos", kCompositing,
            "Enlarge the layer by this filter first where it becomes more than twice as large",
-           [](Options& o, Text name, Text value) {
-             o.enlarge = parseChoice<EnlargeFilter>(name, value,
-                                                    {{"bilinear", EnlargeFilter::Bilinear},
-                                                     {"bicubic", EnlargeFilter::Bicubic},
-                                                     {"lanczos", EnlargeFilter::Lanczos}});
-           }},
+           [](Options& o, Text name, Text value) { o.enlarge = parseEnlargeFilter(name, value); }},
 
           {"--shutter", "DEGREES", kMotionBlur,
            "Blur what moves: how long the shutter is open, 180 is half a frame (0: off)",

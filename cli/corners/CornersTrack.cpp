@@ -50,6 +50,16 @@ host::AnimatedCorners animation(Keys keys, host::Interpolation interpolation) {
   return {point(kUpperLeft), point(kUpperRight), point(kLowerLeft), point(kLowerRight)};
 }
 
+Keys keysOf(const std::vector<tracks::CornerKey>& track_keys, const FrameRate& rate) {
+  Keys keys;
+  for (const tracks::CornerKey& key : track_keys) {
+    for (std::size_t c = 0; c < kCornerCount; ++c) {
+      keys[c].push_back({rate.seconds(key.frame), key.points[c]});
+    }
+  }
+  return keys;
+}
+
 host::AnimatedCorners stillCorners(const CornerPositions& still, host::Size layer) {
   const host::Corners at = toPixels(still, layer, "--");
   Keys keys;
@@ -105,13 +115,13 @@ host::AnimatedCorners toAnimation(const CornersTrack& track, host::Size layer, h
     return stillCorners(track.still, layer);
   }
   const tracks::ResolvedTrack resolved = resolveCorners(track, layer, output);
-  Keys keys;
-  for (const tracks::CornerKey& key : resolved.track.keys) {
-    for (std::size_t c = 0; c < kCornerCount; ++c) {
-      keys[c].push_back({rate.seconds(key.frame), key.points[c]});
-    }
-  }
-  return animation(std::move(keys), resolved.track.interpolation);
+  return animation(keysOf(resolved.track.keys, rate), resolved.track.interpolation);
+}
+
+host::AnimatedCorners toSourceAnimation(const CornersTrack& track, host::Size layer, host::Size output,
+                                        const FrameRate& rate) {
+  const tracks::ResolvedTrack resolved = resolveCorners(track, layer, output);
+  return animation(keysOf(resolved.track.source_keys, rate), resolved.track.interpolation);
 }
 
 host::Corners toPixels(const CornerPositions& positions, host::Size layer, const char* prefix) {

@@ -32,6 +32,10 @@ tracks::ResolvedTrack resolveCorners(const CornersTrack& track, host::Size layer
 host::AnimatedCorners toAnimation(const CornersTrack& track, host::Size layer, host::Size output,
                                   const FrameRate& rate);
 
+// The part of the layer that the file names, in its pixels; there must be one. Throws CommandError (file failure).
+host::AnimatedCorners toSourceAnimation(const CornersTrack& track, host::Size layer, host::Size output,
+                                        const FrameRate& rate);
+
 // The positions in pixels of a layer. Throws CommandError (bad argument), naming the option: `prefix` and the corner's
 // name, as "--ul".
 host::Corners toPixels(const CornerPositions& positions, host::Size layer, const char* prefix);

@@ -10,16 +10,30 @@ namespace vantorel::cli {
 namespace {
 
 constexpr double kLeastEnlargement = 2.0;  // the effect's own interpolation shows no pixels up to here
-constexpr int kMaxSide = 16384;            // half of what 16.16 numbers can address
+// Of a picture filtered up 8 times the effect's own interpolation cannot be told from further filtering, which would
+// take time and memory by the square.
+constexpr double kMostEnlargement = 8.0;
+constexpr int kMaxSide = 16384;  // half of what 16.16 numbers can address
 
 double length(const host::Point& a, const host::Point& b) {
   return std::hypot(a.x - b.x, a.y - b.y);
 }
 
-int wholeFactor(double edge, int side) {
-  const double scale = edge / side;
-  return scale > kLeastEnlargement ? static_cast<int>(std::min(std::ceil(scale), double{kMaxSide})) : 1;
+int wholeFactor(double scale) {
+  return scale > kLeastEnlargement ? static_cast<int>(std::min(std::ceil(scale), kMostEnlargement)) : 1;
 }
+
+struct Scale {
+  double x = 0.0;
+  double y = 0.0;
+
+  void include(const host::Corners& from, const host::Corners& to) {
+    x = std::max({x, length(to.upper_left, to.upper_right) / length(from.upper_left, from.upper_right),
+                  length(to.lower_left, to.lower_right) / length(from.lower_left, from.lower_right)});
+    y = std::max({y, length(to.upper_left, to.lower_left) / length(from.upper_left, from.lower_left),
+                  length(to.upper_right, to.lower_right) / length(from.upper_right, from.lower_right)});
+  }
+};
 
 }  // namespace
 
@@ -27,15 +41,22 @@ host::Size enlargedSize(host::Size layer, const Enlargement& by) {
   return {layer.width * by.x, layer.height * by.y};
 }
 
-Enlargement enlargementFor(const host::AnimatedCorners& corners, host::Size layer) {
-  double width = 0.0;
-  double height = 0.0;
-  for (const host::AnimatedPoint::Key& key : corners.upper_left.keys()) {
-    const host::Corners at = corners.at(key.seconds);
-    width = std::max({width, length(at.upper_left, at.upper_right), length(at.lower_left, at.lower_right)});
-    height = std::max({height, length(at.upper_left, at.lower_left), length(at.upper_right, at.lower_right)});
+Enlargement enlargementFor(const host::AnimatedCorners& corners, const std::optional<host::AnimatedCorners>& source,
+                           host::Size layer) {
+  const double width = layer.width;
+  const double height = layer.height;
+  const host::Corners outline{{0.0, 0.0}, {width, 0.0}, {0.0, height}, {width, height}};
+  Scale scale;
+  const auto include = [&](const host::AnimatedPoint& keyed) {
+    for (const host::AnimatedPoint::Key& key : keyed.keys()) {
+      scale.include(source ? source->at(key.seconds) : outline, corners.at(key.seconds));
+    }
+  };
+  include(corners.upper_left);
+  if (source) {
+    include(source->upper_left);
   }
-  return {wholeFactor(width, layer.width), wholeFactor(height, layer.height)};
+  return {wholeFactor(scale.x), wholeFactor(scale.y)};
 }
 
 Enlargement limited(Enlargement wanted, host::Size layer, host::Depth depth, double most_bytes) {

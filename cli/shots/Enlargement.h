@@ -1,6 +1,8 @@
 // How much the layer is enlarged before it goes through the effect.
 #pragma once
 
+#include <optional>
+
 #include "host/Animation.h"
 #include "host/Image.h"
 
@@ -16,9 +18,10 @@ struct Enlargement {
 // The size of a layer that is so enlarged.
 host::Size enlargedSize(host::Size layer, const Enlargement& by);
 
-// What the corners ask for, which have keys at the same times: in an axis in which its longest edge, over all keys, is
-// more than twice the layer's, the next whole number of times.
-Enlargement enlargementFor(const host::AnimatedCorners& corners, host::Size layer);
+// What the corners ask for, which have keys at the same times: in an axis in which an edge, at any key, becomes more
+// than twice as long as it is in the source, by default the layer's outline, the next whole number of times, at most 8.
+Enlargement enlargementFor(const host::AnimatedCorners& corners, const std::optional<host::AnimatedCorners>& source,
+                           host::Size layer);
 
 // The greatest factors up to those with which a layer takes no more than so many bytes, and no side more than the
 // effect can address.

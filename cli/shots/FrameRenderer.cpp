@@ -17,6 +17,7 @@
 #include "cli/pictures/ImageWriter.h"
 #include "cli/shots/Resume.h"
 #include "cli/shots/ShotColour.h"
+#include "cli/shots/Source.h"
 
 namespace vantorel::cli {
 
@@ -90,8 +91,7 @@ ComposedFrame FrameRenderer::compose(std::int32_t frame, const std::optional<hos
   const host::Rect whole = canvasFor(frame, layer->info.size, plate.get());
   const host::Rect canvas = is_part ? *part : whole;
   prepareOutput(canvas);
-  const host::FrameResult result =
-      valueOrThrow(instance_.render(shownPixels(*layer), canvas, output_.view(), frameOptions(frame)));
+  const host::FrameResult result = draw(*layer, canvas, frame);
   report.path = result.path;
   report.render_seconds = result.render_seconds;
 
@@ -116,6 +116,14 @@ ComposedFrame FrameRenderer::compose(std::int32_t frame, const std::optional<hos
   return {output_.view(), canvas, written, plate ? plate : layer, std::move(report)};
 }
 
+host::FrameResult FrameRenderer::draw(const Picture& layer, const host::Rect& canvas, std::int32_t frame) {
+  auto result = instance_.render(shownPixels(layer), canvas, output_.view(), frameOptions(frame));
+  if (!result && result.error().input == "source") {
+    throw sourceFault(shot_, frame, result.error());
+  }
+  return valueOrThrow(std::move(result));
+}
+
 host::FrameOptions FrameRenderer::frameOptions(std::int32_t frame) const {
   host::FrameOptions options;
   options.time = timeOf(frame, shot_.options.rate);
@@ -138,8 +146,8 @@ void FrameRenderer::placeCorners(host::Size layer) {
   }
   corners_ = toAnimation(shot_.corners, layer, shot_.frame_size, shot_.options.rate);
   valueOrThrow(instance_.setCorners(corners_));
-  if (shot_.options.hasSource()) {
-    valueOrThrow(instance_.setSource(toPixels(orLayersOwn(shot_.options.source), layer, "--from-")));
+  if (const auto source = enlargedSourceOf(shot_, layer)) {
+    valueOrThrow(instance_.setSource(*source));
   }
   corners_layer_ = layer;
 }

@@ -41,6 +41,7 @@ class FrameRenderer {
   bool composesParts() const;
   void placeCorners(host::Size layer);
   host::Rect canvasFor(std::int32_t frame, host::Size layer, const Picture* plate);
+  host::FrameResult draw(const Picture& layer, const host::Rect& canvas, std::int32_t frame);
   void prepareOutput(const host::Rect& canvas);
   void featherEdges(std::int32_t frame, const host::Rect& canvas);
   void applyMatte(std::int32_t frame, const host::Rect& canvas);

@@ -60,14 +60,22 @@ std::string stillText(const CornerPositions& corners) {
   return text;
 }
 
-std::string trackText(const tracks::CornerTrack& track) {
-  std::string text = fmt::format("interpolation {}\n", static_cast<int>(track.interpolation));
-  for (const tracks::CornerKey& key : track.keys) {
+void addKeys(std::string& text, const std::vector<tracks::CornerKey>& keys) {
+  for (const tracks::CornerKey& key : keys) {
     fmt::format_to(std::back_inserter(text), "{}", key.frame);
     for (const host::Point& point : key.points) {
       fmt::format_to(std::back_inserter(text), " {} {}", point.x, point.y);
     }
     text += '\n';
+  }
+}
+
+std::string trackText(const tracks::CornerTrack& track) {
+  std::string text = fmt::format("interpolation {}\n", static_cast<int>(track.interpolation));
+  addKeys(text, track.keys);
+  if (!track.source_keys.empty()) {
+    text += "from\n";
+    addKeys(text, track.source_keys);
   }
   return text;
 }

@@ -18,6 +18,7 @@
 #include "cli/shots/ShotColour.h"
 #include "cli/shots/ShotFiles.h"
 #include "cli/shots/ShotMemory.h"
+#include "cli/shots/Source.h"
 
 namespace vantorel::cli {
 
@@ -61,12 +62,6 @@ void refuseContradictions(const RenderOptions& options) {
   if (options.placement == host::Placement::Centres && options.shutter.degrees > 0.0) {
     throw badArgument("--shutter", "needs --placement outline; omit one of them");
   }
-  if (options.hasSource() && options.placement == host::Placement::Centres) {
-    throw badArgument("--placement", "cannot be centres with --from-ul and the like; omit it");
-  }
-  if (options.hasSource() && options.edges == host::Edges::Soft) {
-    throw badArgument("--edges", "cannot be soft with --from-ul and the like; omit it");
-  }
   if (options.placement == host::Placement::Centres && options.samples > 1) {
     throw badArgument("--samples", "must be 1 with --placement centres; omit one of them");
   }
@@ -82,26 +77,6 @@ CornersTrack cornersOf(const RenderOptions& options) {
   CornersTrack track;
   track.still = orLayersOwn(options.corners);
   return track;
-}
-
-// The corners turn the same way all round, so that one perspective map takes them to any others of that kind.
-bool isConvex(const host::Corners& q) {
-  const auto turn = [](const host::Point& a, const host::Point& b, const host::Point& c) {
-    return (b.x - a.x) * (c.y - b.y) - (b.y - a.y) * (c.x - b.x);
-  };
-  const double turns[] = {
-      turn(q.upper_left, q.upper_right, q.lower_right), turn(q.upper_right, q.lower_right, q.lower_left),
-      turn(q.lower_right, q.lower_left, q.upper_left), turn(q.lower_left, q.upper_left, q.upper_right)};
-  return std::ranges::all_of(turns, [](double t) { return t > 0.0; }) ||
-         std::ranges::all_of(turns, [](double t) { return t < 0.0; });
-}
-
-void requireUsableSource(const RenderOptions& options, host::Size layer) {
-  if (options.hasSource() && !isConvex(toPixels(orLayersOwn(options.source), layer, "--from-"))) {
-    throw badArgument("--from-ul",
-                      "with the layer's other corners it makes no convex quadrilateral; give all four, each "
-                      "in its place");
-  }
 }
 
 FrameHeads probeFrame(const Shot& shot, std::int32_t frame) {
@@ -287,8 +262,8 @@ void planEnlargement(Shot& shot, host::Size layer) {
     return;
   }
   const host::Size shown = shownSize(shot.options, layer);
-  const Enlargement wanted =
-      enlargementFor(toAnimation(shot.corners, shown, shot.frame_size, shot.options.rate), shown);
+  const Enlargement wanted = enlargementFor(toAnimation(shot.corners, shown, shot.frame_size, shot.options.rate),
+                                            sourceOf(shot, shown), shown);
   constexpr double kMemoryShare = 0.25;
   const double most_bytes = kMemoryShare * availableMemory().value_or(HUGE_VAL);
   shot.enlargement = limited(wanted, shown, shot.depth, most_bytes);
@@ -316,6 +291,7 @@ Shot planShot(const RenderOptions& options, std::optional<CornersTrack> corners)
     shot.notes.push_back("numbers are taken as they are, whatever colour spaces the files are in (--raw)");
   }
   shot.corners = corners ? *std::move(corners) : cornersOf(options);
+  refuseSourceContradictions(options, shot.corners);
 
   const FrameHeads heads = probeShot(shot);
   ReadStills read;
@@ -325,7 +301,7 @@ Shot planShot(const RenderOptions& options, std::optional<CornersTrack> corners)
   } else {
     noteViews(shot, shot.layer_files, heads.layer);
   }
-  requireUsableSource(options, shot.layer_size);
+  sourceOf(shot, shot.layer_size);  // says now what is wrong with it
   planEnlargement(shot, heads.layer.size);
   if (shot.corners.read) {
     tellNotes(resolveCorners(shot.corners, heads.layer.size, shot.frame_size).notes);

@@ -1,4 +1,5 @@
 // Straightening what lies within four corners of a photo.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -62,6 +63,69 @@ TEST(SourceCorners, TheirQuadrilateralGoesOntoTheCorners) {
   refused("--from-ul 150,140", "--from-ul: with the layer's other corners it makes no convex quadrilateral");
   refused("--placement centres " + part, "--placement: cannot be centres");
   refused("--edges soft " + part, "--edges: cannot be soft");
+}
+
+// By keys in the file of corners, between which it moves as the corners do.
+TEST(SourceCorners, TheFileOfCornersMovesThem) {
+  const TestFolder folder;
+  runWell(folder, "testcard -o card.png --size 200x150");
+  const auto part = [](int left, int right) {
+    return fmt::format(R"("ul": [{0}, 30], "ur": [{1}, 30], "ll": [{0}, 80], "lr": [{1}, 80]}})", left, right);
+  };
+  const std::string keys = R"("keys": [{"frame": 1, "ul": [0, 0], "ur": [100, 0], "ll": [0, 50], "lr": [100, 50]}])";
+  const std::string moving =
+      fmt::format(R"("from": [{{"frame": 1, {}, {{"frame": 3, {}], )", part(40, 140), part(60, 160));
+  folder.write("moving.json", "{" + moving + keys + "}");
+  folder.write("still.json", "{\"from\": {" + part(50, 150) + ", " + keys + "}");
+  const std::string shot = "render card.png --size 100x50 --no-progress --frames 1-3 -o ";
+  runWell(folder, shot + "a.#.png --corners moving.json");
+  runWell(folder, shot + "b.#.png --corners still.json");
+  for (int frame = 1; frame <= 3; ++frame) {
+    const int left = 30 + 10 * frame;
+    runWell(folder, fmt::format("render card.png -o crop.png --crop {},30,{},70", left, 100 - left));
+    EXPECT_LT(difference(folder / fmt::format("a.{}.png", frame), folder / "crop.png"), 0.002) << frame;
+  }
+  EXPECT_LT(difference(folder / "b.1.png", folder / "a.2.png"), 0.002);
+
+  // Other options take it along: what is enlarged and cropped first, and what moves while the shutter is open.
+  runWell(folder,
+          "render card.png -o large.png --size 500x250 --from-ul 40,30 --from-ur 140,30 --from-ll 40,80 "
+          "--from-lr 140,80 --ul 0,0 --ur 500,0 --ll 0,250 --lr 500,250 --enlarge bicubic");
+  runWell(folder,
+          "render card.png -o crop.png --size 500x250 --crop 40,30,60,70 --ul 0,0 --ur 500,0 --ll 0,250 "
+          "--lr 500,250 --enlarge bicubic");
+  EXPECT_LT(difference(folder / "large.png", folder / "crop.png"), 0.05);
+  runWell(folder, "render card.png --size 100x50 -o d.#.png --frames 2 --corners moving.json --shutter 360");
+  EXPECT_GT(difference(folder / "d.2.png", folder / "a.2.png"), 0.02);
+
+  // The record holds it, and so does what `corners` writes.
+  runWell(folder, "corners moving.json -o moving.json --overwrite");
+  EXPECT_NE(run(folder, shot + "a.#.png --corners moving.json --resume").err.find("older than the inputs"),
+            std::string::npos);
+  EXPECT_NE(run(folder, shot + "a.#.png --corners moving.json --resume").err.find("skipped 3"), std::string::npos);
+
+  // Convex at either key, and dented half way.
+  folder.write("flips.json",
+               "{\"from\": [{\"frame\": 1, " + part(40, 140) +
+                   R"(, {"frame": 3, "ul": [160, 80], "ur": [40, 80], "ll": [140, 50], "lr": [44, 34]}], )" + keys +
+                   "}");
+  folder.write("flat.json", "{\"from\": {" + part(40, 40) + ", " + keys + "}");
+  struct Refused {
+    std::string options;
+    int code;
+    const char* message;
+  };
+  for (const auto& [options, code, message] :
+       {Refused{"flips.json", 3, "flips.json: from: frame 2: it and the corners must both be strictly convex"},
+        Refused{"flat.json", 3, "flat.json: line 1: from: makes no convex quadrilateral"},
+        Refused{"still.json --from-ul 1,1", 2, "--from-ul: cannot be given together with \"from\""},
+        Refused{"still.json --edges soft", 2, "--edges: cannot be soft with \"from\" in 'still.json'"}}) {
+    const CommandResult result = run(folder, shot + "e.#.png --corners " + options);
+    EXPECT_EQ(result.code, code) << options;
+    EXPECT_NE(result.err.find(message), std::string::npos) << result.err;
+  }
+  EXPECT_NE(run(folder, "corners still.json -o still.csv").err.find("which the format csv cannot name; write json"),
+            std::string::npos);
 }
 
 TEST(RectifyCommand, ProportionsAreEstimatedAndTold) {

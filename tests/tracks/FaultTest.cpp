@@ -1,4 +1,5 @@
 // What is said of broken files of each format.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -80,6 +81,16 @@ TEST(Faults, JsonNamesLineAndField) {
   expectFault(keys(jsonKey("1e999", "[0, 0]")), "track: line 2: keys[0].frame", "beyond");
   expectFault(keys(jsonKey("01", "[0, 0]")), "track: line 2", "not valid JSON");
   expectFault(keys(jsonKey("1", "[0, 0]")) + "]", "track: line 3", "not valid JSON");
+  const auto from = [&](const std::string& source) {
+    return fmt::format("{{\"from\":\n{},\n\"keys\": [{}]}}", source, jsonKey("1", "[0, 0]"));
+  };
+  expectFault(from("3"), "track: line 2: from", "is no quadrilateral");
+  expectFault(from("[]"), "track: line 2: from", "at least one");
+  expectFault(from(jsonKey("1", "[0, 0]")), "track: line 2: from.frame", "is unknown");
+  expectFault(from("{\"ul\": [0, 0]}"), "track: line 2: from", "has no \"ur\"");
+  expectFault(from(fmt::format("[{}]", jsonKey("7", "[20, 20]"))), "track: line 2: from", "no convex quadrilateral");
+  expectFault(from(fmt::format("[{}, {}]", jsonKey("7", "[0, 0]"), jsonKey("8", "[0, 1e6]"))),
+              "track: line 2: from: frame 8: ul", "1000000 pixels is outside");
 }
 
 TEST(Faults, LongTextsAndControlCharactersAreShownShort) {

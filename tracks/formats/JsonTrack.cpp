@@ -1,4 +1,5 @@
-// The command's own JSON: {"units": ..., "interpolation": ..., "keys": [{"frame": 1, "ul": [x, y], ...}, ...]}.
+// The command's own JSON: {"units": ..., "interpolation": ..., "from": ..., "keys": [{"frame": 1, "ul": [x, y], ...},
+// ...]}.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -51,7 +52,7 @@ constexpr WordTable<host::Interpolation, 3> kInterpolations{{{"linear", host::In
                                                              {"hold", host::Interpolation::Hold},
                                                              {"smooth", host::Interpolation::Smooth}}};
 
-constexpr std::array<std::string_view, 4> kTopMembers{"keys", "units", "interpolation", "$schema"};
+constexpr std::array<std::string_view, 5> kTopMembers{"keys", "units", "interpolation", "from", "$schema"};
 constexpr std::array<std::string_view, 5> kKeyMembers{"ul", "ur", "ll", "lr", "frame"};
 constexpr std::size_t kFrameMember = kCornerCount;
 
@@ -64,16 +65,15 @@ class JsonTrackReader {
       json_.peek() == '[' ? failAt("", "is not an object; write {\"keys\": [...]}") : json_.failSyntax();
     }
     json_.open('{');
-    for (const std::string_view name : kCornerNames) {
-      document_.points.push_back({std::string(name), {}, false});
-    }
+    addCorners(document_.points);
     SeenMembers seen;
     std::string_view name;
     while (json_.nextMember(name)) {
       const std::size_t member = indexOf(kTopMembers, name);
       if (member == kTopMembers.size()) {
         passOver(
-            name, [&] { return std::string(name); }, "is unknown; known here are keys, units, interpolation, $schema");
+            name, [&] { return std::string(name); },
+            "is unknown; known here are keys, units, interpolation, from, $schema");
         continue;
       }
       seen.take(json_, member, std::string(name));
@@ -86,6 +86,12 @@ class JsonTrackReader {
   }
 
  private:
+  static void addCorners(std::vector<PointTrack>& points) {
+    for (const std::string_view name : kCornerNames) {
+      points.push_back({std::string(name), {}, false});
+    }
+  }
+
   [[noreturn]] void failAt(const std::string& field, const std::string& message) {
     fail(json_.file(), json_.line(), field, message);
   }
@@ -102,13 +108,16 @@ class JsonTrackReader {
   void readMember(std::size_t member) {
     switch (member) {
       case 0:
-        readKeys();
+        readKeys("keys", document_.points);
         break;
       case 1:
         document_.conventions.units = choice("units", kUnits);
         break;
       case 2:
         document_.interpolation = choice("interpolation", kInterpolations);
+        break;
+      case 3:
+        readSource();
         break;
       default:
         json_.skip();
@@ -131,57 +140,77 @@ class JsonTrackReader {
     fail(json_.file(), line, field, fmt::format("is none of {}; write one of them", known));
   }
 
-  void readKeys() {
+  void readKeys(const char* list, std::vector<PointTrack>& points) {
     if (json_.peek() != '[') {
-      failAt("keys", "is no list of keyframes; give at least one");
+      failAt(list, "is no list of keyframes; give at least one");
     }
     const std::uint32_t line = json_.line();
     json_.open('[');
+    list_ = list;
+    is_in_list_ = true;
     for (index_ = 0; json_.nextElement(); ++index_) {
-      readKey();
+      readKey(points);
     }
     if (index_ == 0) {
-      fail(json_.file(), line, "keys", "is no list of keyframes; give at least one");
+      fail(json_.file(), line, list, "is no list of keyframes; give at least one");
     }
   }
 
-  std::string keyPlace() const { return fmt::format("keys[{}]", index_); }
-  std::string memberPlace(std::size_t member) const { return fmt::format("keys[{}].{}", index_, kKeyMembers[member]); }
+  // {"ul": ...} for every frame, or a list of keyframes.
+  void readSource() {
+    addCorners(document_.source_points);
+    if (json_.peek() == '[') {
+      readKeys("from", document_.source_points);
+      return;
+    }
+    list_ = "from";
+    is_in_list_ = false;
+    readKey(document_.source_points);
+  }
 
-  void readKey() {
+  std::string keyPlace() const { return is_in_list_ ? fmt::format("{}[{}]", list_, index_) : std::string(list_); }
+  std::string memberPlace(std::size_t member) const { return fmt::format("{}.{}", keyPlace(), kKeyMembers[member]); }
+  // The corners, and the frame where there are several.
+  std::size_t memberCount() const { return is_in_list_ ? kKeyMembers.size() : kFrameMember; }
+
+  void readKey(std::vector<PointTrack>& points) {
     if (json_.peek() != '{') {
-      failAt(keyPlace(), "is no keyframe; write {\"frame\": 1, \"ul\": [x, y], ...}");
+      failAt(keyPlace(), is_in_list_ ? "is no keyframe; write {\"frame\": 1, \"ul\": [x, y], ...}"
+                                     : "is no quadrilateral; write {\"ul\": [x, y], ...}, or a list of keyframes");
     }
     const std::uint32_t line = json_.line();
     json_.open('{');
     SeenMembers seen;
-    std::array<PointKey, kCornerCount> keys{};
-    double frame = 0.0;
+    std::array<Point, kCornerCount> corners{};
+    double frame = 1.0;
+    std::uint32_t frame_line = line;
     std::string_view name;
     while (json_.nextMember(name)) {
       const std::size_t member = indexOf(kKeyMembers, name);
-      if (member == kKeyMembers.size()) {
+      if (member >= memberCount()) {
         passOver(
             name, [&] { return fmt::format("{}.{}", keyPlace(), name); },
-            "is unknown; known here are frame, ul, ur, ll, lr");
+            is_in_list_ ? "is unknown; known here are frame, ul, ur, ll, lr"
+                        : "is unknown; known here are ul, ur, ll, lr, and frame in a list");
         continue;
       }
       seen.take(json_, member, memberPlace(member));
       if (member == kFrameMember) {
         frame = json_.number([&] { return memberPlace(kFrameMember); });
-        keys[0].line = json_.line();
+        frame_line = json_.line();
       } else {
-        keys[member].value = readPosition(member);
+        corners[member] = readPosition(member);
       }
     }
-    for (std::size_t member = 0; member < kKeyMembers.size(); ++member) {
+    for (std::size_t member = 0; member < memberCount(); ++member) {
       if (!seen.has(member)) {
         fail(json_.file(), line, keyPlace(),
-             fmt::format("has no \"{}\"; every keyframe needs frame, ul, ur, ll and lr", kKeyMembers[member]));
+             fmt::format("has no \"{}\"; {} ul, ur, ll and lr", kKeyMembers[member],
+                         is_in_list_ ? "every keyframe needs frame," : "give"));
       }
     }
     for (std::size_t c = 0; c < kCornerCount; ++c) {
-      document_.points[c].keys.push_back({frame, keys[c].value, keys[0].line, 0});
+      points[c].keys.push_back({frame, corners[c], frame_line, 0});
     }
   }
 
@@ -206,29 +235,62 @@ class JsonTrackReader {
 
   JsonScanner json_;
   TrackDocument& document_;
-  std::size_t index_ = 0;  // of the key that is read
+  // The key that is read: of which member, whether it is one of a list, and its place there.
+  const char* list_ = "keys";
+  bool is_in_list_ = true;
+  std::size_t index_ = 0;
 };
 
 void read(const TrackText& text, TrackDocument& document) {
   JsonTrackReader(text, document).read();
 }
 
+void writePositions(const CornerKey& key, const CornerList& corners, const CoordinateText& coordinate,
+                    std::string& text) {
+  const char* separator = "";
+  for (const Corner corner : corners) {
+    fmt::format_to(std::back_inserter(text), "{}\"{}\": [{}, {}]", separator, kCornerNames[corner],
+                   coordinate(key.points[corner].x), coordinate(key.points[corner].y));
+    separator = ", ";
+  }
+}
+
+void writeKeys(const std::vector<CornerKey>& keys, const CornerList& corners, const CoordinateText& coordinate,
+               std::string& text) {
+  const char* separator = "[\n  ";
+  for (const CornerKey& key : keys) {
+    fmt::format_to(std::back_inserter(text), "{}{{\"frame\": {}, ", separator, frameText(key.frame));
+    writePositions(key, corners, coordinate, text);
+    text += '}';
+    separator = ",\n  ";
+  }
+  text += "\n]";
+}
+
+void writeSource(const std::vector<CornerKey>& keys, const CornerList& corners, const CoordinateText& coordinate,
+                 std::string& text) {
+  text += "\"from\": ";
+  if (keys.size() > 1) {
+    writeKeys(keys, corners, coordinate, text);
+  } else {
+    text += '{';
+    writePositions(keys.front(), corners, coordinate, text);
+    text += '}';
+  }
+  text += ", ";
+}
+
 void write(const CornerTrack& track, const CornerList& corners, std::string& text) {
   const CoordinateText coordinate(track);
   const auto* const interpolation = std::find_if(kInterpolations.begin(), kInterpolations.end(),
                                                  [&](const auto& word) { return word.second == track.interpolation; });
-  fmt::format_to(std::back_inserter(text), "{{\"units\": \"px\", \"interpolation\": \"{}\", \"keys\": [",
-                 interpolation->first);
-  for (std::size_t k = 0; k < track.keys.size(); ++k) {
-    const CornerKey& key = track.keys[k];
-    fmt::format_to(std::back_inserter(text), "{}\n  {{\"frame\": {}", k == 0 ? "" : ",", frameText(key.frame));
-    for (const Corner corner : corners) {
-      fmt::format_to(std::back_inserter(text), ", \"{}\": [{}, {}]", kCornerNames[corner],
-                     coordinate(key.points[corner].x), coordinate(key.points[corner].y));
-    }
-    text += '}';
+  fmt::format_to(std::back_inserter(text), "{{\"units\": \"px\", \"interpolation\": \"{}\", ", interpolation->first);
+  if (!track.source_keys.empty()) {
+    writeSource(track.source_keys, corners, coordinate, text);
   }
-  text += "\n]}\n";
+  text += "\"keys\": ";
+  writeKeys(track.keys, corners, coordinate, text);
+  text += "}\n";
 }
 
 }  // namespace
@@ -238,6 +300,6 @@ constexpr Format kJsonFormat{"json",  "the command's own JSON",
                              true,    false,
                              sniff,   read,
                              write,   true,
-                             true};
+                             true,    true};
 
 }  // namespace vantorel::tracks

@@ -14,6 +14,7 @@
 #include "cli/shots/FrameRenderer.h"
 #include "cli/shots/PictureSource.h"
 #include "cli/shots/ShotColour.h"
+#include "cli/shots/Source.h"
 
 namespace vantorel::view {
 
@@ -37,7 +38,7 @@ host::Point originOf(const Region& region) {
   return {static_cast<double>(region.rect.left), static_cast<double>(region.rect.top)};
 }
 
-host::Corners scaled(const host::Corners& corners, int n) {
+host::Corners scaled(const host::Corners& corners, double n) {
   const auto point = [&](const host::Point& p) { return host::Point{p.x / n, p.y / n}; };
   return {point(corners.upper_left), point(corners.upper_right), point(corners.lower_left), point(corners.lower_right)};
 }
@@ -74,6 +75,12 @@ std::jthread readingAhead(ProxyCache& pictures, std::int32_t frame) {
   });
 }
 
+// The page changes the corners alone: what of the layer goes onto them stays as the file has it.
+std::vector<tracks::CornerKey> sourceKeysOf(const cli::Shot& shot) {
+  return shot.corners.read ? cli::resolveCorners(shot.corners, shot.layer_size, shot.frame_size).track.source_keys
+                           : std::vector<tracks::CornerKey>{};
+}
+
 // For where nothing is to be seen: a picture without pixels.
 std::string nothing(const Region& region) {
   return pictureMessage(originOf(region), {});
@@ -81,7 +88,12 @@ std::string nothing(const Region& region) {
 
 }  // namespace
 
-Pictures::Pictures(cli::Shot& shot) : shot_(shot), layers_(*shot.layer, shot.colour.get()), drafter_(shot.module) {
+Pictures::Pictures(cli::Shot& shot)
+    : shot_(shot),
+      layers_(*shot.layer, shot.colour.get()),
+      drafter_(shot.module),
+      source_(cli::sourceOf(shot, shot.layer_size)),
+      source_keys_(sourceKeysOf(shot)) {
   first_readings_.push_back(readingAhead(layers_, shot.frames.first));
   if (shot.plate) {
     plates_.emplace(*shot.plate, shot.colour.get());
@@ -113,6 +125,10 @@ std::string Pictures::draft(std::int32_t frame, const host::Corners& corners, co
   const host::Rect canvas = reducedRect(drawn);
   cli::valueOrThrow(draft_pixels_.fit({canvas.width(), canvas.height()}, host::Depth::Bits8));
   cli::valueOrThrow(drafter_.setCorners(scaled(corners, region.n)));
+  if (source_) {
+    const double reduction = static_cast<double>(layer_size.width) / layer.pixels.size.width;
+    cli::valueOrThrow(drafter_.setSource(scaled(source_->at(shot_.options.rate.seconds(frame)), reduction)));
+  }
   host::FrameOptions options;
   options.quality = host::Quality::Standard;
   options.threads = shot_.options.threads;
@@ -129,7 +145,9 @@ std::string Pictures::full(std::int32_t frame, const tracks::CornerTrack& track,
   if (stop.stop_requested()) {
     throw cli::interrupted();
   }
-  shot_.corners = asCorners(track);
+  tracks::CornerTrack whole_track = track;
+  whole_track.source_keys = source_keys_;
+  shot_.corners = asCorners(whole_track);
   const Region drawn = reached(frame, region);
   if (drawn.rect.empty()) {
     return nothing(region);

@@ -55,6 +55,9 @@ class Pictures {
   std::mutex draft_mutex_;
   host::Instance drafter_;
   host::Image draft_pixels_;
+  // What of the layer goes onto the corners, in its pixels; without one or without keys, all of it.
+  std::optional<host::AnimatedCorners> source_;
+  std::vector<tracks::CornerKey> source_keys_;
   LatestWins fulls_;
   std::mutex full_mutex_;
   std::vector<std::jthread> first_readings_;

@@ -118,7 +118,8 @@ json Session::render(const json& body) {
   if (options_.output.empty()) {
     throw cli::badArgument("--output", "was not given; start with -o OUT, or copy the command and run it");
   }
-  const tracks::CornerTrack track = trackOf(body);
+  tracks::CornerTrack track = trackOf(body);
+  track.source_keys = track_.source_keys;
   cli::RenderOptions options = options_;
   if (body.contains("frame")) {
     const std::int32_t frame = frameOf(body);
