@@ -29,6 +29,12 @@ host::FrameOptions highFromCentres() {
   return options;
 }
 
+host::FrameOptions highWithCrispEdges() {
+  host::FrameOptions options = withQuality(host::Quality::High);
+  options.edges = host::Edges::Crisp;
+  return options;
+}
+
 // Corners that make up for it on the perspective path: where the layer's outline goes when moved by half a layer pixel,
 // moved back by half a canvas pixel.
 host::Corners movedCorners(const Scene& scene) {
@@ -48,6 +54,7 @@ std::vector<Setting> settings() {
       {"high, centres, corners moved", highFromCentres(), true},
       {"standard", withQuality(host::Quality::Standard)},
       {"high", withQuality(host::Quality::High)},
+      {"high, crisp edges", highWithCrispEdges()},
       {"best", withQuality(host::Quality::Best)},
       {"best, 1 sample", withQuality(host::Quality::Best, 1)},
       {"best, 2 x 2 samples", withQuality(host::Quality::Best, 2)},

@@ -1,4 +1,6 @@
 // Measures pictures against the truth, and prints tables.
+#include <fmt/ranges.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
@@ -46,11 +48,11 @@ std::vector<quality::Renderer> chosen(const std::vector<quality::Renderer>& rend
     const auto found = std::find_if(renderers.begin(), renderers.end(),
                                     [&](const quality::Renderer& renderer) { return renderer.name == name; });
     if (found == renderers.end()) {
-      std::string known;
-      for (const quality::Renderer& renderer : renderers) {
-        known += "\n  " + renderer.name;
-      }
-      throw std::runtime_error("--columns: unknown column \"" + name + "\"; choose from" + known);
+      std::vector<std::string> known;
+      std::transform(renderers.begin(), renderers.end(), std::back_inserter(known),
+                     [](const quality::Renderer& renderer) { return renderer.name; });
+      throw std::runtime_error(
+          fmt::format("--columns: unknown column \"{}\"; choose from\n  {}", name, fmt::join(known, "\n  ")));
     }
     result.push_back(*found);
   }
@@ -84,7 +86,7 @@ void run(const Options& options) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   Options options;
   CLI::App app("Measures pictures of the effect, and of other tools, against a truth of 16x16 samples a pixel.");
   app.add_option("MODULE", options.module, "the effect module")->required();
@@ -96,11 +98,9 @@ int main(int argc, char** argv) {
   app.add_flag("!--no-times", options.selection.times, "leaves the times out");
   app.add_flag("--rule", options.prints_rule, "prints instead what the host's rule of samples chooses, as CSV");
   CLI11_PARSE(app, argc, argv);
-  try {
-    run(options);
-  } catch (const std::exception& failure) {
-    std::fprintf(stderr, "vantorel_quality: %s\n", failure.what());
-    return 1;
-  }
+  run(options);
   return 0;
+} catch (const std::exception& failure) {
+  std::fprintf(stderr, "vantorel_quality: %s\n", failure.what());
+  return 1;
 }
