@@ -103,15 +103,8 @@ void writeConfig(const TestFolder& folder, const std::string& name, const std::s
                    " 0, 0, 0, 0, 1]}\n");
 }
 
-std::string readText(const std::string& path) {
-  std::ostringstream text;
-  text << std::ifstream(path, std::ios::binary).rdbuf();
-  return text.str();
-}
-
 TEST(Colour, LayersOfAllSpacesComeOutAsTheReferenceHasThem) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 96x54");
+  const FolderWithCard folder("96x54");
   const PixelFile card = PixelFile::read(folder / "card.png");
   writeConfig(folder, "aces.ocio");
   const Profile srgb = profileOf(kRec709, 0.0);
@@ -166,8 +159,7 @@ TEST(Colour, LayersOfAllSpacesComeOutAsTheReferenceHasThem) {
 }
 
 TEST(Colour, EqualSpacesKeepEveryBit) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 96x54");
+  const FolderWithCard folder("96x54");
   const PixelFile card = PixelFile::read(folder / "card.png");
   writeTagged(folder / "profile.jpg", card, {bytesOf(profileOf(kRec709, 0.0))});
   const std::string render = "render card.png -o out.png --over profile.jpg --ul 10,7 --lr 80,44 --json";
@@ -211,7 +203,7 @@ TEST(Colour, FilesAreInWhatTheyStateAndElseInWhatIsUsual) {
     EXPECT_EQ(told(folder, c.file, c.options).rfind(c.expected, 0), 0u) << told(folder, c.file, c.options);
   }
   // A cICP chunk, which goes before all others: BT.2020 primaries, linear.
-  std::string png = readText(folder / "chunk.png");
+  std::string png = contents(folder / "chunk.png");
   const std::string chunk("\0\0\0\4cICP\x09\x08\0\1\0\0\0\0", 16);
   constexpr std::size_t kHeaderEnd = 33;
   folder.write("coded.png", png.insert(kHeaderEnd, chunk));
@@ -258,30 +250,21 @@ TEST(Colour, WhatCannotBeConvertedIsRefusedAndNothingWritten) {
   writeTagged(folder / "broken.tif", pixels, {broken});
   folder.write("broken.ocio", "ocio_profile_version: 2\nroles: [");
   writeConfig(folder, "aces.ocio");
-  struct Case {
-    std::string before;
-    std::string arguments;
-    int code;
-    const char* message;
-  };
-  const std::size_t before = folder.count();
-  for (const Case& c : {
-           Case{"", "plain.tif --ocio none.ocio", 3, "none.ocio: given by --ocio, "},
-           {"", "plain.tif --ocio broken.ocio", 3, "broken.ocio: given by --ocio, "},
-           {"OCIO=none.ocio; export OCIO;", "plain.tif", 3, "none.ocio: given by $OCIO, "},
-           {"", "plain.tif --colorspace-layer sRBG", 2, "--colorspace-layer: 'sRBG' is not a known colour space"},
-           {"", "plain.tif --ocio aces.ocio --colorspace-out sRBG", 2, "--colorspace-out: 'sRBG' is neither"},
-           {"", "plain.tif --colorspace-over srgb", 2, "--colorspace-over: tells of the plate"},
-           {"", "plain.tif --raw --linear", 2, "--raw: cannot be given together with --linear"},
-           {"", "plain.tif --raw --ocio aces.ocio", 2, "--raw: cannot be given together with --ocio"},
-           {"", "broken.tif", 3, "broken.tif: its ICC profile is broken"},
-           {"", "plain.tif --over broken.tif", 3, "broken.tif: its ICC profile is broken"},
-       }) {
-    const CommandResult result = run(folder, "render " + c.arguments + " -o out.tif", c.before);
-    EXPECT_EQ(result.code, c.code) << c.arguments;
-    EXPECT_EQ(result.err.rfind("vantorel: " + std::string(c.message), 0), 0u) << result.err;
-    EXPECT_EQ(folder.count(), before) << c.arguments;
-  }
+  const std::string render = "render plain.tif -o out.tif ";
+  const std::string profile_is_broken = "vantorel: broken.tif: its ICC profile is broken";
+  expectRefused(folder,
+                {
+                    {render + "--ocio none.ocio", 3, "vantorel: none.ocio: given by --ocio, "},
+                    {render + "--ocio broken.ocio", 3, "vantorel: broken.ocio: given by --ocio, "},
+                    {render, 3, "vantorel: none.ocio: given by $OCIO, ", "OCIO=none.ocio; export OCIO;"},
+                    {render + "--colorspace-layer sRBG", 2, "--colorspace-layer: 'sRBG' is not a known colour space"},
+                    {render + "--ocio aces.ocio --colorspace-out sRBG", 2, "--colorspace-out: 'sRBG' is neither"},
+                    {render + "--colorspace-over srgb", 2, "--colorspace-over: tells of the plate"},
+                    {render + "--raw --linear", 2, "--raw: cannot be given together with --linear"},
+                    {render + "--raw --ocio aces.ocio", 2, "--raw: cannot be given together with --ocio"},
+                    {"render broken.tif -o out.tif", 3, profile_is_broken},
+                    {render + "--over broken.tif", 3, profile_is_broken},
+                });
   // Said or left alone, the broken profile is no matter.
   runWell(folder, "render broken.tif -o out.tif --colorspace-layer srgb");
   EXPECT_EQ(run(folder, "render broken.tif -o out.tif --raw").code, 0);

@@ -17,26 +17,7 @@
 namespace vantorel::cli {
 namespace {
 
-struct BadCall {
-  std::string arguments;
-  int code;
-  std::string message;  // a part of it
-  std::string before = {};
-};
-
-void expectRefused(const TestFolder& folder, const std::vector<BadCall>& calls) {
-  const std::size_t before = folder.count();
-  for (const BadCall& call : calls) {
-    const CommandResult result = run(folder, call.arguments, call.before);
-    EXPECT_EQ(result.code, call.code) << call.arguments << "\n" << result.err;
-    EXPECT_EQ(result.err.rfind("vantorel: ", 0), 0u) << call.arguments << "\n" << result.err;
-    EXPECT_NE(result.err.find(call.message), std::string::npos) << call.arguments << "\n" << result.err;
-    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << call.arguments << "\n" << result.err;
-    EXPECT_EQ(folder.count(), before) << call.arguments << " left something behind";
-  }
-}
-
-// The same within this process, which takes far less time.
+// As expectRefused, but within this process, which takes far less time.
 void expectRefusedInProcess(const TestFolder& folder, const std::vector<BadCall>& calls) {
   const std::filesystem::path before = std::filesystem::current_path();
   std::filesystem::current_path(folder.path());
@@ -62,8 +43,7 @@ void expectRefusedInProcess(const TestFolder& folder, const std::vector<BadCall>
 }
 
 TEST(CommandError, Arguments) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 64x48");
+  const FolderWithCard folder("64x48");
   const std::string still = "render card.png -o out.png ";
   const std::string sequence = "render card.png -o out.#.png ";
   expectRefusedInProcess(
@@ -131,8 +111,7 @@ TEST(CommandError, Arguments) {
 }
 
 TEST(CommandError, InputsAreNotReplacedUnlessToldTo) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 64x48");
+  const FolderWithCard folder("64x48");
   for (const char* name : {"plate.png", "plate.1.png", "plate.2.png"}) {
     std::filesystem::copy_file(folder / "card.png", folder / name);
   }
@@ -152,8 +131,7 @@ TEST(CommandError, InputsAreNotReplacedUnlessToldTo) {
 }
 
 TEST(CommandError, Files) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 64x48");
+  const FolderWithCard folder("64x48");
   runWell(folder, "testcard -o short.png --size 640x480");
   folder.cutShort("short.png", 0.7);
   runWell(folder, "testcard -o spoilt.png --size 640x480");
@@ -229,8 +207,7 @@ TEST(CommandError, NoThreadsAreAMessageToo) {
 }
 
 TEST(CommandError, StandardOutputThatCannotBeWrittenEndsTheRun) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 64x48");
+  const FolderWithCard folder("64x48");
   for (const std::string arguments : {"info", "info --json", "render card.png -o out.#.png --json --frames 1-9"}) {
     const CommandResult result = run(folder, arguments + " > /dev/full");
     EXPECT_EQ(result.code, 3) << arguments;

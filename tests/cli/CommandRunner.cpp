@@ -5,21 +5,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <sstream>
 
 namespace vantorel::cli {
-
-namespace {
-
-std::string contents(const std::string& path) {
-  std::ostringstream text;
-  text << std::ifstream(path).rdbuf();
-  return text.str();
-}
-
-}  // namespace
 
 std::vector<nlohmann::json> CommandResult::lines() const {
   std::vector<nlohmann::json> parsed;
@@ -70,6 +61,23 @@ CommandResult runWell(const TestFolder& folder, const std::string& arguments) {
   EXPECT_EQ(result.code, 0) << arguments << "\n" << result.err;
   EXPECT_EQ(result.err, "") << arguments;
   return result;
+}
+
+FolderWithCard::FolderWithCard(const std::string& size) {
+  runWell(*this, "testcard -o card.png --size " + size);
+}
+
+void expectRefused(const TestFolder& folder, const std::vector<BadCall>& calls) {
+  const std::size_t before = folder.count();
+  for (const BadCall& call : calls) {
+    const CommandResult result = run(folder, call.arguments, call.before);
+    const std::string told = call.before + call.arguments + "\n" + result.err;
+    EXPECT_EQ(result.code, call.code) << told;
+    EXPECT_EQ(result.err.rfind("vantorel: ", 0), 0u) << told;
+    EXPECT_NE(result.err.find(call.message), std::string::npos) << told;
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << told;
+    EXPECT_EQ(folder.count(), before) << call.arguments << " left something behind";
+  }
 }
 
 double difference(const std::string& first, const std::string& second) {

@@ -29,6 +29,22 @@ std::string runInTerminal(const TestFolder& folder, const std::string& arguments
 // Runs it and expects success.
 CommandResult runWell(const TestFolder& folder, const std::string& arguments);
 
+// A folder with a test card of that size, card.png.
+struct FolderWithCard : TestFolder {
+  explicit FolderWithCard(const std::string& size);
+};
+
+// A call that is refused with this exit code and a message that holds `message`.
+struct BadCall {
+  std::string arguments;
+  int code;
+  std::string message;
+  std::string before = {};  // shell commands that set the scene
+};
+
+// Runs each and expects its refusal, told in one line of the command's, with nothing left behind.
+void expectRefused(const TestFolder& folder, const std::vector<BadCall>& calls);
+
 // Root mean square difference of two pictures' samples, 0 to 1; 1 where sizes or channels differ.
 double difference(const std::string& first, const std::string& second);
 

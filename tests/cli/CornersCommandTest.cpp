@@ -1,9 +1,6 @@
 // Trackers' files through the command: rendered, shown and converted.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "CommandRunner.h"
 
 namespace vantorel::cli {
@@ -16,14 +13,8 @@ constexpr const char* kFiles[]{"own.csv",         "own.json",    "node.nk",     
                                "version1.uv",     "version3.uv", "flame.stabilizer", "blender.csv", "benchmark.txt",
                                "spreadsheet.csv", "columns.txt"};
 
-std::string bytesOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 TEST(CornersCommand, OneTrackInEveryFormatRendersTheSamePicture) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 320x180");
+  const FolderWithCard folder("320x180");
   const std::string shot = " --size 1920x1080 --downsample 8 --frames 3 --corners ";
   runWell(folder, "render card.png -o expected.tif" + shot + kSamples + kFiles[0]);
   const auto expectSame = [&](const std::string& files) {
@@ -40,8 +31,7 @@ TEST(CornersCommand, OneTrackInEveryFormatRendersTheSamePicture) {
 }
 
 TEST(CornersCommand, ConventionsAreGivenAndToldOnce) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 320x180");
+  const FolderWithCard folder("320x180");
   folder.write("wild.csv",
                "Frame;x1;y1;x2;y2;x3;y3;x4;y4\n1;0,25;0,75;0,75;0,75;0,25;0,25;0,75;0,25\n2;0,25;0,75;0,75;0,75;0,25;0,"
                "25;0,75;0,25\n");
@@ -62,30 +52,29 @@ TEST(CornersCommand, ShowsConvertsAndPlots) {
       runWell(folder, "corners " + kSamples + "shake.txt --size 1920x1080 -o out.nk --plot paths.svg").out;
   EXPECT_NE(shown.find("format      shake: Shake text\n"), std::string::npos) << shown;
   EXPECT_NE(shown.find("frames      1 to 4, 4 keys\n"), std::string::npos) << shown;
-  EXPECT_NE(bytesOf(folder / "out.nk").find("to4 {{curve x1 412.5 424.75 437 449.25} "), std::string::npos);
-  EXPECT_NE(bytesOf(folder / "paths.svg").find("</svg>"), std::string::npos);
+  EXPECT_NE(contents(folder / "out.nk").find("to4 {{curve x1 412.5 424.75 437 449.25} "), std::string::npos);
+  EXPECT_NE(contents(folder / "paths.svg").find("</svg>"), std::string::npos);
   runWell(folder, "corners out.nk --size 1920x1080 --format columns -o ul.txt,ur.txt,ll.txt,lr.txt");
-  EXPECT_EQ(bytesOf(folder / "lr.txt").substr(0, 22), "# lr\n1 1449.125 801.37");
+  EXPECT_EQ(contents(folder / "lr.txt").substr(0, 22), "# lr\n1 1449.125 801.37");
 
-  const auto expectFault = [&](const std::string& arguments, int code, const std::string& matter) {
-    const CommandResult result = run(folder, "corners " + arguments);
-    EXPECT_EQ(result.code, code) << arguments;
-    EXPECT_NE(result.err.find(matter), std::string::npos) << result.err;
-  };
-  expectFault("out.nk", 3, "out.nk: has positions that need the tracked picture's size; give it with --size WxH");
-  expectFault("out.nk --size 1920x1080 -o out.txt", 2, "does not tell the format; name it with --format, one of");
-  expectFault("out.nk --size 1920x1080 -o a.csv,b.csv", 2, "neither one file nor four");
-  expectFault("out.nk --size 1920x1080 -o out.txt --format mlt", 2, "frame 0: is no upright box");
-  expectFault("out.nk --corners-order ul,ul,ll,lr", 2, "--corners-order: 'ul,ul,ll,lr' is not an order");
-  expectFault("out.nk --smooth 1000", 2, "--smooth: '1000' is not a number from 0 to 100");
-  expectFault("", 2, "name the track to read");
-
-  const std::string before = bytesOf(folder / "out.nk");
-  EXPECT_EQ(std::system(("ln '" + (folder / "out.nk") + "' '" + (folder / "link.nk") + "'").c_str()), 0);
-  expectFault("out.nk --size 1920x1080 -o link.nk", 2, "'link.nk' is the track itself, 'out.nk'");
-  expectFault("out.nk --size 1920x1080 -o a.csv --plot a.csv", 2, "'a.csv' is to be written twice");
-  expectFault("out.nk --size 1920x1080 -o -", 2, "'-' does not tell the format");
-  EXPECT_EQ(bytesOf(folder / "out.nk"), before);
+  const std::string before = contents(folder / "out.nk");
+  std::filesystem::create_hard_link(folder / "out.nk", folder / "link.nk");
+  const std::string sized = "corners out.nk --size 1920x1080 ";
+  expectRefused(
+      folder,
+      {
+          {"corners out.nk", 3, "out.nk: has positions that need the tracked picture's size; give it with --size WxH"},
+          {sized + "-o out.txt", 2, "does not tell the format; name it with --format, one of"},
+          {sized + "-o a.csv,b.csv", 2, "neither one file nor four"},
+          {sized + "-o out.txt --format mlt", 2, "frame 0: is no upright box"},
+          {"corners out.nk --corners-order ul,ul,ll,lr", 2, "--corners-order: 'ul,ul,ll,lr' is not an order"},
+          {"corners out.nk --smooth 1000", 2, "--smooth: '1000' is not a number from 0 to 100"},
+          {"corners", 2, "name the track to read"},
+          {sized + "-o link.nk", 2, "'link.nk' is the track itself, 'out.nk'"},
+          {sized + "-o a.csv --plot a.csv", 2, "'a.csv' is to be written twice"},
+          {sized + "-o -", 2, "'-' does not tell the format"},
+      });
+  EXPECT_EQ(contents(folder / "out.nk"), before);
   const CommandResult piped = run(folder, "corners out.nk --size 1920x1080 -o - --format nk");
   EXPECT_EQ(piped.out, before);
   EXPECT_EQ(piped.err.find("format      nk"), 0U) << piped.err;

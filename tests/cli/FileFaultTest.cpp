@@ -2,8 +2,6 @@
 // written or lost, no temporary file stays, and the next run ends the shot.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <set>
 #include <string>
@@ -15,11 +13,6 @@ namespace {
 
 constexpr const char* kShot =
     "render card.png -o out.#.png --over plate.png --ul 5,3 --ur 40,1 --no-progress --resume ";
-
-std::string contents(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // The files of a folder whose name begins so; hidden ones are temporary.
 std::map<std::string, std::string> files(const TestFolder& folder, const std::string& begin) {

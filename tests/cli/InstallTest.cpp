@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <regex>
-#include <sstream>
 #include <string>
 
 #include "CommandRunner.h"
@@ -27,9 +26,7 @@ TEST(Install, EverythingThatTheGuidesLinkToIsInstalled) {
     if (entry.path().extension() != ".md") {
       continue;
     }
-    std::ostringstream stream;
-    stream << std::ifstream(entry.path()).rdbuf();
-    const std::string text = stream.str();
+    const std::string text = contents(entry.path());
     // Files, not addresses or places on the same page.
     static const std::regex link(R"(\]\(([^):#]+)(#[^)]*)?\))");
     for (std::sregex_iterator at(text.begin(), text.end(), link), end; at != end; ++at, ++links) {

@@ -13,8 +13,7 @@ namespace vantorel::cli {
 namespace {
 
 TEST(LayerOptions, ACroppedLayerIsThePartThatIsLeft) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 200x150");
+  const FolderWithCard folder("200x150");
   runWell(folder, "render card.png -o part.png --crop 20,10%,40,15");
   const PixelFile card = PixelFile::read(folder / "card.png");
   const PixelFile part = PixelFile::read(folder / "part.png");

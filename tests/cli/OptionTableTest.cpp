@@ -31,10 +31,9 @@ Names namesOf(const std::vector<OptionRow<Options>>& table) {
 }
 
 std::string document(const std::string& name) {
-  std::ostringstream text;
-  text << std::ifstream(std::string(VANTOREL_DOCS "/") + name).rdbuf();
-  EXPECT_NE(text.str(), "") << name;
-  return text.str();
+  const std::string text = contents(std::string(VANTOREL_DOCS "/") + name);
+  EXPECT_NE(text, "") << name;
+  return text;
 }
 
 // What the completion offers in a `case` arm: the words after "words='" of the line that starts with `pattern`.

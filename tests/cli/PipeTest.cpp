@@ -9,8 +9,7 @@ namespace vantorel::cli {
 namespace {
 
 TEST(Pipe, PicturesGoThroughPipesInEveryFormat) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 40x30");
+  const FolderWithCard folder("40x30");
   for (const std::string format : {"png", "jpg", "tif", "exr", "dpx"}) {
     const std::string corners = " --ul 3,2 --lr 36,29";
     const std::string file = "file." + format;
@@ -32,31 +31,20 @@ TEST(Pipe, ASequenceFollowsOnAndProgressKeepsOutOfIt) {
 }
 
 TEST(Pipe, FaultsNameTheStream) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 400x300");
-  struct Case {
-    const char* before;
-    const char* arguments;
-    int code;
-    const char* message;
-  };
-  for (const Case& one : {
-           Case{"", "render - -o out.png < /dev/null", 3, "standard input: is empty; send a picture"},
-           Case{"head -c 900 card.png |", "render - -o out.png", 3, "standard input: is truncated"},
-           Case{"echo text |", "render - -o out.png", 3, "standard input: cannot be read as a picture"},
-           Case{"", "render - --over - -o out.png < card.png", 2,
-                "--over: cannot be standard input, which LAYER reads"},
-           Case{"", "render card.png -o -", 2, "--format: is missing for standard output; give png, jpg"},
-           Case{"", "render card.png -o - --format gif", 2, "--format: 'gif' is not known; give png"},
-           Case{"", "render card.png -o - --format png --json", 2, "--json: writes to standard output"},
-           Case{"", "render card.png -o - --format png --resume", 2, "--resume: has no files to look at"},
-           Case{"", "testcard -o - --format png > /dev/full", 3, "standard output: cannot be written to (No space"},
-       }) {
-    const CommandResult result = run(folder, one.arguments, one.before);
-    EXPECT_EQ(result.code, one.code) << one.arguments;
-    EXPECT_NE(result.err.find(one.message), std::string::npos) << one.arguments << ": " << result.err;
-    EXPECT_EQ(folder.count(), 1U) << one.arguments;
-  }
+  const FolderWithCard folder("400x300");
+  const std::string render = "render - -o out.png ";
+  expectRefused(folder,
+                {
+                    {render + "< /dev/null", 3, "standard input: is empty; send a picture"},
+                    {render, 3, "standard input: is truncated", "head -c 900 card.png |"},
+                    {render, 3, "standard input: cannot be read as a picture", "echo text |"},
+                    {render + "--over - < card.png", 2, "--over: cannot be standard input, which LAYER reads"},
+                    {"render card.png -o -", 2, "--format: is missing for standard output; give png, jpg"},
+                    {"render card.png -o - --format gif", 2, "--format: 'gif' is not known; give png"},
+                    {"render card.png -o - --format png --json", 2, "--json: writes to standard output"},
+                    {"render card.png -o - --format png --resume", 2, "--resume: has no files to look at"},
+                    {"testcard -o - --format png > /dev/full", 3, "standard output: cannot be written to (No space"},
+                });
   const CommandResult unread =
       run(folder, "testcard -o - --format dpx > fifo", "mkfifo fifo; head -c 9 fifo > /dev/null &");
   EXPECT_EQ(unread.code, 3);

@@ -14,15 +14,13 @@ namespace {
 constexpr const char* kWhole = " --ul 0,0 --ur 100%,0 --ll 0,100% --lr 100%,100%";
 
 TEST(RectifyCommand, TheWholePhotoStaysAsItIs) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 200x150");
+  const FolderWithCard folder("200x150");
   runWell(folder, std::string("rectify card.png -o same.png --size 200x150") + kWhole);
   EXPECT_EQ(difference(folder / "card.png", folder / "same.png"), 0.0);
 }
 
 TEST(RectifyCommand, APartInPlaceIsCutOut) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 200x150");
+  const FolderWithCard folder("200x150");
   runWell(folder, "rectify card.png -o part.png --aspect 2:1 --ul 40,30 --ur 140,30 --ll 40,80 --lr 140,80");
   runWell(folder, "render card.png -o crop.png --crop 40,30,60,70");
   EXPECT_EQ(difference(folder / "part.png", folder / "crop.png"), 0.0);
@@ -42,8 +40,7 @@ TEST(RectifyCommand, ThereAndBackKeepsThePicture) {
 // A part of the layer that goes onto its own place shows that part alone; onto a whole picture it is what rectify
 // makes.
 TEST(SourceCorners, TheirQuadrilateralGoesOntoTheCorners) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 200x150");
+  const FolderWithCard folder("200x150");
   const std::string part = "--from-ul 40,30 --from-ur 140,30 --from-ll 40,80 --from-lr 140,80";
   runWell(folder, "render card.png -o there.png --size 100x50 --ul 0,0 --ur 100,0 --ll 0,50 --lr 100,50 " + part);
   runWell(folder, "render card.png -o crop.png --crop 40,30,60,70");
@@ -55,14 +52,11 @@ TEST(SourceCorners, TheirQuadrilateralGoesOntoTheCorners) {
   runWell(folder, "rectify card.png -o page.png --size 90x70 --ul 50,20 --ur 160,40 --ll 30,120 --lr 170,110");
   EXPECT_LT(difference(folder / "straight.png", folder / "page.png"), 0.01);
 
-  const auto refused = [&](const std::string& options, const std::string& message) {
-    const CommandResult result = run(folder, "render card.png -o out.png " + options);
-    EXPECT_EQ(result.code, 2) << options;
-    EXPECT_NE(result.err.find(message), std::string::npos) << result.err;
-  };
-  refused("--from-ul 150,140", "--from-ul: with the layer's other corners it makes no convex quadrilateral");
-  refused("--placement centres " + part, "--placement: cannot be centres");
-  refused("--edges soft " + part, "--edges: cannot be soft");
+  const std::string render = "render card.png -o out.png ";
+  expectRefused(folder, {{render + "--from-ul 150,140", 2,
+                          "--from-ul: with the layer's other corners it makes no convex quadrilateral"},
+                         {render + "--placement centres " + part, 2, "--placement: cannot be centres"},
+                         {render + "--edges soft " + part, 2, "--edges: cannot be soft"}});
 }
 
 // By keys in the file of corners, between which it moves as the corners do.
@@ -146,18 +140,17 @@ TEST(RectifyCommand, ProportionsAreEstimatedAndTold) {
 TEST(RectifyCommand, BadCornersAndSizesAreRefused) {
   const TestFolder folder;
   PixelFile::filled({400, 300}, {90, 90, 90}).write(folder / "photo.png");
-  const auto refused = [&](const std::string& arguments, const std::string& message) {
-    const CommandResult result = run(folder, "rectify photo.png -o page.png " + arguments);
-    EXPECT_EQ(result.code, 2) << arguments;
-    EXPECT_NE(result.err.find(message), std::string::npos) << arguments << "\n" << result.err;
-    EXPECT_EQ(folder.count(), 1u) << arguments;
-  };
-  refused("--ul 0,0", "--ur: is missing; give all four corners of the page");
-  refused("--size 9x9 --aspect 1:1" + std::string(kWhole), "--aspect: cannot be given together with --size");
-  refused("--aspect 4" + std::string(kWhole), "--aspect: '4' is no proportion");
-  refused("--aspect 1:0" + std::string(kWhole), "--aspect: '1:0' is no proportion");
-  refused("--size 9x9 --ul 0,0 --ur 0,90 --ll 90,0 --lr 10,10", "--ul: the corners make no convex quadrilateral");
-  refused("--size 9x9 --ul 900,0 --ur 990,0 --ll 900,90 --lr 990,90", "--ul: the corners lie outside the photo");
+  const std::string rectify = "rectify photo.png -o page.png ";
+  expectRefused(
+      folder,
+      {
+          {rectify + "--ul 0,0", 2, "--ur: is missing; give all four corners of the page"},
+          {rectify + "--size 9x9 --aspect 1:1" + kWhole, 2, "--aspect: cannot be given together with --size"},
+          {rectify + "--aspect 4" + kWhole, 2, "--aspect: '4' is no proportion"},
+          {rectify + "--aspect 1:0" + kWhole, 2, "--aspect: '1:0' is no proportion"},
+          {rectify + "--size 9x9 --ul 0,0 --ur 0,90 --ll 90,0 --lr 10,10", 2, "--ul: the corners make no convex"},
+          {rectify + "--size 9x9 --ul 900,0 --ur 990,0 --ll 900,90 --lr 990,90", 2, "--ul: the corners lie outside"},
+      });
 }
 
 }  // namespace

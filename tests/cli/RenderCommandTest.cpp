@@ -3,12 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 
 #include "CommandRunner.h"
+#include "PixelFile.h"
 
 namespace vantorel::cli {
 namespace {
@@ -16,8 +15,7 @@ namespace {
 constexpr const char* kTurned = " --ul 20,10 --ur 180,30 --ll 10,120 --lr 150,140";
 
 TEST(RenderCommand, AnIdentityRenderReproducesTheLayerAtEveryDepthThroughBothProtocols) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 200x150");
+  const FolderWithCard folder("200x150");
   runWell(folder, "testcard -o card.exr --size 200x150");
   for (const std::string protocol : {"smart", "plain"}) {
     for (const std::string depth : {"auto", "8", "16", "float"}) {
@@ -32,8 +30,7 @@ TEST(RenderCommand, AnIdentityRenderReproducesTheLayerAtEveryDepthThroughBothPro
 }
 
 TEST(RenderCommand, PathProtocolAndThreadsDoNotChangeThePicture) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 200x150");
+  const FolderWithCard folder("200x150");
   struct Shape {
     const char* corners;
     const char* path;
@@ -66,16 +63,14 @@ TEST(RenderCommand, PathProtocolAndThreadsDoNotChangeThePicture) {
 TEST(RenderCommand, AnIdentityKeepsSoftAlphaAtAutomaticDepth) {
   const TestFolder folder;
   const auto write = [&](const std::string& name, bool opaque) {
-    OIIO::ImageSpec spec(256, 256, 4, OIIO::TypeDesc::UINT8);
-    spec.attribute("oiio:UnassociatedAlpha", 1);
-    std::vector<std::uint8_t> pixels;
-    for (int i = 0; i < 256 * 256; ++i) {
-      const auto alpha = static_cast<std::uint8_t>(i / 256);
-      const auto colour = static_cast<std::uint8_t>(alpha == 0 ? 0 : i % 256);
-      pixels.insert(pixels.end(), {colour, colour, colour, opaque ? std::uint8_t{255} : alpha});
+    PixelFile file = PixelFile::filled({256, 256}, {0, 0, 0, 255});
+    for (int alpha = 0; alpha < 256; ++alpha) {
+      for (int x = 0; x < 256; ++x) {
+        const int colour = alpha == 0 ? 0 : x;
+        file.set(x, alpha, {colour, colour, colour, opaque ? 255 : alpha});
+      }
     }
-    const auto output = OIIO::ImageOutput::create(name);
-    ASSERT_TRUE(output->open(folder / name, spec) && output->write_image(OIIO::TypeDesc::UINT8, pixels.data()));
+    file.write(folder / name);
   };
   write("soft.png", false);
   write("opaque.png", true);
@@ -91,8 +86,7 @@ TEST(RenderCommand, AnIdentityKeepsSoftAlphaAtAutomaticDepth) {
 }
 
 TEST(RenderCommand, DepthsAgreeWithinTheirRounding) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 200x150");
+  const FolderWithCard folder("200x150");
   for (const std::string depth : {"8", "16", "float"}) {
     runWell(folder, "render card.png -o " + depth + ".tif --depth " + depth + kTurned);
   }
@@ -136,8 +130,7 @@ TEST(RenderCommand, FitKeepsThePlaceOfTheOutput) {
 }
 
 TEST(RenderCommand, ProxiesShowTheSamePictureSmaller) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 403x301");
+  const FolderWithCard folder("403x301");
   runWell(folder, "testcard -o plate.png --size 403x301");
   for (const std::string options : {"", " --over plate.png", " --fit"}) {
     const std::string common = options + " --quality high --ul 40,20 --ur 360,60 --ll 20,240 --lr 300,280";
@@ -174,20 +167,13 @@ TEST(RenderCommand, MetadataGoesAlong) {
 
 TEST(RenderCommand, LinearLightBrightensMixesOfBlackAndWhite) {
   const TestFolder folder;
-  const auto output = OIIO::ImageOutput::create("a.png");
-  ASSERT_TRUE(output->open(folder / "a.png", OIIO::ImageSpec(64, 64, 1, OIIO::TypeDesc::UINT8)));
-  std::vector<std::uint8_t> stripes(64 * 64);
-  for (std::size_t i = 0; i < stripes.size(); ++i) {
-    stripes[i] = i % 2 == 0 ? 0 : 255;
+  PixelFile stripes = PixelFile::filled({64, 64}, {0});
+  for (int i = 0; i < 64 * 64; ++i) {
+    stripes.set(i % 64, i / 64, {i % 2 == 0 ? 0 : 255});
   }
-  output->write_image(OIIO::TypeDesc::UINT8, stripes.data());
-  output->close();
+  stripes.write(folder / "a.png");
   const std::string shrink = " --ul 0,0 --ur 16,0 --ll 0,16 --lr 16,16 --size 16x16";
-  const auto middle = [&](const std::string& name) {
-    std::uint8_t pixels[16 * 16 * 4] = {};
-    OIIO::ImageInput::open(folder / name)->read_image(0, 0, 0, 4, OIIO::TypeDesc::UINT8, pixels);
-    return static_cast<int>(pixels[(8 * 16 + 8) * 4]);
-  };
+  const auto middle = [&](const std::string& name) { return 255 * PixelFile::read(folder / name).at(8, 8)[0]; };
   runWell(folder, "render a.png -o plain.png" + shrink);
   EXPECT_NEAR(middle("plain.png"), 128, 2);
   runWell(folder, "render a.png -o linear.png --linear" + shrink);
@@ -224,8 +210,7 @@ TEST(RenderCommand, EqualRunsWriteEqualBytes) {
   const TestFolder folder;
   const auto bytes = [&](const std::string& name, const std::string& before) {
     EXPECT_EQ(run(folder, "testcard -o " + name + " --size 64x48", before).code, 0) << name;
-    std::ifstream file(folder / name, std::ios::binary);
-    return std::string{std::istreambuf_iterator<char>(file), {}};
+    return contents(folder / name);
   };
   for (const std::string name : {"card.tif", "card.exr", "card.dpx", "card.png", "card.jpg"}) {
     const std::string first = bytes(name, "");

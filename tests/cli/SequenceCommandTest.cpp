@@ -138,8 +138,7 @@ TEST(SequenceCommand, ResumeRendersWhatIsMissingOldDamagedOrMadeInAnotherWay) {
 }
 
 TEST(SequenceCommand, FramesOfTheBilinearPathAreToldOnce) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 80x60");
+  const FolderWithCard folder("80x60");
   // The lower right corner goes inside the triangle of the others and comes out again.
   folder.write("track.csv", "1,0,0,79,0,0,59,79,59\n3,0,0,79,0,0,59,20,15\n5,0,0,79,0,0,59,79,59\n");
   EXPECT_EQ(run(folder, "render card.png -o out.#.png --frames 1-5 --corners track.csv").err,
@@ -173,8 +172,7 @@ TEST(SequenceCommand, ABrokenFrameStopsTheRunOrIsListed) {
 }
 
 TEST(SequenceCommand, AnInterruptedRunLeavesWholeFramesAndGoesOnLater) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 320x240");
+  const FolderWithCard folder("320x240");
   const std::string shot = "render card.png -o 'out.%04d.png' --frames 1-100000 --ul 5,5";
   // `timeout` sends the signal; without --foreground it would reach the test's shell too.
   const CommandResult result = run(folder, shot, "timeout --foreground --preserve-status -s INT 3");
@@ -192,8 +190,7 @@ TEST(SequenceCommand, AnInterruptedRunLeavesWholeFramesAndGoesOnLater) {
 }
 
 TEST(SequenceCommand, ProgressFitsTheTerminalAndEndsWithASummary) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 80x60");
+  const FolderWithCard folder("80x60");
   const std::string shown = runInTerminal(folder, "render card.png -o out.#.png --frames 1-12 --threads 1", 20);
   const std::string erase = "\r\x1b[K";
   std::size_t at = shown.find(erase);
@@ -209,8 +206,7 @@ TEST(SequenceCommand, ProgressFitsTheTerminalAndEndsWithASummary) {
 }
 
 TEST(SequenceCommand, SignalsThatWereIgnoredStayIgnored) {
-  const TestFolder folder;
-  runWell(folder, "testcard -o card.png --size 640x480");
+  const FolderWithCard folder("640x480");
   const std::string shot = "render card.png -o out.#.png --threads 1 --frames 1-60";
   for (const std::string signal : {"HUP", "INT"}) {
     // The shell becomes the command, and so has the number that the signal goes to.
