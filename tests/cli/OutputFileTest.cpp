@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <fstream>
 #include <utility>
 
 #include "TestFolder.h"
@@ -19,9 +18,7 @@ TEST(OutputFile, AnOutputThatIsNotCommittedLeavesNothing) {
     OutputFile file(folder / "kept.txt");
     std::fputs("new", file.stream());
   }
-  std::string text;
-  std::ifstream(folder / "kept.txt") >> text;
-  EXPECT_EQ(text, "old");
+  EXPECT_EQ(contents(folder / "kept.txt"), "old");
   EXPECT_EQ(folder.count(), 1u);
 
   // Links stay, whether what they lead to exists or not.
@@ -32,8 +29,7 @@ TEST(OutputFile, AnOutputThatIsNotCommittedLeavesNothing) {
     OutputFile file(folder / link);
     std::fputs("new", file.stream());
     file.commit();
-    std::ifstream(folder / target) >> text;
-    EXPECT_EQ(text, "new") << link;
+    EXPECT_EQ(contents(folder / target), "new") << link;
     EXPECT_TRUE(std::filesystem::is_symlink(folder / link)) << link;
   }
   EXPECT_EQ(folder.count(), 5u);
