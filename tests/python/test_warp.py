@@ -1,10 +1,8 @@
 import os
 import signal
-import struct
 import subprocess
 import threading
 import time
-import zlib
 from concurrent.futures import ThreadPoolExecutor
 
 import numpy as np
@@ -41,41 +39,20 @@ def test_views_give_what_their_copies_give(dtype, channels):
         np.testing.assert_array_equal(out, result)
 
 
-def write_png(path, rgba):
-    def chunk(name, data):
-        return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
-
-    height, width = rgba.shape[:2]
-    rows = b"".join(b"\0" + row.tobytes() for row in rgba)
-    header = struct.pack(">IIBBBBB", width, height, 8, 6, 0, 0, 0)
-    chunks = chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b"")
-    path.write_bytes(b"\x89PNG\r\n\x1a\n" + chunks)
+RAW = ["-f", "rawvideo", "-pix_fmt", "rgba"]
 
 
-def read_png(path, shape):
-    data, packed, at = path.read_bytes(), b"", 8
-    while at < len(data):
-        length, name = struct.unpack(">I4s", data[at : at + 8])
-        packed += data[at + 8 : at + 8 + length] if name == b"IDAT" else b""
-        at += 12 + length
-    rows = np.frombuffer(zlib.decompress(packed), np.uint8).reshape(shape[0], -1)
-    pixels = np.zeros((shape[0] + 1, shape[1] + 1, 4), int)  # with a row above and a pixel on the left
-    for y, row in enumerate(rows, 1):
-        for x, value in enumerate(row[1:].reshape(-1, 4).astype(int), 1):
-            left, up, corner = pixels[y, x - 1], pixels[y - 1, x], pixels[y - 1, x - 1]
-            to_left, to_up, to_corner = abs(up - corner), abs(left - corner), abs(left + up - 2 * corner)
-            nearer = np.where(to_up <= to_corner, up, corner)
-            paeth = np.where((to_left <= to_up) & (to_left <= to_corner), left, nearer)
-            pixels[y, x] = (value + (0, left, up, (left + up) // 2, paeth)[row[0]]) & 255
-    return pixels[1:, 1:].astype(np.uint8)
+def ffmpeg(*arguments, **options):
+    return subprocess.run(["ffmpeg", "-v", "error", "-y", *arguments], check=True, stdout=subprocess.PIPE, **options).stdout
 
 
 def drawn_by_the_command(folder, image, quality, *options):
-    write_png(folder / "in.png", image)
+    height, width = image.shape[:2]
+    ffmpeg(*RAW, "-s", f"{width}x{height}", "-i", "-", "in.png", cwd=folder, input=image.tobytes())
     places = [f"--{name}={x},{y}" for name, (x, y) in zip(("ul", "ur", "ll", "lr"), TRAPEZOID)]
     command = [os.environ["VANTOREL_COMMAND"], "render", "in.png", "-o", "out.png", "--quality", quality, *places, *options]
     subprocess.run(command, cwd=folder, check=True)
-    return read_png(folder / "out.png", image.shape)
+    return np.frombuffer(ffmpeg("-i", "out.png", *RAW, "-", cwd=folder), np.uint8).reshape(image.shape)
 
 
 @pytest.mark.parametrize("quality", ["standard", "high", "best"])
