@@ -44,6 +44,19 @@ TEST(Alpha, EightBitRowsAreRoundedToNearestForEveryColourAndAlpha) {
   }
 }
 
+TEST(Alpha, DeeperRowsAreMultipliedAndDividedByAlpha) {
+  std::vector<std::uint16_t> words{65535, 3, 30000, 32768, 7, 8, 9, 0};
+  premultiplyRow(words.data(), 2);
+  EXPECT_EQ(words, (std::vector<std::uint16_t>{32768, 2, 15000, 32768, 0, 0, 0, 0}));
+  unpremultiplyRow(words.data(), 2);
+  EXPECT_EQ(words, (std::vector<std::uint16_t>{65535, 4, 30000, 32768, 0, 0, 0, 0}));
+  std::vector<float> floats{2.0F, 0.5F, -1.0F, 0.25F, 1.0F, 2.0F, 3.0F, 1.0F};
+  premultiplyRow(floats.data(), 2);
+  EXPECT_EQ(floats, (std::vector<float>{0.5F, 0.125F, -0.25F, 0.25F, 1.0F, 2.0F, 3.0F, 1.0F}));
+  unpremultiplyRow(floats.data(), 2);
+  EXPECT_EQ(floats, (std::vector<float>{2.0F, 0.5F, -1.0F, 0.25F, 1.0F, 2.0F, 3.0F, 1.0F}));
+}
+
 TEST(Alpha, OnePixelChangesWhatARowsAlphasHaveInCommon) {
   for (int width = 1; width < 12; ++width) {
     for (int odd = 0; odd < width; ++odd) {

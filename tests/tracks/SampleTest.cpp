@@ -115,11 +115,11 @@ TEST(Samples, BoxesAreReadAndWrittenBack) {
   ASSERT_TRUE(text) << faultText(text);
   EXPECT_EQ(*text, "0~=100 50 640 360 1;\n10~=140.5 50 640 360 1;\n25~=200 80.25 800 450 1\n");
 
-  const std::string clock = "00:00:02.500=1 2 3 4;00:00:03:12=5 6 7 8";
+  const std::string clock = "00:00:09.500=1 2 3 4;00:00:13:12=5 6 7 8";
   const auto timed = readText(clock, "boxes", {nullptr, 24.0});
   ASSERT_TRUE(timed) << faultText(timed);
-  EXPECT_EQ(timed->track.keys.at(0).frame, 60.0);
-  EXPECT_EQ(timed->track.keys.at(1).frame, 84.0);
+  EXPECT_EQ(timed->track.keys.at(0).frame, 228.0);
+  EXPECT_EQ(timed->track.keys.at(1).frame, 324.0);
   EXPECT_NE(faultText(readText(clock)).find("clock value"), std::string::npos);
   // A quadrilateral that is no box is refused rather than written as its bounds.
   const auto other = resolveText(sampleText("own.csv"));
