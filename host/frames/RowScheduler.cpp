@@ -62,8 +62,9 @@ void RowScheduler::runRow(Pass& pass, std::int32_t y) {
     pass.fail(code);
     return;
   }
-  const std::int32_t done = pass.rows_done.fetch_add(1, std::memory_order_relaxed) + 1;
+  // Counting waits for the row's pixels to reach the caches, which is felt where rows are short.
   if (progress_ != nullptr) {
+    const std::int32_t done = pass.rows_done.fetch_add(1, std::memory_order_relaxed) + 1;
     report(pass.share_begin + pass.share_per_row * done);
     const std::lock_guard lock(mutex_);
     if (progress_failure_) {
