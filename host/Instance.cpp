@@ -163,4 +163,14 @@ Result<Rect> Instance::boundingBox(Size layer_size, const FrameOptions& options)
   });
 }
 
+Result<Rect> Instance::neededPart(Size layer_size, const Rect& canvas, const FrameOptions& options) {
+  return withMemoryErrors("layer", [&] {
+    return makeReady().and_then([&] { return checkBoxRequest(*module_, layer_size, options); }).and_then([&] {
+      FrameRender frame(*module_->state_, state_->frame, state_->tiles, state_->corners, state_->sourceOrNull(),
+                        layer_size, options);
+      return canvas.empty() ? Result<Rect>(Rect{}) : frame.neededPart(reducedCanvas(canvas, options.downsample));
+    });
+  });
+}
+
 }  // namespace vantorel::host

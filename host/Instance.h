@@ -60,6 +60,11 @@ class Instance {
   // it: the bounding box of the corners, a pixel wider on every side.
   Result<Rect> boundingBox(Size layer_size, const FrameOptions& options);
 
+  // The part of a layer, in its pixels, that the pixels of a canvas depend on at that time: `render` may be given a
+  // layer of that size with anything elsewhere. It is empty where the canvas shows nothing of the layer, and all of the
+  // layer where no less is known to do. Errors as for `render`.
+  Result<Rect> neededPart(Size layer_size, const Rect& canvas, const FrameOptions& options);
+
  private:
   struct State;
   Result<void> makeReady();

@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bridges/ofx/ClipImage.h"
@@ -71,6 +72,21 @@ class Effect {
   std::mutex mutex_;
   std::vector<std::unique_ptr<Renderer>> idle_;
   std::atomic<bool> has_error_ = false;
+};
+
+// A renderer of an effect's for as long as this lives.
+class BorrowedRenderer {
+ public:
+  explicit BorrowedRenderer(Effect& effect) : effect_(effect), renderer_(effect.takeRenderer()) {}
+  ~BorrowedRenderer() { effect_.giveBack(std::move(renderer_)); }
+  BorrowedRenderer(const BorrowedRenderer&) = delete;
+  BorrowedRenderer& operator=(const BorrowedRenderer&) = delete;
+  Renderer& operator*() { return *renderer_; }
+  Renderer* operator->() { return renderer_.get(); }
+
+ private:
+  Effect& effect_;
+  std::unique_ptr<Renderer> renderer_;
 };
 
 // The properties of an instance or a descriptor.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace vantorel::ofx {
 
@@ -11,6 +12,17 @@ PixelScale PixelScale::of(const PointD& render_scale, double pixel_aspect, bool 
 
 RectD pixelsOf(const RectD& canonical, const PixelScale& scale) {
   return {canonical.x1 * scale.x, canonical.y1 * scale.y, canonical.x2 * scale.x, canonical.y2 * scale.y};
+}
+
+std::optional<RectI> pixelsRound(const RectD& pixels) {
+  constexpr double kFarthest = 1 << 24;
+  const bool is_held = pixels.x1 > -kFarthest && pixels.y1 > -kFarthest && pixels.x2 < kFarthest &&
+                       pixels.y2 < kFarthest && pixels.x1 < pixels.x2 && pixels.y1 < pixels.y2;
+  if (!is_held) {
+    return std::nullopt;
+  }
+  return RectI{static_cast<int>(std::floor(pixels.x1)), static_cast<int>(std::floor(pixels.y1)),
+               static_cast<int>(std::ceil(pixels.x2)), static_cast<int>(std::ceil(pixels.y2))};
 }
 
 host::Point Plane::at(const host::Point& canonical) const {
@@ -50,6 +62,16 @@ RectD boundsOf(const host::Corners& corners, const PixelScale& scale, double mar
 
 RectD united(const RectD& a, const RectD& b) {
   return {std::min(a.x1, b.x1), std::min(a.y1, b.y1), std::max(a.x2, b.x2), std::max(a.y2, b.y2)};
+}
+
+RectD common(const RectD& part, const RectD& within) {
+  const auto cut = [](double low, double high, double from, double to) {
+    const double begin = std::clamp(low, from, std::max(from, to - 1.0));
+    return std::pair(begin, std::clamp(high, std::min(begin + 1.0, to), to));
+  };
+  const auto [x1, x2] = cut(part.x1, part.x2, within.x1, within.x2);
+  const auto [y1, y2] = cut(part.y1, part.y2, within.y1, within.y2);
+  return {x1, y1, x2, y2};
 }
 
 RectI common(const RectI& a, const RectI& b) {

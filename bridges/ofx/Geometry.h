@@ -1,6 +1,8 @@
 // From the interface's coordinates to those that the effect draws in.
 #pragma once
 
+#include <optional>
+
 #include "bridges/ofx/OfxTypes.h"
 #include "host/Animation.h"
 #include "host/Image.h"
@@ -18,6 +20,9 @@ struct PixelScale {
 
 // The source's frame in canonical coordinates, in pixels.
 RectD pixelsOf(const RectD& canonical, const PixelScale& scale);
+
+// The whole pixels that hold something of a region; nothing for one without end, or larger than can be drawn.
+std::optional<RectI> pixelsRound(const RectD& pixels);
 
 // A plane of pixels, y down, on which the upper left corner of the source's frame is (0, 0): that of the embedded
 // host's canvases, of which a still's is the frame itself.
@@ -40,5 +45,7 @@ RectD boundsOf(const host::Corners& corners, const PixelScale& scale, double mar
 
 RectD united(const RectD& a, const RectD& b);
 RectI common(const RectI& a, const RectI& b);
+// At least a canonical unit of `within`, where `part` lies beside it.
+RectD common(const RectD& part, const RectD& within);
 
 }  // namespace vantorel::ofx

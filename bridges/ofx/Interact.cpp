@@ -83,7 +83,7 @@ void drawQuad(const Event& event, const Overlay& overlay, bool from, OverlayPain
   }
   if (degeneracy != nullptr) {
     painter->setColour(kDegenerate);
-    painter->text(degeneracy, {quad[0].x + kHandleRadius * pixel.x, quad[0].y + kHandleRadius * pixel.y});
+    painter->text(degeneracy, {quad[0].x + kHandleRadius * pixel.x, quad[0].y + kHandleRadius * pixel.y}, pixel);
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "bridges/ofx/StrokeFont.h"
 #include "bridges/ofx/Suites.h"
 
 namespace vantorel::ofx {
@@ -24,6 +25,7 @@ struct OpenGl {
   void (*colour)(float red, float green, float blue, float alpha);
 };
 constexpr unsigned kGlLineLoop = 2;
+constexpr unsigned kGlLineStrip = 3;
 constexpr unsigned kGlTriangleFan = 6;
 
 template <typename Function>
@@ -87,10 +89,14 @@ void OverlayPainter::filledBox(const PointD& centre, double half_width, double h
   }
 }
 
-void OverlayPainter::text(const char* text, const PointD& at) const {
+void OverlayPainter::text(const char* text, const PointD& at, const PointD& pixel) const {
   if (context_ != nullptr) {
     suites().draw->draw_text(context_, text, &at, kAlignLeft | kAlignBottom);
+    return;
   }
+  constexpr double kCell = 2.5;  // screen pixels
+  drawStrokes(text, at, {kCell * pixel.x, kCell * pixel.y},
+              [&](std::span<const PointD> line) { drawVertices(kGlLineStrip, line); });
 }
 
 void OverlayPainter::drawVertices(unsigned mode, std::span<const PointD> points) const {

@@ -16,8 +16,9 @@ class OverlayPainter {
   void setColour(const Colour& colour);
   void loop(std::span<const PointD> points) const;
   void filledBox(const PointD& centre, double half_width, double half_height) const;
-  // With the draw suite alone: OpenGL has no letters.
-  void text(const char* text, const PointD& at) const;
+  // Above and to the right of a point. OpenGL has no letters, so that they are drawn as lines, with `pixel` the size of
+  // a screen pixel.
+  void text(const char* text, const PointD& at, const PointD& pixel) const;
 
  private:
   void drawVertices(unsigned mode, std::span<const PointD> points) const;

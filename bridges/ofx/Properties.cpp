@@ -87,6 +87,11 @@ std::optional<RectI> Properties::rectangle(const char* name) const {
   return values ? std::optional(RectI{(*values)[0], (*values)[1], (*values)[2], (*values)[3]}) : std::nullopt;
 }
 
+std::optional<RectD> Properties::region(const char* name) const {
+  const auto values = gotAll<4>(suites().property->get_doubles, suites().property->get_double, set_, name);
+  return values ? std::optional(RectD{(*values)[0], (*values)[1], (*values)[2], (*values)[3]}) : std::nullopt;
+}
+
 std::optional<PointD> Properties::point(const char* name) const {
   const auto values = gotAll<2>(suites().property->get_doubles, suites().property->get_double, set_, name);
   return values ? std::optional(PointD{(*values)[0], (*values)[1]}) : std::nullopt;

@@ -39,6 +39,7 @@ class Properties {
   std::optional<std::string> text(const char* name, int index = 0) const;
   void* pointer(const char* name) const;
   std::optional<RectI> rectangle(const char* name) const;
+  std::optional<RectD> region(const char* name) const;
   std::optional<PointD> point(const char* name) const;
 
  private:

@@ -2,6 +2,7 @@
 
 #include "bridges/ofx/Geometry.h"
 #include "bridges/ofx/Names.h"
+#include "bridges/ofx/Placement.h"
 
 namespace vantorel::ofx {
 namespace {
@@ -9,14 +10,39 @@ namespace {
 // Soft edges reach up to 5 pixels beyond the corners, and rounding a pixel further.
 constexpr double kMargin = 6.0;
 
-PixelScale scaleOf(const Effect& effect, const Properties& in) {
+PixelScale scaleOf(const Clip& clip, const Properties& in, bool is_field = false) {
   const PointD render_scale = in.point(kPropRenderScale).value_or(PointD{1.0, 1.0});
-  const double aspect = Properties(effect.output().properties).number(kPropPixelAspect).value_or(1.0);
-  return PixelScale::of(render_scale, aspect > 0.0 ? aspect : 1.0, false);
+  const double aspect = Properties(clip.properties).number(kPropPixelAspect).value_or(1.0);
+  return PixelScale::of(render_scale, aspect > 0.0 ? aspect : 1.0, is_field);
 }
 
 Time timeOf(const Properties& in) {
   return required(in.number(kPropTime), kPropTime);
+}
+
+// The part of the source's region that a region of the output needs.
+RectD neededOf(Effect& effect, const Properties& in, const RectD& asked, const RectD& region) {
+  const Time time = timeOf(in);
+  const ParameterValues values = effect.parameters().at(time, effect.project(time));
+  // Which fields are rendered is not told: those of half the height reach farther.
+  const auto order = Properties(effect.source().properties).text("OfxImageClipPropFieldOrder");
+  const bool has_fields = order && *order != "OfxFieldNone";
+  const PixelScale source_scale = scaleOf(effect.source(), in, has_fields);
+  const PixelScale output_scale = scaleOf(effect.output(), in, has_fields);
+  const std::optional<RectI> frame = pixelsRound(pixelsOf(region, source_scale));
+  const std::optional<RectI> window = pixelsRound(pixelsOf(asked, output_scale));
+  if (!frame || !window) {
+    return region;
+  }
+  BorrowedRenderer renderer(effect);
+  const Placement placement{*frame, output_scale, source_scale};
+  placement.apply(values, &renderer->instance);
+  const RectI part = placement.neededFor(*window, optionsOf(values), &renderer->instance);
+  // The host may round the frame in another way. There is always a pixel, for hosts that want one.
+  constexpr double kRounding = 2.0;
+  const RectD grown{(part.x1 - kRounding) / source_scale.x, (part.y1 - kRounding) / source_scale.y,
+                    (part.x2 + kRounding) / source_scale.x, (part.y2 + kRounding) / source_scale.y};
+  return common(grown, region);
 }
 
 }  // namespace
@@ -24,7 +50,7 @@ Time timeOf(const Properties& in) {
 Status regionOfDefinition(const Effect& effect, const Properties& in, const Properties& out) {
   const Time time = timeOf(in);
   const ParameterValues values = effect.parameters().at(time, effect.project(time));
-  RectD region = boundsOf(values.corners, scaleOf(effect, in), kMargin);
+  RectD region = boundsOf(values.corners, scaleOf(effect.output(), in), kMargin);
   if (const auto background = effect.background().regionOfDefinition(time)) {
     region = united(region, *background);
   }
@@ -32,14 +58,22 @@ Status regionOfDefinition(const Effect& effect, const Properties& in, const Prop
   return Status::Ok;
 }
 
-// All of the source, whatever the window: the effect reads a frame that is there as a whole. The other clips are needed
-// where the window is, as the host has it already.
-Status regionsOfInterest(const Effect& effect, const Properties& in, const Properties& out) {
+// The other clips are needed where the window is, as the host has it already.
+Status regionsOfInterest(Effect& effect, const Properties& in, const Properties& out) {
   const auto region = effect.source().regionOfDefinition(timeOf(in));
   if (!region) {
     return Status::ReplyDefault;
   }
-  out.set("OfxImageClipPropRoI_Source", {region->x1, region->y1, region->x2, region->y2});
+  RectD needed = *region;
+  if (const auto asked = in.region("OfxImageEffectPropRegionOfInterest")) {
+    try {
+      needed = neededOf(effect, in, *asked, *region);
+    } catch (const Fault&) {
+      // The render will say what is wrong with the corners.
+      needed = *region;
+    }
+  }
+  out.set("OfxImageClipPropRoI_Source", {needed.x1, needed.y1, needed.x2, needed.y2});
   return Status::Ok;
 }
 
@@ -55,7 +89,7 @@ Status identity(const Effect& effect, const Properties& in, const Properties& ou
       effect.matte().isConnected()) {
     return Status::ReplyDefault;
   }
-  const PixelScale scale = scaleOf(effect, in);
+  const PixelScale scale = scaleOf(effect.output(), in);
   const RectD pixels = pixelsOf(*frame, scale);
   const Plane plane{scale, pixels.x1, pixels.y2};
   if (!areOutline(plane.at(values.corners), pixels.x2 - pixels.x1, pixels.y2 - pixels.y1)) {

@@ -8,7 +8,7 @@ namespace vantorel::ofx {
 
 // Each fills the action's out-arguments and returns the action's status.
 Status regionOfDefinition(const Effect& effect, const Properties& in, const Properties& out);
-Status regionsOfInterest(const Effect& effect, const Properties& in, const Properties& out);
+Status regionsOfInterest(Effect& effect, const Properties& in, const Properties& out);
 Status identity(const Effect& effect, const Properties& in, const Properties& out);
 Status clipPreferences(const Effect& effect, const Properties& out);
 

@@ -5,34 +5,12 @@
 #include <thread>
 #include <utility>
 
-#include "bridges/ofx/Geometry.h"
 #include "bridges/ofx/Names.h"
 #include "bridges/ofx/PixelRows.h"
+#include "bridges/ofx/Placement.h"
 
 namespace vantorel::ofx {
 namespace {
-
-// A renderer for as long as a window is drawn.
-class Borrowed {
- public:
-  explicit Borrowed(Effect& effect) : effect_(effect), renderer_(effect.takeRenderer()) {}
-  ~Borrowed() { effect_.giveBack(std::move(renderer_)); }
-  Borrowed(const Borrowed&) = delete;
-  Borrowed& operator=(const Borrowed&) = delete;
-  Renderer& operator*() { return *renderer_; }
-
- private:
-  Effect& effect_;
-  std::unique_ptr<Renderer> renderer_;
-};
-
-template <typename T>
-void orFault(const host::Result<T>& result) {
-  if (!result) {
-    const bool is_memory = result.error().kind == host::ErrorKind::OutOfMemory;
-    throw Fault{is_memory ? Status::Memory : Status::Failed, host::errorText(result.error())};
-  }
-}
 
 // The window that is asked for, and what it is drawn into: from the output's memory where that is laid out as the
 // effect draws.
@@ -61,19 +39,23 @@ Target targetOf(const ClipImage& output, const RectI& window, Renderer& renderer
   return {output, window, renderer.target.view()};
 }
 
+bool isInside(const RectI& part, const RectI& whole) {
+  return part.x1 >= whole.x1 && part.y1 >= whole.y1 && part.x2 <= whole.x2 && part.y2 <= whole.y2;
+}
+
 // The source's frame as the effect reads it: the host's own memory where that holds all of it, laid out and
-// premultiplied as the effect draws, else a copy.
-host::ConstImageView layerOf(const ClipImage& source, Renderer& renderer) {
-  const RectI& frame = source.fullFrame();
-  const RectI inside = common(frame, source.bounds());
-  const bool is_whole = inside.width() == frame.width() && inside.height() == frame.height();
-  if (is_whole && isDrawable(source) && !source.isUnpremultiplied()) {
+// premultiplied as the effect draws, else a copy, of which only what the window needs is filled.
+host::ConstImageView layerOf(const ClipImage& source, const Placement& placement, const RectI& window,
+                             const host::FrameOptions& options, Renderer& renderer) {
+  const RectI& frame = placement.frame;
+  if (isInside(frame, source.bounds()) && isDrawable(source) && !source.isUnpremultiplied()) {
     return viewOf<host::ConstImageView>(source, frame);
   }
   orFault(renderer.layer.fit({frame.width(), frame.height()}, drawnDepth(source.depth())));
   const host::ImageView layer = renderer.layer.view();
-  for (int y = 0; y < frame.height(); ++y) {
-    loadRow(source, frame.y2 - 1 - y, frame.x1, frame.x2, layer.row(y));
+  const RectI needed = placement.neededFor(window, options, &renderer.instance);
+  for (int y = needed.y1; y < needed.y2; ++y) {
+    loadRow(source, y, needed.x1, needed.x2, layer.pixel(needed.x1 - frame.x1, frame.y2 - 1 - y));
   }
   return host::asConst(layer);
 }
@@ -97,16 +79,6 @@ unsigned threadsFor(const RectI& window) {
   return suite != nullptr && suite->cpu_count(&count) == Status::Ok ? count : 0;
 }
 
-host::FrameOptions optionsOf(const ParameterValues& values, const RectI& window) {
-  host::FrameOptions options;
-  options.quality = values.quality;
-  options.edges = values.edges;
-  options.samples = values.samples;
-  options.canvas_independent = true;
-  options.threads = threadsFor(window);
-  return options;
-}
-
 // When and at which scale a window is drawn.
 struct Moment {
   Time time;
@@ -126,17 +98,11 @@ PixelScale scaleOf(const ClipImage& image, const Clip& clip, const Moment& momen
 // Draws the source on its corners. False when the host wants the render to end.
 bool drawSource(const Effect& effect, const ClipImage& source, const ParameterValues& values, const Moment& moment,
                 const Target& target, Renderer& renderer) {
-  const RectI& frame = source.fullFrame();
-  const double left = frame.x1;
-  const double top = frame.y2;
-  const Plane plane{scaleOf(target.image, effect.output(), moment), left, top};
-  const Plane source_plane{scaleOf(source, effect.source(), moment), left, top};
-  orFault(renderer.instance.setCorners(plane.at(values.corners)));
-  renderer.instance.clearSource();
-  if (values.from) {
-    orFault(renderer.instance.setSource(source_plane.at(*values.from)));
-  }
-  host::FrameOptions options = optionsOf(values, target.window);
+  const Placement placement{source.fullFrame(), scaleOf(target.image, effect.output(), moment),
+                            scaleOf(source, effect.source(), moment)};
+  placement.apply(values, &renderer.instance);
+  host::FrameOptions options = optionsOf(values);
+  options.threads = threadsFor(target.window);
   std::stop_source stop;
   options.stop = stop.get_token();
   // The host is asked from its own thread alone.
@@ -145,8 +111,9 @@ bool drawSource(const Effect& effect, const ClipImage& source, const ParameterVa
       stop.request_stop();
     }
   };
+  const host::ConstImageView layer = layerOf(source, placement, target.window, options, renderer);
   const host::Result<host::FrameResult> drawn =
-      renderer.instance.render(layerOf(source, renderer), plane.at(target.window), target.view, options);
+      renderer.instance.render(layer, placement.plane().at(target.window), target.view, options);
   if (!drawn && drawn.error().kind == host::ErrorKind::Interrupted) {
     return false;
   }
@@ -213,7 +180,7 @@ void render(Effect& effect, const Properties& arguments) {
   const std::optional<ClipImage> matte = fetchLike(*output, effect.matte(), kMatteClip, time);
   const std::optional<ClipImage> background = fetchLike(*output, effect.background(), kBackgroundClip, time);
 
-  Borrowed renderer(effect);
+  BorrowedRenderer renderer(effect);
   const Target target = targetOf(*output, window, *renderer);
   if (!source) {
     clear(target.view);

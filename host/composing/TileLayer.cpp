@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/composing/LayerPart.h"
 #include "host/composing/PathChoice.h"
 #include "host/composing/ScanEdges.h"
 #include "host/geometry/ScanChains.h"
@@ -55,17 +56,6 @@ std::optional<TileLayer> wholeLayer(const FramePlan& plan, const Tile& tile, dou
   return is_drawable ? std::optional(TileLayer{layer, *plan.whole}) : std::nullopt;
 }
 
-// How far beyond what a part of the picture shows of the layer its pixels' boxes can reach, in layer pixels.
-double marginFor(const FramePlan& plan, const ConvexPolygon& shown) {
-  constexpr double kLargestBox = 16.0;
-  double extent = 1.0;
-  for (const Point& point : shown.points()) {
-    const Jacobian j = plan.inverse->derivative(point);
-    extent = std::max({extent, std::abs(j.xx) + std::abs(j.xy), std::abs(j.yx) + std::abs(j.yy)});
-  }
-  return 1.0 + std::min(extent, kLargestBox);
-}
-
 // The part of the layer that the tile shows, with a margin for the pixels' boxes.
 std::optional<TileLayer> shownLayer(const FramePlan& plan, const Tile& tile, double half, const ImageView& layer) {
   const Rect& area = tile.area;
@@ -74,16 +64,7 @@ std::optional<TileLayer> shownLayer(const FramePlan& plan, const Tile& tile, dou
   if (shown.empty()) {
     return std::nullopt;
   }
-  const Box needed = shown.mappedBy(*plan.inverse).bounds();
-  const double margin = marginFor(plan, shown);
-  const auto low = [&](double value, int size) {
-    return static_cast<int>(std::clamp(std::floor(value - margin), 0.0, size - 1.0));
-  };
-  const auto high = [&](double value, int size) {
-    return static_cast<int>(std::clamp(std::ceil(value + margin), 1.0, static_cast<double>(size)));
-  };
-  const Rect part{low(needed.left, layer.size.width), low(needed.top, layer.size.height),
-                  high(needed.right, layer.size.width), high(needed.bottom, layer.size.height)};
+  const Rect part = readFor(plan, shown);
   const std::optional<Corners> image = imageOf(boxOf(part), *plan.map);
   if (!image || part.empty() || !areCoordinatesIn(tile, half, *image) || !keepsPath(plan, tile, half, *image)) {
     return std::nullopt;

@@ -1,6 +1,7 @@
 #include "host/composing/TileRender.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 
@@ -17,9 +18,14 @@ namespace vantorel::host {
 
 namespace {
 
-// The widest columns, in pixels, that a tile on the perspective path is drawn in: a narrow part of a tile costs at most
-// as much. Narrower ones cost whole frames more than they save.
-constexpr int kMaxStripWidth = 128;
+// The widest columns, in samples, that a tile on the perspective path is drawn in: a narrow part of a tile costs at
+// most as much. Narrower ones cost whole frames more than they save.
+constexpr int kMaxStripSamples = 128;
+
+// Their width in pixels, which divides a tile's.
+int stripWidthFor(int samples) {
+  return kMaxStripSamples / static_cast<int>(std::bit_ceil(static_cast<unsigned>(samples)));
+}
 
 // A whole move needs neither the outline's half pixels nor more than one sample.
 struct Convention {
@@ -89,8 +95,9 @@ Result<void> forEachPiece(const FramePlan& plan, const Rect& tile, int samples, 
     const TileGrid grid = gridOf(plan, tile, samples);
     return draw(Piece{grid, visible, samplesFor(grid, visible, true)});
   }
-  for (int left = tile.left; left < tile.right; left += kMaxStripWidth) {
-    const Rect strip{left, tile.top, std::min(left + kMaxStripWidth, tile.right), tile.bottom};
+  const int width = stripWidthFor(samples);
+  for (int left = tile.left; left < tile.right; left += width) {
+    const Rect strip{left, tile.top, std::min(left + width, tile.right), tile.bottom};
     const Rect part = common(strip, visible);
     if (part.empty()) {
       continue;

@@ -7,10 +7,9 @@
 #include <utility>
 
 #include "host/callbacks/CallContext.h"
-#include "host/composing/ScanEdges.h"
+#include "host/composing/LayerPart.h"
 #include "host/composing/TileRender.h"
 #include "host/composing/VertexLayer.h"
-#include "host/geometry/ScanChains.h"
 
 namespace vantorel::host {
 
@@ -34,28 +33,13 @@ int vertexFactor(const FramePlan& plan) {
   return factor;
 }
 
-// What the canvas shows of the layer through the bilinear renderer, in whole pixels of the layer.
+// What the canvas shows of the layer through the bilinear renderer, at any moment.
 Rect scannedPart(std::span<const FramePlan> plans, const Rect& canvas) {
-  constexpr double kReach = kScanApron + 2.0;  // output pixels: the aprons' and half a sample
-  constexpr double kMargin = 3.0;              // layer pixels: interpolation and the scan's rounding
-  const Box window{canvas.left - kReach, canvas.top - kReach, canvas.right + kReach, canvas.bottom + kReach};
   Rect part;
   for (const FramePlan& plan : plans) {
-    if (plan.path != RenderPath::Bilinear) {
-      continue;
+    if (plan.path == RenderPath::Bilinear) {
+      part = united(part, scannedPart(plan, canvas));
     }
-    const bool is_held = spreadOf(plan.corners) < kMaxScanSpread;
-    const Box shown = is_held ? ScanChains(plan.corners).shownIn(window) : Box{0.0, 0.0, 1.0, 1.0};
-    const auto pixels = [](double low, double high, int size) {
-      const double begin = std::clamp(std::floor(low * size - kMargin), 0.0, static_cast<double>(size));
-      const double end = std::clamp(std::ceil(high * size + kMargin), begin, static_cast<double>(size));
-      return std::pair(static_cast<int>(begin), static_cast<int>(end));
-    };
-    const auto [left, right] = pixels(shown.left, shown.right, plan.layer.width);
-    const auto [top, bottom] = pixels(shown.top, shown.bottom, plan.layer.height);
-    part = part.empty() ? Rect{left, top, right, bottom}
-                        : Rect{std::min(part.left, left), std::min(part.top, top), std::max(part.right, right),
-                               std::max(part.bottom, bottom)};
   }
   return part;
 }

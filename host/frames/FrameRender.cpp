@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "host/Downsample.h"
+#include "host/composing/LayerPart.h"
 #include "host/composing/Shutter.h"
 #include "host/frames/DegenerateMapRetry.h"
 #include "host/frames/FrameParameters.h"
@@ -51,13 +52,6 @@ Corners cornersAt(const AnimatedCorners& corners, double seconds, double n) {
     return Point{doubleFromFixed(fixedFromPixels(p.x / n)), doubleFromFixed(fixedFromPixels(p.y / n))};
   };
   return {scaled(full.upper_left), scaled(full.upper_right), scaled(full.lower_left), scaled(full.lower_right)};
-}
-
-Rect united(const Rect& a, const Rect& b) {
-  if (a.empty() || b.empty()) {
-    return a.empty() ? b : a;
-  }
-  return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
 }
 
 // The rows of the canvas that a region reaches, whole, in canvas pixels.
@@ -257,6 +251,19 @@ Result<Rect> FrameRender::boundingBox() {
     box = united(box, *asked);
   }
   return box;
+}
+
+Result<Rect> FrameRender::neededPart(const Rect& canvas) {
+  const int n = job_.options.downsample;
+  const Size full = job_.layer_size;
+  return planMoments(full, downsampled(full, n)).map([&] {
+    Rect part;
+    for (const FramePlan& plan : tiles_.plans) {
+      part = united(part, host::neededPart(plan, canvas));
+    }
+    return Rect{part.left * n, part.top * n, std::min(part.right * n, full.width),
+                std::min(part.bottom * n, full.height)};
+  });
 }
 
 }  // namespace vantorel::host

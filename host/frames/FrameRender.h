@@ -26,6 +26,9 @@ class FrameRender {
   // Instead of all that: the rectangle that the effect asks for when nothing limits it.
   Result<Rect> boundingBox();
 
+  // The part of the layer, at full resolution, that the pixels of a canvas at the frame's resolution depend on.
+  Result<Rect> neededPart(const Rect& canvas);
+
  private:
   // The frame in one piece, in three steps.
   Result<void> prepare(const ImageView& output);

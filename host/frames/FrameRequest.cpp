@@ -154,6 +154,10 @@ Result<void> checkParameters(const Module& module) {
   return {};
 }
 
+int floorDivided(int value, int n) {
+  return value >= 0 ? value / n : -((-value - 1) / n) - 1;
+}
+
 }  // namespace
 
 Result<void> checkFrameRequest(const Module& module, const ConstImageView& layer, const Rect& canvas,
@@ -184,10 +188,14 @@ Result<void> checkBoxRequest(const Module& module, Size layer_size, const FrameO
 }
 
 Rect canvasAtResolution(const Rect& canvas, Size output_size, int n) {
-  const auto floor_div = [n](int value) { return value >= 0 ? value / n : -((-value - 1) / n) - 1; };
-  const int left = floor_div(canvas.left);
-  const int top = floor_div(canvas.top);
+  const int left = floorDivided(canvas.left, n);
+  const int top = floorDivided(canvas.top, n);
   return {left, top, left + output_size.width, top + output_size.height};
+}
+
+Rect reducedCanvas(const Rect& canvas, int n) {
+  return {floorDivided(canvas.left, n), floorDivided(canvas.top, n), floorDivided(canvas.right - 1, n) + 1 + (n > 1),
+          floorDivided(canvas.bottom - 1, n) + 1 + (n > 1)};
 }
 
 }  // namespace vantorel::host

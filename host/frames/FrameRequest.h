@@ -19,4 +19,8 @@ Result<void> checkBoxRequest(const Module& module, Size layer_size, const FrameO
 // A canvas at 1/n: its upper left corner at the whole reduced pixel that holds it, its size that of the output.
 Rect canvasAtResolution(const Rect& canvas, Size output_size, int n);
 
+// The pixels at 1/n that hold something of a canvas, one more at the right and at the bottom where it does not begin at
+// a whole one.
+Rect reducedCanvas(const Rect& canvas, int n);
+
 }  // namespace vantorel::host

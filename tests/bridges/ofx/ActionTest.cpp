@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <tuple>
 
 #include "tests/bridges/ofx/Session.h"
 
@@ -92,9 +93,6 @@ TEST(OfxDescribeTest, TellsWhatItOffersInEachContext) {
     for (const auto& [name, param] : session.descriptor.params.params) {
       EXPECT_FALSE(param.properties.get<std::string>("OfxPropLabel").empty()) << name;
     }
-    EXPECT_EQ(session.action("OfxActionSyncPrivateData"), Status::ReplyDefault);
-    EXPECT_EQ(session.action("OfxImageEffectActionBeginSequenceRender"), Status::ReplyDefault);
-    EXPECT_EQ(session.action("OfxActionPurgeCaches"), Status::Ok);
   }
 }
 
@@ -121,16 +119,88 @@ TEST(OfxDescribeTest, IsLoadedAgainAndDrawsItsOverlayAsTheHostCan) {
   }
 }
 
+// What a host sends round an edit and round a sequence, with its arguments: the plug-in leaves all of it to the host.
+TEST(OfxDescribeTest, LeavesToTheHostWhatItHasNothingToSayAbout) {
+  Ready session;
+  session.setCorners(kTrapezoid, kFrame);
+  PropertySetRecord in = renderArguments(kFrame);
+  in.put("OfxPropChangeReason", std::string("OfxChangeUserEdited"));
+  in.put("OfxPropType", std::string("OfxTypeParameter"));
+  in.put("OfxPropName", std::string("upperLeft"));
+  in.put("OfxImageEffectPropFrameRange", 0.0, 24.0);
+  in.put("OfxImageEffectPropFrameStep", 1.0);
+  in.put("OfxPropIsInteractive", 0);
+  in.put("OfxImageEffectPropSequentialRenderStatus", 1);
+  in.put("OfxImageEffectPropInteractiveRenderStatus", 0);
+  PropertySetRecord out;
+  out.put("OfxImageEffectPropFrameRange", 0.0, 24.0);
+  out.put("OfxImageClipPropFrameRange_Source", 3.0, 3.0);
+  const auto preset = out.values;
+  const auto expect_left = [&](std::initializer_list<const char*> actions) {
+    for (const char* action : actions) {
+      EXPECT_EQ(session.action(action, &in, &out), Status::ReplyDefault) << action;
+      EXPECT_EQ(out.values, preset) << action;
+    }
+  };
+  expect_left({"OfxActionBeginInstanceEdit", "OfxActionBeginInstanceChanged", "OfxActionInstanceChanged",
+               "OfxActionEndInstanceChanged", "OfxImageEffectActionGetTimeDomain",
+               "OfxImageEffectActionGetFramesNeeded", "OfxImageEffectActionBeginSequenceRender"});
+  ASSERT_EQ(session.render(kFrame), Status::Ok);
+  const std::vector<std::byte> drawn = session.instance.clips.at("Output").image->pixels;
+  session.connect("Output", {.bounds = kFrame});
+  EXPECT_EQ(session.action("OfxActionPurgeCaches"), Status::Ok);
+  ASSERT_EQ(session.render(kFrame), Status::Ok);
+  EXPECT_EQ(session.instance.clips.at("Output").image->pixels, drawn) << "after a purge";
+  expect_left({"OfxImageEffectActionEndSequenceRender", "OfxActionSyncPrivateData", "OfxActionEndInstanceEdit"});
+  PropertySetRecord focus;
+  focus.put("OfxInteractPropPixelScale", 1.0, 1.0);
+  EXPECT_EQ(session.overlay("OfxActionDescribe", &focus), Status::Ok);
+  EXPECT_EQ(session.overlay("OfxInteractActionGainFocus", &focus), Status::ReplyDefault);
+}
+
 TEST(OfxRegionTest, TheBoxOfTheCornersWithTheBackground) {
   Ready session;
   session.setCorners(kTrapezoid, kFrame);
   EXPECT_EQ(session.region(), (std::vector<double>{0.0, -2.0, 66.0, 46.0}));
   session.connect("Background", {.bounds = {-10, 3, 70, 100}});
   EXPECT_EQ(session.region(), (std::vector<double>{-10.0, -2.0, 70.0, 100.0}));
-  PropertySetRecord in = renderArguments(kFrame);
-  PropertySetRecord out;
-  ASSERT_EQ(session.action("OfxImageEffectActionGetRegionsOfInterest", &in, &out), Status::Ok);
-  EXPECT_EQ(out.get<double>("OfxImageClipPropRoI_Source", 2), 64.0);
+}
+
+TEST(OfxRegionTest, WhatAWindowNeedsOfTheSource) {
+  constexpr RectI kLarge{100, 50, 740, 530};
+  Ready session;
+  session.connect("Source", {.bounds = kLarge});
+  const auto needed = [&](std::initializer_list<double> window, PointD scale = {1.0, 1.0}) {
+    PropertySetRecord in = renderArguments(kFrame, scale);
+    PropertySetRecord out;
+    in.values["OfxImageEffectPropRegionOfInterest"] = {window.begin(), window.end()};
+    EXPECT_EQ(session.action("OfxImageEffectActionGetRegionsOfInterest", &in, &out), Status::Ok);
+    std::vector<double> edges;
+    for (std::size_t i = 0; i < 4; ++i) {
+      edges.push_back(out.get<double>("OfxImageClipPropRoI_Source", i));
+    }
+    return edges;
+  };
+  const std::vector<double> all{100.0, 50.0, 740.0, 530.0};
+  session.setCorners({{0, 0}, {1280, 0}, {0, 960}, {1280, 960}}, kLarge);
+  // The source is drawn twice as large from its upper left corner, canonical (100, 530), down.
+  const std::vector<double> part = needed({300.0, 330.0, 400.0, 380.0});
+  for (const auto& [edge, exact, sign] :
+       {std::tuple{0, 200.0, -1.0}, {1, 430.0, -1.0}, {2, 250.0, 1.0}, {3, 455.0, 1.0}}) {
+    const double beyond = (part[static_cast<std::size_t>(edge)] - exact) * sign;
+    EXPECT_TRUE(beyond >= 1.0 && beyond <= 8.0) << edge << ": " << beyond;
+  }
+  const std::vector<double> proxy = needed({300.0, 330.0, 400.0, 380.0}, {0.25, 0.25});
+  EXPECT_TRUE(proxy[0] > 140.0 && proxy[0] < part[0] && proxy[2] > part[2] && proxy[2] < 300.0);
+  const std::vector<double> beside = needed({-500.0, -500.0, -400.0, -400.0});
+  for (const std::size_t low : {0U, 1U}) {
+    const double size = beside[low + 2] - beside[low];
+    EXPECT_TRUE(size >= 1.0 && size <= 4.0 && beside[low] >= all[low] && beside[low + 2] <= all[low + 2]) << size;
+  }
+  const double infinite = 2147483647.0;
+  EXPECT_EQ(needed({-infinite, -infinite, infinite, infinite}), all);
+  session.setParam("upperLeft", {std::nan(""), 0.0});
+  EXPECT_EQ(needed({300.0, 330.0, 400.0, 380.0}), all);
 }
 
 TEST(OfxRegionTest, PassesOnWhatItWouldNotChange) {
@@ -314,6 +384,11 @@ TEST_F(OfxOverlayTest, DrawsByOpenGlWhereTheHostHasNoContextOfItsOwn) {
   PropertySetRecord in;
   EXPECT_EQ(session.overlay("OfxInteractActionDraw", &in), Status::Ok);
   EXPECT_EQ(vertices_drawn, 5 * 4);
+  session.setCorners({{0, 0}, {60, 0}, {0, 40}, {10, 10}}, kFrame);
+  vertices_drawn = 0;
+  EXPECT_EQ(session.overlay("OfxInteractActionDraw", &in), Status::Ok);
+  // Every letter has two points and more.
+  EXPECT_GE(vertices_drawn, 5 * 4 + 2 * static_cast<int>(std::strlen("notched:noperspective")));
 }
 
 TEST_F(OfxOverlayTest, DrawsTheQuadrilateralsAndNamesDegenerateOnes) {

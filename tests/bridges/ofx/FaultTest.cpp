@@ -42,6 +42,7 @@ void useOnce(Session& session) {
   PropertySetRecord in = renderArguments(kFrame);
   in.put("OfxPropChangeReason", std::string("OfxChangeUserEdited"));
   in.put("OfxPropName", std::string("reset"));
+  in.put("OfxImageEffectPropRegionOfInterest", 2.0, 1.0, 9.0, 8.0);
   for (const char* action :
        {"OfxImageEffectActionGetClipPreferences", "OfxImageEffectActionGetRegionOfDefinition",
         "OfxImageEffectActionGetRegionsOfInterest", "OfxImageEffectActionIsIdentity", "OfxImageEffectActionRender",
@@ -65,6 +66,13 @@ void useOnce(Session& session) {
 constexpr std::array kStatuses{Status::Failed,     Status::Fatal,     Status::Unknown,  Status::MissingHostFeature,
                                Status::Memory,     Status::BadHandle, Status::BadIndex, Status::BadValue,
                                Status::ImageFormat};
+
+// Every status at every call, or where threads are watched, which takes ten times as long, one of them in turn.
+#if defined(__SANITIZE_THREAD__)
+constexpr std::size_t kStatusStep = kStatuses.size();
+#else
+constexpr std::size_t kStatusStep = 1;
+#endif
 
 int callsOfOneUse() {
   Session session({16.0, 12.0});
@@ -90,8 +98,8 @@ TEST(OfxFaultTest, EveryCallMayBeRefusedWithEveryStatus) {
   const int calls = callsOfOneUse();
   ASSERT_GT(calls, 300);
   for (int call = 0; call < calls; ++call) {
-    for (const Status status : kStatuses) {
-      useWithRefusal(call, status, false);
+    for (std::size_t i = static_cast<std::size_t>(call) % kStatusStep; i < kStatuses.size(); i += kStatusStep) {
+      useWithRefusal(call, kStatuses[i], false);
     }
   }
 }

@@ -275,6 +275,66 @@ TEST(OfxPictureTest, TilesOnEightThreadsAreTheWholeFrame) {
   }
 }
 
+// A host that hands over no more than it was asked for. What the plug-in keeps from window to window holds another
+// picture before each of them.
+TEST(OfxPictureTest, WindowsFromTheNeededPartOfTheSourceAreThoseOfTheWholeFrame) {
+  constexpr RectI kSource{-9, 4, 191, 144};
+  std::mt19937 random(11);
+  const auto between = [&](int low, int high) {
+    return low + static_cast<int>(random() % static_cast<unsigned>(high - low));
+  };
+  std::int64_t fetched = 0;
+  int windows = 0;
+  for (const Kind& kind : kKinds) {
+    host::Image layer = layerOf(kind, kSource);
+    Session session({200.0, 140.0});
+    ASSERT_EQ(session.open(), Status::Ok);
+    for (const host::Corners& corners : {host::Corners{{12, 4}, {150, 20}, {-16, 145}, {266, 140}},
+                                         host::Corners{{-300, -90}, {500, -60}, {-200, 450}, {420, 300}},
+                                         host::Corners{{2, 3}, {190, 20}, {15, 144}, {52, 50}}}) {
+      session.setCorners(corners, kSource);
+      for (int i = 0; i < 12; ++i, ++windows) {
+        const int quality = i % 3;
+        session.setParam("quality", {static_cast<double>(quality)});
+        const int x = between(kSource.x1, kSource.x2 - 1);
+        const int y = between(kSource.y1, kSource.y2 - 1);
+        const RectI window{x, y, between(x + 1, kSource.x2), between(y + 1, kSource.y2)};
+        session.connect("Output", {.bounds = kSource, .depth = kind.name});
+        PropertySetRecord& other =
+            session.connect("Source", {.bounds = {kSource.x1, kSource.y1, kSource.x2 - 1, kSource.y2},
+                                       .full_frame = kSource,
+                                       .depth = kind.name});
+        std::fill(other.pixels.begin(), other.pixels.end(), std::byte{0xFF});
+        ASSERT_EQ(session.render(kSource), Status::Ok);
+
+        PropertySetRecord in = renderArguments(window);
+        PropertySetRecord out;
+        in.put("OfxImageEffectPropRegionOfInterest", 1.0 * window.x1, 1.0 * window.y1, 1.0 * window.x2,
+               1.0 * window.y2);
+        ASSERT_EQ(session.action("OfxImageEffectActionGetRegionsOfInterest", &in, &out), Status::Ok);
+        const auto edge = [&](std::size_t k) {
+          return static_cast<int>(out.get<double>("OfxImageClipPropRoI_Source", k));
+        };
+        const RectI part{edge(0), edge(1), edge(2), edge(3)};
+        fetched += std::int64_t{part.width()} * part.height();
+        fill(session.connect("Source", {.bounds = part,
+                                        .full_frame = kSource,
+                                        .depth = kind.name,
+                                        .spare_bytes = 8,
+                                        .upper_first = i % 2 == 0}),
+             kind, part);
+        PropertySetRecord& output =
+            session.connect("Output", {.bounds = kSource, .depth = kind.name, .upper_first = i % 4 > 1});
+        ASSERT_EQ(session.render(window), Status::Ok) << session.host.message;
+        EXPECT_TRUE(holds(kind, output, kSource, window, drawn(layer, corners, kSource, window, quality)))
+            << kind.name << " window " << window.x1 << ' ' << window.y1 << ' ' << window.x2 << ' ' << window.y2
+            << " quality " << quality;
+      }
+    }
+  }
+  EXPECT_LT(fetched, std::int64_t{windows} * kSource.width() * kSource.height() / 2);
+}
+
 TEST(OfxPictureTest, OtherClipsHideAndLieBelow) {
   const auto paint = [](PropertySetRecord& image, std::initializer_list<float> pixel) {
     for (int y = 0; y < kFrame.y2; ++y) {
