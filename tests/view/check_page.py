@@ -252,6 +252,10 @@ def check_touch(browser, view):
     browser.touch([(x, y), (x + 20, y + 10), (x + 60, y + 30)])
     once = page.corners()
     assert once[0] - before[0] > 5 and once[2:] == before[2:], (before, once)
+    if isinstance(browser, webdriver.Firefox):  # of two fingers its protocol passes on the first alone
+        page.leave()
+        assert view.end() == 0
+        return
     x, y = page.on_screen(*once[:2])
     browser.touch([(x - 20, y), (x - 40, y), (x - 80, y)], [(x + 20, y), (x + 40, y), (x + 80, y)])
     assert page.corners() == once
