@@ -9,69 +9,50 @@
 
 #include "cli/colour/IccProfile.h"
 #include "cli/colour/OcioConfig.h"
+#include "cli/colour/RgbKernels.h"
 #include "host/Alpha.h"
 
 namespace vantorel::cli {
 
 namespace {
 
-std::shared_ptr<const CurveTable> decodeTable(const Transfer& transfer) {
-  return transfer.isLinear() ? nullptr
-                             : std::make_shared<const CurveTable>([=](double code) { return transfer.decode(code); });
+const RgbKernels& activeKernels() {
+  static const RgbKernels& kernels = rgbKernels(activeInstructionSet());
+  return kernels;
 }
 
-std::shared_ptr<const CurveTable> encodeTable(const Transfer& transfer) {
+std::unique_ptr<const CurveTable> decodeTable(const Transfer& transfer) {
   return transfer.isLinear() ? nullptr
-                             : std::make_shared<const CurveTable>([=](double light) { return transfer.encode(light); });
+                             : std::make_unique<const CurveTable>([=](double code) { return transfer.decode(code); });
+}
+
+std::unique_ptr<const CurveTable> encodeTable(const Transfer& transfer) {
+  return transfer.isLinear() ? nullptr
+                             : std::make_unique<const CurveTable>([=](double light) { return transfer.encode(light); });
 }
 
 // Curve, matrix, curve.
 class RgbConversion : public RowConversion {
  public:
   RgbConversion(const RgbModel& from, const RgbModel& to)
-      : decode_(decodeTable(from.transfer)),
-        encode_(encodeTable(to.transfer)),
-        has_matrix_(!areClose(from.primaries, to.primaries)) {
-    const Matrix3 matrix = has_matrix_ ? inverse(toXyz(to.primaries)) * toXyz(from.primaries) : kIdentity3;
-    for (std::size_t i = 0; i < 3; ++i) {
-      for (std::size_t j = 0; j < 3; ++j) {
-        matrix_[i][j] = static_cast<float>(matrix[i][j]);
+      : decode_(decodeTable(from.transfer)), encode_(encodeTable(to.transfer)) {
+    steps_.decode = curveSteps(decode_.get());
+    steps_.encode = curveSteps(encode_.get());
+    steps_.has_matrix = !areClose(from.primaries, to.primaries);
+    const Matrix3 matrix = steps_.has_matrix ? inverse(toXyz(to.primaries)) * toXyz(from.primaries) : kIdentity3;
+    for (std::size_t row = 0; row < 3; ++row) {
+      for (std::size_t column = 0; column < 3; ++column) {
+        steps_.columns[column][row] = static_cast<float>(matrix[row][column]);
       }
     }
   }
 
-  void apply(float* row, int width) const override {
-    for (float* pixel = row; pixel != row + 4 * static_cast<std::ptrdiff_t>(width); pixel += 4) {
-      if (decode_) {
-        through(*decode_, pixel);
-      }
-      if (has_matrix_) {
-        multiply(pixel);
-      }
-      if (encode_) {
-        through(*encode_, pixel);
-      }
-    }
-  }
+  void apply(float* row, int width) const override { activeKernels().convert(steps_, row, width); }
 
  private:
-  static void through(const CurveTable& curve, float* pixel) {
-    for (int c = 0; c < 3; ++c) {
-      pixel[c] = curve(pixel[c]);
-    }
-  }
-
-  void multiply(float* pixel) const {
-    const std::array<float, 3> in{pixel[0], pixel[1], pixel[2]};
-    for (std::size_t i = 0; i < 3; ++i) {
-      pixel[i] = matrix_[i][0] * in[0] + matrix_[i][1] * in[1] + matrix_[i][2] * in[2];
-    }
-  }
-
-  std::shared_ptr<const CurveTable> decode_;
-  std::shared_ptr<const CurveTable> encode_;
-  bool has_matrix_;
-  std::array<std::array<float, 3>, 3> matrix_{};
+  std::unique_ptr<const CurveTable> decode_;
+  std::unique_ptr<const CurveTable> encode_;
+  RgbSteps steps_;
 };
 
 // From the space into one that is an RgbModel, by a step of its own where it is not one itself.
@@ -107,11 +88,17 @@ RgbModel leave(const ColourSpace& to, std::unique_ptr<const RowConversion>& step
 }
 
 void convertRow(float* row, int width, const ColourProcessor& processor) {
-  host::unpremultiplyRow(row, width);
+  const RgbKernels& kernels = activeKernels();
+  const bool is_opaque = kernels.isOpaque(row, width);
+  if (!is_opaque) {
+    kernels.unpremultiply(row, width);
+  }
   for (const auto& step : processor) {
     step->apply(row, width);
   }
-  host::repremultiplyRow(row, width);
+  if (!is_opaque) {
+    kernels.repremultiply(row, width);
+  }
 }
 
 template <typename Channel>

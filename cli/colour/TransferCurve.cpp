@@ -94,18 +94,19 @@ double Transfer::encode(double light) const {
   }
 }
 
-std::vector<float> CurveTable::tabulate(const std::function<double(double)>& curve, double sign) {
-  std::vector<float> table(kSteps + 1);
-  for (std::uint32_t i = 0; i <= kSteps; ++i) {
-    table[i] = static_cast<float>(curve(sign * double{std::bit_cast<float>(kLowest + (i << kFractionBits))}));
+CurveTable::CurveTable(std::function<double(double)> curve)
+    : curve_(std::move(curve)), zero_(static_cast<float>(curve_(0.0))) {
+  values_.reserve(2 * (std::size_t{kSteps} + 1));
+  for (const double sign : {1.0, -1.0}) {
+    for (std::uint32_t i = 0; i <= kSteps; ++i) {
+      values_.push_back(
+          static_cast<float>(curve_(sign * double{std::bit_cast<float>(kLowest + (i << kFractionBits))})));
+    }
   }
-  return table;
 }
 
-CurveTable::CurveTable(std::function<double(double)> curve)
-    : curve_(std::move(curve)),
-      positive_(tabulate(curve_, 1.0)),
-      negative_(tabulate(curve_, -1.0)),
-      zero_(static_cast<float>(curve_(0.0))) {}
+float CurveTable::exactly(float x) const {
+  return static_cast<float>(curve_(double{x}));
+}
 
 }  // namespace vantorel::cli
