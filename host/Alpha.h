@@ -153,6 +153,9 @@ void premultiplyRow(Channel* row, int width) {
       alpha_detail::premultiplyBlock(row + 4 * x, std::min(alpha_detail::kBlock, width - x));
     }
   } else {
+    if (std::is_integral_v<Channel> && alphaOfRow(row, width) == RowAlpha::Opaque) {
+      return;
+    }
     for (int x = 0; x < width; ++x) {
       premultiplyPixel(row + 4 * x);
     }

@@ -24,6 +24,12 @@ constexpr ChannelMap kIdentityMap{0, 1, 2, 3};
 // Rearranges the pixels of a row in place: channel c becomes what channel map[c] was.
 template <typename Channel>
 void rearrangeRow(Channel* row, int width, const ChannelMap& map) {
+  if (map == ChannelMap{0, 1, 2, -1}) {
+    for (int x = 0; x < width; ++x) {
+      row[4 * x + 3] = kOpaque<Channel>;
+    }
+    return;
+  }
   for (int x = 0; x < width; ++x, row += 4) {
     const Channel read[4] = {row[0], row[1], row[2], row[3]};
     for (std::size_t c = 0; c < 4; ++c) {
