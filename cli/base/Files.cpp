@@ -41,4 +41,13 @@ void requireReadableFile(const std::string& path, const char* wanted) {
   close(descriptor);
 }
 
+void fetchAhead(const std::string& path) {
+  std::error_code fault;
+  const int file = fs::is_regular_file(path, fault) ? open(path.c_str(), O_RDONLY | O_CLOEXEC) : -1;
+  if (file >= 0) {
+    posix_fadvise(file, 0, 0, POSIX_FADV_WILLNEED);
+    close(file);
+  }
+}
+
 }  // namespace vantorel::cli

@@ -9,4 +9,7 @@ namespace vantorel::cli {
 // be opened for reading. `wanted` is what to give instead: "a picture file".
 void requireReadableFile(const std::string& path, const char* wanted);
 
+// Lets the system fetch a file that is going to be read soon, if it is a regular one; returns at once.
+void fetchAhead(const std::string& path);
+
 }  // namespace vantorel::cli

@@ -1,6 +1,7 @@
 #include "cli/base/Memory.h"
 
 #include <fmt/format.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <array>
@@ -107,6 +108,12 @@ std::optional<std::string> memoryShortage(double bytes) {
     return std::nullopt;
   }
   return fmt::format("needs {} of memory and {} are free", memoryText(bytes), memoryText(*available));
+}
+
+void keepFreedMemory() {
+  constexpr int kLargest = 32 << 20;  // the C library's own limit
+  mallopt(M_MMAP_THRESHOLD, kLargest);
+  mallopt(M_TRIM_THRESHOLD, 4 * kLargest);
 }
 
 }  // namespace vantorel::cli

@@ -19,4 +19,8 @@ double pictureBytes(host::Size size, host::Depth depth);
 // 4.0 GiB are free".
 std::optional<std::string> memoryShortage(double bytes);
 
+// Lets this process keep what it frees of the sizes that the frames of a shot take again and again, rather than give it
+// back to the system after each.
+void keepFreedMemory();
+
 }  // namespace vantorel::cli

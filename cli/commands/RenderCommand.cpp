@@ -1,6 +1,7 @@
 #include <tbb/global_control.h>
 #include <unistd.h>
 
+#include "cli/base/Memory.h"
 #include "cli/base/StandardStreams.h"
 #include "cli/commands/Commands.h"
 #include "cli/pictures/CodecThreads.h"
@@ -14,6 +15,7 @@ ExitCode runRender(const RenderOptions& options, const std::stop_token& stop) {
   if (isStandardStream(options.layer) || isStandardStream(options.plate) || isStandardStream(options.matte)) {
     readStandardInput("a picture", stop);
   }
+  keepFreedMemory();
   const Shot shot = planShot(options);
   limitCodecThreads(options.threads, shot.frames_in_flight == 1);
   // The frames' own threads count, and the workers that help them come on top.

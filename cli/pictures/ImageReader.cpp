@@ -82,6 +82,12 @@ PictureInfo infoOf(const Source& source) {
           std::make_shared<const ColourFacts>(colourFactsOf(source.header(), samples))};
 }
 
+host::Image pixelsFor(host::Size size, host::Depth depth, const ReadingOptions& options) {
+  host::Image pixels = options.spare ? options.spare->take() : host::Image();
+  valueOrThrow(pixels.fit(size, depth));
+  return pixels;
+}
+
 // What a file that is made from the picture replaces of this one.
 std::shared_ptr<const PictureOrigin> originOf(const Source& source, const std::string& layer) {
   const PictureHeader& header = source.header();
@@ -264,7 +270,7 @@ std::optional<Picture> read(const std::string& path, host::Depth depth, const st
   const host::Rect data = dataWindow(source.header());
   const bool keeps_overscan = options.keep_overscan && source.header().orientation == 1;
   picture.area = keeps_overscan ? united(display, data) : display;
-  picture.pixels = valueOrThrow(host::Image::create({picture.area.width(), picture.area.height()}, depth));
+  picture.pixels = pixelsFor({picture.area.width(), picture.area.height()}, depth, options);
   // Where the data window lies in the pixels.
   const host::Rect window{data.left - picture.area.left, data.top - picture.area.top, data.right - picture.area.left,
                           data.bottom - picture.area.top};

@@ -1,11 +1,13 @@
 // Reads picture files into premultiplied RGBA.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <stop_token>
 #include <string>
 
 #include "cli/pictures/Picture.h"
+#include "cli/pictures/SparePixels.h"
 
 namespace vantorel::cli {
 
@@ -20,7 +22,8 @@ enum class AlphaReading {
 struct ReadingOptions {
   AlphaReading alpha = AlphaReading::AsStated;
   PictureSelection selection{};
-  bool keep_overscan = false;  // the pixels cover what the file has of them beyond the picture too
+  bool keep_overscan = false;            // the pixels cover what the file has of them beyond the picture too
+  std::shared_ptr<SparePixels> spare{};  // where to take memory from; null: the system's
 };
 
 // Reads the head of the file. Throws CommandError (file failure) naming the path.

@@ -26,8 +26,9 @@ class Run {
   void work() {
     try {
       FrameRenderer renderer(shot_, stop_, rowProgress());
-      while (const std::optional<std::int32_t> frame = next()) {
-        renderOne(renderer, *frame);
+      while (const std::optional<std::int64_t> index = next()) {
+        announce(*index + shot_.frames_in_flight);
+        renderOne(renderer, shot_.frames.at(*index));
       }
     } catch (const CommandError& error) {
       end(error);
@@ -59,12 +60,25 @@ class Run {
     return [this](double share) { progress_.rows(share); };
   }
 
-  std::optional<std::int32_t> next() {
+  // The files of a frame that comes later are fetched while this one is rendered; not where it may turn out to be done.
+  void announce(std::int64_t index) const {
+    if (index >= shot_.frames.count() || shot_.options.resume) {
+      return;
+    }
+    for (const PictureSource* source : {shot_.layer.get(), shot_.plate.get(), shot_.matte.get()}) {
+      if (source != nullptr) {
+        source->announce(shot_.frames.at(index));
+      }
+    }
+  }
+
+  // The number of the frame to render next, from 0.
+  std::optional<std::int64_t> next() {
     const std::scoped_lock lock(mutex_);
     if (ended_ || stop_.stop_requested() || next_index_ == shot_.frames.count()) {
       return std::nullopt;
     }
-    return shot_.frames.at(next_index_++);
+    return next_index_++;
   }
 
   void renderOne(FrameRenderer& renderer, std::int32_t frame) {

@@ -17,6 +17,10 @@ std::int32_t InputFiles::numberAt(std::int32_t frame) const {
   return static_cast<std::int32_t>(number);
 }
 
+bool InputFiles::isHeld(std::int32_t frame) const {
+  return !hasNumber() || (ended_ && end_ == SequenceEnd::Hold && frame + shift_ >= ended_->last);
+}
+
 FramePattern::Numbers InputFiles::existing() const {
   const auto numbers = files_.existing();
   if (!numbers) {

@@ -24,6 +24,10 @@ class InputFiles {
   // The file that is shown at that frame of the shot.
   std::string path(std::int32_t frame) const { return files_.path(numberAt(frame)); }
 
+  // Whether the frame's file is the one that all frames beyond its own show too: a still, or the last of a sequence
+  // that is held.
+  bool isHeld(std::int32_t frame) const;
+
   // Shows the first file that exists at `start`, the next one at the frame after it, and so on. Throws CommandError:
   // naming the files, where there are none; naming `option`, where one of `frames` needs a number beyond 32 bits.
   void startAt(std::int32_t start, const FrameRange& frames, const std::string& option);

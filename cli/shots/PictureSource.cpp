@@ -2,14 +2,18 @@
 
 #include <utility>
 
+#include "cli/base/Files.h"
+
 namespace vantorel::cli {
 
 PictureSource::PictureSource(InputFiles files, host::Depth depth, Prepare prepare, ReadingOptions reading)
-    : files_(std::move(files)), depth_(depth), prepare_(std::move(prepare)), reading_(std::move(reading)) {}
+    : files_(std::move(files)), depth_(depth), prepare_(std::move(prepare)), reading_(std::move(reading)) {
+  reading_.spare = std::make_shared<SparePixels>();
+}
 
 std::shared_ptr<const Picture> PictureSource::at(std::int32_t frame, const std::stop_token& stop) {
   const std::string path = files_.path(frame);
-  if (!isStill() && !keeps_latest_) {
+  if (!keeps_latest_ && !files_.isHeld(frame)) {
     return read(path, stop);
   }
   const std::scoped_lock lock(kept_mutex_);
@@ -21,12 +25,30 @@ std::shared_ptr<const Picture> PictureSource::at(std::int32_t frame, const std::
   return kept_;
 }
 
-std::shared_ptr<const Picture> PictureSource::read(const std::string& path, const std::stop_token& stop) const {
-  return prepared(readPicture(path, depth_, stop, reading_), path);
+void PictureSource::announce(std::int32_t frame) const {
+  if (!files_.isHeld(frame)) {
+    fetchAhead(files_.path(frame));
+  }
 }
 
-std::shared_ptr<const Picture> PictureSource::prepared(Picture picture, const std::string& path) const {
-  auto kept = std::make_shared<Picture>(std::move(picture));
+std::shared_ptr<const Picture> PictureSource::read(const std::string& path, const std::stop_token& stop) const {
+  ReadingOptions reading = reading_;
+  if (keeps_latest_) {
+    // Who looks at frames for hours wants their memory back in between.
+    reading.spare = nullptr;
+  }
+  return prepared(readPicture(path, depth_, stop, reading), path, reading.spare);
+}
+
+std::shared_ptr<const Picture> PictureSource::prepared(Picture picture, const std::string& path,
+                                                       const std::shared_ptr<SparePixels>& spare) const {
+  auto owned = std::make_unique<Picture>(std::move(picture));
+  const std::shared_ptr<Picture> kept(owned.release(), [spare](Picture* unused) {
+    if (spare) {
+      spare->giveBack(std::move(unused->pixels));
+    }
+    delete unused;
+  });
   if (prepare_) {
     prepare_(*kept, path);
   }
@@ -36,7 +58,7 @@ std::shared_ptr<const Picture> PictureSource::prepared(Picture picture, const st
 void PictureSource::adopt(Picture picture, std::int32_t frame) {
   const std::scoped_lock lock(kept_mutex_);
   kept_path_ = files_.path(frame);
-  kept_ = prepared(std::move(picture), kept_path_);
+  kept_ = prepared(std::move(picture), kept_path_, nullptr);
 }
 
 }  // namespace vantorel::cli

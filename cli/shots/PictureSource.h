@@ -1,4 +1,4 @@
-// The layer or the plate over the frames: a still, read once, or a sequence.
+// The layer or the plate over the frames: a sequence, or a picture that several frames show, read once.
 #pragma once
 
 #include <cstdint>
@@ -31,12 +31,18 @@ class PictureSource {
   // From now on keeps a sequence's picture until another one is asked for: for who looks at a frame again and again.
   void keepLatest() { keeps_latest_ = true; }
 
-  // The picture of that frame. A still is kept for the next frame; a sequence's picture belongs to who asked for it.
+  // The picture of that frame will be asked for soon.
+  void announce(std::int32_t frame) const;
+
+  // The picture of that frame. A still, and the last picture of a sequence that is held, is kept for the next frame;
+  // others belong to who asked for them.
   std::shared_ptr<const Picture> at(std::int32_t frame, const std::stop_token& stop);
 
  private:
   std::shared_ptr<const Picture> read(const std::string& path, const std::stop_token& stop) const;
-  std::shared_ptr<const Picture> prepared(Picture picture, const std::string& path) const;
+  // The picture's memory goes to `spare` in the end, unless that is null.
+  std::shared_ptr<const Picture> prepared(Picture picture, const std::string& path,
+                                          const std::shared_ptr<SparePixels>& spare) const;
 
   InputFiles files_;
   host::Depth depth_;
