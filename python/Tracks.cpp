@@ -28,6 +28,14 @@ py::tuple readCorners(const std::string& path, const OptionalSize& size, const O
   options.sizes.output = size ? sizeFrom(*size, "size") : host::Size{};
   options.sizes.layer = layer_size ? sizeFrom(*layer_size, "layer_size") : host::Size{};
   const tracks::CornerTrack track = readTrackFile(path, options).track;
+  if (!track.source_keys.empty()) {
+    const std::string message = path +
+                                ": its \"from\", the part of the layer that goes onto the corners, is left out; "
+                                "crop the picture to it";
+    if (PyErr_WarnEx(PyExc_UserWarning, message.c_str(), 1) != 0) {
+      throw py::error_already_set();
+    }
+  }
   const auto count = static_cast<py::ssize_t>(track.keys.size());
   py::array_t<double> frames(count);
   py::array_t<double> corners({count, py::ssize_t{4}, py::ssize_t{2}});

@@ -220,3 +220,8 @@ def test_corner_files(tmp_path):
     assert frames.tolist() == [1, 2] and corners.shape == (2, 4, 2) and corners[1, 0].tolist() == [1, 0]
     with pytest.raises(FileNotFoundError):
         vantorel.read_corners(tmp_path / "none.csv")
+    part = tmp_path / "part.json"
+    part.write_text('{"keys": [{"frame": 1, "ul": [0, 0], "ur": [9, 0], "ll": [0, 9], "lr": [9, 9]}],'
+                    ' "from": {"ul": [0, 0], "ur": [4, 0], "ll": [0, 4], "lr": [4, 4]}}')
+    with pytest.warns(UserWarning, match="from"):
+        assert vantorel.read_corners(part, layer_size=(9, 9))[1][0, 1].tolist() == [9, 0]
