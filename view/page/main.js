@@ -51,12 +51,14 @@ async function start() {
   const info = await get('shot');
   const stage = new Stage(canvas, document.getElementById('loupe'), info.size);
   const app = new App(info, stage);
+  stage.resize();
+  // The server draws while the page is put together.
+  const pictures = Promise.all([app.loadBackdrop(), app.draft()]);
   const act = actsOf(app, stage);
   attachPanel(app, act);
   attachTimeline(app, act);
   attachPointer(app, stage, canvas);
   attachKeyboard(app, stage, canvas, act);
-  stage.resize();
   new ResizeObserver(() => {
     stage.resize();
     app.viewChanged();
@@ -68,7 +70,7 @@ async function start() {
   });
   canvas.focus();
   app.changed();
-  await Promise.all([app.loadBackdrop(), app.draft()]);
+  await pictures;
   app.settle(0);
   document.documentElement.dataset.ready = 'yes';
 }
