@@ -76,7 +76,6 @@ class OpenImageIoOutput : public PictureOutput {
  public:
   OpenImageIoOutput(const std::string& path, OutputFile& file, const ImageFormat& format, const OutputPicture& picture)
       : path_(path),
-        format_(format),
         picture_(picture),
         file_(file),
         sink_(file),
@@ -118,7 +117,6 @@ class OpenImageIoOutput : public PictureOutput {
   }
 
   const std::string& path_;
-  const ImageFormat& format_;
   const OutputPicture& picture_;
   OutputFile& file_;
   FileSink sink_;
