@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <system_error>
 
 #include "cli/base/CommandError.h"
 #include "cli/pictures/ImageReader.h"
@@ -22,17 +23,29 @@ using vantorel::fuzz::require;
 
 constexpr const char* kEndings[] = {".png", ".jpg", ".tif", ".exr", ".dpx"};
 
-const std::filesystem::path& ownFolder() {
-  static const std::filesystem::path kFolder = [] {
+// A folder of this process's own, for as long as it runs.
+class OwnFolder {
+ public:
+  OwnFolder() : path_(std::filesystem::temp_directory_path() / ("vantorel-fuzz-" + std::to_string(::getpid()))) {
     // What a file may state, so that no input takes long for being large.
     ::setenv("VANTOREL_MAX_MEGAPIXELS", "0.5", 1);
-    const std::filesystem::path folder =
-        std::filesystem::temp_directory_path() / ("vantorel-fuzz-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(folder);
-    std::atexit([] { std::filesystem::remove_all(ownFolder()); });
-    return folder;
-  }();
-  return kFolder;
+    std::filesystem::create_directories(path_);
+  }
+  ~OwnFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  OwnFolder(const OwnFolder&) = delete;
+  OwnFolder& operator=(const OwnFolder&) = delete;
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+const std::filesystem::path& ownFolder() {
+  static const OwnFolder kFolder;
+  return kFolder.path();
 }
 
 }  // namespace

@@ -37,6 +37,7 @@ class Session {
 
   // Connects a clip to an image; its region is the image's full frame.
   PropertySetRecord& connect(const char* clip, const Layout& layout);
+  std::vector<double> corner(const char* name) { return instance.params.params.at(name).value; }
   void setParam(const char* name, const std::vector<double>& value) { instance.params.params.at(name).value = value; }
   // Corners in pixels from the upper left corner of a frame, y down, on a project whose frame it is.
   void setCorners(const host::Corners& corners, const RectI& frame, const char* prefix = "");
