@@ -30,13 +30,13 @@ int neededIn(const FramePlan& plan, const ConvexPolygon& part) {
   if (plan.is_whole_move) {
     return 1;
   }
-  const auto neededAt = [&](const Point& p) { return samplesForFilter(plan.inverse->derivative(p)); };
-  int needed = neededAt(part.middle());
+  const auto needed_at = [&](const Point& p) { return samplesForFilter(plan.inverse->derivative(p)); };
+  int needed = needed_at(part.middle());
   const std::span<const Point> points = part.points();
   for (std::size_t i = 0; i < points.size(); ++i) {
     const Point& a = points[i];
     const Point& b = points[(i + 1) % points.size()];
-    needed = std::max({needed, neededAt(a), neededAt({(a.x + b.x) / 2.0, (a.y + b.y) / 2.0})});
+    needed = std::max({needed, needed_at(a), needed_at({(a.x + b.x) / 2.0, (a.y + b.y) / 2.0})});
   }
   return needed;
 }
@@ -52,11 +52,16 @@ bool coversAll(const CoverageRegion& region, const Rect& part) {
 }
 
 // At the borders the scan's colours are taken from up to a sample away, which finer samples make small.
-int neededByScan(const FramePlan& plan, const Rect& part) {
-  constexpr int kSamplesAtBorders = 4;
+constexpr int kSamplesAtBorders = 4;
+
+int neededInsideScan(const FramePlan& plan) {
   const Box box = plan.region.bounds();
-  const int needed =
-      samplesForSteps(std::max(plan.layer.width / (box.right - box.left), plan.layer.height / (box.bottom - box.top)));
+  return samplesForSteps(
+      std::max(plan.layer.width / (box.right - box.left), plan.layer.height / (box.bottom - box.top)));
+}
+
+int neededByScan(const FramePlan& plan, const Rect& part) {
+  const int needed = neededInsideScan(plan);
   return needed >= kSamplesAtBorders || coversAll(plan.region, part) ? needed : kSamplesAtBorders;
 }
 
@@ -139,6 +144,10 @@ int samplesFor(const FramePlan& plan, const Rect& part) {
     return 0;
   }
   return plan.samples != 0 ? plan.samples : neededIn(plan, drawn);
+}
+
+int mostSamplesOfScan(const FramePlan& plan) {
+  return plan.samples != 0 ? plan.samples : std::max(neededInsideScan(plan), kSamplesAtBorders);
 }
 
 int PlannedSamples::samplesFor(const Rect& part) const {

@@ -51,6 +51,9 @@ bool needsTiles(const FrameOptions& options, const FramePlan& plan);
 // How many samples, per axis, the pixels of a part of the plane need; 0 where the plan draws nothing.
 int samplesFor(const FramePlan& plan, const Rect& part);
 
+// The most samples, per axis, that the pixels of any part need, for a plan on the bilinear path.
+int mostSamplesOfScan(const FramePlan& plan);
+
 // The samples of a frame's tiles: as many as the moment needs that needs most.
 class PlannedSamples final : public SampleRule {
  public:

@@ -1,7 +1,6 @@
 #include "host/composing/TiledFrame.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <span>
 #include <utility>
@@ -9,29 +8,12 @@
 #include "host/callbacks/CallContext.h"
 #include "host/composing/LayerPart.h"
 #include "host/composing/TileRender.h"
+#include "host/composing/VertexFactor.h"
 #include "host/composing/VertexLayer.h"
 
 namespace vantorel::host {
 
 namespace {
-
-constexpr int kMaxEnlargedSide = 32767;           // what the effect's bilinear renderer reaches
-constexpr std::int64_t kMaxFinePixels = 1 << 20;  // of layers enlarged more than twice
-
-// How many times the layer is enlarged for the bilinear renderer: twice, and more where the picture enlarges it so much
-// that the renderer's weights of 1/256 would show as steps. 1 where the layer is too large for that.
-int vertexFactor(const FramePlan& plan) {
-  const Size size = plan.layer;
-  const Box box = plan.region.bounds();
-  const double enlarged = std::min((box.right - box.left) / size.width, (box.bottom - box.top) / size.height);
-  const auto fits = [&](int factor) { return factor * std::max(size.width, size.height) <= kMaxEnlargedSide; };
-  int factor = fits(2) ? 2 : 1;
-  while (factor >= 2 && factor < 8 && 2 * factor <= enlarged && fits(2 * factor) &&
-         std::int64_t{4} * factor * factor * size.width * size.height <= kMaxFinePixels) {
-    factor *= 2;
-  }
-  return factor;
-}
 
 // What the canvas shows of the layer through the bilinear renderer, at any moment.
 Rect scannedPart(std::span<const FramePlan> plans, const Rect& canvas) {
@@ -104,10 +86,8 @@ Result<void> TiledFrame::draw(RowScheduler& scheduler, const Rect& canvas, const
 }
 
 Result<Rect> TiledFrame::prepareEnlargedLayer() {
-  const auto scanned = std::find_if(store_.plans.begin(), store_.plans.end(),
-                                    [](const FramePlan& plan) { return plan.path == RenderPath::Bilinear; });
-  enlargement_ = scanned != store_.plans.end() ? vertexFactor(*scanned) : 1;
-  if (enlargement_ == 1) {
+  enlargement_ = vertexFactorFor(store_.plans);
+  if (enlargement_ == 0) {
     return Rect{};
   }
   // The renderer's mean of 8-bit values comes out a quarter of a level too dark, which moves the edges between pixels

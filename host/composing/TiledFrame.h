@@ -61,7 +61,7 @@ class TiledFrame {
   FrameOptions tile_options_;
   ImageView layer_;
   ImageView scanned_layer_;  // for the bilinear path
-  int enlargement_ = 1;      // of that
+  int enlargement_ = 0;      // of that; 0 when there is none
   Rect enlarged_part_;       // in pixels of the layer
   Rect canvas_;
   ImageView output_;

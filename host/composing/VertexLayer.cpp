@@ -84,6 +84,43 @@ void enlargeTwice(const ConstImageView& layer, const Rect& part, const ImageView
   }
 }
 
+// `count` channels of a row of means, at most kRunLength pixels' of them; the pointers as above.
+template <typename Channel>
+void averageRun(const Channel* upper_before, const Channel* upper, const Channel* lower_before, const Channel* lower,
+                int count, Channel* out) {
+  Channel means[kRunLength * kChannels];
+  for (int i = 0; i < count; ++i) {
+    means[i] = mean(upper_before[i], upper[i], lower_before[i], lower[i]);
+  }
+  std::copy_n(means, count, out);
+}
+
+template <typename Channel>
+void averageRow(const Channel* upper, const Channel* lower, int begin, int end, Channel* out) {
+  constexpr int kRun = kRunLength * kChannels;
+  int i = begin * kChannels;
+  if (begin == 0) {
+    averageRun(upper, upper, lower, lower, kChannels, out);
+    i = kChannels;
+  }
+  const auto run = [&](int count) {
+    const int before = i - kChannels;
+    averageRun(upper + before, upper + i, lower + before, lower + i, count, out + i);
+  };
+  for (; i + kRun <= end * kChannels; i += kRun) {
+    run(kRun);
+  }
+  run(std::max(end * kChannels - i, 0));
+}
+
+template <typename Channel>
+void averageAtVertices(const ConstImageView& layer, const Rect& part, const ImageView& averaged) {
+  const auto row = [&](int y) { return reinterpret_cast<const Channel*>(layer.row(y)); };
+  for (int y = part.top; y < part.bottom; ++y) {
+    averageRow(row(std::max(y - 1, 0)), row(y), part.left, part.right, reinterpret_cast<Channel*>(averaged.row(y)));
+  }
+}
+
 // The pixels on both sides of a position, and the share of the second one, in 1 / factor.
 struct Neighbours {
   int before;
@@ -125,7 +162,9 @@ void enlargeByFactor(const ConstImageView& layer, int factor, const Rect& part, 
 
 template <typename Channel>
 void enlarge(const ConstImageView& layer, int factor, const Rect& part, const ImageView& enlarged) {
-  if (factor == 2) {
+  if (factor == 1) {
+    averageAtVertices<Channel>(layer, part, enlarged);
+  } else if (factor == 2) {
     enlargeTwice<Channel>(layer, part, enlarged);
   } else {
     enlargeByFactor<Channel>(layer, factor, part, enlarged);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace vantorel::host {
 
@@ -16,6 +17,18 @@ struct Chain {
 
 Point between(const Point& from, const Point& to, double share) {
   return {from.x + (to.x - from.x) * share, from.y + (to.y - from.y) * share};
+}
+
+Point sourceCorner(int index) {
+  constexpr std::array<Point, 4> kSquare{{{0.0, 0.0}, {1.0, 0.0}, {1.0, 1.0}, {0.0, 1.0}}};
+  return kSquare[static_cast<std::size_t>(index)];
+}
+
+double smallestSingularValue(const Jacobian& j) {
+  const double squares = j.xx * j.xx + j.xy * j.xy + j.yx * j.yx + j.yy * j.yy;  // the sum of both values' squares
+  const double product = j.xx * j.yy - j.xy * j.yx;
+  const double difference = std::sqrt(std::max(squares * squares - 4.0 * product * product, 0.0));
+  return std::sqrt(std::max((squares - difference) / 2.0, 0.0));
 }
 
 bool isEmpty(const Box& box) {
@@ -69,10 +82,9 @@ double ScanChains::xAt(const ScanBand::Edge& edge, double y) const {
 }
 
 Point ScanChains::sourceAt(const ScanBand::Edge& edge, double y) const {
-  constexpr std::array<Point, 4> kSquare{{{0.0, 0.0}, {1.0, 0.0}, {1.0, 1.0}, {0.0, 1.0}}};
   const double rise = corner(edge.to).y - corner(edge.from).y;
   const double share = rise == 0.0 ? 0.0 : std::clamp((y - corner(edge.from).y) / rise, 0.0, 1.0);
-  return between(kSquare[static_cast<std::size_t>(edge.from)], kSquare[static_cast<std::size_t>(edge.to)], share);
+  return between(sourceCorner(edge.from), sourceCorner(edge.to), share);
 }
 
 // Adds what one row shows in the window's columns.
@@ -111,6 +123,40 @@ Box ScanChains::shownIn(const Box& window) const {
     return {};
   }
   return {shown.left - widest_step, shown.top - widest_step, shown.right + widest_step, shown.bottom + widest_step};
+}
+
+ScanChains::Slope ScanChains::slopeOf(const ScanBand::Edge& edge) const {
+  const double rise = corner(edge.to).y - corner(edge.from).y;
+  const Point from = sourceCorner(edge.from);
+  const Point to = sourceCorner(edge.to);
+  return {(corner(edge.to).x - corner(edge.from).x) / rise, {(to.x - from.x) / rise, (to.y - from.y) / rise}};
+}
+
+Jacobian ScanChains::derivative(const ScanBand& band, double y, double share) const {
+  const Point at_a = sourceAt(band.a, y);
+  const Point at_b = sourceAt(band.b, y);
+  const double width = xAt(band.b, y) - xAt(band.a, y);
+  const Point across{(at_b.x - at_a.x) / width, (at_b.y - at_a.y) / width};
+  const Slope a = slopeOf(band.a);
+  const Slope b = slopeOf(band.b);
+  // Down at the same share of the way, less the way back across.
+  const Point down = between(a.source, b.source, share);
+  const double shift = a.x + (b.x - a.x) * share;
+  return {across.x, down.x - across.x * shift, across.y, down.y - across.y * shift};
+}
+
+double ScanChains::shortestStep(double layer_width, double layer_height) const {
+  double shortest = std::numeric_limits<double>::infinity();
+  for (const ScanBand& band : bands()) {
+    for (const double height : {0.01, 0.5, 0.99}) {  // chains may meet at the ends
+      for (const double share : {0.0, 0.5, 1.0}) {
+        const Jacobian j = derivative(band, band.top + (band.bottom - band.top) * height, share);
+        shortest = std::min(shortest, smallestSingularValue({j.xx * layer_width, j.xy * layer_width,
+                                                             j.yx * layer_height, j.yy * layer_height}));
+      }
+    }
+  }
+  return shortest;
 }
 
 }  // namespace vantorel::host

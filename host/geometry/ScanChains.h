@@ -6,6 +6,7 @@
 #include <array>
 
 #include "host/geometry/ConvexPolygon.h"
+#include "host/geometry/Homography.h"
 
 namespace vantorel::host {
 
@@ -42,9 +43,21 @@ class ScanChains {
   // upper left corner, (1, 1) onto the lower right one. Empty where the window shows nothing of it.
   Box shownIn(const Box& window) const;
 
+  // The shortest way, in pixels of a layer of that size, of a step of one output pixel in any direction: the smallest
+  // singular value of the derivative, looked at in a few places of each band. Infinite when nothing is drawn.
+  double shortestStep(double layer_width, double layer_height) const;
+
  private:
   const Point& corner(int index) const { return ring_[static_cast<std::size_t>(index)]; }
   Point sourceAt(const ScanBand::Edge& edge, double y) const;
+  // How x and the position in the layer change with y along an edge.
+  struct Slope {
+    double x;
+    Point source;
+  };
+  Slope slopeOf(const ScanBand::Edge& edge) const;
+  // The derivative of the position in the layer, `share` of the way from chain a to chain b.
+  Jacobian derivative(const ScanBand& band, double y, double share) const;
   void add(double y, const ScanBand& band, const Box& window, Box* shown) const;
 
   static constexpr int kMostBands = 8;

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <limits>
 
 namespace vantorel::host {
 namespace {
@@ -45,6 +47,16 @@ TEST(ScanChainsTest, SpansAreTheOutlinesWhicheverCornerIsOnTop) {
       EXPECT_EQ(y, 30.0) << first << ' ' << mirrored;
     }
   }
+}
+
+TEST(ScanChainsTest, TheShortestStepIsThatOfTheDirectionThatShrinksLeast) {
+  const Corners upright{{3, 2}, {53, 2}, {3, 22}, {53, 22}};
+  EXPECT_NEAR(2.0, ScanChains(upright).shortestStep(100, 80), 1e-6);
+  const double half = 50 * std::sqrt(0.5);  // a square of 100 pixels turned by 45 degrees and shrunk 2 times
+  const Corners turned{{half, 0}, {2 * half, half}, {0, half}, {half, 2 * half}};
+  EXPECT_NEAR(2.0, ScanChains(turned).shortestStep(100, 100), 1e-6);
+  EXPECT_NEAR(1.0, ScanChains(turned).shortestStep(50, 100), 1e-6);
+  EXPECT_EQ(std::numeric_limits<double>::infinity(), ScanChains({{1, 5}, {2, 5}, {3, 5}, {4, 5}}).shortestStep(9, 9));
 }
 
 }  // namespace
