@@ -68,24 +68,8 @@ CommandError noPicture(const PictureHeader& header, std::size_t count, const std
                                                       : "choose a layer with --layer-name: " + layers));
 }
 
-}  // namespace
-
-int ChannelPlan::first() const {
-  int lowest = std::min({source[0], source[1], source[2]});
-  return hasAlpha() ? std::min(lowest, source[3]) : lowest;
-}
-
-int ChannelPlan::end() const {
-  return std::max({source[0], source[1], source[2], source[3]}) + 1;
-}
-
-ChannelPlan planChannels(const PictureHeader& header, const std::string& layer, const std::string& path) {
-  if (header.is_deep) {
-    throw fileFailure(path, "holds deep samples, not a flat picture; flatten it first");
-  }
-  if (header.is_volume) {
-    throw fileFailure(path, "holds a volume, not a flat picture; give a picture with one slice");
-  }
+// Throws for a layer that there is not, and for channels that are no picture.
+ChannelPlan planByNames(const PictureHeader& header, const std::string& layer, const std::string& path) {
   const std::vector<LayerChannel> channels = channelsOf(header, layer);
   if (channels.empty() && !layer.empty()) {
     throw unknownLayer(header, layer, path);
@@ -120,6 +104,34 @@ ChannelPlan planChannels(const PictureHeader& header, const std::string& layer, 
     default:
       throw noPicture(header, channels.size(), path);
   }
+}
+
+}  // namespace
+
+int ChannelPlan::first() const {
+  int lowest = std::min({source[0], source[1], source[2]});
+  return hasAlpha() ? std::min(lowest, source[3]) : lowest;
+}
+
+int ChannelPlan::end() const {
+  return std::max({source[0], source[1], source[2], source[3]}) + 1;
+}
+
+ChannelPlan planChannels(const PictureHeader& header, const std::string& layer, const std::string& path) {
+  if (header.is_deep) {
+    throw fileFailure(path, "holds deep samples, not a flat picture; flatten it first");
+  }
+  if (header.is_volume) {
+    throw fileFailure(path, "holds a volume, not a flat picture; give a picture with one slice");
+  }
+  const ChannelPlan plan = planByNames(header, layer, path);
+  for (const int number : plan.source) {
+    if (number >= 0 && header.channels[static_cast<std::size_t>(number)].is_subsampled) {
+      throw fileFailure(path, fmt::format("its channel '{}' does not have a sample for every pixel; resample it first",
+                                          header.channels[static_cast<std::size_t>(number)].name));
+    }
+  }
+  return plan;
 }
 
 SampleType samplesOf(const PictureHeader& header, const ChannelPlan& plan) {

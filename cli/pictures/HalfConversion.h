@@ -14,4 +14,7 @@ void toFloat(const std::byte* channels, host::Depth depth, std::size_t count, fl
 // The same as halves, rounded to nearest, ties to even.
 void toHalf(const std::byte* channels, host::Depth depth, std::size_t count, std::uint16_t* halves);
 
+// `count` halves as floats, exactly; a NaN keeps its bits.
+void fromHalf(const std::uint16_t* halves, std::size_t count, float* floats);
+
 }  // namespace vantorel::cli

@@ -1,5 +1,7 @@
 #include "cli/pictures/ImageReader.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -10,6 +12,7 @@
 #include "cli/base/CommandError.h"
 #include "cli/base/Console.h"
 #include "cli/base/Files.h"
+#include "cli/base/Memory.h"
 #include "cli/base/StandardStreams.h"
 #include "cli/pictures/ChannelPlan.h"
 #include "cli/pictures/ColourTags.h"
@@ -56,6 +59,7 @@ Source openSource(const std::string& path, const ReadingOptions& options = {}) {
   requireSaneHeader(source.header(), file.name);
   requirePixelsWithin(limits, file.name, "a picture", source.displaySize());
   requirePixelsWithin(limits, file.name, "a data window", {source.header().data.width, source.header().data.height});
+  requirePixelsWithin(limits, file.name, "a tile", source.header().tile);
   source.plan = planChannels(source.header(), options.selection.layer, file.name);
   if (options.alpha == AlphaReading::Ignored) {
     source.plan.source[3] = -1;
@@ -64,6 +68,20 @@ Source openSource(const std::string& path, const ReadingOptions& options = {}) {
                                                                    : options.alpha == AlphaReading::Straight;
   source.unassociated = source.plan.hasAlpha() && is_straight;
   return source;
+}
+
+// Of the channels of an OpenEXR file but those of the picture, as if all had a sample for every pixel.
+double extraBytes(const Source& source) {
+  const PictureHeader& header = source.header();
+  if (header.format != "openexr") {
+    return 0.0;
+  }
+  double bytes = 0.0;
+  for (std::size_t c = 0; c < header.channels.size(); ++c) {
+    const bool is_extra = std::ranges::find(source.plan.source, static_cast<int>(c)) == source.plan.source.end();
+    bytes += !is_extra ? 0.0 : header.channels[c].samples == SampleType::Half ? 2.0 : 4.0;
+  }
+  return bytes * header.data.width * header.data.height;
 }
 
 PictureInfo infoOf(const Source& source) {
@@ -79,6 +97,7 @@ PictureInfo infoOf(const Source& source) {
           source.header().format,
           dataWindow(source.header()),
           source.header().views,
+          extraBytes(source),
           std::make_shared<const ColourFacts>(colourFactsOf(source.header(), samples))};
 }
 
@@ -89,7 +108,7 @@ host::Image pixelsFor(host::Size size, host::Depth depth, const ReadingOptions& 
 }
 
 // What a file that is made from the picture replaces of this one.
-std::shared_ptr<const PictureOrigin> originOf(const Source& source, const std::string& layer) {
+std::shared_ptr<const PictureOrigin> originOf(const Source& source, const ReadingOptions& options) {
   const PictureHeader& header = source.header();
   PictureOrigin origin{source.file.path,
                        source.file.name,
@@ -98,7 +117,9 @@ std::shared_ptr<const PictureOrigin> originOf(const Source& source, const std::s
                        header.display.x,
                        header.display.y,
                        {},
-                       {}};
+                       {},
+                       nullptr};
+  const std::string& layer = options.selection.layer;
   const std::string prefix = layer.empty() ? "" : layer + '.';
   constexpr std::array<const char*, 4> kNames{"R", "G", "B", "A"};
   const ChannelMap& map = source.plan.source;
@@ -110,6 +131,13 @@ std::shared_ptr<const PictureOrigin> originOf(const Source& source, const std::s
       origin.replaced.push_back(name);
     }
     origin.written.push_back(is_own ? name : prefix + kNames[c]);
+  }
+  if (options.keep_extra) {
+    if (const auto shortage = memoryShortage(extraBytes(source))) {
+      throw outOfMemory(source.file.name,
+                        fmt::format("its other channels {}; give a file of fewer channels", *shortage));
+    }
+    origin.extra = source.input->keepOthers(origin.replaced);
   }
   return std::make_shared<const PictureOrigin>(std::move(origin));
 }
@@ -264,7 +292,7 @@ std::optional<Picture> read(const std::string& path, host::Depth depth, const st
   Picture picture;
   picture.info = infoOf(source);
   picture.metadata = std::make_shared<const Metadata>(keptMetadata(source.header().metadata));
-  picture.origin = originOf(source, options.selection.layer);
+  picture.origin = originOf(source, options);
 
   const host::Rect display{0, 0, source.displaySize().width, source.displaySize().height};
   const host::Rect data = dataWindow(source.header());

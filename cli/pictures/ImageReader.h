@@ -22,6 +22,7 @@ enum class AlphaReading {
 struct ReadingOptions {
   AlphaReading alpha = AlphaReading::AsStated;
   PictureSelection selection{};
+  bool keep_extra = false;               // an OpenEXR file's other channels are read with the picture
   bool keep_overscan = false;            // the pixels cover what the file has of them beyond the picture too
   std::shared_ptr<SparePixels> spare{};  // where to take memory from; null: the system's
 };

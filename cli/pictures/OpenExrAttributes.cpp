@@ -1,19 +1,26 @@
 #include "cli/pictures/OpenExrAttributes.h"
 
+#include <OpenEXR/ImfBoxAttribute.h>
+#include <OpenEXR/ImfDoubleAttribute.h>
 #include <OpenEXR/ImfFloatAttribute.h>
+#include <OpenEXR/ImfFloatVectorAttribute.h>
 #include <OpenEXR/ImfIntAttribute.h>
+#include <OpenEXR/ImfKeyCodeAttribute.h>
 #include <OpenEXR/ImfMatrixAttribute.h>
 #include <OpenEXR/ImfRationalAttribute.h>
 #include <OpenEXR/ImfStandardAttributes.h>
 #include <OpenEXR/ImfStringAttribute.h>
+#include <OpenEXR/ImfTimeCodeAttribute.h>
 #include <OpenEXR/ImfVecAttribute.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>
-#include <map>
+#include <limits>
+#include <numeric>
 #include <string_view>
+#include <vector>
 
 namespace vantorel::cli {
 
@@ -32,22 +39,38 @@ void insertAs(Imf::Header& header, const std::string& name, const Attribute& att
 }
 
 // OpenEXR's own names for what the other formats have as well.
+struct NamePair {
+  std::string_view common;
+  std::string_view exr;
+  bool is_read = true;  // a file's attribute of OpenEXR's name takes the common one
+};
+
+constexpr std::array kNames{
+    NamePair{"Copyright", "owner"},
+    NamePair{"DateTime", "capDate"},
+    NamePair{"ImageDescription", "comments"},
+    NamePair{"ExposureTime", "expTime"},
+    NamePair{"FNumber", "aperture"},
+    NamePair{"XResolution", "xDensity"},
+    NamePair{"PixelAspectRatio", "pixelAspectRatio"},
+    NamePair{"smpte:TimeCode", "timeCode"},
+    NamePair{"smpte:KeyCode", "keyCode"},
+    NamePair{"Exif:PhotographicSensitivity", "isoSpeed", false},
+    NamePair{"FramesPerSecond", "framesPerSecond", false},
+    NamePair{"Make", "cameraMake", false},
+    NamePair{"Model", "cameraModel", false},
+    NamePair{"openexr:chunkCount", "chunkCount"},
+    NamePair{"openexr:dwaCompressionLevel", "dwaCompressionLevel"},
+};
+
 std::string exrName(const std::string& name) {
-  static const std::map<std::string_view, const char*> kNames{
-      {"Copyright", "owner"},
-      {"DateTime", "capDate"},
-      {"ImageDescription", "comments"},
-      {"ExposureTime", "expTime"},
-      {"FNumber", "aperture"},
-      {"Exif:PhotographicSensitivity", "isoSpeed"},
-      {"FramesPerSecond", "framesPerSecond"},
-      {"smpte:TimeCode", "timeCode"},
-      {"smpte:KeyCode", "keyCode"},
-      {"Make", "cameraMake"},
-      {"Model", "cameraModel"},
-  };
-  const auto found = kNames.find(name);
-  return found == kNames.end() ? name : found->second;
+  const auto found = std::ranges::find(kNames, std::string_view(name), &NamePair::common);
+  return found == kNames.end() ? name : std::string(found->exr);
+}
+
+std::string commonName(const std::string& name) {
+  const auto found = std::ranges::find(kNames, std::string_view(name), &NamePair::exr);
+  return found == kNames.end() || !found->is_read ? name : std::string(found->common);
 }
 
 Imf::Rational rationalOf(const Attribute& attribute) {
@@ -109,7 +132,119 @@ bool belongsToTheFile(const std::string& name) {
          name == "YResolution" || name == "ResolutionUnit";
 }
 
+// Sets the attribute where OpenEXR has it as that type, which is a plain sequence of numbers.
+template <typename T>
+bool takeNumbers(const Imf::Attribute& stated, const std::string& name, const char* type, Metadata& metadata) {
+  const auto* const typed = dynamic_cast<const Imf::TypedAttribute<T>*>(&stated);
+  if (typed != nullptr) {
+    const auto* const bytes = reinterpret_cast<const std::byte*>(&typed->value());
+    metadata.set({name, type, {}, {bytes, bytes + sizeof(T)}});
+  }
+  return typed != nullptr;
+}
+
+template <typename Number, std::size_t kCount>
+void setNumbers(Metadata& metadata, const std::string& name, const std::string& type,
+                const std::array<Number, kCount>& numbers) {
+  const auto* const bytes = reinterpret_cast<const std::byte*>(numbers.data());
+  metadata.set({name, type, {}, {bytes, bytes + sizeof numbers}});
+}
+
+// Terms beyond 31 bits are reduced, and left out where they stay beyond.
+void takeRational(const Imf::Rational& stated, const std::string& name, Metadata& metadata) {
+  std::int64_t numerator = stated.n;
+  std::int64_t denominator = stated.d;
+  constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
+  if (denominator > kMost) {
+    const std::int64_t divisor = std::gcd(numerator, denominator);
+    numerator /= divisor;
+    denominator /= divisor;
+  }
+  if (denominator <= kMost) {
+    setNumbers<std::int32_t, 2>(metadata, name, "rational2i",
+                                {static_cast<std::int32_t>(numerator), static_cast<std::int32_t>(denominator)});
+  }
+}
+
+void takeFloats(const std::vector<float>& floats, const std::string& name, Metadata& metadata) {
+  const auto* const bytes = reinterpret_cast<const std::byte*>(floats.data());
+  if (!floats.empty()) {
+    metadata.set(
+        {name, "float[" + std::to_string(floats.size()) + ']', {}, {bytes, bytes + floats.size() * sizeof(float)}});
+  }
+}
+
+void takeText(const std::string& text, const std::string& name, Metadata& metadata) {
+  if (!text.empty()) {
+    metadata.set(textAttribute(name, text));
+  }
+}
+
+void takeAttribute(const Imf::Attribute& stated, const std::string& name, Metadata& metadata) {
+  struct PlainType {
+    bool (*take)(const Imf::Attribute&, const std::string&, const char*, Metadata&);
+    const char* name;
+  };
+  static constexpr std::array kPlainTypes{
+      PlainType{takeNumbers<int>, "int"},
+      PlainType{takeNumbers<float>, "float"},
+      PlainType{takeNumbers<double>, "double"},
+      PlainType{takeNumbers<Imath::V2i>, "float2i"},
+      PlainType{takeNumbers<Imath::V2f>, "float2"},
+      PlainType{takeNumbers<Imath::V2d>, "float2d"},
+      PlainType{takeNumbers<Imath::V3i>, "vectori"},
+      PlainType{takeNumbers<Imath::V3f>, "vector"},
+      PlainType{takeNumbers<Imath::V3d>, "vectord"},
+      PlainType{takeNumbers<Imath::M33f>, "matrix33"},
+      PlainType{takeNumbers<Imath::M33d>, "matrix33d"},
+      PlainType{takeNumbers<Imath::M44f>, "matrix"},
+      PlainType{takeNumbers<Imath::M44d>, "matrixd"},
+      PlainType{takeNumbers<Imath::Box2i>, "float2i[2]"},
+      PlainType{takeNumbers<Imath::Box2f>, "float2[2]"},
+      PlainType{takeNumbers<Imf::Chromaticities>, "float[8]"},
+  };
+  if (const auto* const text = dynamic_cast<const Imf::StringAttribute*>(&stated)) {
+    takeText(text->value(), name, metadata);
+  } else if (const auto* const rational = dynamic_cast<const Imf::RationalAttribute*>(&stated)) {
+    takeRational(rational->value(), name, metadata);
+  } else if (const auto* const floats = dynamic_cast<const Imf::FloatVectorAttribute*>(&stated)) {
+    takeFloats(floats->value(), name, metadata);
+  } else if (const auto* const time = dynamic_cast<const Imf::TimeCodeAttribute*>(&stated)) {
+    setNumbers<std::uint32_t, 2>(metadata, name, "timecode", {time->value().timeAndFlags(), time->value().userData()});
+  } else if (const auto* const key = dynamic_cast<const Imf::KeyCodeAttribute*>(&stated)) {
+    const Imf::KeyCode& code = key->value();
+    setNumbers<std::int32_t, 7>(metadata, name, "keycode",
+                                {code.filmMfcCode(), code.filmType(), code.prefix(), code.count(), code.perfOffset(),
+                                 code.perfsPerFrame(), code.perfsPerCount()});
+  } else {
+    std::ranges::any_of(kPlainTypes,
+                        [&](const PlainType& type) { return type.take(stated, name, type.name, metadata); });
+  }
+}
+
+// What tells how the pixels are kept, and has a place of its own in a picture's header.
+bool isOfPixels(std::string_view name) {
+  constexpr std::array<std::string_view, 3> kOfPixels{"dataWindow", "displayWindow", "type"};
+  return std::ranges::find(kOfPixels, name) != kOfPixels.end();
+}
+
 }  // namespace
+
+Metadata attributesOf(const Imf::Header& header) {
+  Metadata metadata;
+  metadata.set(textAttribute("oiio:ColorSpace", "Linear"));
+  for (auto it = header.begin(); it != header.end(); ++it) {
+    if (!isOfPixels(it.name())) {
+      takeAttribute(it.attribute(), commonName(it.name()), metadata);
+    }
+  }
+  if (const double density = metadata.number("XResolution").value_or(0.0); density != 0.0) {
+    const auto aspect = static_cast<float>(metadata.number("PixelAspectRatio").value_or(0.0));
+    metadata.set(numberAttribute("YResolution", static_cast<float>(density) * (aspect != 0.0f ? aspect : 1.0f)));
+    metadata.set(textAttribute("ResolutionUnit", "in"));
+  }
+  return metadata;
+}
 
 void addAttributes(Imf::Header& header, const Metadata& metadata) {
   for (const Attribute& attribute : metadata.attributes()) {

@@ -1,4 +1,4 @@
-// Attributes of other formats in OpenEXR's header.
+// Attributes between OpenEXR's header and those of all formats.
 #pragma once
 
 #include <OpenEXR/ImfHeader.h>
@@ -8,6 +8,10 @@
 #include "cli/pictures/Metadata.h"
 
 namespace vantorel::cli {
+
+// What the header states, under the names and with the types that OpenImageIO has for it. Lists of texts, and
+// what has no such type, are left out.
+Metadata attributesOf(const Imf::Header& header);
 
 // Adds the attributes, those that OpenEXR has names of its own for under these. What it has no type for is left out.
 void addAttributes(Imf::Header& header, const Metadata& metadata);

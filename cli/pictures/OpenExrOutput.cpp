@@ -13,6 +13,7 @@
 
 #include "cli/base/CommandError.h"
 #include "cli/pictures/CodecThreads.h"
+#include "cli/pictures/ExtraChannels.h"
 #include "cli/pictures/FileDate.h"
 #include "cli/pictures/FileRecord.h"
 #include "cli/pictures/HalfConversion.h"
@@ -90,10 +91,9 @@ class OpenExrOutput : public PictureOutput {
 
   void writeRows(int y_begin, const host::ConstImageView& rows) override {
     const int top = window_.min.y + y_begin;
-    const int bottom = top + rows.size.height;
     Imf::FrameBuffer buffer;
-    if (passesChannels()) {
-      ofPlate(*picture_.origin, [&] { source_->readOthers(window_.min.x, window_.max.x + 1, top, bottom, buffer); });
+    if (extra_) {
+      extra_->addTo(buffer);
     }
     encode(rows);
     const std::size_t sample = picture_.samples == SampleType::Half ? 2 : 4;
@@ -124,10 +124,15 @@ class OpenExrOutput : public PictureOutput {
   }
 
  private:
-  bool passesParts() const { return source_ && picture_.passes_plate; }
-  bool passesChannels() const {
-    return passesParts() && source_->otherChannels().begin() != source_->otherChannels().end();
+  // The plate's other channels, in this file's data window.
+  void placeExtra() {
+    if (passesParts() && picture_.origin->extra) {
+      const std::shared_ptr<const ExtraChannels>& extra = picture_.origin->extra;
+      extra_ = extra->cover(window_) ? extra : std::make_shared<const ExtraChannels>(extra->in(window_));
+    }
   }
+
+  bool passesParts() const { return source_ && picture_.passes_plate; }
   Imf::PixelType pixelType() const { return picture_.samples == SampleType::Half ? Imf::HALF : Imf::FLOAT; }
 
   // Runs a step of writing; what OpenEXR throws in it is the output's fault.
@@ -190,6 +195,7 @@ class OpenExrOutput : public PictureOutput {
     header.displayWindow() = windowAt({0, 0, picture_.frame.width, picture_.frame.height}, x, y);
     header.lineOrder() = Imf::INCREASING_Y;
     header.setType(Imf::SCANLINEIMAGE);
+    placeExtra();
     addChannels(header);
     compress(header);
     if (picture_.metadata && !source_) {
@@ -204,7 +210,7 @@ class OpenExrOutput : public PictureOutput {
 
   void addChannels(Imf::Header& header) {
     names_ = {"R", "G", "B", "A"};
-    header.channels() = passesParts() ? source_->otherChannels() : Imf::ChannelList();
+    header.channels() = extra_ ? extra_->channels() : Imf::ChannelList();
     if (passesParts()) {
       names_ = picture_.origin->written;
     }
@@ -248,6 +254,7 @@ class OpenExrOutput : public PictureOutput {
   std::optional<OpenExrSource> source_;
   Imath::Box2i window_;             // the data window, by the file's own count
   std::vector<std::string> names_;  // of the channels for R, G, B and A
+  std::shared_ptr<const ExtraChannels> extra_;
   std::optional<Imf::MultiPartOutputFile> output_;
   std::optional<Imf::OutputPart> part_;
   std::vector<std::byte> encoded_;

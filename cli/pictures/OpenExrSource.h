@@ -1,14 +1,10 @@
-// What of an OpenEXR plate passes into the picture that is made over it: its other parts, the other channels of its own
-// part, and its attributes, all to the bit.
+// What of an OpenEXR plate passes packed into the picture that is made over it, to the bit: its other parts, and its
+// attributes.
 #pragma once
 
-#include <OpenEXR/ImfChannelList.h>
 #include <OpenEXR/ImfForward.h>
 #include <OpenEXR/ImfHeader.h>
 #include <OpenEXR/ImfMultiPartInputFile.h>
-
-#include <string>
-#include <vector>
 
 #include "cli/pictures/ImageWriter.h"
 
@@ -28,17 +24,9 @@ class OpenExrSource {
   // Copies the packed pixels of a part that passes whole.
   void copyPart(int part, Imf::MultiPartOutputFile& output);
 
-  // The channels of the picture's own part that are not replaced.
-  const Imf::ChannelList& otherChannels() const { return others_; }
-  // Reads rows [y_begin, y_end) of them, by the file's own count, and adds them to `rows`. They cover columns [x_begin,
-  // x_end); what lies outside the plate's data window is zero. The memory is the plate's own, until the next call.
-  void readOthers(int x_begin, int x_end, int y_begin, int y_end, Imf::FrameBuffer& rows);
-
  private:
   const PictureOrigin& origin_;
   Imf::MultiPartInputFile file_;
-  Imf::ChannelList others_;
-  std::vector<std::vector<char>> memory_;  // of each of them
 };
 
 }  // namespace vantorel::cli

@@ -1,18 +1,15 @@
 // What OpenImageIO reads, every format that has no input of its own here.
 #include <OpenImageIO/imageio.h>
 #include <OpenImageIO/strutil.h>
-#include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <vector>
 
 #include "cli/base/CommandError.h"
-#include "cli/base/NumberParsing.h"
 #include "cli/pictures/FormatLibrary.h"
 #include "cli/pictures/OpenImageIoMetadata.h"
+#include "cli/pictures/PartChoice.h"
 #include "cli/pictures/PictureInput.h"
 #include "cli/pictures/SampleTypes.h"
 
@@ -78,8 +75,7 @@ class OpenImageIoInput : public PictureInput {
     if (!input_) {
       throw unreadablePicture(path_, OIIO::Strutil::replace(OIIO::geterror(), file.path, file.name));
     }
-    const bool is_openexr = std::strcmp(input_->format_name(), "openexr") == 0;
-    const int number = is_openexr || !part.empty() ? choosePart(part) : 0;
+    const int number = part.empty() ? 0 : choosePart(part);
     header_.format = input_->format_name();
     describe(input_->spec(), header_);
     header_.part = number;
@@ -122,47 +118,19 @@ class OpenImageIoInput : public PictureInput {
     }
   }
 
-  // Goes to the part of that name or number, and collects the views of all on the way. Returns its number.
+  // Goes to the part of that name or number. Returns its number.
   int choosePart(const std::string& wanted) {
     std::vector<std::string> names;
     while (input_->seek_subimage(static_cast<int>(names.size()), 0)) {
       names.push_back(input_->spec().get_string_attribute("oiio:subimagename"));
-      addViews();
     }
     // That there is none after the last is no fault.
     input_->geterror();
-    const int number = wanted.empty() ? 0 : numberOf(names, wanted);
+    const int number = partNumber(names, wanted, path_);
     if (!input_->seek_subimage(number, 0)) {
       throw unreadablePicture(path_, input_->geterror());
     }
     return number;
-  }
-
-  int numberOf(const std::vector<std::string>& names, const std::string& wanted) const {
-    if (const auto found = std::ranges::find(names, wanted); found != names.end()) {
-      return static_cast<int>(found - names.begin());
-    }
-    const auto number = parseNumber(wanted);
-    const auto last = static_cast<int>(names.size()) - 1;
-    if (number && *number >= 0.0 && *number <= last && *number == std::floor(*number)) {
-      return static_cast<int>(*number);
-    }
-    std::string known;
-    for (const std::string& name : names) {
-      known += name.empty() ? "" : name + ", ";
-    }
-    throw fileFailure(path_, fmt::format("has no part '{}'; give --part as {}{}", wanted, known,
-                                         last > 0 ? fmt::format("or 0 to {}", last) : "0, its only one"));
-  }
-
-  void addViews() {
-    if (const std::string view(input_->spec().get_string_attribute("view")); !view.empty()) {
-      header_.views.push_back(view);
-    }
-    const OIIO::ParamValue* const all = input_->spec().find_attribute("multiView");
-    for (int i = 0; all != nullptr && all->type().basetype == OIIO::TypeDesc::STRING && i < all->type().arraylen; ++i) {
-      header_.views.push_back(all->get_ustring_indexed(i).string());
-    }
   }
 
   std::string path_;

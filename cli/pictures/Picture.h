@@ -19,6 +19,7 @@ struct PictureSelection {
 };
 
 struct ColourFacts;
+class ExtraChannels;
 
 // What the head of a picture file tells.
 struct PictureInfo {
@@ -29,6 +30,7 @@ struct PictureInfo {
   std::string format{};              // OpenImageIO's name for it: "png", "openexr"
   host::Rect data{};                 // what the file has pixels of, in the picture's own; may reach beyond it
   std::vector<std::string> views{};  // of a stereo or multi-view file
+  double extra_bytes = 0.0;          // that the file's other channels take in memory where they are asked for
   std::shared_ptr<const ColourFacts> colour{};  // what it says of its colours
 };
 
@@ -40,8 +42,9 @@ struct PictureOrigin {
   int part = 0;
   int display_x = 0;  // where the display window lies by the file's own count
   int display_y = 0;
-  std::vector<std::string> replaced;  // the names of the channels that make the picture
-  std::vector<std::string> written;   // those of the channels R, G, B and A that take their place
+  std::vector<std::string> replaced;           // the names of the channels that make the picture
+  std::vector<std::string> written;            // those of the channels R, G, B and A that take their place
+  std::shared_ptr<const ExtraChannels> extra;  // the channels that are not replaced, if they were asked for
 };
 
 struct Picture {

@@ -25,6 +25,7 @@ struct Window {
 struct ChannelHeader {
   std::string name;
   SampleType samples = SampleType::Bits8;
+  bool is_subsampled = false;  // has a sample for some pixels only
 };
 
 struct PictureHeader {

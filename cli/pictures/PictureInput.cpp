@@ -16,7 +16,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// A format that is read without OpenImageIO, known by its first bytes.
+// A format of one picture a file that is read without OpenImageIO, known by its first bytes.
 struct OwnInput {
   std::string_view signature;
   std::unique_ptr<PictureInput> (*open)(const InputFile& file);
@@ -24,6 +24,9 @@ struct OwnInput {
 
 constexpr std::array kOwnInputs{OwnInput{"\x89PNG\r\n\x1A\n"sv, openPngInput},
                                 OwnInput{"\xFF\xD8\xFF"sv, openJpegInput}};
+
+// Of the formats that are read here, the one with parts.
+constexpr std::string_view kOpenExrSignature = "\x76\x2F\x31\x01"sv;
 
 // Empty where the file cannot be read; OpenImageIO says why.
 std::string signatureOf(const std::string& path) {
@@ -44,9 +47,12 @@ CommandError unreadablePicture(const std::string& path, const std::string& reaso
 }
 
 std::unique_ptr<PictureInput> openPictureInput(const InputFile& file, const std::string& part) {
-  const auto found = std::ranges::find_if(kOwnInputs, [signature = signatureOf(file.path)](const OwnInput& own) {
-    return signature.starts_with(own.signature);
-  });
+  const std::string signature = signatureOf(file.path);
+  if (signature.starts_with(kOpenExrSignature)) {
+    return openExrInput(file, part);
+  }
+  const auto found =
+      std::ranges::find_if(kOwnInputs, [&](const OwnInput& own) { return signature.starts_with(own.signature); });
   return found != kOwnInputs.end() && part.empty() ? found->open(file) : formatLibrary().open_input(file, part);
 }
 

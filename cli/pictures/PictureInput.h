@@ -4,12 +4,15 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "cli/base/CommandError.h"
 #include "cli/pictures/PictureHeader.h"
 #include "host/Image.h"
 
 namespace vantorel::cli {
+
+class ExtraChannels;
 
 // Some of a picture's channels, by their numbers in the header.
 struct ChannelRange {
@@ -31,6 +34,10 @@ class PictureInput {
   // top, into the first channels of `rows` (four to a pixel), at its depth. A picture that is kept in tiles is read by
   // whole rows of tiles. Throws CommandError naming the file.
   virtual void readRows(int y_begin, ChannelRange channels, const host::ImageView& rows) = 0;
+
+  // Lets the rows that are read from now on bring with them the channels that are none of those named. Null for a
+  // format whose other channels pass nowhere.
+  virtual std::shared_ptr<const ExtraChannels> keepOthers(const std::vector<std::string>&) { return nullptr; }
 };
 
 // A file to read, and what messages call it.
@@ -47,6 +54,7 @@ std::unique_ptr<PictureInput> openPictureInput(const InputFile& file, const std:
 std::unique_ptr<PictureInput> openPngInput(const InputFile& file);
 // Goes on to OpenImageIO where the file holds what only that understands, such as what cameras note.
 std::unique_ptr<PictureInput> openJpegInput(const InputFile& file);
+std::unique_ptr<PictureInput> openExrInput(const InputFile& file, const std::string& part);
 
 // The fault of a file that its library does not understand, with the library's reason.
 CommandError unreadablePicture(const std::string& path, const std::string& reason);

@@ -83,6 +83,7 @@ void planReading(Shot& shot) {
   shot.passes_plate =
       shot.plate_files && shot.format != nullptr && shot.format->passes_parts && shot.options.downsample == 1;
   shot.plate_reading.keep_overscan = shot.passes_plate;
+  shot.plate_reading.keep_extra = shot.passes_plate;
 }
 
 // Two inputs cannot read one stream, and a picture there leaves no room for text.

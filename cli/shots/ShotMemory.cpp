@@ -29,6 +29,7 @@ double bytesPerFrame(const Shot& shot, const FrameHeads& heads) {
   for (const auto& other : {heads.plate, heads.matte}) {
     bytes += other ? pictureBytes(other->size, shot.depth) : 0.0;
   }
+  bytes += shot.passes_plate && heads.plate ? heads.plate->extra_bytes : 0.0;
   return bytes + pictureBytes(host::downsampled(shot.frame_size, n), shot.depth);
 }
 

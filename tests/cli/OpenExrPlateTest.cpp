@@ -3,9 +3,11 @@
 #include <OpenEXR/ImfChannelList.h>
 #include <OpenEXR/ImfFloatVectorAttribute.h>
 #include <OpenEXR/ImfFrameBuffer.h>
+#include <OpenEXR/ImfInputFile.h>
 #include <OpenEXR/ImfInputPart.h>
 #include <OpenEXR/ImfMultiPartInputFile.h>
 #include <OpenEXR/ImfMultiPartOutputFile.h>
+#include <OpenEXR/ImfOutputFile.h>
 #include <OpenEXR/ImfOutputPart.h>
 #include <OpenEXR/ImfPartType.h>
 #include <OpenEXR/ImfStandardAttributes.h>
@@ -13,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <numeric>
 #include <random>
 #include <set>
 
@@ -31,8 +34,8 @@ struct PixelsOfChannel {
 // Memory for a channel of that window.
 PixelsOfChannel pixelsOf(const Imf::Channel& channel, const Box2i& window) {
   const std::size_t sample = channel.type == Imf::HALF ? 2 : 4;
-  const auto width = static_cast<std::size_t>(window.max.x - window.min.x + 1);
-  const auto height = static_cast<std::size_t>(window.max.y - window.min.y + 1);
+  const auto width = static_cast<std::size_t>(window.size().x) + 1;
+  const auto height = static_cast<std::size_t>(window.size().y) + 1;
   PixelsOfChannel pixels{std::vector<char>(sample * width * height), {}};
   pixels.slice = Imf::Slice::Make(channel.type, pixels.bytes.data(), window, sample, sample * width);
   return pixels;
@@ -185,6 +188,44 @@ TEST(OpenExrPlate, OverscanIsDrawnOnAndPackingIsChosen) {
   EXPECT_EQ(output.header(0).dataWindow(), kOverscan);
   // The first pixel of the overscan is the card's own, an opaque one, and not the plate's small number.
   EXPECT_GT(float{reinterpret_cast<const Imath::half*>(channelsOf(output, 0, kOverscan)["R"].data())[0]}, 0.2f);
+}
+
+// A plate of 32x24 whose channels are all half but one of integers for every second pixel of every second row.
+void writeSparse(const std::string& path, const std::vector<std::string>& halves, const std::string& sparse,
+                 std::vector<std::uint32_t>& integers) {
+  Imf::Header header(32, 24);
+  Imf::FrameBuffer buffer;
+  std::vector<Imath::half> samples(32 * 24, 0.25f);
+  for (const std::string& name : halves) {
+    header.channels().insert(name, Imf::Channel(Imf::HALF));
+    buffer.insert(name, Imf::Slice(Imf::HALF, reinterpret_cast<char*>(samples.data()), 2, 64));
+  }
+  header.channels().insert(sparse, Imf::Channel(Imf::UINT, 2, 2));
+  buffer.insert(sparse, Imf::Slice(Imf::UINT, reinterpret_cast<char*>(integers.data()), 4, 64, 2, 2));
+  Imf::OutputFile file(path.c_str(), header);
+  file.setFrameBuffer(buffer);
+  file.writePixels(24);
+}
+
+TEST(OpenExrPlate, ChannelsOfFewerSamplesPassButMakeNoPicture) {
+  const FolderWithCard folder("32x24");
+  std::vector<std::uint32_t> integers(16 * 12);
+  std::iota(integers.begin(), integers.end(), 0xFFFFFF00u);
+  // The alpha of another layer is not that of the picture.
+  writeSparse(folder / "plate.exr", {"R", "G", "B", "glow.A"}, "id", integers);
+  runWell(folder, "render card.png -o out.exr --over plate.exr --ul 4,4 --ur 20,5 --ll 5,20 --lr 22,21");
+  Imf::InputFile output((folder / "out.exr").c_str());
+  EXPECT_EQ(output.header().channels().findChannel("A"), nullptr);
+  std::vector<std::uint32_t> passed(integers.size());
+  Imf::FrameBuffer buffer;
+  buffer.insert("id", Imf::Slice(Imf::UINT, reinterpret_cast<char*>(passed.data()), 4, 64, 2, 2));
+  output.setFrameBuffer(buffer);
+  output.readPixels(0, 23);
+  EXPECT_EQ(passed, integers);
+
+  writeSparse(folder / "plate.exr", {"R", "G"}, "B", integers);
+  expectRefused(folder, {{"render card.png -o out.exr --over plate.exr", 3,
+                          "plate.exr: its channel 'B' does not have a sample for every pixel; resample it first"}});
 }
 
 TEST(OpenExrPlate, WhatTheFileDoesNotHoldIsNamed) {

@@ -1,4 +1,17 @@
 // The formats that are read without OpenImageIO, against that library.
+#include <OpenEXR/ImfBoxAttribute.h>
+#include <OpenEXR/ImfChannelList.h>
+#include <OpenEXR/ImfDoubleAttribute.h>
+#include <OpenEXR/ImfFloatVectorAttribute.h>
+#include <OpenEXR/ImfFrameBuffer.h>
+#include <OpenEXR/ImfIntAttribute.h>
+#include <OpenEXR/ImfMatrixAttribute.h>
+#include <OpenEXR/ImfMultiPartOutputFile.h>
+#include <OpenEXR/ImfOutputPart.h>
+#include <OpenEXR/ImfPartType.h>
+#include <OpenEXR/ImfStandardAttributes.h>
+#include <OpenEXR/ImfTiledOutputPart.h>
+#include <OpenEXR/ImfVecAttribute.h>
 #include <gtest/gtest.h>
 #include <png.h>
 
@@ -78,6 +91,8 @@ void expectSameHeader(const PictureHeader& own, const PictureHeader& other) {
   EXPECT_EQ(own.format, other.format);
   EXPECT_EQ(own.data, other.data);
   EXPECT_EQ(own.display, other.display);
+  EXPECT_EQ(own.tile.width, other.tile.width);
+  EXPECT_EQ(own.tile.height, other.tile.height);
   EXPECT_EQ(own.alpha_channel, other.alpha_channel);
   EXPECT_EQ(own.straight_alpha, other.straight_alpha);
   EXPECT_EQ(own.orientation, other.orientation);
@@ -87,7 +102,9 @@ void expectSameHeader(const PictureHeader& own, const PictureHeader& other) {
     EXPECT_EQ(own.channels[c].samples, other.channels[c].samples);
   }
   for (const Attribute& attribute : other.metadata.attributes()) {
-    if (attribute.name.starts_with("jpeg:") || attribute.name.starts_with("ICCProfile:")) {
+    const auto begins = [&](const char* prefix) { return attribute.name.starts_with(prefix); };
+    if (begins("jpeg:") || begins("ICCProfile:") || begins("openexr:") || begins("oiio:sub") || begins("oiio:up") ||
+        begins("oiio:sample") || begins("compression") || begins("textureformat") || attribute.type == "string[2]") {
       continue;
     }
     const Attribute* const found = own.metadata.find(attribute.name);
@@ -107,18 +124,21 @@ host::Image blank(host::Size size, host::Depth depth) {
   return image;
 }
 
-void expectSamePicture(const InputFile& file) {
-  const auto own = openPictureInput(file);
-  const auto other = formatLibrary().open_input(file, "");
+void expectSamePicture(const InputFile& file, const std::string& part = "") {
+  const auto own = openPictureInput(file, part);
+  const auto other = formatLibrary().open_input(file, part);
   expectSameHeader(own->header(), other->header());
   const host::Size size{own->header().data.width, own->header().data.height};
-  const ChannelRange all{0, static_cast<int>(own->header().channels.size())};
+  const int channels = static_cast<int>(own->header().channels.size());
   for (const host::Depth depth : {host::Depth::Bits8, host::Depth::Bits16, host::Depth::Float}) {
-    host::Image a = blank(size, depth);
-    host::Image b = blank(size, depth);
-    own->readRows(0, all, a.view());
-    other->readRows(0, all, b.view());
-    EXPECT_TRUE(samePixels(a, b)) << "depth " << static_cast<int>(depth);
+    for (int first = 0; first < channels; first += 4) {
+      const ChannelRange range{first, std::min(first + 4, channels)};
+      host::Image a = blank(size, depth);
+      host::Image b = blank(size, depth);
+      own->readRows(0, range, a.view());
+      other->readRows(0, range, b.view());
+      EXPECT_TRUE(samePixels(a, b)) << "depth " << static_cast<int>(depth) << ", channels from " << first;
+    }
   }
 }
 
@@ -170,6 +190,157 @@ TEST(OwnFormat, JpegIsReadAsOpenImageIoReadsIt) {
       }
     }
   }
+}
+
+constexpr int kInRows = -1;
+
+struct ExrPart {
+  std::vector<std::pair<std::string, Imf::PixelType>> channels{{"R", Imf::HALF}, {"G", Imf::HALF}, {"B", Imf::HALF}};
+  Imf::Compression compression = Imf::ZIP_COMPRESSION;
+  int levels = kInRows;  // or an Imf::LevelMode of tiles
+  Imath::Box2i data{{0, 0}, {36, 70}};
+  Imath::Box2i display{{0, 0}, {36, 70}};
+};
+
+void addAllAttributes(Imf::Header& header) {
+  Imf::addOwner(header, "the owner");
+  Imf::addComments(header, "some comments");
+  Imf::addCapDate(header, "2024:02:29 23:59:58");
+  Imf::addExpTime(header, 0.02f);
+  Imf::addAperture(header, 2.8f);
+  Imf::addXDensity(header, 72.0f);
+  Imf::addTimeCode(header, Imf::TimeCode(1, 2, 3, 4, true, false, false, false, false, false, 9));
+  Imf::addKeyCode(header, Imf::KeyCode(1, 2, 3, 4, 5, 6, 64));
+  Imf::addFramesPerSecond(header, Imf::Rational(24000, 1001));
+  Imf::addWorldToCamera(header, Imath::M44f());
+  Imf::addChromaticities(header, Imf::Chromaticities());
+  Imf::addEnvmap(header, Imf::ENVMAP_LATLONG);
+  Imf::addMultiView(header, {"left", "right"});
+  header.pixelAspectRatio() = 2.0f;
+  header.insert("none", Imf::StringAttribute(""));
+  header.insert("Orientation", Imf::IntAttribute(3));
+  header.insert("double", Imf::DoubleAttribute(3.5));
+  header.insert("floats", Imf::FloatVectorAttribute({1.0f, 2.0f, 3.0f}));
+  header.insert("box", Imf::Box2iAttribute(Imath::Box2i({1, 2}, {3, 4})));
+  header.insert("boxf", Imf::Box2fAttribute(Imath::Box2f({1, 2}, {3, 4})));
+  header.insert("m33", Imf::M33dAttribute(Imath::M33d(1, 2, 3, 4, 5, 6, 7, 8, 9)));
+  header.insert("v2", Imf::V2iAttribute({1, 2}));
+  header.insert("v3", Imf::V3fAttribute({1, 2, 3}));
+  for (const unsigned denominator : {4u, 0x80000002u}) {
+    Imf::Rational rational;
+    rational.n = -6;
+    rational.d = denominator;
+    header.insert("rational" + std::to_string(denominator), Imf::RationalAttribute(rational));
+  }
+}
+
+// Parts of random bits.
+void writeExr(const std::string& path, const std::vector<ExrPart>& parts) {
+  std::vector<Imf::Header> headers;
+  for (const ExrPart& part : parts) {
+    Imf::Header& header = headers.emplace_back(part.display, part.data);
+    header.compression() = part.compression;
+    header.setType(part.levels == kInRows ? Imf::SCANLINEIMAGE : Imf::TILEDIMAGE);
+    if (part.levels != kInRows) {
+      header.setTileDescription({16, 24, static_cast<Imf::LevelMode>(part.levels)});
+    }
+    if (parts.size() > 1) {
+      header.setName("part " + std::to_string(headers.size()));
+      header.setView(headers.size() == 1 ? "left" : "right");
+    } else {
+      addAllAttributes(header);
+    }
+    for (const auto& [name, type] : part.channels) {
+      header.channels().insert(name, Imf::Channel(type));
+    }
+  }
+  std::mt19937 random(7);
+  Imf::MultiPartOutputFile file(path.c_str(), headers.data(), static_cast<int>(headers.size()));
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    const ExrPart& part = parts[i];
+    const auto width = static_cast<std::size_t>(part.data.size().x + 1);
+    const auto height = static_cast<std::size_t>(part.data.size().y + 1);
+    std::vector<std::uint32_t> samples(width * height * part.channels.size());
+    std::ranges::generate(samples, random);
+    Imf::FrameBuffer buffer;
+    for (std::size_t c = 0; c < part.channels.size(); ++c) {
+      buffer.insert(
+          part.channels[c].first,
+          Imf::Slice::Make(part.channels[c].second, samples.data() + width * height * c, part.data, 4, 4 * width));
+    }
+    if (part.levels == kInRows) {
+      Imf::OutputPart output(file, static_cast<int>(i));
+      output.setFrameBuffer(buffer);
+      output.writePixels(static_cast<int>(height));
+      continue;
+    }
+    Imf::TiledOutputPart output(file, static_cast<int>(i));
+    output.setFrameBuffer(buffer);
+    for (int y = 0; y < output.numYLevels(); ++y) {
+      for (int x = 0; x < output.numXLevels(); ++x) {
+        if (output.isValidLevel(x, y)) {
+          output.writeTiles(0, output.numXTiles(x) - 1, 0, output.numYTiles(y) - 1, x, y);
+        }
+      }
+    }
+  }
+}
+
+TEST(OwnFormat, OpenExrIsReadAsOpenImageIoReadsIt) {
+  const TestFolder folder;
+  const std::string path = folder / "a.exr";
+  std::vector<std::vector<ExrPart>> files;
+  for (int compression = Imf::NO_COMPRESSION; compression < Imf::NUM_COMPRESSION_METHODS; ++compression) {
+    for (const int levels : {kInRows, int{Imf::ONE_LEVEL}, int{Imf::MIPMAP_LEVELS}, int{Imf::RIPMAP_LEVELS}}) {
+      files.push_back({{.compression = static_cast<Imf::Compression>(compression), .levels = levels}});
+    }
+  }
+  using enum Imf::PixelType;
+  for (const auto& channels : std::vector<std::vector<std::pair<std::string, Imf::PixelType>>>{
+           {{"Y", HALF}},
+           {{"Y", HALF}, {"A", FLOAT}},
+           {{"R", FLOAT}, {"G", FLOAT}, {"B", FLOAT}},
+           {{"R", HALF}, {"G", FLOAT}, {"B", UINT}, {"A", HALF}},
+           {{"R", UINT}, {"G", UINT}, {"B", UINT}},
+           {{"X", HALF}, {"Y", FLOAT}, {"Z", FLOAT}, {"A", HALF}, {"v.x", HALF}, {"v.Y", HALF}, {"v.z", HALF}},
+           {{"R", HALF},
+            {"r", HALF},
+            {"Green", HALF},
+            {"Y", HALF},
+            {"Z", FLOAT},
+            {"alpha", HALF},
+            {"id", UINT},
+            {"AR", HALF},
+            {"GA", HALF},
+            {"Depth", HALF},
+            {"zback", HALF},
+            {"glow.B", HALF},
+            {"glow.R", HALF},
+            {"glow.sub.B", HALF},
+            {"glow-.R", HALF},
+            {".R", HALF}}}) {
+    files.push_back({{.channels = channels}});
+    files.push_back({{.channels = channels, .levels = Imf::ONE_LEVEL}});
+  }
+  constexpr int kFar = 1 << 29;
+  for (const Imath::Box2i& data :
+       {Imath::Box2i({-9, -5}, {50, 80}), {{5, 7}, {5, 7}}, {{kFar - 40, -kFar}, {kFar - 1, 9 - kFar}}}) {
+    files.push_back({{.data = data, .display = {{3, 4}, {30, 50}}}});
+    files.push_back({{.levels = Imf::ONE_LEVEL, .data = data, .display = data}});
+  }
+  for (const auto& parts : files) {
+    const ExrPart& part = parts.front();
+    SCOPED_TRACE(testing::Message() << "compression " << part.compression << ", levels " << part.levels << ", "
+                                    << part.channels.size() << " channels, first row " << part.data.min.y);
+    writeExr(path, parts);
+    expectSamePicture({path, "a.exr"});
+  }
+  writeExr(path, {{}, {.levels = Imf::ONE_LEVEL}, {.channels = {{"Z", FLOAT}}, .compression = Imf::PIZ_COMPRESSION}});
+  for (const char* part : {"0", "1", "2", "part 3"}) {
+    SCOPED_TRACE(part);
+    expectSamePicture({path, "a.exr"}, part);
+  }
+  EXPECT_EQ(openPictureInput({path, "a.exr"})->header().views, (std::vector<std::string>{"left", "right", "right"}));
 }
 
 }  // namespace
