@@ -4,7 +4,8 @@ namespace vantorel::cli {
 
 extern "C" [[gnu::visibility("default")]] const ModuleTable* vantorelFormatLibrary() {
   static constexpr FormatLibrary kLibrary{
-      {VANTOREL_VERSION}, openImageIoInput, openImageIoOutput, enlargedByImageIo, addExif, addXmp, limitImageIoThreads};
+      {VANTOREL_VERSION}, openImageIoInput, openImageIoOutput, enlargedByImageIo, addExif, addXmp, exifOf,
+      limitImageIoThreads};
   return &kLibrary;
 }
 

@@ -23,6 +23,8 @@ host::Image enlargedByImageIo(const host::ConstImageView& picture, host::Size si
 // Adds what a block of EXIF (from its TIFF header on) or a packet of XMP states, as far as it can be understood.
 void addExif(std::string_view block, Metadata& metadata);
 void addXmp(const std::string& packet, Metadata& metadata);
+// A block of EXIF that states the same, from its TIFF header on.
+std::string exifOf(const Metadata& metadata);
 // The threads that the library may use for one picture, at least 1.
 void limitImageIoThreads(unsigned threads);
 
@@ -32,6 +34,7 @@ struct FormatLibrary : ModuleTable {
   decltype(&enlargedByImageIo) enlarged;
   decltype(&addExif) add_exif;
   decltype(&addXmp) add_xmp;
+  decltype(&exifOf) exif_of;
   decltype(&limitImageIoThreads) limit_threads;
 };
 

@@ -7,6 +7,7 @@
 #include "cli/pictures/FileRecord.h"
 #include "cli/pictures/ImageReader.h"
 #include "cli/pictures/KeptMetadata.h"
+#include "cli/pictures/MetadataBlocks.h"
 #include "cli/pictures/PictureOutput.h"
 
 namespace vantorel::cli {
@@ -39,6 +40,9 @@ void writePicture(const std::string& output_path, const ImageFormat& format, con
     output->writeRows(y, {pixels.row(y), pixels.row_bytes, {pixels.size.width, count}, pixels.depth});
   }
   output->close();
+  if (picture.metadata) {
+    insertBlocks(file, format, *picture.metadata);
+  }
   // Writers that bypass the stream do not report whether their last write found room.
   if (format.needs_path && !isWholePicture(file.temporaryPath(), picture.pixels.size)) {
     throw unwritablePicture(path, "it is incomplete");

@@ -8,7 +8,9 @@
 #include <string_view>
 
 #include "cli/base/CommandError.h"
+#include "cli/pictures/CommonMetadata.h"
 #include "cli/pictures/FileRecord.h"
+#include "cli/pictures/MetadataBlocks.h"
 #include "cli/pictures/PngText.h"
 
 namespace vantorel::cli {
@@ -59,7 +61,7 @@ bool isKept(const std::string& name) {
          std::ranges::none_of(kOwnPrefixes, [&](std::string_view prefix) { return startsWith(name, prefix); });
 }
 
-// Profiles are divided among as many segments as they need, and packets of XMP written by PNG alone.
+// Profiles are divided among as many segments as they need, and a packet of XMP has one of its own.
 std::size_t sizeInSegment(const Attribute& attribute) {
   return attribute.name == "ICCProfile" || attribute.name == kXmpKey ? 0
                                                                      : attribute.text.size() + attribute.bytes.size();
@@ -75,10 +77,15 @@ Metadata keptMetadata(const Metadata& all) {
       kept.set(attribute);
     }
   }
+  useCommonNames(kept);
   return kept;
 }
 
 void requireMetadataHeld(const ImageFormat& format, const Metadata& metadata, const std::string& source) {
+  if (const std::size_t size = metadata.text(kXmpKey).size(); format.most_metadata > 0 && size > kLongestXmpOfJpeg) {
+    throw fileFailure(source, fmt::format("its XMP has {} bytes, and {} holds {}; shorten it, or write another format",
+                                          size, format.name, kLongestXmpOfJpeg));
+  }
   std::size_t all = 0;
   const Attribute* longest = nullptr;
   for (const Attribute& attribute : metadata.attributes()) {

@@ -8,7 +8,8 @@
 
 namespace vantorel::cli {
 
-// All but those that tell how the file itself keeps its pixels: its orientation, packing and tiles, say.
+// All but those that tell how the file itself keeps its pixels: its orientation, packing and tiles, say. Under the
+// names that formats have in common.
 Metadata keptMetadata(const Metadata& all);
 
 // Throws CommandError (file failure) naming the file that the attributes come from, and the longest of them, where the

@@ -22,6 +22,9 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/pictures/CommonMetadata.h"
+#include "cli/pictures/PngText.h"
+
 namespace vantorel::cli {
 
 namespace {
@@ -59,6 +62,9 @@ constexpr std::array kNames{
     NamePair{"FramesPerSecond", "framesPerSecond", false},
     NamePair{"Make", "cameraMake", false},
     NamePair{"Model", "cameraModel", false},
+    NamePair{"Exif:LensMake", "lensMake", false},
+    NamePair{"Exif:LensModel", "lensModel", false},
+    NamePair{kXmpKey, "xmp"},
     NamePair{"openexr:chunkCount", "chunkCount"},
     NamePair{"openexr:dwaCompressionLevel", "dwaCompressionLevel"},
 };
@@ -101,6 +107,17 @@ void addDensity(Imf::Header& header, const Metadata& metadata) {
   }
 }
 
+// A number of any type as a float, where OpenEXR's own attribute is one.
+bool addOwnFloat(Imf::Header& header, const std::string& name, const Metadata& metadata, const Attribute& attribute) {
+  constexpr std::array<std::string_view, 3> kFloats{"isoSpeed", "expTime", "aperture"};
+  const auto number = metadata.number(attribute.name);
+  if (!number || std::ranges::find(kFloats, name) == kFloats.end()) {
+    return false;
+  }
+  header.insert(name, Imf::FloatAttribute(static_cast<float>(*number)));
+  return true;
+}
+
 void addAttribute(Imf::Header& header, const std::string& name, const Attribute& attribute) {
   const std::string& type = attribute.type;
   if (attribute.isText()) {
@@ -111,18 +128,35 @@ void addAttribute(Imf::Header& header, const std::string& name, const Attribute&
     addTimeCode(header, attribute);
   } else if (type == "keycode") {
     addKeyCode(header, attribute);
-  } else if (type == "rational") {
+  } else if (type == "rational" || type == "rational2i") {
     header.insert(name, Imf::RationalAttribute(rationalOf(attribute)));
   } else if (type == "float") {
     insertAs<float>(header, name, attribute);
   } else if (type == "int") {
     insertAs<int>(header, name, attribute);
-  } else if (type == "float[2]") {
+  } else if (type == "int16" || type == "uint16") {
+    header.insert(name, Imf::IntAttribute(type == "int16" ? valueOf<std::int16_t>(attribute)
+                                                          : valueOf<std::uint16_t>(attribute)));
+  } else if (type == "float[2]" || type == "float2") {
     insertAs<Imath::V2f>(header, name, attribute);
-  } else if (type == "float[3]") {
+  } else if (type == "float[3]" || type == "vector") {
     insertAs<Imath::V3f>(header, name, attribute);
   } else if (type == "matrix") {
     insertAs<Imath::M44f>(header, name, attribute);
+  }
+}
+
+// Degrees and metres, beside the parts that EXIF has.
+void addPosition(Imf::Header& header, const Metadata& metadata) {
+  const auto latitude = positionDegrees(metadata, "Latitude");
+  const auto longitude = positionDegrees(metadata, "Longitude");
+  if (latitude && longitude) {
+    Imf::addLatitude(header, static_cast<float>(*latitude));
+    Imf::addLongitude(header, static_cast<float>(*longitude));
+  }
+  if (const auto altitude = metadata.number("GPS:Altitude")) {
+    const bool is_below = metadata.number("GPS:AltitudeRef").value_or(0.0) == 1.0;
+    Imf::addAltitude(header, static_cast<float>(is_below ? -*altitude : *altitude));
   }
 }
 
@@ -249,7 +283,8 @@ Metadata attributesOf(const Imf::Header& header) {
 void addAttributes(Imf::Header& header, const Metadata& metadata) {
   for (const Attribute& attribute : metadata.attributes()) {
     const std::string name = exrName(attribute.name);
-    if (!belongsToTheFile(attribute.name) && header.find(name) == header.end()) {
+    if (!belongsToTheFile(attribute.name) && header.find(name) == header.end() &&
+        !addOwnFloat(header, name, metadata, attribute)) {
       addAttribute(header, name, attribute);
     }
   }
@@ -257,6 +292,7 @@ void addAttributes(Imf::Header& header, const Metadata& metadata) {
     header.pixelAspectRatio() = static_cast<float>(*aspect);
   }
   addDensity(header, metadata);
+  addPosition(header, metadata);
 }
 
 Imf::Header without(const Imf::Header& header, std::span<const char* const> names) {

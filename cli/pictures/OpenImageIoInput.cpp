@@ -8,10 +8,13 @@
 
 #include "cli/base/CommandError.h"
 #include "cli/pictures/FormatLibrary.h"
+#include "cli/pictures/MetadataBlocks.h"
 #include "cli/pictures/OpenImageIoMetadata.h"
 #include "cli/pictures/PartChoice.h"
 #include "cli/pictures/PictureInput.h"
+#include "cli/pictures/PngText.h"
 #include "cli/pictures/SampleTypes.h"
+#include "cli/pictures/TiffMetadata.h"
 
 namespace vantorel::cli {
 
@@ -79,6 +82,7 @@ class OpenImageIoInput : public PictureInput {
     header_.format = input_->format_name();
     describe(input_->spec(), header_);
     header_.part = number;
+    addWhatIsLeftOut(file.path);
   }
 
   const PictureHeader& header() const override { return header_; }
@@ -115,6 +119,24 @@ class OpenImageIoInput : public PictureInput {
     // Some readers note that strips are missing and still call it a success.
     if (!read || input_->has_error()) {
       throw unreadablePicture(path_, input_->geterror());
+    }
+  }
+
+  // What the formats' readers pass over.
+  void addWhatIsLeftOut(const std::string& path) {
+    if (header_.format == "tiff") {
+      addTiffMetadata(path, header_.part, header_.metadata);
+    } else if (header_.format == "jpeg") {
+      const JpegBlocks blocks = readJpegBlocks(path);
+      if (!blocks.xmp.empty()) {
+        header_.metadata.set(textAttribute(std::string(kXmpKey), uprightXmp(blocks.xmp)));
+      }
+      // That of the other header that JPEG files have takes its place.
+      Metadata exif;
+      addExif(blocks.exif, exif);
+      if (const Attribute* const unit = exif.find("ResolutionUnit")) {
+        header_.metadata.set(*unit);
+      }
     }
   }
 

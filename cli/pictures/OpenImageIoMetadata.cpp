@@ -2,6 +2,8 @@
 
 #include <OpenImageIO/tiffutils.h>
 
+#include <vector>
+
 #include "cli/pictures/FormatLibrary.h"
 
 namespace vantorel::cli {
@@ -54,6 +56,16 @@ void addXmp(const std::string& packet, Metadata& metadata) {
   if (OIIO::decode_xmp(packet, spec)) {
     addTo(metadata, spec);
   }
+}
+
+std::string exifOf(const Metadata& metadata) {
+  OIIO::ImageSpec spec;
+  for (const Attribute& attribute : metadata.attributes()) {
+    addAttribute(spec, attribute);
+  }
+  std::vector<char> block;
+  OIIO::encode_exif(spec, block);
+  return {block.begin(), block.end()};
 }
 
 }  // namespace vantorel::cli

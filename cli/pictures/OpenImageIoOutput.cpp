@@ -1,11 +1,15 @@
 // What OpenImageIO writes, every format that has no output of its own here.
 #include <OpenImageIO/imageio.h>
+#include <OpenImageIO/strutil.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "cli/base/CommandError.h"
+#include "cli/pictures/CommonMetadata.h"
 #include "cli/pictures/FileDate.h"
 #include "cli/pictures/FileRecord.h"
 #include "cli/pictures/FileSink.h"
@@ -14,6 +18,7 @@
 #include "cli/pictures/PictureOutput.h"
 #include "cli/pictures/RowEncoder.h"
 #include "cli/pictures/SampleTypes.h"
+#include "cli/pictures/TiffMetadata.h"
 
 namespace vantorel::cli {
 
@@ -27,6 +32,24 @@ void addMetadata(OIIO::ImageSpec& spec, const OutputPicture& picture) {
   if (picture.metadata) {
     for (const Attribute& attribute : picture.metadata->attributes()) {
       addAttribute(spec, attribute);
+    }
+  }
+}
+
+// What these formats' writers look for under names of their own.
+void addOwnNames(OIIO::ImageSpec& spec, const std::string& writer, const Metadata& metadata) {
+  const auto& all = spec.extra_attribs;
+  if (writer == "tiff" && std::any_of(all.begin(), all.end(), [](const OIIO::ParamValue& attribute) {
+        return OIIO::Strutil::starts_with(attribute.name(), "IPTC:") || attribute.name() == "Keywords";
+      })) {
+    spec.attribute("tiff:write_iptc", 1);
+  }
+  if (writer == "dpx") {
+    if (const auto rate = framesPerSecond(metadata); rate && spec.find_attribute("dpx:FrameRate") == nullptr) {
+      spec.attribute("dpx:FrameRate", static_cast<float>(*rate));
+    }
+    if (spec.find_attribute("dpx:InputDevice") == nullptr) {
+      spec.attribute("dpx:InputDevice", spec.get_string_attribute("Model"));
     }
   }
 }
@@ -54,6 +77,9 @@ OIIO::ImageSpec describe(const ImageFormat& format, const OutputPicture& picture
     spec.full_height = picture.frame.height;
   }
   addMetadata(spec, picture);
+  if (picture.metadata) {
+    addOwnNames(spec, format.writer, *picture.metadata);
+  }
   const bool is_dpx = std::strcmp(format.name, "DPX") == 0;
   // Ten and twelve bits are DPX's own way to hold what is read as 16.
   if (!is_dpx || picture.samples != SampleType::Bits16) {
@@ -107,6 +133,10 @@ class OpenImageIoOutput : public PictureOutput {
     file_.throwIfFailed();
     if (!closed) {
       throw failure();
+    }
+    if (picture_.metadata && std::strcmp(output_->format_name(), "tiff") == 0 &&
+        !writeTiffMetadata(file_.temporaryPath(), *picture_.metadata)) {
+      throw unwritablePicture(path_, "its attributes do not fit");
     }
   }
 

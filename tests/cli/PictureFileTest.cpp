@@ -1,4 +1,6 @@
 // Picture files of every format, in and out.
+#include <algorithm>
+#include <array>
 #include <numeric>
 
 #include "PictureFiles.h"
@@ -172,51 +174,136 @@ TEST(PictureFile, RecordsTellSettingsAndDamage) {
   EXPECT_EQ(checkRecord(folder / "none.png", 42), RecordState::Absent);
 }
 
-// Names of attributes, with values that each format gives back as they are.
+template <typename Number, std::size_t kCount>
+Attribute numbers(const char* name, const char* type, const std::array<Number, kCount>& values) {
+  const auto* const bytes = reinterpret_cast<const std::byte*>(values.data());
+  return {name, type, {}, {bytes, bytes + sizeof values}};
+}
+
+constexpr const char* kXmp =
+    "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+    "<rdf:Description xmlns:xmp='http://ns.adobe.com/xap/1.0/' xmp:Label='Take 3'/></rdf:RDF></x:xmpmeta>";
+
+// What cameras, scanners and editors state, with values that each format gives back as they are.
+Metadata statedByAll() {
+  Metadata all;
+  for (const auto& [name, text] : {std::pair{"GPS:LatitudeRef", "N"},
+                                   {"GPS:LongitudeRef", "W"},
+                                   {"IPTC:City", "Rome"},
+                                   {"Make", "Maker"},
+                                   {"Model", "Camera"},
+                                   {"Exif:LensModel", "Lens"},
+                                   {"Copyright", "somebody"},
+                                   {"DateTime", "2020:01:02 03:04:05"},
+                                   {"Exif:DateTimeOriginal", "2019:01:02 03:04:05"},
+                                   {"ResolutionUnit", "in"},
+                                   {"XML:com.adobe.xmp", kXmp}}) {
+    all.set(textAttribute(name, text));
+  }
+  for (const auto& [name, number] : {std::pair{"GPS:Altitude", 100.5f},
+                                     {"XResolution", 300.0f},
+                                     {"YResolution", 300.0f},
+                                     {"FNumber", 2.8f},
+                                     {"Exif:FocalLength", 35.0f}}) {
+    all.set(numberAttribute(name, number));
+  }
+  all.set(numberAttribute("GPS:AltitudeRef", 0));
+  all.set(numberAttribute("Exif:PhotographicSensitivity", 800));
+  all.set(numbers<float, 3>("GPS:Latitude", "float[3]", {48, 30, 15}));
+  all.set(numbers<float, 3>("GPS:Longitude", "float[3]", {12, 15, 0}));
+  all.set(numbers<std::int32_t, 2>("FramesPerSecond", "rational2i", {24000, 1001}));
+  all.set(numbers<std::uint32_t, 2>("smpte:TimeCode", "timecode", {0x01020304, 0}));
+  return all;
+}
+
+void expectSameAttribute(const Metadata& before, const Metadata& after, const std::string& name) {
+  ASSERT_NE(after.find(name), nullptr) << name;
+  EXPECT_EQ(before.text(name), after.text(name)) << name;
+  EXPECT_EQ(before.floats(name), after.floats(name)) << name;
+  // PNG counts whole pixels to the metre, and DPX and OpenEXR floats.
+  EXPECT_NEAR(before.number(name).value_or(0.0), after.number(name).value_or(0.0), 1e-3) << name;
+}
+
 TEST(PictureFile, AttributesPassAsFarAsTheFormatHoldsThem) {
   const TestFolder folder;
-  ImageSpec spec(2, 1, 3, TypeDesc::UINT8);
-  const float latitude[3] = {48, 30, 15};
-  spec.attribute("GPS:Latitude", TypeDesc(TypeDesc::FLOAT, 3), latitude);
-  spec.attribute("GPS:LatitudeRef", "N");
-  spec.attribute("IPTC:City", "Rome");
-  spec.attribute("Make", "Camera");
-  spec.attribute("Copyright", "somebody");
-  spec.attribute("DateTime", "2020:01:02 03:04:05");
-  spec.attribute("Exif:DateTimeOriginal", "2019:01:02 03:04:05");
-  spec.attribute("XResolution", 300.0f);
-  spec.attribute("YResolution", 300.0f);
-  spec.attribute("ResolutionUnit", "in");
-  spec.attribute("dc:creator", "author");
-  spec.attribute("Orientation", 6);
-  writeFile<std::uint8_t>(folder / "from.jpg", spec, std::vector<std::uint8_t>(6, 100));
-  const Picture from = readAt(folder / "from.jpg", host::Depth::Bits8);
-
-  using Names = std::vector<const char*>;
-  const std::pair<const char*, Names> held[] = {
-      {"to.jpg",
-       {"GPS:Latitude", "GPS:LatitudeRef", "IPTC:City", "Make", "Copyright", "DateTime", "Exif:DateTimeOriginal",
-        "XResolution", "ResolutionUnit"}},
-      {"to.tif", {"Make", "Copyright", "DateTime", "Exif:DateTimeOriginal", "XResolution", "ResolutionUnit"}},
-      {"to.png", {"IPTC:City", "Make", "Copyright", "DateTime"}},
-      {"to.dpx", {"Copyright", "DateTime"}},
-      {"to.exr", {"GPS:Latitude", "IPTC:City", "Copyright", "DateTime", "XResolution"}}};
-  for (const auto& [name, attributes] : held) {
-    const std::string path = folder / name;
-    const ImageFormat& format = formatForOutput("", path);
-    OutputPicture picture = describe(from.pixels, outputSamples(format, DepthChoice::Auto, SampleType::Bits8));
-    picture.metadata = from.metadata;
-    writePicture(path, format, picture, {});
-    const Picture back = readAt(path, host::Depth::Bits8);
-    EXPECT_EQ(back.pixels.size(), (host::Size{1, 2})) << name << ": upright, once";
-    for (const char* attribute : attributes) {
-      const Attribute* const before = from.metadata->find(attribute);
-      const Attribute* const after = back.metadata->find(attribute);
-      ASSERT_TRUE(before != nullptr && after != nullptr) << name << " " << attribute;
-      EXPECT_EQ(before->text, after->text) << name << " " << attribute;
-      EXPECT_EQ(before->bytes, after->bytes) << name << " " << attribute;
+  using Names = std::vector<std::string>;
+  const Names exif{"GPS:LatitudeRef",
+                   "GPS:Latitude",
+                   "GPS:LongitudeRef",
+                   "GPS:Longitude",
+                   "GPS:Altitude",
+                   "Make",
+                   "Model",
+                   "Exif:LensModel",
+                   "Copyright",
+                   "DateTime",
+                   "FNumber",
+                   "Exif:FocalLength",
+                   "Exif:DateTimeOriginal",
+                   "Exif:PhotographicSensitivity"};
+  const Names packets{"IPTC:City", "XResolution", "YResolution", "ResolutionUnit", "XML:com.adobe.xmp"};
+  const Names film{"FramesPerSecond", "smpte:TimeCode"};
+  const std::pair<const char*, std::vector<Names>> held[] = {{"a.jpg", {exif, packets}},
+                                                             {"a.tif", {exif, packets}},
+                                                             {"a.png", {exif, packets}},
+                                                             {"a.exr", {exif, packets, film}},
+                                                             {"a.dpx", {{"Model", "Copyright", "DateTime"}, film}}};
+  const host::Image image = sample(host::Depth::Bits8);
+  const auto write = [&](const char* name, const Metadata& metadata) {
+    const ImageFormat& format = formatForOutput("", name);
+    OutputPicture picture = describe(image, outputSamples(format, DepthChoice::Auto, SampleType::Bits8));
+    picture.metadata = std::make_shared<const Metadata>(metadata);
+    picture.settings = 42;
+    writePicture(folder / name, format, picture, {});
+    EXPECT_EQ(checkRecord(folder / name, 42), RecordState::Matches) << name;
+    return *readAt(folder / name, host::Depth::Bits8).metadata;
+  };
+  const Metadata all = statedByAll();
+  for (const auto& [first, first_names] : held) {
+    const Metadata once = write(first, all);
+    for (const auto& [second, second_names] : held) {
+      SCOPED_TRACE(std::string("by ") + first + " into " + second);
+      const Metadata twice = write(second, once);
+      for (const Names& names : first_names) {
+        for (const std::string& name : names) {
+          const bool is_held = std::ranges::any_of(
+              second_names, [&](const Names& others) { return std::ranges::find(others, name) != others.end(); });
+          if (is_held) {
+            expectSameAttribute(all, twice, name);
+          }
+        }
+      }
     }
   }
+}
+
+// What OpenEXR's own library and OpenImageIO write, under names that other formats do not have.
+TEST(PictureFile, AttributesTakeTheNamesThatFormatsHaveInCommon) {
+  const TestFolder folder;
+  ImageSpec spec(2, 1, 3, TypeDesc::HALF);
+  spec.attribute("latitude", -33.5f);
+  spec.attribute("longitude", 151.25f);
+  spec.attribute("altitude", -4.0f);
+  spec.attribute("isoSpeed", 400.0f);
+  spec.attribute("cameraMake", "Maker");
+  writeFile<float>(folder / "a.exr", spec, std::vector<float>(6, 0.5f));
+  const Metadata exr = *readAt(folder / "a.exr", host::Depth::Float).metadata;
+  EXPECT_EQ(exr.text("GPS:LatitudeRef") + exr.text("GPS:LongitudeRef") + exr.text("Make"), "SEMaker");
+  EXPECT_EQ(exr.floats("GPS:Latitude"), (std::vector<float>{33, 30, 0}));
+  EXPECT_EQ(exr.floats("GPS:Longitude"), (std::vector<float>{151, 15, 0}));
+  EXPECT_EQ(exr.number("GPS:AltitudeRef"), 1.0);
+  EXPECT_EQ(exr.number("Exif:PhotographicSensitivity"), 400.0);
+
+  // A unit of EXIF's beside a density of JFIF's that has none, and the orientation in a packet of a turned picture.
+  ImageSpec photo(2, 1, 3, TypeDesc::UINT8);
+  photo.attribute("XResolution", 300.0f);
+  photo.attribute("ResolutionUnit", "cm");
+  photo.attribute("Orientation", 6);
+  writeFile<std::uint8_t>(folder / "a.jpg", photo, std::vector<std::uint8_t>(6, 100));
+  const Picture upright = readAt(folder / "a.jpg", host::Depth::Bits8);
+  EXPECT_EQ(upright.pixels.size(), (host::Size{1, 2}));
+  EXPECT_EQ(upright.metadata->find("Orientation"), nullptr);
+  EXPECT_EQ(upright.metadata->text("ResolutionUnit"), "cm");
 }
 
 // The library of JPEG once ended the process here.
