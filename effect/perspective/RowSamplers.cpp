@@ -7,9 +7,9 @@
 #include <cstring>
 
 #include "effect/FixedPoint.h"
-#include "effect/perspective/ClearPixels.h"
 #include "effect/perspective/IncrementalMap.h"
 #include "effect/perspective/PixelBatch.h"
+#include "platform/ClearPixels.h"
 
 namespace {
 

@@ -291,7 +291,10 @@ Result<void> drawBlurred(const TileSetting& setting, const Tile& tile, const Rec
 }  // namespace
 
 Result<void> drawTile(const TileSetting& setting, const Tile& tile, TileWorker& worker) {
-  const Rect visible = common(tile.area, setting.canvas);
+  const Rect visible = common(tile.area, setting.reached);
+  if (visible.empty()) {
+    return {};
+  }
   const ImageView target = partOf(setting.output, visible.left - setting.canvas.left, visible.top - setting.canvas.top,
                                   {visible.width(), visible.height()});
   if (tile.samples == 0) {

@@ -13,10 +13,11 @@ struct TileSetting {
   ImageView layer;                     // as the perspective path sees it
   ImageView scanned_layer;             // as the bilinear path sees it, in 16 bits perhaps when the output is in 8
   Rect canvas;
+  Rect reached;  // what of the canvas the picture can reach
   ImageView output;
 };
 
-// Draws the part of a tile that lies on the canvas into the output.
+// Draws the part of a tile that the picture can reach into the output; the rest is left as it is.
 Result<void> drawTile(const TileSetting& setting, const Tile& tile, TileWorker& worker);
 
 }  // namespace vantorel::host

@@ -1,6 +1,7 @@
 #include "host/composing/TiledFrame.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <span>
 #include <utility>
@@ -10,6 +11,7 @@
 #include "host/composing/TileRender.h"
 #include "host/composing/VertexFactor.h"
 #include "host/composing/VertexLayer.h"
+#include "platform/ClearPixels.h"
 
 namespace vantorel::host {
 
@@ -24,6 +26,30 @@ Rect scannedPart(std::span<const FramePlan> plans, const Rect& canvas) {
     }
   }
   return part;
+}
+
+// The pixels of a canvas that any moment's picture can reach.
+Rect reachedOn(const Rect& canvas, std::span<const FramePlan> plans) {
+  const auto inside = [](double value, int low, int high) {
+    return static_cast<int>(std::clamp(value, static_cast<double>(low), static_cast<double>(high)));
+  };
+  Rect reached;
+  for (const FramePlan& plan : plans) {
+    if (!plan.region.empty()) {
+      const Box box = plan.region.bounds();
+      const Rect pixels{inside(std::floor(box.left), canvas.left, canvas.right),
+                        inside(std::floor(box.top), canvas.top, canvas.bottom),
+                        inside(std::ceil(box.right), canvas.left, canvas.right),
+                        inside(std::ceil(box.bottom), canvas.top, canvas.bottom)};
+      reached = united(reached, pixels);
+    }
+  }
+  return reached;
+}
+
+std::uint64_t bytesOf(const ImageView& view) {
+  return static_cast<std::uint64_t>(view.size.width) * static_cast<std::uint64_t>(view.size.height) *
+         bytesPerPixel(view.depth);
 }
 
 FrameOptions tileOptions(const FrameOptions& options) {
@@ -60,6 +86,7 @@ TiledFrame::TiledFrame(const ModuleState& module, TileStore& store, const FrameO
 
 Result<void> TiledFrame::draw(RowScheduler& scheduler, const Rect& canvas, const ImageView& output) {
   canvas_ = canvas;
+  reached_ = reachedOn(canvas, store_.plans);
   output_ = output;
   Result<Rect> enlarged = prepareEnlargedLayer();
   if (!enlarged) {
@@ -70,6 +97,9 @@ Result<void> TiledFrame::draw(RowScheduler& scheduler, const Rect& canvas, const
   CallContext context(module_.resources);
   std::int32_t code =
       scheduler.run(context, enlarged_part_.top, enlarged_part_.bottom, 0.0, 0.0, {enlargeLayerRow, this});
+  if (code == ERR_NONE) {
+    code = scheduler.run(context, canvas.top, canvas.bottom, 0.0, 0.0, {clearRow, this});
+  }
   if (code == ERR_NONE) {
     code = scheduler.run(context, 0, static_cast<std::int32_t>(store_.tiles.size()), 0.0, 1.0, {runTile, this});
   }
@@ -107,6 +137,25 @@ std::int32_t TiledFrame::enlargeLayerRow(const void* self, std::int32_t y) {
   return ERR_NONE;
 }
 
+// What lies beside the picture, in runs as long as there are: past the caches they are cleared fastest.
+std::int32_t TiledFrame::clearRow(const void* self, std::int32_t y) {
+  const auto& frame = *static_cast<const TiledFrame*>(self);
+  const Rect& canvas = frame.canvas_;
+  const Rect& reached = frame.reached_;
+  const StorePolicy policy = storePolicyFor(bytesOf(frame.output_));
+  const auto clear = [&](int left, int right) {
+    clearBytes(frame.output_.pixel(left - canvas.left, y - canvas.top),
+               static_cast<std::size_t>(right - left) * bytesPerPixel(frame.output_.depth), policy);
+  };
+  if (y < reached.top || y >= reached.bottom) {
+    clear(canvas.left, canvas.right);
+  } else {
+    clear(canvas.left, reached.left);
+    clear(reached.right, canvas.right);
+  }
+  return ERR_NONE;
+}
+
 std::int32_t TiledFrame::runTile(const void* self, std::int32_t index) {
   const auto& frame = *static_cast<const TiledFrame*>(self);
   TileWorker& worker = frame.store_.take();
@@ -123,7 +172,8 @@ std::int32_t TiledFrame::runTile(const void* self, std::int32_t index) {
 }
 
 Result<void> TiledFrame::drawTile(const Tile& tile, TileWorker& worker) const {
-  return host::drawTile({module_, store_.plans, tile_options_, layer_, scanned_layer_, canvas_, output_}, tile, worker);
+  return host::drawTile({module_, store_.plans, tile_options_, layer_, scanned_layer_, canvas_, reached_, output_},
+                        tile, worker);
 }
 
 }  // namespace vantorel::host

@@ -51,6 +51,7 @@ class TiledFrame {
 
  private:
   static std::int32_t enlargeLayerRow(const void* self, std::int32_t y);
+  static std::int32_t clearRow(const void* self, std::int32_t y);
   static std::int32_t runTile(const void* self, std::int32_t index);
   Result<void> drawTile(const Tile& tile, TileWorker& worker) const;
   // Makes room for the layer enlarged for the bilinear path; returns what of the layer it has to hold.
@@ -64,6 +65,7 @@ class TiledFrame {
   int enlargement_ = 0;      // of that; 0 when there is none
   Rect enlarged_part_;       // in pixels of the layer
   Rect canvas_;
+  Rect reached_;  // what of the canvas any moment can reach
   ImageView output_;
   mutable std::mutex mutex_;
   mutable std::optional<Error> error_;  // the first

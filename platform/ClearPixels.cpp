@@ -1,4 +1,4 @@
-#include "effect/perspective/ClearPixels.h"
+#include "platform/ClearPixels.h"
 
 #include <cstring>
 
