@@ -10,6 +10,7 @@
 #include "effect/bilinear/QuadScan.h"
 #include "effect/perspective/RowSamplers.h"
 #include "fuzz/Input.h"
+#include "tests/InstructionSets.h"
 #include "tests/effect/ScriptedHost.h"
 
 namespace {
@@ -96,13 +97,11 @@ void compareSets(ScriptedHost& host, const KZFX_PerspectiveInfo& info, std::int3
   };
   const std::vector<PF_Pixel8> expected = row(InstructionSet::Scalar);
   const std::vector<Sample> expected_samples = host.samples;
-  for (const InstructionSet set : kInstructionSets) {
-    if (isAvailable(set)) {
-      const std::vector<PF_Pixel8> pixels = row(set);
-      require(host.samples == expected_samples, "every instruction set samples the same positions");
-      require(std::equal(pixels.begin(), pixels.end(), expected.begin(), samePixel<PF_Pixel8>),
-              "every instruction set draws the same row");
-    }
+  for (const InstructionSet set : availableSets()) {
+    const std::vector<PF_Pixel8> pixels = row(set);
+    require(host.samples == expected_samples, "every instruction set samples the same positions");
+    require(std::equal(pixels.begin(), pixels.end(), expected.begin(), samePixel<PF_Pixel8>),
+            "every instruction set draws the same row");
   }
 }
 

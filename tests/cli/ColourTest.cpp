@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "CommandRunner.h"
+#include "PictureFiles.h"
 #include "PixelFile.h"
 
 namespace vantorel::cli {
@@ -83,10 +84,7 @@ void writeTagged(const std::string& path, const PixelFile& pixels, const Tags& t
       }
     }
   }
-  const auto output = OIIO::ImageOutput::create(path);
-  ASSERT_TRUE(output && output->open(path, spec)) << path;
-  EXPECT_TRUE(output->write_image(OIIO::TypeDesc::FLOAT, samples.data())) << path;
-  EXPECT_TRUE(output->close()) << path;
+  writeFile(path, spec, samples);
 }
 
 // A config of ACES spaces; `rule` is for names that hold "_cg".

@@ -26,6 +26,7 @@ void expectRefusedInProcess(const TestFolder& folder, const std::vector<BadCall>
     std::istringstream stream("vantorel " + call.arguments);
     const std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
     std::vector<const char*> arguments;
+    arguments.reserve(words.size());
     for (const std::string& word : words) {
       arguments.push_back(word == "''" ? "" : word.c_str());
     }
@@ -58,9 +59,6 @@ TEST(CommandError, Arguments) {
           {still + "--qualty high", 2, "--qualty: unknown option of 'render'; did you mean '--quality'?"},
           {still + "--edges", 2, "--edges: has no value; give one"},
           {still + "--quality finest", 2, "--quality: 'finest' is not known; give one of best, high, standard"},
-          {still + "--depth 12", 2, "--depth"},
-          {still + "--protocol smooth", 2, "--protocol"},
-          {still + "--ul", 2, "--ul"},
           {still + "--ul ''", 2, "--ul: '' is not a position"},
           {"render card.png -o=none/out.png", 3, "none/out.png: the folder 'none'"},
           {"render card.png -o=", 2, "--output: is an empty file name"},
@@ -68,7 +66,6 @@ TEST(CommandError, Arguments) {
           {still + "--lr 1,x", 2, "--lr: 'x' is not a number"},
           {still + "--ur 32768,0", 2, "--ur: 32768 pixels is outside"},
           {still + "--ur 99999%,0", 2, "--ur: "},
-          {still + "--size 0x10", 2, "--size"},
           {still + "--size 100000x100000", 1, "--size: a picture of 100000x100000 at 16 bits needs 74.5 GiB"},
           {"render card.png -o out.exr --size 2147483647x2147483647 --depth float", 1, "bits needs 64.0 EiB of memory"},
           {still + "--size 10x10 --fit", 2, "--fit: cannot be given together with --size"},
@@ -89,7 +86,6 @@ TEST(CommandError, Arguments) {
            "--alpha-layer: 'soft' is not known; give one of straight, premultiplied, ignore"},
           {still + "--feather -1", 2, "--feather: '-1' is not a number from 0 to 32768"},
           {still + "--feather 2 --shutter 180", 2, "--feather: cannot be given together with --shutter"},
-          {still + "--enlarge cubic", 2, "--enlarge: 'cubic' is not known; give one of bilinear, bicubic, lanczos"},
           {still + "--shutter 721", 2, "--shutter: '721' is not a number from 0 to 720"},
           {still + "--shutter 180 --placement centres", 2, "--shutter: needs --placement outline"},
           {still + "--shutter-samples 0", 2, "--shutter-samples: '0' is not a whole number from 1 to 1024"},
@@ -146,6 +142,7 @@ TEST(CommandError, Files) {
   const std::string other = geteuid() == 0 ? "setpriv --reuid=65534 --clear-groups" : "";
   folder.write("text.png", "no picture at all");
   folder.write("track.csv", "1,0,0,60,0,0,40,60,forty\n");
+  folder.write("a,b.csv", "1,100000%,0,9,0,0,9,9,9\n");  // a comma of the name's own
   std::filesystem::create_directory(folder / "folder.png");
   const std::string still = " -o out.png ";
   expectRefusedInProcess(
@@ -155,6 +152,8 @@ TEST(CommandError, Files) {
                   {"render card.png --over none.png" + still, 3, "none.png: does not exist"},
                   {"render card.png --corners none.csv" + still, 3, "none.csv: does not exist"},
                   {"render card.png --corners track.csv" + still, 3, "track.csv: line 1: lry: 'forty' is not a number"},
+                  {"render card.png --corners a,b.csv" + still, 3, "a,b.csv: line 1: frame 1: "},
+                  {"render card.png --corners folder.png" + still, 3, "folder.png: is a folder"},
                   {"render card.png -o none/out.png", 3, "none/out.png: the folder 'none' does not exist"},
                   {"render card.png -o card.png/out.png", 3, "'card.png' is not a folder"},
                   {"render card.png -o folder.png", 3, "folder.png: exists and is not a regular file"},

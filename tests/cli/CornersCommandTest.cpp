@@ -7,27 +7,19 @@ namespace vantorel::cli {
 namespace {
 
 const std::string kSamples = VANTOREL_TRACK_SAMPLES "/";
-// The same track in every format but MLT's boxes.
-constexpr const char* kFiles[]{"own.csv",         "own.json",    "node.nk",          "shake.txt",   "3de.txt",
-                               "pftrack.2dt",     "boujou.txt",  "syntheyes.txt",    "maya.txt",    "matchmover.rz2",
-                               "version1.uv",     "version3.uv", "flame.stabilizer", "blender.csv", "benchmark.txt",
-                               "spreadsheet.csv", "columns.txt"};
 
-TEST(CornersCommand, OneTrackInEveryFormatRendersTheSamePicture) {
+TEST(CornersCommand, OneTrackInAnyFormatAndNumberOfFilesRendersTheSamePicture) {
   const FolderWithCard folder("320x180");
   const std::string shot = " --size 1920x1080 --downsample 8 --frames 3 --corners ";
-  runWell(folder, "render card.png -o expected.tif" + shot + kSamples + kFiles[0]);
-  const auto expectSame = [&](const std::string& files) {
+  runWell(folder, "render card.png -o expected.tif" + shot + kSamples + "own.csv");
+  for (const std::string& files :
+       {kSamples + "own.json", kSamples + "node.nk", kSamples + "syntheyes.txt", "- < " + kSamples + "node.nk",
+        kSamples + "columns_ul.txt," + kSamples + "columns_ur.txt," + kSamples + "columns_ll.txt," + kSamples +
+            "columns_lr.txt"}) {
     const CommandResult result = run(folder, "render card.png -o out.tif" + shot + files);
     EXPECT_EQ(result.code, 0) << result.err;
     EXPECT_EQ(difference(folder / "out.tif", folder / "expected.tif"), 0.0) << files;
-  };
-  for (const char* file : kFiles) {
-    expectSame(kSamples + file);
   }
-  expectSame(kSamples + "columns_ul.txt," + kSamples + "columns_ur.txt," + kSamples + "columns_ll.txt," + kSamples +
-             "columns_lr.txt");
-  expectSame("- < " + kSamples + "node.nk");
 }
 
 TEST(CornersCommand, ConventionsAreGivenAndToldOnce) {

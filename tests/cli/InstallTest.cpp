@@ -6,7 +6,7 @@
 #include <string>
 
 #include "CommandRunner.h"
-#include "TestFolder.h"
+#include "tests/TestFolder.h"
 
 namespace vantorel::cli {
 namespace {
@@ -17,14 +17,16 @@ TEST(Install, TheCommandFindsItsModulesAndNeedsEachForItsOwnFilesAlone) {
   const TestFolder folder;
   const TestFolder prefix;
   ASSERT_EQ(std::system((VANTOREL_INSTALL "command --prefix '" + prefix.path() + "' >/dev/null").c_str()), 0);
-  const std::string command = prefix / "bin/vantorel";
-  const auto run_installed = [&](const std::string& arguments, const std::string& before = "") {
-    return run(folder, arguments, before, command);
+  // The exit code, and that standard error holds the message.
+  const auto expect_code = [&](int code, const std::string& arguments, const std::string& message = "") {
+    const CommandResult result = run(folder, arguments, "", prefix / "bin/vantorel");
+    EXPECT_EQ(result.code, code) << arguments << "\n" << result.err;
+    EXPECT_NE(result.err.find(message), std::string::npos) << result.err;
   };
-  EXPECT_EQ(run_installed("testcard -o card.png --size 64x48").code, 0);
-  EXPECT_EQ(run_installed("render card.png -o out.png --ul 10,5").code, 0);
+  expect_code(0, "testcard -o card.png --size 64x48");
+  expect_code(0, "render card.png -o out.png --ul 10,5");
   // The dynamic linker lists what it would load.
-  const std::string loaded = run_installed("", "LD_TRACE_LOADED_OBJECTS=1").out;
+  const std::string loaded = run(folder, "", "LD_TRACE_LOADED_OBJECTS=1", prefix / "bin/vantorel").out;
   EXPECT_NE(loaded.find("libstdc++"), std::string::npos) << loaded;
   EXPECT_EQ(loaded.find("OpenImageIO"), std::string::npos) << loaded;
 
@@ -33,25 +35,18 @@ TEST(Install, TheCommandFindsItsModulesAndNeedsEachForItsOwnFilesAlone) {
     module = entry.path().filename() == "vantorel-pictures.so" ? entry.path() : module;
   }
   fs::remove(module.parent_path() / "vantorel-formats.so");
-  EXPECT_EQ(run_installed("render card.png -o out.jpg --ul 10,5").code, 0);
-  EXPECT_EQ(run_installed("render out.jpg -o out.exr --ul 10,5").code, 0);
-  const CommandResult other_format = run_installed("testcard -o card.tif");
-  EXPECT_EQ(other_format.code, 3);
-  EXPECT_NE(other_format.err.find("vantorel-formats.so: was found neither in '"), std::string::npos)
-      << other_format.err;
+  expect_code(0, "render card.png -o out.jpg --ul 10,5");
+  expect_code(0, "render out.jpg -o out.exr --ul 10,5");
+  expect_code(3, "testcard -o card.tif", "vantorel-formats.so: was found neither in '");
   fs::remove(module);
   folder.write("track.csv", "1,0,0,60,0,0,40,60,40\n");
   for (const char* arguments : {"--version", "--help", "render --help", "info", "corners track.csv -o out.csv"}) {
-    EXPECT_EQ(run_installed(arguments).code, 0) << arguments;
+    expect_code(0, arguments);
   }
-  EXPECT_EQ(run_installed("render card.png -o out.png --ul 1").code, 2);
-  const CommandResult missing = run_installed("testcard -o other.png");
-  EXPECT_EQ(missing.code, 3);
-  EXPECT_NE(missing.err.find("vantorel-pictures.so: was found neither in '"), std::string::npos) << missing.err;
+  expect_code(2, "render card.png -o out.png --ul 1");
+  expect_code(3, "testcard -o other.png", "vantorel-pictures.so: was found neither in '");
   std::ofstream(module) << "no module";
-  const CommandResult spoilt = run_installed("testcard -o other.png");
-  EXPECT_EQ(spoilt.code, 3);
-  EXPECT_NE(spoilt.err.find("vantorel-pictures.so: cannot be loaded ("), std::string::npos) << spoilt.err;
+  expect_code(3, "testcard -o other.png", "vantorel-pictures.so: cannot be loaded (");
 }
 
 }  // namespace

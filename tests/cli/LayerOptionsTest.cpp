@@ -12,6 +12,12 @@
 namespace vantorel::cli {
 namespace {
 
+// What the command draws with these arguments after `render`, as floats.
+PixelFile rendered(const TestFolder& folder, const std::string& arguments) {
+  runWell(folder, "render " + arguments + " -o out.exr --depth float --overwrite");
+  return PixelFile::read(folder / "out.exr");
+}
+
 TEST(LayerOptions, ACroppedLayerIsThePartThatIsLeft) {
   const FolderWithCard folder("200x150");
   runWell(folder, "render card.png -o part.png --crop 20,10%,40,15");
@@ -33,20 +39,19 @@ TEST(LayerOptions, ACroppedLayerIsThePartThatIsLeft) {
 TEST(LayerOptions, AlphaIsReadAsAskedFor) {
   const TestFolder folder;
   PixelFile::filled({4, 4}, {200, 100, 40, 128}).write(folder / "soft.png");
-  const auto rendered = [&](const std::string& options) {
-    runWell(folder, "render soft.png -o out.exr --depth float --colorspace-layer linear " + options);
-    return PixelFile::read(folder / "out.exr").at(1, 1);
+  const auto expect_pixel = [&](const std::string& arguments, double colour_factor, double alpha) {
+    expectNear(rendered(folder, arguments).at(1, 1),
+               {200 / 255.0 * colour_factor, 100 / 255.0 * colour_factor, 40 / 255.0 * colour_factor, alpha}, 1e-3);
   };
+  const std::string layer = "soft.png --colorspace-layer linear ";
   const double alpha = 128 / 255.0;
-  expectNear(rendered(""), {200 / 255.0 * alpha, 100 / 255.0 * alpha, 40 / 255.0 * alpha, alpha}, 1e-3);
-  expectNear(rendered("--alpha straight"), rendered(""), 0.0);
-  expectNear(rendered("--alpha premultiplied"), {200 / 255.0, 100 / 255.0, 40 / 255.0, alpha}, 1e-3);
-  expectNear(rendered("--alpha ignore"), {200 / 255.0, 100 / 255.0, 40 / 255.0, 1.0}, 1e-3);
+  expect_pixel(layer, alpha, alpha);
+  expect_pixel(layer + "--alpha straight", alpha, alpha);
+  expect_pixel(layer + "--alpha premultiplied", 1.0, alpha);
+  expect_pixel(layer + "--alpha ignore", 1.0, 1.0);
   // OpenEXR states premultiplied colours.
   runWell(folder, "render soft.png -o soft.exr --depth float --colorspace-layer linear");
-  runWell(folder, "render soft.exr -o twice.exr --alpha straight");
-  expectNear(PixelFile::read(folder / "twice.exr").at(1, 1),
-             {200 / 255.0 * alpha * alpha, 100 / 255.0 * alpha * alpha, 40 / 255.0 * alpha * alpha, alpha}, 1e-3);
+  expect_pixel("soft.exr --alpha straight", alpha * alpha, alpha);
 }
 
 TEST(LayerOptions, OpacityMixesLayerAndPlate) {
@@ -108,8 +113,7 @@ Spread alphaSpread(const PixelFile& picture, int row) {
 TEST(LayerOptions, FeatheredEdgesFadeByTheirDistance) {
   const TestFolder folder;
   PixelFile::filled({40, 30}, {255, 128, 0, 255}).write(folder / "layer.png");
-  runWell(folder, "render layer.png -o out.exr --depth float --feather 8 --colorspace-layer linear");
-  const PixelFile out = PixelFile::read(folder / "out.exr");
+  const PixelFile out = rendered(folder, "layer.png --feather 8 --colorspace-layer linear");
   for (int x = 0; x < 20; ++x) {
     const double t = std::min(1.0, (x + 0.5) / 8);
     const double alpha = t * t * (3 - 2 * t);
@@ -118,8 +122,8 @@ TEST(LayerOptions, FeatheredEdgesFadeByTheirDistance) {
   }
   EXPECT_NEAR(out.at(10, 29)[3], out.at(0, 10)[3], 1e-6);
   // A proxy fades over as much of the picture.
-  runWell(folder, "render layer.png -o half.exr --depth float --feather 8 --downsample 2");
-  EXPECT_NEAR(PixelFile::read(folder / "half.exr").at(1, 7)[3], 3 * 0.375 * 0.375 - 2 * 0.375 * 0.375 * 0.375, 1e-3);
+  const PixelFile half = rendered(folder, "layer.png --feather 8 --downsample 2");
+  EXPECT_NEAR(half.at(1, 7)[3], 3 * 0.375 * 0.375 - 2 * 0.375 * 0.375 * 0.375, 1e-3);
 }
 
 TEST(LayerOptions, AnEnlargedLayerIsSmootherAndStaysInItsPlace) {
@@ -135,8 +139,7 @@ TEST(LayerOptions, AnEnlargedLayerIsSmootherAndStaysInItsPlace) {
   layer.write(folder / "layer.png");
   const std::string corners = " --ul 0,0 --ur 240,0 --ll 0,60 --lr 240,60 --size 240x60";
   const auto error = [&](const std::string& options) {
-    runWell(folder, "render layer.png -o out.exr --depth float --colorspace-layer linear" + corners + options);
-    const PixelFile out = PixelFile::read(folder / "out.exr");
+    const PixelFile out = rendered(folder, "layer.png --colorspace-layer linear" + corners + options);
     double sum = 0.0;
     for (int x = 40; x < 200; ++x) {
       sum += std::pow(out.at(x, 30)[0] - truth((x + 0.5) / 10), 2);

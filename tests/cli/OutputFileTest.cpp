@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "TestFolder.h"
+#include "tests/TestFolder.h"
 
 namespace vantorel::cli {
 namespace {

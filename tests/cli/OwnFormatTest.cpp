@@ -20,8 +20,8 @@
 #include <random>
 
 #include "PictureFiles.h"
-#include "TestFolder.h"
 #include "cli/pictures/FormatLibrary.h"
+#include "tests/TestFolder.h"
 
 namespace vantorel::cli {
 namespace {

@@ -1,7 +1,6 @@
 // Picture files of every format, in and out.
 #include <algorithm>
 #include <array>
-#include <numeric>
 
 #include "PictureFiles.h"
 #include "cli/pictures/FileRecord.h"
@@ -23,7 +22,7 @@ TEST(PictureFile, EveryFormatGivesBackWhatItHolds) {
                           Case{"b.exr", host::Depth::Float, Float}}) {
     const host::Image image = sample(one.depth);
     const std::string path = folder / one.name;
-    writePicture(path, formatForOutput("", path), describe(image, one.samples), {});
+    writeImage(path, image, one.samples);
     const Picture back = readAt(path, one.depth);
     EXPECT_TRUE(samePixels(image, back.pixels)) << one.name;
     EXPECT_TRUE(back.info.has_alpha);
@@ -38,7 +37,7 @@ TEST(PictureFile, FormatsWithoutAlphaHoldThePictureOverBlack) {
   const host::Image image = sample(host::Depth::Bits8);
   for (const char* name : {"a.dpx", "a.jpg"}) {
     const std::string path = folder / name;
-    writePicture(path, formatForOutput("", path), describe(image, SampleType::Bits8), {});
+    writeImage(path, image, SampleType::Bits8);
     const Picture back = readAt(path, host::Depth::Bits8);
     EXPECT_FALSE(back.info.has_alpha);
     const auto* written = reinterpret_cast<const std::uint8_t*>(image.view().pixel(14, 100));
@@ -58,53 +57,48 @@ TEST(PictureFile, FloatsAreQuantisedAfterDividingByAlpha) {
   const float values[8] = {0.125f, 0.5f, std::nanf(""), 0.25f, 2.0f, -1.0f, 0.5f, 1.0f};
   std::memcpy(image.view().data, values, sizeof values);
   const std::string path = folder / "a.png";
-  writePicture(path, formatForOutput("", path), describe(image, SampleType::Bits8), {});
-  const auto input = OIIO::ImageInput::open(path);
-  std::uint8_t bytes[8] = {};
-  ASSERT_TRUE(input->read_image(0, 0, 0, 4, TypeDesc::UINT8, bytes));
+  writeImage(path, image, SampleType::Bits8);
   const Picture back = readAt(path, host::Depth::Bits8);
   EXPECT_EQ(pixel8(back, 1, 0), (std::vector<int>{255, 0, 128, 255}));
   EXPECT_EQ(pixel8(back, 0, 0), (std::vector<int>{32, 64, 0, 64}));  // half and white under an alpha of a quarter
 }
 
-TEST(PictureFile, GreyAndExtraChannelsAndOddOrdersBecomeRgba) {
+TEST(PictureFile, ChannelsOfAnyNumberOrderAndAlphaBecomeRgba) {
   const TestFolder folder;
-  writeFile<std::uint8_t>(folder / "grey.png", ImageSpec(1, 1, 1, TypeDesc::UINT8), {77});
-  EXPECT_EQ(pixel8(readAt(folder / "grey.png", host::Depth::Bits8), 0, 0), (std::vector<int>{77, 77, 77, 255}));
-
-  ImageSpec grey_alpha(1, 1, 2, TypeDesc::UINT8);
-  grey_alpha.channelnames = {"Y", "A"};
-  grey_alpha.alpha_channel = 1;
-  grey_alpha.attribute("oiio:UnassociatedAlpha", 1);
-  writeFile<std::uint8_t>(folder / "greyalpha.png", grey_alpha, {200, 51});
-  EXPECT_EQ(pixel8(readAt(folder / "greyalpha.png", host::Depth::Bits8), 0, 0), (std::vector<int>{40, 40, 40, 51}));
-
-  ImageSpec odd(1, 1, 7, TypeDesc::FLOAT);
-  odd.channelnames = {"A", "B", "Z", "G", "normal.x", "R", "normal.y"};
-  writeFile<float>(folder / "odd.exr", odd, {1.0f, 0.2f, 9.0f, 0.4f, 5.0f, 0.6f, 5.0f});
-  EXPECT_EQ(pixel8(readAt(folder / "odd.exr", host::Depth::Bits8), 0, 0), (std::vector<int>{153, 102, 51, 255}));
-
-  ImageSpec pair(1, 1, 2, TypeDesc::FLOAT);
-  pair.channelnames = {"p.x", "p.y"};  // by their position: grey and alpha
-  writeFile<float>(folder / "pair.exr", pair, {0.4f, 0.8f});
-  EXPECT_EQ(pixel8(readAt(folder / "pair.exr", host::Depth::Bits8), 0, 0), (std::vector<int>{102, 102, 102, 204}));
-
-  ImageSpec nameless(1, 1, 6, TypeDesc::FLOAT);
-  nameless.channelnames = {"a.x", "a.y", "a.z", "b.x", "b.y", "b.z"};
-  writeFile<float>(folder / "nameless.exr", nameless, std::vector<float>(6, 0.5f));
-  EXPECT_THROW(readAt(folder / "nameless.exr", host::Depth::Bits8), CommandError);
-}
-
-TEST(PictureFile, AssociatedAlphaIsTakenAsItIs) {
-  const TestFolder folder;
-  for (const bool unassociated : {false, true}) {
-    ImageSpec spec(1, 1, 4, TypeDesc::UINT8);
-    if (unassociated) {
-      spec.attribute("oiio:UnassociatedAlpha", 1);
+  const struct {
+    const char* name;
+    std::vector<std::string> channels;
+    bool straight_alpha;
+    std::vector<float> pixel;  // 0 to 255
+    std::vector<int> expected;
+  } cases[] = {
+      {"grey.png", {"Y"}, false, {77}, {77, 77, 77, 255}},
+      {"grey_alpha.png", {"Y", "A"}, true, {200, 51}, {40, 40, 40, 51}},
+      {"straight.tif", {"R", "G", "B", "A"}, true, {100, 50, 0, 128}, {50, 25, 0, 128}},
+      {"associated.tif", {"R", "G", "B", "A"}, false, {100, 50, 0, 128}, {100, 50, 0, 128}},
+      {"odd.exr",
+       {"A", "B", "Z", "G", "normal.x", "R", "normal.y"},
+       false,
+       {255, 51, 9, 102, 5, 153, 5},
+       {153, 102, 51, 255}},
+      {"pair.exr", {"p.x", "p.y"}, false, {102, 204}, {102, 102, 102, 204}},  // by their position: grey and alpha
+      {"nameless.exr", {"a.x", "a.y", "a.z", "b.x", "b.y", "b.z"}, false, {1, 1, 1, 1, 1, 1}, {}},
+  };
+  for (const auto& c : cases) {
+    const std::string path = folder / c.name;
+    ImageSpec spec(1, 1, static_cast<int>(c.channels.size()),
+                   path.ends_with(".exr") ? TypeDesc::FLOAT : TypeDesc::UINT8);
+    spec.channelnames = c.channels;
+    spec.alpha_channel = c.channels.back() == "A" ? spec.nchannels - 1 : -1;
+    spec.attribute("oiio:UnassociatedAlpha", c.straight_alpha ? 1 : 0);
+    std::vector<float> samples = c.pixel;
+    std::ranges::for_each(samples, [](float& sample) { sample /= 255.0f; });
+    writeFile(path, spec, samples);
+    if (c.expected.empty()) {
+      EXPECT_THROW(readAt(path, host::Depth::Bits8), CommandError) << c.name;
+    } else {
+      EXPECT_EQ(pixel8(readAt(path, host::Depth::Bits8), 0, 0), c.expected) << c.name;
     }
-    writeFile<std::uint8_t>(folder / "a.tif", spec, {100, 50, 0, 128});
-    EXPECT_EQ(pixel8(readAt(folder / "a.tif", host::Depth::Bits8), 0, 0),
-              unassociated ? (std::vector<int>{50, 25, 0, 128}) : (std::vector<int>{100, 50, 0, 128}));
   }
 }
 

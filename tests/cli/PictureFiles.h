@@ -2,7 +2,6 @@
 #pragma once
 
 #include <OpenImageIO/imageio.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstring>
@@ -10,13 +9,15 @@
 #include <utility>
 #include <vector>
 
-#include "TestFolder.h"
 #include "cli/base/CommandError.h"
 #include "cli/pictures/ImageReader.h"
 #include "cli/pictures/ImageWriter.h"
+#include "tests/TestFolder.h"
+#include "tests/host/HostTesting.h"
 
 namespace vantorel::cli {
 
+using host::testing::samePixels;
 using OIIO::ImageOutput;
 using OIIO::ImageSpec;
 using OIIO::TypeDesc;
@@ -40,22 +41,14 @@ inline std::vector<int> pixel8(const Picture& picture, int x, int y) {
 
 // A picture with partly transparent pixels of every kind.
 inline host::Image sample(host::Depth depth) {
-  host::Image image = std::move(*host::Image::create({19, 300}, depth));
-  for (int y = 0; y < 300; ++y) {
-    for (int x = 0; x < 19; ++x) {
-      for (int c = 0; c < 4; ++c) {
-        const double alpha = x < 9 ? 1.0 : (x - 9) / 10.0;
-        const double value = c == 3 ? alpha : alpha * std::fmod(0.013 * x + 0.0031 * y + 0.3 * c, 1.0);
-        std::byte* channel = image.view().pixel(x, y) + host::bytesPerPixel(depth) / 4 * static_cast<std::size_t>(c);
-        if (depth == host::Depth::Bits8) {
-          *reinterpret_cast<std::uint8_t*>(channel) = static_cast<std::uint8_t>(value * 255 + 0.5);
-        } else if (depth == host::Depth::Bits16) {
-          *reinterpret_cast<std::uint16_t*>(channel) = static_cast<std::uint16_t>(value * 65535 + 0.5);
-        } else {
-          *reinterpret_cast<float*>(channel) = static_cast<float>(static_cast<int>(value * 1024)) / 1024.0f;
-        }
-      }
-    }
+  host::Image image = host::testing::dirty({19, 300}, depth);
+  for (int i = 0; i < 19 * 300 * 4; ++i) {
+    const int x = i / 4 % 19, y = i / 76, c = i % 4;
+    const double alpha = x < 9 ? 1.0 : (x - 9) / 10.0;
+    const double value = c == 3 ? alpha : alpha * std::fmod(0.013 * x + 0.0031 * y + 0.3 * c, 1.0);
+    // Floats that half ones hold.
+    host::testing::setChannel(image.view(), x, y, c,
+                              depth == host::Depth::Float ? static_cast<int>(value * 1024) / 1024.0 : value);
   }
   return image;
 }
@@ -69,13 +62,9 @@ inline OutputPicture describe(const host::Image& image, SampleType samples) {
   return picture;
 }
 
-inline bool samePixels(const host::Image& a, const host::Image& b) {
-  bool same = a.size() == b.size() && a.depth() == b.depth();
-  for (int y = 0; same && y < a.size().height; ++y) {
-    same = std::memcmp(a.view().row(y), b.view().row(y),
-                       host::bytesPerPixel(a.depth()) * static_cast<std::size_t>(a.size().width)) == 0;
-  }
-  return same;
+// Writes it in the format of the name.
+inline void writeImage(const std::string& path, const host::Image& image, SampleType samples) {
+  writePicture(path, formatForOutput("", path), describe(image, samples), {});
 }
 
 }  // namespace vantorel::cli

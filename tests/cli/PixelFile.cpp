@@ -1,8 +1,8 @@
 #include "PixelFile.h"
 
-#include <OpenImageIO/imageio.h>
-
 #include <algorithm>
+
+#include "PictureFiles.h"
 
 namespace vantorel::cli {
 
@@ -38,10 +38,7 @@ PixelFile PixelFile::read(const std::string& path) {
 void PixelFile::write(const std::string& path) const {
   OIIO::ImageSpec spec(size_.width, size_.height, static_cast<int>(channels_), OIIO::TypeDesc::UINT8);
   spec.attribute("oiio:UnassociatedAlpha", 1);
-  const auto output = OIIO::ImageOutput::create(path);
-  ASSERT_TRUE(output && output->open(path, spec)) << path;
-  EXPECT_TRUE(output->write_image(OIIO::TypeDesc::FLOAT, samples_.data())) << path;
-  EXPECT_TRUE(output->close()) << path;
+  writeFile(path, spec, samples_);
 }
 
 void PixelFile::set(int x, int y, const std::vector<int>& pixel) {

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "CommandRunner.h"
+#include "PictureFiles.h"
 #include "PixelFile.h"
 
 namespace vantorel::cli {
@@ -41,21 +42,19 @@ TEST(RenderCommand, PathProtocolAndThreadsDoNotChangeThePicture) {
         Shape{
             " --ul 20,10 --ur 60,80 --ll 10,120 --lr 150,140", "bilinear",
             "vantorel: the picture was drawn by bilinear mapping, since the corners make no convex quadrilateral\n"}}) {
-    for (const std::string quality : {"high", "standard"}) {
-      const std::string common = shape.corners + (" --quality " + quality);
-      const CommandResult told = run(folder, "render card.png -o a.png --json" + common);
-      EXPECT_EQ(told.err, shape.warning);
-      const auto lines = told.lines();
-      ASSERT_EQ(lines.size(), 1u);
-      EXPECT_EQ(lines[0]["path"], shape.path);
-      EXPECT_EQ(lines[0]["depth"], 16);  // of an 8-bit file with soft alpha
-      EXPECT_EQ(lines[0]["size"], (std::vector<int>{200, 150}));
-      EXPECT_EQ(lines[0]["output"], "a.png");
-      EXPECT_GT(lines[0]["render_ms"], 0.0);
-      EXPECT_EQ(run(folder, "render card.png -o b.png --protocol plain --threads 1" + common).code, 0);
-      EXPECT_EQ(difference(folder / "a.png", folder / "b.png"), 0.0) << quality << shape.path;
-      EXPECT_GT(difference(folder / "a.png", folder / "card.png"), 0.05);
-    }
+    const CommandResult told = run(folder, std::string("render card.png -o a.png --json") + shape.corners);
+    EXPECT_EQ(told.err, shape.warning);
+    const auto lines = told.lines();
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0]["path"], shape.path);
+    EXPECT_EQ(lines[0]["depth"], 16);  // of an 8-bit file with soft alpha
+    EXPECT_EQ(lines[0]["size"], (std::vector<int>{200, 150}));
+    EXPECT_EQ(lines[0]["output"], "a.png");
+    EXPECT_GT(lines[0]["render_ms"], 0.0);
+    const std::string plain = "render card.png -o b.png --protocol plain --threads 1";
+    EXPECT_EQ(run(folder, plain + shape.corners).code, 0);
+    EXPECT_EQ(difference(folder / "a.png", folder / "b.png"), 0.0) << shape.path;
+    EXPECT_GT(difference(folder / "a.png", folder / "card.png"), 0.05);
   }
 }
 
@@ -83,16 +82,6 @@ TEST(RenderCommand, AnIdentityKeepsSoftAlphaAtAutomaticDepth) {
   EXPECT_EQ(depth_of("soft.png -o same.png --depth 8"), 8);
   EXPECT_EQ(depth_of("opaque.png -o same.png"), 8);
   EXPECT_EQ(depth_of("opaque.png --over soft.png -o same.png"), 16);
-}
-
-TEST(RenderCommand, DepthsAgreeWithinTheirRounding) {
-  const FolderWithCard folder("200x150");
-  for (const std::string depth : {"8", "16", "float"}) {
-    runWell(folder, "render card.png -o " + depth + ".tif --depth " + depth + kTurned);
-  }
-  // Eight bits round three times on the way, to 1/255 each.
-  EXPECT_LT(difference(folder / "8.tif", folder / "float.tif"), 1.5 / 255);
-  EXPECT_LT(difference(folder / "16.tif", folder / "float.tif"), 1.5 / 65535);
 }
 
 TEST(RenderCommand, FitKeepsThePlaceOfTheOutput) {
@@ -148,16 +137,11 @@ TEST(RenderCommand, ProxiesShowTheSamePictureSmaller) {
 
 TEST(RenderCommand, MetadataGoesAlong) {
   const TestFolder folder;
-  OIIO::ImageSpec spec(4, 4, 3, OIIO::TypeDesc::UINT8);
-  spec.attribute("PixelAspectRatio", 2.0f);
+  ImageSpec spec(4, 4, 3, TypeDesc::UINT8);
   spec.attribute("XResolution", 300.0f);
   spec.attribute("YResolution", 300.0f);
   spec.attribute("ResolutionUnit", "in");
-  const auto output = OIIO::ImageOutput::create("a.tif");
-  ASSERT_TRUE(output->open(folder / "a.tif", spec));
-  const std::vector<std::uint8_t> grey(48, 128);
-  output->write_image(OIIO::TypeDesc::UINT8, grey.data());
-  output->close();
+  writeFile(folder / "a.tif", spec, std::vector<std::uint8_t>(48, 128));
   runWell(folder, "render a.tif -o b.tif");
   const auto input = OIIO::ImageInput::open(folder / "b.tif");
   ASSERT_TRUE(input);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "cli/colour/TransferCurve.h"
+#include "tests/InstructionSets.h"
 
 namespace vantorel::cli {
 namespace {
@@ -44,10 +45,7 @@ TEST(RgbKernels, EveryInstructionSetGivesTheScalarBits) {
   const CurveTable decode([&](double code) { return srgb.decode(code); });
   const CurveTable encode([](double light) { return Transfer{TransferKind::AcesCct}.encode(light); });
   const RgbKernels& scalar = rgbKernels(InstructionSet::Scalar);
-  for (const InstructionSet set : kInstructionSets) {
-    if (!isAvailable(set)) {
-      continue;
-    }
+  for (const InstructionSet set : availableSets()) {
     const RgbKernels& kernels = rgbKernels(set);
     const char* const name = instructionSetName(set);
     for (const int width : {1, 2, 3, 4, 5, 7, 1001}) {

@@ -1,25 +1,21 @@
 // The example host's frames against positions that are computed here.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <optional>
 #include <sstream>
 #include <string>
 
 #include "host/geometry/Homography.h"
+#include "tests/TestFolder.h"
 
+namespace vantorel::host {
 namespace {
 
-using vantorel::host::Corners;
-using vantorel::host::Homography;
-using vantorel::host::Point;
 using Colour = std::array<int, 3>;
 
 constexpr int kWidth = 40;
@@ -32,33 +28,29 @@ Colour layerColour(double x, double y) {
 
 class MinimalHost : public ::testing::Test {
  protected:
-  void SetUp() override {
-    std::filesystem::create_directories(folder_);
-    std::ofstream file(path("layer.ppm"), std::ios::binary);
-    file << "P6\n" << kWidth << ' ' << kHeight << "\n255\n";
-    for (int y = 0; y < kHeight; ++y) {
-      for (int x = 0; x < kWidth; ++x) {
-        for (const int channel : layerColour(x, y)) {
-          file.put(static_cast<char>(channel));
-        }
+  MinimalHost() {
+    std::string pixels;
+    for (int i = 0; i < kWidth * kHeight; ++i) {
+      for (const int channel : layerColour(i % kWidth, i / kWidth)) {
+        pixels.push_back(static_cast<char>(channel));
       }
     }
+    folder_.write("layer.ppm", "P6\n" + std::to_string(kWidth) + ' ' + std::to_string(kHeight) + "\n255\n" + pixels);
   }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
 
   // Runs the program and returns its exit code; after success the output is read.
   int run(const std::string& module, const Corners& corners) {
     std::ostringstream command;
-    command << VANTOREL_MINIMAL_HOST << ' ' << module << ' ' << path("layer.ppm") << ' ' << path("out.ppm");
-    for (std::size_t i = 0; i < vantorel::host::kCornerCount; ++i) {
+    command << VANTOREL_MINIMAL_HOST << ' ' << module << ' ' << (folder_ / "layer.ppm") << ' ' << (folder_ / "out.ppm");
+    for (std::size_t i = 0; i < kCornerCount; ++i) {
       command << ' ' << corners[i].x << ' ' << corners[i].y;
     }
-    command << " >" << path("log") << " 2>&1";
+    command << " >" << (folder_ / "log") << " 2>&1";
     const int code = WEXITSTATUS(std::system(command.str().c_str()));
     const std::string line = log().substr(std::min(log().find("output: "), log().size()));
     if (code == 0) {
       EXPECT_EQ(std::sscanf(line.c_str(), "output: %dx%d from %d,%d", &width_, &height_, &left_, &top_), 4) << log();
-      output_ = contents("out.ppm");
+      output_ = contents(folder_ / "out.ppm");
       output_.erase(0, output_.size() - static_cast<std::size_t>(width_) * height_ * 3);
     }
     return code;
@@ -73,17 +65,11 @@ class MinimalHost : public ::testing::Test {
     return Colour{pixel[0], pixel[1], pixel[2]};
   }
 
-  std::string log() const { return contents("log"); }
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+  std::string log() const { return contents(folder_ / "log"); }
+
+  const TestFolder folder_;
 
  private:
-  std::string contents(const std::string& name) const {
-    std::ifstream file(path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-
-  std::filesystem::path folder_ =
-      std::filesystem::temp_directory_path() / ("minimal-host-" + std::to_string(::getpid()));
   std::string output_;
   int width_ = 0;
   int height_ = 0;
@@ -138,8 +124,9 @@ TEST_F(MinimalHost, DrawsAConcaveQuadrilateral) {
 }
 
 TEST_F(MinimalHost, ReportsAMissingModule) {
-  EXPECT_EQ(run(path("none.so"), {}), 1);
+  EXPECT_EQ(run((folder_ / "none.so"), {}), 1);
   EXPECT_NE(log().find("none.so"), std::string::npos) << log();
 }
 
 }  // namespace
+}  // namespace vantorel::host

@@ -4,13 +4,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <iterator>
 #include <limits>
 #include <vector>
 
 #include "effect/ProjectiveMap.h"
 #include "effect/perspective/PerspectiveInfo.h"
 #include "effect/perspective/RowSamplers.h"
+#include "tests/InstructionSets.h"
 #include "tests/effect/ScriptedHost.h"
 
 namespace {
@@ -98,12 +98,6 @@ KZFX_PerspectiveInfo infoFor(ScriptedHost& host, int width, int height) {
   info.sample_float =
       static_cast<const PF_SamplingFloatSuite1*>(host.suites["PF SamplingFloat Suite/1"])->sample_area_float;
   return info;
-}
-
-std::vector<InstructionSet> availableSets() {
-  std::vector<InstructionSet> sets;
-  std::copy_if(std::begin(kInstructionSets), std::end(kInstructionSets), std::back_inserter(sets), isAvailable);
-  return sets;
 }
 
 // Runs `trace` over a row and compares with the reference to the bit; nothing past the row is written.

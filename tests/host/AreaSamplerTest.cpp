@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/frames/WorldStore.h"
+#include "tests/InstructionSets.h"
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
@@ -34,17 +35,6 @@ template <typename Pixel>
 bool sameBits(const Pixel& a, const Pixel& b) {
   using Bytes = std::array<std::byte, sizeof(Pixel)>;
   return std::bit_cast<Bytes>(a) == std::bit_cast<Bytes>(b);
-}
-
-// One for every instruction set that this machine has.
-std::vector<const AreaSamplers*> availableSamplers() {
-  std::vector<const AreaSamplers*> samplers;
-  for (const InstructionSet set : kInstructionSets) {
-    if (isAvailable(set)) {
-      samplers.push_back(&areaSamplers(set));
-    }
-  }
-  return samplers;
 }
 
 struct Box {
@@ -117,9 +107,9 @@ void expectDefinition(Image& image, const Box& box) {
   PF_LayerDef world = worldOf(image.view());
   const PF_SampleParams params{box.x_radius, box.y_radius, 0, &world, {}};
   const Pixel expected = definition<Pixel>(asConst(image.view()), box);
-  for (const AreaSamplers* samplers : availableSamplers()) {
+  for (const InstructionSet set : availableSets()) {
     Pixel sampled;
-    ASSERT_EQ(ERR_NONE, samplerOf<Pixel>(*samplers)(nullptr, box.x, box.y, &params, &sampled));
+    ASSERT_EQ(ERR_NONE, samplerOf<Pixel>(areaSamplers(set))(nullptr, box.x, box.y, &params, &sampled));
     ASSERT_TRUE(sameBits(expected, sampled))
         << box.x << ',' << box.y << " radii " << box.x_radius << ',' << box.y_radius;
   }
@@ -160,8 +150,8 @@ TYPED_TEST(AreaSamplerTest, EndsOfTheRangeAndBadArgumentsGiveTransparentPixels) 
   constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
   constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
   const TypeParam transparent{};
-  for (const AreaSamplers* samplers : availableSamplers()) {
-    const auto sample = samplerOf<TypeParam>(*samplers);
+  for (const InstructionSet set : availableSets()) {
+    const auto sample = samplerOf<TypeParam>(areaSamplers(set));
     const auto sampled = [&](const Box& box, PF_LayerDef* source, bool expect_success) {
       const PF_SampleParams params{box.x_radius, box.y_radius, 0, source, {}};
       TypeParam out;
@@ -196,16 +186,16 @@ TEST(AreaSamplerFloat, WholePositionsCopyEveryBitAndNoWeightlessNeighbourMatters
       const float pixel[4] = {value, std::nanf("7"), value, value};
       std::memcpy(image.view().pixel(i % 3, i / 3), pixel, sizeof(pixel));
     }
-    for (const AreaSamplers* samplers : availableSamplers()) {
+    for (const InstructionSet set : availableSets()) {
       const PF_SampleParams params{32768, 32768, 65536, &world, {}};
       PF_PixelFloat out;
-      samplers->sample_float(nullptr, 65536, 65536, &params, &out);
+      areaSamplers(set).sample_float(nullptr, 65536, 65536, &params, &out);
       EXPECT_TRUE(sameBits(out, middle())) << value;
 
       const float half[4] = {0.5F, 0.25F, 1.0F, 8.0F};
       std::memcpy(image.view().pixel(1, 1), half, sizeof(half));
       std::memcpy(image.view().pixel(1, 2), half, sizeof(half));
-      samplers->sample_float(nullptr, 65536, 65536 + 32768, &params, &out);
+      areaSamplers(set).sample_float(nullptr, 65536, 65536 + 32768, &params, &out);
       EXPECT_TRUE(sameBits(out, middle())) << "between two equal pixels";
     }
   }

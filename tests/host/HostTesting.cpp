@@ -9,21 +9,6 @@ namespace vantorel::host::testing {
 
 namespace {
 
-void setChannel(const ImageView& view, int x, int y, int c, double value) {
-  std::byte* const pixel = view.pixel(x, y);
-  switch (view.depth) {
-    case Depth::Bits8:
-      reinterpret_cast<std::uint8_t*>(pixel)[c] = static_cast<std::uint8_t>(std::lround(value * 255.0));
-      break;
-    case Depth::Bits16:
-      reinterpret_cast<std::uint16_t*>(pixel)[c] = static_cast<std::uint16_t>(std::lround(value * 65535.0));
-      break;
-    case Depth::Float:
-      reinterpret_cast<float*>(pixel)[c] = static_cast<float>(value);
-      break;
-  }
-}
-
 template <typename Value>
 Value orThrow(Result<Value> result) {
   if (!result) {
@@ -56,6 +41,21 @@ std::shared_ptr<const Module> loadModule(const std::string& name, ModuleOptions 
 std::shared_ptr<const Module> checkedEffect() {
   static const std::shared_ptr<const Module> module = loadModule("vantorel", {.checking = true});
   return module;
+}
+
+void setChannel(const ImageView& view, int x, int y, int c, double value) {
+  std::byte* const pixel = view.pixel(x, y);
+  switch (view.depth) {
+    case Depth::Bits8:
+      reinterpret_cast<std::uint8_t*>(pixel)[c] = static_cast<std::uint8_t>(std::lround(value * 255.0));
+      break;
+    case Depth::Bits16:
+      reinterpret_cast<std::uint16_t*>(pixel)[c] = static_cast<std::uint16_t>(std::lround(value * 65535.0));
+      break;
+    case Depth::Float:
+      reinterpret_cast<float*>(pixel)[c] = static_cast<float>(value);
+      break;
+  }
 }
 
 Image noise(Size size, Depth depth, unsigned seed) {
@@ -154,13 +154,6 @@ Frame renderFrame(Instance& instance, const Image& layer, const Rect& canvas, co
 Frame renderFrame(const Corners& corners, const Image& layer, const Rect& canvas, const FrameOptions& options) {
   Instance instance = instanceWith(checkedEffect(), corners);
   return renderFrame(instance, layer, canvas, options);
-}
-
-std::string refusedInput(Instance& instance, const Image& layer, const FrameOptions& options) {
-  Image output = dirty(layer.size(), layer.depth());
-  const Rect canvas{0, 0, layer.size().width, layer.size().height};
-  const Result<FrameResult> result = instance.render(layer.view(), canvas, output.view(), options);
-  return result ? "" : result.error().input;
 }
 
 Instance instanceWith(const std::shared_ptr<const Module>& module, const Corners& corners) {

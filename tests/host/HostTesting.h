@@ -50,6 +50,9 @@ Image dirty(Size size, Depth depth);
 bool samePixels(const ConstImageView& a, const ConstImageView& b);
 bool samePixels(const Image& a, const Image& b);
 
+// Sets a channel to a share of white, 0 to 1.
+void setChannel(const ImageView& view, int x, int y, int channel, double value);
+
 // A channel's number as it is stored.
 double channelAt(const ConstImageView& view, int x, int y, int channel);
 double channelAt(const Image& image, int x, int y, int channel);
@@ -69,9 +72,6 @@ struct Frame {
 Frame renderFrame(Instance& instance, const Image& layer, const Rect& canvas, const FrameOptions& options = {});
 // The same by the checked effect, with these corners.
 Frame renderFrame(const Corners& corners, const Image& layer, const Rect& canvas, const FrameOptions& options = {});
-
-// The input that is named as the layer is refused on a canvas of its own size; empty where it is drawn.
-std::string refusedInput(Instance& instance, const Image& layer, const FrameOptions& options);
 
 // An instance of the effect with these corners, which must be in range.
 Instance instanceWith(const std::shared_ptr<const Module>& module, const Corners& corners);

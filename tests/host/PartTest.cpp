@@ -1,4 +1,4 @@
-// A part of a picture is drawn as that part of the whole, to the bit.
+// A part of a picture is drawn as that part of the whole, to the bit, on any threads.
 #include <cstring>
 #include <random>
 
@@ -45,6 +45,7 @@ Instance instanceOf(const Scene& scene, const std::shared_ptr<const Module>& mod
 FrameOptions optionsOf(const Scene& scene, int quality, int samples) {
   FrameOptions options{
       .quality = Quality(quality), .samples = samples, .canvas_independent = true, .downsample = scene.downsample};
+  options.threads = 1;
   options.time.scale = 1;
   options.shutter = {.degrees = scene.to == Corners{} ? 0.0 : 360.0, .max_samples = 5};
   return options;
@@ -83,10 +84,11 @@ TEST(PartTest, IsThatPartOfTheWholeAndNeedsAPartOfTheLayer) {
     for (int i = 0; i < 9; ++i) {
       const Depth depth = testing::kDepths[i % 3];
       const int n = scene.downsample;
-      const FrameOptions options = optionsOf(scene, i / 3, i == 5 ? 2 : i == 7 ? 8 : 0);
+      FrameOptions options = optionsOf(scene, i / 3, i == 5 ? 2 : i == 7 ? 8 : 0);
       const Image layer = testing::noise({120, 90}, depth);
       Instance instance = instanceOf(scene, testing::loadModule("vantorel"));
       const Image whole = testing::renderFrame(instance, layer, kWhole, options).pixels;
+      options.threads = 4;
       // Another layer leaves what is kept from frame to frame useless, as does what a part does not need.
       Image other = testing::noise({120, 90}, depth, 2);
       Instance drawn_before = instanceOf(scene, testing::loadModule("vantorel"));

@@ -1,6 +1,5 @@
-// Pictures lie on their corners, whatever the canvas, the threads and the samples.
+// Pictures lie on their corners, whatever the samples.
 #include <cmath>
-#include <cstring>
 
 #include "tests/host/HostTesting.h"
 
@@ -14,8 +13,7 @@ Image halves(Size size) {
   Image image = testing::dirty(size, Depth::Float);
   for (int i = 0; i < size.width * size.height * 4; ++i) {
     const int x = i / 4 % size.width;
-    reinterpret_cast<float*>(image.view().pixel(x, i / 4 / size.width))[i % 4] =
-        i % 4 == 0 || x >= size.width / 2 ? 1.0F : 0.0F;
+    testing::setChannel(image.view(), x, i / 4 / size.width, i % 4, i % 4 == 0 || x >= size.width / 2 ? 1.0 : 0.0);
   }
   return image;
 }
@@ -78,24 +76,6 @@ TEST(PlacementTest, ALayerMovedByWholePixelsOrNoneStaysItselfToTheBit) {
   }
 }
 
-TEST(PlacementTest, ACanvasShowsThePartOfALargerOneOnAnyThreads) {
-  const Corners perspective{{12.3, -40.7}, {700.2, 22.4}, {-90.9, 541.6}, {550.4, 430.9}};
-  const Corners concave{{12.3, -40.7}, {200.2, 222.4}, {-20.9, 541.6}, {550.4, 430.9}};
-  Image layer = testing::noise({900, 700}, Depth::Bits8);
-  for (const Corners& corners : {perspective, concave}) {
-    Instance instance = testing::instanceWith(testing::loadModule("vantorel"), corners);
-    const auto whole = renderFrame(instance, layer, {-100, -50, 720, 560}, {.quality = Quality::Best, .threads = 1});
-    for (const Rect& part : {Rect{-100, -50, 720, 560}, Rect{-3, 5, 301, 299}, Rect{255, 256, 259, 257}}) {
-      auto frame = renderFrame(instance, layer, part, {.quality = Quality::Best, .threads = 4});
-      for (int y = part.top; y < part.bottom; ++y) {
-        ASSERT_EQ(0,
-                  std::memcmp(frame.pixels.view().row(y - part.top), whole.pixels.view().pixel(part.left + 100, y + 50),
-                              4 * static_cast<std::size_t>(part.width())));
-      }
-    }
-  }
-}
-
 TEST(PlacementTest, AMapWhoseHorizonMeetsATilesCornerIsDrawn) {
   // The left and right sides meet at (256, 0), a corner of four tiles.
   const Corners corners{{192, 128}, {320, 128}, {64, 384}, {448, 384}};
@@ -104,17 +84,6 @@ TEST(PlacementTest, AMapWhoseHorizonMeetsATilesCornerIsDrawn) {
   for (const int x : {240, 250, 256, 260, 280}) {
     EXPECT_EQ(255, testing::channelAt(frame.pixels, x, 200, 0)) << x;
   }
-}
-
-TEST(PlacementTest, RefusesWhatCentresCannotHave) {
-  const Image layer = testing::noise({8, 8}, Depth::Bits8);
-  Instance instance = testing::instanceWith(testing::checkedEffect(), testing::rectangle(0, 0, 8, 8));
-  const auto inputOf = [&](const FrameOptions& options) { return testing::refusedInput(instance, layer, options); };
-  EXPECT_EQ("samples", inputOf({.samples = 3}));
-  EXPECT_EQ("samples", inputOf({.placement = Placement::Centres, .samples = 2}));
-  EXPECT_EQ("edges", inputOf({.placement = Placement::Centres, .edges = Edges::Crisp}));
-  EXPECT_EQ("canvas independence", inputOf({.placement = Placement::Centres, .canvas_independent = true}));
-  EXPECT_EQ("", inputOf({.quality = Quality::Best, .placement = Placement::Centres}));
 }
 
 }  // namespace

@@ -17,10 +17,16 @@ struct Request {
   FrameOptions options;
 };
 
+FrameOptions& centres(Request& request) {
+  request.options.placement = Placement::Centres;
+  return request.options;
+}
+
 TEST(RequestTest, EachArgumentThatCannotBeServedIsNamed) {
   const struct {
     const char* input;
     void (*spoil)(Request&);
+    bool needs_no_pixels = false;  // so that the box around the corners is refused too
   } cases[] = {
       {"layer", [](Request& r) { r.layer.size.width = 0; }},
       {"layer", [](Request& r) { r.layer.data = nullptr; }},
@@ -49,6 +55,16 @@ TEST(RequestTest, EachArgumentThatCannotBeServedIsNamed) {
       {"canvas", [](Request& r) { r.canvas.left = std::numeric_limits<int>::min(); }},
       {"downsample", [](Request& r) { r.options.downsample = 0; }},
       {"time scale", [](Request& r) { r.options.time.scale = 0; }},
+      {"samples", [](Request& r) { r.options.samples = 3; }},
+      {"samples", [](Request& r) { centres(r).samples = 2; }},
+      {"edges", [](Request& r) { centres(r).edges = Edges::Crisp; }},
+      {"canvas independence", [](Request& r) { centres(r).canvas_independent = true; }},
+      {"shutter", [](Request& r) { centres(r).shutter.degrees = 180; }, true},
+      {"shutter", [](Request& r) { r.options.shutter.degrees = -1; }, true},
+      {"shutter", [](Request& r) { r.options.shutter.degrees = 721; }, true},
+      {"shutter", [](Request& r) { r.options.shutter.degrees = std::nan(""); }, true},
+      {"shutter samples", [](Request& r) { r.options.shutter = {.degrees = 180, .max_samples = 0}; }, true},
+      {"shutter offset", [](Request& r) { r.options.shutter = {.degrees = 180, .offset = 1000}; }, true},
   };
   for (const auto& c : cases) {
     Request request;
@@ -58,6 +74,9 @@ TEST(RequestTest, EachArgumentThatCannotBeServedIsNamed) {
     ASSERT_FALSE(result) << c.input << " case " << (&c - cases);
     EXPECT_EQ(ErrorKind::InvalidArgument, result.error().kind);
     EXPECT_EQ(c.input, result.error().input) << result.error().message;
+    if (c.needs_no_pixels) {
+      EXPECT_EQ(c.input, instance.boundingBox({8, 8}, request.options).error().input);
+    }
   }
   EXPECT_EQ("layer", Instance(testing::checkedEffect()).boundingBox({0, 3}, {}).error().input);
 }

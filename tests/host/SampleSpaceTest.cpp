@@ -8,6 +8,7 @@
 
 #include "host/frames/WorldStore.h"
 #include "host/sampling/AreaSampler.h"
+#include "tests/InstructionSets.h"
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
@@ -43,10 +44,7 @@ TEST(SampleSpaceTest, ABoxAtTheBorderGivesTheMeanOfItsPartInside) {
   std::mt19937 random(2);
   std::uniform_int_distribution<std::int32_t> place(-98304, 18 * 65536);
   std::uniform_int_distribution<std::int32_t> radius(32768, 8 * 65536);
-  for (const InstructionSet set : kInstructionSets) {
-    if (!isAvailable(set)) {
-      continue;
-    }
+  for (const InstructionSet set : availableSets()) {
     for (int i = 0; i < 3000; ++i) {
       PF_SampleParams params{};
       params.source = &world;
@@ -71,10 +69,7 @@ TEST(SampleSpaceTest, HalfAPixelIsTakenOffAndFarPositionsAreTransparent) {
   params.source = &world;
   params.x_radius = 40000;
   params.y_radius = 32768;
-  for (const InstructionSet set : kInstructionSets) {
-    if (!isAvailable(set)) {
-      continue;
-    }
+  for (const InstructionSet set : availableSets()) {
     PF_Pixel8 centred{};
     PF_Pixel8 outlined{};
     areaSamplers(set).sample8(nullptr, 7 * 65536, 5 * 65536, &params, &centred);

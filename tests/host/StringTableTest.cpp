@@ -28,17 +28,6 @@ TEST(TranslationsTest, PlaceholdersAreComparedByWhatTheyTakeFromTheArguments) {
   EXPECT_NE(printfPlaceholders("%d %s"), printfPlaceholders("%s %d"));
 }
 
-struct Row {
-  const char* text;
-  std::uint64_t work[3];
-};
-struct Header {
-  const char* tag;
-  std::uint64_t count;
-  const Row* rows;
-  std::uint64_t reserved;
-};
-
 TEST(StringTableTest, GivesTranslatedAndDefaultTextsAndNothingBeyondTheTable) {
   FX_StringRow rows[] = {{"k/0=one#{cr}%d", {}}, {"k/1=two", {}}, {"no key", {}}, {nullptr, {}}, {"k/4=never", {}}};
   const FX_StringHeader header{"FX", 5, rows, 0};

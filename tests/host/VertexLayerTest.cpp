@@ -75,8 +75,8 @@ TEST(VertexLayerTest, EnlargedEightBitsAreNoDarkerOnTheWholeThanSixteen) {
   Image layer = testing::waves({8, 8}, Depth::Bits8, 5);
   Image finer = testing::dirty({8, 8}, Depth::Bits16);
   for (int i = 0; i < 8 * 8 * 4; ++i) {
-    reinterpret_cast<std::uint16_t*>(finer.view().pixel(i / 4 % 8, i / 32))[i % 4] =
-        static_cast<std::uint16_t>(257 * testing::channelAt(layer, i / 4 % 8, i / 32, i % 4));
+    testing::setChannel(finer.view(), i / 4 % 8, i / 32, i % 4,
+                        testing::channelAt(layer, i / 4 % 8, i / 32, i % 4) / 255.0);
   }
   const FrameOptions options{.quality = Quality::Best};
   const auto coarse = testing::renderFrame(corners, layer, {0, 0, 400, 400}, options);

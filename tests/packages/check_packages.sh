@@ -14,4 +14,6 @@ done
 twice=$(sort "$work/files" | uniq -d)
 [ -z "$twice" ] || { printf 'in two packages:\n%s\n' "$twice"; exit 1; }
 
+mapfile -t guides < <(find "$work/root" -name '*.md')
+"$source/tests/docs/check_links.sh" "${guides[@]}"
 "$source/tests/packages/use_packages.sh" "$work/root/usr" "$source" "$work/use"

@@ -9,11 +9,12 @@ cd "$work"
 expect() {
   local expected=$1 actual
   shift
-  actual=$("$@" | tail -n 1)
+  actual=$("$@")
   [ "$actual" = "$expected" ] || { printf '%s printed\n%s\nand not\n%s\n' "$*" "$actual" "$expected" >&2; exit 1; }
 }
 drawn='rows 0 to 48; alpha 255 in the middle, 0 in a corner'
-moved='(10, 20) moves to (80.0, 10.0)'
+linked=$'1001 frames last 1002001/30000 seconds\n(10, 20) moves to (80.0, 10.0)'
+loaded=$'1/3 + 1/6 = 3/6\nscaled about (10, 10), the origin moves to (-10.0, -10.0)'
 module=$(find "$prefix/lib" -path '*/vantorel/vantorel.so')
 libraries=$(dirname "$(find "$prefix/lib" -name libvantorel_host.a)")
 export LD_LIBRARY_PATH=$libraries PKG_CONFIG_PATH=$libraries/pkgconfig
@@ -23,14 +24,15 @@ for examples in host/examples math/examples docs/examples/minimal-host; do
   cmake --build "$examples" >/dev/null
 done
 expect "$drawn" host/examples/draw "$module"
-expect "$moved" math/examples/linked
-expect "$moved" math/examples/linked_shared
+expect "$linked" math/examples/linked
+expect "$linked" math/examples/linked_shared
+expect "$loaded" math/examples/loaded "$module"
 
 # The flags are words of a command line each.
 c++ -std=c++20 "$source/host/examples/draw.cpp" $(pkg-config --cflags --libs vantorel-host) -o draw
 expect "$drawn" ./draw "$module"
 c++ -std=c++17 "$source/math/examples/linked.cpp" $(pkg-config --cflags --libs vantorel_math) -o linked
-expect "$moved" ./linked
+expect "$linked" ./linked
 
 "$prefix/bin/vantorel" testcard -o card.png --size 320x180
 "$prefix/bin/vantorel" render card.png -o out.png --ul 40,20 --ur 280,0 --ll 0,180 --lr 320,150

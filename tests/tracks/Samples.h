@@ -1,13 +1,10 @@
 // Files of every format, written by hand.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
+#include "tests/TestFolder.h"
 #include "tracks/Resolve.h"
 
 namespace vantorel::tracks {
@@ -15,8 +12,7 @@ namespace vantorel::tracks {
 constexpr Size kFrame{1920, 1080};
 
 inline std::string sampleText(const std::string& name) {
-  std::ifstream file(std::string(VANTOREL_TRACK_SAMPLES) + "/" + name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
+  return contents(std::string(VANTOREL_TRACK_SAMPLES) + "/" + name);
 }
 
 // Reads a text as if it were that file's.

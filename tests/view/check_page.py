@@ -3,6 +3,7 @@
 check_page.py FOLDER [firefox]; VANTOREL_COMMAND is the command. Exit code 77 where no browser is installed.
 """
 
+import contextlib
 import csv
 import json
 import pathlib
@@ -34,7 +35,7 @@ class Page:
     """The page in the browser, with the picture's pixels in place of the window's."""
 
     def __init__(self, browser, view):
-        self.browser = browser
+        self.browser, self.view = browser, view
         browser.open(view.address)
         browser.wait("return document.documentElement.dataset.ready")
 
@@ -49,22 +50,28 @@ class Page:
         zoom = 0.94 * min(box[2] / WIDTH, box[3] / HEIGHT)
         return (box[0] + box[2] / 2 + (x - WIDTH / 2) * zoom, box[1] + box[3] / 2 + (y - HEIGHT / 2) * zoom)
 
-    def leave(self):
-        faults = self.browser.complaints()
-        assert faults == [], faults
-        self.browser.open("about:blank")
-
     def status(self):
         return self.browser.text("#status")
+
+
+@contextlib.contextmanager
+def page_of(browser, folder, *arguments):
+    """The page of a view of that shot; when it is left, nothing has been complained of, and the view ends well."""
+    with View(folder, *arguments) as view:
+        yield Page(browser, view)
+        faults = browser.complaints()
+        assert faults == [], faults
+        browser.open("about:blank")
+        assert view.end() == 0
 
 
 def near(found, wanted, tolerance):
     assert len(found) == len(wanted) and all(abs(a - b) <= tolerance for a, b in zip(found, wanted)), (found, wanted)
 
 
-def check_placing(browser, view):
+def check_placing(page):
     """Clicks in any order make sorted corners; every act can be undone; without a file there is nothing to save to."""
-    page = Page(browser, view)
+    browser = page.browser
     usual = page.corners()
     clicks = [(400, 220), (60, 40), (90, 230), (420, 30)]
     for place in clicks:
@@ -115,8 +122,6 @@ def check_placing(browser, view):
         browser.press("Control", "Shift", "z")
     assert page.corners() == changed
     assert browser.run("return document.querySelector('#save').disabled && document.querySelector('#render-frame').disabled")
-    page.leave()
-    assert view.end() == 0
 
 
 # A white quadrilateral on black, whose corners the page must find.
@@ -134,9 +139,9 @@ def corner_options(corners):
     return [f"--{name}={corners[2 * i]},{corners[2 * i + 1]}" for i, name in enumerate(("ul", "ur", "ll", "lr"))]
 
 
-def check_snapping(browser, view):
+def check_snapping(page):
     """A corner that is let go near one of the plate's lies on it, unless Alt says otherwise."""
-    page = Page(browser, view)
+    browser = page.browser
     for c in range(4):
         x, y = SCREEN[2 * c] + 30, SCREEN[2 * c + 1] + 20
         near(page.corners()[2 * c:2 * c + 2], [x, y], 1e-6)
@@ -149,13 +154,11 @@ def check_snapping(browser, view):
     browser.wait("return document.querySelector('#status').textContent.startsWith('Upper left')")
     moved = page.corners()
     assert 1 < moved[0] - SCREEN[0] < 3, moved
-    page.leave()
-    assert view.end() == 0
 
 
-def check_shot(browser, folder, view):
+def check_shot(page, folder):
     """Keys over time, saved, rendered by the page and by the command, all to the same bits."""
-    page = Page(browser, view)
+    browser, view = page.browser, page.view
     assert page.corners() == [100, 60, 300, 50, 90, 200, 320, 210]
     for _ in range(4):
         browser.press(".")
@@ -203,8 +206,6 @@ def check_shot(browser, folder, view):
     assert command.startswith("vantorel render layer.png -o out.%04d.png --corners corners.csv"), command
     subprocess.run(command.replace("vantorel", VANTOREL, 1).replace("out.", "told."), shell=True, check=True, cwd=folder)
     assert pixels(folder / "told.0003.png") == pixels(folder / "again.0003.png")
-    page.leave()
-    assert view.end() == 0
 
 
 def check_json(folder):
@@ -213,17 +214,13 @@ def check_json(folder):
             "keys": [{"frame": 1, "ul": [10, 10], "ur": [90, 10], "ll": [10, 90], "lr": [90, 90], "_by": "hand"}]}
     (folder / "corners.json").write_text(json.dumps(text))
     with View(folder, "layer.png", "--corners", "corners.json") as view:
-        check_json_in(folder, view, text)
-
-
-def check_json_in(folder, view, text):
-    track = json.loads(view.get("shot"))["track"]
-    assert track["keys"] == [[1, 64, 36, 576, 36, 64, 324, 576, 324]], track
-    track["keys"].append([4] + [32] * 2 + [576, 36, 64, 324, 576, 324])
-    view.post("save", {"track": track})
+        track = json.loads(view.get("shot"))["track"]
+        assert track["keys"] == [[1, 64, 36, 576, 36, 64, 324, 576, 324]], track
+        track["keys"].append([4] + [32] * 2 + [576, 36, 64, 324, 576, 324])
+        view.post("save", {"track": track})
+        assert view.end() == 0
     text["keys"].append({"frame": 4, "ul": [5, 8.888889], "ur": [90, 10], "ll": [10, 90], "lr": [90, 90]})
     assert json.loads((folder / "corners.json").read_text()) == text
-    assert view.end() == 0
 
 
 def check_sizes(folder):
@@ -243,9 +240,9 @@ def check_sizes(folder):
         assert view.end() == 0
 
 
-def check_touch(browser, view):
+def check_touch(page):
     """A finger moves a corner; two zoom."""
-    page = Page(browser, view)
+    browser = page.browser
     browser.press("n")
     before = page.corners()
     x, y = page.on_screen(*before[:2])
@@ -253,16 +250,12 @@ def check_touch(browser, view):
     once = page.corners()
     assert once[0] - before[0] > 5 and once[2:] == before[2:], (before, once)
     if isinstance(browser, webdriver.Firefox):  # of two fingers its protocol passes on the first alone
-        page.leave()
-        assert view.end() == 0
         return
     x, y = page.on_screen(*once[:2])
     browser.touch([(x - 20, y), (x - 40, y), (x - 80, y)], [(x + 20, y), (x + 40, y), (x + 80, y)])
     assert page.corners() == once
     browser.touch([(x, y), (x + 20, y + 10), (x + 60, y + 30)])
     near([page.corners()[0] - once[0]], [(once[0] - before[0]) / 4], 0.3)
-    page.leave()
-    assert view.end() == 0
 
 
 def check_smooth(browser, folder):
@@ -273,8 +266,8 @@ def check_smooth(browser, folder):
     file.write_text(json.dumps({"units": "px", "interpolation": "smooth", "keys": keys}))
     vantorel(folder, "corners", "smooth.json", "-o", "baked.csv")
     baked = [row for row in csv.reader((folder / "baked.csv").read_text().splitlines()) if row and row[0].isdigit()]
-    with View(folder, "layer.png", "--over", "plate.0001.jpg", "--corners", "smooth.json", "--frames", "1-14") as view:
-        page = Page(browser, view)
+    with page_of(browser, folder, "layer.png", "--over", "plate.0001.jpg", "--corners", "smooth.json", "--frames",
+                 "1-14") as page:
         assert len(baked) == 14 and browser.value("#interpolation") == "smooth", baked
         for row in baked:
             browser.run("const s = document.querySelector('#scrub'); s.value = arguments[0];"
@@ -297,8 +290,6 @@ def check_smooth(browser, folder):
         browser.click("#undo")
         assert browser.value("#interpolation") == "hold"
         browser.click("#redo")
-        page.leave()
-        assert view.end() == 0
 
 
 def main():
@@ -314,17 +305,17 @@ def main():
     else:
         browser = webdriver.Browser()
     try:
-        with View(folder, "layer.png", "--over", "plate.0001.jpg") as view:
-            check_placing(browser, view)
-        with View(folder, "layer.png", "--over", "plate.%04d.jpg", "--corners", "corners.csv", "--frames", "1-5", "-o",
-                  "out.%04d.png") as view:
-            check_shot(browser, folder, view)
+        with page_of(browser, folder, "layer.png", "--over", "plate.0001.jpg") as page:
+            check_placing(page)
+        with page_of(browser, folder, "layer.png", "--over", "plate.%04d.jpg", "--corners", "corners.csv", "--frames",
+                     "1-5", "-o", "out.%04d.png") as page:
+            check_shot(page, folder)
         draw_screen(folder)
         away = [value + (20 if i % 2 else 30) for i, value in enumerate(SCREEN)]
-        with View(folder, "layer.png", "--over", "screen.png", *corner_options(away)) as view:
-            check_snapping(browser, view)
-        with View(folder, "layer.png", "--over", "screen.png") as view:
-            check_touch(browser, view)
+        with page_of(browser, folder, "layer.png", "--over", "screen.png", *corner_options(away)) as page:
+            check_snapping(page)
+        with page_of(browser, folder, "layer.png", "--over", "screen.png") as page:
+            check_touch(page)
         check_smooth(browser, folder)
     except Exception:
         browser.screenshot(folder / "failed.png")

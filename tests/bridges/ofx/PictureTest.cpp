@@ -28,57 +28,43 @@ constexpr Kind kKinds[] = {{"OfxBitDepthByte", host::Depth::Bits8},
                            {"OfxBitDepthHalf", host::Depth::Float, true},
                            {"OfxBitDepthFloat", host::Depth::Float}};
 
-// A channel of a picture that is the same wherever it lies in memory, as stored at a depth. Half's are 0 to 1.
-void store(const Kind& kind, int x, int y, int c, std::byte* channel) {
-  const unsigned value =
-      (static_cast<unsigned>(x) * 7919U + static_cast<unsigned>(y) * 104729U + static_cast<unsigned>(c) * 31U + 77U) *
-          2654435761U >>
-      16;
-  const auto put = [&](auto stored) { std::memcpy(channel, &stored, sizeof stored); };
-  if (kind.is_half) {
-    put(halfFromFloat(static_cast<float>(value & 0xFFFFU) / 65535.0F));
-  } else if (kind.drawn == host::Depth::Bits8) {
-    put(static_cast<std::uint8_t>(value));
-  } else if (kind.drawn == host::Depth::Bits16) {
-    put(static_cast<std::uint16_t>(value));
-  } else {
-    put(static_cast<float>(value & 0xFFFFU) / 65535.0F);
-  }
-}
-
-void fill(PropertySetRecord& image, const Kind& kind, const RectI& bounds, int channels = 4) {
-  const int bytes = image.get<int>("test pixel bytes") / channels;
-  for (int y = bounds.y1; y < bounds.y2; ++y) {
-    for (int x = bounds.x1; x < bounds.x2; ++x) {
-      for (int c = 0; c < channels; ++c) {
-        store(kind, x, y, c, pixelOf(image, x, y) + bytes * c);
-      }
-    }
-  }
-}
-
-// The same picture's frame as the embedded host takes it, rows from the top.
+// A part of a picture that is the same wherever it lies, as the embedded host takes it: rows from the top.
 host::Image layerOf(const Kind& kind, const RectI& frame) {
-  host::Image layer = *host::Image::create({frame.width(), frame.height()}, kind.drawn);
-  for (int y = 0; y < frame.height(); ++y) {
-    for (int x = 0; x < frame.width(); ++x) {
-      for (int c = 0; c < 4; ++c) {
-        std::byte stored[4];
-        store(kind, frame.x1 + x, frame.y2 - 1 - y, c, stored);
-        std::byte* const to =
-            layer.view().pixel(x, y) + host::bytesPerPixel(kind.drawn) / 4 * static_cast<std::size_t>(c);
-        if (kind.is_half) {
-          std::uint16_t half = 0;
-          std::memcpy(&half, stored, 2);
-          const float value = floatFromHalf(half);
-          std::memcpy(to, &value, sizeof value);
-        } else {
-          std::memcpy(to, stored, host::bytesPerPixel(kind.drawn) / 4);
-        }
-      }
-    }
+  host::Image layer = host::testing::dirty({frame.width(), frame.height()}, kind.drawn);
+  for (int i = 0; i < frame.width() * frame.height() * 4; ++i) {
+    const int column = i / 4 % frame.width();
+    const int row = i / 4 / frame.width();
+    const auto x = static_cast<unsigned>(frame.x1 + column);
+    const auto y = static_cast<unsigned>(frame.y2 - 1 - row);
+    const unsigned bits = (x * 7919U + y * 104729U + static_cast<unsigned>(i % 4) * 31U + 77U) * 2654435761U >> 16;
+    const double value = (bits & 0xFFFFU) / 65535.0;
+    host::testing::setChannel(layer.view(), column, row, i % 4,
+                              kind.is_half ? double{floatFromHalf(halfFromFloat(static_cast<float>(value)))} : value);
   }
   return layer;
+}
+
+// A pixel of the embedded host's as the plug-in's host holds it.
+std::vector<std::byte> storedPixel(const Kind& kind, const std::byte* pixel) {
+  if (!kind.is_half) {
+    return {pixel, pixel + host::bytesPerPixel(kind.drawn)};
+  }
+  std::vector<std::byte> stored(8);
+  for (std::size_t c = 0; c < 4; ++c) {
+    const std::uint16_t half = halfFromFloat(reinterpret_cast<const float*>(pixel)[c]);
+    std::memcpy(stored.data() + 2 * c, &half, sizeof half);
+  }
+  return stored;
+}
+
+void fill(PropertySetRecord& image, const Kind& kind, const RectI& bounds) {
+  const host::Image picture = layerOf(kind, bounds);
+  for (int y = bounds.y1; y < bounds.y2; ++y) {
+    for (int x = bounds.x1; x < bounds.x2; ++x) {
+      std::ranges::copy(storedPixel(kind, picture.view().pixel(x - bounds.x1, bounds.y2 - 1 - y)),
+                        pixelOf(image, x, y));
+    }
+  }
 }
 
 template <typename Function>
@@ -108,22 +94,6 @@ host::Image drawn(host::Image& layer, const host::Corners& corners, const RectI&
       .pixels;
 }
 
-bool isPixel(const Kind& kind, PropertySetRecord& image, int x, int y, const std::byte* expected) {
-  const std::byte* const got = pixelOf(image, x, y);
-  if (!kind.is_half) {
-    return std::memcmp(got, expected, host::bytesPerPixel(kind.drawn)) == 0;
-  }
-  for (std::size_t c = 0; c < 4; ++c) {
-    float value = 0.0F;
-    std::memcpy(&value, expected + 4 * c, sizeof value);
-    const std::uint16_t half = halfFromFloat(value);
-    if (std::memcmp(got + 2 * c, &half, 2) != 0) {
-      return false;
-    }
-  }
-  return true;
-}
-
 // The window's pixels are the expected ones, and what lies beside it in the image is untouched.
 ::testing::AssertionResult holds(const Kind& kind, PropertySetRecord& image, const RectI& bounds, const RectI& window,
                                  const host::Image& expected) {
@@ -132,10 +102,10 @@ bool isPixel(const Kind& kind, PropertySetRecord& image, int x, int y, const std
     for (int x = bounds.x1; x < bounds.x2; ++x) {
       const bool is_inside = x >= window.x1 && x < window.x2 && y >= window.y1 && y < window.y2;
       const std::byte* const at = pixelOf(image, x, y);
-      const bool is_right = is_inside
-                                ? isPixel(kind, image, x, y, expected.view().pixel(x - window.x1, window.y2 - 1 - y))
-                                : std::all_of(at, at + bytes, [](std::byte b) { return b == std::byte{0xA7}; });
-      if (!is_right) {
+      const std::vector<std::byte> right =
+          is_inside ? storedPixel(kind, expected.view().pixel(x - window.x1, window.y2 - 1 - y))
+                    : std::vector(static_cast<std::size_t>(bytes), std::byte{0xA7});
+      if (!std::equal(right.begin(), right.end(), at)) {
         return ::testing::AssertionFailure() << (is_inside ? "inside, at " : "outside, at ") << x << ", " << y;
       }
     }

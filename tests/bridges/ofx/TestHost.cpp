@@ -5,16 +5,24 @@
 #include <cstdlib>
 #include <cstring>
 
+// The suites leave out what the plug-in does not call.
+#pragma GCC diagnostic ignored "-Wmissing-field-initializers"
+
 namespace vantorel::ofx {
 namespace {
 
 TestHost* the_host = nullptr;
 
+// What a call without a result of its own gives.
+Status answer(const char* call) {
+  return the_host->refuses(call) ? the_host->refusal : Status::Ok;
+}
+
 // ---- Properties ----------------------------------------------------------------------------------------------------
 
 template <typename Stored, typename Given>
-Status setValue(const char* call, PropertySet set, const char* name, int index, Given value) {
-  if (the_host->refuses(call)) {
+Status setValue(PropertySet set, const char* name, int index, Given value) {
+  if (the_host->refuses(name)) {
     return the_host->refusal;
   }
   if (set == nullptr) {
@@ -27,8 +35,8 @@ Status setValue(const char* call, PropertySet set, const char* name, int index, 
 }
 
 template <typename Stored, typename Out>
-Status getValue(const char* call, PropertySet set, const char* name, int index, Out* out) {
-  if (the_host->refuses(call)) {
+Status getValue(PropertySet set, const char* name, int index, Out* out) {
+  if (the_host->refuses(name)) {
     return the_host->refusal;
   }
   if (set == nullptr) {
@@ -53,96 +61,113 @@ Status getValue(const char* call, PropertySet set, const char* name, int index, 
   return Status::Ok;
 }
 
-template <typename Stored, typename Out>
-Status getValues(const char* call, PropertySet set, const char* name, int count, Out* out) {
+template <typename Stored>
+Status setValues(PropertySet set, const char* name, int count, const Stored* values) {
   Status status = Status::Ok;
   for (int i = 0; i < count && status == Status::Ok; ++i) {
-    status = getValue<Stored>(call, set, name, i, out + i);
+    status = setValue<Stored>(set, name, i, values[i]);
   }
   return status;
 }
 
-const PropertySuite kProperties{
-    [](PropertySet s, const char* n, int i, void* v) { return setValue<void*>("set_pointer", s, n, i, v); },
-    [](PropertySet s, const char* n, int i, const char* v) { return setValue<std::string>("set_string", s, n, i, v); },
-    [](PropertySet s, const char* n, int i, double v) { return setValue<double>("set_double", s, n, i, v); },
-    [](PropertySet s, const char* n, int i, int v) { return setValue<int>("set_int", s, n, i, v); },
-    nullptr,
-    nullptr,
-    [](PropertySet s, const char* n, int count, const double* v) {
-      Status status = Status::Ok;
-      for (int i = 0; i < count && status == Status::Ok; ++i) {
-        status = setValue<double>("set_doubles", s, n, i, v[i]);
-      }
-      return status;
-    },
-    nullptr,
-    [](PropertySet s, const char* n, int i, void** v) { return getValue<void*>("get_pointer", s, n, i, v); },
-    [](PropertySet s, const char* n, int i, char** v) { return getValue<std::string>("get_string", s, n, i, v); },
-    [](PropertySet s, const char* n, int i, double* v) { return getValue<double>("get_double", s, n, i, v); },
-    [](PropertySet s, const char* n, int i, int* v) { return getValue<int>("get_int", s, n, i, v); },
-    nullptr,
-    nullptr,
-    [](PropertySet s, const char* n, int count, double* v) { return getValues<double>("get_doubles", s, n, count, v); },
-    [](PropertySet s, const char* n, int count, int* v) { return getValues<int>("get_ints", s, n, count, v); },
-    nullptr,
-    nullptr};
+template <typename Stored>
+Status getValues(PropertySet set, const char* name, int count, Stored* out) {
+  Status status = Status::Ok;
+  for (int i = 0; i < count && status == Status::Ok; ++i) {
+    status = getValue<Stored>(set, name, i, out + i);
+  }
+  return status;
+}
+
+const PropertySuite kProperties{.set_pointer = setValue<void*, void*>,
+                                .set_string = setValue<std::string, const char*>,
+                                .set_double = setValue<double, double>,
+                                .set_int = setValue<int, int>,
+                                .set_doubles = setValues<double>,
+                                .get_pointer = getValue<void*, void*>,
+                                .get_string = getValue<std::string, char*>,
+                                .get_double = getValue<double, double>,
+                                .get_int = getValue<int, int>,
+                                .get_doubles = getValues<double>,
+                                .get_ints = getValues<int>};
 
 // ---- Effects, clips, images ----------------------------------------------------------------------------------------
 
-Status getImage(ClipHandle clip, Time, const RectD*, PropertySet* image) {
-  if (the_host->refuses("clip_image")) {
+Status defineClip(EffectHandle effect, const char* name, PropertySet* out) {
+  if (the_host->refuses("define_clip")) {
     return the_host->refusal;
   }
-  if (!clip->image) {
-    return Status::Failed;
+  *out = &effect->clips[name].properties;
+  return Status::Ok;
+}
+
+Status findClip(EffectHandle effect, const char* name, ClipHandle* out, PropertySet* properties) {
+  const Status status = answer("clip");
+  const auto found = effect->clips.find(name);
+  if (status != Status::Ok || found == effect->clips.end()) {
+    return status != Status::Ok ? status : Status::BadHandle;
+  }
+  *out = &found->second;
+  *properties = &found->second.properties;
+  return Status::Ok;
+}
+
+Status getImage(ClipHandle clip, Time, const RectD*, PropertySet* image) {
+  const Status status = answer("clip_image");
+  if (status != Status::Ok || !clip->image) {
+    return status != Status::Ok ? status : Status::Failed;
   }
   ++the_host->images_out;
   *image = clip->image.get();
   return Status::Ok;
 }
 
-const ImageEffectSuite kEffects{[](EffectHandle effect, PropertySet* out) {
-                                  *out = &effect->properties;
-                                  return the_host->refuses("effect_properties") ? the_host->refusal : Status::Ok;
-                                },
-                                [](EffectHandle effect, ParamSet* out) {
-                                  *out = &effect->params;
-                                  return the_host->refuses("param_set") ? the_host->refusal : Status::Ok;
-                                },
-                                [](EffectHandle effect, const char* name, PropertySet* out) {
-                                  if (the_host->refuses("define_clip")) {
-                                    return the_host->refusal;
-                                  }
-                                  *out = &effect->clips[name].properties;
-                                  return Status::Ok;
-                                },
-                                [](EffectHandle effect, const char* name, ClipHandle* out, PropertySet* properties) {
-                                  const auto found = effect->clips.find(name);
-                                  if (the_host->refuses("clip") || found == effect->clips.end()) {
-                                    return found == effect->clips.end() ? Status::BadHandle : the_host->refusal;
-                                  }
-                                  *out = &found->second;
-                                  *properties = &found->second.properties;
-                                  return Status::Ok;
-                                },
-                                nullptr,
-                                getImage,
-                                [](PropertySet) {
-                                  --the_host->images_out;
-                                  return the_host->refuses("release_image") ? the_host->refusal : Status::Ok;
-                                },
-                                [](ClipHandle clip, Time, RectD* out) {
-                                  *out = clip->region;
-                                  return the_host->refuses("region") ? the_host->refusal : Status::Ok;
-                                },
-                                [](EffectHandle) { return the_host->refuses("abort") || the_host->aborts ? 1 : 0; },
-                                nullptr,
-                                nullptr,
-                                nullptr,
-                                nullptr};
+const ImageEffectSuite kEffects{
+    .properties =
+        [](EffectHandle effect, PropertySet* out) {
+          *out = &effect->properties;
+          return answer("effect_properties");
+        },
+    .param_set =
+        [](EffectHandle effect, ParamSet* out) {
+          *out = &effect->params;
+          return answer("param_set");
+        },
+    .define_clip = defineClip,
+    .clip = findClip,
+    .clip_image = getImage,
+    .release_image =
+        [](PropertySet) {
+          --the_host->images_out;
+          return answer("release_image");
+        },
+    .clip_region_of_definition =
+        [](ClipHandle clip, Time, RectD* out) {
+          *out = clip->region;
+          return answer("region");
+        },
+    .abort = [](EffectHandle) { return the_host->refuses("abort") || the_host->aborts ? 1 : 0; }};
 
 // ---- Parameters ----------------------------------------------------------------------------------------------------
+
+Status defineParam(ParamSet set, const char* type, const char* name, PropertySet* out) {
+  if (the_host->refuses("define")) {
+    return the_host->refusal;
+  }
+  ParamRecord& param = set->params[name];
+  param.type = type;
+  *out = &param.properties;
+  return Status::Ok;
+}
+
+Status findParam(ParamSet set, const char* name, ParamHandle* out, PropertySet*) {
+  const Status status = answer("param");
+  if (status != Status::Ok || set->params.count(name) == 0) {
+    return status != Status::Ok ? status : Status::Unknown;
+  }
+  *out = &set->params[name];
+  return Status::Ok;
+}
 
 Status valueAtTime(ParamHandle param, Time time, ...) {
   if (the_host->refuses("value_at_time")) {
@@ -174,44 +199,20 @@ Status setParam(ParamHandle param, ...) {
   return Status::Ok;
 }
 
-const ParameterSuite kParameters{[](ParamSet set, const char* type, const char* name, PropertySet* out) {
-                                   if (the_host->refuses("define")) {
-                                     return the_host->refusal;
-                                   }
-                                   ParamRecord& param = set->params[name];
-                                   param.type = type;
-                                   *out = &param.properties;
-                                   return Status::Ok;
-                                 },
-                                 [](ParamSet set, const char* name, ParamHandle* out, PropertySet*) {
-                                   if (the_host->refuses("param") || set->params.count(name) == 0) {
-                                     return set->params.count(name) == 0 ? Status::Unknown : the_host->refusal;
-                                   }
-                                   *out = &set->params[name];
-                                   return Status::Ok;
-                                 },
-                                 nullptr,
-                                 nullptr,
-                                 nullptr,
-                                 valueAtTime,
-                                 nullptr,
-                                 nullptr,
-                                 setParam,
-                                 nullptr,
-                                 nullptr,
-                                 nullptr,
-                                 nullptr,
-                                 nullptr,
-                                 nullptr,
-                                 nullptr,
-                                 [](ParamSet, const char*) {
-                                   ++the_host->edits_open;
-                                   return the_host->refuses("begin_edit") ? the_host->refusal : Status::Ok;
-                                 },
-                                 [](ParamSet) {
-                                   --the_host->edits_open;
-                                   return the_host->refuses("end_edit") ? the_host->refusal : Status::Ok;
-                                 }};
+const ParameterSuite kParameters{.define = defineParam,
+                                 .handle = findParam,
+                                 .value_at_time = valueAtTime,
+                                 .set_value = setParam,
+                                 .begin_edit =
+                                     [](ParamSet, const char*) {
+                                       ++the_host->edits_open;
+                                       return answer("begin_edit");
+                                     },
+                                 .end_edit =
+                                     [](ParamSet) {
+                                       --the_host->edits_open;
+                                       return answer("end_edit");
+                                     }};
 
 // ---- Messages, threads, overlays -----------------------------------------------------------------------------------
 
@@ -229,44 +230,37 @@ Status setMessage(void*, const char*, const char*, const char* format, ...) {
   return Status::Ok;
 }
 
-const MessageSuite kMessages{setMessage, setMessage, [](void*) {
+const MessageSuite kMessages{.message = setMessage, .set_persistent = setMessage, .clear_persistent = [](void*) {
                                the_host->message.clear();
-                               return the_host->refuses("clear_persistent") ? the_host->refusal : Status::Ok;
+                               return answer("clear_persistent");
                              }};
 
-const MultiThreadSuite kThreads{nullptr,
-                                [](unsigned* count) {
-                                  *count = 2;
-                                  return the_host->refuses("cpu_count") ? the_host->refusal : Status::Ok;
-                                },
-                                nullptr,
-                                [] { return 0; },
-                                nullptr,
-                                nullptr,
-                                nullptr,
-                                nullptr,
-                                nullptr};
+const MultiThreadSuite kThreads{.cpu_count =
+                                    [](unsigned* count) {
+                                      *count = 2;
+                                      return answer("cpu_count");
+                                    },
+                                .is_spawned_thread = [] { return 0; }};
 
-const InteractSuite kInteracts{
-    nullptr, [](InteractHandle) { return the_host->refuses("redraw") ? the_host->refusal : Status::Ok; },
-    [](InteractHandle interact, PropertySet* out) {
-      *out = &interact->properties;
-      return the_host->refuses("interact") ? the_host->refusal : Status::Ok;
-    }};
+const InteractSuite kInteracts{.redraw = [](InteractHandle) { return answer("redraw"); },
+                               .properties =
+                                   [](InteractHandle interact, PropertySet* out) {
+                                     *out = &interact->properties;
+                                     return answer("interact");
+                                   }};
 
-const DrawSuite kDraws{
-    nullptr,
-    [](DrawContext, const Colour*) { return the_host->refuses("colour") ? the_host->refusal : Status::Ok; },
-    [](DrawContext, float) { return the_host->refuses("width") ? the_host->refusal : Status::Ok; },
-    nullptr,
-    [](DrawContext context, int primitive, const PointD*, int count) {
-      context->calls.push_back(std::to_string(primitive) + " of " + std::to_string(count));
-      return the_host->refuses("draw") ? the_host->refusal : Status::Ok;
-    },
-    [](DrawContext context, const char* text, const PointD*, int) {
-      context->calls.emplace_back(text);
-      return the_host->refuses("text") ? the_host->refusal : Status::Ok;
-    }};
+const DrawSuite kDraws{.set_colour = [](DrawContext, const Colour*) { return answer("colour"); },
+                       .set_line_width = [](DrawContext, float) { return answer("width"); },
+                       .draw =
+                           [](DrawContext context, int primitive, const PointD*, int count) {
+                             context->calls.push_back(std::to_string(primitive) + " of " + std::to_string(count));
+                             return answer("draw");
+                           },
+                       .draw_text =
+                           [](DrawContext context, const char* text, const PointD*, int) {
+                             context->calls.emplace_back(text);
+                             return answer("text");
+                           }};
 
 const void* fetchSuite(PropertySet, const char* name, int version) {
   static const std::map<std::string, const void*> kSuites{

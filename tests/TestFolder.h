@@ -9,7 +9,7 @@
 #include <iterator>
 #include <string>
 
-namespace vantorel::cli {
+namespace vantorel {
 
 inline std::string contents(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
@@ -54,4 +54,4 @@ class TestFolder {
   std::filesystem::path path_;
 };
 
-}  // namespace vantorel::cli
+}  // namespace vantorel

@@ -14,10 +14,10 @@ import statistics
 import sys
 import time
 
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "tests" / "view"))
 import webdriver
 from viewing import View, vantorel
-
-DOCS = pathlib.Path(__file__).resolve().parents[2] / "docs"
 
 
 def ready(browser, view):
@@ -199,7 +199,7 @@ def audit(folder, axe):
 
 def pictures(folder):
     browser = webdriver.Browser(1180, 640)
-    images = DOCS / "images"
+    images = ROOT / "docs" / "images"
     with View(images, "layer.jpg", "--over", "plate.jpg", "-o", folder / "result.png", "--ul", "147.6,58.4", "--ur",
               "340.1,51.6", "--ll", "154.2,193.6", "--lr", "339.1,232.7") as view:
         ready(browser, view)
