@@ -2,7 +2,6 @@
 #include <fmt/format.h>
 #include <malloc.h>
 #include <spawn.h>
-#include <tbb/global_control.h>
 #include <unistd.h>
 
 #include <array>
@@ -10,6 +9,7 @@
 
 #include "cli/base/CommandError.h"
 #include "cli/base/Console.h"
+#include "cli/base/Rows.h"
 #include "cli/commands/Commands.h"
 #include "view/Routes.h"
 #include "view/session/StandInLayer.h"
@@ -78,7 +78,7 @@ ExitCode runView(const ViewOptions& given, const std::stop_token& stop) {
   view::handBackFreedMemory();
   const view::StandInLayer stand_in(given);
   const ViewOptions& options = stand_in.options();
-  const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, options.threads);
+  limitRowThreads(options.threads);
   view::Session session(options);
   view::LocalServer server;
   view::addRoutes(server, session);

@@ -1,12 +1,11 @@
 #include "cli/colour/ColourProcessor.h"
 
-#include <tbb/parallel_for.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <optional>
 
+#include "cli/base/Rows.h"
 #include "cli/colour/IccProfile.h"
 #include "cli/colour/OcioConfig.h"
 #include "cli/colour/RgbKernels.h"
@@ -159,7 +158,7 @@ void convert(const host::ImageView& picture, const ColourProcessor& processor) {
   if (processor.empty()) {
     return;
   }
-  tbb::parallel_for(0, picture.size.height, [&](int y) {
+  forRows(picture.size.height, [&](int y) {
     switch (picture.depth) {
       case host::Depth::Bits8:
         return convertIntegerRow(reinterpret_cast<std::uint8_t*>(picture.row(y)), picture.size.width, processor);

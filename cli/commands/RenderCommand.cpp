@@ -1,7 +1,7 @@
-#include <tbb/global_control.h>
 #include <unistd.h>
 
 #include "cli/base/Memory.h"
+#include "cli/base/Rows.h"
 #include "cli/base/StandardStreams.h"
 #include "cli/commands/Commands.h"
 #include "cli/pictures/CodecThreads.h"
@@ -20,7 +20,7 @@ ExitCode runRender(const RenderOptions& options, const std::stop_token& stop) {
   limitCodecThreads(options.threads, shot.frames_in_flight == 1);
   // The frames' own threads count, and the workers that help them come on top.
   const std::size_t helpers = options.threads - static_cast<unsigned>(shot.frames_in_flight);
-  const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, helpers + 1);
+  limitRowThreads(static_cast<unsigned>(helpers + 1));
   Progress progress(options.progress.value_or(isatty(STDERR_FILENO) != 0), shot.frames.count());
   for (const std::string& note : shot.notes) {
     progress.message(note);

@@ -1,12 +1,11 @@
 #include "cli/pictures/Composite.h"
 
-#include <tbb/parallel_for.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
 
+#include "cli/base/Rows.h"
 #include "cli/pictures/PixelConversion.h"
 
 namespace vantorel::cli {
@@ -52,7 +51,7 @@ void overStretches(Channel* row, const Channel* plate, int width) {
 
 template <typename Channel>
 void overRows(const host::ImageView& picture, const host::ConstImageView& plate) {
-  tbb::parallel_for(0, picture.size.height, [&](int y) {
+  forRows(picture.size.height, [&](int y) {
     auto* const row = reinterpret_cast<Channel*>(picture.row(y));
     const auto* const behind = reinterpret_cast<const Channel*>(plate.row(y));
     if constexpr (std::is_integral_v<Channel>) {

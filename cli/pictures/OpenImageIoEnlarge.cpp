@@ -3,7 +3,6 @@
 #include <OpenImageIO/imagebuf.h>
 #include <OpenImageIO/imagebufalgo.h>
 #include <fmt/format.h>
-#include <tbb/parallel_for.h>
 
 #include <algorithm>
 
@@ -37,12 +36,12 @@ OIIO::ImageBuf wrapped(const host::ConstImageView& view) {
 }
 
 void holdAlpha(const host::ImageView& picture) {
-  tbb::parallel_for(0, picture.size.height, [&](int y) {
+  for (int y = 0; y < picture.size.height; ++y) {
     auto* pixel = reinterpret_cast<float*>(picture.row(y));
     for (int x = 0; x < picture.size.width; ++x, pixel += 4) {
       pixel[3] = std::clamp(pixel[3], 0.0f, 1.0f);
     }
-  });
+  }
 }
 
 }  // namespace

@@ -1,10 +1,9 @@
 // Work on every pixel of a picture of any depth.
 #pragma once
 
-#include <tbb/parallel_for.h>
-
 #include <cstdint>
 
+#include "cli/base/Rows.h"
 #include "cli/pictures/PixelConversion.h"
 #include "host/Image.h"
 
@@ -25,7 +24,7 @@ void multiplyPixel(Channel* pixel, double factor) {
 // Calls visit(pixel, x, y) for every pixel, rows side by side.
 template <typename Channel, typename Visit>
 void forPixels(const host::ImageView& picture, const Visit& visit) {
-  tbb::parallel_for(0, picture.size.height, [&](int y) {
+  forRows(picture.size.height, [&](int y) {
     auto* pixel = reinterpret_cast<Channel*>(picture.row(y));
     for (int x = 0; x < picture.size.width; ++x, pixel += 4) {
       visit(pixel, x, y);

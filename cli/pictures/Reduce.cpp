@@ -1,8 +1,7 @@
 #include "cli/pictures/Reduce.h"
 
-#include <tbb/parallel_for.h>
-
 #include "cli/base/CommandError.h"
+#include "cli/base/Rows.h"
 #include "host/Downsample.h"
 #include "host/Frame.h"
 
@@ -10,9 +9,8 @@ namespace vantorel::cli {
 
 host::Image reduced(const host::ConstImageView& picture, int n) {
   host::Image result = valueOrThrow(host::Image::create(host::downsampled(picture.size, n), picture.depth));
-  tbb::parallel_for(0, result.size().height, [&](int y) {
-    host::downsampleRows(picture, n, host::BlockEdges::LeftOut, result.view(), y, y + 1);
-  });
+  forRows(result.size().height,
+          [&](int y) { host::downsampleRows(picture, n, host::BlockEdges::LeftOut, result.view(), y, y + 1); });
   return result;
 }
 

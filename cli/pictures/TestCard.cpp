@@ -1,12 +1,11 @@
 #include "cli/pictures/TestCard.h"
 
-#include <tbb/parallel_for.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
 
+#include "cli/base/Rows.h"
 #include "cli/pictures/PixelConversion.h"
 
 namespace vantorel::cli {
@@ -172,7 +171,7 @@ void drawRow(const Card& card, int y, Channel* row, int width) {
 
 void drawTestCard(const host::ImageView& image) {
   const Card card(image.size);
-  tbb::parallel_for(0, image.size.height, [&](int y) {
+  forRows(image.size.height, [&](int y) {
     switch (image.depth) {
       case host::Depth::Bits8:
         return drawRow(card, y, reinterpret_cast<std::uint8_t*>(image.row(y)), image.size.width);

@@ -1,11 +1,10 @@
 #include "view/session/DisplayPixels.h"
 
-#include <tbb/parallel_for.h>
-
 #include <cstring>
 #include <utility>
 
 #include "cli/base/CommandError.h"
+#include "cli/base/Rows.h"
 #include "cli/pictures/PixelConversion.h"
 #include "cli/shots/ShotColour.h"
 
@@ -22,7 +21,7 @@ std::uint8_t to8Bits(float value) {
 
 template <typename Channel>
 void convertRows(const host::ConstImageView& from, const host::ImageView& to) {
-  tbb::parallel_for(0, from.size.height, [&](int y) {
+  cli::forRows(from.size.height, [&](int y) {
     const auto* source = reinterpret_cast<const Channel*>(from.row(y));
     auto* target = reinterpret_cast<std::uint8_t*>(to.row(y));
     for (int i = 0; i < 4 * from.size.width; ++i) {
