@@ -36,6 +36,9 @@ int failForLackOfThreads(const std::system_error& error) {
     if (const std::exception_ptr thrown = std::current_exception()) {
       std::rethrow_exception(thrown);
     }
+    // Nothing is known of what a library's function throws that must not.
+    code = failWithMessage("a library gave up, as it does for lack of memory; raise the limit on it (ulimit -v)",
+                           ExitCode::EffectFailed);
   } catch (const std::system_error& error) {
     code = failForLackOfThreads(error);
   } catch (const std::bad_alloc&) {

@@ -1,5 +1,6 @@
 // OpenEXR by its own library: what a plate holds besides its picture passes into the output.
 #include <OpenEXR/ImfFrameBuffer.h>
+#include <OpenEXR/ImfMultiPartInputFile.h>
 #include <OpenEXR/ImfMultiPartOutputFile.h>
 #include <OpenEXR/ImfOutputPart.h>
 #include <OpenEXR/ImfPartType.h>
@@ -121,9 +122,22 @@ class OpenExrOutput : public PictureOutput {
     // The parts' places in the file are written as it is let go of, and failures noted in the file alone.
     part_.reset();
     output_.reset();
+    requireComplete();
   }
 
  private:
+  // Where OpenEXR lacks memory to pack rows it may leave them out without a word.
+  void requireComplete() {
+    file_.note(std::fflush(file_.stream()) == 0);
+    file_.throwIfFailed();
+    guarded([&] {
+      const Imf::MultiPartInputFile written(file_.temporaryPath().c_str());
+      if (!written.partComplete(passesParts() ? source_->part() : 0)) {
+        throw unwritablePicture(path_, "it is incomplete");
+      }
+    });
+  }
+
   // The plate's other channels, in this file's data window.
   void placeExtra() {
     if (passesParts() && picture_.origin->extra) {

@@ -3,6 +3,7 @@
 // the file that VANTOREL_FAULT_COUNTS names, a line for each.
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -16,8 +17,9 @@
 
 namespace {
 
-enum Function { kOpen, kFopen, kFwrite, kFflush, kFclose, kFsync, kRename, kFunctions };
-constexpr std::array<const char*, kFunctions> kNames{"open", "fopen", "fwrite", "fflush", "fclose", "fsync", "rename"};
+enum Function { kOpen, kWrite, kFopen, kFwrite, kFflush, kFclose, kFsync, kRename, kFunctions };
+constexpr std::array<const char*, kFunctions> kNames{"open",   "write",  "fopen", "fwrite",
+                                                     "fflush", "fclose", "fsync", "rename"};
 
 std::array<std::atomic<int>, kFunctions> calls{};
 
@@ -49,9 +51,24 @@ bool isOwnFile(std::string_view path) {
   return true;
 }
 
+bool isRegularFile(int descriptor) {
+  struct stat status {};
+  return descriptor > 2 && fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+
 // Standard streams are not files, and whether one that was read closes is nobody's matter.
 bool isOwnStream(FILE* stream) {
   return stream != nullptr && fileno(stream) > 2 && (fcntl(fileno(stream), F_GETFL) & O_ACCMODE) != O_RDONLY;
+}
+
+// As the system's own does: who looks at the stream later is told too.
+bool failsOn(FILE* stream, Function function) {
+  constexpr int kErrorSeen = 0x20;
+  if (!isOwnStream(stream) || !fails(function)) {
+    return false;
+  }
+  stream->_flags |= kErrorSeen;
+  return true;
 }
 
 struct Counts {
@@ -88,13 +105,13 @@ FILE* fopen64(const char* path, const char* mode) {
 }
 
 std::size_t fwrite(const void* data, std::size_t size, std::size_t count, FILE* stream) {
-  return isOwnStream(stream) && fails(kFwrite)
+  return failsOn(stream, kFwrite)
              ? 0
              : next<std::size_t(const void*, std::size_t, std::size_t, FILE*)>("fwrite")(data, size, count, stream);
 }
 
 int fflush(FILE* stream) {
-  return isOwnStream(stream) && fails(kFflush) ? EOF : next<int(FILE*)>("fflush")(stream);
+  return failsOn(stream, kFflush) ? EOF : next<int(FILE*)>("fflush")(stream);
 }
 
 int fclose(FILE* stream) {
@@ -102,6 +119,12 @@ int fclose(FILE* stream) {
   const int result = next<int(FILE*)>("fclose")(stream);
   errno = failing ? EIO : errno;
   return failing ? EOF : result;
+}
+
+ssize_t write(int descriptor, const void* data, std::size_t size) {
+  return isRegularFile(descriptor) && fails(kWrite)
+             ? -1
+             : next<ssize_t(int, const void*, std::size_t)>("write")(descriptor, data, size);
 }
 
 int fsync(int descriptor) {
