@@ -6,6 +6,7 @@
 namespace vantorel::testing {
 
 std::atomic<long> allocations = 0;
+std::atomic<long> blocks_held = 0;
 std::atomic<long> allocations_left = kUnlimited;
 
 namespace {
@@ -16,8 +17,15 @@ void* allocate(std::size_t size, std::size_t alignment = 0) {
   if (--allocations_left < 0) {
     return nullptr;
   }
-  return alignment == 0 ? std::malloc(size)
-                        : std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
+  void* const memory = alignment == 0 ? std::malloc(size)
+                                      : std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
+  blocks_held += memory != nullptr ? 1 : 0;
+  return memory;
+}
+
+void release(void* memory) {
+  blocks_held -= memory != nullptr ? 1 : 0;
+  std::free(memory);
 }
 
 void* orThrow(void* memory) {
@@ -29,6 +37,7 @@ void* orThrow(void* memory) {
 
 using vantorel::testing::allocate;
 using vantorel::testing::orThrow;
+using vantorel::testing::release;
 
 __attribute__((noinline)) void* operator new(std::size_t size) {
   return orThrow(allocate(size));
@@ -40,14 +49,14 @@ __attribute__((noinline)) void* operator new(std::size_t size, const std::nothro
   return allocate(size);
 }
 __attribute__((noinline)) void operator delete(void* memory) noexcept {
-  std::free(memory);
+  release(memory);
 }
 __attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
+  release(memory);
 }
 __attribute__((noinline)) void operator delete(void* memory, std::align_val_t) noexcept {
-  std::free(memory);
+  release(memory);
 }
 __attribute__((noinline)) void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
-  std::free(memory);
+  release(memory);
 }

@@ -8,6 +8,7 @@
 namespace vantorel::testing {
 
 extern std::atomic<long> allocations;
+extern std::atomic<long> blocks_held;  // allocated and not yet freed
 // When none are left, allocations fail.
 constexpr long kUnlimited = std::numeric_limits<long>::max();
 extern std::atomic<long> allocations_left;
