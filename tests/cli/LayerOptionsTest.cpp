@@ -153,7 +153,7 @@ TEST(LayerOptions, AnEnlargedLayerIsSmootherAndStaysInItsPlace) {
   EXPECT_LT(error(" --enlarge lanczos"), plain / 2);
   EXPECT_NEAR(error(" --enlarge bilinear"), plain, plain / 2);
   // Up to twice the size it does nothing.
-  const std::string twice = " --ul 0,0 --ur 48,0 --ll 0,12 --lr 48,12 --size 48x12";
+  const std::string twice = " --ul 9,3 --ur 57,3 --ll 9,15 --lr 57,15 --size 64x20";
   runWell(folder, "render layer.png -o a.png" + twice);
   runWell(folder, "render layer.png -o b.png --enlarge lanczos" + twice);
   EXPECT_EQ(difference(folder / "a.png", folder / "b.png"), 0.0);

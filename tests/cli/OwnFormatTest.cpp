@@ -21,6 +21,7 @@
 
 #include "PictureFiles.h"
 #include "cli/pictures/FormatLibrary.h"
+#include "cli/pictures/PlainExif.h"
 #include "tests/TestFolder.h"
 
 namespace vantorel::cli {
@@ -341,6 +342,19 @@ TEST(OwnFormat, OpenExrIsReadAsOpenImageIoReadsIt) {
     expectSamePicture({path, "a.exr"}, part);
   }
   EXPECT_EQ(openPictureInput({path, "a.exr"})->header().views, (std::vector<std::string>{"left", "right", "right"}));
+}
+
+TEST(OwnFormat, ExifThatIsCutOffIsNotReadInPart) {
+  Metadata stated;
+  stated.set(textAttribute("Make", "A maker"));
+  const std::string block = writePlainExif(stated).value();
+  EXPECT_EQ(readPlainExif(block)->text("Make"), "A maker");
+  for (std::size_t size = 0; size < block.size(); ++size) {
+    EXPECT_FALSE(readPlainExif(block.substr(0, size))) << size;
+  }
+  std::string elsewhere = block;
+  elsewhere[8 + 2 + 8 + 3] = '\x7F';  // the value's place, beyond the end
+  EXPECT_FALSE(readPlainExif(elsewhere));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <random>
 #include <vector>
 
+#include "cli/colour/ColourMatrix.h"
 #include "cli/colour/TransferCurve.h"
 #include "tests/InstructionSets.h"
 
@@ -91,6 +92,16 @@ TEST(RgbKernels, CurvesAreMetWhateverTheNumber) {
     EXPECT_EQ(-pixel[0], pixel[1]) << light;
     EXPECT_EQ(0.0f, pixel[2]);
     EXPECT_EQ(light, pixel[3]);
+  }
+}
+
+TEST(Primaries, AreUsableOnlyAroundTheirWhite) {
+  const Chromaticity red{0.64, 0.33};
+  const Chromaticity green{0.3, 0.6};
+  const Chromaticity blue{0.15, 0.06};
+  EXPECT_TRUE(isUsable({red, green, blue, kD65}));
+  for (const Chromaticity& beyond : {Chromaticity{0.1, 0.4}, Chromaticity{0.5, 0.1}, Chromaticity{0.6, 0.6}}) {
+    EXPECT_FALSE(isUsable({red, green, blue, beyond})) << beyond.x;
   }
 }
 

@@ -72,6 +72,10 @@ TEST(Alpha, OnePixelChangesWhatARowsAlphasHaveInCommon) {
       EXPECT_EQ(alphaOfRow(row.data(), width), RowAlpha::Mixed);
     }
   }
+  const float floats[] = {0, 0, 0, 1, 5, 5, 5, 0};
+  EXPECT_EQ(alphaOfRow(floats, 1), RowAlpha::Opaque);
+  EXPECT_EQ(alphaOfRow(floats + 4, 1), RowAlpha::Transparent);
+  EXPECT_EQ(alphaOfRow(floats, 2), RowAlpha::Mixed);
 }
 
 }  // namespace

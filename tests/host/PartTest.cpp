@@ -114,5 +114,22 @@ TEST(PartTest, IsThatPartOfTheWholeAndNeedsAPartOfTheLayer) {
   EXPECT_LT(needed_pixels, all_pixels / 2);
 }
 
+// One corner alone lies beyond what the effect's numbers hold at 8 samples a pixel, and not at 2.
+TEST(PartTest, OneCornerFarAwayIsDrawnWithManySamplesToo) {
+  const Image layer = testing::waves({120, 90}, Depth::Bits8, 30);
+  constexpr Point kNear[] = {{-10, -8}, {70, -8}, {-10, 50}, {70, 50}};
+  constexpr Point kFar[] = {{-6000, -5000}, {6000, -5000}, {-6000, 5000}, {6000, 5000}};
+  for (int far = 0; far < 4; ++far) {
+    const auto at = [&](int corner) { return corner == far ? kFar[corner] : kNear[corner]; };
+    const Corners corners{at(0), at(1), at(2), at(3)};
+    Instance instance = testing::instanceWith(testing::loadModule("vantorel"), corners);
+    const auto drawn = [&](int samples) {
+      return testing::renderFrame(instance, layer, {0, 0, 60, 40}, {.quality = Quality::Best, .samples = samples})
+          .pixels;
+    };
+    EXPECT_GT(testing::psnr(drawn(8), drawn(2)), 40.0) << "corner " << far;
+  }
+}
+
 }  // namespace
 }  // namespace vantorel::host

@@ -1,9 +1,13 @@
 // Means of samples against the same in long double, pixel by pixel.
 #include "host/composing/Resolve.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstring>
 
 #include "host/composing/SampleCount.h"
+#include "host/composing/ScanEdges.h"
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
@@ -53,6 +57,27 @@ TEST(ResolveTest, WithOneSampleLeavesTheInsideToTheBitAndWorksInPlace) {
     const double whole = channelAt(before, x, y, i % 4);
     const double share = x < 2 || x >= 14 || y < 1 || y > 9 ? 0.0 : y == 9 ? 0.5 : 1.0;
     EXPECT_EQ(std::floor(whole * share + 0.5), channelAt(pixels, x, y, i % 4));
+  }
+}
+
+// The clamped position is the nearest of a rectangle's: two apart in either direction, every neighbour is one.
+TEST(ScanEdgesTest, EdgesTakeTheNearestPixelThatTheScanDrawsWholly) {
+  Image drawn = *Image::create({40, 30}, Depth::Bits8);
+  const auto code = [](int x, int y) { return std::array<std::uint8_t, 4>{std::uint8_t(x), std::uint8_t(y), 0, 255}; };
+  for (int i = 0; i < 40 * 30; ++i) {
+    std::memcpy(drawn.view().pixel(i % 40, i / 40), code(i % 40, i / 40).data(), 4);
+  }
+  const CoverageRegion scanned = CoverageRegion::betweenChains(testing::rectangle(10.5, 8.5, 14.5, 12.5));
+  const CoverageRegion covered = CoverageRegion::betweenChains(testing::rectangle(0, 0, 15.5, 29));
+  extendScan(scanned, covered, {0, 0, 40, 30}, drawn.view());
+  for (int y = 0; y < 30; ++y) {
+    for (int x = 0; x < 40; ++x) {
+      const int near_x = std::clamp(x, 11, 13);
+      const int near_y = std::clamp(y, 9, 11);
+      const bool extends = x < 16 && std::abs(x - near_x) <= 2 && std::abs(y - near_y) <= 2;
+      const auto expected = extends ? code(near_x, near_y) : code(x, y);
+      EXPECT_EQ(0, std::memcmp(expected.data(), drawn.view().pixel(x, y), 4)) << x << ", " << y;
+    }
   }
 }
 

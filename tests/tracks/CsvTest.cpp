@@ -58,7 +58,7 @@ TEST(Csv, FaultsNameLineFieldAndWhatWasRead) {
   expectFault(table + "2,0,1,2,3,4,5,6,1e999\n", "track: line 3: lry", "beyond");
   expectFault(table + "2,0,1,2,3,4,5,6,1e30\n", "track: line 3: lry", "far outside");
   expectFault(table + "2,,1,2,3,4,5,6,7\n", "track: line 3: ulx", "is empty");
-  expectFault(table + "2,0,1,2,3,4,99999,6,7\n", "track: line 3: frame 2: ll", "outside -32768");
+  expectFault(table + "2.25,0,1,2,3,4,99999,6,7\n", "track: line 3: frame 2.25: ll", "outside -32768");
   expectFault("# note\n" + std::string(kRow) + "1.0,0,1,2,3,4,5,6,7\n", "track: line 3: frame", "line 2 already");
   expectFault("inf,0,1,2,3,4,5,6,7\n", "track: line 1: frame", "not finite");
   expectFault("# nothing\n", "track: ", "no keys");

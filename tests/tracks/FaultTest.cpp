@@ -40,6 +40,7 @@ TEST(Faults, PointFormatsNameLineAndField) {
       {"1 2 3\n4 5 6\n\n1 2\n", "track: line 4", "too few fields"},
       {"1 2 3\n4 5 6\n1 7 8\n", "track: ", "holds 1 point"},
       {"Channel a/ref/x\nKey 0\nValue 3\n", "track: line 3: Value", "before its key's Frame"},
+      {"{\"points\": []}", "track: ", "holds no keys"},
       {"Channel a/ref/x\nValue 3\n", "track: line 1: a", "no keys for one of its coordinates"},
   });
 }
@@ -81,6 +82,7 @@ TEST(Faults, JsonNamesLineAndField) {
   expectFault(keys(jsonKey("1e999", "[0, 0]")), "track: line 2: keys[0].frame", "beyond");
   expectFault(keys(jsonKey("01", "[0, 0]")), "track: line 2", "not valid JSON");
   expectFault(keys(jsonKey("1", "[0, 0]")) + "]", "track: line 3", "not valid JSON");
+  EXPECT_TRUE(readText(keys(jsonKey("0e1", "[0, 0]"))));
   const auto from = [&](const std::string& source) {
     return fmt::format("{{\"from\":\n{},\n\"keys\": [{}]}}", source, jsonKey("1", "[0, 0]"));
   };
