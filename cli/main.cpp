@@ -59,10 +59,7 @@ void returnPicturesWhenFreed() {
   mallopt(M_MMAP_THRESHOLD, kSmallestPicture);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  std::set_terminate(endWithMessage);
+int run(int argc, char** argv) {
   try {
     console();
     returnPicturesWhenFreed();
@@ -78,4 +75,17 @@ int main(int argc, char** argv) {
     std::fprintf(console(), "vantorel: %s; raise the limits on processes and memory, or report this\n", error.what());
     return static_cast<int>(ExitCode::EffectFailed);
   }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::set_terminate(endWithMessage);
+  const int code = run(argc, argv);
+  if (code == static_cast<int>(ExitCode::EffectFailed)) {
+    // A library that has thrown for lack of memory may still hold its locks, and abort at its own end.
+    std::fflush(nullptr);
+    _exit(code);
+  }
+  return code;
 }

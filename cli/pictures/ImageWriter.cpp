@@ -27,6 +27,7 @@ void writePicture(const std::string& output_path, const ImageFormat& format, con
   if (picture.metadata) {
     requireMetadataHeld(format, *picture.metadata, picture.origin ? picture.origin->name : path);
   }
+  loadWriterOf(format);
   OutputFile file(output_path);
   // The file outlives the output, which may write as it is destroyed.
   const std::unique_ptr<PictureOutput> output = openPictureOutput(path, file, format, picture);

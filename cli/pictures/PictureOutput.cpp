@@ -24,6 +24,12 @@ constexpr std::array kOwnOutputs{OwnOutput{"png", openPngOutput}, OwnOutput{"jpe
 
 }  // namespace
 
+void loadWriterOf(const ImageFormat& format) {
+  if (std::ranges::find(kOwnOutputs, std::string_view(format.writer), &OwnOutput::writer) == kOwnOutputs.end()) {
+    formatLibrary();
+  }
+}
+
 std::unique_ptr<PictureOutput> openPictureOutput(const std::string& path, OutputFile& file, const ImageFormat& format,
                                                  const OutputPicture& picture) {
   const auto found = std::ranges::find(kOwnOutputs, std::string_view(format.writer), &OwnOutput::writer);

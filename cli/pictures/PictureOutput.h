@@ -25,6 +25,10 @@ class PictureOutput {
   virtual void close() = 0;
 };
 
+// Loads what the format is written by, if that is not loaded: some of those libraries end the process where they lack
+// memory, and must not leave a file behind.
+void loadWriterOf(const ImageFormat& format);
+
 // Begins a picture in the file: `path` is what messages name it. Format, picture and file must outlive it. Throws
 // CommandError naming the path.
 std::unique_ptr<PictureOutput> openPictureOutput(const std::string& path, OutputFile& file, const ImageFormat& format,

@@ -46,6 +46,7 @@ class AllocationFaults : public ::testing::Test {
       while_loading += result.code != 0 && !isTold(result) && isLoading() ? 1 : 0;
       deviations += fault.empty() ? 0 : 1;
     }
+    writeAll(whole_);
     EXPECT_GT(told, 0) << arguments;
     std::cout << arguments << ": " << places.size() << " places, " << (places.size() + step - 1) / step << " tried, "
               << told << " told, " << while_loading << " ended while libraries were loaded, " << deviations
@@ -81,7 +82,7 @@ class AllocationFaults : public ::testing::Test {
     for (const auto& [name, bytes] : whole_) {
       older_.try_emplace(name, "an older file");
     }
-    writeOlderFiles();
+    writeAll(older_);
     const std::string list = folder_.path() + ".places";
     run(folder_, arguments, "VANTOREL_ALLOCATION_PLACES='" + list + "' " + kPreloaded);
     std::vector<Place> places;
@@ -97,14 +98,14 @@ class AllocationFaults : public ::testing::Test {
     return places;
   }
 
-  void writeOlderFiles() const {
-    for (const auto& [name, bytes] : older_) {
+  void writeAll(const Files& files) const {
+    for (const auto& [name, bytes] : files) {
       write(name, bytes);
     }
   }
 
   CommandResult runFailing(const std::string& arguments, const Place& place) const {
-    writeOlderFiles();
+    writeAll(older_);
     std::filesystem::remove(stackFile());
     return run(folder_, arguments,
                "VANTOREL_FAILING_ALLOCATION=" + std::to_string(place.allocation) + " VANTOREL_FAILING_STACK='" +
