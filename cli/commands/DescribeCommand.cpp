@@ -82,6 +82,12 @@ std::string asText(const std::string& file, const Description& described) {
     listing.add("data window", windowText(header.data));
     listing.add("display window", windowText(header.display));
   }
+  for (const std::string& part : header.parts) {
+    listing.add("parts", escaped(part));
+  }
+  for (const std::string& view : header.views) {
+    listing.add("views", escaped(view));
+  }
   for (const ChannelHeader& channel : header.channels) {
     listing.add("channels", fmt::format("{} ({})", escaped(channel.name), sampleName(channel.samples)));
   }
@@ -102,6 +108,8 @@ std::string asJson(const std::string& file, const Description& described) {
               {"size", {described.info.size.width, described.info.size.height}},
               {"data_window", window(header.data)},
               {"display_window", window(header.display)},
+              {"parts", header.parts},
+              {"views", header.views},
               {"channels", Json::array()},
               {"alpha", alphaName(described.info)},
               {"orientation", header.orientation},

@@ -128,6 +128,7 @@ PictureHeader pictureHeaderOf(const Imf::MultiPartInputFile& file, int part) {
   header.alpha_channel = alphaOf(header.channels);
   header.is_deep = stated.type() == Imf::DEEPSCANLINE || stated.type() == Imf::DEEPTILE;
   header.part = part;
+  header.parts = file.parts() > 1 ? partNames(file) : std::vector<std::string>();
   header.views = viewsOf(file);
   header.metadata = attributesOf(stated);
   const double orientation = header.metadata.number("Orientation").value_or(1.0);

@@ -26,7 +26,7 @@ namespace vantorel::cli {
 
 namespace {
 
-// What is read as numbers of a format's whole range elsewhere is so here: integers become 0 to 1.
+// Integers become 0 to 1, as those of other formats do.
 constexpr float kUnitOfUint = 1.0f / 4294967295.0f;
 
 // A channel to read, and which of a pixel's four it becomes.

@@ -194,6 +194,18 @@ void noteViews(Shot& shot, const InputFiles& files, const PictureInfo& info) {
   }
 }
 
+// Which of the file's frames a still shows that was told none.
+void noteStillFrame(Shot& shot) {
+  if (shot.options.at || shot.options.frames || !shot.corners.read || shot.corners.read->track.keys.size() < 2) {
+    return;
+  }
+  const tracks::CornerTrack& track = shot.corners.read->track;
+  shot.notes.push_back(
+      fmt::format("{}: has corners for frames {:g} to {:g}; the still shows frame {}, and --at chooses "
+                  "another",
+                  track.source, track.keys.front().frame, track.keys.back().frame, shot.frames.first));
+}
+
 // Whether 8 bits would lose colour in nearly transparent pixels, where dividing by alpha magnifies the rounding. A
 // still is searched for such pixels, and kept in `read` where it has none; of a sequence it is assumed that any picture
 // with alpha has some.
@@ -303,6 +315,7 @@ Shot planShot(const RenderOptions& options, std::optional<CornersTrack> corners)
   }
   sourceOf(shot, shot.layer_size);  // says now what is wrong with it
   planEnlargement(shot, heads.layer.size);
+  noteStillFrame(shot);
   if (shot.corners.read) {
     tellNotes(resolveCorners(shot.corners, heads.layer.size, shot.frame_size).notes);
   }

@@ -231,6 +231,8 @@ TEST(OpenExrPlate, ChannelsOfFewerSamplesPassButMakeNoPicture) {
 TEST(OpenExrPlate, WhatTheFileDoesNotHoldIsNamed) {
   const TestFolder folder;
   writePlate(folder / "plate.exr", kOverscan);
+  EXPECT_EQ(nlohmann::json::parse(runWell(folder, "info --json plate.exr").out)["parts"],
+            nlohmann::json({"beauty", "depth"}));
   runWell(folder, "testcard -o card.png --size 32x24");
   const std::string render = "render card.png -o out.exr --over plate.exr ";
   expectRefused(

@@ -90,6 +90,9 @@ TEST(SequenceCommand, InputsStartAndEndWhereTheOptionsSay) {
   runWell(folder,
           "render card.png -o out.%02d.png --frames 3 --over plate.%d.jpg --over-start -1 --corners track.csv "
           "--corners-start 0");
+  EXPECT_NE(
+      run(folder, "render card.png -o still.png --corners track.csv").err.find("the still shows frame 0, and --at"),
+      std::string::npos);
   runWell(folder, "render card.png -o still.png --over plate.5.jpg --corners track.csv --at 4");
   EXPECT_EQ(difference(folder / "still.png", folder / outputName(3)), 0.0);
   // The files that are protected are those that are shown.
