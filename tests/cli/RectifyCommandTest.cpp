@@ -89,12 +89,13 @@ TEST(SourceCorners, TheFileOfCornersMovesThem) {
                    "}");
   folder.write("flat.json", "{\"from\": {" + part(40, 40) + ", " + keys + "}");
   const std::string to_refuse = shot + "e.#.png --corners ";
-  expectRefused(folder,
-                {{to_refuse + "flips.json", 3, "flips.json: from: frame 2: it and the corners must both be strictly"},
-                 {to_refuse + "flat.json", 3, "flat.json: line 1: from: makes no convex quadrilateral"},
-                 {to_refuse + "still.json --from-ul 1,1", 2, "--from-ul: cannot be given together with \"from\""},
-                 {to_refuse + "still.json --edges soft", 2, "--edges: cannot be soft with \"from\" in 'still.json'"},
-                 {"corners still.json -o still.csv", 3, "which the format csv cannot name; write json"}});
+  expectRefused(
+      folder,
+      {{to_refuse + "flips.json --frames 2", 3, "flips.json: from: frame 2: it and the corners must both be strictly"},
+       {to_refuse + "flat.json", 3, "flat.json: line 1: from: makes no convex quadrilateral"},
+       {to_refuse + "still.json --from-ul 1,1", 2, "--from-ul: cannot be given together with \"from\""},
+       {to_refuse + "still.json --edges soft", 2, "--edges: cannot be soft with \"from\" in 'still.json'"},
+       {"corners still.json -o still.csv", 2, "which the format csv cannot name; write json"}});
 }
 
 TEST(RectifyCommand, ProportionsAreEstimatedAndTold) {
