@@ -26,18 +26,26 @@ bool isWhole(double value) {
   return value == std::floor(value);
 }
 
-int neededIn(const FramePlan& plan, const ConvexPolygon& part) {
-  if (plan.is_whole_move) {
-    return 1;
-  }
-  const auto needed_at = [&](const Point& p) { return samplesForFilter(plan.inverse->derivative(p)); };
-  int needed = needed_at(part.middle());
+// Calls `look(derivative)` with the map's derivative where its extremes in a part lie, or near.
+template <typename Look>
+void lookAtDerivatives(const FramePlan& plan, const ConvexPolygon& part, const Look& look) {
+  const auto look_at = [&](const Point& p) { look(plan.inverse->derivative(p)); };
+  look_at(part.middle());
   const std::span<const Point> points = part.points();
   for (std::size_t i = 0; i < points.size(); ++i) {
     const Point& a = points[i];
     const Point& b = points[(i + 1) % points.size()];
-    needed = std::max({needed, needed_at(a), needed_at({(a.x + b.x) / 2.0, (a.y + b.y) / 2.0})});
+    look_at(a);
+    look_at({(a.x + b.x) / 2.0, (a.y + b.y) / 2.0});
   }
+}
+
+int neededIn(const FramePlan& plan, const ConvexPolygon& part) {
+  if (plan.is_whole_move) {
+    return 1;
+  }
+  int needed = 1;
+  lookAtDerivatives(plan, part, [&](const Jacobian& j) { needed = std::max(needed, samplesForFilter(j)); });
   return needed;
 }
 
@@ -144,6 +152,17 @@ int samplesFor(const FramePlan& plan, const Rect& part) {
     return 0;
   }
   return plan.samples != 0 ? plan.samples : neededIn(plan, drawn);
+}
+
+bool isStandardEnough(const FramePlan& plan, const Rect& part, int samples) {
+  // High quality alone gives a layer that is moved by whole pixels to the bit. The bilinear path knows no qualities.
+  const ConvexPolygon drawn = plan.outline.cut(boxOf(part));
+  if (plan.is_whole_move || drawn.empty()) {
+    return false;
+  }
+  bool is_enough = true;
+  lookAtDerivatives(plan, drawn, [&](const Jacobian& j) { is_enough = is_enough && hasSmallestBox(j, samples); });
+  return is_enough;
 }
 
 int mostSamplesOfScan(const FramePlan& plan) {

@@ -51,6 +51,10 @@ bool needsTiles(const FrameOptions& options, const FramePlan& plan);
 // How many samples, per axis, the pixels of a part of the plane need; 0 where the plan draws nothing.
 int samplesFor(const FramePlan& plan, const Rect& part);
 
+// Whether so many samples per axis, in a part of the plane, all take the effect's smallest box, so that standard
+// quality does for high.
+bool isStandardEnough(const FramePlan& plan, const Rect& part, int samples);
+
 // The most samples, per axis, that the pixels of any part need, for a plan on the bilinear path.
 int mostSamplesOfScan(const FramePlan& plan);
 

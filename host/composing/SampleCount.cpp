@@ -58,6 +58,12 @@ int samplesForFilter(const Jacobian& layer_per_pixel) {
   return found == kSampleCounts.end() ? kMostSamples : *found;
 }
 
+bool hasSmallestBox(const Jacobian& layer_per_pixel, int samples) {
+  constexpr double kRounding = 1e-9;  // a layer that is only moved has steps of one pixel
+  const Jacobian& j = layer_per_pixel;
+  return std::max(reach(j.xx, j.xy), reach(j.yx, j.yy)) <= samples * (1.0 + kRounding);
+}
+
 int samplesForSteps(double layer_pixels_per_output_pixel) {
   int samples = 1;
   while (samples < kMostSamples && samples < layer_pixels_per_output_pixel) {

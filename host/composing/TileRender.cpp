@@ -71,6 +71,7 @@ struct Piece {
   TileGrid grid;  // that of the tile or of a column of it, whatever is visible
   Rect visible;   // what of it is asked for, in output pixels
   Rect samples;   // what of the grid is needed for it
+  bool is_standard_enough = false;
 };
 
 // What of a grid is needed for the visible pixels: on the bilinear path with aprons.
@@ -91,9 +92,10 @@ Rect samplesFor(const TileGrid& grid, const Rect& visible, bool is_scanned) {
 // rows do not depend on each other. The bilinear scan may begin anywhere.
 template <typename Draw>
 Result<void> forEachPiece(const FramePlan& plan, const Rect& tile, int samples, const Rect& visible, const Draw& draw) {
+  const bool is_standard_enough = isStandardEnough(plan, tile, samples);
   if (plan.path == RenderPath::Bilinear) {
     const TileGrid grid = gridOf(plan, tile, samples);
-    return draw(Piece{grid, visible, samplesFor(grid, visible, true)});
+    return draw(Piece{grid, visible, samplesFor(grid, visible, true), is_standard_enough});
   }
   const int width = stripWidthFor(samples);
   for (int left = tile.left; left < tile.right; left += width) {
@@ -103,7 +105,7 @@ Result<void> forEachPiece(const FramePlan& plan, const Rect& tile, int samples, 
       continue;
     }
     const TileGrid grid = gridOf(plan, strip, samples);
-    if (Result<void> done = draw(Piece{grid, part, samplesFor(grid, part, false)}); !done) {
+    if (Result<void> done = draw(Piece{grid, part, samplesFor(grid, part, false), is_standard_enough}); !done) {
       return done;
     }
   }
@@ -132,11 +134,11 @@ PieceCanvas canvasOf(const FramePlan& plan, const Piece& piece) {
 
 // Has the module draw the canvas of a piece into `drawn`, which has its size.
 Result<void> drawSamples(const TileSetting& setting, const TileLayer& layer, const Convention& convention,
-                         const TileGrid& grid, const PieceCanvas& canvas, FrameState& frame, const ImageView& drawn) {
+                         const Piece& piece, const PieceCanvas& canvas, FrameState& frame, const ImageView& drawn) {
   frame.rows.begin(setting.module.workers, 1, setting.options.progress, setting.options.stop);
   frame.depth = drawn.depth;
   frame.placed = layer.is_on_plane ? onGrid(layer.corners, {}, 1, convention.half)
-                                   : onGrid(layer.corners, canvas.origin, grid.samples, convention.half);
+                                   : onGrid(layer.corners, canvas.origin, piece.grid.samples, convention.half);
   frame.space = convention.space;
   frame.input = worldOf(layer.pixels);
   frame.output = worldOf(drawn);
@@ -150,7 +152,8 @@ Result<void> drawSamples(const TileSetting& setting, const TileLayer& layer, con
     frame.output = worldOf(frame.guard->world());
   }
   fillParameters(&frame, setting.options.time);
-  const FrameJob job{setting.module, frame, layer.pixels.size, setting.options};
+  const FrameOptions& options = piece.is_standard_enough ? setting.standard_options : setting.options;
+  const FrameJob job{setting.module, frame, layer.pixels.size, options};
   const int left = layer.is_on_plane ? static_cast<int>(canvas.origin.x) : 0;
   const int top = layer.is_on_plane ? static_cast<int>(canvas.origin.y) : 0;
   const Result<Rect> rows = drawRows(job, {left, top, left + drawn.size.width, top + drawn.size.height}, canvas.rows);
@@ -202,7 +205,7 @@ Result<void> drawPiece(const TileSetting& setting, const FramePlan& plan, const 
   const PieceCanvas canvas = canvasOf(plan, piece);
   const ImageView part =
       partOf(drawn, canvas.on_grid.left, canvas.on_grid.top, {canvas.on_grid.width(), canvas.on_grid.height()});
-  return drawSamples(setting, layer, convention, piece.grid, canvas, worker.frame, part).map([&] {
+  return drawSamples(setting, layer, convention, piece, canvas, worker.frame, part).map([&] {
     finishPiece(plan, piece, convention.half, drawn, target);
   });
 }

@@ -8,10 +8,11 @@ namespace vantorel::host {
 // What all tiles of a frame share.
 struct TileSetting {
   const ModuleState& module;
-  std::span<const FramePlan> moments;  // one or more
-  const FrameOptions& options;         // those of the tiles: one thread, no progress, full resolution
-  ImageView layer;                     // as the perspective path sees it
-  ImageView scanned_layer;             // as the bilinear path sees it, in 16 bits perhaps when the output is in 8
+  std::span<const FramePlan> moments;    // one or more
+  const FrameOptions& options;           // those of the tiles: one thread, no progress, full resolution
+  const FrameOptions& standard_options;  // the same at standard quality
+  ImageView layer;                       // as the perspective path sees it
+  ImageView scanned_layer;               // as the bilinear path sees it, in 16 bits perhaps when the output is in 8
   Rect canvas;
   Rect reached;  // what of the canvas the picture can reach
   ImageView output;

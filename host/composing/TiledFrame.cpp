@@ -82,7 +82,14 @@ void TileStore::giveBack(TileWorker& worker) {
 }
 
 TiledFrame::TiledFrame(const ModuleState& module, TileStore& store, const FrameOptions& options, const ImageView& layer)
-    : module_(module), store_(store), tile_options_(tileOptions(options)), layer_(layer), scanned_layer_(layer) {}
+    : module_(module),
+      store_(store),
+      tile_options_(tileOptions(options)),
+      standard_options_(tile_options_),
+      layer_(layer),
+      scanned_layer_(layer) {
+  standard_options_.quality = Quality::Standard;
+}
 
 Result<void> TiledFrame::draw(RowScheduler& scheduler, const Rect& canvas, const ImageView& output) {
   canvas_ = canvas;
@@ -172,8 +179,9 @@ std::int32_t TiledFrame::runTile(const void* self, std::int32_t index) {
 }
 
 Result<void> TiledFrame::drawTile(const Tile& tile, TileWorker& worker) const {
-  return host::drawTile({module_, store_.plans, tile_options_, layer_, scanned_layer_, canvas_, reached_, output_},
-                        tile, worker);
+  return host::drawTile(
+      {module_, store_.plans, tile_options_, standard_options_, layer_, scanned_layer_, canvas_, reached_, output_},
+      tile, worker);
 }
 
 }  // namespace vantorel::host

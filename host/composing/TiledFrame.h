@@ -60,6 +60,7 @@ class TiledFrame {
   const ModuleState& module_;
   TileStore& store_;
   FrameOptions tile_options_;
+  FrameOptions standard_options_;
   ImageView layer_;
   ImageView scanned_layer_;  // for the bilinear path
   int enlargement_ = 0;      // of that; 0 when there is none

@@ -71,5 +71,13 @@ TEST(SampleCountTest, StepsOfAtMostALayerPixel) {
   EXPECT_EQ(8, samplesForSteps(100.0));
 }
 
+TEST(SampleCountTest, TheBoxIsTheSmallestWhereNoNeighbourLiesFartherThanALayerPixel) {
+  EXPECT_TRUE(hasSmallestBox({1.0, 0.0, 0.0, 1.0}, 1));
+  EXPECT_FALSE(hasSmallestBox({1.0, 0.0, 0.0, 1.01}, 1));
+  EXPECT_TRUE(hasSmallestBox({1.0, 0.0, 0.0, 1.01}, 2));
+  EXPECT_FALSE(hasSmallestBox({0.7, 0.7, -0.7, 0.7}, 1));  // the diagonal neighbour lies 1.4 to the right
+  EXPECT_TRUE(hasSmallestBox({0.7, -0.7, 0.2, 0.1}, 1));
+}
+
 }  // namespace
 }  // namespace vantorel::host
