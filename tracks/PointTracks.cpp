@@ -49,7 +49,7 @@ void sortKeys(PointTrack& point, std::string_view file) {
 using Roles = std::array<std::size_t, kCornerCount>;  // for each corner, which point it is
 constexpr std::size_t kNoPoint = std::numeric_limits<std::size_t>::max();
 
-// The points whose names tell a corner, if all four corners are told once.
+// The points whose names say a corner, if each corner is named exactly once.
 bool rolesByName(const std::vector<PointTrack>& points, Roles& roles) {
   roles.fill(kNoPoint);
   for (std::size_t p = 0; p < points.size(); ++p) {

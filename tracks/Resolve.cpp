@@ -164,7 +164,7 @@ class Resolver {
   }
 
   void repairOrder() {
-    // Points that belong to source corners are told by these, not by where they are.
+    // Points that belong to source corners are recognised by these, not by where they are.
     const bool told = !track().source_keys.empty() ||
                       (track().from.has_value() && (track().inverted || !isWholeLayer(*track().from)));
     result_.order = options_.order ? *options_.order : (told ? kAsWritten : bestOrder(track().keys));

@@ -24,7 +24,7 @@ struct ResolveOptions {
 struct ResolvedTrack {
   CornerTrack track;               // pixels of the output from the upper left, every key complete
   CornerOrder order = kAsWritten;  // how the points were put in order
-  std::vector<std::string> notes;  // what was assumed, repaired and found, each to be told once
+  std::vector<std::string> notes;  // what was assumed, repaired and found, each to be reported once
 };
 
 // Source keys become pixels of the layer, whatever picture the corners' positions count by.

@@ -36,7 +36,7 @@ struct ReadOptions {
 struct ReadTrack {
   CornerTrack track;  // as the file says it, in the file's conventions
   const Format* format = nullptr;
-  std::vector<std::string> notes;  // what was left out or taken for granted, each to be told once
+  std::vector<std::string> notes;  // what was left out or taken for granted, each to be reported once
 };
 
 // Reads one file with four points, or four files of one format with a point each, in the order ul, ur, ll, lr unless

@@ -7,7 +7,7 @@ namespace vantorel::quality {
 
 namespace {
 
-// The settings that are measured; `high` is what times are told in.
+// The settings that are measured; times are given relative to `high`.
 struct Setting {
   const char* name;
   host::FrameOptions options;

@@ -1,4 +1,4 @@
-// Everything that is measured, and how it is told.
+// Everything that is measured, and how it is reported.
 #pragma once
 
 #include <map>

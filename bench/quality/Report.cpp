@@ -6,7 +6,7 @@ namespace vantorel::quality {
 
 namespace {
 
-// The column in whose times the others are told.
+// The column whose times the others are divided by.
 constexpr const char* kTimesColumn = "high";
 
 // A table of the columns that any of the rows has figures for; empty without rows.

@@ -33,7 +33,7 @@ struct Parameters {
 
 inline constexpr int kParameterCount = 11;
 
-// What the host is told of a parameter; its index is 0 to kParameterCount - 1.
+// What the host learns of a parameter; its index is 0 to kParameterCount - 1.
 f0r_param_info_t parameterInfo(int index);
 
 // Takes the value that `value` points to, of the type that parameterInfo names. An unknown quality, a null pointer and

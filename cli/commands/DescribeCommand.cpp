@@ -48,7 +48,7 @@ const char* orientationName(int orientation) {
   return kNames[orientation - 1];
 }
 
-// All that is told of a file.
+// Everything that is reported of a file.
 struct Description {
   PictureHeader header;
   PictureInfo info;

@@ -128,12 +128,12 @@ void planFiles(Shot& shot) {
   if (!options.plate.empty()) {
     shot.plate_files = inputFiles("--over", options.plate, options.plate_start, "--over-start", shot);
   } else if (options.plate_start) {
-    throw badArgument("--over-start", "tells of the plate; name one with --over, or omit it");
+    throw badArgument("--over-start", "applies to the plate; name one with --over, or omit it");
   }
   if (!options.matte.empty()) {
     shot.matte_files = inputFiles("--matte", options.matte, options.matte_start, "--matte-start", shot);
   } else if (options.matte_start) {
-    throw badArgument("--matte-start", "tells of the matte; name one with --matte, or omit it");
+    throw badArgument("--matte-start", "applies to the matte; name one with --matte, or omit it");
   }
   if (shot.format != nullptr) {
     requireEncodingHeld(*shot.format, options.encoding);

@@ -32,17 +32,18 @@ void refuseContradictions(const RenderOptions& options) {
     }
   }
   if (options.track.files.empty() && !options.track.first_option.empty()) {
-    throw badArgument(options.track.first_option, "tells of the file of corners; name one with --corners, or omit it");
+    throw badArgument(options.track.first_option,
+                      "applies to the file of corners; name one with --corners, or omit it");
   }
   if (options.colour.raw && (options.linear || !options.colour.first_option.empty())) {
     throw badArgument("--raw", fmt::format("cannot be given together with {}; omit one of them",
                                            options.linear ? "--linear" : options.colour.first_option));
   }
   if (!options.colour.plate.empty() && options.plate.empty()) {
-    throw badArgument("--colorspace-over", "tells of the plate; name one with --over, or omit it");
+    throw badArgument("--colorspace-over", "applies to the plate; name one with --over, or omit it");
   }
   if (options.at && options.track.files.empty()) {
-    throw badArgument("--at", "tells of the file of corners; name one with --corners, or omit it");
+    throw badArgument("--at", "applies to the file of corners; name one with --corners, or omit it");
   }
   if (options.at && options.frames) {
     throw badArgument("--at", "is for stills; omit it, or omit --frames");
@@ -268,7 +269,7 @@ void planPictures(Shot& shot, const FrameHeads& heads, ReadStills& read) {
   }
 }
 
-// As far as memory reaches; what it does not allow is told.
+// As far as memory reaches; what it does not allow is reported.
 void planEnlargement(Shot& shot, host::Size layer) {
   if (!shot.options.enlarge) {
     return;

@@ -20,7 +20,7 @@ struct FrameState {
   const AnimatedCorners* corners = nullptr;
   const AnimatedCorners* source = nullptr;  // what of the layer goes onto the corners; null for all of it
   int downsample = 1;
-  // What the module is told instead, at whatever time, in pixels of the frame's resolution.
+  // What the module receives instead, at whatever time, in pixels of the frame's resolution.
   std::optional<Corners> placed;
   SampleSpace space = SampleSpace::Centres;
 

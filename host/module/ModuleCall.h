@@ -16,7 +16,7 @@ class ModuleCall {
   ModuleCall(const ModuleCall&) = delete;
   ModuleCall& operator=(const ModuleCall&) = delete;
 
-  // Adds what frame commands are told: the layer's full size, the time, the quality and the resolution.
+  // Adds what frame commands receive: the layer's full size, the time, the quality and the resolution.
   void setFrame(Size layer_size, const FrameOptions& options);
 
   // Sends the command. An error when the module returns one (with its message where it has one), when the frame was

@@ -28,9 +28,9 @@ VANTOREL_INLINE constexpr std::int32_t fromCentres(std::int32_t position) {
 }
 
 // Whether a box lies so far outside of [0, size) pixels along one axis that no part of the layer can show in its pixel.
-// A pixel's centre is at most half its image away from what shows in it, an image that the radius tells of: half of its
-// extent, but at most 8 pixels, which tells nothing, and always half a pixel at standard quality, where what is shrunk
-// by more than about 24 times can lose its edge pixels' colour.
+// A pixel's centre is at most half its image away from what shows in it, an image whose size the radius gives: half of
+// its extent, but at most 8 pixels, which tells nothing, and always half a pixel at standard quality, where what is
+// shrunk by more than about 24 times can lose its edge pixels' colour.
 VANTOREL_INLINE bool liesOutOfReach(std::int32_t centre, std::int32_t radius, std::int32_t size) {
   constexpr std::int32_t kLargestRadius = 8 * kFixedOne;
   const std::int64_t reach = radius > kOnePixel / 2 ? 3 * std::int64_t{radius} + kOnePixel : 17 * kOnePixel;

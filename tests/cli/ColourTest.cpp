@@ -167,7 +167,7 @@ TEST(Colour, EqualSpacesKeepEveryBit) {
   EXPECT_NE(run(folder, render + " --raw").err.find("(--raw)"), std::string::npos);
 }
 
-// The colour space that `info` tells of the file, and by what.
+// The colour space that `info` reports for the file, and why.
 std::string told(const TestFolder& folder, const std::string& file, const std::string& options = "") {
   const nlohmann::json told = nlohmann::json::parse(runWell(folder, "info --json " + file + options).out);
   return told["colour_space"].get<std::string>() + " by " + told["colour_space_by"].get<std::string>();
@@ -257,7 +257,7 @@ TEST(Colour, WhatCannotBeConvertedIsRefusedAndNothingWritten) {
                     {render, 3, "vantorel: none.ocio: given by $OCIO, ", "OCIO=none.ocio; export OCIO;"},
                     {render + "--colorspace-layer sRBG", 2, "--colorspace-layer: 'sRBG' is not a known colour space"},
                     {render + "--ocio aces.ocio --colorspace-out sRBG", 2, "--colorspace-out: 'sRBG' is neither"},
-                    {render + "--colorspace-over srgb", 2, "--colorspace-over: tells of the plate"},
+                    {render + "--colorspace-over srgb", 2, "--colorspace-over: applies to the plate"},
                     {render + "--raw --linear", 2, "--raw: cannot be given together with --linear"},
                     {render + "--raw --ocio aces.ocio", 2, "--raw: cannot be given together with --ocio"},
                     {"render broken.tif -o out.tif", 3, profile_is_broken},

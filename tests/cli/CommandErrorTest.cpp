@@ -72,7 +72,7 @@ TEST(CommandError, Arguments) {
           {still + "--over card.png --size 10x10", 2, "--size: 10x10 is not the plate's size, 64x48"},
           {still + "--over card.png --fit", 2, "--fit: cannot be given together with --over"},
           {still + "--corners track.csv --ul 1,1", 2, "--ul: cannot be given together with --corners"},
-          {still + "--corners-gap 3", 2, "--corners-gap: tells of the file of corners"},
+          {still + "--corners-gap 3", 2, "--corners-gap: applies to the file of corners"},
           {"testcard -o out.png --size 1000001x1", 2, "PNG holds 1000000 in a side"},
           {still + "--downsample 0", 2, "--downsample"},
           {still + "--crop 1,2,3", 2, "--crop: '1,2,3' is not a crop; give what to cut from the left, the top"},

@@ -1,4 +1,4 @@
-// Stills, the test card and what the effect tells of itself, through the built command.
+// Stills, the test card and what the effect says of itself, through the built command.
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// From a file's numbers to the picture's pixels, and what is told on the way.
+// From a file's numbers to the picture's pixels, and what is reported on the way.
 #include "tracks/Resolve.h"
 
 #include <gtest/gtest.h>

@@ -21,7 +21,7 @@ class RenderJob {
   ~RenderJob();
 
   // Starts to render, with that track. False where a rendering is under way. What is wrong with the options or the
-  // files is told by state().
+  // files is what state() says.
   bool start(const cli::RenderOptions& options, const tracks::CornerTrack& track);
   void cancel();
 

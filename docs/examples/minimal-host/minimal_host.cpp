@@ -132,7 +132,7 @@ static std::int32_t acquireSuite(const char* name, std::int32_t version, const v
   return known ? ERR_NONE : ERR_SUITE_UNAVAILABLE;
 }
 
-// What every command is told. Nothing here needs to be given back or set down.
+// What every command receives. Nothing here needs to be given back or set down.
 static PF_InData makeInData(PF_ParamDef* values, PF_UtilityCallbacks* utilities, PF_SuiteProvider* suites) {
   utilities->sample_area_8 = sampleArea8;
   utilities->fill = fill;
