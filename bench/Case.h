@@ -1,4 +1,4 @@
-// What is measured, as the benchmark library knows it.
+// Registers measurements with the benchmark library.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// The components of a frame, each measured alone.
+// The components of a frame, each measured on its own.
 #pragma once
 
 #include "bench/Case.h"

@@ -12,7 +12,7 @@ namespace vantorel::bench {
 // A workload prepared for a peer.
 struct Drawing {
   std::function<void()> run;  // what is measured
-  // Copies the result into the shared canvas; empty where `run` draws there itself.
+  // Copies the result into the shared canvas; empty if `run` draws there itself.
   std::function<void()> deliver;
 };
 

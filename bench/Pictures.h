@@ -15,7 +15,7 @@ host::ConstImageView picture(host::Size size, host::Depth depth);
 // An output of that size and depth, cleared when it is made. Later calls return the same memory.
 host::ImageView canvas(host::Size size, host::Depth depth);
 
-// Makes the workload's picture and canvas, so that no measurement includes the time for it.
+// Creates the workload's picture and canvas in advance, so that no measurement includes the time for it.
 void preparePictures(const Workload& workload, host::Depth depth);
 
 }  // namespace vantorel::bench

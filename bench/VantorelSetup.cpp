@@ -35,7 +35,7 @@ void addPreRender(const Effort& effort, const std::shared_ptr<const host::Module
                }});
 }
 
-// Seconds that the last of so many frames of a new instance takes.
+// The time in seconds of the last of `frames` frames of a new instance.
 double lastFrame(const std::shared_ptr<const host::Module>& module, const Workload& workload, host::Depth depth,
                  int frames) {
   host::Instance instance = instanceFor(module, workload);

@@ -18,12 +18,12 @@ struct Workload {
   bool perspective = true;  // convex, so that the effect's perspective renderer draws it
 };
 
-// The canvas sizes that every workload but the minifying one is measured at.
+// The canvas sizes at which all workloads except the minifying one are measured.
 inline constexpr host::Size kHd{1920, 1080};
 inline constexpr host::Size kUhd{3840, 2160};
 
-// Every workload at 1920x1080 (factor 1) or 3840x2160 (factor 2). The minifying workload has sizes of its own and is
-// there at factor 1 only.
+// Every workload at 1920x1080 (factor 1) or 3840x2160 (factor 2). The minifying workload has its own sizes and exists
+// only at factor 1.
 std::vector<Workload> workloadsAt(int factor);
 
 // One workload at 1920x1080.

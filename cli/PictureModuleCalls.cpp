@@ -1,4 +1,4 @@
-// The picture commands as the executable has them: each loads the module and calls the one there.
+// The picture commands of the executable: each loads the module and calls its function there.
 #include "cli/commands/PictureCommands.h"
 
 namespace vantorel::cli {

@@ -28,8 +28,8 @@ int failForLackOfThreads(const std::system_error& error) {
   return static_cast<int>(ExitCode::EffectFailed);
 }
 
-// For exceptions that nothing can catch: those of a library's own thread, or thrown while a library is loaded, as
-// libraries of picture formats start threads and allocate memory then.
+// For exceptions that cannot be caught: those thrown on a library's own thread or while a library is being loaded
+// (picture format libraries start threads and allocate memory then).
 [[noreturn]] void endWithMessage() {
   int code = static_cast<int>(ExitCode::EffectFailed);
   try {
@@ -42,8 +42,8 @@ int failForLackOfThreads(const std::system_error& error) {
   } catch (const std::system_error& error) {
     code = failForLackOfThreads(error);
   } catch (const std::bad_alloc&) {
-    code = failWithMessage("out of memory; raise the limit on it (ulimit -v) or close other programs",
-                           ExitCode::EffectFailed);
+    code =
+        failWithMessage("out of memory; raise its limit (ulimit -v) or close other programs", ExitCode::EffectFailed);
   } catch (const std::exception& error) {
     code = failWithMessage(error.what(), ExitCode::EffectFailed);
   } catch (...) {
@@ -52,8 +52,8 @@ int failForLackOfThreads(const std::system_error& error) {
   _exit(code);
 }
 
-// Pictures go back to the system as they are freed. Left to itself, the allocator would keep them in its heap, which a
-// long sequence fragments further with every frame.
+// Makes the allocator return a picture's memory to the system when it is freed. By default it would keep it in its
+// heap, which a long sequence fragments more with every frame.
 void returnPicturesWhenFreed() {
   constexpr int kSmallestPicture = 1 << 20;
   mallopt(M_MMAP_THRESHOLD, kSmallestPicture);

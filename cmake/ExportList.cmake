@@ -1,4 +1,4 @@
-# What a shared library exports is stated by name, once; everything else stays hidden, whatever its visibility.
+# A shared library exports exactly the symbols in a list; everything else stays hidden, whatever its visibility.
 
 # vantorel_read_export_list(VARIABLE FILE): VARIABLE = the names in FILE, one a line.
 function(vantorel_read_export_list variable file)

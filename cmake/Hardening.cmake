@@ -1,8 +1,8 @@
-# What a fault in memory meets in programs and modules that strangers' files are given to.
+# Hardening of programs and modules that read untrusted files.
 #
-# Relocations are read-only before anything runs, everywhere. The flags of the compiler take a rebuild, so that they have
-# a switch; the preset "package" sets it. Control-flow protection is left out: Debian's start-up objects are not marked
-# for it, so that the loader would not turn it on.
+# Relocations are always made read-only at start. The compiler flags cost speed and are therefore optional; the preset
+# "package" sets them. Control-flow protection is left out: Debian's start-up objects are not marked for it, so the
+# loader would not enable it.
 option(VANTOREL_HARDEN "Compile with the stack protector and checked library calls" OFF)
 
 if(NOT VANTOREL_SANITIZE)

@@ -1,12 +1,14 @@
-# Which folder may include which is stated by the targets: a header is included by its path from the top of the tree
-# ("support/PF_HostRecords.h"), and a target sees only the folders whose views it links. A view is a folder in the build
-# tree that holds a link to one source folder (or to single headers of one).
+# Restricts which folders a target may include. A header is included by its path from the top of the tree
+# ("support/PF_HostRecords.h"), and a target finds only the folders whose views it links. A view is a folder in the
+# build tree that contains a symbolic link to one source folder (or to single headers of it).
 
-# vantorel_view(NAME FOLDER [HEADER...]): the interface target NAME shows FOLDER, or only the named headers of it.
+# vantorel_view(NAME FOLDER [HEADER...]): the interface target NAME gives access to FOLDER, or only to the named headers
+# in it.
 function(vantorel_view name folder)
   set(root ${CMAKE_BINARY_DIR}/views/${name})
   set(source ${PROJECT_SOURCE_DIR}/${folder})
-  # A view begins anew: a link left of the whole folder would have links to single headers made in the source itself.
+  # Start from an empty view: if a link to the whole folder were left over, links to single headers would be created
+  # inside the source tree.
   file(REMOVE_RECURSE ${root})
   if(ARGN)
     foreach(header IN LISTS ARGN)

@@ -1,8 +1,9 @@
-# How a library is found by the programs that use it once it is installed.
+# Lets programs find an installed library through CMake and pkg-config.
 include(CMakePackageConfigHelpers)
 
 # vantorel_install_package(NAME COMPONENT): installs the CMake package NAME, which holds the targets of the export set
-# NAME, and the pkg-config file. The folder holds NAMEConfig.cmake.in and NAME.pc.in. The installed tree can be moved.
+# NAME, and the pkg-config file. The current folder must contain NAMEConfig.cmake.in and NAME.pc.in. The installed tree
+# can be moved.
 function(vantorel_install_package name component)
   set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/${name})
   install(EXPORT ${name} FILE ${name}Targets.cmake NAMESPACE vantorel:: DESTINATION ${package_dir}
@@ -14,7 +15,7 @@ function(vantorel_install_package name component)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}Config.cmake ${CMAKE_CURRENT_BINARY_DIR}/${name}ConfigVersion.cmake
           DESTINATION ${package_dir} COMPONENT ${component})
 
-  # pkg-config's file gives the prefix relative to itself.
+  # The pkg-config file gives the prefix relative to its own folder.
   if(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
     set(pc_prefix ${CMAKE_INSTALL_PREFIX})
   else()

@@ -1,5 +1,5 @@
-# Finds OpenImageIO. Debian's package names the folder of OpenCV's headers among its own, which only one header of its
-# needs, and which CMake refuses where that package is not installed: folders that do not exist are left out.
+# Finds OpenImageIO. Debian's package lists OpenCV's include folder as one of its own, although only one of its headers
+# needs it. CMake would refuse it if OpenCV is not installed, so folders that do not exist are removed.
 find_package(OpenImageIO REQUIRED)
 
 get_target_property(openimageio_folders OpenImageIO::OpenImageIO INTERFACE_INCLUDE_DIRECTORIES)

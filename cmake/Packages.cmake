@@ -1,10 +1,10 @@
-# Debian packages, one a component: cmake --preset package, cmake --build --preset package, cpack --preset package.
-# A further component needs a call of vantorel_package below and nothing else.
+# Debian packages, one per component: cmake --preset package, cmake --build --preset package, cpack --preset package. To
+# add a package for another component, add a call of vantorel_package below.
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME vantorel)
 set(VANTOREL_MAINTAINER "Vantorel developers <developers@vantorel.example>" CACHE STRING
-    "Whom the Debian packages name as their maintainer")
+    "The maintainer field of the Debian packages")
 set(CPACK_PACKAGE_CONTACT "${VANTOREL_MAINTAINER}")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
@@ -17,20 +17,20 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-# Whatever the mask of who builds them.
+# Independent of the umask of the user who builds them.
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
-# What every package holds beside its component: copyright and changelogs.
+# The files that every package contains in addition to its component: copyright and changelogs.
 set(VANTOREL_PACKAGE_TEXTS ${CMAKE_CURRENT_LIST_DIR}/packages)
-string(TIMESTAMP package_date "%a, %d %b %Y %H:%M:%S +0000" UTC)  # of SOURCE_DATE_EPOCH where that is set
+string(TIMESTAMP package_date "%a, %d %b %Y %H:%M:%S +0000" UTC)  # that of SOURCE_DATE_EPOCH if set
 configure_file(${VANTOREL_PACKAGE_TEXTS}/changelog.in ${PROJECT_BINARY_DIR}/changelog.Debian @ONLY)
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_BINARY_DIR}/FinishPackages.cmake)
 configure_file(${VANTOREL_PACKAGE_TEXTS}/FinishPackages.cmake.in ${CPACK_PRE_BUILD_SCRIPTS} @ONLY)
 
-# vantorel_package(COMPONENT NAME SECTION SUMMARY LINE... [EVERY_MACHINE] [FIELD VALUE]...): the package NAME of what is
-# installed as COMPONENT, described in lines of up to 79 characters. A field is DEPENDS (beside what dpkg-shlibdeps
-# finds), ENHANCES or SUGGESTS. With EVERY_MACHINE the files are the same on every architecture.
+# vantorel_package(COMPONENT NAME SECTION SUMMARY LINE... [EVERY_MACHINE] [FIELD VALUE]...): makes the package NAME from
+# COMPONENT; each LINE of the description has up to 79 characters. FIELD is DEPENDS (in addition to what dpkg-shlibdeps
+# finds), ENHANCES or SUGGESTS. EVERY_MACHINE says that the files are the same on every architecture.
 macro(vantorel_package component name section summary)
   set(fields DEPENDS ENHANCES SUGGESTS)
   cmake_parse_arguments(PACKAGE "EVERY_MACHINE" "${fields}" "" ${ARGN})
@@ -52,7 +52,7 @@ endmacro()
 
 vantorel_package(command vantorel graphics
   "four-point warp of pictures and tracked shots"
-  "Takes the four corners of a picture to any four points, in true perspective:"
+  "Moves the four corners of a picture to any four points, in true perspective:"
   "screen replacement, sign and billboard inserts, matching a planar track. The"
   "command renders stills and sequences over a plate, from the corners that many"
   "trackers write. The effect itself comes as a module that hosts load."
@@ -65,7 +65,7 @@ vantorel_package(docs vantorel-doc doc
   EVERY_MACHINE)
 vantorel_package(records vantorel-dev devel
   "records of the interface between Vantorel and its hosts"
-  "The header that a program of its own needs to load the effect: every record,"
+  "The header that a program needs to load the effect by itself: every record,"
   "callback, suite, flag, command and error code. For programs in C++ that have"
   "no interface to effects yet, libvantorel-host-dev does all of this."
   DEPENDS libvantorel-math-dev SUGGESTS "vantorel, vantorel-doc" EVERY_MACHINE)
@@ -105,7 +105,7 @@ if(TARGET vantorel_python)
   math(EXPR next_python_minor "${VANTOREL_PYTHON_MINOR} + 1")
   vantorel_package(python python3-vantorel python
     "four-point warp for NumPy pictures"
-    "Takes the corners of NumPy pictures to any four points, in true perspective:"
+    "Moves the corners of NumPy pictures to any four points, in true perspective:"
     "8 bit, 16 bit and float, grey, RGB and RGBA, with any strides. Reads the files"
     "of many trackers. The effect is linked in."
     DEPENDS "python3 (>= 3.${VANTOREL_PYTHON_MINOR}), python3 (<< 3.${next_python_minor}), python3-numpy")

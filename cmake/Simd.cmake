@@ -1,7 +1,7 @@
 # The files that are compiled once per instruction set, and the flags of each set, which platform/Cpu.h names.
 
 set(VANTOREL_AVX2_FLAGS -mavx2 -mfma)
-# GCC 12's own header for AVX-512 warns of uninitialised variables that it leaves so on purpose.
+# GCC 12's AVX-512 header causes warnings about variables that it deliberately leaves uninitialised.
 set(VANTOREL_AVX512_FLAGS ${VANTOREL_AVX2_FLAGS} -mavx512f -mavx512dq -mavx512vl -mavx512bw -mavx512ifma
                           -mprefer-vector-width=512)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")

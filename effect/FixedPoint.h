@@ -5,7 +5,7 @@
 
 #include "support/FixedUnits.h"
 
-// A whole number of pixels as 16.16, without its bits above the 32nd.
+// A whole number of pixels as 16.16; bits shifted beyond the 32nd are lost.
 constexpr std::int32_t fixedFromInt(std::int32_t pixels) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(pixels) << 16);
 }
@@ -24,6 +24,6 @@ constexpr std::int32_t fixedFloor(std::int32_t value) {
 // A zero divisor saturates with a's sign.
 std::int32_t FixedDiv(std::int32_t a, std::int32_t b);
 
-// The 16.16 value a * b / c, computed in single precision: numbers of magnitude 256.0 and more lose their lowest bits.
+// The 16.16 value a * b / c, computed in single precision: numbers of magnitude 256.0 and above lose their lowest bits.
 // A result outside the 32-bit range, an infinity or a NaN (c = 0) gives -2147483648, whatever its sign.
 std::int32_t KZ_FixMulDiv(std::int32_t a, std::int32_t b, std::int32_t c);

@@ -8,7 +8,7 @@
 
 namespace {
 
-// The box, a pixel wider on every side, cut to the hint.
+// The box, extended by a pixel on every side and clipped to the hint.
 M_FloatRect outputRect(const M_FloatRect& box, const M_LRect& hint) {
   const M_FloatRect wide(box.left - 1.0, box.top - 1.0, box.right + 1.0, box.bottom + 1.0);
   return {wide.left > hint.left ? wide.left : hint.left, wide.top > hint.top ? wide.top : hint.top,

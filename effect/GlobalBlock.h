@@ -7,7 +7,7 @@
 #include "support/PF_HostRecords.h"
 
 struct GlobalBlock {
-  void* string_table;  // the reference that the string table's registration left behind
+  void* string_table;  // the reference returned when the string table was registered
 };
 
 static_assert(sizeof(GlobalBlock) == 8);

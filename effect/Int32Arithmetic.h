@@ -1,4 +1,4 @@
-// 32-bit sums and products that wrap.
+// 32-bit sums, differences and products that wrap on overflow.
 #pragma once
 
 #include <cstdint>

@@ -14,7 +14,8 @@ constexpr long kMinorVersion = 0;
 
 constexpr std::uint32_t kCapabilities = OUT_FLAG_USES_EXTENT_HINT | OUT_FLAG_SETS_OUTPUT_SIZE | OUT_FLAG_16BIT_WORLDS;
 
-// A zeroed global block from the host's allocator or, where it has none, from the platform's; null without memory.
+// A zeroed global block from the host's allocator or, if the host has none, from the platform's; null when out of
+// memory.
 PF_Handle newGlobalBlock(const PF_UtilityCallbacks& utilities) {
   const PF_Handle handle =
       utilities.new_handle != nullptr ? utilities.new_handle(sizeof(GlobalBlock)) : NewHandle(sizeof(GlobalBlock));

@@ -44,8 +44,8 @@ void shift(M_FixedPoint* point, std::int32_t offset_x, std::int32_t offset_y) {
   point->y = wrapAdd(point->y, fixedFromInt(offset_y));
 }
 
-// Reads one parameter's value at the current time: checks it out, hands it to `read`, checks it in. A failed checkout
-// is returned at once, without `read` and without a check-in.
+// Reads one parameter's value at the current time: checks it out, hands it to `read`, checks it in. If the checkout
+// fails, its error is returned without calling `read` or checking in.
 template <typename Read>
 std::int32_t withCheckedOutPoint(PF_InData* in_data, std::int32_t index, Read read) {
   PF_ParamDef definition{};
@@ -58,7 +58,7 @@ std::int32_t withCheckedOutPoint(PF_InData* in_data, std::int32_t index, Read re
   return in_data->checkin_param(in_data->effect_ref, &definition);
 }
 
-// Reads all corners with `read_point`, and shifts them when all are read.
+// Reads the corners with `read_point`, and shifts them once all have been read.
 template <typename Point>
 std::int32_t readCorners(PF_InData* in_data, std::int32_t (*read_point)(PF_InData*, std::int32_t, Point*),
                          Point* corners, std::int32_t offset_x, std::int32_t offset_y) {

@@ -7,7 +7,7 @@
 namespace {
 
 constexpr double kShortestEdge = 1e-12;
-constexpr double kStraightCorner = 0.01;  // how near to 1 the cosine of a nearly straight corner's turn is
+constexpr double kStraightCorner = 0.01;  // how close to 1 the cosine of a turn is at a nearly straight corner
 
 bool isStrictlyConvex(M_Vector2T<double>* p) {
   const std::int32_t turn = CCW(&p[0], &p[1], &p[2]);

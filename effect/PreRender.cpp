@@ -17,9 +17,9 @@ std::int32_t checkOutWholeLayer(PF_InData* in_data, const PF_PreRenderExtra* ext
                                           in_data->current_time, in_data->time_step, in_data->time_scale, checkout);
 }
 
-// True when the delivered rectangle is a buffer in pixels of the current resolution that holds the whole layer where
-// PF_InData says: hosts that answer with the request itself, at full resolution, or with a part of the layer do not
-// tell the buffer's size.
+// Whether the delivered rectangle is that of the input buffer: in pixels of the current resolution, with the whole
+// layer in it at the origin given by PF_InData. Some hosts return the request itself, at full resolution, or only part
+// of the layer, from which the buffer's size cannot be known.
 bool tellsBufferSize(const PF_InData* in_data, const M_LRect& delivered) {
   const bool is_request = delivered.left == 0 && delivered.top == 0 && delivered.right == in_data->width &&
                           delivered.bottom == in_data->height;
@@ -29,7 +29,7 @@ bool tellsBufferSize(const PF_InData* in_data, const M_LRect& delivered) {
          delivered.bottom >= layer.height;
 }
 
-// The corners' bounding box, widened by a pixel and truncated toward zero.
+// The corners' bounding box, extended by a pixel on every side and truncated toward zero.
 M_LRect widenedBounds(const M_Vector2T<double>* corners) {
   const M_FloatRect box = cornerBounds(corners);
   return {int32FromDouble(box.left - 1.0), int32FromDouble(box.top - 1.0), int32FromDouble(box.right + 1.0),

@@ -39,7 +39,8 @@ M_Matrix3 mapFromUnitSquare(const M_Vector2T<double>* q) {
   return map;
 }
 
-// The adjugate of rows (a, d, g), (b, e, h), (c, f, i): the inverse up to a factor, which a projective map ignores.
+// The adjugate of the matrix with rows (a, d, g), (b, e, h), (c, f, i): its inverse up to a factor, which does not
+// matter in a projective map.
 M_Matrix3 adjugate(const M_Matrix3& map) {
   const double a = map.m[0][0];
   const double d = map.m[0][1];
@@ -64,8 +65,8 @@ M_Matrix3 adjugate(const M_Matrix3& map) {
   return result;
 }
 
-// True when the three points span a triangle: their cross product exceeds what the rounding of the coordinates, each to
-// within epsilon of its axis's largest one, can make of zero.
+// True when the three points span a triangle: their cross product is larger than rounding alone could make it for
+// collinear points. Each coordinate is assumed to be off by up to epsilon times the largest one on its axis.
 bool spanTriangle(const M_Vector2T<double>& p, const M_Vector2T<double>& q, const M_Vector2T<double>& r) {
   const double dx1 = q.x - p.x;
   const double dy1 = q.y - p.y;

@@ -16,7 +16,7 @@ namespace {
 // How far the reject box reaches beyond the corner points, in output pixels.
 constexpr double kRejectMargin = 5.0;
 
-// One pixel per row: the row samplers draw whole rows.
+// One pixel wide, since each call of a row sampler draws a whole row.
 M_LRect iterationArea(PF_LayerDef* output) {
   const M_LRect& extent = M_RemoveUnionableness(output->extent_hint);
   return {0, M_Max(extent.top, 0), 1, M_Min(extent.bottom, output->height)};
@@ -31,13 +31,14 @@ void fillSizes(const PF_InData* in_data, PF_LayerDef* input, const PF_LayerDef* 
   info->effect_ref = in_data->effect_ref;
 }
 
-// Fills the map, the reject box and the scales from the corner points, which it shifts: the row samplers step by a
-// pixel before they evaluate, so that output pixel (x, y) is mapped as the point (x, y) of the unshifted quadrilateral.
+// Fills the map, the reject box and the scales from the corner points. It shifts the points right by a pixel because
+// the row samplers step by a pixel before they evaluate: output pixel (x, y) is thus mapped as the point (x, y) of the
+// unshifted quadrilateral.
 void fillGeometry(const PF_LayerDef* input, M_Vector2T<double>* points, KZFX_PerspectiveInfo* info) {
   for (int i = 0; i < 4; ++i) {
     points[i].x += 1.0;
   }
-  // A quadrilateral without a map leaves the zero matrix, through which every pixel is transparent.
+  // If the quadrilateral has no map, the matrix stays zero, which makes every pixel transparent.
   for (auto& row : info->quad_to_unit.m) {
     for (double& entry : row) {
       entry = 0.0;

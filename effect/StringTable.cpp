@@ -8,7 +8,7 @@ constexpr std::uint64_t kAllOnes = ~std::uint64_t{0};
 
 }  // namespace
 
-// Hosts use the working space of a row, so the table is not constant.
+// Not constant, because hosts write to the working space of a row.
 FX_StringRow FX_G_ztab[7] = {
     {"$$$/KZ/Vantorel/LStr/0000=Vantorel, v%ld.%ld#{cr}#{cr}Copyright the Vantorel authors.#{cr}#{cr}"
      "Distort an image to a convex quadrilateral.",

@@ -1,4 +1,4 @@
-// The effect's localisable string table, in the format that hosts read.
+// The effect's localisable string table, in the host's format.
 #pragma once
 
 #include <cstdint>
@@ -19,5 +19,5 @@ extern FX_StringRow FX_G_ztab[7];
 extern FX_StringHeader FX_G_zhdr;
 extern FX_StringReference FX_G_zref;
 
-// The text of a row in the host's language, as the host gives it; used before the next call to the host.
+// The text of a row in the host's language. It belongs to the host and is valid until the next call to the host.
 const char* LookupString(const PF_InData* in_data, std::int32_t row);

@@ -13,7 +13,7 @@
 
 namespace vantorel::host {
 
-// The channel value of a wholly covered pixel's alpha.
+// The alpha value of an opaque pixel.
 template <typename Channel>
 constexpr Channel kOpaque = std::is_floating_point_v<Channel> ? Channel{1} : std::numeric_limits<Channel>::max();
 
@@ -22,8 +22,8 @@ enum class RowAlpha { Opaque, Transparent, Mixed };
 
 namespace alpha_detail {
 
-// A pixel as one word, whose vectors hold several pixels: all bits of all channels are put together, and the alphas are
-// looked at last. Short stretches must not cost a call each.
+// Reads each pixel as one word so that the loop is vectorised: the bits of all channels are combined, and the alpha
+// bits are examined at the end. Always inlined, since a call would be expensive for a few pixels.
 template <typename Channel>
 [[gnu::always_inline]] inline RowAlpha alphaOfWords(const Channel* row, int width) {
   using Word = std::conditional_t<sizeof(Channel) == 1, std::uint32_t, std::uint64_t>;
@@ -60,13 +60,14 @@ RowAlpha alphaOfRow(const Channel* row, int width) {
 
 namespace alpha_detail {
 
-// Pixels worked on together: their factors stay in the nearest cache, and uniform ones are passed over at once.
+// Pixels per block: few enough for their factors to stay in the L1 cache, and blocks of uniform alpha are handled as a
+// whole.
 constexpr int kBlock = 32;
 
 template <typename Factor>
 using FactorTable = std::array<std::array<Factor, 4>, 256>;
 
-// By alpha, what the channels are multiplied by before the division by 255: alpha's own factor leaves it as it is.
+// The channels' factors for each alpha, before the division by 255. Alpha's own factor, 255, leaves it unchanged.
 inline constexpr auto kPremultiplyFactors = [] {
   FactorTable<std::uint16_t> table{};
   for (std::size_t a = 0; a < table.size(); ++a) {
@@ -76,7 +77,7 @@ inline constexpr auto kPremultiplyFactors = [] {
   return table;
 }();
 
-// By alpha, 255 / alpha; one where the colour stays.
+// The channels' factors for each alpha: 255 / alpha, or 1 to leave a channel unchanged.
 inline constexpr auto kUnpremultiplyFactors = [] {
   FactorTable<float> table{};
   for (std::size_t a = 0; a < table.size(); ++a) {
@@ -86,7 +87,7 @@ inline constexpr auto kUnpremultiplyFactors = [] {
   return table;
 }();
 
-// Calls the function with every channel of the block and its factor; the loop over them is vectorised.
+// Calls the function with every channel of the block and its factor, in a loop that the compiler vectorises.
 template <typename Factor, typename Function>
 void multiplyBlock(std::uint8_t* row, int width, const FactorTable<Factor>& table, const Function& function) {
   std::array<Factor, std::size_t{kBlock} * 4> factors;
@@ -100,7 +101,7 @@ void multiplyBlock(std::uint8_t* row, int width, const FactorTable<Factor>& tabl
 
 inline void premultiplyBlock(std::uint8_t* row, int width) {
   multiplyBlock(row, width, kPremultiplyFactors, [](std::uint8_t value, std::uint16_t factor) {
-    // The nearest to product / 255: there are no ties, and for 16 bits the shifts are exact.
+    // value * factor / 255, rounded to nearest: there are no ties, and the shifts give the exact result for 16 bits.
     const auto product = static_cast<std::uint16_t>(value * factor + 128);
     return static_cast<std::uint8_t>(static_cast<std::uint16_t>(product + (product >> 8)) >> 8);
   });
@@ -108,8 +109,8 @@ inline void premultiplyBlock(std::uint8_t* row, int width) {
 
 inline void unpremultiplyBlock(std::uint8_t* row, int width) {
   multiplyBlock(row, width, kUnpremultiplyFactors, [](std::uint8_t value, float factor) {
-    // A quotient that is no tie is at least 1 / 510 below one: more than is added here, which in turn is more than the
-    // float's rounding, so that ties go up and nothing else does.
+    // Quotients just below a tie are at least 1 / 510 below it. What is added to 0.5 is less than that but more than
+    // the float's rounding error, so that ties are rounded up and nothing else is.
     constexpr float kHalf = 0.5F + 1.0F / 4096.0F;
     return static_cast<std::uint8_t>(std::min(static_cast<std::int32_t>(value * factor + kHalf), 255));
   });
@@ -129,7 +130,7 @@ void premultiplyPixel(Channel* pixel) {
   }
 }
 
-// Where alpha is zero the colour stays as it is.
+// If alpha is zero, the colour is left unchanged.
 template <typename Channel>
 void unpremultiplyPixel(Channel* pixel) {
   const Channel alpha = pixel[3];
@@ -162,13 +163,13 @@ void premultiplyRow(Channel* row, int width) {
   }
 }
 
-// Where alpha is zero the colour stays as it is.
+// If alpha is zero, the colour is left unchanged.
 template <typename Channel>
 void unpremultiplyRow(Channel* row, int width) {
   if constexpr (std::is_same_v<Channel, std::uint8_t>) {
     constexpr int kBlock = alpha_detail::kBlock;
     int x = 0;
-    // A block's width is a constant where it can be, for which the loop over its pixels is unrolled.
+    // Whole blocks have a constant width, so that the loop over their pixels can be unrolled.
     for (; x + kBlock <= width; x += kBlock) {
       if (alpha_detail::alphaOfWords(row + 4 * x, kBlock) == RowAlpha::Mixed) {
         alpha_detail::unpremultiplyBlock(row + 4 * x, kBlock);
@@ -184,7 +185,7 @@ void unpremultiplyRow(Channel* row, int width) {
   }
 }
 
-// Undoes unpremultiplyRow: where alpha is zero the colour stays as it is, too.
+// Undoes unpremultiplyRow: it too leaves the colour unchanged if alpha is zero.
 template <typename Channel>
 void repremultiplyRow(Channel* row, int width) {
   for (int x = 0; x < width; ++x, row += 4) {

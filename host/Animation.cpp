@@ -10,7 +10,7 @@ namespace vantorel::host {
 
 namespace {
 
-// A strict order also where a time is not a number.
+// A strict weak order even with NaN times, which sort last.
 bool earlier(double a, double b) {
   if (std::isnan(a) || std::isnan(b)) {
     return !std::isnan(a) && std::isnan(b);
@@ -18,10 +18,10 @@ bool earlier(double a, double b) {
   return a < b;
 }
 
-// Between the key before `next` and that one.
+// Smooth interpolation between key `next` and the one before it.
 Point smoothlyBetween(const std::vector<AnimatedPoint::Key>& keys, std::size_t next, double seconds) {
   const bool has_before = next >= 2;
-  // A key whose time is not a number is none.
+  // Keys with a NaN time, which come last, do not count.
   const bool has_after = next + 1 < keys.size() && !std::isnan(keys[next + 1].seconds);
   const auto along = [&](double Point::*axis) {
     const auto knot = [&](std::size_t key) { return CubicInterval::Knot{keys[key].seconds, keys[key].value.*axis}; };
@@ -38,7 +38,7 @@ AnimatedPoint::AnimatedPoint(std::vector<Key> keys, Interpolation interpolation)
     : keys_(std::move(keys)), interpolation_(interpolation) {
   std::stable_sort(keys_.begin(), keys_.end(),
                    [](const Key& a, const Key& b) { return earlier(a.seconds, b.seconds); });
-  // Among keys of one time, which stand in the caller's order, only the last stays.
+  // Of keys with the same time, which are still in the caller's order, only the last is kept.
   const auto same_time = [](const Key& a, const Key& b) { return a.seconds == b.seconds; };
   keys_.erase(keys_.begin(), std::unique(keys_.rbegin(), keys_.rend(), same_time).base());
 }

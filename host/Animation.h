@@ -1,4 +1,4 @@
-// Animated corner points: keys over time with linear or held values between them.
+// Animated corner points: keys over time, and the interpolation between them.
 #pragma once
 
 #include <array>
@@ -14,8 +14,8 @@ struct Point {
   bool operator==(const Point&) const = default;
 };
 
-// The coordinates that the effect's 16.16 numbers hold, in pixels: from kMinCoordinate up to, but not including,
-// kCoordinateEnd.
+// The range of coordinates that the effect's 16.16 numbers can hold, in pixels: from kMinCoordinate up to, but not
+// including, kCoordinateEnd.
 inline constexpr double kMinCoordinate = -32768.0;
 inline constexpr double kCoordinateEnd = 32768.0;
 
@@ -29,7 +29,7 @@ inline constexpr std::size_t kCornerCount = 4;
 inline constexpr std::array<std::string_view, kCornerCount> kCornerNames{"upper left", "upper right", "lower left",
                                                                          "lower right"};
 
-// The four corners that the effect stretches the layer onto, in full-resolution layer pixels.
+// The four corners that the layer is drawn onto, in full-resolution layer pixels.
 struct Corners {
   Point upper_left;
   Point upper_right;
@@ -37,11 +37,11 @@ struct Corners {
   Point lower_right;
   bool operator==(const Corners&) const = default;
 
-  // By its place in kCornerNames, below kCornerCount.
+  // By its index in kCornerNames, below kCornerCount.
   const Point& operator[](std::size_t corner) const;
 };
 
-// Smooth: a monotone cubic, which moves steadily through the keys and never beyond the values on either side.
+// Smooth: a monotone cubic, which passes smoothly through the keys and never overshoots them.
 enum class Interpolation { Linear, Hold, Smooth };
 
 // One point over time. Times are in seconds; values are held before the first and after the last key.
@@ -54,16 +54,16 @@ class AnimatedPoint {
 
   AnimatedPoint() = default;
   explicit AnimatedPoint(Point constant) : keys_{{0.0, constant}} {}
-  // Keys in any order; of two at the same time the later in the list wins.
+  // Keys in any order; of two with the same time, the later one in the list wins.
   AnimatedPoint(std::vector<Key> keys, Interpolation interpolation);
 
-  // One value for all times; allocates nothing where there was a key before.
+  // One value for all times. Allocates nothing if there was a key before.
   void setConstant(Point constant);
 
-  // The value at a time; at a key's own time exactly that key's value. Without keys, (0, 0).
+  // The value at a time. At a key's time it is exactly that key's value; without keys it is (0, 0).
   Point at(double seconds) const;
 
-  // The keys in the order of their times, one for a time; keys whose time is not a number come last.
+  // The keys in ascending order, one per time; keys with a NaN time come last.
   const std::vector<Key>& keys() const { return keys_; }
 
  private:
@@ -80,10 +80,10 @@ struct AnimatedCorners {
 
   Corners at(double seconds) const;
 
-  // The corners for all times; allocates nothing where every point had a key before.
+  // The same corners for all times. Allocates nothing if every point had a key before.
   void setConstant(const Corners& corners);
 
-  // By its place in kCornerNames, below kCornerCount.
+  // By its index in kCornerNames, below kCornerCount.
   const AnimatedPoint& operator[](std::size_t corner) const;
 };
 

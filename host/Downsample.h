@@ -5,17 +5,17 @@
 
 namespace vantorel::host {
 
-// What a block lacks at the picture's right and bottom edges.
+// How blocks that extend beyond the picture's right and bottom edges are averaged.
 enum class BlockEdges {
-  Transparent,  // counts as transparent: a layer's edge fades
-  LeftOut       // does not count: the mean is that of the pixels there are
+  Transparent,  // pixels outside count as transparent: a layer's edge fades
+  LeftOut       // pixels outside do not count: the mean is that of the pixels inside
 };
 
-// Averages blocks of n by n premultiplied pixels of `picture` into `scaled`, which is of the picture's depth and of the
-// size downsampled(picture.size, n). Integers are rounded to nearest, halves up; floats are summed in doubles, by rows.
+// Averages blocks of n by n premultiplied pixels of `picture` into `scaled`, which has the picture's depth and the size
+// downsampled(picture.size, n). Integers are rounded to nearest, halves up; floats are summed in doubles, row by row.
 void downsample(const ConstImageView& picture, int n, BlockEdges edges, const ImageView& scaled);
 
-// The same for the rows [top, bottom) of `scaled` alone, so that several threads can share a picture.
+// The same, but only for the rows [top, bottom) of `scaled`, so that several threads can share a picture.
 void downsampleRows(const ConstImageView& picture, int n, BlockEdges edges, const ImageView& scaled, int top,
                     int bottom);
 

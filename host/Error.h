@@ -1,4 +1,4 @@
-// How the embedded host reports failure: as a value that says what went wrong, with which input, and what to do.
+// How the embedded host reports errors: as a value that says what went wrong, with which input, and what to do.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 namespace vantorel::host {
 
 enum class ErrorKind {
-  InvalidArgument,  // the caller's request cannot be served
+  InvalidArgument,  // the caller's request is not valid
   ModuleUnusable,   // the effect module does not load, lacks its entry, or fails its setup
   EffectFailed,     // a command of the effect returned an error
   OutOfMemory,
@@ -19,9 +19,9 @@ enum class ErrorKind {
 
 struct Error {
   ErrorKind kind = ErrorKind::InvalidArgument;
-  std::int32_t code = 0;  // the effect's or host callback's code where there is one, else 0
+  std::int32_t code = 0;  // the effect's or host callback's error code if there is one, else 0
   std::string input;      // what the error is about: a file, a field, a command
-  std::string message;    // what is wrong and what to do, for a person, without a trailing line break
+  std::string message;    // what is wrong and what to do, for the user, without a trailing line break
 };
 
 template <typename T>
@@ -36,7 +36,7 @@ inline tl::unexpected<Error> invalidArgument(std::string input, std::string mess
   return failure(ErrorKind::InvalidArgument, std::move(input), std::move(message));
 }
 
-// "input: message", as every program shows it.
+// "input: message", the form in which every program shows errors.
 inline std::string errorText(const Error& error) {
   return error.input + ": " + error.message;
 }

@@ -19,7 +19,7 @@ constexpr std::size_t alignedUp(std::size_t bytes) {
   return (bytes + Image::kRowAlignment - 1) / Image::kRowAlignment * Image::kRowAlignment;
 }
 
-// Asks for large pages: the rows of a turned layer lie on more of the usual ones than the processor keeps in mind.
+// Requests huge pages: sampling a rotated layer touches more normal pages than the TLB has entries.
 void preferLargePages(void* memory, std::size_t bytes) {
   constexpr std::size_t kWorthwhile = std::size_t{4} << 20;
   if (bytes < kWorthwhile) {
@@ -27,7 +27,7 @@ void preferLargePages(void* memory, std::size_t bytes) {
   }
   const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
   if (std::align(page, page, memory, bytes) != nullptr) {
-    // Where the kernel has none, the usual pages serve as well.
+    // Only a hint: if the kernel has no huge pages, normal ones will do.
     static_cast<void>(madvise(memory, bytes / page * page, MADV_HUGEPAGE));
   }
 }

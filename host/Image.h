@@ -1,5 +1,5 @@
 // Pictures in memory: views of pixels that the caller owns, and images that the host owns. Pixels have four channels
-// and are premultiplied by alpha; the effect never asks which channel is which, so any order will do as long as layer
+// and are premultiplied by alpha; the effect treats all channels alike, so their order does not matter as long as layer
 // and output agree.
 #pragma once
 
@@ -41,9 +41,9 @@ struct Rect {
   bool operator==(const Rect&) const = default;
 };
 
-// A view of `size.height` rows of `size.width` pixels. `data` is the first pixel of the upper row, and `row_bytes`
-// leads from a row to the one below: it may exceed a row's pixels, and is negative where memory holds the lower rows
-// first. It must be a multiple of the channel size, and `data` aligned to it.
+// A view of `size.height` rows of `size.width` pixels. `data` is the first pixel of the top row, and `row_bytes` is the
+// distance from a row to the one below it: it may be larger than a row's pixels, and is negative if the bottom row
+// comes first in memory. It must be a multiple of the channel size, and `data` must be aligned to that size.
 template <typename Byte>
 struct BasicImageView {
   Byte* data = nullptr;
@@ -62,19 +62,19 @@ inline ConstImageView asConst(const ImageView& view) {
   return {view.data, view.row_bytes, view.size, view.depth};
 }
 
-// Pixels that the host owns, rows aligned to kRowAlignment bytes.
+// An image that owns its pixels, with rows aligned to kRowAlignment bytes.
 class Image {
  public:
   static constexpr std::size_t kRowAlignment = 64;
 
   Image() = default;
 
-  // Allocates an image without clearing it. Fails with InvalidArgument for a size that is not positive or whose rows a
-  // 32-bit stride cannot hold, and with OutOfMemory.
+  // Allocates an image without clearing it. Fails with InvalidArgument for a size that is not positive or whose rows
+  // are too long for a 32-bit stride, and with OutOfMemory.
   static Result<Image> create(Size size, Depth depth);
 
-  // Makes this an image of that size and depth, keeping its pixels where it is one already. After an error, as of
-  // `create`, it is empty.
+  // Makes this an image of that size and depth; if it already is one, its pixels are kept. Fails like `create`, and is
+  // empty after an error.
   Result<void> fit(Size size, Depth depth);
 
   Size size() const { return view_.size; }

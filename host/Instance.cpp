@@ -52,7 +52,7 @@ Result<void> checkCorners(const AnimatedCorners& corners, const std::string& pre
   return {};
 }
 
-// For corners that change with every frame: without memory where all is well.
+// For corners that change with every frame: allocates nothing unless there is an error.
 Result<void> checkCorners(const Corners& corners) {
   for (std::size_t i = 0; i < kCornerCount; ++i) {
     if (!isCoordinate(corners[i].x) || !isCoordinate(corners[i].y)) {

@@ -14,7 +14,7 @@ namespace vantorel::host {
 
 namespace {
 
-// An error of a setup command, said about the module.
+// Turns an error of a setup command into one about the module.
 Error aboutModule(const std::string& path, Error error) {
   if (error.kind == ErrorKind::EffectFailed) {
     error.kind = ErrorKind::ModuleUnusable;
@@ -26,15 +26,15 @@ Error aboutModule(const std::string& path, Error error) {
   return error;
 }
 
-// A version word holds the major number from bit 19 on, the minor one in four bits from 15 and the patch's in four from
-// 11; below are the stage and the build.
+// The layout of a version word: the major number from bit 19, the minor number in 4 bits from bit 15, the patch number
+// in 4 bits from bit 11, and below them stage and build.
 std::string versionText(std::uint32_t word) {
   const std::uint32_t patch = word >> 11 & 15;
   const std::string text = std::to_string(word >> 19) + "." + std::to_string(word >> 15 & 15);
   return patch == 0 ? text : text + "." + std::to_string(patch);
 }
 
-// Enters what global setup declared.
+// Fills in what global setup declared.
 void describeModule(const PF_OutData& out, ModuleInfo* info) {
   info->version_word = out.version;
   info->out_flags = out.out_flags;
@@ -49,7 +49,7 @@ void describeModule(const PF_OutData& out, ModuleInfo* info) {
 Result<void> setUp(ModuleState& module) {
   ModuleCall call(module);
   Result<void> done = call.run(CMD_GLOBAL_SETUP, nullptr, nullptr, nullptr);
-  // A command that succeeded and misused the host has left something to set down too.
+  // Even if checking mode found a misuse, a setup that succeeded needs a set-down.
   module.is_set_up = done || done.error().code == ERR_NONE;
   module.global_data = module.is_set_up ? call.out.global_data : nullptr;
   describeModule(call.out, &module.info);
@@ -69,7 +69,7 @@ Result<void> readAbout(ModuleState& module) {
   return done;
 }
 
-// The first thing that goes wrong is the result.
+// Returns the first error, but always carries out every step.
 Result<void> setDown(const ModuleState& module) {
   Result<void> done;
   if (module.is_set_up) {
@@ -121,7 +121,7 @@ Result<std::shared_ptr<const Module>> Module::start(std::unique_ptr<ModuleState>
   state->on_setdown_failure = std::move(options.on_setdown_failure);
   state->info.path = name;
 
-  // From here on a failure sets the module down again, where its global setup has left something to set down.
+  // From here on the destructor sets the module down on failure, if its global setup succeeded.
   const std::shared_ptr<const Module> module(new Module(std::move(state)));
   ModuleState& started = *module->state_;
   Result<void> done =

@@ -1,4 +1,4 @@
-// The integer functions' private part.
+// Internal declarations of the integer functions.
 #pragma once
 
 #include <cstdint>

@@ -2,13 +2,13 @@
 
 #include <cmath>
 
-// The value is expanded into a continued fraction by integers alone: a float is a fraction of integers, so that nothing
-// is rounded on the way. The expansion is always that of a y >= 1, which is x itself or 1/x; the larger term of each of
-// its convergents, the one that the limit bounds, is then the numerator of y.
+// The value is expanded into a continued fraction in integer arithmetic: a float is a fraction of integers, so nothing
+// is rounded on the way. The expansion is always that of a y >= 1, either x itself or 1/x, so that the larger term of
+// each convergent, the one that the limit bounds, is its numerator.
 
 namespace {
 
-// NOLINTNEXTLINE(readability-identifier-naming): in the style of the function that it serves.
+// NOLINTNEXTLINE(readability-identifier-naming): named like the function that uses it.
 constexpr M_Ratio ratZero = {0, 1};
 constexpr int kMantissaBits = 24;
 constexpr float kTwoTo31 = 2147483648.0f;
@@ -43,8 +43,8 @@ BinaryFraction splitFloat(float x) {
   return {static_cast<std::uint32_t>(std::ldexp(fraction, kMantissaBits)), kMantissaBits - exponent};
 }
 
-// 2^power / divisor by long division, for a quotient below 2^32 and a divisor below 2^24: with the remainder below
-// 2^24 too, steps of 8 bits stay within 32.
+// 2^power / divisor by long division, for a quotient below 2^32 and a divisor below 2^24: since the remainder is below
+// 2^24 too, steps of 8 bits fit into 32 bits.
 Division dividePowerOfTwo(int power, std::uint32_t divisor) {
   int shift = M_Min(power, 31);
   Division result = {(std::uint32_t{1} << shift) / divisor, (std::uint32_t{1} << shift) % divisor};
@@ -78,13 +78,13 @@ bool productIsAtMost(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uin
   return left_hi != right_hi ? left_hi < right_hi : left_lo <= right_lo;
 }
 
-// The convergent `steps` times `last` after `before_last`.
+// The (semi)convergent before_last + steps * last, term by term.
 Convergent advance(std::uint32_t steps, Convergent last, Convergent before_last) {
   return {steps * last.bounded + before_last.bounded, steps * last.other + before_last.other};
 }
 
-// The best approximation of y whose bounded term is at most `limit`, which is above y's integer part. "Best" is
-// measured on x, whose denominators are y's other terms, or, where y is the reciprocal, its bounded ones.
+// The best approximation of y whose bounded term is at most `limit`, which is above y's integer part. "Best" means
+// nearest to x, whose denominators are y's other terms or, if y is the reciprocal of x, its bounded terms.
 Convergent bestConvergent(std::uint32_t limit, Expansion y, bool reciprocal) {
   Convergent before_last = {0, 1};
   Convergent last = {1, 0};
@@ -102,8 +102,8 @@ Convergent bestConvergent(std::uint32_t limit, Expansion y, bool reciprocal) {
       current = advance(partial_quotient, last, before_last);
       continue;
     }
-    // The limit is reached. The semiconvergent `fitting` steps on is nearer than the last convergent if that is more
-    // than half the way; at exactly half of it, the rest of the expansion decides.
+    // The limit is reached. The semiconvergent after `fitting` steps is nearer than the last convergent if that is more
+    // than half of the partial quotient; at exactly half, the rest of the expansion decides.
     const std::uint64_t twice_fitting = std::uint64_t{2} * fitting;
     const std::uint32_t last_denominator = reciprocal ? last.bounded : last.other;
     const std::uint32_t before_last_denominator = reciprocal ? before_last.bounded : before_last.other;
@@ -115,7 +115,7 @@ Convergent bestConvergent(std::uint32_t limit, Expansion y, bool reciprocal) {
   return current;
 }
 
-// x from 1 on.
+// For x of 1 and above.
 M_Ratio approximateLarge(std::int32_t limit, float x) {
   if (x >= kTwoTo31) {
     return {limit, 1};
@@ -129,7 +129,8 @@ M_Ratio approximateLarge(std::int32_t limit, float x) {
   return {static_cast<std::int32_t>(best.bounded), best.other};
 }
 
-// x below 1, positive. Where 1/x is at least the limit, only 0 and 1/limit are left: the nearer one, a tie giving 0.
+// For positive x below 1. If 1/x is at least the limit, only 0 and 1/limit are candidates: the nearer one, or 0 in a
+// tie.
 M_Ratio approximateSmall(std::int32_t limit, float x) {
   const auto bound = static_cast<std::uint32_t>(limit);
   if (x <= 0.5f / kTwoTo31) {
@@ -166,7 +167,7 @@ M_Ratio ratapprox(std::int32_t limit, float x) {
   return result;
 }
 
-// By halves of 16 bits, whose products fit into a word.
+// Multiplies 16-bit halves, whose products fit into a word.
 void Mul32(std::uint32_t a, std::uint32_t b, std::uint32_t* hi, std::uint32_t* lo) {
   constexpr std::uint32_t kHalf = 0xFFFF;
   const std::uint32_t low = (a & kHalf) * (b & kHalf);

@@ -8,7 +8,7 @@
 
 namespace {
 
-// What the caller's status argument asks for. Without a byte, an overflow is reported as an error code.
+// What the caller's status argument asks for. If `byte` is null, an overflow is reported as an error code.
 struct StatusRequest {
   unsigned char* byte;
   bool approximation_allowed;
@@ -50,7 +50,7 @@ bool reduce(M_Ratio* ratio) {
   return reduced;
 }
 
-// Each of these gives false, and leaves the result as it is, where the result may not fit.
+// Each of these returns false, and leaves the result unchanged, if the result may not fit.
 
 bool multiply(std::uint32_t a, std::uint32_t b, std::uint32_t* product) {
   if (M_UMulWouldOverflow(a, b)) {
@@ -158,7 +158,7 @@ bool multiplyExactly(M_Ratio a, M_Ratio b, M_Ratio* out) {
   return reduced && tryMultiply(a, b, out);
 }
 
-// `value`, the result in floating point, as a ratio, where that is allowed and succeeds.
+// Converts `value`, the result in floating point, to a ratio, if approximation is allowed and succeeds.
 M_RatioKind approximate(double value, const StatusRequest& request, M_Ratio* out) {
   if (!request.approximation_allowed) {
     return M_RatioOverflow;

@@ -1,4 +1,4 @@
-// Rational numbers to lowest terms, to other denominators and from floating point.
+// Converting rational numbers to lowest terms, to other denominators and from floating point.
 #include <cmath>
 
 #include "M_Integer.h"
@@ -15,7 +15,7 @@ bool fitsInt32(double x) {
   return x >= -2147483648.0 && x <= 2147483647.0;
 }
 
-// The numerator of num / den over new_den, not rounded to an integer yet.
+// The numerator of num / den over new_den, before rounding to an integer.
 double numeratorOver(std::uint32_t new_den, std::int32_t num, std::uint32_t den) {
   return num * (static_cast<double>(new_den) / den);
 }

@@ -14,16 +14,16 @@
 // Marks what the module and the shared library export, all with plain (unmangled) names.
 #define M_API extern "C" __attribute__((visibility("default")))
 
-constexpr std::int32_t M_ErrNullPointer = 123;     // a required pointer is missing; other uses stand with the functions
+constexpr std::int32_t M_ErrNullPointer = 123;     // a required pointer is missing; the functions list other uses
 constexpr std::int32_t M_ErrRatioOverflow = 4354;  // rational arithmetic overflowed, and no other report was asked for
 constexpr std::int32_t M_ErrZeroDenominator = 4358;  // a denominator, or a requested new denominator, is 0
 
 // ---- Matrices and vectors ----
 //
 // Matrices act on row vectors: the point (x, y) is the row [x y 1] and becomes [x y 1] * M, so that translation stands
-// in the bottom row, the perspective terms in the right-hand column, and "first A, then B" is the product A * B. Every
-// builder appends its transform after what the matrix already does. Lengths have the unit of the points. Arithmetic is
-// not watched: overflow, NaN and infinity pass through the doubles.
+// in the bottom row, the perspective terms in the right-hand column, and "first A, then B" is the product A * B. Each
+// function that builds a transform appends it to what the matrix already does. Lengths are in the unit of the points.
+// Arithmetic is not checked: overflow, NaN and infinity propagate as usual.
 
 // A 2-D point. The default constructor leaves the components unset.
 template <typename T>
@@ -49,8 +49,8 @@ M_API std::int32_t M_SetIdentityMatrix(M_Matrix3* m);
 struct M_Matrix3 {
   double m[3][3];
 
-  // Leaves the entries unset. A program that loads the module instead of linking the library constructs its matrices
-  // so, since the next constructor and setIdentity call into the library.
+  // Leaves the entries unset. A program that loads the module instead of linking the library has to construct its
+  // matrices this way, since the next constructor and setIdentity call into the library.
   M_Matrix3() = default;
   // The identity, or, for false, nine entries left unset.
   explicit M_Matrix3(bool identity) {
@@ -64,7 +64,7 @@ struct M_Matrix3 {
   void setIdentity() { M_SetIdentityMatrix(this); }
 };
 
-// The kinds of transform that M_GetMatrixType tells apart.
+// The kinds of transform that M_GetMatrixType distinguishes.
 enum M_MatrixType : int {
   M_MatrixIdentity = 0,
   M_MatrixTranslate = 1,
@@ -80,44 +80,44 @@ M_API std::int32_t M_ConcatMatrix(const M_Matrix3* a, M_Matrix3* b);
 // Appends a translation by (tx, ty). A missing m does nothing. Always 0.
 M_API std::int32_t M_TranslateMatrix(M_Matrix3* m, double tx, double ty);
 
-// Appends a scaling by (sx, sy) about the fixed point (cx, cy). Where both factors are exactly 1, m keeps its bits; any
-// other factor is taken, 0 and negative ones too. m is required. Always 0.
+// Appends a scaling by (sx, sy) about the fixed point (cx, cy). If both factors are exactly 1, m keeps its bits; any
+// other factors are accepted, including 0 and negative ones. m is required. Always 0.
 M_API std::int32_t M_ScaleMatrix(M_Matrix3* m, double sx, double sy, double cx, double cy);
 
-// Appends a rotation by `degrees` about (cx, cy): clockwise for a positive angle on a screen whose y axis points down.
-// At an angle of exactly 0, m keeps its bits. M_ErrNullPointer when m is missing.
+// Appends a rotation by `degrees` about (cx, cy): a positive angle turns clockwise on a screen whose y axis points
+// down. At an angle of exactly 0, m keeps its bits. M_ErrNullPointer when m is missing.
 M_API std::int32_t M_RotateMatrix(M_Matrix3* m, double degrees, double cx, double cy);
 
 // v[0..count) become v * m, in place, with no division by the homogeneous weight. m and v are required and must not
 // overlap. A count of 0 or less does nothing. Always 0.
 M_API std::int32_t M_TransformVector3(const M_Matrix3* m, int count, M_Vector3T<double>* v);
 
-// p[0..count) are carried through the affine part of m, in place; the perspective column is ignored. m and p must not
+// p[0..count) are transformed by the affine part of m, in place; the perspective column is ignored. m and p must not
 // overlap. A count of 0 or less does nothing. M_ErrNullPointer when m or p is missing, at any count.
 M_API std::int32_t M_TransformFloatPoints(const M_Matrix3* m, int count, M_Vector2T<double>* p);
 
-// Replaces *r by the bounding box of its four corners carried through the affine part of m. `corners`, if given, is an
-// array of four that receives the transformed corners, in the order in which r runs from its upper left by its upper
-// right; it must not overlap r. `not_rect`, if given, tells whether these may fail to form an upright rectangle: true
-// for matrices of type affine and perspective. A corner with a NaN coordinate never moves the box, except that the
-// first corner starts it. M_ErrNullPointer when m or r is missing.
+// Replaces *r by the bounding box of its four corners, transformed by the affine part of m. `corners`, if given, is an
+// array of four that receives the transformed corners, in the order upper left, upper right, lower right, lower left of
+// r; it must not overlap r. `not_rect`, if given, is set to whether these may fail to form an upright rectangle: true
+// for matrices of type affine and perspective. The box starts at the first corner; after that, a NaN coordinate never
+// changes it. M_ErrNullPointer when m or r is missing.
 M_API std::int32_t M_TransformFloatRect(const M_Matrix3* m, M_FloatRect* r, M_Vector2T<double>* corners,
                                         bool* not_rect);
 
-// *type = the M_MatrixType of m, by exact comparison: an entry that is off by however little counts, and so does a NaN.
-// M_ErrNullPointer when m or type is missing; *type then keeps its value.
+// *type = the M_MatrixType of m, by exact comparison: even the smallest deviation of an entry counts, and so does a
+// NaN. M_ErrNullPointer when m or type is missing; *type then keeps its value.
 M_API std::int32_t M_GetMatrixType(const M_Matrix3* m, int* type);
 
-// Returns the remainder of x / y with the quotient rounded towards zero, so with the sign of x; 0 when x or y is
-// exactly 0. The quotient is rounded as a double first: beyond 2^53 the remainder means nothing. NaN for a NaN or
-// infinite x and for a NaN y, and for an infinite y too, unlike fmod, since 0 times infinity is NaN.
+// Returns the remainder of x / y with the quotient rounded towards zero; it has the sign of x. 0 when x or y is exactly
+// 0. The quotient is first rounded to a double, so the remainder is meaningless for quotients beyond 2^53. NaN for a
+// NaN or infinite x and for a NaN y, and for an infinite y too, unlike fmod, since 0 times infinity is NaN.
 M_API double M_fmod(double x, double y);
 
 // ---- Integers ----
 
 // Returns x rounded to the nearest integer, halves upwards: floor(x + 0.5). The sum is formed in double precision, so
-// the neighbour of 0.5 towards zero gives 1 and that of -0.5 gives -1. -2147483648 for a NaN and for what does not
-// fit.
+// the double just below 0.5 gives 1, and the one just above -0.5 gives -1. Gives -2147483648 for NaN and for values
+// outside the int32 range.
 M_API std::int32_t M_RoundDouble(double x);
 
 // *gcd = the greatest common divisor of a and b, never 0: b for a = 0, but 1 for b = 0, whatever a is.
@@ -130,15 +130,15 @@ M_API std::int16_t M_LeadingZeros(std::uint32_t x);
 // Returns whether a + b leaves the int32 range; exact.
 M_API bool M_AddWouldOverflow(std::int32_t a, std::int32_t b);
 
-// Return whether a * b may leave the int32 (uint32) range. False is certain; true is not: the bit lengths decide, so
-// that some products that would fit, such as 32768 * 32768 (32768 * 131071 unsigned), are reported too.
+// Return whether a * b may leave the int32 (uint32) range. False is certain; true is not: only the bit lengths are
+// compared, so some products that would fit, such as 32768 * 32768 (32768 * 131071 unsigned), are reported too.
 M_API bool M_MulWouldOverflow(std::int32_t a, std::int32_t b);
 M_API bool M_UMulWouldOverflow(std::uint32_t a, std::uint32_t b);
 
 // ---- Rational numbers ----
 //
-// Denominators may use all 32 bits. Results are not in lowest terms unless that is said, and `out` may be the same
-// object as any operand. A failed operation leaves 0/0.
+// Denominators may use all 32 bits. Results are not in lowest terms unless stated otherwise, and `out` may be the same
+// object as any operand. A failed operation gives 0/0.
 
 // The number num / den. A denominator of 0 makes it invalid.
 struct M_Ratio {
@@ -146,7 +146,7 @@ struct M_Ratio {
   std::uint32_t den;
 };
 
-// What became of a sum, difference or product.
+// The outcome of a sum, difference or product.
 enum M_RatioKind : unsigned char {
   M_RatioExact = 0,
   M_RatioOverflow = 1,     // no result: 0/0
@@ -156,50 +156,50 @@ enum M_RatioKind : unsigned char {
 // The argument `status` of M_AddRatio, M_SubRatio and M_MulRatio takes one of three forms:
 // - null: no approximation; an overflow is returned as M_ErrRatioOverflow.
 // - a byte: approximation is allowed if its bit M_RatioAllowApproximation is set on entry; on return it holds the
-//   M_RatioKind, and overflow is reported in it alone, the error code being 0. An error code other than that of a
-//   missing operand leaves M_RatioExact in it.
-// - M_RatioApproximateUnreported(): approximation is allowed, and only a failed one is returned as M_ErrRatioOverflow.
+// M_RatioKind, and an overflow is reported only there, with error code 0. On any error but a missing pointer it holds
+// M_RatioExact.
+// - M_RatioApproximateUnreported(): approximation is allowed; M_ErrRatioOverflow is returned only if that fails too.
 constexpr unsigned char M_RatioAllowApproximation = 2;
 inline unsigned char* M_RatioApproximateUnreported() {
-  // The pointer is a mark, never read through. NOLINTNEXTLINE(performance-no-int-to-ptr)
+  // The pointer is a marker and is never dereferenced. NOLINTNEXTLINE(performance-no-int-to-ptr)
   return reinterpret_cast<unsigned char*>(~static_cast<std::uintptr_t>(0));
 }
 
-// *out = *a + *b, and *a - *b. Exact over the least common denominator of the operands as they stand; if a step may
-// overflow, over that of the operands in lowest terms; if one still may, approximate where `status` allows it, and else
-// an overflow. A sum with a zero operand is the other operand as it stands. Negating -2147483648 is such a step.
-// M_ErrZeroDenominator, with *out = 0/0, for an operand with denominator 0; M_ErrNullPointer when a, b or out is
-// missing, and then nothing is written.
+// *out = *a + *b, and *a - *b. Exact, over the least common denominator of the operands as given; if a step may
+// overflow, over that of the operands in lowest terms; if one still may, approximate if `status` allows it, else an
+// overflow. Negating -2147483648 counts as a step that overflows. If one operand is zero, the result is the other one
+// as given. M_ErrZeroDenominator, with *out = 0/0, for an operand with denominator 0; M_ErrNullPointer when a, b or out
+// is missing, and then nothing is written.
 M_API std::int32_t M_AddRatio(const M_Ratio* a, const M_Ratio* b, M_Ratio* out, unsigned char* status);
 M_API std::int32_t M_SubRatio(const M_Ratio* a, const M_Ratio* b, M_Ratio* out, unsigned char* status);
 
-// *out = *a * *b, of the terms as they stand; if a product may overflow, of the terms after cross-cancellation; then as
-// for M_AddRatio. M_ErrNullPointer for an operand with denominator 0 too, with *out = 0/0.
+// *out = *a * *b, from the terms as given; if a product may overflow, from the terms after cross-cancellation; if one
+// still may, as for M_AddRatio. M_ErrNullPointer also for an operand with denominator 0, with *out = 0/0.
 M_API std::int32_t M_MulRatio(const M_Ratio* a, const M_Ratio* b, M_Ratio* out, unsigned char* status);
 
-// *out = *in in lowest terms; zero becomes 0/1. Kept as they are: a ratio with denominator 0, and one whose greatest
-// common divisor is 2^31 or more (-2147483648 / 2^31, and zero over such a denominator). `reduced`, if given, tells
-// whether the terms have a common divisor, also where they are kept for its size. A missing in or out does nothing but
-// clear `reduced`. Always 0.
+// *out = *in in lowest terms; zero becomes 0/1. Two kinds of ratio are kept as they are: those with denominator 0, and
+// those whose greatest common divisor is 2^31 or more (-2147483648 / 2^31, and zero over such a denominator).
+// `reduced`, if given, is set to whether the terms have a common divisor, even one that is too large to divide by. If
+// in or out is missing, only `reduced` is cleared. Always 0.
 M_API std::int32_t M_ReduceRatio(const M_Ratio* in, M_Ratio* out, bool* reduced);
 
 // *out = *in over the denominator new_den, its numerator rounded to the nearest integer, halves upwards, computed in
-// double precision. `exact`, if given, tells whether the value is unchanged, as far as double precision tells: changes
-// below one part in 2^51 pass unseen. `overflow`, if given, tells whether the numerator left the int32 range, which is
-// not an error but makes *out 0/0; where new_den is the denominator already, `overflow` keeps its value, so clear it
-// before. M_ErrZeroDenominator, with *out = 0/0 and `exact` as it was, when a denominator is 0; M_ErrNullPointer when
-// in or out is missing, and then nothing is written.
+// double precision. `exact`, if given, is set to whether the value is unchanged, within double precision: changes below
+// one part in 2^51 are not detected. `overflow`, if given, is set to whether the numerator left the int32 range, which
+// is not an error but makes *out 0/0. If new_den equals the denominator, `overflow` keeps its value, so clear it
+// beforehand. M_ErrZeroDenominator, with *out = 0/0 and `exact` as it was, when a denominator is 0; M_ErrNullPointer
+// when in or out is missing, and then nothing is written.
 M_API std::int32_t M_ConvRatio(const M_Ratio* in, std::uint32_t new_den, M_Ratio* out, bool* exact, bool* overflow);
 
 // *out_num = the numerator of num / den over new_den, rounded like M_ConvRatio's; 0 on any failure. `overflow`, if
-// given, tells whether it left the int32 range, in which case the code is 0; with no such flag the code is
+// given, is set to whether it left the int32 range, in which case the code is 0; without the flag the code is
 // M_ErrNullPointer. M_ErrZeroDenominator when a denominator is 0; M_ErrNullPointer when out_num is missing, and then
 // nothing is written.
 M_API std::int32_t M_ShortConvRatio(std::int32_t num, std::uint32_t den, std::uint32_t new_den, std::int32_t* out_num,
                                     bool* overflow);
 
 // *out = the fraction nearest to `value`, rounded to single precision, among those with no term above 2^30, in lowest
-// terms. So values from 2^30 up to 2^31 give 2^30, and those below 2^-32 give 0/1 (all regardless of sign). From 2^31
-// on, and for NaN and infinities, *overflow is set and *out is 0/0, with code 0. M_ErrNullPointer when out or overflow
-// is missing, and then nothing is written.
+// terms. Magnitudes from 2^30 up to 2^31 therefore give 2^30, and those below 2^-32 give 0/1. For magnitudes of 2^31
+// and above, and for NaN, *overflow is set and *out is 0/0, with code 0. M_ErrNullPointer when out or overflow is
+// missing, and then nothing is written.
 M_API std::int32_t M_FpLong2Ratio(double value, M_Ratio* out, bool* overflow);

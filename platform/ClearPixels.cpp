@@ -8,7 +8,7 @@
 
 namespace {
 
-// The order of a core's own cache: a world beyond it does not stay cached until the next frame.
+// About the size of a core's own cache: a larger world does not stay cached until the next frame.
 constexpr std::uint64_t kCachedWorldBytes = std::uint64_t{2} << 20;
 
 #if defined(__x86_64__)

@@ -1,4 +1,4 @@
-// Making pixels transparent at the speed of memory. All channels zero is all bytes zero, also for floats.
+// Making pixels transparent at memory speed. A transparent pixel is all zero bytes, also in float.
 #pragma once
 
 #include <cstddef>
@@ -10,9 +10,9 @@ enum class StorePolicy {
   NonTemporal  // stores that bypass the caches: for larger worlds, where cleared pixels would evict the input
 };
 
-// The policy for a world of so many bytes.
+// The policy for a world of that size.
 StorePolicy storePolicyFor(std::uint64_t world_bytes);
 
-// Zeroes `count` bytes from `out` on. With either policy, a thread that synchronises with this one afterwards sees
-// them.
+// Zeroes `count` bytes at `out`. With either policy, a thread that synchronises with this one afterwards sees the
+// zeros.
 void clearBytes(void* out, std::size_t count, StorePolicy policy);

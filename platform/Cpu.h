@@ -1,7 +1,7 @@
-// The instruction sets for which the inner loops are compiled, and which of them this process uses.
+// The instruction sets for which the inner loops are compiled, and the one that this process uses.
 //
-// Every set gives the same bits; they differ in speed alone. The environment variable VANTOREL_SIMD names the set to
-// use instead of the best that the processor has, to compare or to rule one out.
+// All give the same bits and differ only in speed. The environment variable VANTOREL_SIMD forces one of them instead of
+// the best that the processor has, for comparisons and for troubleshooting.
 #pragma once
 
 // In rising order of speed.
@@ -19,12 +19,12 @@ inline constexpr const char* kSimdVariable = "VANTOREL_SIMD";
 // The name by which a set is listed and forced: "scalar", "avx2", "avx512".
 const char* instructionSetName(InstructionSet set);
 
-// *set = the set of that name. False, with *set left alone, where there is none.
+// *set = the set of that name. False, with *set unchanged, if there is none.
 bool findInstructionSet(const char* name, InstructionSet* set);
 
-// Whether this processor and build have the set. Scalar is always there.
+// Whether this processor and build have the set. Scalar is always available.
 bool isAvailable(InstructionSet set);
 
-// The set in use: the one that VANTOREL_SIMD names where it is available, else the best available. Determined when the
-// program or module loads, so that asking takes no lock; not to be asked by the initialisers of other statics.
+// The set in use: the one that VANTOREL_SIMD names if it is available, else the best available. Chosen when the program
+// or module loads, so that a call takes no lock; initialisers of other statics must not call it.
 InstructionSet activeInstructionSet();

@@ -3,8 +3,8 @@
 
 #include <cstddef>
 
-// A handle to `size` zeroed bytes, or null when there is no memory. Freed with DisposeHandle.
+// A handle to `size` zeroed bytes, or null when out of memory. Free it with DisposeHandle.
 void** NewHandle(std::size_t size);
 
-// Frees a handle from NewHandle and its block. A null handle does nothing.
+// Frees a handle from NewHandle and its block. Does nothing for a null handle.
 void DisposeHandle(void** handle);

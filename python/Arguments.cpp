@@ -6,7 +6,7 @@ namespace vantorel::python {
 
 namespace {
 
-PyObject* effect_error = nullptr;  // vantorel.Error, which the module owns
+PyObject* effect_error = nullptr;  // vantorel.Error, owned by the module
 
 PyObject* exceptionOf(host::ErrorKind kind) {
   switch (kind) {

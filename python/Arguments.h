@@ -1,4 +1,4 @@
-// What Python hands over as corners, sizes and failures, in the host's terms.
+// Converts Python arguments to the host's corners and sizes, and the host's errors to exceptions.
 #pragma once
 
 #include <pybind11/numpy.h>
@@ -14,7 +14,7 @@ namespace vantorel::python {
 
 namespace py = pybind11;
 
-// Throws the Python exception of a failure: ValueError, MemoryError, KeyboardInterrupt or vantorel.Error.
+// Throws the Python exception for an error: ValueError, MemoryError, KeyboardInterrupt or vantorel.Error.
 [[noreturn]] void raise(const host::Error& error);
 
 template <typename T>
@@ -28,7 +28,7 @@ T valueOrRaise(host::Result<T> result) {
 // Throws ValueError: "input: fault; remedy".
 [[noreturn]] void refuse(const char* input, const std::string& fault);
 
-// From anything of the shape (4, 2). ValueError, naming `input`, for other shapes and what is not numbers.
+// From anything of shape (4, 2). ValueError, naming `input`, for other shapes and for values that are not numbers.
 host::Corners cornersFrom(const py::handle& object, const char* input);
 
 // From (width, height). ValueError unless both are from 1 to 32768.

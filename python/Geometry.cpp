@@ -36,13 +36,13 @@ void checkRange(const host::Corners& corners) {
 
 }  // namespace
 
-// The unit square's map onto a quadrilateral, its columns divided by the layer's sides.
+// The unit square's map onto the quadrilateral, with its columns divided by the layer's width and height.
 py::array_t<double> homography(const py::object& corners, const std::pair<std::int64_t, std::int64_t>& size) {
   const host::Size layer = sizeFrom(size, "size");
   const host::Corners q = cornersFrom(corners, "corners");
   checkRange(q);
   if (!isStrictlyConvex(q)) {
-    refuse("corners", "they are not strictly convex, so that no projective map fits; move a corner");
+    refuse("corners", "they are not strictly convex, so no projective map fits; move a corner");
   }
   const host::Point to_right{q.upper_right.x - q.lower_right.x, q.upper_right.y - q.lower_right.y};
   const host::Point to_left{q.lower_left.x - q.lower_right.x, q.lower_left.y - q.lower_right.y};

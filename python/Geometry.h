@@ -1,4 +1,4 @@
-// The map that a warp draws by, and the box that it fills.
+// The map that a warp uses, and the box that it fills.
 #pragma once
 
 #include <cstdint>
@@ -9,10 +9,10 @@
 
 namespace vantorel::python {
 
-// The 3x3 matrix that takes (x, y, 1) of a layer of that size, pixel k covering [k, k + 1), onto the corners.
+// The 3x3 matrix that maps (x, y, 1) of a layer of that size onto the corners; pixel k covers [k, k + 1).
 py::array_t<double> homography(const py::object& corners, const std::pair<std::int64_t, std::int64_t>& size);
 
-// Left, top, right, bottom of the pixels that the effect asks for, right and bottom exclusive.
+// Left, top, right and bottom of the pixels that the effect requests; right and bottom are exclusive.
 std::tuple<int, int, int, int> boundingBox(const py::object& corners,
                                            const std::pair<std::int64_t, std::int64_t>& size);
 

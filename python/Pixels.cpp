@@ -46,10 +46,10 @@ host::Depth depthOf(const py::array& array, const char* input) {
     return host::Depth::Float;
   }
   throw py::type_error(std::string(input) + ": its dtype " + std::string(py::str(array.dtype())) +
-                       " is none of uint8, uint16 and float32 in this machine's byte order; convert it with astype");
+                       " is not uint8, uint16 or float32 in this machine's byte order; convert it with astype");
 }
 
-// Whether the channels of a row's pixels follow each other without gaps.
+// Whether a row's pixels and channels are contiguous.
 bool isPacked(const PixelArray& pixels) {
   const auto channel_bytes = static_cast<std::ptrdiff_t>(bytesPerPixel(pixels.depth)) / 4;
   return pixels.pixel_stride == channel_bytes * pixels.channels &&
@@ -78,8 +78,8 @@ void spreadPixels(int width, const At& at, Channel* to) {
   }
 }
 
-// Three channels side by side to four and back. A pixel is moved as one word, with the first channel of the next pixel
-// behind it; the last pixel has none.
+// Converts contiguous RGB to RGBA and back. Each pixel is copied as one word of four channels, which includes the first
+// channel of the next pixel; the last pixel, which has no successor, is copied separately.
 template <typename Channel>
 void spreadTriples(const Channel* from, int width, Channel* to) {
   std::array<Channel, 4> pixel;
@@ -181,11 +181,11 @@ PixelArray pixelArrayOf(const py::array& array, const char* input) {
   pixels.depth = depthOf(array, input);
   const py::ssize_t channels = array.ndim() == 3 ? array.shape(2) : 1;
   if ((array.ndim() != 2 && array.ndim() != 3) || (channels != 1 && channels != 3 && channels != 4)) {
-    refuse(input, "its shape is none of (height, width) and (height, width, 1, 3 or 4); reshape it");
+    refuse(input, "its shape is not (height, width) or (height, width, 1, 3 or 4); reshape it");
   }
   pixels.size = sizeFrom({array.shape(1), array.shape(0)}, input);
   pixels.channels = static_cast<int>(channels);
-  // Whether it may be written is the caller's to check.
+  // The caller checks whether the array is writeable.
   pixels.data = static_cast<std::byte*>(const_cast<void*>(array.data()));
   pixels.row_stride = array.strides(0);
   pixels.pixel_stride = array.strides(1);

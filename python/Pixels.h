@@ -1,4 +1,4 @@
-// Between arrays of one, three or four channels and the host's four-channel, premultiplied pixels.
+// Converts between arrays of one, three or four channels and the host's premultiplied RGBA pixels.
 #pragma once
 
 #include <array>
@@ -10,7 +10,7 @@
 
 namespace vantorel::python {
 
-// A view of an array's memory; strides are in bytes, of either sign.
+// A view of an array's memory; strides are in bytes and may be negative.
 struct PixelArray {
   std::byte* data = nullptr;
   std::ptrdiff_t row_stride = 0;
@@ -21,27 +21,27 @@ struct PixelArray {
   host::Depth depth = host::Depth::Bits8;
 };
 
-// Of the shape (height, width), (height, width, 1), (height, width, 3) or (height, width, 4) and of uint8, uint16 or
-// float32 in the machine's byte order. TypeError for other types, ValueError for other shapes; both name `input`.
+// From an array of shape (height, width), (height, width, 1), (height, width, 3) or (height, width, 4) of uint8, uint16
+// or float32 in the machine's byte order. TypeError for other types, ValueError for other shapes; both name `input`.
 PixelArray pixelArrayOf(const py::array& array, const char* input);
 
-// The array's own memory as the host's pixels, where it is laid out as they are: four channels side by side.
+// The array's own memory as the host's pixels, if the layout is the same: four contiguous channels.
 std::optional<host::ImageView> hostView(const PixelArray& pixels);
 
-// Whether a byte may belong to both; arrays whose rows lie between each other's count as sharing.
+// Whether the two may share memory. Arrays with interleaved rows count as sharing.
 bool mayShareMemory(const PixelArray& a, const PixelArray& b);
 
-// Whether every pixel's alpha is that of a covered one.
+// Whether every pixel's alpha is at its maximum.
 bool isOpaque(const host::ConstImageView& pixels);
 
-// Spreads the array to premultiplied RGBA of the same size and depth. Straight RGBA is multiplied by its alpha.
+// Converts the array to premultiplied RGBA of the same size and depth. Straight RGBA is multiplied by its alpha.
 void toHost(const PixelArray& from, bool premultiplied, const host::ImageView& to);
 
-// Premultiplied red, green, blue, alpha in the array's units, put below the picture.
+// Premultiplied red, green, blue, alpha in the array's units, composited behind the picture.
 using Background = std::array<float, 4>;
 
-// The opposite of `toHost`: composites over the background where there is one, then keeps the channels of `to`, in
-// straight alpha unless `premultiplied`. Rows outside of `drawn` are clear. `to` may be the memory of `from`.
+// The opposite of `toHost`: composites over the background, if any, then keeps the channels of `to`, in straight alpha
+// unless `premultiplied`. Rows outside `drawn` are transparent. `to` may be the memory of `from`.
 void fromHost(const host::ImageView& from, const host::Rect& drawn, const std::optional<Background>& background,
               bool premultiplied, const PixelArray& to);
 

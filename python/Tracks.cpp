@@ -30,7 +30,7 @@ py::tuple readCorners(const std::string& path, const OptionalSize& size, const O
   const tracks::CornerTrack track = readTrackFile(path, options).track;
   if (!track.source_keys.empty()) {
     const std::string message = path +
-                                ": its \"from\", the part of the layer that goes onto the corners, is left out; "
+                                ": its \"from\", the part of the layer that is drawn onto the corners, is ignored; "
                                 "crop the picture to it";
     if (PyErr_WarnEx(PyExc_UserWarning, message.c_str(), 1) != 0) {
       throw py::error_already_set();

@@ -1,4 +1,4 @@
-// Corners from the files of trackers.
+// Reads corners from trackers' files.
 #pragma once
 
 #include <cstdint>

@@ -13,7 +13,7 @@ namespace vantorel::python {
 
 namespace {
 
-// What is kept from one picture to the next, so that a second one of a size allocates nothing here.
+// Kept from one picture to the next, so that a second one of the same size allocates nothing here.
 struct Renderer {
   host::Instance instance{valueOrRaise(bridges::embeddedModule())};
   host::Image layer;
@@ -27,8 +27,8 @@ Renderers& threadsIdleRenderers() {
   return idle;
 }
 
-// A renderer of this thread's that no other warp uses. A thread may warp while it warps: Python runs the handlers of
-// signals in the middle of a picture, and anybody's code where it converts arguments.
+// One of this thread's renderers that no other warp is using. Warps of one thread can nest: Python may run signal
+// handlers in the middle of a picture, and user code while it converts arguments.
 class BorrowedRenderer {
  public:
   BorrowedRenderer() {
@@ -53,15 +53,15 @@ class BorrowedRenderer {
   Renderer& operator*() { return *renderer_; }
 
  private:
-  static constexpr std::size_t kMostKept = 4;  // of warps within warps; reserved, so that giving back never allocates
+  static constexpr std::size_t kMostKept = 4;  // for nested warps; reserved, so that giving one back never allocates
 
   std::unique_ptr<Renderer> renderer_;
 };
 
-// Thrown through the host when a signal's handler has raised an exception, which Python's thread state holds.
+// Thrown through the host when a signal handler has raised an exception, which is in Python's thread state.
 struct SignalRaised {};
 
-// Looks for Ctrl-C now and then, from the thread that Python waits for.
+// Checks for Ctrl-C at intervals, on the thread that Python called.
 class SignalCheck {
  public:
   void operator()() {
@@ -119,7 +119,7 @@ host::FrameOptions frameOptions(const WarpArguments& arguments) {
 
 host::Rect canvasOf(const WarpArguments& arguments, host::Size layer) {
   if (arguments.size && arguments.canvas) {
-    refuse("canvas", "size says it too; omit one of both");
+    refuse("canvas", "it conflicts with size; omit one of them");
   }
   if (!arguments.canvas) {
     const host::Size size = arguments.size ? sizeFrom(*arguments.size, "size") : layer;
@@ -138,7 +138,7 @@ std::optional<Background> backgroundFrom(const py::object& object, host::Depth d
   const auto values = py::array_t<double, py::array::c_style | py::array::forcecast>::ensure(object);
   if (!values || values.ndim() > 1 || (values.size() != 1 && values.size() != 3 && values.size() != 4)) {
     PyErr_Clear();
-    refuse("background", "it is no number and no sequence of 3 or 4; give one value for each channel");
+    refuse("background", "it is neither a number nor a sequence of 3 or 4; give one value for each channel");
   }
   const double opaque = depth == host::Depth::Float ? 1.0 : depth == host::Depth::Bits8 ? 255.0 : 65535.0;
   const double alpha = values.size() == 4 ? values.data()[3] : opaque;
@@ -194,7 +194,7 @@ host::Result<void> draw(Renderer& renderer, const PixelArray& image, const host:
                         const std::optional<Background>& background, bool premultiplied,
                         const host::FrameOptions& options) {
   std::optional<host::ImageView> layer = hostView(image);
-  // The host does not read a layer that it writes.
+  // The host cannot draw in place: the layer must not be the output.
   if (!layer || mayShareMemory(image, to) || (!premultiplied && !isOpaque(asConst(*layer)))) {
     if (host::Result<void> fitted = renderer.layer.fit(image.size, image.depth); !fitted) {
       return fitted;

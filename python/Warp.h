@@ -1,4 +1,4 @@
-// vantorel.warp: a picture's corners taken to four points.
+// vantorel.warp: draws a picture with its corners at four points.
 #pragma once
 
 #include <cstdint>

@@ -1,7 +1,7 @@
-"""Builds the wheel of the Python module with CMake, for `pip install .`; needs Python's standard library alone.
+"""Builds the wheel of the Python module with CMake, for `pip install .`; needs only Python's standard library.
 
-`--config-settings build-dir=FOLDER` takes the module from a folder that CMake has configured already; otherwise it is
-built in build/wheel. What else CMake needs is listed in scripts/packages.txt.
+`--config-settings build-dir=FOLDER` takes the module from an already configured CMake build folder; otherwise it is
+built in build/wheel. The packages that the build needs are listed in scripts/packages.txt.
 """
 
 import base64
@@ -25,7 +25,7 @@ def run(*command):
 
 
 def configured_build(config_settings):
-    """A folder that CMake can build in."""
+    """A configured CMake build folder."""
     given = (config_settings or {}).get("build-dir")
     if given:
         return Path(given)

@@ -1,4 +1,4 @@
-// The units of 16.16 fixed-point numbers: signed 32-bit integers whose value is the integer divided by 65536.
+// 16.16 fixed-point numbers: signed 32-bit integers whose value is the integer divided by 65536.
 #pragma once
 
 #include <cstdint>

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Calls `entry` of the float iteration suite with the arguments, turning what is thrown back into a code.
+// Calls `entry` of the float iteration suite with the arguments, and converts exceptions back into error codes.
 template <typename Entry, typename... Arguments>
 std::int32_t iterateFloat(PF_InData* in_data, Entry PF_iterateFloatSuite1::*entry, Arguments... arguments) {
   std::int32_t err = ERR_NONE;

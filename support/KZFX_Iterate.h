@@ -1,8 +1,7 @@
-// The host's pixel iteration as one overloaded set: the caller names the kind, the pixel type picks the route. 8 and
-// 16-bit pixels go through the utility callbacks; float pixels through the float iteration suite, acquired and released
-// around the one call.
+// The host's pixel iteration as overloaded functions, chosen by the pixel type. 8 and 16-bit pixels go through the
+// utility callbacks; float pixels through the float iteration suite, which is acquired and released around the call.
 //
-// Each passes its arguments on unchanged and returns the iteration's error. The float members also return
+// Each passes its arguments on unchanged and returns the iteration's error. The float versions also return
 // ERR_SUITE_UNAVAILABLE, without a message, when the suite is unavailable, and ERR_OUT_OF_MEMORY when the host throws
 // std::bad_alloc.
 #pragma once

@@ -1,24 +1,24 @@
-// Access to the host's named suites: a plain pair that reports failure as a code and a message, and a scoped holder
-// that reports it by throwing.
+// Access to the host's named suites: a pair of functions that report failure by a code and a message, and a scoped
+// holder that throws.
 #pragma once
 
 #include <cstdint>
 
 #include "PF_HostRecords.h"
 
-// Acquires the suite `name` at `version` into *suite_out, which is set to null first so that it alone tells the
-// outcome. Gives ERR_FAILED, with a message for the user, when the host has no suite service or no such suite;
-// `error_message` replaces the default text when it is given. Released with KZFX_ReleaseSuite before the command
-// returns.
+// Acquires the suite `name` at `version` into *suite_out, which is null on failure whatever the host returns. Returns
+// ERR_FAILED, with a message for the user, if the host has no suite service or no such suite; `error_message`, if not
+// null, replaces the default text. Release the suite with KZFX_ReleaseSuite before the command returns.
 std::int32_t KZFX_AcquireSuite(PF_InData* in_data, PF_OutData* out_data, const char* name, std::int32_t version,
                                const char* error_message, const void** suite_out);
 
-// Releases a suite from KZFX_AcquireSuite. Gives ERR_FAILED, with a message, when the host has no suite service.
+// Releases a suite from KZFX_AcquireSuite. Returns ERR_FAILED, with a message, if the host has no suite service.
 std::int32_t KZFX_ReleaseSuite(PF_InData* in_data, PF_OutData* out_data, const char* name, std::int32_t version,
                                const char* error_message);
 
 // The four drawing suites, in the order draw, supplier, surface, path. Acquisition stops at the first failure and
-// returns its code, leaving the suites before it acquired; `suites` has four slots. The release always gives ERR_NONE.
+// returns its code, leaving the suites before it acquired; `suites` has four slots. The release always returns
+// ERR_NONE.
 std::int32_t KZFX_AcquirePentaroSuites(PF_InData* in_data, PF_OutData* out_data, const void** suites);
 std::int32_t KZFX_ReleasePentaroSuites(PF_InData* in_data, PF_OutData* out_data);
 
@@ -28,7 +28,7 @@ void KZFX_ReportSuiteFailure(const PF_InData* in_data, PF_OutData* out_data, con
 constexpr const char* KZFX_ACQUIRE_FAILED = "Not able to acquire KZFX Suite.";
 constexpr const char* KZFX_RELEASE_FAILED = "Not able to release KZFX Suite.";
 
-// Holds a suite, with function table S, for the span of a scope. The name must outlive the holder.
+// Holds a suite, with function table S, for the duration of a scope. The name must outlive the holder.
 template <typename S>
 class KZFX_SuiteScoper {
  public:

@@ -18,7 +18,7 @@ std::int32_t reportUnexpectedFormat(PF_InData* in_data, PF_OutData* out_data, co
   return ERR_FAILED;
 }
 
-// Runs `use` with the world suite acquired. The release's error counts only when `use` succeeded.
+// Runs `use` with the world suite acquired. An error of the release is reported only if `use` succeeded.
 template <typename Use>
 std::int32_t withWorldSuite(PF_InData* in_data, PF_OutData* out_data, Use use) {
   const void* suite = nullptr;

@@ -25,7 +25,8 @@ struct M_FixedPoint {
   int y;
 };
 
-// The fields of a rectangle in left-top-right-bottom form. Right and bottom are the first column and row past it.
+// The fields of a rectangle in left-top-right-bottom form. Right and bottom are exclusive: the first column and row
+// outside it.
 template <typename T>
 struct Mp_LTRBRectBase {
   T left;
@@ -34,8 +35,8 @@ struct Mp_LTRBRectBase {
   T bottom;
 };
 
-// The operations of a rectangle over the fields of `Base`. The default constructor leaves the fields unset, which keeps
-// the type trivial: it can stand in unions and be copied as bytes, with the layout of the host's own rectangles.
+// A rectangle's operations on the fields of `Base`. The default constructor leaves the fields unset, which keeps the
+// type trivial: it can stand in unions and be copied as bytes, with the layout of the host's own rectangles.
 template <typename Base>
 struct Mp_RectObject : Base {
   using Coordinate = decltype(Base::left);
@@ -56,7 +57,7 @@ struct Mp_RectObject : Base {
   // True when the width or the height is zero or negative.
   constexpr bool IsEmpty() const { return this->right <= this->left || this->bottom <= this->top; }
 
-  // Grows to the bounding box of both rectangles, also where one of them is empty.
+  // Grows to the bounding box of both rectangles, even if one of them is empty.
   constexpr void UnionEmptyOrNot(const Mp_RectObject& other) {
     this->left = M_Min(this->left, other.left);
     this->right = M_Max(this->right, other.right);
@@ -64,7 +65,7 @@ struct Mp_RectObject : Base {
     this->bottom = M_Max(this->bottom, other.bottom);
   }
 
-  // Grows to the bounding box of both; an empty `other` changes nothing, and an empty rectangle becomes `other`.
+  // Grows to the bounding box of both. An empty `other` is ignored; an empty rectangle becomes `other`.
   constexpr void Union(const Mp_RectObject& other) {
     if (other.IsEmpty()) {
       return;
@@ -80,7 +81,8 @@ struct Mp_RectObject : Base {
 using M_LRect = Mp_RectObject<Mp_LTRBRectBase<int>>;
 using M_FloatRect = Mp_RectObject<Mp_LTRBRectBase<double>>;
 
-// The type under which host records declare a rectangle field. M_LRect is trivial and so can be such a field itself.
+// The type under which host records declare a rectangle field. M_LRect is trivial and can therefore be such a field
+// itself.
 using M_UnionableLRect = M_LRect;
 
 // The same rectangle, as an M_LRect: no copy, no change.

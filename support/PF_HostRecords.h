@@ -1,5 +1,5 @@
 // The interface between a compositing host and the effect module: every record, callback table, suite, flag, command
-// number and error code that passes between them. A host author needs this header alone.
+// number and error code that passes between them. A host author needs only this header.
 //
 // A module exports one function, EffectMainExtra. The host fills the records below, keeps them valid for the duration
 // of one call and owns them; the module writes only PF_OutData, the records it hands to `add_param`, the pre-render
@@ -23,7 +23,7 @@
 
 // ---- Commands ------------------------------------------------------------------------------------------------------
 
-// The first argument of EffectMainExtra. Every number that is not listed is answered with ERR_NONE and does nothing.
+// The first argument of EffectMainExtra. Any other number does nothing and returns ERR_NONE.
 enum PF_Command : std::int32_t {
   CMD_ABOUT = 0,           // text about the effect into PF_OutData.return_msg
   CMD_GLOBAL_SETUP = 1,    // first call: declares version and capabilities, allocates the global block
@@ -101,7 +101,7 @@ struct PF_PixelFloat {
   float blue;
 };
 
-// An image world: the input layer or an output buffer. The pixel format is asked of the world suite, not kept here.
+// An image world: the input layer or an output buffer. Its pixel format is not stored here; the world suite returns it.
 struct PF_LayerDef {
   void* data;                    // first pixel of the top row
   std::int32_t row_bytes;        // bytes from the start of one row to the start of the next
@@ -124,7 +124,7 @@ struct PF_PointValue {
   std::int32_t point_default_y;  // 16.16, percent of the layer's height
 };
 
-// The value of a parameter: by its kind, one of the two.
+// The value of a parameter, depending on its kind.
 union PF_ParamValue {
   PF_LayerDef layer_world;  // the input layer, parameter 0
   PF_PointValue point;      // PARAM_TYPE_POINT
@@ -147,8 +147,8 @@ struct PF_ParamDef {
 struct PF_InData;
 
 // A pixel function, called by the iterators for every pixel of an area, on any thread: x and y are the destination
-// pixel's coordinates, `in` the source pixel (meaningless without a source world), `out` the pixel to write. The
-// module's own write a whole row from `out` on, and are iterated over an area one pixel wide.
+// pixel's coordinates, `in` the source pixel (meaningless without a source world), `out` the pixel to write. This
+// module's own pixel functions write a whole row to `out`, and are iterated over an area one pixel wide.
 using PF_PixelFunction8 = std::int32_t (*)(void* refcon, std::int32_t x, std::int32_t y, PF_Pixel8* in, PF_Pixel8* out);
 using PF_PixelFunction16 = std::int32_t (*)(void* refcon, std::int32_t x, std::int32_t y, PF_Pixel16* in,
                                             PF_Pixel16* out);
@@ -162,14 +162,14 @@ using PF_IterateCallback = std::int32_t (*)(PF_InData* in_data, std::int32_t pro
                                             PF_LayerDef* source, const M_LRect* area, void* refcon,
                                             PixelFunction function, PF_LayerDef* destination);
 
-// The same with the point of the destination at which the source's origin lies.
+// The same, with the position of the source's origin in the destination.
 template <typename PixelFunction>
 using PF_IterateOriginCallback = std::int32_t (*)(PF_InData* in_data, std::int32_t progress_base,
                                                   std::int32_t progress_final, PF_LayerDef* source, const M_LRect* area,
                                                   const M_LPoint* origin, void* refcon, PixelFunction function,
                                                   PF_LayerDef* destination);
 
-// What an area sampler samples: a box around the position.
+// The box around a position that an area sampler averages, and its source.
 struct PF_SampleParams {
   std::int32_t x_radius;  // 16.16, half the box's width in source pixels
   std::int32_t y_radius;  // 16.16, half the box's height
@@ -179,7 +179,7 @@ struct PF_SampleParams {
 };
 
 // Area samplers: *out = the mean of the box around (x, y), 16.16 in source pixels. Pixel functions call them, on any
-// thread of the iteration, and ignore their results: on an error the pixel is what stands in *out.
+// thread of the iteration, and ignore their results: on an error the pixel is whatever *out holds.
 template <typename Pixel>
 using PF_AreaSampler = std::int32_t (*)(void* effect_ref, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
                                         Pixel* out);
@@ -194,8 +194,9 @@ struct PF_UtilityCallbacks {
   PF_IterateCallback<PF_PixelFunction8> iterate_8;
   PF_IterateOriginCallback<PF_PixelFunction8> iterate_origin_8;
 
-  // Relocatable blocks, whose memory `new_handle` need not clear; it gives null on failure. A block lives until
-  // `dispose_handle`, across commands. Either both entries are null, and the effect uses its own, or neither.
+  // Relocatable memory blocks. `new_handle` need not clear the memory, and returns null on failure. A block lives until
+  // `dispose_handle`, across commands. Either both entries are null, and the effect uses its own allocator, or neither
+  // is.
   PF_Handle (*new_handle)(std::uint64_t size);
   void (*dispose_handle)(PF_Handle handle);
 
@@ -214,7 +215,7 @@ struct PF_UtilityCallbacks {
 };
 
 // The suite service: named, versioned tables of functions. `acquire` fills *suite with the table, or leaves it null and
-// returns an error. What a command acquires, it releases before it returns.
+// returns an error. A command releases every suite that it acquires before it returns.
 struct PF_SuiteProvider {
   std::int32_t (*acquire)(const char* name, std::int32_t version, const void** suite);
   std::int32_t (*release)(const char* name, std::int32_t version);
@@ -226,8 +227,8 @@ constexpr const char* PF_WORLD_SUITE = "PF World Suite";
 constexpr std::int32_t PF_WORLD_SUITE_VERSION = 2;
 
 struct PF_WorldSuite2 {
-  // Allocates a world of that size and pixel format and describes it in *world, cleared to zero if `clear`. The host
-  // keeps it valid until the command in progress returns, and frees it afterwards: modules have no call to do so.
+  // Allocates a world of that size and pixel format, cleared to zero if `clear`, and describes it in *world. The host
+  // keeps it valid until the current command returns and then frees it; modules have no call to do so.
   std::int32_t (*new_world)(void* effect_ref, std::int32_t width, std::int32_t height, bool clear,
                             std::int32_t pixel_format, PF_LayerDef* world);
   void (*reserved_2)();
@@ -255,10 +256,10 @@ struct PF_SamplingFloatSuite1 {
 
 // ---- String tables --------------------------------------------------------------------------------------------------
 
-// The number that accompanies a string table at registration.
+// The format number passed when a string table is registered.
 constexpr std::int32_t PF_STRING_TABLE_FORMAT = 4065;
 
-// A row: "key=default text", and working space of the host's. The terminating row has a null text.
+// A row: "key=default text", and working space for the host. The terminating row has a null text.
 struct FX_StringRow {
   const char* text;
   std::uint64_t host_work[3];
@@ -267,7 +268,7 @@ struct FX_StringRow {
 // The table that a module registers: `register_string_table` is given the address of a pointer to this header.
 struct FX_StringHeader {
   const char* tag;          // "FX"
-  std::uint64_t row_count;  // the terminating row counts
+  std::uint64_t row_count;  // including the terminating row
   FX_StringRow* rows;
   std::uint64_t reserved;
 };
@@ -281,16 +282,16 @@ struct FX_StringReference {
 
 // The host's description of the current call.
 struct PF_InData {
-  // Fills *out with the parameter's value at that time; every successful checkout is checked in exactly once.
+  // Fills *out with the parameter's value at that time; the effect checks in every successful checkout exactly once.
   std::int32_t (*checkout_param)(void* effect_ref, std::int32_t index, std::int32_t time, std::int32_t time_step,
                                  std::uint32_t time_scale, PF_ParamDef* out);
   std::int32_t (*checkin_param)(void* effect_ref, PF_ParamDef* param);
 
-  // Adds a parameter after the last one (position -1); the host copies what it needs of the record.
+  // Adds a parameter after the last one (position -1); the host copies what it needs from the record.
   std::int32_t (*add_param)(void* effect_ref, std::int32_t position, PF_ParamDef* definition);
 
-  // String tables. The host may replace the reference at registration by one of its own. A string that is looked up
-  // belongs to the host, and is used before the next callback.
+  // String tables. At registration the host may replace the reference by one of its own. A looked-up string belongs to
+  // the host and is valid until the next callback.
   std::int32_t (*register_string_table)(void** table_ref, std::int32_t format);
   const char* (*lookup_string)(void* table_ref, std::int32_t row, std::int32_t zero, void* null_pointer);
   std::int32_t (*unregister_string_table)(void** table_ref);
@@ -315,11 +316,11 @@ struct PF_InData {
   std::int32_t source_origin_y;
 };
 
-// What the effect tells the host.
+// The effect's answers to the host.
 struct PF_OutData {
   std::uint32_t version;
   PF_Handle global_data;
-  std::int32_t param_count;  // the input layer counts as the first
+  std::int32_t param_count;  // including the input layer, the first one
   std::int32_t width;        // the output buffer's size, set at frame setup
   std::int32_t height;
   std::int32_t origin_x;  // where the input layer's origin lies in the output buffer, set at frame setup
@@ -331,7 +332,7 @@ struct PF_OutData {
 
 // ---- The two-phase protocol ----------------------------------------------------------------------------------------
 
-// A part of a layer that is asked for. The bytes after the rectangle are the host's own.
+// A request for part of a layer. The bytes after the rectangle belong to the host.
 struct PF_RenderRequest {
   M_UnionableLRect rect;  // layer pixels
   std::uint8_t reserved[28];

@@ -27,7 +27,7 @@ Size basisOf(const Conventions& conventions, const PictureSizes& sizes) {
   return conventions.size.value_or(sizes.output);
 }
 
-// One axis with its origin at the upper left. `half_range` is what HalfHeights reaches at the far edge.
+// One axis with its origin at the upper left. `half_range` is the value of HalfHeights at the far edge.
 AxisMap axisMap(Units units, double extent, double pixel_centres, double half_range) {
   switch (units) {
     case Units::Pixels:

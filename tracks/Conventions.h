@@ -1,4 +1,4 @@
-// What the numbers of a track mean: where positions count from, in which units and of what.
+// What the numbers of a track mean: the origin of positions, their units and the picture that they refer to.
 #pragma once
 
 #include <optional>
@@ -22,26 +22,26 @@ enum class Units {
   HalfHeights,  // x from -aspect to aspect, y from -1 to 1
 };
 
-// Which picture's size percent and fractions are of.
+// The picture whose size percentages and fractions refer to.
 enum class Basis { Output, Layer };
 
-// Each is empty where neither the format nor the caller says it.
+// Each is empty if neither the format nor the caller specifies it.
 struct Conventions {
   std::optional<Origin> origin;
   std::optional<Units> units;
   std::optional<Basis> of;
   std::optional<Size> size;             // of the tracked picture; positions scale from it to the output
-  std::optional<double> pixel_centres;  // what position the first pixel's centre has: 0 or 0.5
-  std::optional<double> aspect;         // width / height as HalfHeights counts it
-  std::optional<int> counts_from;       // which number the format gives to a clip's first frame
+  std::optional<double> pixel_centres;  // the position of the first pixel's centre: 0 or 0.5
+  std::optional<double> aspect;         // width / height, for HalfHeights
+  std::optional<int> counts_from;       // the number of a clip's first frame in the format
 
   bool operator==(const Conventions&) const = default;
 };
 
-// What `given` says, and what `base` says where it says nothing.
+// `base`, with everything that `given` specifies replaced.
 Conventions overridden(const Conventions& base, const Conventions& given);
 
-// The pictures that positions relate to. A size of zero is not known.
+// The sizes of the pictures that positions refer to; zero if unknown.
 struct PictureSizes {
   Size output;
   Size layer;
@@ -57,19 +57,20 @@ struct AxisMap {
   double fromPixels(double pixels) const { return (pixels - offset) * denominator / numerator; }
 };
 
-// From a convention's positions to the output's pixels, with (0, 0) at the outer corner of its upper left pixel.
+// Maps a convention's positions to the output's pixels, with (0, 0) at the outer corner of its upper left pixel.
 struct FrameMap {
   AxisMap x;
   AxisMap y;
 };
 
-// Which picture's size the conventions need and `sizes` lack, as a message names it; empty where none.
+// The picture whose size the conventions need but `sizes` lacks, as named in messages; empty if none.
 const char* missingSize(const Conventions& conventions, const PictureSizes& sizes);
 
-// The map of the conventions, whose unset ones are upper left, pixels, of the output, 0.5. missingSize() must be empty.
+// The map of the conventions. Unset ones default to upper left, pixels, relative to the output, centres at 0.5.
+// missingSize() must be empty.
 FrameMap frameMap(const Conventions& conventions, const PictureSizes& sizes);
 
-// How many digits after the point tell 1/65536 of a pixel and more apart, and hide what rounding adds.
+// The number of decimals that is enough to distinguish 1/65536 of a pixel, but hides rounding errors.
 int usefulDecimals(Units units);
 
 }  // namespace vantorel::tracks

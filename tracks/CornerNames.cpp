@@ -41,7 +41,7 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// The runs of letters, in lower case: "Plate_TopLeft.2" gives "plate", "topleft".
+// The words of the name, in lower case: "Plate_TopLeft.2" gives "plate", "topleft".
 std::vector<std::string> lettersOf(std::string_view name) {
   std::vector<std::string> words(1);
   for (const char c : lowerCase(name)) {

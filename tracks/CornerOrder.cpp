@@ -13,7 +13,8 @@ Quadrilateral arranged(const Quadrilateral& points, const CornerOrder& order) {
   return {points[order[0]], points[order[1]], points[order[2]], points[order[3]]};
 }
 
-// How far the quadrilateral's right is to the right and its lower side below, as a part of its size: from -2 to 2.
+// How far the right side is right of the left one and the lower side below the upper one, relative to the
+// quadrilateral's size: from -2 to 2.
 double uprightness(const Quadrilateral& q) {
   const double right = q[kUpperRight].x - q[kUpperLeft].x + q[kLowerRight].x - q[kLowerLeft].x;
   const double down = q[kLowerLeft].y - q[kUpperLeft].y + q[kLowerRight].y - q[kUpperRight].y;
@@ -21,7 +22,7 @@ double uprightness(const Quadrilateral& q) {
   return size > 0.0 ? (right + down) / (2.0 * size) : 0.0;
 }
 
-// How an order fares over the track.
+// How well an order fits the track.
 struct Standing {
   CornerOrder order{};
   std::size_t clockwise = 0;   // on how many keys it is convex and clockwise
@@ -43,7 +44,7 @@ Standing standingOf(const std::vector<CornerKey>& keys, const CornerOrder& order
   return standing;
 }
 
-// The order turned by a corner: what was the upper left is the upper right.
+// The order rotated by one corner: the former upper left becomes the upper right.
 CornerOrder turned(const CornerOrder& order) {
   CornerOrder result{};
   for (std::size_t i = 0; i < kCornerCount; ++i) {
@@ -52,7 +53,7 @@ CornerOrder turned(const CornerOrder& order) {
   return result;
 }
 
-// The clockwise cycle of points that most keys agree with, as one of its four orders.
+// The cycle of points that is clockwise on most keys, as one of its four orders.
 Standing bestCycle(const std::vector<CornerKey>& keys) {
   // Every cycle once, with point 0 at the upper left, the written one first.
   constexpr std::array<CornerOrder, 6> kCycles{

@@ -1,4 +1,4 @@
-// Corner tracks: where the four corners of a layer are over the frames, as a file says it or in the picture's pixels.
+// Corner tracks: the positions of a layer's four corners over time, in a file's conventions or in the picture's pixels.
 #pragma once
 
 #include <array>
@@ -19,7 +19,7 @@ using host::Point;
 // The order of corners in every list here.
 enum Corner : std::size_t { kUpperLeft, kUpperRight, kLowerLeft, kLowerRight, kCornerCount };
 
-// "ul", "ur", "ll", "lr": what columns, fields and messages call the corners.
+// "ul", "ur", "ll", "lr": the corners' names in columns, fields and messages.
 constexpr std::array<std::string_view, kCornerCount> kCornerNames{"ul", "ur", "ll", "lr"};
 
 using Quadrilateral = std::array<Point, kCornerCount>;
@@ -29,33 +29,33 @@ constexpr std::uint8_t kAllCorners = 0b1111;
 struct CornerKey {
   double frame = 0.0;  // may lie between two frames
   Quadrilateral points{};
-  std::uint8_t present = 0;  // bit c is set where corner c has a position here
+  std::uint8_t present = 0;  // bit c is set if corner c has a position here
   std::uint8_t percent = 0;  // bit 2c for x and 2c + 1 for y of corner c: in percent, whatever the track's units
-  std::uint32_t line = 0;    // the line of the file that holds it, from 1; 0 where there is none
+  std::uint32_t line = 0;    // the key's line in the file, from 1; 0 if there is none
 
   bool has(std::size_t corner) const { return (present >> corner & 1) != 0; }
   bool complete() const { return present == kAllCorners; }
 };
 
-// One coordinate of a source corner: pixels, or a share of the picture's width or height.
+// One coordinate of a source corner: pixels, or a fraction of the picture's width or height.
 struct SourceCoordinate {
   double value = 0.0;
   bool is_share = false;
 };
 
-// Which points of the layer the track's corners are, where those are not the layer's own corners.
+// The points of the layer that the track's corners correspond to, if they are not the layer's own corners.
 using SourceCorners = std::array<std::array<SourceCoordinate, 2>, kCornerCount>;
 
 struct CornerTrack {
   std::string source;           // the file or files, as messages name them
-  std::vector<CornerKey> keys;  // ascending frames, one key a frame, at least one key; one alone is a constant
+  std::vector<CornerKey> keys;  // ascending frames, one key per frame, at least one; a single key is constant
   host::Interpolation interpolation = host::Interpolation::Linear;
   Conventions conventions;            // what the positions mean
-  bool corners_named = false;         // the file told which point is which corner, so that the order is no guess
+  bool corners_named = false;         // the file names the corners, so their order need not be guessed
   std::optional<SourceCorners> from;  // empty: the layer's own corners
-  bool inverted = false;              // the corners go to `from`, rather than from there
-  // The quadrilateral of the layer that alone goes onto the corners, in the layer's pixels or percent of it, over the
-  // frames as `keys` are; empty: the layer's outline.
+  bool inverted = false;              // the map goes from the corners to `from`, not the other way
+  // The quadrilateral of the layer that is drawn onto the corners, in the layer's pixels or percent of it, keyed by
+  // frame like `keys`; empty: the layer's outline.
   std::vector<CornerKey> source_keys;
 };
 

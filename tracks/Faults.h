@@ -1,4 +1,4 @@
-// From the faults that readers throw to the errors that the library returns.
+// Converts the faults that readers throw to the errors that the library returns.
 #pragma once
 
 #include <utility>

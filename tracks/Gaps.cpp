@@ -102,7 +102,7 @@ std::vector<std::string> fillGaps(CornerTrack& track, std::optional<int> longest
   }
   if (!sparse || longest) {
     if (const std::vector<double> frames = framesWithoutKey(track, limit); !frames.empty()) {
-      notes.push_back(fmt::format("{}: without a key, interpolated", frameList(frames)));
+      notes.push_back(fmt::format("{}: no key, interpolated", frameList(frames)));
     }
   }
   return notes;

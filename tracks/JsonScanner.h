@@ -1,4 +1,4 @@
-// Reads JSON value by value, without keeping it: memory stays that of the result, and every fault has its line.
+// Reads JSON value by value, without building a tree: memory is only needed for the result, and every error has a line.
 #pragma once
 
 #include <cstdint>
@@ -15,18 +15,18 @@ class JsonScanner {
   // Both must outlive the object.
   JsonScanner(std::string_view text, std::string_view file) : text_(text), file_(file) {}
 
-  // The character that the next value begins with; '\0' at the end of the text.
+  // The first character of the next value; '\0' at the end of the text.
   char peek();
 
-  // Takes an object's or array's opening bracket, which must be next.
+  // Consumes an object's or array's opening bracket, which must be next.
   void open(char bracket);
-  // Moves to the object's next member and tells its name; false, past the closing brace, when there is none. The name
-  // is valid until the next call.
+  // Moves to the object's next member and returns its name in `name`, which is valid until the next call. False, after
+  // consuming the closing brace, if there is none.
   bool nextMember(std::string_view& name);
-  // Moves to the array's next element; false, past the closing bracket, when there is none.
+  // Moves to the array's next element. False, after consuming the closing bracket, if there is none.
   bool nextElement();
 
-  // A number; place() gives the field's name when it is none, or not one of at most kLargestNumber.
+  // Reads a number. place() gives the field's name for the error if it is not a number, or larger than kLargestNumber.
   template <typename Place>
   double number(const Place& place) {
     const char first = peek();
@@ -43,14 +43,14 @@ class JsonScanner {
     }
   }
 
-  // A string without its escapes, valid until the next call.
+  // Reads a string and decodes its escapes; valid until the next call.
   std::string_view string();
-  // Passes over any value.
+  // Skips any value.
   void skip();
-  // Fails if anything but blanks is left.
+  // Fails if anything but white space is left.
   void finish();
 
-  // The line of what was read last, from 1.
+  // The line of the last thing that was read, from 1.
   std::uint32_t line() const { return line_; }
   std::string_view file() const { return file_; }
   [[noreturn]] void failSyntax();
@@ -66,7 +66,7 @@ class JsonScanner {
   std::string_view file_;
   std::size_t at_ = 0;
   std::uint32_t line_ = 1;
-  std::vector<bool> begun_;  // for each open object or array, whether an item was read
+  std::vector<bool> begun_;  // for each open object or array, whether an item has been read
   std::string string_;
 };
 

@@ -14,14 +14,14 @@ namespace vantorel::tracks {
 namespace {
 
 constexpr std::size_t kMaxPoints = 2000;
-constexpr double kMaxDrawnFrames = 1e6;  // beyond which lines join the keys, however the corners move between them
+constexpr double kMaxDrawnFrames = 1e6;  // longer tracks are drawn with straight lines between keys
 constexpr double kWidth = 960.0;
 constexpr double kPathHeight = 540.0;
 constexpr double kSpeedHeight = 200.0;
 constexpr double kMargin = 40.0;
 constexpr std::array<const char*, kCornerCount> kColours{"#d62728", "#1f77b4", "#2ca02c", "#9467bd"};
 
-// A rectangle of the data's and one of the drawing's.
+// A rectangle, in the data's or the drawing's coordinates.
 struct Box {
   double left = 0.0;
   double top = 0.0;
@@ -36,7 +36,7 @@ struct Box {
   }
 };
 
-// The box's middle goes to the drawing's middle, at one scale for x and y.
+// Maps the data's centre to the drawing's centre, with the same scale for x and y.
 class Projection {
  public:
   Projection(const Box& data, const Box& drawing)
@@ -103,7 +103,7 @@ void addPaths(std::string& svg, const CornerTrack& track, Size frame) {
   }
 }
 
-// The largest speed of the corner on the way to the keys from `first` up to `end`, in pixels a frame.
+// The largest speed at which the corner reaches the keys [first, end), in pixels a frame.
 double fastest(const CornerTrack& track, std::size_t corner, std::size_t first, std::size_t end) {
   double most = 0.0;
   for (std::size_t k = std::max<std::size_t>(first, 1); k < end; ++k) {

@@ -46,10 +46,10 @@ void sortKeys(PointTrack& point, std::string_view file) {
   }
 }
 
-using Roles = std::array<std::size_t, kCornerCount>;  // for each corner, which point it is
+using Roles = std::array<std::size_t, kCornerCount>;  // for each corner, the index of its point
 constexpr std::size_t kNoPoint = std::numeric_limits<std::size_t>::max();
 
-// The points whose names say a corner, if each corner is named exactly once.
+// The points whose names stand for corners, if each corner is named exactly once.
 bool rolesByName(const std::vector<PointTrack>& points, Roles& roles) {
   roles.fill(kNoPoint);
   for (std::size_t p = 0; p < points.size(); ++p) {
@@ -176,7 +176,7 @@ CornerTrack joinPoints(TrackDocument document, const std::string& file) {
     }
     if (points.size() != kCornerCount) {
       fail(file, 0, "",
-           fmt::format("holds {} ({}) where four are expected; name four of them ul, ur, ll and lr, or give four "
+           fmt::format("has {} ({}) where four are expected; name four of them ul, ur, ll and lr, or give four "
                        "files of one point each",
                        counted(points.size(), "point"), namesOf(points)));
     }

@@ -1,4 +1,4 @@
-// What readers hand over: points over time, which become the four corners of one track.
+// The readers' output: points over time, which become the four corners of one track.
 #pragma once
 
 #include <optional>
@@ -26,25 +26,26 @@ struct PointTrack {
 struct TrackDocument {
   std::vector<PointTrack> points;
   std::vector<PointTrack> source_points;  // of the layer, in the order of Corner; empty: its outline
-  Conventions conventions;                // the format's at first; the reader adds what the file says
+  Conventions conventions;                // initially the format's; the reader adds those of the file
   host::Interpolation interpolation = host::Interpolation::Linear;
   std::optional<SourceCorners> from;
   bool inverted = false;
-  std::vector<std::string> notes;  // what the reader left out or took for granted
+  std::vector<std::string> notes;  // what the reader skipped or assumed
 };
 
-// One coordinate over time, for formats that keep x and y apart.
+// One coordinate over time, for formats that store x and y separately.
 struct Channel {
   std::vector<std::pair<double, double>> keys;  // frame, value
   std::uint32_t line = 0;
-  bool constant = false;  // one key, whose frame does not count
+  bool constant = false;  // one key, whose frame is ignored
 };
 
 // The point of two channels: a key wherever either has one, the other interpolated there.
 PointTrack joinChannels(std::string name, Channel x, Channel y, std::string_view file);
 
-// Makes one track of the points of a document: the corners by the points' names where these tell, else in their order.
-// Throws ReadFault, naming the file, where there are not four points, they have no keys, or two keys one frame.
+// Joins the points of a document into one track. The points' names decide which corner each one is, else their order.
+// Throws ReadFault, naming the file, if there are not four points, if they have no keys, or if two keys have the same
+// frame.
 CornerTrack joinPoints(TrackDocument document, const std::string& file);
 
 }  // namespace vantorel::tracks

@@ -9,7 +9,7 @@ namespace {
 
 constexpr double kFlattest = 1e-6;
 constexpr double kShortestEdge = 1e-12;
-constexpr double kStraightCorner = 0.01;  // how near to 1 the cosine of a nearly straight corner's turn is
+constexpr double kStraightCorner = 0.01;  // how close to 1 the cosine of a turn is at a nearly straight corner
 
 const Point& around(const Quadrilateral& q, std::size_t i) {
   return q[kAround[i % kCornerCount]];
@@ -54,7 +54,7 @@ bool isCrossing(const Quadrilateral& q) {
 }
 
 bool isDegenerate(const Quadrilateral& q) {
-  // The triangles of all four triples: a quadrilateral that crosses itself may have no area and still be no line.
+  // Checks all four triangles: a self-crossing quadrilateral may have zero area without being a line.
   double largest = 0.0;
   double extent = 0.0;
   for (std::size_t i = 0; i < kCornerCount; ++i) {

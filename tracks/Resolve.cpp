@@ -59,7 +59,7 @@ class Resolver {
                        kLargestSigma));
     }
     if (!(options_.jump > 0.0)) {
-      fail(track().source, 0, "", "cannot be searched for jumps of no size; give a share above 0");
+      fail(track().source, 0, "", "cannot be searched for jumps of size 0; give a share above 0");
     }
   }
 
@@ -93,7 +93,7 @@ class Resolver {
     track().conventions = conventions;
   }
 
-  // Whatever the corners count by, the source's positions are in the layer.
+  // Source positions are always relative to the layer, whichever picture the corners refer to.
   void placeSource(Conventions conventions) {
     if (track().source_keys.empty()) {
       return;
@@ -119,7 +119,8 @@ class Resolver {
       const std::string place = is_animated ? fmt::format("from: frame {}", printed(key.frame, 3)) : "from";
       requireInRange(key, place);
       if (!isConvex(key.points)) {
-        fail(track.source, key.line, place, "makes no convex quadrilateral; give its four corners, each in its place");
+        fail(track.source, key.line, place,
+             "does not form a convex quadrilateral; give its four corners, each in its place");
       }
     }
   }
@@ -139,7 +140,7 @@ class Resolver {
     say(!conventions.pixel_centres && conventions.units.value_or(Units::Pixels) == Units::Pixels,
         "pixel centres at 0.5");
     if (!assumed.empty()) {
-      note(fmt::format("assumed {}, which the file does not say", assumed));
+      note(fmt::format("assumed {}, since the file does not say", assumed));
     }
     const Size output = options_.sizes.output;
     if (conventions.size && output.width > 0 && *conventions.size != output && conventions.of != Basis::Layer) {
@@ -154,7 +155,7 @@ class Resolver {
     if (options_.first_frame) {
       shift = *options_.first_frame - track().keys.front().frame;
     } else if (shift != 0.0 && track().keys.size() > 1) {
-      note(fmt::format("counts frames from {}; its frame {} is taken for frame 1", counts_from, counts_from));
+      note(fmt::format("counts frames from {}; its frame {} becomes frame 1", counts_from, counts_from));
     }
     for (std::vector<CornerKey>* keys : {&track().keys, &track().source_keys}) {
       for (CornerKey& key : *keys) {
@@ -164,13 +165,13 @@ class Resolver {
   }
 
   void repairOrder() {
-    // Points that belong to source corners are recognised by these, not by where they are.
-    const bool told = !track().source_keys.empty() ||
-                      (track().from.has_value() && (track().inverted || !isWholeLayer(*track().from)));
-    result_.order = options_.order ? *options_.order : (told ? kAsWritten : bestOrder(track().keys));
+    // The source corners say which point is which, so the order must not be guessed from the positions.
+    const bool is_known = !track().source_keys.empty() ||
+                          (track().from.has_value() && (track().inverted || !isWholeLayer(*track().from)));
+    result_.order = options_.order ? *options_.order : (is_known ? kAsWritten : bestOrder(track().keys));
     reorder(track().keys, result_.order);
     if (!options_.order && result_.order != kAsWritten) {
-      note(fmt::format("corners are written in the order {} and were put where they belong", orderText(result_.order)));
+      note(fmt::format("corners are in the order {} and were rearranged", orderText(result_.order)));
     }
   }
 
@@ -199,7 +200,7 @@ class Resolver {
   void requireInRange(const CornerKey& key, const std::string& place) const {
     for (std::size_t c = 0; c < kCornerCount; ++c) {
       for (const double value : {key.points[c].x, key.points[c].y}) {
-        // Negated, so that NaN is refused too.
+        // Negated so that NaN fails too.
         if (!(value >= kLowest && value < kBeyond)) {
           fail(result_.track.source, key.line, fmt::format("{}: {}", place, kCornerNames[c]),
                fmt::format("{} pixels is outside -32768 to 32767.99; move the corner nearer to the layer",

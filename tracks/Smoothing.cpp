@@ -9,10 +9,10 @@ namespace vantorel::tracks {
 
 namespace {
 
-constexpr double kReach = 3.0;  // in sigmas, beyond which weights are below 1.2 %
+constexpr double kReach = 3.0;  // in sigmas; weights beyond are below 1.2 %
 constexpr std::size_t kMaxNeighbours = 300;
 
-// A sum of quadrilaterals with weights.
+// A weighted mean of quadrilaterals.
 class WeightedMean {
  public:
   void add(const Quadrilateral& q, double weight) {

@@ -31,7 +31,7 @@ host::Corners asCorners(const Quadrilateral& q) {
   return {q[kUpperLeft], q[kUpperRight], q[kLowerLeft], q[kLowerRight]};
 }
 
-// Nothing where the point is on the horizon or beyond it.
+// Empty if the point is on or beyond the horizon.
 std::optional<Point> imageOf(const host::Homography& map, const Point& point) {
   const Point image = map(point);
   if (!(map.weight(point) > 0.0) || !std::isfinite(image.x) || !std::isfinite(image.y)) {
@@ -46,7 +46,7 @@ void moveKey(CornerKey& key, const CornerTrack& track, const Quadrilateral& sour
                                   : host::Homography::ofQuadrilateral(asCorners(source), points);
   if (!map) {
     fail(track.source, key.line, fmt::format("frame {}", printed(key.frame, 3)),
-         "makes no convex quadrilateral, which leaves the layer's own corners unknown; correct its points");
+         "does not form a convex quadrilateral, so the layer's own corners are unknown; correct its points");
   }
   const Quadrilateral corners = cornersOf(layer);
   for (std::size_t c = 0; c < kCornerCount; ++c) {

@@ -18,14 +18,14 @@ bool isBlank(char c) {
   return c == ' ' || c == '\t' || c == '\r';
 }
 
-// Reads the whole text as a number. Sets `fault` to a phrase that continues "'<text>' ...".
+// Parses the whole text as a number. On failure `fault` is a phrase that continues "'<text>' ...".
 bool parseDecimal(std::string_view text, double& value, const char*& fault) {
   if (text.size() > 1 && text.front() == '+' && text[1] != '-') {
     text.remove_prefix(1);
   }
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error == std::errc::result_out_of_range) {
-    fault = "is beyond what a number can hold";
+    fault = "is too large for a number";
   } else if (error != std::errc() || end != text.data() + text.size()) {
     fault = text.empty() ? "is empty" : "is not a number";
   } else if (!std::isfinite(value)) {

@@ -1,5 +1,5 @@
-// Reading text line by line or word by word, with faults that name file, line and field. Nothing here depends on the
-// locale. Readers throw ReadFault; the library's public functions turn it into an Error.
+// Reads text line by line or word by word; errors name file, line and field. Nothing here depends on the locale.
+// Readers throw ReadFault; the library's public functions convert it to an Error.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace vantorel::tracks {
 
-// Positions and frame numbers beyond this are no picture's.
+// Larger positions and frame numbers count as errors.
 constexpr double kLargestNumber = 1e9;
 
 struct ReadFault {
@@ -17,10 +17,10 @@ struct ReadFault {
   std::string message;  // "'twelve' is not a number; expected ..."
 };
 
-// Throws the fault of that field on that line; `line` 0 and an empty field are left out.
+// Throws a ReadFault for the field on that line; a `line` of 0 and an empty field are left out of the message.
 [[noreturn]] void fail(std::string_view file, std::uint32_t line, std::string_view field, const std::string& message);
 
-// The text as messages show it: at most 40 bytes, control characters replaced.
+// The text in quotes for messages: at most 40 bytes, control characters replaced.
 std::string quoted(std::string_view text);
 
 // The text without a byte order mark.
@@ -36,7 +36,7 @@ std::string lowerCase(std::string_view text);
 
 bool isNumber(std::string_view text);
 
-// A text in a file. Line ends are LF, CR LF or CR.
+// The lines of a file's text. Line ends are LF, CR LF or CR.
 class Lines {
  public:
   // Both must outlive the object.
@@ -46,19 +46,19 @@ class Lines {
   bool next();
   // Moves to the next line that is neither blank nor begins with a character of `comments`.
   bool nextContent(std::string_view comments = "#");
-  // As nextContent(), but the text's end is a fault: `expected` says what is missing.
+  // Like nextContent(), but fails at the end of the text; `expected` says what is missing.
   void needContent(std::string_view expected, std::string_view comments = "#");
 
-  // The present line, trimmed.
+  // The current line, trimmed.
   std::string_view text() const { return line_; }
   std::uint32_t number() const { return number_; }
   std::string_view file() const { return file_; }
 
   [[noreturn]] void fail(std::string_view field, const std::string& message) const;
 
-  // A finite number of at most kLargestNumber, with a point, or with a comma where `decimal_comma` says so.
+  // Parses a finite number of at most kLargestNumber, with a decimal point or, if `decimal_comma`, a comma.
   double decimal(std::string_view text, std::string_view field, bool decimal_comma = false) const;
-  // A whole number from 0 to 2^31 - 1.
+  // Parses a whole number from 0 to 2^31 - 1.
   std::uint32_t whole(std::string_view text, std::string_view field) const;
 
  private:
@@ -69,11 +69,11 @@ class Lines {
   bool after_carriage_return_ = false;
 };
 
-// The words of the line, separated by blanks, tabs and the characters of `also`; a word in double quotes is one, given
-// without them. Returns how many there are in `words`, which it clears.
+// The words of the line, separated by blanks, tabs and the characters of `also`; text in double quotes is one word,
+// returned without the quotes. Replaces the contents of `words` and returns their number.
 std::size_t splitWords(std::string_view line, std::vector<std::string_view>& words, std::string_view also = "");
 
-// The words of a text that is no matter of lines: braces and parentheses are words of their own, and what stands in
+// The words of a text whose line breaks have no meaning. Braces and parentheses are words of their own, and text in
 // double quotes is one word.
 class Words {
  public:
@@ -81,11 +81,11 @@ class Words {
 
   // The next word, empty at the end of the text.
   std::string_view next();
-  // The next word without taking it.
+  // The next word, without consuming it.
   std::string_view peek();
-  // Takes the next word, which must be this one.
+  // Consumes the next word, which must be this one.
   void expect(std::string_view word, std::string_view field);
-  // Skips to the brace or parenthesis that closes the one just taken.
+  // Skips to the brace or parenthesis that closes the one just consumed.
   void skipGroup();
   double decimal(std::string_view field);
 
@@ -102,10 +102,10 @@ class Words {
   bool quoted_ = false;
 };
 
-// As Lines::decimal, for readers that know the line themselves.
+// Like Lines::decimal, for readers that keep track of the line themselves.
 double decimalAt(std::string_view file, std::uint32_t line, std::string_view field, std::string_view text);
 
-// With at most that many digits after the point and no zeros at the end: "12.5".
+// The number with at most that many decimals and no trailing zeros: "12.5".
 std::string printed(double value, int decimals);
 
 }  // namespace vantorel::tracks

@@ -15,13 +15,14 @@ namespace vantorel::tracks {
 
 namespace {
 
-// What tells a format stands in a file's first lines; a node may follow others.
+// A file's first lines are enough to recognise its format; this much, because other nodes may come before the one that
+// counts.
 constexpr std::size_t kSniffedBytes = 1u << 20;
-// Ten hours of keys on every frame are a tenth of this.
+// Ten hours with a key on every frame take a tenth of this.
 constexpr std::size_t kLargestFile = 512u << 20;
 constexpr std::size_t kReadAtOnce = 1u << 18;
 
-// Those that a stray text could be taken for come last.
+// Formats that almost any text could pass for come last.
 constexpr std::array<const Format*, 17> kFormats{
     &kUvJsonFormat,    &kJsonFormat,    &kNodeTextFormat,  &kMatchMoverFormat, &kFlameFormat,  &kShakeFormat,
     &kMayaLiveFormat,  &kPfTrackFormat, &kBlenderFormat,   &k3dePointsFormat,  &kUvTextFormat, &kMltFormat,
@@ -58,8 +59,8 @@ const Format& formatOf(std::string_view text, const TrackSource& source, const R
   if (!lines.nextContent()) {
     fail(source.file, 0, "", "holds no keys; export the track with a key on every frame");
   }
-  lines.fail(
-      "", fmt::format("reads {}, which begins no known format; export one of {}", quoted(lines.text()), formatNames()));
+  lines.fail("", fmt::format("reads {}, which no known format begins with; export one of {}", quoted(lines.text()),
+                             formatNames()));
 }
 
 std::string joinedNames(std::span<const TrackSource> sources) {
@@ -100,7 +101,7 @@ void addSource(const TrackSource& source, const Format& format, const ReadOption
 
 ReadTrack readSources(std::span<const TrackSource> sources, const ReadOptions& options) {
   if (sources.empty()) {
-    fail("", 0, "", "no file of corners is given; give one, or four of one point each");
+    fail("", 0, "", "no corners file was given; give one, or four of one point each");
   }
   ReadTrack result;
   TrackDocument document;
@@ -108,7 +109,7 @@ ReadTrack readSources(std::span<const TrackSource> sources, const ReadOptions& o
     const Format& format = formatOf(withoutByteOrderMark(source.text), source, options);
     if (result.format != nullptr && result.format != &format) {
       fail(source.file, 0, "",
-           fmt::format("is in the format {}, the file before in {}; give four of one format", format.name,
+           fmt::format("is in the format {}, the file before it in {}; give four of one format", format.name,
                        result.format->name));
     }
     result.format = &format;
@@ -119,7 +120,8 @@ ReadTrack readSources(std::span<const TrackSource> sources, const ReadOptions& o
   return result;
 }
 
-// The track as the format can hold it: where it cannot say what is between two keys, with keys on every frame.
+// The track in a form that the format can represent: with keys on every frame if it cannot express the interpolation
+// between keys.
 CornerTrack withKeysFor(const Format& format, const CornerTrack& track) {
   if (!track.source_keys.empty() && !format.can_name_source) {
     fail(track.source, 0, "from",
@@ -141,14 +143,14 @@ CornerTrack inConventions(CornerTrack track, const Format& format, Size frame) {
       overridden({Origin::UpperLeft, Units::Pixels, Basis::Output, {}, 0.5, {}, {}}, format.conventions);
   const PictureSizes sizes{frame, frame};
   if (*missingSize(conventions, sizes) != '\0') {
-    fail(track.source, 0, "", fmt::format("needs the pictures' size to be written as {}; give it", format.name));
+    fail(track.source, 0, "", fmt::format("needs the picture size to be written as {}; give it", format.name));
   }
   if (frame.width > 0 && frame.height > 0) {
     conventions.size = frame;
     conventions.aspect = static_cast<double>(frame.width) / frame.height;
   }
   if (conventions.units == Units::CentreSpan && (frame.width < 2 || frame.height < 2)) {
-    fail(track.source, 0, "", fmt::format("is of a picture too small to be written as {}", format.name));
+    fail(track.source, 0, "", fmt::format("refers to a picture that is too small for {}", format.name));
   }
   const FrameMap map = frameMap(conventions, sizes);
   const double shift = conventions.counts_from.value_or(1) - 1;
@@ -183,7 +185,7 @@ const Format* detectFormat(std::string_view text, std::string_view file) {
     }
   }
   const std::string extension = lowerCase(extensionOf(file));
-  // Text files may be anything.
+  // .txt files may be in any format.
   const auto* const found = std::find_if(kFormats.begin(), kFormats.end(), [&](const Format* format) {
     return format->extension == extension && extension != ".txt" && format != &kBlenderFormat;
   });
@@ -201,7 +203,7 @@ host::Result<std::string> readStream(std::istream& stream, const std::string& na
     while (stream.read(buffer.data(), static_cast<std::streamsize>(buffer.size())) || stream.gcount() > 0) {
       text.append(buffer.data(), static_cast<std::size_t>(stream.gcount()));
       if (text.size() > kLargestFile) {
-        fail(name, 0, "", "is larger than 512 MiB; give a file of corners");
+        fail(name, 0, "", "is larger than 512 MiB; give a corners file");
       }
     }
     if (stream.bad()) {

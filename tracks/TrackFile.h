@@ -12,50 +12,49 @@
 
 namespace vantorel::tracks {
 
-// Every format, in the order in which texts are tried for them.
+// All formats, in the order in which they are tried on a text.
 std::span<const Format* const> formats();
 
 // The format of that name, or null.
 const Format* formatNamed(std::string_view name);
 
-// The format of a text by its content; where that does not tell, by the ending of the file's name; null if neither
-// does.
+// The format of a text, detected by its content or else by the file name's extension; null if unknown.
 const Format* detectFormat(std::string_view text, std::string_view file);
 
-// A file's content and what messages call it. The text must outlive the call only.
+// A file's content and its name in messages. The text need only outlive the call.
 struct TrackSource {
   std::string file;
   std::string_view text;
 };
 
 struct ReadOptions {
-  const Format* format = nullptr;           // null: found by content
+  const Format* format = nullptr;           // null: detected by content
   std::optional<double> frames_per_second;  // for formats with clock times
 };
 
 struct ReadTrack {
-  CornerTrack track;  // as the file says it, in the file's conventions
+  CornerTrack track;  // as in the file, in the file's conventions
   const Format* format = nullptr;
-  std::vector<std::string> notes;  // what was left out or taken for granted, each to be reported once
+  std::vector<std::string> notes;  // what was skipped or assumed, each to be reported once
 };
 
 // Reads one file with four points, or four files of one format with a point each, in the order ul, ur, ll, lr unless
-// their points' or their own names tell another. Errors name file, line and field. Time and memory are linear in the
-// texts.
+// the names of the points or of the files say otherwise. Errors name file, line and field. Time and memory are linear
+// in the texts.
 host::Result<ReadTrack> readTrack(std::span<const TrackSource> sources, const ReadOptions& options = {});
 
-// The whole stream's bytes, up to 512 MiB; `name` is what errors call it.
+// The whole stream's bytes, up to 512 MiB; `name` is its name in errors.
 host::Result<std::string> readStream(std::istream& stream, const std::string& name);
 
 struct WriteOptions {
-  std::vector<Corner> corners{kUpperLeft, kUpperRight, kLowerLeft, kLowerRight};  // which ones this file gets
-  Size frame;  // the size of the picture that the track's pixels are of; zero if not known
+  std::vector<Corner> corners{kUpperLeft, kUpperRight, kLowerLeft, kLowerRight};  // the ones to write to this file
+  Size frame;  // the size of the picture that the track's pixels refer to; zero if unknown
 };
 
 // The text of a file in that format. `track` holds pixels from the upper left, as resolveTrack() gives them, with every
-// key complete. Formats that expect a position on every frame, or cannot say how the corners move between two keys,
-// get those between keys too. Fails where the format needs
-// the picture's size and it is not known, or cannot hold the track.
+// key complete. Formats that expect a position on every frame, or cannot express the interpolation between keys, also
+// get the frames between keys. Fails if the format needs the picture's size and it is unknown, or if the format cannot
+// represent the track.
 host::Result<std::string> writeTrack(const CornerTrack& track, const Format& format, const WriteOptions& options);
 
 }  // namespace vantorel::tracks

@@ -13,7 +13,7 @@ namespace vantorel::tracks {
 namespace {
 
 constexpr double kMaxFrames = 1e7;
-// Frame numbers are written with six digits after the point: a key that close to a whole frame stands on it.
+// Frame numbers are written with six decimals: a key this close to a whole frame counts as being on it.
 constexpr double kSameFrame = 1e-6;
 
 }  // namespace

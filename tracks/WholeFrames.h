@@ -1,11 +1,11 @@
-// Tracks between their keys.
+// Tracks evaluated between their keys.
 #pragma once
 
 #include "tracks/CornerTrack.h"
 
 namespace vantorel::tracks {
 
-// A corner over the frames, each of which stands for a second, from the keys that have it.
+// A corner as an animated point, made from the keys that have it; one frame counts as a second.
 host::AnimatedPoint animated(const CornerTrack& track, std::size_t corner);
 
 // The track with a key on every whole frame from its first key to its last; its own keys stay as they are. Throws

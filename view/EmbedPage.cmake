@@ -1,4 +1,5 @@
-# Writes OUTPUT, a source that holds the page's files: cmake -D OUTPUT=FILE -D FOLDER=PAGE -D NAMES=A,B -P EmbedPage.cmake
+# Writes OUTPUT, a source file that contains the page's files: cmake -D OUTPUT=FILE -D FOLDER=PAGE -D NAMES=A,B -P
+# EmbedPage.cmake
 string(REPLACE "," ";" names "${NAMES}")
 set(arrays "")
 set(entries "")

@@ -1,4 +1,4 @@
-// The page's files, which the build embeds in the program.
+// The page's files, embedded in the program at build time.
 #pragma once
 
 #include <span>

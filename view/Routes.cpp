@@ -23,8 +23,8 @@ void setJson(Response& response, const json& body) {
   response.set_content(body.dump(-1, ' ', false, json::error_handler_t::replace), "application/json");
 }
 
-// Runs what answers a request; what it throws becomes an error for the page to show. A picture that a later request
-// has ended is no error: it has no content.
+// Runs a request's handler and converts its exceptions to errors that the page shows. A picture request that was
+// superseded by a later one is not an error: its response has no content.
 httplib::Server::Handler guarded(std::function<void(const Request&, Response&)> answer) {
   return [answer = std::move(answer)](const Request& request, Response& response) {
     try {

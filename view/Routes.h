@@ -1,4 +1,4 @@
-// Which address the server answers how.
+// The server's routes.
 #pragma once
 
 #include "view/http/LocalServer.h"
@@ -6,7 +6,7 @@
 
 namespace vantorel::view {
 
-// The page's files, and below api/ what the page asks for. The session must outlive the server's serving.
+// Adds the page's files, and the page's requests below api/. The session must outlive the call of serve().
 void addRoutes(LocalServer& server, Session& session);
 
 }  // namespace vantorel::view

@@ -18,8 +18,9 @@ namespace vantorel::view {
 
 namespace {
 
-// A view runs for hours and lets pictures of many sizes come and go on many threads. By default the C library keeps
-// what each thread has freed, and so ever more of it; these hand a picture's memory back when the picture goes.
+// A view runs for hours and allocates and frees pictures of many sizes on many threads. By default the C library caches
+// freed memory per thread, which keeps growing; with these settings a picture's memory goes back to the system when it
+// is freed.
 void handBackFreedMemory() {
   constexpr int kLeastMappedBytes = 128 << 10;
   constexpr int kMostKeptBytes = 1 << 20;
@@ -33,7 +34,7 @@ bool hasScreen() {
   return std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr;
 }
 
-// The desktop's own opener, found on the path; it hands the address to the browser and ends.
+// Runs xdg-open from the path, which passes the address to the desktop's browser and exits.
 void openBrowser(const std::string& address) {
   std::string program = "xdg-open";
   std::string argument = address;
@@ -45,7 +46,7 @@ void openBrowser(const std::string& address) {
   }
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
-  // The command has signals blocked, which the browser would inherit.
+  // The browser must not inherit the signals that this command blocks.
   sigset_t none;
   sigemptyset(&none);
   posix_spawnattr_setsigmask(&attributes, &none);
@@ -96,7 +97,7 @@ ExitCode runView(const ViewOptions& given, const std::stop_token& stop) {
     session.job().cancel();
   });
   server.serve(stop);
-  // To be stopped is how a view ends; only a rendering is interrupted by it.
+  // Stopping is the normal end of a view; it only counts as an interruption if a rendering was running.
   return cut_off ? ExitCode::Interrupted : ExitCode::Done;
 }
 

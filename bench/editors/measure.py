@@ -24,7 +24,7 @@ CROPS = (("trapezoid", TRAPEZOID, (190, 520, 430, 680)), ("shrunk", shrunk_corne
 
 
 def frame_times(source, rounds):
-    """Milliseconds a frame of each filter, less those of the format's conversion alone: one number a round."""
+    """Milliseconds per frame of each filter, minus those of the format conversion alone: one number per round."""
     times = {name: [] for name in FILTERS if "best" not in name}
     for _ in range(rounds):
         for name, samples in times.items():
@@ -72,7 +72,7 @@ def page(folder):
 
 
 def write_crops(crops, folder):
-    """A part of a page on the trapezoid, and shrunk 4 times: by the other filter, by this one, and in truth."""
+    """A part of a page on the trapezoid, and shrunk 4 times: by the other filter, by this one, and exactly."""
     image = page(folder)
     source = folder / "page.rgba"
     image.tofile(source)

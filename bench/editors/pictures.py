@@ -1,4 +1,4 @@
-"""Test pictures of 1920x1080 in RGBA, and what they truly look like on four corners."""
+"""Test pictures of 1920x1080 in RGBA, and their exact image on four corners."""
 
 import numpy as np
 
@@ -18,7 +18,7 @@ def halves():
 
 
 def detail():
-    """A zone plate, checks of one pixel to eight, and noise: one in each channel."""
+    """A zone plate, checks of one to eight pixels, and noise: one in each channel."""
     y, x = np.mgrid[:HEIGHT, :WIDTH]
     radius_squared = (x - WIDTH / 2) ** 2 + (y - HEIGHT / 2) ** 2
     zone_plate = 127.5 + 127.5 * np.cos(np.pi * radius_squared / WIDTH)

@@ -57,7 +57,7 @@ FILTERS = {
 
 
 def set_filter_folder(folder):
-    """Where ffmpeg and melt find this filter; the corner filter lies where Debian has it."""
+    """Where ffmpeg and melt find this filter; the corner filter is where Debian installs it."""
     installed = "/usr/lib/frei0r-1"
     os.environ["FREI0R_PATH"] = os.environ["MLT_FREI0R_PLUGIN_PATH"] = f"{Path(folder).resolve()}:{installed}"
     os.environ["QT_QPA_PLATFORM"] = "offscreen"
@@ -73,7 +73,7 @@ def ffmpeg(chain, source, output, *options):
 def drawn_by_ffmpeg(name, source, corners):
     """RGBA of one frame."""
     pixel_format, text = FILTERS[name]
-    # Bilinear conversions of chroma would blur what is to be measured; at 4:4:4 there are none.
+    # Bilinear chroma conversion would blur the measured pictures; at 4:4:4 there is none.
     raw = ffmpeg(f"format={pixel_format},{text(corners)},format=rgba", source,
                  ["-frames:v", "1", "-f", "rawvideo", "-pix_fmt", "rgba", "-"])
     return np.frombuffer(raw, np.uint8).reshape(HEIGHT, WIDTH, 4)
@@ -87,7 +87,7 @@ def processor_seconds(chain, source, frames):
 
 
 def drawn_by_melt(service, parameters, source_png, folder):
-    """RGBA of one frame that melt writes, by way of a PNG."""
+    """RGBA of one frame from melt, which writes it as a PNG."""
     (folder / "profile").write_text(MLT_PROFILE)
     values = [f"{i}={value}" for i, value in parameters.items()]
     subprocess.run(["melt", "-profile", "./profile", "-silent", source_png, "out=0", "-attach", service, *values,

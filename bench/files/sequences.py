@@ -33,7 +33,7 @@ def run(arguments, folder):
 
 
 def make_pictures(command, folder, kind, frames):
-    """Layers and plates of 1920x1080, each frame with a grain of its own."""
+    """Layers and plates of 1920x1080, each frame with different grain."""
     types = ["-d", "half"] if kind == "exr" else ["-d", "uint8"]
     run([command, "testcard", "-o", "card.png", "--size", "1920x1080"], folder)
     for frame in range(1, frames + 1):
@@ -54,7 +54,7 @@ def oiiotool(kind, frames):
 
 
 def measure(command, folder, kind, lengths, rounds):
-    """The medians of wall and processor milliseconds a frame, by the name of what ran."""
+    """The medians of wall and processor milliseconds per frame, by the name of the program."""
     programs = {
         "one thread": lambda frames: vantorel(command, kind, 1, frames),
         "two threads": lambda frames: vantorel(command, kind, 2, frames),

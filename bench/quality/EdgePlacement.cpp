@@ -38,7 +38,7 @@ Lines linesOf(host::Size size, bool columns, const Value& value) {
 }
 
 struct Step {
-  std::ptrdiff_t after;  // the first pixel behind the edge
+  std::ptrdiff_t after;  // the first pixel after the edge
   bool rises;
 };
 
@@ -58,7 +58,7 @@ struct Window {
   std::ptrdiff_t last;
 };
 
-// Half way to the neighbours, and the same distance where there is only one.
+// Half way to the neighbours on both sides; if there is only one, the same distance on the other side.
 Window windowAround(const std::vector<Step>& steps, std::size_t i, std::ptrdiff_t length) {
   const std::ptrdiff_t at = steps[i].after;
   const bool has_before = i > 0;
@@ -70,7 +70,7 @@ Window windowAround(const std::vector<Step>& steps, std::size_t i, std::ptrdiff_
   return {std::max<std::ptrdiff_t>(0, at - before), std::min(length - 1, at + behind)};
 }
 
-// Picture and truth of one channel in one direction, and the truth's alpha.
+// The picture and the truth of one channel, and the truth's alpha, all in one direction.
 struct Directed {
   Lines picture;
   Lines truth;
@@ -79,14 +79,14 @@ struct Directed {
 
 constexpr double kNearLevel = 0.01;
 
-// Whether the truth is black before and white behind a rising step, at that line.
+// Whether the truth is completely black and white at the ends of the window.
 bool reachesBothLevels(std::span<const double> truth, const Window& window, bool rises) {
   const double low = truth[static_cast<std::size_t>(rises ? window.first : window.last)];
   const double high = truth[static_cast<std::size_t>(rises ? window.last : window.first)];
   return low < kNearLevel && high > 1 - kNearLevel;
 }
 
-// Whether holds(i) for the lines at most `reach` before and behind.
+// Whether holds(i) is true for all lines up to `reach` before and after.
 template <typename Holds>
 bool holdsAround(int line, int reach, int count, const Holds& holds) {
   if (line < reach || line + reach >= count) {

@@ -9,7 +9,7 @@ namespace vantorel::quality {
 
 namespace {
 
-// Of this process, so that other programs do not count.
+// Processor time of this process, so that other programs do not count.
 double processorSeconds() {
   timespec now{};
   clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);

@@ -5,8 +5,8 @@
 
 namespace vantorel::quality {
 
-// Draws the frame. Returns the processor seconds that drawing takes: the median of several times after a first one, as
-// many as fit into half a second, at least three; but the first time alone where that is longer than two seconds.
+// Draws the frame and returns the processor time of drawing, in seconds: the median of as many runs as fit into half a
+// second, but at least three, after a first run. If the first run takes longer than two seconds, its own time.
 double drawingSeconds(const Frame& frame);
 
 }  // namespace vantorel::quality

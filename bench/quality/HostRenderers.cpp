@@ -22,7 +22,7 @@ host::FrameOptions withQuality(host::Quality quality, int samples = 0) {
   return options;
 }
 
-// The effect's own way of counting positions.
+// The effect's own convention for positions.
 host::FrameOptions highFromCentres() {
   host::FrameOptions options = withQuality(host::Quality::High);
   options.placement = host::Placement::Centres;
@@ -35,8 +35,8 @@ host::FrameOptions highWithCrispEdges() {
   return options;
 }
 
-// Corners that make up for it on the perspective path: where the layer's outline goes when moved by half a layer pixel,
-// moved back by half a canvas pixel.
+// Corners that compensate for it on the perspective path: where the layer's outline is drawn when moved by half a layer
+// pixel, moved back by half a canvas pixel.
 host::Corners movedCorners(const Scene& scene) {
   if (scene.path != host::RenderPath::Perspective) {
     return scene.corners;

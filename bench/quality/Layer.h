@@ -1,4 +1,4 @@
-// The pictures that are drawn: opaque and grey, so that one number a pixel says all.
+// The test layers: opaque and grey, so that one number per pixel is enough.
 #pragma once
 
 #include <vector>
@@ -16,8 +16,8 @@ struct Layer {
   }
 };
 
-// Rings about the middle, whose frequency rises from 0 to half a cycle a pixel at the nearer pair of borders, and
-// beyond it in the corners.
+// Concentric rings, whose frequency rises from 0 to half a cycle per pixel at the nearer pair of borders, and higher in
+// the corners.
 Layer zonePlate(host::Size size);
 
 // Upright bars in the upper third, level bars in the middle one and checks in the lower one, black and white; each
@@ -29,7 +29,7 @@ Layer white(host::Size size);
 // Black and white squares of `side` pixels, white in the upper left corner.
 Layer checks(host::Size size, int side);
 
-// The layer as the host takes it: four channels, alpha first. Throws std::runtime_error when it cannot be made.
+// The layer in the host's form: four channels, alpha first. Throws std::runtime_error if it cannot be allocated.
 host::Image imageOf(const Layer& layer, host::Depth depth);
 
 }  // namespace vantorel::quality

@@ -22,7 +22,7 @@ Matrix unitSquareTo(const Ring& p) {
            {g, h, 1.0}}};
 }
 
-// The inverse but for a factor.
+// The inverse up to a factor.
 Matrix adjugate(const Matrix& m) {
   Matrix result{};
   for (std::size_t i = 0; i < 3; ++i) {

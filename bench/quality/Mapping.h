@@ -1,5 +1,5 @@
-// Where in the layer a position of the canvas comes from. On both sides pixel k covers [k, k + 1), and the layer's
-// outline lies exactly on the corners. Written apart from the renderers that are judged by it.
+// Maps canvas positions to the layer. In both, pixel k covers [k, k + 1), and the layer's outline is exactly on the
+// corners. Implemented independently of the renderers that are compared with it.
 #pragma once
 
 #include <array>
@@ -19,8 +19,8 @@ Ring ringOf(const host::Corners& corners);
 // The layer's own corners.
 Ring ringOf(host::Size layer);
 
-// Where a projective map that takes the layer's outline to the ring takes the outline moved by so many layer pixels to
-// the right and down.
+// The image of the layer's outline, moved by `pixels` layer pixels to the right and down, under the projective map that
+// takes the unmoved outline to the ring.
 Ring imageOfMovedOutline(host::Size layer, const Ring& ring, double pixels);
 
 // One row of positions of a projective map: layer x = (x_at_0 + x_step x) / (w_at_0 + w_step x), and y likewise.
@@ -37,7 +37,7 @@ struct ProjectiveRow {
   bool covers(double x) const;
 };
 
-// The homography that takes the layer's outline to a strictly convex quadrilateral, turned round.
+// The inverse of the homography that takes the layer's outline to a strictly convex quadrilateral.
 class ProjectiveMap {
  public:
   ProjectiveMap(host::Size layer, const Ring& ring);
@@ -54,15 +54,14 @@ struct ScanRow {
   double left = 0;
   double right = 0;
   host::Point at_left;
-  host::Point slope;  // layer pixels a canvas pixel
+  host::Point slope;  // layer pixels per canvas pixel
 
   host::Point position(double x) const { return {at_left.x + slope.x * (x - left), at_left.y + slope.y * (x - left)}; }
   bool covers(double x) const { return x >= left && x < right; }
 };
 
-// Two chains of edges run down from the top corner; a position along an edge goes linearly with y, and between the
-// chains linearly with x. Throws std::invalid_argument unless both chains run downwards all the way to the bottom
-// corner.
+// Two chains of edges run down from the top corner; positions are linear in y along an edge, and linear in x between
+// the chains. Throws std::invalid_argument unless both chains run downwards all the way to the bottom corner.
 class ScanMap {
  public:
   ScanMap(host::Size layer, const Ring& ring);

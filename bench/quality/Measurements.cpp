@@ -12,7 +12,7 @@ namespace vantorel::quality {
 
 namespace {
 
-// Where the slow peers are judged too.
+// The scene in which the slow peers are measured too.
 constexpr const char* kSlowPeersScene = "turned by 30 degrees, shrunk 6 times";
 
 host::Image transparent(host::Size size, host::Depth depth) {
@@ -31,7 +31,7 @@ bool isJudged(const Renderer& renderer, const Scene& scene) {
   return renderer.judged_everywhere || scene.name == kSlowPeersScene;
 }
 
-// Tells of a selected scene too, since some take minutes.
+// Also prints selected scenes, since some take minutes.
 bool isSelected(const Scene& scene, const Selection& selection) {
   const bool selected = scene.name.find(selection.row) != std::string::npos;
   if (selected) {
@@ -49,7 +49,7 @@ class Drawing {
         frame_(renderer.prepare(scene, std::as_const(layer_).view(), output_.view())) {}
 
   void draw() const { frame_.draw(); }
-  // Draws too; processor seconds.
+  // Draws the frame and returns the processor seconds.
   double time() const { return drawingSeconds(frame_); }
   // What was drawn last.
   host::ConstImageView picture() const {
@@ -124,7 +124,7 @@ double largestCoverageError(const host::ConstImageView& picture, const Ring& rin
   return largest * 255;
 }
 
-// In float, whose values are light's own.
+// In float, where values are linear light.
 Row<double> coverageRow(const std::vector<Renderer>& renderers, const Scene& scene) {
   Row<double> row{scene.name, {}};
   for (const Renderer& renderer : renderers) {

@@ -13,7 +13,7 @@
 
 namespace vantorel::quality {
 
-// Figures by column; where a column has none, it was not measured in that row.
+// Figures by column; a column without one was not measured in that row.
 template <typename Figure>
 struct Row {
   std::string name;

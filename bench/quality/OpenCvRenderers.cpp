@@ -1,5 +1,5 @@
-// OpenCV's warps, which do not antialias: with the corners counted from pixels' centres, as its own functions count,
-// and placed, with the layer's outline on the corners.
+// OpenCV's warps, which do not antialias: with corners measured from pixel centres, as its own functions do, and with
+// the layer's outline placed on the corners.
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
@@ -13,7 +13,7 @@ cv::Mat matOf(const host::ImageView& view) {
   return {view.size.height, view.size.width, CV_8UC4, view.data, static_cast<std::size_t>(view.row_bytes)};
 }
 
-// `centre` is where the upper left pixel's centre lies.
+// `centre` is the position of the upper left pixel's centre.
 cv::Mat layerToCanvas(const Scene& scene, float centre) {
   const Ring layer = ringOf(scene.layer);
   const Ring canvas = ringOf(scene.corners);

@@ -11,7 +11,7 @@ namespace vantorel::quality {
 
 namespace {
 
-// A buffer over pixels that stay where they are and whose rows follow one another without padding.
+// A buffer that refers to existing pixels, whose rows must not be padded.
 std::shared_ptr<OIIO::ImageBuf> bufferOver(const std::byte* pixels, std::ptrdiff_t row_bytes, host::Size size) {
   if (row_bytes != std::ptrdiff_t{4} * size.width) {
     throw std::runtime_error("OpenImageIO: rows with padding; choose a width that is a multiple of 16");
@@ -20,8 +20,8 @@ std::shared_ptr<OIIO::ImageBuf> bufferOver(const std::byte* pixels, std::ptrdiff
   return std::make_shared<OIIO::ImageBuf>(spec, const_cast<std::byte*>(pixels));
 }
 
-// Layer to canvas, for row vectors. Pixel k covers [k, k + 1) here too. Goes by way of canvas to layer, which the
-// scene's mapping tells.
+// Layer to canvas, for row vectors. Pixel k covers [k, k + 1) here too. Computed as the inverse of canvas to layer,
+// which the scene's mapping gives.
 Imath::M33f layerToCanvas(const Scene& scene) {
   const ProjectiveMap map(scene.layer, ringOf(scene.corners));
   const ProjectiveRow first = map.row(0);

@@ -11,14 +11,14 @@ double crossingX(const host::Point& from, const host::Point& to, double y) {
   return from.x + (to.x - from.x) * (y - from.y) / (to.y - from.y);
 }
 
-// The ends of an edge's part between the heights y and y + 1.
+// The range of x of an edge between the heights y and y + 1.
 std::pair<double, double> extentInRow(const host::Point& upper, const host::Point& lower, int y) {
   const double first = y <= upper.y ? upper.x : crossingX(upper, lower, y);
   const double last = y + 1 >= lower.y ? lower.x : crossingX(upper, lower, y + 1);
   return std::minmax(first, last);
 }
 
-// Calls mark(x, y) for the pixels of the frame whose inside the edge crosses.
+// Calls mark(x, y) for the frame's pixels that the edge crosses.
 template <typename Mark>
 void walkEdge(host::Point upper, host::Point lower, const host::Rect& frame, const Mark& mark) {
   if (upper.y > lower.y) {
@@ -48,7 +48,7 @@ bool isInside(const Ring& ring, double x, double y) {
   return inside;
 }
 
-// What a half-plane leaves of a polygon; `distance` is positive in the half-plane and linear.
+// A polygon clipped by a half-plane; `distance` is linear, and positive inside the half-plane.
 template <typename Distance>
 std::vector<host::Point> clipped(const std::vector<host::Point>& polygon, const Distance& distance) {
   std::vector<host::Point> kept;

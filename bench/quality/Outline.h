@@ -9,16 +9,16 @@
 
 namespace vantorel::quality {
 
-// Where a pixel lies: on an edge when the outline crosses its inside.
+// A pixel's region; Edge if the outline crosses its inside.
 enum class Region : std::uint8_t { Outside, Inside, Edge };
 
-// The smallest rectangle of whole pixels that holds the ring's part of the canvas.
+// The smallest rectangle of whole pixels around the ring's part of the canvas.
 host::Rect frameOf(const Ring& ring, host::Size canvas);
 
 // The region of each pixel of `frame`, rows from the top.
 std::vector<Region> regionsOf(const Ring& ring, const host::Rect& frame);
 
-// The exact area, 0 to 1, that a convex ring covers of the pixel at (x, y).
+// The exact area, 0 to 1, of the pixel at (x, y) that a convex ring covers.
 double coverage(const Ring& ring, int x, int y);
 
 }  // namespace vantorel::quality

@@ -1,4 +1,4 @@
-// How far a picture is from the truth.
+// Measures how far a picture is from the truth.
 #pragma once
 
 #include "bench/quality/Truth.h"
@@ -6,7 +6,7 @@
 
 namespace vantorel::quality {
 
-// Squared errors over pixels of one region, the mean of the four channels each.
+// The sum of squared errors over the pixels of a region, each the mean of its four channels.
 struct SquaredError {
   double sum = 0;
   std::size_t pixels = 0;
@@ -24,8 +24,8 @@ struct PictureError {
   void add(const PictureError& other);
 };
 
-// Compares an 8-bit picture of the layer at that index, alpha first, with the truth. Outside the truth's frame it is
-// judged too.
+// Compares an 8-bit picture of the layer at that index, alpha first, with the truth. Pixels outside the truth's frame
+// are compared too.
 PictureError compare(const host::ConstImageView& picture, const Truth& truth, std::size_t layer);
 
 }  // namespace vantorel::quality

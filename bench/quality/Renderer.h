@@ -1,4 +1,4 @@
-// What draws: the host at its several settings, and other tools' libraries.
+// The renderers: the host with different settings, and other tools' libraries.
 #pragma once
 
 #include <functional>
@@ -12,17 +12,17 @@
 
 namespace vantorel::quality {
 
-// A frame made ready. The views that it was made for must outlive it.
+// A prepared frame. The views that it was prepared for must outlive it.
 struct Frame {
-  std::function<void()> draw;     // what is timed; on one thread
-  std::function<void()> deliver;  // puts the picture into the output where `draw` leaves it elsewhere; may be empty
+  std::function<void()> draw;     // the timed part; on one thread
+  std::function<void()> deliver;  // copies the picture to the output if `draw` does not draw there; may be empty
 };
 
 struct Renderer {
   std::string name;
-  bool judged_everywhere;  // else only where the slow peers are
-  bool own;                // draws both paths and all depths
-  // Throws std::runtime_error when the frame cannot be made ready, and `draw` when it cannot be drawn.
+  bool judged_everywhere;  // else only in the slow peers' scene
+  bool own;                // one of ours: draws both paths and all depths
+  // Throws std::runtime_error if the frame cannot be prepared; `draw` throws it if the frame cannot be drawn.
   std::function<Frame(const Scene&, const host::ConstImageView& layer, const host::ImageView& output)> prepare;
 };
 

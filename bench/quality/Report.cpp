@@ -6,10 +6,10 @@ namespace vantorel::quality {
 
 namespace {
 
-// The column whose times the others are divided by.
+// The column by whose times the others are divided.
 constexpr const char* kTimesColumn = "high";
 
-// A table of the columns that any of the rows has figures for; empty without rows.
+// A table of the columns that have a figure in any row; empty without rows.
 template <typename Figure, typename Text>
 std::string table(const std::string& title, const std::vector<std::string>& columns,
                   const std::vector<Row<Figure>>& rows, const Text& text) {

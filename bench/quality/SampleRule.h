@@ -1,4 +1,4 @@
-// What the host's rule chooses, for plotting.
+// The sample counts that the host's rule chooses, for plotting.
 #pragma once
 
 #include <string>

@@ -16,12 +16,12 @@ constexpr Size kHd{1920, 1080};
 constexpr Size kSmallLayer{400, 225};
 constexpr Point kMiddle{960.3, 540.6};
 
-// Whole pixels and upright outlines would hide faults of placement, so nothing lies on whole pixels.
+// Nothing is placed on whole pixels, which would hide placement errors.
 Corners upright(Size layer, double scale) {
   return turned(layer, scale, 0.0, kMiddle);
 }
 
-// A concave quadrilateral, its upper right corner pulled in, in the box of the layer shrunk so many times. Both chains
+// A concave quadrilateral, its upper right corner pulled in, inside the box of the layer shrunk by `times`. Both chains
 // of its edges run downwards.
 Corners dented(Size layer, double times) {
   const double width = layer.width / times;
@@ -32,7 +32,7 @@ Corners dented(Size layer, double times) {
       {left, top}, {left + 0.45 * width, top + 0.6 * height}, {left, top + 0.9 * height}, {left + width, top + height}};
 }
 
-// A square with its lower left corner moved onto the diagonal but for a bend of a few degrees.
+// A square whose lower left corner is moved almost onto the diagonal, leaving a bend of a few degrees.
 Corners nearlyStraight(double side, Point at) {
   return {at, {at.x + side, at.y}, {at.x + 0.48 * side, at.y + 0.5 * side}, {at.x + side, at.y + side}};
 }
@@ -89,7 +89,7 @@ std::vector<EnlargedScene> enlargedScenes() {
   constexpr Size kLayer{8, 8};
   std::vector<EnlargedScene> scenes;
   for (const int times : {10, 40, 100}) {
-    // A layer pixel's room on every side, for edges that fade out.
+    // A margin of a layer pixel on every side, for edges that fade out.
     const int side = kLayer.width * times;
     const int canvas_side = side + 2 * times + 10;
     const Size canvas{canvas_side, canvas_side};

@@ -1,4 +1,4 @@
-// What is drawn where: a layer's size, the canvas, and the quadrilateral.
+// The scenes: a layer's size, the canvas, and the quadrilateral.
 #pragma once
 
 #include <string>
@@ -14,14 +14,14 @@ struct Scene {
   host::Size layer;
   host::Size canvas;
   host::Corners corners;
-  host::RenderPath path = host::RenderPath::Perspective;  // which renderer the quadrilateral calls for
+  host::RenderPath path = host::RenderPath::Perspective;  // the renderer that draws the quadrilateral
 };
 
-// The mapping that the scene's path means.
+// The mapping of the scene's path.
 Mapping mappingOf(const Scene& scene);
 
-// The corners of the layer's rectangle, enlarged by `scale`, turned clockwise by `degrees` about its middle, which lies
-// at `middle`.
+// The corners of the layer's rectangle, enlarged by `scale`, turned clockwise by `degrees` about its middle, which is
+// placed at `middle`.
 host::Corners turned(host::Size layer, double scale, double degrees, host::Point middle);
 
 // The quadrilaterals whose pictures are compared pixel by pixel.
@@ -30,10 +30,10 @@ std::vector<Scene> pictureScenes();
 // An 8x8 layer enlarged.
 struct EnlargedScene {
   Scene scene;
-  int times;  // a layer pixel's side in canvas pixels, where it is largest
+  int times;  // the largest side of a layer pixel, in canvas pixels
 };
 
-// On either path.
+// Scenes for both paths.
 std::vector<EnlargedScene> enlargedScenes();
 
 // Outlines of a white square.

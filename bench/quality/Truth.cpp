@@ -8,7 +8,7 @@ namespace vantorel::quality {
 
 namespace {
 
-// Two neighbouring pixels along one axis, and the second one's share.
+// Two neighbouring pixels along one axis, and the second one's weight.
 struct Neighbours {
   int first;
   int second;

@@ -1,5 +1,5 @@
-// What a picture should be: the mean over each pixel of the layer, interpolated bilinearly inside, its colours carried
-// on beyond the outermost pixels' centres, and cut off sharply at its outline.
+// The exact picture: the mean over each pixel of the bilinearly interpolated layer, whose colours are extended beyond
+// the centres of its border pixels, cut off sharply at its outline.
 #pragma once
 
 #include <span>
@@ -11,7 +11,7 @@
 
 namespace vantorel::quality {
 
-// Samples a pixel along each axis.
+// Samples per pixel along each axis.
 inline constexpr int kInsideSamples = 16;
 inline constexpr int kEdgeSamples = 96;
 
@@ -29,10 +29,10 @@ struct Truth {
   }
 };
 
-// The truth without its samples: frame, regions, and pixels that are all transparent.
+// The frame and regions of a truth, with all pixels transparent.
 Truth blankTruth(std::size_t layers, const Ring& ring, host::Size canvas);
 
-// The truth of each of the layers, which have one size, drawn on the ring by the mapping. Uses every processor.
+// The truths of the layers, which all have the same size, drawn onto the ring by the mapping. Uses all processors.
 Truth truthOf(std::span<const Layer> layers, const Mapping& mapping, const Ring& ring, host::Size canvas);
 
 }  // namespace vantorel::quality

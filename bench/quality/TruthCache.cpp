@@ -9,7 +9,7 @@ namespace vantorel::quality {
 
 namespace {
 
-// Changes whenever the truth's definition does.
+// To be changed whenever the truth's definition changes.
 constexpr std::uint64_t kVersion = 2;
 
 // FNV-1a over values' bytes.
@@ -65,7 +65,7 @@ bool read(const std::filesystem::path& file, Truth& truth) {
   return stream.good() && stream.peek() == std::ifstream::traits_type::eof();
 }
 
-// Under another name first, so that a file is whole or missing.
+// Written under another name first, so that a file is either complete or missing.
 void write(const std::filesystem::path& file, Truth& truth) {
   std::filesystem::path unfinished = file;
   unfinished += ".part";

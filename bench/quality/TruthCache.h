@@ -1,4 +1,4 @@
-// Truths cost seconds each, so they are kept in files named for all that they depend on.
+// Each truth takes seconds to compute, so they are cached in files, named by a hash of everything that they depend on.
 #pragma once
 
 #include <filesystem>
@@ -10,10 +10,10 @@ namespace vantorel::quality {
 
 class TruthCache {
  public:
-  // Keeps files in that folder, which it makes. Throws std::filesystem::filesystem_error when it cannot.
+  // Caches files in that folder, which it creates. Throws std::filesystem::filesystem_error if it cannot.
   explicit TruthCache(std::filesystem::path folder);
 
-  // The truth of the layers in the scene: read when there is a whole file of it, else computed and written.
+  // The truth of the layers in the scene: read if there is a complete file of it, else computed and written.
   Truth truth(const Scene& scene, std::span<const Layer> layers) const;
 
  private:

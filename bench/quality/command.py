@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Measures what the command makes of whole pictures, and prints tables.
+"""Measures the quality of the command's pictures, and prints tables.
 
     python3 bench/quality/command.py build/release/bin/vantorel
 
@@ -70,7 +70,7 @@ def psnr(a, b, largest):
 
 
 def waves(size, shortest):
-    """Grey waves in every direction, none shorter than so many pixels; 8 bit."""
+    """Grey waves in every direction, with at least the given wavelength in pixels; 8 bit."""
     random = np.random.default_rng(5)
     y, x = np.mgrid[0 : size[1], 0 : size[0]]
     total = np.zeros(x.shape)
@@ -174,7 +174,7 @@ def grey(picture):
 
 
 def identity(command):
-    """Whether a layer that stays where it is comes out to the bit."""
+    """Whether a layer that is not moved is reproduced to the bit."""
     command.run("testcard", "-o", "card.png", "--size", "960x540")
     command.run("render", "card.png", "-o", "there.png")
     command.run("rectify", "there.png", "-o", "back.png", *corner_options(outline((960, 540))))
@@ -232,7 +232,7 @@ def motion_blur(command):
 
 
 def without_repetition(arguments):
-    """The last of options given twice counts."""
+    """If an option is given twice, the last value counts."""
     arguments = list(arguments)
     if arguments.count("--shutter") > 1:
         at = arguments.index("--shutter")
@@ -264,7 +264,7 @@ def clipped(polygon, axis, limit, keep_above):
 
 
 def coverage(polygon, x, y):
-    """The share of pixel (x, y) that a convex polygon covers."""
+    """The fraction of pixel (x, y) that a convex polygon covers."""
     for axis, limit, keep_above in ((0, x, True), (0, x + 1, False), (1, y, True), (1, y + 1, False)):
         polygon = clipped(polygon, axis, limit, keep_above)
         if not polygon:

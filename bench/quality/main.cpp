@@ -1,4 +1,4 @@
-// Measures pictures against the truth, and prints tables.
+// Compares pictures with the truth, and prints tables.
 #include <fmt/ranges.h>
 
 #include <CLI/CLI.hpp>
@@ -37,7 +37,7 @@ std::vector<quality::Renderer> allRenderers(const std::string& path) {
   return renderers;
 }
 
-// Those of the named columns, in the names' order; all when none is named.
+// The renderers of the named columns, in that order; all if none is named.
 std::vector<quality::Renderer> chosen(const std::vector<quality::Renderer>& renderers,
                                       const std::vector<std::string>& names) {
   if (names.empty()) {

@@ -36,7 +36,7 @@ def write_json(path, measurements, context, outcomes, timed):
 
 
 def load_note(busyness):
-    """What to know about the wall times if other programs ran meanwhile; empty if none did."""
+    """A note about the wall times if other programs ran meanwhile; empty if none did."""
     if busyness < BUSY:
         return ""
     return (f"Other programs kept the machine busy meanwhile (wall time was {busyness:.2f} times processor time), so "

@@ -1,4 +1,4 @@
-"""The ratios to reach, and whether they are reached."""
+"""The ratios to reach, and whether they are met."""
 
 from typing import NamedTuple
 
@@ -83,7 +83,7 @@ def scaling_goals():
 
 
 def outcomes(measurements):
-    """The goals of which both sides were measured."""
+    """The goals for which both sides were measured."""
     found = []
     for goal in (*warp_goals(), *minification_goals(), *scaling_goals()):
         if goal.ours in measurements and goal.other in measurements:

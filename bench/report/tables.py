@@ -50,7 +50,7 @@ def goal_table(outcomes):
 
 
 def against_linear(measurements):
-    """Every workload beside OpenCV's linear warp, one column per depth."""
+    """Every workload compared with OpenCV's linear warp, one column per depth."""
     def cell(ours, other):
         if ours not in measurements or other not in measurements:
             return "-"

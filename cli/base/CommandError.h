@@ -1,4 +1,4 @@
-// The one shape of every failure of the command: what it is about, what is wrong, what to do.
+// The common form of all the command's errors: what the error is about, what is wrong, and what to do.
 #pragma once
 
 #include <exception>
@@ -29,13 +29,13 @@ class CommandError : public std::exception {
 CommandError badArgument(const std::string& input, const std::string& message);
 CommandError fileFailure(const std::string& input, const std::string& message);
 CommandError interrupted();
-// For what needs more memory than there is: exit code 1 whatever needs it.
+// For anything that needs more memory than available: always exit code 1.
 CommandError outOfMemory(const std::string& input, const std::string& message);
 
-// The host's error as the command's: an interrupted frame gives exit code 130, all else 1.
+// Converts an error of the host: an interrupted frame gives exit code 130, everything else 1.
 CommandError fromHost(const host::Error& error);
 
-// The value, or throws what fromHost makes of the error.
+// The value, or throws the error converted by fromHost.
 template <typename T>
 T valueOrThrow(host::Result<T> result) {
   if (!result) {

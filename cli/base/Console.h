@@ -1,4 +1,4 @@
-// What the command says on standard error, and what its libraries would say there.
+// The command's output on standard error, and suppressing that of its libraries.
 #pragma once
 
 #include <cstdio>
@@ -6,14 +6,14 @@
 
 namespace vantorel::cli {
 
-// Standard error as the process got it, whatever the libraries' messages are sent to meanwhile. Unbuffered.
+// The process's original standard error, even while the libraries' messages are redirected. Unbuffered.
 std::FILE* console();
 
-// Writes all of the text to standard output, at once. Throws CommandError (file failure).
+// Writes the text to standard output and flushes it. Throws CommandError (file failure).
 void printOut(const std::string& text);
 
-// While one lives, what libraries write to standard error is dropped: picture libraries report there what they report
-// to their caller too. Several may live at the same time, in any threads.
+// While an object of this class exists, anything that libraries write to standard error is dropped: picture libraries
+// print there what they also report to their caller. Several may exist at the same time, on any threads.
 class LibraryMessagesDropped {
  public:
   LibraryMessagesDropped();

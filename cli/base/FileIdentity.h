@@ -1,4 +1,4 @@
-// Which file a name stands for, through symbolic and hard links.
+// Identifies the file behind a name, through symbolic and hard links.
 #pragma once
 
 #include <sys/types.h>
@@ -11,7 +11,7 @@ namespace vantorel::cli {
 
 using FileIdentity = std::pair<dev_t, ino_t>;
 
-// Nothing where the file does not exist or cannot be reached.
+// Empty if the file does not exist or cannot be reached.
 std::optional<FileIdentity> identityOf(const std::string& path);
 
 }  // namespace vantorel::cli

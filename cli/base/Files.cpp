@@ -32,7 +32,7 @@ void requireReadableFile(const std::string& path, const char* wanted) {
     const int reason = errno;
     const char* remedy = "check the file and its disk";
     if (reason == EACCES || reason == EPERM) {
-      remedy = "allow yourself to read it";
+      remedy = "check its permissions";
     } else if (reason == EMFILE || reason == ENFILE) {
       remedy = "raise the limit on open files (ulimit -n) or give fewer --threads";
     }

@@ -1,15 +1,15 @@
-// Input files before they are read.
+// Checks and prefetches input files before they are read.
 #pragma once
 
 #include <string>
 
 namespace vantorel::cli {
 
-// Throws CommandError (file failure) naming the path and the system's own reason unless it is a regular file that can
-// be opened for reading. `wanted` is what to give instead: "a picture file".
+// Throws CommandError (file failure), naming the path and the system's reason, unless it is a regular file that can be
+// opened for reading. `wanted` says what was expected: "a picture file".
 void requireReadableFile(const std::string& path, const char* wanted);
 
-// Lets the system fetch a file that is going to be read soon, if it is a regular one; returns at once.
+// Tells the system to read ahead a file that will be needed soon, if it is a regular one; returns immediately.
 void fetchAhead(const std::string& path);
 
 }  // namespace vantorel::cli

@@ -35,7 +35,7 @@ FramePattern FramePattern::parse(const std::string& input, const std::string& te
   pattern.text_ = text;
   const auto place_number = [&](int width, bool zero_padded) {
     if (pattern.has_number_) {
-      throw badArgument(input, fmt::format("'{}' has two places for the frame number; keep one", text));
+      throw badArgument(input, fmt::format("'{}' has two placeholders for the frame number; keep one", text));
     }
     if (width > kWidestNumber) {
       throw badArgument(input, fmt::format("'{}' asks for {} digits; give at most {}", text, width, kWidestNumber));
@@ -64,9 +64,10 @@ FramePattern FramePattern::parse(const std::string& input, const std::string& te
         width = std::min(width * 10 + (text[end] - '0'), kWidestNumber + 1);
       }
       if (end == text.size() || text[end] != 'd') {
-        throw badArgument(input, fmt::format("'{}' has a % that is no frame number; write %04d or ####, and %% for a "
-                                             "percent sign",
-                                             text));
+        throw badArgument(input,
+                          fmt::format("'{}' has a % that is not a frame number; write %04d or ####, and %% for a "
+                                      "percent sign",
+                                      text));
       }
       place_number(width, zero_padded);
       at = end + 1;
@@ -76,7 +77,7 @@ FramePattern FramePattern::parse(const std::string& input, const std::string& te
 }
 
 std::optional<FramePattern::Numbers> FramePattern::existing() const {
-  // The number may be in the name of a folder on the way to the file.
+  // The number may also be part of a folder's name.
   const std::string folder = before_.substr(0, before_.rfind('/') + 1);
   std::optional<Numbers> numbers;
   std::error_code fault;

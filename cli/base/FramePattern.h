@@ -1,4 +1,4 @@
-// File names with a place for the frame number.
+// File names with a placeholder for the frame number.
 #pragma once
 
 #include <cstdint>
@@ -15,17 +15,17 @@ class FramePattern {
   // Throws CommandError, naming `input`, for a second number or another % conversion.
   static FramePattern parse(const std::string& input, const std::string& text);
 
-  // The name as it is, whatever characters it holds.
+  // The name taken literally, whatever characters it contains.
   static FramePattern literal(const std::string& text);
 
   bool hasNumber() const { return has_number_; }
   std::string path(std::int32_t frame) const;
-  // The numbers of which there are files.
+  // The lowest and highest number for which a file exists.
   struct Numbers {
     std::int32_t first = 0;
     std::int32_t last = 0;
   };
-  // Nothing where there is no file, or where the folder cannot be listed.
+  // Empty if there is no file or the folder cannot be listed.
   std::optional<Numbers> existing() const;
   const std::string& text() const { return text_; }
 

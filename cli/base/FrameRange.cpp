@@ -33,7 +33,7 @@ std::optional<FrameRate> broadcastRate(std::string_view text) {
   return std::nullopt;
 }
 
-// Decimals to a thousandth, as a ratio in lowest terms.
+// Converts a decimal, rounded to thousandths, to a ratio in lowest terms.
 std::optional<FrameRate> decimalRate(std::string_view text) {
   const auto value = parseNumber(text);
   if (!value || *value < 0.001 || *value > kFastestRate) {
@@ -76,7 +76,7 @@ FrameRange parseFrameRange(const std::string& input, std::string_view text) {
     range.step = *step;
     rest = rest.substr(0, cross);
   }
-  // The sign of a negative first frame is no separator.
+  // The sign of a negative first frame is not the separator.
   const std::size_t dash = rest.find('-', 1);
   const auto first = parseInt(rest.substr(0, dash));
   const auto last = dash == std::string_view::npos ? first : parseInt(rest.substr(dash + 1));
@@ -110,10 +110,9 @@ FrameRate parseFrameRate(const std::string& input, std::string_view text) {
 host::FrameTime timeOf(std::int32_t frame, const FrameRate& rate) {
   const std::int64_t time = std::int64_t{frame} * rate.step;
   if (time < std::numeric_limits<std::int32_t>::min() || time > std::numeric_limits<std::int32_t>::max()) {
-    throw badArgument("--frames",
-                      fmt::format("frame {} at this --fps lies beyond the times that an effect can be given; renumber "
-                                  "the frames or give a whole frame rate",
-                                  frame));
+    throw badArgument("--frames", fmt::format("the time of frame {} at this --fps is too large for an effect; renumber "
+                                              "the frames or give a whole frame rate",
+                                              frame));
   }
   return {static_cast<std::int32_t>(time), rate.step, rate.scale};
 }

@@ -1,4 +1,4 @@
-// Which frames to render, and when they are.
+// Which frames to render, and their times.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +22,7 @@ struct FrameRange {
 // "A-B", "A-BxS" or a single frame "A"; frame numbers may be negative. Throws CommandError naming `input`.
 FrameRange parseFrameRange(const std::string& input, std::string_view text);
 
-// Frames per second as scale / step, as hosts count time: frame n is at n * step / scale seconds.
+// Frames per second as scale / step, the form that the host uses: frame n is at n * step / scale seconds.
 struct FrameRate {
   std::uint32_t scale = 24;
   std::int32_t step = 1;
@@ -34,7 +34,7 @@ struct FrameRate {
 // CommandError naming `input`.
 FrameRate parseFrameRate(const std::string& input, std::string_view text);
 
-// Throws CommandError when the frame's time does not fit the 32 bits that an effect gets.
+// Throws CommandError if the frame's time does not fit into the 32 bits that an effect receives.
 host::FrameTime timeOf(std::int32_t frame, const FrameRate& rate);
 
 }  // namespace vantorel::cli

@@ -1,4 +1,4 @@
-// A fast hash of 64 bits that tells whether bytes have changed. It does not protect against forgery.
+// A fast 64-bit hash for detecting changed bytes. It does not protect against forgery.
 #pragma once
 
 #include <cstddef>
@@ -10,8 +10,8 @@ namespace vantorel::cli {
 
 class Hash64 {
  public:
-  // Any change of one word changes the value, since every step maps states one to one. The same bytes in other parts
-  // give another value.
+  // Changing any one word changes the value, since every step maps states one to one. The same bytes split into
+  // different parts give a different value.
   void add(std::span<const std::byte> part) {
     std::uint64_t word = 0;
     std::size_t at = 0;

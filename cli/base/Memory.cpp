@@ -35,7 +35,7 @@ std::optional<std::uint64_t> numberIn(const std::string& path) {
   return std::nullopt;
 }
 
-// Cached files count as used, though the kernel gives them up when asked.
+// Cached files are counted as used memory, but the kernel frees them when needed.
 std::uint64_t cachedFiles(const std::string& statistics_path) {
   std::ifstream file(statistics_path);
   std::uint64_t cached = 0;
@@ -59,7 +59,7 @@ std::optional<std::uint64_t> availableInGroup(const std::string& folder, const c
   return *limit > *usage - cached ? *limit - (*usage - cached) : 0;
 }
 
-// The folder of this process's own control group under the unified hierarchy.
+// The folder of this process's control group in the unified hierarchy.
 std::string ownGroupFolder() {
   std::ifstream file("/proc/self/cgroup");
   std::string line;
@@ -111,7 +111,7 @@ std::optional<std::string> memoryShortage(double bytes) {
 }
 
 void keepFreedMemory() {
-  constexpr int kLargest = 32 << 20;  // the C library's own limit
+  constexpr int kLargest = 32 << 20;  // the C library's upper limit
   mallopt(M_MMAP_THRESHOLD, kLargest);
   mallopt(M_TRIM_THRESHOLD, 4 * kLargest);
 }

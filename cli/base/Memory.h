@@ -1,4 +1,4 @@
-// How much memory pictures may take, asked before they are made: the system may end a process that takes too much.
+// Checks how much memory is available before pictures are allocated: the system may kill a process that uses too much.
 #pragma once
 
 #include <optional>
@@ -8,19 +8,19 @@
 
 namespace vantorel::cli {
 
-// Bytes that this process can still take before the machine or its control group is out of memory; nothing where the
-// system does not tell.
+// How many bytes this process can still allocate before the machine or its control group runs out of memory; empty if
+// the system does not say.
 std::optional<double> availableMemory();
 
-// Exact up to 2^53, and never too large for the type.
+// A double, since the product may exceed 64 bits; exact up to 2^53.
 double pictureBytes(host::Size size, host::Depth depth);
 
-// Nothing where so many bytes fit in what is free, a tenth of it left for the rest; else "needs 37.3 GiB of memory and
-// 4.0 GiB are free".
+// Empty if that many bytes fit into nine tenths of the free memory; else "needs 37.3 GiB of memory and 4.0 GiB are
+// free".
 std::optional<std::string> memoryShortage(double bytes);
 
-// Lets this process keep what it frees of the sizes that the frames of a shot take again and again, rather than give it
-// back to the system after each.
+// Lets the allocator keep freed blocks of the sizes that every frame of a shot needs again, rather than return them to
+// the system after each frame.
 void keepFreedMemory();
 
 }  // namespace vantorel::cli

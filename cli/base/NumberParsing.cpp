@@ -31,7 +31,7 @@ tl::expected<double, std::string> parseNumber(std::string_view text) {
   std::errc fault{};
   const std::optional<double> value = parseAll<double>(text, fault);
   if (fault == std::errc::result_out_of_range) {
-    return tl::make_unexpected("is beyond what a number can hold");
+    return tl::make_unexpected("is too large for a number");
   }
   if (!value) {
     return tl::make_unexpected(text.empty() ? "is empty" : "is not a number");

@@ -1,4 +1,4 @@
-// Numbers in arguments and files: the whole text or nothing, the same in every locale.
+// Parses numbers in arguments and files: the whole text must be a number. Independent of the locale.
 #pragma once
 
 #include <cstdint>
@@ -9,10 +9,10 @@
 
 namespace vantorel::cli {
 
-// A finite number, or the fault as a phrase that continues "'<text>' ...": "is not a number", "is not finite".
+// A finite number, or the error as a phrase that continues "'<text>' ...": "is not a number", "is not finite".
 tl::expected<double, std::string> parseNumber(std::string_view text);
 
-// A whole number that fits in 32 bits, or nothing.
+// A whole number that fits into 32 bits; empty for other texts.
 std::optional<std::int32_t> parseInt(std::string_view text);
 
 // A whole number from `least` to `most`. Throws CommandError naming `input`.

@@ -21,7 +21,7 @@ constexpr const char* kReinstall = "install vantorel again";
 std::string findModule(const char* name, const char* remedy) {
   std::error_code fault;
   const fs::path folder = fs::read_symlink("/proc/self/exe", fault).parent_path();
-  // VANTOREL_MODULE_FOLDER is where the modules are installed, seen from the command's folder.
+  // VANTOREL_MODULE_FOLDER is the modules' install folder, relative to the command's folder.
   const fs::path places[] = {folder / name, (folder / VANTOREL_MODULE_FOLDER).lexically_normal() / name};
   for (const fs::path& place : places) {
     if (fs::is_regular_file(place, fault)) {
@@ -34,7 +34,7 @@ std::string findModule(const char* name, const char* remedy) {
 
 const ModuleTable& loadOwnModule(const char* name, const char* entry) {
   const std::string path = findModule(name, kReinstall);
-  // Symbols are bound as they are needed: of the hundreds of libraries behind a module a picture uses few.
+  // Lazy binding: a module depends on hundreds of libraries, of which a picture uses only a few.
   void* const module = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
   if (module == nullptr) {
     throw fileFailure(path, fmt::format("cannot be loaded ({}); {} with the libraries that it needs, or raise the "
@@ -43,7 +43,7 @@ const ModuleTable& loadOwnModule(const char* name, const char* entry) {
   }
   const auto table = reinterpret_cast<const ModuleTable* (*)()>(dlsym(module, entry));
   if (table == nullptr || std::string_view(table()->version) != VANTOREL_VERSION) {
-    throw fileFailure(path, fmt::format("is not that of vantorel {}; {}", VANTOREL_VERSION, kReinstall));
+    throw fileFailure(path, fmt::format("does not belong to vantorel {}; {}", VANTOREL_VERSION, kReinstall));
   }
   return *table();
 }

@@ -1,4 +1,4 @@
-// Picture sizes as people write them.
+// Parses picture sizes.
 #pragma once
 
 #include <string>

@@ -20,7 +20,7 @@ constexpr const char* kInputName = "standard input";
 constexpr const char* kOutputName = "standard output";
 constexpr std::size_t kBlock = std::size_t{1} << 16;
 
-// What has been read from standard input; for the process, as the input is.
+// What has been read from standard input. Global, like standard input itself.
 std::unique_ptr<UnnamedFile>& readInput() {
   static std::unique_ptr<UnnamedFile> file;
   return file;
@@ -30,7 +30,7 @@ std::string reasonOf(int fault) {
   return std::generic_category().message(fault);
 }
 
-// Writes all of it; false with errno set where it cannot be.
+// Writes all bytes; on failure returns false with errno set.
 bool writeAll(int descriptor, const char* bytes, std::size_t count) {
   while (count > 0) {
     const ssize_t written = write(descriptor, bytes, count);
@@ -44,7 +44,8 @@ bool writeAll(int descriptor, const char* bytes, std::size_t count) {
   return true;
 }
 
-// Waits for something to read, so that a producer that has nothing to say does not keep an interruption waiting.
+// Waits until there is something to read, polling the stop token, so that a silent producer does not delay an
+// interruption.
 void waitForInput(const std::stop_token& stop) {
   constexpr int kPause = 50;
   pollfd input{STDIN_FILENO, POLLIN, 0};

@@ -1,4 +1,4 @@
-// Standard input and output in place of files, under the name "-".
+// Standard input and output as files named "-".
 #pragma once
 
 #include <cstdio>
@@ -13,14 +13,14 @@ inline bool isStandardStream(const std::string& path) {
   return path == kStandardStream;
 }
 
-// What messages call an input and an output.
+// The names of an input and an output in messages.
 std::string inputName(const std::string& path);
 std::string outputName(const std::string& path);
 
-// A file without a name, in memory, that can be opened by path() as long as this lives.
+// An anonymous file in memory that can be opened by its path() as long as this object exists.
 class UnnamedFile {
  public:
-  // Throws CommandError naming `user` where there is no memory for one.
+  // Throws CommandError naming `user` if there is not enough memory.
   explicit UnnamedFile(const std::string& user);
   ~UnnamedFile();
   UnnamedFile(const UnnamedFile&) = delete;
@@ -33,14 +33,14 @@ class UnnamedFile {
   int descriptor_ = -1;
 };
 
-// Reads standard input to its end, once, for openablePath. Throws CommandError (file failure) where it is a terminal,
+// Reads standard input to its end, once, for openablePath(). Throws CommandError: a file failure if it is a terminal,
 // empty or cannot be read; interrupted when the token is triggered.
 void readStandardInput(const std::string& wanted, const std::stop_token& stop);
 
-// The path itself, or for "-" that of what readStandardInput has read.
+// The path itself or, for "-", the path of what readStandardInput() has read.
 std::string openablePath(const std::string& path);
 
-// Writes all of the file to standard output. Throws CommandError (file failure) when nobody reads it.
+// Writes the whole file to standard output. Throws CommandError (file failure), for example if the reader has gone.
 void writeToStandardOutput(int descriptor);
 
 }  // namespace vantorel::cli

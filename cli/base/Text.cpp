@@ -10,7 +10,7 @@ namespace vantorel::cli {
 
 namespace {
 
-// The bytes of the UTF-8 sequence that the text begins with; 0 where it begins with none, or with a control character.
+// The length in bytes of the UTF-8 character at the beginning of the text; 0 if it is invalid or a control character.
 std::size_t printableLength(std::string_view text) {
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
   const unsigned char first = byte(0);

@@ -1,4 +1,4 @@
-// Texts of files and names: what several readers do to them.
+// Text utilities shared by several readers.
 #pragma once
 
 #include <cstdint>
@@ -9,19 +9,20 @@
 
 namespace vantorel::cli {
 
-// The extension with its dot, in lower case; empty where the name has none.
+// The extension with its dot, in lower case; empty if the name has none.
 std::string lowerCaseExtension(const std::string& path);
 
 // Without blanks, tabs and carriage returns at both ends.
 std::string_view trimmed(std::string_view text);
 
-// Without the mark that some editors put at the beginning of UTF-8 files.
+// Without the byte order mark that some editors write at the beginning of UTF-8 files.
 std::string_view withoutByteOrderMark(std::string_view text);
 
-// A library's reason for a failure as part of a message: one line, without a full stop at its end.
+// A library's error text, made suitable for a message: one line, without a full stop at the end.
 std::string oneLine(std::string reason);
 
-// Safe to show on a terminal: control characters, which could drive it, and bytes that are not UTF-8 as \x1b.
+// Makes the text safe to print on a terminal: control characters and bytes that are not UTF-8 become escapes such as
+// \x1b.
 std::string escaped(std::string_view text);
 
 // "1 frame", "2 frames"

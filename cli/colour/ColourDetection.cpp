@@ -57,10 +57,10 @@ FileColour byCodingPoints(const std::string& path, const CodingPoints& points) {
     throw fileFailure(path, fmt::format("its cICP chunk states primaries {} and curve {}, which are not known; {}",
                                         points.primaries, points.transfer, kSayWhat));
   }
-  return {spaceOf({*primaries, *transfer}, "as its cICP chunk has it"), "its cICP chunk"};
+  return {spaceOf({*primaries, *transfer}, "primaries and curve of its cICP chunk"), "its cICP chunk"};
 }
 
-// The reciprocal of 2.2 is what programs write beside sRGB for readers that know gamma alone.
+// 1/2.2 is what programs write beside sRGB for readers that only support gamma.
 Transfer ofGamma(double exponent) {
   constexpr double kRounding = 0.002;
   if (std::abs(exponent - 1.0 / 2.2) < kRounding) {
@@ -96,7 +96,7 @@ Found byProfile(const std::string& path, const ColourFacts& facts) {
   if (const auto space = spaceOfIccProfile(facts.icc_profile, path)) {
     return FileColour{*space, "its ICC profile"};
   }
-  return FileColour{srgb(), "what its reader makes of it, as its ICC profile is of another kind of colour"};
+  return FileColour{srgb(), "its reader's conversion, since its ICC profile is not for RGB"};
 }
 
 Found byExif(const ColourFacts& facts) {
@@ -118,7 +118,8 @@ Found byChromaticities(const ColourFacts& facts) {
   return FileColour{spaceOf({primaries, Transfer{}}, "linear, primaries of its chromaticities"), "its chromaticities"};
 }
 
-// OpenImageIO states a space for every file, by its format where nothing else is known: only what goes beyond counts.
+// OpenImageIO states a space for every file, even if it only derives it from the format. Only statements that come from
+// the file count.
 Found byStatement(const ColourFacts& facts) {
   const auto space = namedSpace(facts.stated_space);
   if (!space || (facts.format != "openexr" && facts.format != "dpx")) {
@@ -155,12 +156,12 @@ Found byFileStatements(const std::string& path, const ColourFacts& facts) {
 FileColour byUsage(const ColourFacts& facts, const std::shared_ptr<const OcioConfig>& config) {
   const bool is_linear = facts.format == "openexr" || facts.has_float_samples;
   if (!is_linear) {
-    return {srgb(), "the usage, as the file says nothing"};
+    return {srgb(), "convention, since the file does not say"};
   }
   if (const auto scene_linear = config ? config->sceneLinear(config) : std::nullopt) {
-    return {*scene_linear, "the config's role scene_linear, as the file says nothing"};
+    return {*scene_linear, "the config's role scene_linear, since the file does not say"};
   }
-  return {linearRec709(), fmt::format("the usage of {}, as the file says nothing",
+  return {linearRec709(), fmt::format("the convention of {}, since the file does not say",
                                       facts.format == "openexr" ? "OpenEXR" : "float samples")};
 }
 

@@ -1,4 +1,4 @@
-// Which colour space a file is in, and how that is known.
+// Detects which colour space a file is in, and why.
 #pragma once
 
 #include <cstddef>
@@ -11,12 +11,12 @@
 
 namespace vantorel::cli {
 
-// What a file says of its colours, before it is understood.
+// What a file says about its colours, before interpretation.
 struct ColourFacts {
   std::string format;                    // OpenImageIO's name for it: "png", "openexr"
-  bool has_float_samples = false;        // half too
-  std::vector<std::byte> icc_profile;    // empty without one
-  std::string stated_space;              // OpenImageIO's "oiio:ColorSpace"; empty without one
+  bool has_float_samples = false;        // including half
+  std::vector<std::byte> icc_profile;    // empty if none
+  std::string stated_space;              // OpenImageIO's "oiio:ColorSpace"; empty if none
   std::optional<int> exif_colour_space;  // 1 is sRGB
   std::string exif_interoperability;     // "R03" is Adobe RGB
   std::vector<float> chromaticities;     // x and y of red, green, blue and white, or empty
@@ -27,14 +27,14 @@ struct FileColour {
   std::string reason;  // "its ICC profile", as the end of a sentence
 };
 
-// By what the file states, else by its name and the rules of the config, else by the usage of its kind: OpenEXR and
-// float samples are scene-linear (in the config's role of that name; linear Rec.709 without), the rest sRGB. Throws
-// CommandError naming the path for a profile that is broken and for curves that are not known.
+// Uses what the file states, else its name and the config's file rules, else what is usual for its format: OpenEXR and
+// float samples are scene-linear (the config's role of that name, or linear Rec.709 without a config), everything else
+// is sRGB. Throws CommandError naming the path for a broken profile or an unknown curve.
 FileColour detectColour(const std::string& path, const ColourFacts& facts,
                         const std::shared_ptr<const OcioConfig>& config);
 
-// The space of that name in the config, or else among those that are known anyway. Throws CommandError (bad argument)
-// naming `option`.
+// The space of that name in the config, or else among the built-in ones. Throws CommandError (bad argument) naming
+// `option`.
 ColourSpace colourSpaceNamed(const std::string& option, const std::string& name,
                              const std::shared_ptr<const OcioConfig>& config);
 

@@ -21,7 +21,7 @@ Triple homogeneous(const Chromaticity& xy) {
 }
 
 bool isFinite(const Chromaticity& xy) {
-  constexpr double kFarthest = 4.0;  // some camera primaries are imaginary, none is far out
+  constexpr double kFarthest = 4.0;  // some camera primaries are imaginary, but none is this far out
   return std::abs(xy.x) <= kFarthest && std::abs(xy.y) <= kFarthest;
 }
 

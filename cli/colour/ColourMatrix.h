@@ -12,7 +12,7 @@ constexpr Matrix3 kIdentity3{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
 
 Matrix3 operator*(const Matrix3& a, const Matrix3& b);
 Triple operator*(const Matrix3& m, const Triple& v);
-// Of a matrix whose determinant is not 0.
+// The determinant of `m` must not be 0.
 Matrix3 inverse(const Matrix3& m);
 double determinant(const Matrix3& m);
 
@@ -27,19 +27,19 @@ struct Primaries {
 };
 
 constexpr Chromaticity kD65{0.3127, 0.3290};
-// The white of ICC's connection space as ICC states it, CIE XYZ.
+// The white of ICC's profile connection space, in CIE XYZ, with ICC's rounding.
 constexpr Triple kD50Xyz{0.9642, 1.0, 0.8249};
 
-// Whether the primaries span a triangle that holds the white: a file may state anything.
+// Whether the primaries form a triangle around the white point; files may contain anything.
 bool isUsable(const Primaries& primaries);
-// Whether every coordinate differs by no more than what files round by.
+// Whether all coordinates agree to within the rounding in files.
 bool areClose(const Primaries& a, const Primaries& b);
 
-// CIE XYZ of Y = 1.
+// CIE XYZ with Y = 1.
 Triple xyzOf(const Chromaticity& xy);
-// From CIE XYZ under one white to that under another, by Bradford's cone responses.
+// The Bradford adaptation of CIE XYZ from one white to another.
 Matrix3 adaptation(const Triple& from_white, const Triple& to_white);
-// From linear RGB to CIE XYZ adapted to D65, white becoming Y = 1. The primaries must be usable.
+// From linear RGB to CIE XYZ adapted to D65; white has Y = 1. The primaries must be usable.
 Matrix3 toXyz(const Primaries& primaries);
 
 }  // namespace vantorel::cli

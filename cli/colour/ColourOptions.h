@@ -1,4 +1,4 @@
-// What was said of colour spaces.
+// The colour space options.
 #pragma once
 
 #include <string>
@@ -6,12 +6,12 @@
 namespace vantorel::cli {
 
 struct ColourOptions {
-  std::string layer;         // the name of the layer's space; empty: as its file says
+  std::string layer;         // the name of the layer's space; empty: from its file
   std::string plate;         // the same for the plate
-  std::string output;        // the space to write; empty: the plate's, or what the format holds
-  std::string config;        // an OpenColorIO config; empty: $OCIO's, if it is set
-  bool raw = false;          // numbers are taken as they are
-  std::string first_option;  // the first given option of the above but --raw; empty without one
+  std::string output;        // the space to write; empty: the plate's, or the usual one for the format
+  std::string config;        // an OpenColorIO config; empty: that of $OCIO, if set
+  bool raw = false;          // values are used without conversion
+  std::string first_option;  // the first of these options that was given, except --raw; empty if none
 };
 
 }  // namespace vantorel::cli

@@ -54,7 +54,7 @@ class RgbConversion : public RowConversion {
   RgbSteps steps_;
 };
 
-// From the space into one that is an RgbModel, by a step of its own where it is not one itself.
+// Converts from the space to an RgbModel; adds a step if the space is not one itself.
 RgbModel enter(const ColourSpace& from, ColourProcessor& steps, const std::string& input) {
   if (from.rgb) {
     return *from.rgb;
@@ -70,7 +70,7 @@ RgbModel enter(const ColourSpace& from, ColourProcessor& steps, const std::strin
   return hub.model;
 }
 
-// The RgbModel from which `step` leads to the space; no step where it is one itself.
+// The RgbModel from which `step` converts to the space; no step if the space is one itself.
 RgbModel leave(const ColourSpace& to, std::unique_ptr<const RowConversion>& step, const std::string& input) {
   if (to.rgb) {
     return *to.rgb;

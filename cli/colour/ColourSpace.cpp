@@ -33,11 +33,11 @@ constexpr Transfer curve(TransferKind kind) {
 
 struct NamedSpace {
   const char* name;
-  const char* aliases;  // in lower case without punctuation, a blank before and after each
+  const char* aliases;  // in lower case without punctuation, each between blanks
   RgbModel model;
 };
 
-// A space to know by name is added here. Of two that are the same to within rounding the first gives the name.
+// The spaces known by name; add new ones here. If two are the same to within rounding, the first one's name is used.
 const NamedSpace kNamed[]{
     {"sRGB", " srgb srgbtexture srgbtx srgbdisplay ", {kRec709, curve(TransferKind::Srgb)}},
     {"linear",
@@ -60,7 +60,7 @@ const NamedSpace kNamed[]{
     {"Cineon", " cineon kodaklog ", {kRec709, curve(TransferKind::Cineon)}},
 };
 
-// Whether code values mean the same to within a tenth of the step of 8 bits.
+// Whether the curves agree to within a tenth of an 8-bit step.
 bool areClose(const Transfer& a, const Transfer& b) {
   if (a == b) {
     return true;

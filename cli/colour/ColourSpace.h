@@ -1,4 +1,4 @@
-// What a picture's numbers stand for.
+// The meaning of a picture's values.
 #pragma once
 
 #include <memory>
@@ -14,43 +14,43 @@ namespace vantorel::cli {
 class IccProfile;
 class OcioConfig;
 
-// Three numbers of light in primaries, each behind one curve.
+// RGB primaries and one transfer curve for all three channels.
 struct RgbModel {
   Primaries primaries;
   Transfer transfer;
 };
 
-// Exactly one of `rgb`, `icc` and `config` says what the space is.
+// Exactly one of `rgb`, `icc` and `config` defines the space.
 struct ColourSpace {
-  std::string name;  // for people; with `config`, the name there
+  std::string name;  // for messages; with `config`, the name in it
   std::optional<RgbModel> rgb;
-  std::shared_ptr<const IccProfile> icc;  // a profile that is more than an RgbModel
+  std::shared_ptr<const IccProfile> icc;  // a profile that an RgbModel cannot describe
   std::shared_ptr<const OcioConfig> config;
 };
 
-// Whether pictures in one are in the other as they are.
+// Whether the two are equal, so that no conversion is needed.
 bool isSame(const ColourSpace& a, const ColourSpace& b);
 
-// Whether numbers in the space are proportional to light.
+// Whether values in the space are proportional to light.
 bool isLinear(const ColourSpace& space);
 
-// The space of the same primaries whose numbers are light: for a config's, its scene_linear; for a profile's, linear
+// The linear space with the same primaries; for a config's space, the config's scene_linear, and for a profile, linear
 // Rec.709.
 ColourSpace linearOf(const ColourSpace& space);
 
-// Tells spaces apart that are not the same, whatever they are called: for a record of how a picture was made.
+// A text that differs for spaces that are not the same, whatever their names; for the record of how a picture was made.
 std::string definition(const ColourSpace& space);
 
-// A space that is known by name, without regard to case, blanks and punctuation: "sRGB", "lin_rec709", "ACEScg".
+// A built-in space by name, ignoring case, blanks and punctuation: "sRGB", "lin_rec709", "ACEScg".
 std::optional<ColourSpace> namedSpace(const std::string& name);
-// The names, one for each space, for a message: "sRGB, linear, ...".
+// The names for a message, one for each space: "sRGB, linear, ...".
 std::string namedSpaces();
 
 ColourSpace srgb();
 ColourSpace linearRec709();
 ColourSpace aces2065();
 
-// The space of the model, by the name of that which it is in effect, or else by `name`.
+// The space of the model, with the name of the built-in space that it equals, or else `name`.
 ColourSpace spaceOf(const RgbModel& model, const std::string& name);
 
 }  // namespace vantorel::cli

@@ -57,7 +57,7 @@ bool canBeProfile(const Transfer& transfer) {
   return transfer.kind != TransferKind::AcesCct && transfer.kind != TransferKind::Cineon;
 }
 
-// RGB in those primaries with that curve.
+// An RGB profile with the model's primaries and curve.
 ProfileHandle buildProfile(const RgbModel& model) {
   const auto xyy = [](const Chromaticity& c) { return cmsCIExyY{c.x, c.y, 1.0}; };
   const cmsCIExyY white = xyy(model.primaries.white);
@@ -105,7 +105,7 @@ std::string description(cmsHPROFILE profile) {
   return text[0] == '\0' ? "unnamed" : text.data();
 }
 
-// The curve as a formula; nothing for one that none of ours comes close to.
+// The known curve that is close to this one; empty if there is none.
 std::optional<Transfer> transferOf(const cmsToneCurve* curve) {
   const auto light = [&](double code) { return double{cmsEvalToneCurveFloat(curve, static_cast<float>(code))}; };
   const double middle = light(0.5);
@@ -119,7 +119,7 @@ std::optional<Transfer> transferOf(const cmsToneCurve* curve) {
   for (const Transfer& candidate : candidates) {
     bool is_close = true;
     for (int code = 1; code <= 255 && is_close; ++code) {
-      // A tenth of the step of 8 bits; tables are linear in between and coarse near black.
+      // A tenth of an 8-bit step; more near black, where tables are coarse.
       is_close = std::abs(candidate.encode(light(code / 255.0)) - code / 255.0) < (code < 16 ? 0.3 : 0.1) / 255.0;
     }
     if (is_close) {
@@ -129,7 +129,7 @@ std::optional<Transfer> transferOf(const cmsToneCurve* curve) {
   return std::nullopt;
 }
 
-// Of colorants under the connection space's D50, as if the primaries had a white of D65.
+// The primaries, for a D65 white, from colorants that are relative to the connection space's D50.
 std::optional<Primaries> primariesOf(cmsHPROFILE profile) {
   const cmsTagSignature tags[] = {cmsSigRedColorantTag, cmsSigGreenColorantTag, cmsSigBlueColorantTag};
   const Matrix3 adapt = adaptation(kD50Xyz, xyzOf(kD65));
@@ -254,7 +254,7 @@ std::vector<std::byte> iccProfileOf(const ColourSpace& space) {
   cmsSaveProfileToMem(profile.get(), nullptr, &size);
   std::vector<std::byte> bytes(size);
   cmsSaveProfileToMem(profile.get(), bytes.data(), &size);
-  // Its date would be that of writing; the first of January 2000 in its place.
+  // Replaces the profile's creation date by 1 January 2000, so that the bytes are always the same.
   constexpr std::array<unsigned char, 12> kDate{0x07, 0xD0, 0, 1, 0, 1};
   constexpr std::size_t kDateOffset = 24;
   if (bytes.size() >= kDateOffset + kDate.size()) {

@@ -13,7 +13,7 @@
 
 namespace vantorel::cli {
 
-// An RGB profile that curves and primaries do not describe: one with tables, say.
+// An RGB profile that curves and primaries cannot describe, such as one with lookup tables.
 class IccProfile {
  public:
   IccProfile(std::span<const std::byte> bytes, std::string name);
@@ -21,8 +21,8 @@ class IccProfile {
   const std::vector<std::byte>& bytes() const { return bytes_; }
   std::uint64_t hash() const;
 
-  // To and from linear Rec.709, relative colorimetric. Throw CommandError naming `input` where the profile does not
-  // tell how.
+  // Conversions to and from linear Rec.709, relative colorimetric. Throw CommandError naming `input` if the profile has
+  // no such conversion.
   std::unique_ptr<const RowConversion> toLinear(const std::string& input) const;
   std::unique_ptr<const RowConversion> fromLinear(const std::string& input) const;
 
@@ -31,12 +31,12 @@ class IccProfile {
   std::string name_;
 };
 
-// The space that a file's profile states: by its primaries and curve where they say it all. Grey profiles have the
-// primaries of Rec.709. Nothing for profiles of other kinds of colour, such as CMYK, whose pictures have been made RGB
-// by their reader. Throws CommandError (file failure) naming the path for bytes that are no profile.
+// The space of a file's profile, as primaries and a curve if they describe it completely. Grey profiles get the
+// primaries of Rec.709. Empty for profiles of other colour models, such as CMYK, whose pictures the reader has
+// converted to RGB. Throws CommandError (file failure), naming the path, if the bytes are not a profile.
 std::optional<ColourSpace> spaceOfIccProfile(std::span<const std::byte> bytes, const std::string& path);
 
-// A profile to write beside a picture in that space; empty for those that have none. The same bytes every time.
+// A profile to embed in a picture in that space; empty if the space has none. The bytes are the same every time.
 std::vector<std::byte> iccProfileOf(const ColourSpace& space);
 
 }  // namespace vantorel::cli

@@ -38,7 +38,7 @@ CommandError unusable(const std::string& path, const std::string& given_by, cons
                                        given_by, oneLine(reason)));
 }
 
-// Names under which configs have linear Rec.709.
+// Common names of linear Rec.709 in configs.
 constexpr const char* kLinearNames[] = {"lin_rec709", "Linear Rec.709 (sRGB)", "Utility - Linear - sRGB",
                                         "lin_srgb",   "Linear sRGB",           "Linear Rec.709"};
 
@@ -81,7 +81,7 @@ bool OcioConfig::isLinear(const std::string& name) const {
   if (!space || !scene_linear || name == *scene_linear || std::string(space->getEncoding()) == "scene-linear") {
     return space && scene_linear;
   }
-  // Twice the numbers are twice the light.
+  // A space is linear if twice the value is twice the light.
   constexpr float kGrey = 0.18f;
   std::array<float, 8> pixels{kGrey, kGrey, kGrey, 1.0f, 2 * kGrey, 2 * kGrey, 2 * kGrey, 1.0f};
   conversion(name, *scene_linear)->apply(pixels.data(), 2);
@@ -110,7 +110,7 @@ OcioConfig::Hub OcioConfig::hub() const {
     }
   }
   throw fileFailure(path_,
-                    "the config has no role aces_interchange, so that its spaces cannot be converted to others; name "
+                    "the config has no role aces_interchange, so its spaces cannot be converted to others; name "
                     "spaces of the config with --colorspace-layer, --colorspace-over and --colorspace-out");
 }
 

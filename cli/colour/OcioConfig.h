@@ -1,4 +1,4 @@
-// A configuration of OpenColorIO: the colour spaces of a pipeline, by name.
+// An OpenColorIO config: the named colour spaces of a pipeline.
 #pragma once
 
 #include <memory>
@@ -19,9 +19,9 @@ class OcioConfig {
   OcioConfig(const OcioConfig&) = delete;
   OcioConfig& operator=(const OcioConfig&) = delete;
 
-  // The name of the space that is called so, or has the alias or the role.
+  // The name of the space with that name, alias or role.
   std::optional<std::string> find(const std::string& name) const;
-  // What the config's rules say of a file's name; nothing where only their default does.
+  // The space that the config's file rules assign to a file's name; empty if only the default rule matches.
   std::optional<std::string> spaceOfFile(const std::string& path) const;
   // The space of the role scene_linear; `self` is this config.
   std::optional<ColourSpace> sceneLinear(const std::shared_ptr<const OcioConfig>& self) const;
@@ -30,11 +30,11 @@ class OcioConfig {
   std::string identity() const;
   const std::string& path() const { return path_; }
 
-  // Between two of its spaces. Throws CommandError naming the config.
+  // The conversion between two of its spaces. Throws CommandError naming the config.
   std::unique_ptr<const RowConversion> conversion(const std::string& from, const std::string& to) const;
 
-  // A space of the config that is known without it too: the way to all spaces that the config does not have. Throws
-  // CommandError where there is none.
+  // A space of the config that is also known without it, through which conversions to all spaces outside the config go.
+  // Throws CommandError if there is none.
   struct Hub {
     std::string name;
     RgbModel model;

@@ -38,7 +38,7 @@ void take(std::string_view type, std::span<const unsigned char> data, PngColour&
 
 std::optional<PngColour> readPngColour(const std::string& path) {
   constexpr std::string_view kSignature = "\x89PNG\r\n\x1A\n";
-  constexpr std::uint32_t kLongest = 32;  // of the chunks that are wanted
+  constexpr std::uint32_t kLongest = 32;  // of the chunks that are read
   constexpr std::streamoff kCheck = 4;
   std::ifstream file(path, std::ios::binary);
   std::array<unsigned char, 8> head{};

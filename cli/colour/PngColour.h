@@ -1,4 +1,4 @@
-// What the chunks of a PNG file say of its colours.
+// Reads the colour chunks of a PNG file.
 #pragma once
 
 #include <cstdint>
@@ -18,11 +18,11 @@ struct CodingPoints {
 struct PngColour {
   std::optional<CodingPoints> cicp;
   bool has_srgb = false;
-  std::optional<double> gamma;  // of gAMA: the exponent that makes code values of light
+  std::optional<double> gamma;  // of gAMA: the exponent that converts light to code values
   std::optional<Primaries> primaries;
 };
 
-// Nothing for other files and for those that cannot be opened or end before their pixels.
+// Empty for other files, and for those that cannot be opened or end before their pixels.
 std::optional<PngColour> readPngColour(const std::string& path);
 
 }  // namespace vantorel::cli

@@ -9,7 +9,8 @@ extern const RgbKernels kRgbKernelsScalar;
 extern const RgbKernels kRgbKernelsAvx2;
 extern const RgbKernels kRgbKernelsAvx512;
 
-// Without the table, and apart from the variants: what they call is not to be compiled with their flags.
+// The curve's exact value, without the table. Defined in another file than the variants, so that the functions it calls
+// are not compiled with their flags.
 float exactValue(const CurveSteps& curve, float x);
 
 }  // namespace vantorel::cli

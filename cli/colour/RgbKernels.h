@@ -7,11 +7,11 @@ namespace vantorel::cli {
 
 class CurveTable;
 
-// A curve as the kernels look it up; no values where there is none.
+// A curve in the form that the kernels look up; null `values` for no curve.
 struct CurveSteps {
-  const float* values = nullptr;  // as CurveTable::values() has them
+  const float* values = nullptr;  // CurveTable::values()
   float at_zero = 0.0f;
-  const CurveTable* table = nullptr;  // for what is not tabulated
+  const CurveTable* table = nullptr;  // for values that are not tabulated
 };
 
 // `table` may be null, and must outlive the steps.
@@ -21,21 +21,21 @@ CurveSteps curveSteps(const CurveTable* table);
 struct RgbSteps {
   CurveSteps decode;
   bool has_matrix = false;
-  float columns[3][4] = {};  // what red, green and blue become; the fourth number is 0
+  float columns[3][4] = {};  // the results for red, green and blue; the fourth number is 0
   CurveSteps encode;
 };
 
-// Each works on `width` pixels in place; rows need no alignment.
+// Each function works on `width` pixels in place; rows need not be aligned.
 struct RgbKernels {
   bool (*isOpaque)(const float* row, int width);
-  // Where alpha is zero the colour stays as it is.
+  // If alpha is zero, the colour is left unchanged.
   void (*unpremultiply)(float* row, int width);
   void (*repremultiply)(float* row, int width);
-  // Alpha stays.
+  // Leaves alpha unchanged.
   void (*convert)(const RgbSteps& steps, float* row, int width);
 };
 
-// Those of a set that is available.
+// The kernels of an instruction set that is available.
 const RgbKernels& rgbKernels(InstructionSet set);
 
 }  // namespace vantorel::cli

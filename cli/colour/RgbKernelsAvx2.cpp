@@ -1,4 +1,4 @@
-// The kernels with AVX2; called only where the processor has it.
+// The kernels with AVX2; called only if the processor has it.
 #include <immintrin.h>
 
 #include "cli/colour/RgbKernelVariants.h"
@@ -7,7 +7,7 @@ namespace vantorel::cli {
 
 namespace {
 
-constexpr int kPixels = 2;  // of a vector
+constexpr int kPixels = 2;  // per vector
 using Floats = __m256;
 using Ints = __m256i;
 using Mask = __m256;
@@ -73,8 +73,8 @@ inline Ints shiftRight(Ints a) {
 inline Floats toFloats(Ints a) {
   return _mm256_cvtepi32_ps(a);
 }
-// table[i] and table[i + 1] for every i of the index, which are loaded together. The compiler's header for the form
-// without a mask warns of a variable that it leaves uninitialised on purpose.
+// Loads table[i] and table[i + 1], as one pair, for every i in the index. Uses the masked intrinsic because the
+// compiler's header for the unmasked one warns about a variable that it deliberately leaves uninitialised.
 inline Pairs gatherPairs(const float* table, Ints index) {
   const auto* const pairs = reinterpret_cast<const double*>(table);
   const __m256d none = _mm256_setzero_pd();

@@ -1,4 +1,4 @@
-// The kernels with AVX-512; called only where the processor has it.
+// The kernels with AVX-512; called only if the processor has it.
 #include <immintrin.h>
 
 #include "cli/colour/RgbKernelVariants.h"
@@ -7,7 +7,7 @@ namespace vantorel::cli {
 
 namespace {
 
-constexpr int kPixels = 4;  // of a vector
+constexpr int kPixels = 4;  // per vector
 using Floats = __m512;
 using Ints = __m512i;
 using Mask = __mmask16;
@@ -73,7 +73,7 @@ inline Ints shiftRight(Ints a) {
 inline Floats toFloats(Ints a) {
   return _mm512_cvtepi32_ps(a);
 }
-// table[i] and table[i + 1] for every i of the index, which are loaded together.
+// Loads table[i] and table[i + 1], as one pair, for every i in the index.
 inline Pairs gatherPairs(const float* table, Ints index) {
   const Floats low = _mm512_castpd_ps(_mm512_i32gather_pd(_mm512_castsi512_si256(index), table, sizeof(float)));
   const Floats high = _mm512_castpd_ps(_mm512_i32gather_pd(_mm512_extracti64x4_epi64(index, 1), table, sizeof(float)));

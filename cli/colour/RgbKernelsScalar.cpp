@@ -1,5 +1,4 @@
-// The kernels number by number: for processors without vectors, and the reference that the vectors must equal to the
-// bit.
+// The scalar kernels: for processors without AVX2, and the reference that the vector kernels must match to the bit.
 #include <array>
 #include <bit>
 #include <cmath>

@@ -1,5 +1,6 @@
-// The kernels in the words of an instruction set, which the including file defines. Nothing here may call a function
-// that another file might compile too, but exactValue: it could be taken from here for processors without the set.
+// The vector kernels, over the vector types and functions of an instruction set that the including file defines. Apart
+// from exactValue() they must not call functions that other files may compile too: the linker keeps one copy, which
+// could then be one that needs this instruction set.
 #include "cli/colour/TransferCurve.h"
 
 namespace vantorel::cli {
@@ -10,7 +11,7 @@ constexpr int kLanes = 4 * kPixels;
 constexpr unsigned kAlphaLanes = 0x8888u & ((1u << kLanes) - 1);
 constexpr unsigned kColourLanes = 0x7777u & ((1u << kLanes) - 1);
 
-// Calls function(vector) for all pixels of the row, which become what it returns.
+// Replaces all pixels of the row by function(vector).
 template <typename Function>
 inline void forVectors(float* row, int width, const Function& function) {
   int x = 0;
@@ -61,7 +62,7 @@ void repremultiply(float* row, int width) {
   });
 }
 
-// What the table does not hold, for the lanes of `wanted`.
+// Replaces the lanes in `wanted`, which the table does not cover, by exact values.
 [[gnu::noinline]] Floats withExact(const CurveSteps& curve, Floats x, Floats values, unsigned wanted) {
   float in[kLanes];
   float out[kLanes];

@@ -11,7 +11,7 @@ class RowConversion {
   RowConversion(const RowConversion&) = delete;
   RowConversion& operator=(const RowConversion&) = delete;
 
-  // Converts the colours of `width` RGBA pixels in place; they are not multiplied by alpha, which stays.
+  // Converts the colours of `width` straight-alpha RGBA pixels in place; leaves alpha unchanged.
   virtual void apply(float* row, int width) const = 0;
 };
 

@@ -9,13 +9,12 @@ namespace vantorel::cli {
 
 namespace {
 
-// A power with a straight toe, as all of this kind are: code = a * light^power - (a - 1) above `knee`, slope * light
-// below.
+// A power function with a linear toe: code = a * light^power - (a - 1) above `knee`, slope * light below it.
 struct ToedPower {
   double a;
   double power;
   double slope;
-  double knee;  // of light
+  double knee;  // in light
 
   double encode(double light) const { return light < knee ? slope * light : a * std::pow(light, power) - (a - 1.0); }
   double decode(double code) const {
@@ -27,7 +26,7 @@ constexpr ToedPower kSrgb{1.055, 1.0 / 2.4, 12.92, 0.0031308};
 constexpr ToedPower kRec709{1.09929682680944, 0.45, 4.5, 0.018053968510807};
 constexpr ToedPower kProPhoto{1.0, 1.0 / 1.8, 16.0, 0.001953125};
 
-// ACEScct as S-2016-001 has it.
+// ACEScct, as defined in S-2016-001.
 constexpr double kCctKnee = 0.0078125;
 constexpr double kCctSlope = 10.5402377416545;
 constexpr double kCctOffset = 0.0729055341958355;
@@ -48,7 +47,7 @@ double decodeCineon(double code) {
   return (std::pow(10.0, (code - 685.0 / 1023.0) * kDensityPerCode) - kCineonBlack) / (1.0 - kCineonBlack);
 }
 double encodeCineon(double light) {
-  constexpr double kLeast = 1e-6;  // below, nothing is left to take a logarithm of
+  constexpr double kLeast = 1e-6;  // the smallest light that a logarithm is taken of
   const double exposure = std::max(kLeast, light * (1.0 - kCineonBlack) + kCineonBlack);
   return 685.0 / 1023.0 + std::log10(exposure) / kDensityPerCode;
 }

@@ -1,4 +1,4 @@
-// The options of colour spaces, for every command that reads pictures.
+// The colour space options, for every command that reads pictures.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace vantorel::cli {
 
-// Takes the value into the options' ColourOptions, which are called `colour`.
+// Stores the value in the options' ColourOptions, which are named `colour`.
 template <typename Options, std::string ColourOptions::*Field>
 void setColour(Options& options, const std::string& name, const std::string& value) {
   if (value.empty()) {
@@ -27,22 +27,22 @@ OptionRow<Options> ocioRow(const char* group) {
           setColour<Options, &ColourOptions::config>};
 }
 
-// Adds the rows to a command's table, under that heading; those of a plate only where the command has one.
+// Adds the rows to a command's table, under that heading; those for a plate only if the command has one.
 template <typename Options>
 std::vector<OptionRow<Options>> withColourOptions(std::vector<OptionRow<Options>> rows, const char* group,
                                                   bool has_plate) {
   rows.push_back({"--colorspace-layer", "NAME", group,
-                  "The colour space that the layer is in (default: as its file says, or as is usual for its kind)",
+                  "The colour space of the layer (default: that stated in its file, or the usual one for its format)",
                   setColour<Options, &ColourOptions::layer>});
   if (has_plate) {
     rows.push_back(
         {"--colorspace-over", "NAME", group, "The same for the plate", setColour<Options, &ColourOptions::plate>});
   }
   rows.push_back({"--colorspace-out", "NAME", group,
-                  "The colour space to write (default: the plate's, else the layer's; for OpenEXR its linear light)",
+                  "The colour space to write (default: the plate's, else the layer's; for OpenEXR, its linear form)",
                   setColour<Options, &ColourOptions::output>});
   rows.push_back(ocioRow<Options>(group));
-  rows.push_back({"--raw", "", group, "Convert nothing: take all numbers as they are",
+  rows.push_back({"--raw", "", group, "Convert nothing: use all values as they are",
                   [](Options& o, const std::string&, const std::string&) { o.colour.raw = true; }});
   return rows;
 }

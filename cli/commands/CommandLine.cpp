@@ -29,7 +29,7 @@ constexpr const char* kRenderExamples =
     "  vantorel render photo.jpg -o out.png --ul 100,80 --ur 900,40 --ll 60,700 --lr 980,760\n"
     "  vantorel render sign.png -o shot.####.exr --frames 1-100 --corners track.csv --over plate.####.exr\n\n";
 
-// Usage lines by the command's name; the empty one is that of the whole.
+// Replaces the generated usage line by the given one.
 class HelpFormatter : public CLI::Formatter {
  public:
   explicit HelpFormatter(std::string usage) : usage_(std::move(usage)) {}
@@ -41,11 +41,11 @@ class HelpFormatter : public CLI::Formatter {
 
 void prepare(CLI::App& app, const std::string& usage) {
   app.formatter(std::make_shared<HelpFormatter>(usage));
-  // What is left over is examined here, to say what may have been meant.
+  // Leftover arguments are examined in refuseExtras(), which suggests what may have been meant.
   app.allow_extras();
 }
 
-// What an option is called in messages: "--output" of "-o,--output".
+// An option's name in messages: "--output" for "-o,--output".
 std::string messageName(const std::string& names) {
   const std::size_t comma = names.find(',');
   return comma == std::string::npos ? names : names.substr(comma + 1);
@@ -73,7 +73,7 @@ class Command {
   CLI::App& app() { return app_; }
   bool parsed() const { return app_.parsed(); }
 
-  // Of an option given twice the later holds, so that scripts can append to a usual set.
+  // If an option is given twice, the later value counts, so that scripts can append to a standard set.
   Options options() const {
     Options options;
     for (std::size_t i = 0; i < table_.size(); ++i) {
@@ -104,7 +104,8 @@ class Command {
   std::vector<CLI::Option*> options_;
 };
 
-// The arguments after the program's name, "-o=NAME" taken apart: the parser would count the sign to the name.
+// The arguments after the program's name, with "-o=NAME" split in two: the parser would take the '=' as part of the
+// name.
 std::vector<std::string> separated(int argc, const char* const* argv) {
   std::vector<std::string> words;
   bool options_ended = false;
@@ -139,7 +140,7 @@ std::string hint(const std::optional<std::string>& suggestion, const std::string
   return fmt::format("see '{}'", help_command);
 }
 
-// Complains about what no option or argument took.
+// Reports arguments that were not recognised.
 void refuseExtras(const CLI::App& app) {
   const std::vector<std::string> extras = app.remaining();
   if (extras.empty()) {
@@ -193,7 +194,8 @@ ExitCode runCommandLine(int argc, const char* const* argv) try {
   CLI::App app("Stretches pictures onto any quadrilateral: stills, sequences and plates.", "vantorel");
   prepare(app, "COMMAND ...");
   app.set_version_flag("--version", "vantorel " VANTOREL_VERSION);
-  app.footer(std::string("'vantorel COMMAND --help' describes a command, 'man vantorel' all of them.\n") + kExitCodes);
+  app.footer(std::string("'vantorel COMMAND --help' describes one command, 'man vantorel' all of them.\n") +
+             kExitCodes);
   app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   Command<RenderOptions> render(app, "render", "Render a still, or a sequence with --frames",
                                 "render LAYER -o OUT [OPTIONS]", renderOptionTable());
@@ -204,15 +206,15 @@ ExitCode runCommandLine(int argc, const char* const* argv) try {
   const Command<RectifyOptions> rectify(app, "rectify", "Straighten a page, a screen or a sign in a photo",
                                         "rectify PHOTO -o PAGE --ul X,Y --ur X,Y --ll X,Y --lr X,Y [OPTIONS]",
                                         rectifyOptionTable());
-  const Command<InfoOptions> info(app, "info", "Show what a picture file or the effect module says of itself",
-                                  "info [FILE] [OPTIONS]", infoOptionTable());
+  const Command<InfoOptions> info(app, "info", "Describe a picture file or the effect module", "info [FILE] [OPTIONS]",
+                                  infoOptionTable());
   const Command<CornersOptions> corners(app, "corners", "Show, convert or plot a tracker's corners",
                                         "corners FILE [-o OUT] [OPTIONS]", cornersOptionTable());
   const Command<TestCardOptions> card(app, "testcard", "Write a test card, for trying things out",
                                       "testcard -o OUT [OPTIONS]", testCardOptionTable());
   try {
     std::vector<std::string> words = separated(argc, argv);
-    // The parser takes them from the end.
+    // The parser consumes them from the end.
     std::reverse(words.begin(), words.end());
     app.parse(words);
   } catch (const CLI::Success& success) {

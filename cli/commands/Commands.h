@@ -13,7 +13,7 @@ namespace vantorel::cli {
 
 struct InfoOptions {
   std::string file;      // a picture to describe; empty: the effect module
-  ColourOptions colour;  // its config counts
+  ColourOptions colour;  // only its config is used
   std::string module;    // empty: the one beside the command
   bool json = false;
 };
@@ -29,8 +29,8 @@ struct RectifyOptions {
   std::string output;
   std::string format;  // of the output; empty: by its name
   bool overwrite = false;
-  CornerPositions corners{};       // the page's in the photo
-  std::optional<host::Size> size;  // the page's
+  CornerPositions corners{};       // the page's corners in the photo
+  std::optional<host::Size> size;  // the page's size
   std::optional<double> aspect;    // width over height; positive
   std::optional<EnlargeFilter> enlarge;
   bool linear = false;
@@ -49,31 +49,30 @@ struct CornersOptions {
   FrameRate rate;
 };
 
-// An option as it stands on the command line; a flag has no value.
+// An option as written on the command line; a flag has no value.
 struct GivenOption {
   std::string name;
   std::string value;
 };
 
-// What `render` takes, as far as it makes sense for looking: `output` may be empty, and the file of corners need not
-// exist.
+// The options of `render` that make sense for viewing. `output` may be empty, and the corners file need not exist.
 struct ViewOptions : RenderOptions {
   int port = 0;  // 0: any free one
   bool open_browser = true;
-  std::vector<GivenOption> given;  // the options that `render` gets as they are, to draw the same
-  std::string layer_label;         // what stands for the layer where none was given
+  std::vector<GivenOption> given;  // options to pass on to `render` unchanged, to draw the same picture
+  std::string layer_label;         // the name shown for the layer if none was given
 };
 
-// Each does its work and returns how it ended, or throws CommandError.
+// Each runs its command and returns the exit code, or throws CommandError.
 ExitCode runRender(const RenderOptions& options, const std::stop_token& stop);
 ExitCode runInfo(const InfoOptions& options);
-// Tells what a picture file is, by its header.
+// Describes a picture file from its header.
 ExitCode runDescribe(const InfoOptions& options);
-// Draws what lies within four corners of a photo as a rectangle, resampled once.
+// Straightens the part of a photo inside four corners to a rectangle, resampling only once.
 ExitCode runRectify(const RectifyOptions& options, const std::stop_token& stop);
 ExitCode runCorners(const CornersOptions& options);
 ExitCode runTestCard(const TestCardOptions& options, const std::stop_token& stop);
-// Serves a page to place corners on until it is stopped.
+// Serves the page for placing corners until it is stopped.
 ExitCode runView(const ViewOptions& options, const std::stop_token& stop);
 
 }  // namespace vantorel::cli

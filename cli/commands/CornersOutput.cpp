@@ -41,7 +41,7 @@ std::string formatNames() {
   return names;
 }
 
-// By its name, else by the ending of the output's name where only one format has it or it is the usual one.
+// The format given by name, else by the output's extension if that is unique or has a usual format.
 const tracks::Format& outputFormat(const CornersOptions& options, const std::string& output) {
   if (!options.format.empty()) {
     if (const tracks::Format* format = tracks::formatNamed(options.format)) {
@@ -58,8 +58,8 @@ const tracks::Format& outputFormat(const CornersOptions& options, const std::str
       return *format;
     }
   }
-  throw badArgument("--output", fmt::format("'{}' does not tell the format; name it with --format, one of {}", output,
-                                            formatNames()));
+  throw badArgument("--output", fmt::format("the format cannot be told from '{}'; name it with --format, one of {}",
+                                            output, formatNames()));
 }
 
 void refuseTwice(const std::vector<CornersOutput>& outputs) {
@@ -70,7 +70,7 @@ void refuseTwice(const std::vector<CornersOutput>& outputs) {
     });
     if (twice) {
       throw badArgument("--output",
-                        fmt::format("'{}' is to be written twice; give each output a name of its own", output->path));
+                        fmt::format("'{}' would be written twice; give each output its own name", output->path));
     }
   }
 }

@@ -11,18 +11,18 @@ namespace vantorel::cli {
 
 struct CornersOutput {
   std::string path;                // "-" is standard output
-  const tracks::Format* format{};  // none: a plot
+  const tracks::Format* format{};  // null: a plot
   tracks::CornerList corners;      // empty: all four
 };
 
-// What the options ask for, known before anything is read. Throws CommandError (bad argument) for a format that is not
-// told, for an output that is named twice, and for one that is a file of the track itself unless it may be replaced.
+// The requested outputs, determined before anything is read. Throws CommandError (bad argument) for an unknown format,
+// for an output that is named twice, and for one of the track's own files unless it may be replaced.
 std::vector<CornersOutput> planCornersOutputs(const CornersOptions& options);
 
-// True where one of them is standard output, which then carries nothing else.
+// Whether one of them is standard output, to which nothing else may be written then.
 bool takesStandardOutput(const std::vector<CornersOutput>& outputs);
 
-// Writes all of them, or none where the track does not fit a format. Throws CommandError.
+// Writes all of them, or none if a format cannot represent the track. Throws CommandError.
 void writeCornersOutputs(const std::vector<CornersOutput>& outputs, const tracks::CornerTrack& track, host::Size frame);
 
 }  // namespace vantorel::cli

@@ -48,7 +48,7 @@ const char* orientationName(int orientation) {
   return kNames[orientation - 1];
 }
 
-// Everything that is reported of a file.
+// Everything that is reported about a file.
 struct Description {
   PictureHeader header;
   PictureInfo info;

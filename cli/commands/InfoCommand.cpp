@@ -22,7 +22,7 @@ std::vector<const char*> capabilities(const host::ModuleInfo& info) {
       texts.push_back(text);
     }
   };
-  list(info.uses_extent_hint, "renders only the part that is asked for");
+  list(info.uses_extent_hint, "renders only the requested part");
   list(info.sets_output_size, "sets the size of its output");
   list(info.renders_16_bit, "16 bits per channel");
   list(info.renders_float, "32-bit float");

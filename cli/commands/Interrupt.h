@@ -1,4 +1,4 @@
-// Ctrl-C and requests to end, as a stop token.
+// Ctrl-C and termination requests as a stop token.
 #pragma once
 
 #include <signal.h>
@@ -8,13 +8,14 @@
 
 namespace vantorel::cli {
 
-// Writing to a closed pipe or beyond a limit on file sizes becomes an error of writing, rather than a signal that ends
-// the process and leaves its temporary files.
+// Makes writing to a closed pipe or beyond the file size limit fail with an error, rather than with a signal that would
+// kill the process and leave its temporary files behind.
 void ignoreSignalsOfWriting();
 
-// While one lives, SIGINT, SIGTERM and SIGHUP trigger its token instead of ending the process; those that were ignored
-// when the process started (nohup, a shell's background jobs) stay ignored. Make it before any other thread starts,
-// since threads inherit what is blocked. Throws std::system_error when no thread can be started.
+// While an object of this class exists, SIGINT, SIGTERM and SIGHUP trigger its token instead of ending the process;
+// those that were ignored when the process started (nohup, a shell's background jobs) stay ignored. Create it before
+// any other thread starts, since threads inherit the blocked signals. Throws std::system_error if its thread cannot be
+// started.
 class Interrupt {
  public:
   Interrupt();

@@ -1,4 +1,4 @@
-// A table of labels and lines, as `vantorel info` prints it.
+// A table of labels and lines, as printed by `vantorel info`.
 #pragma once
 
 #include <fmt/format.h>
@@ -7,7 +7,7 @@
 
 namespace vantorel::cli {
 
-// Of lines under one label only the first shows it.
+// Of several lines with the same label, only the first shows it.
 class Listing {
  public:
   void add(const std::string& label, const std::string& line) {

@@ -29,7 +29,7 @@ double parseAspect(const std::string& option, const std::string& text) {
   constexpr double kLongest = 1000.0;
   const bool are_sides = colon != std::string::npos && width && height && *width > 0.0 && *height > 0.0;
   if (!are_sides || *width / *height > kLongest || *height / *width > kLongest) {
-    throw badArgument(option, fmt::format("'{}' is no proportion; give width and height, such as 16:9", text));
+    throw badArgument(option, fmt::format("'{}' is not a proportion; give width and height, such as 16:9", text));
   }
   return *width / *height;
 }
@@ -38,7 +38,7 @@ double parseAspect(const std::string& option, const std::string& text) {
 
 const std::vector<OptionRow<InfoOptions>>& infoOptionTable() {
   static const std::vector<OptionRow<InfoOptions>> kTable{
-      {"FILE", "FILE", kOptions, "A picture to tell about: its size, channels and colours (default: the effect module)",
+      {"FILE", "FILE", kOptions, "A picture to describe: its size, channels and colours (default: the effect module)",
        [](InfoOptions& options, const std::string& name, const std::string& value) {
          options.file = parseFileName(name, value);
        }},
@@ -63,7 +63,7 @@ const std::vector<OptionRow<CornersOptions>>& cornersOptionTable() {
           {"-o,--output", "OUT[,OUT...]", kOptions,
            "Write the track here; four files get a corner each; - is standard output",
            [](CornersOptions& o, Text name, Text value) { o.output = parseFileName(name, value); }},
-          {"--overwrite", "", kOptions, "Replace the track's own file where OUT or SVG is it",
+          {"--overwrite", "", kOptions, "Allow OUT or SVG to replace the track's own file",
            [](CornersOptions& o, Text, Text) { o.overwrite = true; }},
           {"--format", "NAME", kOptions, "The format to write (default: by the ending of OUT)",
            [](CornersOptions& o, Text, Text value) { o.format = value; }},
@@ -92,19 +92,19 @@ const std::vector<OptionRow<RectifyOptions>>& rectifyOptionTable() {
            "name the picture to write with -o PAGE"},
           {"--format", "NAME", kOptions, "The format to write (default: by the ending of PAGE)",
            [](Options& o, Text, Text value) { o.format = value; }},
-          {"--overwrite", "", kOptions, "Replace the photo where PAGE is it",
+          {"--overwrite", "", kOptions, "Allow PAGE to replace the photo",
            [](Options& o, Text, Text) { o.overwrite = true; }},
           {"--ul", "X,Y", kOptions, "Where the page's upper left corner is in the photo", setPageCorner<kUpperLeft>,
            kGiveAll},
           {"--ur", "X,Y", kOptions, "Where its upper right corner is", setPageCorner<kUpperRight>, kGiveAll},
           {"--ll", "X,Y", kOptions, "Where its lower left corner is", setPageCorner<kLowerLeft>, kGiveAll},
           {"--lr", "X,Y", kOptions, "Where its lower right corner is", setPageCorner<kLowerRight>, kGiveAll},
-          {"--size", "WxH", kOptions, "The page's size in pixels (default: as long as its longest edges in the photo)",
+          {"--size", "WxH", kOptions, "The page's size in pixels (default: that of its longest edges in the photo)",
            [](Options& o, Text name, Text value) { o.size = parseSize(name, value); }},
           {"--aspect", "W:H", kOptions, "The page's proportions (default: estimated from the corners)",
            [](Options& o, Text name, Text value) { o.aspect = parseAspect(name, value); }},
           {"--enlarge", "bilinear|bicubic|lanczos", kOptions,
-           "Enlarge the photo by this filter first where the page becomes more than twice as large",
+           "First enlarge the photo with this filter, if the page becomes more than twice as large",
            [](Options& o, Text name, Text value) { o.enlarge = parseEnlargeFilter(name, value); }},
           {"--linear", "", kOptions, "Filter in linear light", [](Options& o, Text, Text) { o.linear = true; }},
           {"--module", "FILE", kOptions, "The effect module (default: the one beside the command)",

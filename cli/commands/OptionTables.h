@@ -1,5 +1,5 @@
-// The options of each subcommand. The command line and its help are built from these tables; an option is added by a
-// row here and a field in the options' struct, and told in the man page and the completion.
+// The options of each subcommand. The command line and its help are built from these tables. To add an option, add a
+// row here and a field to the options' struct, and document it in the man page and the completion.
 #pragma once
 
 #include <functional>
@@ -15,14 +15,14 @@ enum class PictureUse { ChangesPicture, LeavesPicture };
 template <typename Options>
 struct OptionRow {
   const char* names;  // "--size", "-o,--output", or a word without dashes for an argument
-  const char* value;  // what stands for the value in the help, choices as "high|standard"; empty for a flag
+  const char* value;  // the placeholder for the value in the help, or the choices: "high|standard"; empty for a flag
   const char* group;  // the heading in the help
   std::string help;
-  // Takes the value as it stands on the command line (empty for a flag) into the struct. Throws CommandError (bad
-  // argument), naming `name`, for a value that is not understood.
+  // Parses the value as written on the command line (empty for a flag) and stores it in the struct. Throws CommandError
+  // (bad argument), naming `name`, for an invalid value.
   std::function<void(Options& options, const std::string& name, const std::string& value)> set;
-  const char* if_missing = nullptr;  // for what must be given: what to do when it is not
-  // Whether the picture depends on the option, so that a frame made with another value is not taken for done.
+  const char* if_missing = nullptr;  // for required options: what to do if it is missing
+  // Whether the picture depends on the option, so that --resume redoes a frame made with another value.
   PictureUse use = PictureUse::ChangesPicture;
 };
 

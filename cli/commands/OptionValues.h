@@ -1,4 +1,4 @@
-// The values of options: each function returns what the text stands for, or throws CommandError naming the option.
+// Parses option values. Each function returns the value, or throws CommandError naming the option.
 #pragma once
 
 #include <fmt/format.h>
@@ -13,7 +13,7 @@
 
 namespace vantorel::cli {
 
-// The value that the word stands for.
+// The value for one of the known words.
 template <typename Value>
 Value parseChoice(const std::string& option, const std::string& word,
                   std::initializer_list<std::pair<const char*, Value>> choices) {
@@ -34,7 +34,7 @@ inline EnlargeFilter parseEnlargeFilter(const std::string& option, const std::st
                                      {"lanczos", EnlargeFilter::Lanczos}});
 }
 
-// A share: "0.25" or "25%", from 0 to 1.
+// A fraction from 0 to 1: "0.25" or "25%".
 inline double parseShare(const std::string& option, const std::string& text) {
   const bool percent = !text.empty() && text.back() == '%';
   const auto value = parseNumber(percent ? text.substr(0, text.size() - 1) : text);
@@ -54,7 +54,7 @@ inline double parseNumberInRange(const std::string& option, const std::string& t
   return *value;
 }
 
-// The name of a file, which is anything but empty: a shell variable that is not set gives an empty one.
+// A file name, which must not be empty: an unset shell variable gives an empty one.
 inline std::string parseFileName(const std::string& option, const std::string& text) {
   if (text.empty()) {
     throw badArgument(option, "is an empty file name; give one or omit the option");

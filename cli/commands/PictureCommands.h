@@ -1,5 +1,5 @@
-// The commands that read and write pictures, in a module of their own: the picture libraries take longer to load than
-// all else that the command does before the first pixel, and most of what it can answer needs none of them.
+// The commands that read and write pictures, in a separate module: the picture libraries take longer to load than
+// everything else before the first pixel, and many commands do not need them.
 #pragma once
 
 #include "cli/base/OwnModules.h"
@@ -17,7 +17,7 @@ struct PictureCommands : ModuleTable {
 
 constexpr const char* kPictureModuleName = "vantorel-pictures.so";
 
-// What the module exports, under this name: a function that returns the table.
+// The name of the function that the module exports, which returns the table.
 constexpr const char* kPictureCommandsName = "vantorelPictureCommands";
 
 }  // namespace vantorel::cli

@@ -22,16 +22,17 @@ double length(const host::Point& a, const host::Point& b) {
 
 struct PageSize {
   host::Size size;
-  std::optional<host::AspectEstimate> estimate;  // where the proportions were not given
+  std::optional<host::AspectEstimate> estimate;  // if the proportions were not given
 };
 
 void tell(const host::AspectEstimate& estimate) {
-  fmt::print(console(), "vantorel: the page is taken to be {:.4f} times as wide as high{}\n", estimate.aspect,
-             estimate.is_reliable ? ", if the photo is not cropped"
-                                  : ", by its edges alone, as its corners do not tell; give --aspect or --size");
+  fmt::print(console(), "vantorel: assuming that the page is {:.4f} times as wide as high{}\n", estimate.aspect,
+             estimate.is_reliable
+                 ? ", if the photo is not cropped"
+                 : ", from its edge lengths, since its corners do not determine it; give --aspect or --size");
 }
 
-// Without a size asked for, as large as the longest edges, so that nothing of the photo is lost.
+// The requested size or, by default, that of the longest edges, so that no detail of the photo is lost.
 PageSize pageSize(const RectifyOptions& options, const host::Corners& page, host::Size photo) {
   if (options.size) {
     return {*options.size, std::nullopt};
@@ -41,7 +42,7 @@ PageSize pageSize(const RectifyOptions& options, const host::Corners& page, host
   const double across = std::max(length(page.upper_left, page.upper_right), length(page.lower_left, page.lower_right));
   const double down = std::max(length(page.upper_left, page.lower_left), length(page.upper_right, page.lower_right));
   const double width = std::max(across, down * aspect);
-  constexpr double kMostPixels = 32767.0;  // what positions in 16.16 reach
+  constexpr double kMostPixels = 32767.0;  // the range of 16.16 positions
   if (width > kMostPixels || width / aspect > kMostPixels) {
     throw badArgument("--aspect", fmt::format("{:g} makes a page of {:.0f}x{:.0f} pixels; give a --size", aspect, width,
                                               width / aspect));
@@ -50,8 +51,8 @@ PageSize pageSize(const RectifyOptions& options, const host::Corners& page, host
   return {{whole(width), whole(width / aspect)}, estimate};
 }
 
-// The part of the photo around the page, with a pixel or two more for interpolation. What lies further off may be
-// beyond the horizon of the page's plane, where no corner can be placed.
+// The part of the photo around the page, with a margin for interpolation. Pixels further away may be beyond the horizon
+// of the page's plane, where no corner can be placed.
 host::Rect surroundings(const host::Corners& page, host::Size photo) {
   constexpr double kMargin = 2.0;
   const auto [left, right] =
@@ -70,12 +71,14 @@ host::Corners cornersOf(const host::Rect& rect) {
   return {{left, top}, {right, top}, {left, bottom}, {right, bottom}};
 }
 
-// Where the corners of a part of the photo go when the page's go to those of a picture of that size.
+// Where the corners of a part of the photo are drawn if the page's corners are drawn at those of a picture of that
+// size.
 std::array<std::optional<CornerPosition>, kCornerCount> placed(const host::Rect& part, const host::Corners& page,
                                                                host::Size size) {
   const auto map = host::Homography::ofQuadrilateral(page, cornersOf({0, 0, size.width, size.height}));
   if (!map) {
-    throw badArgument("--ul", "the corners make no convex quadrilateral; give those of the page, each in its place");
+    throw badArgument("--ul",
+                      "the corners do not form a convex quadrilateral; give those of the page, each in its place");
   }
   const host::Corners outline = cornersOf(part);
   std::array<std::optional<CornerPosition>, kCornerCount> corners;
@@ -83,7 +86,7 @@ std::array<std::optional<CornerPosition>, kCornerCount> placed(const host::Rect&
     const host::Point image = (*map)(outline[c]);
     if (map->weight(outline[c]) <= 0.0 || !host::isCoordinate(image.x) || !host::isCoordinate(image.y)) {
       throw badArgument(fmt::format("--{}", kCornerNames[c]),
-                        "the page is seen too much from the side; give corners less far from a rectangle, or a "
+                        "the page is seen at too flat an angle; give corners closer to a rectangle, or a "
                         "smaller --size");
     }
     corners[c] = CornerPosition{{image.x, false}, {image.y, false}};

@@ -18,7 +18,7 @@ ExitCode runRender(const RenderOptions& options, const std::stop_token& stop) {
   keepFreedMemory();
   const Shot shot = planShot(options);
   limitCodecThreads(options.threads, shot.frames_in_flight == 1);
-  // The frames' own threads count, and the workers that help them come on top.
+  // The frames' own threads count towards the limit; the rest may be helpers.
   const std::size_t helpers = options.threads - static_cast<unsigned>(shot.frames_in_flight);
   limitRowThreads(static_cast<unsigned>(helpers + 1));
   Progress progress(options.progress.value_or(isatty(STDERR_FILENO) != 0), shot.frames.count());

@@ -65,20 +65,19 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
           {"--format", "NAME", kFiles, "The format to write (default: by the ending of OUT)",
            [](Options& o, Text, Text value) { o.format = value; }},
           {"--part", "PART", kFiles,
-           "The name or number of the part of the plate's file, without a plate the layer's (default: the first)",
+           "Part of the plate's file, or without a plate of the layer's, by name or number (default: the first)",
            [](Options& o, Text name, Text value) { o.selection.part = parseFileName(name, value); }},
           {"--layer-name", "NAME", kFiles,
-           "The channels NAME.R, NAME.G and so on of that file (default: those named R, G, B, A alone)",
+           "The channels NAME.R, NAME.G and so on of that file (default: those named only R, G, B, A)",
            [](Options& o, Text name, Text value) { o.selection.layer = parseFileName(name, value); }},
           {"--compression", "NAME[:LEVEL]", kFiles,
-           "How to pack OpenEXR and TIFF: none, zip:4, piz, dwaa:45 and so on (default: OpenEXR as the plate)",
+           "Compression of OpenEXR and TIFF: none, zip:4, piz, dwaa:45 and so on (default: OpenEXR like the plate)",
            [](Options& o, Text name, Text value) { o.encoding.compression = parseCompression(name, value); }},
           {"--jpeg-quality", "N", kFiles, "1 to 100 (default: 98)",
            [](Options& o, Text name, Text value) { o.encoding.jpeg_quality = parseIntInRange(name, value, 1, 100); }},
-          {"--png-level", "N", kFiles, "How hard to pack PNG, 0 to 9 (default: 1, fast)",
+          {"--png-level", "N", kFiles, "Compression level of PNG, 0 to 9 (default: 1, fast)",
            [](Options& o, Text name, Text value) { o.encoding.png_level = parseIntInRange(name, value, 0, 9); }},
-          {"--overwrite", "", kFiles,
-           "Replace the layer, the plate, the matte or the corner file where OUT is one of them",
+          {"--overwrite", "", kFiles, "Allow OUT to replace the layer, the plate, the matte or the corners file",
            [](Options& o, Text, Text) { o.overwrite = true; }, nullptr, kLeaves},
 
           {"--ul", "X,Y", kPlacing, "Where the layer's upper left corner goes (default: where it is)",
@@ -90,7 +89,7 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
           {"--lr", "X,Y", kPlacing, "Where the layer's lower right corner goes (default: where it is)",
            kSetCorner<kLowerRight>},
           {"--from-ul", "X,Y", kPlacing,
-           "The point of the layer that goes onto the upper left corner (default: its own)",
+           "The point of the layer that is drawn at the upper left corner (default: its own corner)",
            kSetSourceCorner<kUpperLeft>},
           {"--from-ur", "X,Y", kPlacing, "The same for the upper right corner", kSetSourceCorner<kUpperRight>},
           {"--from-ll", "X,Y", kPlacing, "The same for the lower left corner", kSetSourceCorner<kLowerLeft>},
@@ -101,16 +100,16 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
            [](Options& o, Text name, Text value) { o.track.files = parseFileName(name, value); }},
           {"--size", "WxH", kPlacing, "The output picture's size (default: the plate's, else the layer's)",
            [](Options& o, Text name, Text value) { o.size = parseSize(name, value); }},
-          {"--fit", "", kPlacing, "Instead, the size that the effect asks for: the corners' bounding box",
+          {"--fit", "", kPlacing, "Instead, the size that the effect requests: the corners' bounding box",
            [](Options& o, Text, Text) { o.fit = true; }},
           {"--over", "PLATE", kPlacing, "Composite the result over this picture or sequence",
            [](Options& o, Text name, Text value) { o.plate = parseFileName(name, value); }},
 
           {"--crop", "L,T,R,B", kCompositing,
-           "Cut so many pixels, or percent, from the layer's sides first; what is left is the layer",
+           "First crop the layer by these numbers of pixels, or percent, on each side",
            [](Options& o, Text name, Text value) { o.crop = parseCrop(name, value); }},
           {"--alpha,--alpha-layer", "straight|premultiplied|ignore", kCompositing,
-           "How to take the layer's alpha (default: as its file says): its colours are straight, still to be "
+           "How to read the layer's alpha (default: as its file says): its colours are straight, still to be "
            "multiplied "
            "by it, or premultiplied, multiplied already; ignore: the layer is opaque",
            [](Options& o, Text name, Text value) {
@@ -122,16 +121,17 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
           {"--opacity", "P", kCompositing, "How opaque the layer is, 0 to 1 or percent (default: 1)",
            [](Options& o, Text name, Text value) { o.opacity = parseShare(name, value); }},
           {"--matte", "PICTURE", kCompositing,
-           "What stands in front: a grey or alpha picture, or a sequence, that hides the layer where it is white",
+           "What is in front: a grey or alpha picture, or a sequence, that hides the layer where it is white",
            [](Options& o, Text name, Text value) { o.matte = parseFileName(name, value); }},
-          {"--feather", "PIXELS", kCompositing, "Fade the layer's edges over so many output pixels inside its outline",
+          {"--feather", "PIXELS", kCompositing,
+           "Fade the layer's edges over this many output pixels inside its outline",
            [](Options& o, Text name, Text value) { o.feather = parseNumberInRange(name, value, 0.0, kMaxFeather); }},
           {"--enlarge", "bilinear|bicubic|lanczos", kCompositing,
-           "Enlarge the layer by this filter first where it becomes more than twice as large",
+           "First enlarge the layer with this filter, if it becomes more than twice as large",
            [](Options& o, Text name, Text value) { o.enlarge = parseEnlargeFilter(name, value); }},
 
           {"--shutter", "DEGREES", kMotionBlur,
-           "Blur what moves: how long the shutter is open, 180 is half a frame (0: off)",
+           "Motion blur: how long the shutter is open; 180 is half a frame (0: off)",
            [](Options& o, Text name, Text value) {
              o.shutter.degrees = parseNumberInRange(name, value, 0.0, kMaxShutter);
            }},
@@ -140,39 +140,40 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
            [](Options& o, Text name, Text value) {
              o.shutter.offset = parseNumberInRange(name, value, -kMaxShutter, kMaxShutter);
            }},
-          {"--shutter-samples", "N", kMotionBlur, "Draw at most so many moments, as the motion needs (default: 64)",
+          {"--shutter-samples", "N", kMotionBlur, "Draw at most N moments, as many as the motion needs (default: 64)",
            [](Options& o, Text name, Text value) {
              o.shutter.max_samples = parseIntInRange(name, value, 1, kMaxShutterSamples);
            }},
 
           {"--quality", "best|high|standard", kRendering,
            "best (default) takes as many samples as the picture needs and has crisp edges, high is the effect's own "
-           "filtering by area, standard is fast",
+           "area filtering, standard is fast",
            [](Options& o, Text name, Text value) {
              o.quality = parseChoice<host::Quality>(
                  name, value,
                  {{"best", host::Quality::Best}, {"high", host::Quality::High}, {"standard", host::Quality::Standard}});
            }},
           {"--samples", "auto|1|2|4|8", kRendering,
-           "Samples a pixel along each axis (default: auto at best, 1 at the other qualities)",
+           "Samples per pixel along each axis (default: auto at best, 1 at the other qualities)",
            [](Options& o, Text name, Text value) {
              o.samples = parseChoice<int>(name, value, {{"auto", 0}, {"1", 1}, {"2", 2}, {"4", 4}, {"8", 8}});
            }},
           {"--edges", "crisp|soft", kRendering,
-           "crisp (default at best): edge pixels covered by their exact share; soft: faded over a layer pixel",
+           "crisp (default at best): edge pixels have their exact coverage; soft: edges fade over a layer pixel",
            [](Options& o, Text name, Text value) {
              o.edges =
                  parseChoice<host::Edges>(name, value, {{"crisp", host::Edges::Crisp}, {"soft", host::Edges::Soft}});
            }},
           {"--placement", "outline|centres", kRendering,
-           "outline (default): the layer's outline lies on the corners; centres: positions count from pixel centres, "
-           "as the effect alone has it",
+           "outline (default): the layer's outline is exactly on the corners; centres: positions are measured from "
+           "pixel "
+           "centres, as in the effect itself",
            [](Options& o, Text name, Text value) {
              o.placement = parseChoice<host::Placement>(
                  name, value, {{"outline", host::Placement::Outline}, {"centres", host::Placement::Centres}});
            }},
           {"--depth", "auto|8|16|half|float", kRendering,
-           "auto (default, the files' own), 8, 16, half or float bits per channel",
+           "Bits per channel: auto (default, those of the files), 8, 16, half or float",
            [](Options& o, Text name, Text value) {
              o.depth = parseChoice<DepthChoice>(name, value,
                                                 {{"auto", DepthChoice::Auto},
@@ -181,7 +182,7 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
                                                  {"half", DepthChoice::Half},
                                                  {"float", DepthChoice::Float}});
            }},
-          {"--protocol", "smart|plain", kRendering, "How to speak to the effect: smart (default) or plain",
+          {"--protocol", "smart|plain", kRendering, "The protocol to use with the effect: smart (default) or plain",
            [](Options& o, Text name, Text value) {
              o.protocol = parseChoice<host::Protocol>(
                  name, value, {{"smart", host::Protocol::Smart}, {"plain", host::Protocol::Plain}});
@@ -200,13 +201,13 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
            [](Options& o, Text name, Text value) { o.module = parseFileName(name, value); }},
 
           {"--frames", "A-B[xS]", kSequences,
-           "A sequence, every S-th frame of it; %04d or #### in LAYER, OUT and PLATE stands for the frame",
+           "A sequence, or every S-th frame of it; %04d or #### in LAYER, OUT and PLATE stands for the frame",
            [](Options& o, Text name, Text value) { o.frames = parseFrameRange(name, value); }, nullptr, kLeaves},
           {"--layer-start", "N", kSequences,
-           "The frame that shows the layer's first file (default: its files are numbered as the shot is)",
+           "The frame that shows the layer's first file (default: its files are numbered like the shot)",
            setNumber<&RenderOptions::layer_start>, nullptr, kLeaves},
           {"--layer-end", "hold|loop|stop", kSequences,
-           "After the layer's last file hold it, start over, or stop the shot (default: a missing file is an error)",
+           "After the layer's last file, hold it, start over, or stop the shot (default: a missing file is an error)",
            [](Options& o, Text name, Text value) {
              o.layer_end = parseChoice<SequenceEnd>(
                  name, value, {{"hold", SequenceEnd::Hold}, {"loop", SequenceEnd::Loop}, {"stop", SequenceEnd::Stop}});
@@ -216,14 +217,15 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
            kLeaves},
           {"--matte-start", "N", kSequences, "The same for the matte", setNumber<&RenderOptions::matte_start>, nullptr,
            kLeaves},
-          {"--at", "FRAME", kSequences, "Which frame of the file of corners a still shows (default: 0)",
+          {"--at", "FRAME", kSequences, "The frame of the corners file that a still shows (default: 0)",
            setNumber<&RenderOptions::at>, nullptr, kLeaves},
           {"--fps", "RATE", kSequences, "Frames per second, such as 25, 23.976 or 24000/1001 (default: 24)",
            [](Options& o, Text name, Text value) { o.rate = parseFrameRate(name, value); }},
           {"--resume", "", kSequences,
-           "Skip frames that are done: unchanged, made with these options, newer than the inputs",
+           "Skip finished frames: unchanged, made with these options and newer than the inputs",
            [](Options& o, Text, Text) { o.resume = true; }, nullptr, kLeaves},
-          {"--keep-going", "", kSequences, "Go on after a frame that fails, list those at the end and exit with 1",
+          {"--keep-going", "", kSequences,
+           "Continue after a frame that fails, list such frames at the end and exit with 1",
            [](Options& o, Text, Text) { o.keep_going = true; }, nullptr, kLeaves},
 
           {"--progress", "", kReporting, "Show progress (default: when standard error is a terminal)",
@@ -233,7 +235,7 @@ const std::vector<OptionRow<RenderOptions>>& renderOptionTable() {
           {"--json", "", kReporting, "Print a line of JSON on standard output for every finished frame",
            [](Options& o, Text, Text) { o.json = true; }, nullptr, kLeaves},
       },
-      "Files of corners (default: what their format says)");
+      "Corners files (default: what their format says)");
   static const std::vector<OptionRow<Options>> kWithColour = withColourOptions<Options>(kTable, kColour, true);
   return kWithColour;
 }

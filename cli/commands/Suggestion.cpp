@@ -7,7 +7,7 @@ namespace vantorel::cli {
 
 namespace {
 
-// Insertions, deletions and replacements that turn one word into the other.
+// The number of insertions, deletions and replacements that turn one word into the other.
 std::size_t editDistance(const std::string& from, const std::string& to) {
   std::vector<std::size_t> row(to.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});

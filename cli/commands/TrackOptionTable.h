@@ -1,4 +1,4 @@
-// The options that say what files of corners mean, for every command that reads them.
+// The options that say how to interpret corners files, for every command that reads them.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace vantorel::cli {
 
-// One such option: a row of a table whose struct has a TrackOptions named `track`.
+// One such option: a row for a table whose struct has a TrackOptions member named `track`.
 struct TrackOptionRow {
   const char* names;
   const char* value;
@@ -20,7 +20,7 @@ struct TrackOptionRow {
 constexpr std::size_t kTrackOptionCount = 10;
 extern const TrackOptionRow kTrackOptions[kTrackOptionCount];
 
-// Adds the rows from `row` on to a command's table, under that heading.
+// Appends the rows starting at `row` to a command's table, under that heading.
 template <typename Options, std::size_t row = 0>
 void addTrackOptions(std::vector<OptionRow<Options>>& table, const char* group) {
   if constexpr (row < kTrackOptionCount) {
@@ -36,7 +36,7 @@ void addTrackOptions(std::vector<OptionRow<Options>>& table, const char* group) 
   }
 }
 
-// A command's own rows and these.
+// A command's own rows, followed by these.
 template <typename Options>
 std::vector<OptionRow<Options>> withTrackOptions(std::vector<OptionRow<Options>> rows, const char* group) {
   addTrackOptions(rows, group);

@@ -12,11 +12,12 @@ namespace {
 constexpr const char* kPage = "The page";
 constexpr int kMaxPort = 65535;
 
-// What of `render` is not for looking: how often, how much or how to report, and what drafts do not follow.
+// Options of `render` that make no sense for viewing: those about repeating, amount and reporting, and those that
+// drafts do not support.
 constexpr std::array<std::string_view, 14> kNotForLooking{
     "--fit",     "--downsample", "--protocol", "--placement",  "--enlarge",  "--from-ul",     "--from-ur",
     "--from-ll", "--from-lr",    "--resume",   "--keep-going", "--progress", "--no-progress", "--json"};
-// What the command that the page shows says by itself.
+// Options that the page's command text sets itself.
 constexpr std::array<std::string_view, 10> kToldOtherwise{
     "--at", "LAYER", "-o,--output", "--corners", "--corners-order", "--ul", "--ur", "--ll", "--lr", "--overwrite"};
 
@@ -33,7 +34,7 @@ OptionRow<ViewOptions> forView(const OptionRow<RenderOptions>& row) {
   } else if (name == "-o,--output") {
     view.help = "Where the page's Render button writes: " + outputExtensions();
   } else if (name == "--corners") {
-    view.help += "; the page saves to it, and makes it where a .csv or .json is not there";
+    view.help += "; the page saves to it, and creates a .csv or .json that does not exist";
   }
   if (!isAmong(kToldOtherwise, name)) {
     view.set = [set = row.set](ViewOptions& options, const std::string& option, const std::string& value) {
@@ -56,7 +57,7 @@ std::vector<OptionRow<ViewOptions>> makeTable() {
                      options.port = parseIntInRange(name, value, 0, kMaxPort);
                    },
                    nullptr, PictureUse::LeavesPicture});
-  table.push_back({"--no-browser", "", kPage, "Print the address and open no browser",
+  table.push_back({"--no-browser", "", kPage, "Print the address, but do not open a browser",
                    [](ViewOptions& options, const std::string&, const std::string&) { options.open_browser = false; },
                    nullptr, PictureUse::LeavesPicture});
   return table;

@@ -1,4 +1,4 @@
-// The four corners: their names, their order, and positions as people write them.
+// The four corners: their names and order, and parsing positions.
 #pragma once
 
 #include <array>
@@ -35,23 +35,23 @@ struct CornerPosition {
 using CornerPositions = std::array<CornerPosition, kCornerCount>;
 using OptionalCorners = std::array<std::optional<CornerPosition>, kCornerCount>;
 
-// The corners given, and the layer's own in place of the others.
+// The given corners, with the layer's own corners for the missing ones.
 CornerPositions orLayersOwn(const OptionalCorners& given);
 
-// A value, or the fault of what it was read from: "<what is wrong>; <what to do>", to follow the name of the input.
+// A value, or the error: "<what is wrong>; <what to do>", to follow the name of the input.
 template <typename T>
 using Parsed = tl::expected<T, std::string>;
 
-// "12.5" or "12.5%": finite, and pixels within what the effect's 16.16 numbers hold.
+// "12.5" or "12.5%": finite; pixels must be within the range of the effect's 16.16 numbers.
 Parsed<Coordinate> parseCoordinate(std::string_view text);
 
-// "X,Y", each as parseCoordinate takes it.
+// "X,Y", each in the form of parseCoordinate().
 Parsed<CornerPosition> parseCorner(std::string_view text);
 
-// A finite number as a coordinate; pixels are held to the same range.
+// A finite number as a coordinate; pixels are checked against the same range.
 Parsed<Coordinate> checkedCoordinate(double value, bool percent);
 
-// The position in pixels of a layer of that size; a fault when the pixels of a percentage are out of range.
+// The position in pixels of a layer of that size; an error if a percentage gives pixels out of range.
 Parsed<host::Point> toLayerPixels(const CornerPosition& position, host::Size layer);
 
 }  // namespace vantorel::cli

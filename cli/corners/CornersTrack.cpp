@@ -31,7 +31,7 @@ std::string readText(const std::string& path) {
   if (path == "-") {
     return trackOrThrow(tracks::readStream(std::cin, "standard input"));
   }
-  // A pipe is readable as well, but opening it to find out would take what its writer has for the reader.
+  // A pipe may be readable too, but opening it to check would consume data meant for the reader.
   std::error_code fault;
   if (!std::filesystem::is_fifo(path, fault)) {
     requireReadableFile(path, "a tracker's file");
@@ -91,7 +91,7 @@ std::vector<std::string> trackFiles(const std::string& list) {
 CornersTrack readCorners(const TrackOptions& options, const FrameRate& rate) {
   const std::vector<std::string> files = trackFiles(options.files);
   std::vector<std::string> texts;
-  texts.reserve(files.size());  // the sources view the texts
+  texts.reserve(files.size());  // the sources hold views of the texts, which must not move
   std::vector<tracks::TrackSource> sources;
   for (const std::string& file : files) {
     texts.push_back(readText(file));

@@ -1,4 +1,4 @@
-// What was said of the files of corners.
+// The options about corners files.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@ namespace vantorel::cli {
 struct TrackOptions {
   std::string files;               // FILE, or four of one point each as FILE,FILE,FILE,FILE; "-" is standard input
   tracks::ResolveOptions resolve;  // without the pictures' sizes
-  std::string first_option;        // the first given option that says something of the files; empty without one
+  std::string first_option;        // the first given option that applies to the files; empty if none
 };
 
 }  // namespace vantorel::cli

@@ -28,7 +28,7 @@ Coordinate parseMargin(const std::string& input, const std::string& text) {
     throw badArgument(input, margin.error());
   }
   if (margin->value < 0.0) {
-    throw badArgument(input, fmt::format("'{}' is negative; give what to cut from each side, 0 or more", text));
+    throw badArgument(input, fmt::format("'{}' is negative; give how much to cut from each side, 0 or more", text));
   }
   if (!margin->percent && margin->value != std::floor(margin->value)) {
     throw badArgument(input, fmt::format("'{}' is not a whole number of pixels; give one, or percent", text));
@@ -45,9 +45,10 @@ double pixels(const Coordinate& margin, int extent) {
 Crop parseCrop(const std::string& input, const std::string& text) {
   const std::vector<std::string> margins = splitAtCommas(text);
   if (margins.size() != 4) {
-    throw badArgument(input, fmt::format("'{}' is not a crop; give what to cut from the left, the top, the right and "
-                                         "the bottom, such as 10,0,10,5%",
-                                         text));
+    throw badArgument(input,
+                      fmt::format("'{}' is not a crop; give how much to cut from the left, the top, the right and "
+                                  "the bottom, such as 10,0,10,5%",
+                                  text));
   }
   return {parseMargin(input, margins[0]), parseMargin(input, margins[1]), parseMargin(input, margins[2]),
           parseMargin(input, margins[3])};

@@ -1,4 +1,4 @@
-// What is cut from the sides of the layer.
+// Cropping the layer.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace vantorel::cli {
 
-// How much each side loses: whole pixels, or percent of the layer's width or height, rounded to whole pixels.
+// How much is cut from each side: whole pixels, or percent of the layer's width or height, rounded to whole pixels.
 struct Crop {
   Coordinate left;
   Coordinate top;
@@ -19,7 +19,7 @@ struct Crop {
 // "L,T,R,B". Throws CommandError naming `input`.
 Crop parseCrop(const std::string& input, const std::string& text);
 
-// What remains of a layer of that size, in its pixels; a fault that names the size where nothing does.
+// What remains of a layer of that size, in its pixels; an error that names the size if nothing remains.
 Parsed<host::Rect> remaining(const Crop& crop, host::Size layer);
 
 }  // namespace vantorel::cli

@@ -9,9 +9,9 @@ namespace vantorel::cli {
 
 namespace {
 
-constexpr double kLeastEnlargement = 2.0;  // the effect's own interpolation shows no pixels up to here
-// Of a picture filtered up 8 times the effect's own interpolation cannot be told from further filtering, which would
-// take time and memory by the square.
+constexpr double kLeastEnlargement = 2.0;  // up to here the effect's own interpolation does not show pixels
+// Once the layer is enlarged 8 times, the effect's own interpolation of it cannot be distinguished from a larger
+// enlargement, whose time and memory would grow with the square of the factor.
 constexpr double kMostEnlargement = 8.0;
 constexpr int kMaxSide = 16384;  // half of what 16.16 numbers can address
 

@@ -1,4 +1,4 @@
-// How much the layer is enlarged before it goes through the effect.
+// How much the layer is enlarged before it is passed to the effect.
 #pragma once
 
 #include <optional>
@@ -15,16 +15,17 @@ struct Enlargement {
   bool operator==(const Enlargement&) const = default;
 };
 
-// The size of a layer that is so enlarged.
+// The size of a layer enlarged by these factors.
 host::Size enlargedSize(host::Size layer, const Enlargement& by);
 
-// What the corners ask for, which have keys at the same times: in an axis in which an edge, at any key, becomes more
-// than twice as long as it is in the source, by default the layer's outline, the next whole number of times, at most 8.
+// The enlargement that the corners call for: along an axis on which an edge, at any key, becomes more than twice as
+// long as in the source (by default the layer's outline), the next whole factor, at most 8. All corners must have keys
+// at the same times.
 Enlargement enlargementFor(const host::AnimatedCorners& corners, const std::optional<host::AnimatedCorners>& source,
                            host::Size layer);
 
-// The greatest factors up to those with which a layer takes no more than so many bytes, and no side more than the
-// effect can address.
+// The largest factors, up to the wanted ones, with which the layer takes at most `most_bytes` and no side is longer
+// than the effect can address.
 Enlargement limited(Enlargement wanted, host::Size layer, host::Depth depth, double most_bytes);
 
 }  // namespace vantorel::cli

@@ -39,7 +39,8 @@ int ceilToMultiple(int value, int n) {
   return -floorToMultiple(-value, n);
 }
 
-// Edges at multiples of n, so that pixels at 1/n resolution lie on the full picture's grid.
+// Rounds the edges outwards to multiples of n, so that pixels at 1/n resolution are aligned with the full picture's
+// grid.
 host::Rect alignedOutward(const host::Rect& rect, int n) {
   return {floorToMultiple(rect.left, n), floorToMultiple(rect.top, n), ceilToMultiple(rect.right, n),
           ceilToMultiple(rect.bottom, n)};
@@ -71,7 +72,7 @@ std::optional<FrameReport> FrameRenderer::render(std::int32_t frame) {
   return report;
 }
 
-// Best draws on a grid of tiles that does not depend on the canvas.
+// Parts can be composed on their own at Best, which draws in tiles of a grid that does not depend on the canvas.
 bool FrameRenderer::composesParts() const {
   const RenderOptions& options = shot_.options;
   return options.quality == host::Quality::Best && options.placement == host::Placement::Outline && !options.fit &&
@@ -199,7 +200,7 @@ host::ImageView FrameRenderer::framePart(const host::Rect& canvas) {
   return part;
 }
 
-// What of the canvas a file holds: where the plate has pixels, and where the layer lies.
+// The part of the canvas that is written to a file: where the plate has pixels and where the layer is.
 host::Rect FrameRenderer::writtenPart(std::int32_t frame, const host::Rect& canvas, const Picture* plate) {
   if (plate == nullptr || !shot_.passes_plate || plate->info.data == canvas) {
     return canvas;

@@ -1,4 +1,4 @@
-// One frame from files to file: read layer and plate, render, composite, write.
+// Renders one frame from input files to output file: reads layer and plate, renders, composites and writes.
 #pragma once
 
 #include <functional>
@@ -11,29 +11,29 @@
 
 namespace vantorel::cli {
 
-// A frame before it is written.
+// A finished frame before it is written.
 struct ComposedFrame {
-  // Premultiplied RGBA at the shot's depth and resolution, in the shot's own colour space; the renderer's own, until
-  // its next frame.
+  // Premultiplied RGBA at the shot's depth and resolution, in the shot's working colour space. Owned by the renderer
+  // and valid until its next frame.
   host::ImageView pixels;
-  host::Rect canvas;                         // what the pixels cover, in full-resolution pixels
-  host::Rect written;                        // what of it a file holds
-  std::shared_ptr<const Picture> reference;  // whose metadata, alpha and colour space a file takes: the plate or layer
-  FrameReport report;                        // without the time of writing
+  host::Rect canvas;                         // the area that the pixels cover, in full-resolution pixels
+  host::Rect written;                        // the part of it that is written to a file
+  std::shared_ptr<const Picture> reference;  // the plate or layer, whose metadata, alpha and colour space the file gets
+  FrameReport report;                        // without the writing time
 };
 
-// Renders frame after frame of a shot, one at a time; several of them work on one shot at the same time.
+// Renders frames of a shot, one at a time; several renderers can work on one shot at the same time.
 class FrameRenderer {
  public:
-  // `progress` is called with the share of a frame's rows that are done, and may be empty. The shot must outlive it.
+  // `progress` is called with the share of a frame's rows that is done; it may be empty. The shot must outlive it.
   FrameRenderer(const Shot& shot, std::stop_token stop, std::function<void(double)> progress);
 
-  // Renders and writes the frame, or, when resuming, finds it done and returns nothing. Throws CommandError.
+  // Renders and writes the frame. When resuming, returns nothing if the frame is already done. Throws CommandError.
   std::optional<FrameReport> render(std::int32_t frame);
 
-  // Reads, renders and composites the frame, and leaves the output's file alone. With a part, a rectangle within the
-  // frame, that much is enough: it has the bits that it has in the whole, and where these would depend on more than the
-  // part, the whole is composed. Throws CommandError.
+  // Reads, renders and composites the frame without writing it. With `part`, a rectangle within the frame, it may
+  // compose only that part, with the same bits as in the whole frame; if these would depend on more than the part, the
+  // whole frame is composed. Throws CommandError.
   ComposedFrame compose(std::int32_t frame, const std::optional<host::Rect>& part = std::nullopt);
 
  private:
@@ -54,8 +54,8 @@ class FrameRenderer {
   std::stop_token stop_;
   std::function<void(double)> progress_;
   host::Instance instance_;
-  host::AnimatedCorners corners_;            // as the instance has them
-  std::optional<host::Size> corners_layer_;  // the layer size that the instance's corners are for
+  host::AnimatedCorners corners_;            // those set in the instance
+  std::optional<host::Size> corners_layer_;  // the layer size for which they were set
   host::Image output_;
 };
 

@@ -10,7 +10,7 @@ namespace vantorel::cli {
 
 namespace {
 
-// To a microsecond.
+// Rounded to microseconds.
 double milliseconds(double seconds) {
   return std::round(seconds * 1e6) / 1e3;
 }
@@ -34,7 +34,7 @@ std::string toJson(const FrameReport& report) {
 
 void printJson(const FrameReport& report) {
   const std::string line = toJson(report) + '\n';
-  // One call, so that lines of several threads do not mix.
+  // A single call, so that lines of several threads do not get mixed up.
   if (std::fwrite(line.data(), 1, line.size(), stdout) != line.size() || std::fflush(stdout) != 0) {
     throw fileFailure("standard output", "cannot be written to; check the pipe or the disk that it goes to");
   }

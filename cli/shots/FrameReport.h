@@ -9,25 +9,25 @@
 
 namespace vantorel::cli {
 
-// What became of a frame. Times are in seconds.
+// The result of a frame. Times are in seconds.
 struct FrameReport {
   std::int32_t frame = 0;
   host::RenderPath path = host::RenderPath::Perspective;
   host::Depth depth = host::Depth::Bits8;
-  int origin_x = 0;  // where the output's first pixel lies on the canvas, in pixels of the rendered resolution
+  int origin_x = 0;  // the position of the output's first pixel on the canvas, in pixels of the rendered resolution
   int origin_y = 0;
   host::Size size;
   double read_seconds = 0;    // reading and decoding layer and plate
-  double render_seconds = 0;  // inside the module's commands
+  double render_seconds = 0;  // as in host::FrameResult
   double write_seconds = 0;   // compositing, encoding and writing
   std::string output;
-  std::string redone_because;  // why a frame that existed was rendered again; empty otherwise, and not in the line
+  std::string redone_because;  // why an existing frame was rendered again; empty otherwise; not part of the JSON
 };
 
 std::string toJson(const FrameReport& report);
 
-// Writes the line at once. Throws CommandError (file failure) when standard output cannot be written to. Safe to call
-// from several threads.
+// Writes the line and flushes it. Throws CommandError (file failure) if standard output cannot be written to. Safe to
+// call from several threads.
 void printJson(const FrameReport& report);
 
 }  // namespace vantorel::cli

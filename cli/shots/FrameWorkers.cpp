@@ -16,7 +16,7 @@ namespace vantorel::cli {
 
 namespace {
 
-// What the workers share.
+// The state shared by the workers.
 class Run {
  public:
   Run(const Shot& shot, const std::stop_token& stop, Progress& progress)
@@ -41,7 +41,7 @@ class Run {
     if (error_) {
       throw *error_;
     }
-    // A request to stop that comes after the last frame has begun and does not touch it changes nothing.
+    // A stop request that comes after the last frame has begun, and does not interrupt it, is ignored.
     if (next_index_ != shot_.frames.count()) {
       throw interrupted();
     }
@@ -60,7 +60,8 @@ class Run {
     return [this](double share) { progress_.rows(share); };
   }
 
-  // The files of a frame that comes later are fetched while this one is rendered; not where it may turn out to be done.
+  // Prefetches a later frame's files while this one is rendered. Not when resuming, since the later frame may already
+  // be done.
   void announce(std::int64_t index) const {
     if (index >= shot_.frames.count() || shot_.options.resume) {
       return;
@@ -72,7 +73,7 @@ class Run {
     }
   }
 
-  // The number of the frame to render next, from 0.
+  // The index of the next frame to render, from 0.
   std::optional<std::int64_t> next() {
     const std::scoped_lock lock(mutex_);
     if (ended_ || stop_.stop_requested() || next_index_ == shot_.frames.count()) {
@@ -101,7 +102,7 @@ class Run {
       try {
         printJson(*report);
       } catch (const CommandError& error) {
-        // Without a reader the run ends, whatever --keep-going says.
+        // If nobody reads standard output any more, the run ends even with --keep-going.
         error_ = error_ ? error_ : error;
         ended_ = true;
       }

@@ -1,4 +1,4 @@
-// The files of an input over a shot's frames, which need not be numbered as the shot is.
+// The files of an input for the shot's frames; their numbers may differ from the frames' numbers.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace vantorel::cli {
 
-// What is shown after a sequence's last picture.
+// What follows a sequence's last picture.
 enum class SequenceEnd { Hold, Loop, Stop };
 
 class InputFiles {
@@ -21,19 +21,18 @@ class InputFiles {
 
   bool hasNumber() const { return files_.hasNumber(); }
 
-  // The file that is shown at that frame of the shot.
+  // The file shown at that frame of the shot.
   std::string path(std::int32_t frame) const { return files_.path(numberAt(frame)); }
 
-  // Whether the frame's file is the one that all frames beyond its own show too: a still, or the last of a sequence
-  // that is held.
+  // Whether all later frames show the same file: a still, or the last one of a sequence that is held.
   bool isHeld(std::int32_t frame) const;
 
-  // Shows the first file that exists at `start`, the next one at the frame after it, and so on. Throws CommandError:
-  // naming the files, where there are none; naming `option`, where one of `frames` needs a number beyond 32 bits.
+  // Shows the first file that exists at `start`, the next one at the frame after it, and so on. Throws CommandError,
+  // naming the files if there are none, or naming `option` if one of `frames` needs a number beyond 32 bits.
   void startAt(std::int32_t start, const FrameRange& frames, const std::string& option);
 
-  // Goes on after the last file that exists as `end` has it. Returns the frame that shows that file, which may lie
-  // before the shot. Throws CommandError, naming the files, where there are none.
+  // Continues as `end` says after the last existing file. Returns the frame that shows that file, which may be before
+  // the shot. Throws CommandError, naming the files, if there are none.
   std::int64_t endAs(SequenceEnd end);
 
  private:
@@ -41,8 +40,8 @@ class InputFiles {
   FramePattern::Numbers existing() const;
 
   FramePattern files_;
-  std::int64_t shift_ = 0;                      // from a frame of the shot to the file's number
-  std::optional<FramePattern::Numbers> ended_;  // the files that hold or loop go on from
+  std::int64_t shift_ = 0;                      // added to a frame of the shot to get the file's number
+  std::optional<FramePattern::Numbers> ended_;  // the range of files for hold or loop
   SequenceEnd end_ = SequenceEnd::Stop;
 };
 

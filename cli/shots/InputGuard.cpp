@@ -12,10 +12,10 @@ namespace vantorel::cli {
 
 namespace {
 
-// Of longer shots only so many frames are checked, which takes about a second where no output exists.
+// The most frames that are checked, which takes about a second if no output exists.
 constexpr std::int64_t kMaxFrames = 1'000'000;
 
-// Calls visit(path) for every file of the pattern in the shot's frames.
+// Calls visit(path) for the file of each of the shot's frames.
 template <typename Files, typename Visit>
 void forFiles(const Files& files, const FrameRange& frames, const Visit& visit) {
   const std::int64_t count = files.hasNumber() ? std::min(frames.count(), kMaxFrames) : 1;
@@ -55,7 +55,7 @@ void refuseToReplaceInputs(const Shot& shot) {
   }
   if (!shot.options.track.files.empty()) {
     for (const std::string& file : trackFiles(shot.options.track.files)) {
-      refuse("the file of corners")(file);
+      refuse("the corners file")(file);
     }
   }
 }

@@ -1,12 +1,12 @@
-// Keeps a rendering from replacing what it is made from.
+// Prevents a rendering from overwriting its own inputs.
 #pragma once
 
 #include "cli/shots/Shot.h"
 
 namespace vantorel::cli {
 
-// Throws CommandError (bad argument) when a frame's output is, by itself or through links, a file of the layer, the
-// plate or the corners of any frame.
+// Throws CommandError (bad argument) if the output of a frame is, directly or through links, an input file (layer,
+// plate, matte or corners) of any frame.
 void refuseToReplaceInputs(const Shot& shot);
 
 }  // namespace vantorel::cli

@@ -1,4 +1,4 @@
-// The effect module.
+// Finds and loads the effect module.
 #pragma once
 
 #include <memory>
@@ -8,9 +8,9 @@
 
 namespace vantorel::cli {
 
-// Loads the effect module at `path`, or when that is empty the one beside the command or where it is installed, seen
-// from there. Throws CommandError: a file failure when there is no such file, an effect failure when the file does not
-// work, a bad argument when VANTOREL_SIMD names no instruction set of this machine.
+// Loads the effect module at `path` or, if that is empty, the one beside the command or in the install folder relative
+// to it. Throws CommandError: a file failure if there is no such file, an effect failure if the module does not work, a
+// bad argument if VANTOREL_SIMD names an instruction set that this machine does not have.
 std::shared_ptr<const host::Module> loadModule(const std::string& path);
 
 }  // namespace vantorel::cli

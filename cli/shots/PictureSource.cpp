@@ -34,7 +34,7 @@ void PictureSource::announce(std::int32_t frame) const {
 std::shared_ptr<const Picture> PictureSource::read(const std::string& path, const std::stop_token& stop) const {
   ReadingOptions reading = reading_;
   if (keeps_latest_) {
-    // Who looks at frames for hours wants their memory back in between.
+    // A viewer runs for hours and should return pictures' memory in between.
     reading.spare = nullptr;
   }
   return prepared(readPicture(path, depth_, stop, reading), path, reading.spare);

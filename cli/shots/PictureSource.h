@@ -1,4 +1,4 @@
-// The layer or the plate over the frames: a sequence, or a picture that several frames show, read once.
+// An input's pictures for the shot's frames: a sequence, or a picture that several frames show, which is read once.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@ namespace vantorel::cli {
 // Safe to use from several threads.
 class PictureSource {
  public:
-  // What is done to a picture after reading, once; may throw CommandError. The string is the picture's path.
+  // Called once for each picture after reading; may throw CommandError. The string is the picture's path.
   using Prepare = std::function<void(Picture&, const std::string&)>;
 
   PictureSource(InputFiles files, host::Depth depth, Prepare prepare, ReadingOptions reading = {});
@@ -25,22 +25,23 @@ class PictureSource {
   bool isStill() const { return !files_.hasNumber(); }
   std::string path(std::int32_t frame) const { return files_.path(frame); }
 
-  // Keeps a picture of a still that has been read at the source's depth already.
+  // Stores a still's picture that has already been read, at the source's depth.
   void adopt(Picture picture, std::int32_t frame);
 
-  // From now on keeps a sequence's picture until another one is asked for: for who looks at a frame again and again.
+  // From now on keeps a sequence's picture until another one is requested, for viewers that show the same frame
+  // repeatedly.
   void keepLatest() { keeps_latest_ = true; }
 
-  // The picture of that frame will be asked for soon.
+  // Announces that the picture of that frame will be needed soon.
   void announce(std::int32_t frame) const;
 
-  // The picture of that frame. A still, and the last picture of a sequence that is held, is kept for the next frame;
-  // others belong to who asked for them.
+  // The picture of that frame. A still, or the last picture of a sequence that is held, is kept for the next frame;
+  // other pictures are owned only by the caller.
   std::shared_ptr<const Picture> at(std::int32_t frame, const std::stop_token& stop);
 
  private:
   std::shared_ptr<const Picture> read(const std::string& path, const std::stop_token& stop) const;
-  // The picture's memory goes to `spare` in the end, unless that is null.
+  // When the picture is freed, its memory goes to `spare`, unless that is null.
   std::shared_ptr<const Picture> prepared(Picture picture, const std::string& path,
                                           const std::shared_ptr<SparePixels>& spare) const;
 

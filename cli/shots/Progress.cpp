@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kBetweenDrawings{100};
 
-// Of the terminal; as many as no line has where it is none.
+// The terminal's width; more than any line needs if it is not a terminal.
 int columns() {
   winsize size{};
   return ioctl(fileno(console()), TIOCGWINSZ, &size) == 0 && size.ws_col > 1 ? size.ws_col : 1000;
@@ -84,7 +84,7 @@ void Progress::draw(const std::string& line, bool always) {
   }
   last_drawn_ = now;
   line_is_there_ = true;
-  // Asked for each time, so that a window that is made narrower is followed; a line that wraps could not be erased.
+  // The width is queried each time in case the window was resized: a line that wraps could not be erased.
   std::fprintf(console(), "\r\x1b[K%.*s", columns() - 1, line.c_str());
 }
 

@@ -1,4 +1,4 @@
-// The line on the terminal that tells how far a rendering is.
+// The progress line on the terminal.
 #pragma once
 
 #include <chrono>
@@ -11,30 +11,30 @@ namespace vantorel::cli {
 // Writes to standard error, overwriting its own line. Safe to use from several threads.
 class Progress {
  public:
-  // `frames` is how many there are in all.
+  // `frames` is the total number of frames.
   Progress(bool shown, std::int64_t frames);
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  // Whether there is one picture, of which rows are shown.
+  // Whether there is only one picture, for which progress by rows is shown.
   bool showsRows() const { return shown_ && frames_ == 1; }
 
   // The share of a single picture's rows that are done, 0 to 1.
   void rows(double share);
-  // Frames that were there already count towards the total but not towards the rate.
+  // Skipped frames count towards the total but not towards the rate.
   void frameDone(bool skipped);
 
-  // Shows, where progress is shown, what has been done.
+  // Shows the final line, if progress is shown.
   void finish(const std::string& line);
 
   // How many frames are done.
   std::int64_t framesDone();
 
-  // Since this was made.
+  // The time since construction.
   double seconds() const;
 
-  // A message of the command on a line of its own, above the progress line.
+  // Prints a message of the command on its own line, above the progress line.
   void message(const std::string& text);
 
  private:

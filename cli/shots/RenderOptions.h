@@ -1,4 +1,4 @@
-// What a rendering was asked to be.
+// The options of a rendering.
 #pragma once
 
 #include <algorithm>
@@ -30,39 +30,39 @@ inline unsigned allCores() {
 }
 
 struct RenderOptions {
-  std::string layer;       // a name, or with `frames` the pattern of a sequence's names
+  std::string layer;       // a file name or, with `frames`, the pattern of a sequence's names
   std::string output;      // the same
   std::string format;      // the output's; empty: by its name
-  bool overwrite = false;  // inputs too
+  bool overwrite = false;  // may replace inputs
   OptionalCorners corners;
-  // The quadrilateral of the layer that goes onto the corners; a corner that is not given is the layer's own.
+  // The quadrilateral of the layer that is drawn onto the corners; missing corners are the layer's own.
   OptionalCorners source;
   bool hasSource() const {
     return std::ranges::any_of(source, [](const auto& corner) { return corner.has_value(); });
   }
-  TrackOptions track;              // files of corners; none without any
+  TrackOptions track;              // corners files, if any
   std::optional<host::Size> size;  // the output picture's, at full resolution
   bool fit = false;
-  // The frame that shows a sequence's first file; nothing: files are numbered as the shot is.
+  // The frame that shows a sequence's first file; empty: files are numbered like the shot.
   std::optional<std::int32_t> layer_start;
   std::optional<std::int32_t> plate_start;
   std::optional<std::int32_t> matte_start;
-  std::optional<SequenceEnd> layer_end;  // nothing: a file that is missing is an error
+  std::optional<SequenceEnd> layer_end;  // empty: a missing file is an error
   std::optional<std::int32_t> at;        // the frame of the corners that a still shows
-  std::string plate;                     // as `layer`; empty without one
+  std::string plate;                     // as `layer`; empty if none
   std::optional<Crop> crop;
   AlphaReading alpha = AlphaReading::AsStated;  // the layer's
-  std::optional<EnlargeFilter> enlarge;         // nothing: the effect's own interpolation
-  PictureSelection selection;                   // the plate's, without one the layer's
+  std::optional<EnlargeFilter> enlarge;         // empty: the effect's own interpolation
+  PictureSelection selection;                   // for the plate, or without one for the layer
   double feather = 0.0;                         // output pixels at full resolution
   host::Shutter shutter;
   double opacity = 1.0;  // 0 to 1
-  std::string matte;     // as `layer`; empty without one
+  std::string matte;     // as `layer`; empty if none
   bool linear = false;
   ColourOptions colour;
   host::Quality quality = host::Quality::Best;
-  int samples = 0;                   // a pixel along each axis: 1, 2, 4 or 8; 0: as the quality has it
-  std::optional<host::Edges> edges;  // nothing: as the quality has them
+  int samples = 0;                   // per pixel along each axis: 1, 2, 4 or 8; 0: depends on the quality
+  std::optional<host::Edges> edges;  // empty: depends on the quality
   host::Placement placement = host::Placement::Outline;
   DepthChoice depth = DepthChoice::Auto;
   Encoding encoding;
@@ -74,9 +74,9 @@ struct RenderOptions {
   bool keep_going = false;
   unsigned threads = allCores();  // 1 to kMaxThreads
   std::string module;             // empty: the one beside the command
-  std::optional<bool> progress;   // nothing: where standard error is a terminal
+  std::optional<bool> progress;   // empty: if standard error is a terminal
   bool json = false;
-  std::string settings;  // the options that change pictures, as they were given
+  std::string settings;  // the options that affect pictures, as given
 };
 
 }  // namespace vantorel::cli

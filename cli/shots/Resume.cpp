@@ -27,7 +27,7 @@ bool isNewer(const std::string& output, const std::string& input) {
   return !fault && output_time > input_time;
 }
 
-// Standard input and pipes have no time that counts: what they bring is taken for new.
+// Standard input and pipes have no meaningful time: their content counts as new.
 bool isNewerThanCorners(const std::string& output, const TrackOptions& track) {
   if (track.files.empty()) {
     return true;

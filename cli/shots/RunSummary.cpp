@@ -37,7 +37,7 @@ std::vector<std::string> RunSummary::messages(const Shot& shot) const {
   const std::string all = counted(shot.frames.count(), "frame");
   std::vector<std::string> lines;
   if (skipped_ > 0) {
-    lines.push_back(fmt::format("skipped {} of {}, done already and newer than the inputs", skipped_, all));
+    lines.push_back(fmt::format("skipped {} of {}, already done and newer than the inputs", skipped_, all));
   }
   for (const auto& [reason, frames] : redone_) {
     lines.push_back(fmt::format("rendered again, {}: {}", reason, namedFrames(frames)));
@@ -45,10 +45,10 @@ std::vector<std::string> RunSummary::messages(const Shot& shot) const {
   if (!bilinear_.empty()) {
     const bool mixed = static_cast<std::int64_t>(bilinear_.size()) < rendered_;
     const std::string which = shot.frames.count() == 1 ? "the picture" : namedFrames(bilinear_);
-    lines.push_back(fmt::format("{} drawn by bilinear mapping{}, since the corners make no convex quadrilateral{}",
-                                which + (bilinear_.size() == 1 ? " was" : " were"),
-                                mixed ? " and the others in perspective" : "",
-                                mixed ? "; the picture jumps where the mapping changes" : ""));
+    lines.push_back(
+        fmt::format("{} drawn by bilinear mapping{}, since the corners do not form a convex quadrilateral{}",
+                    which + (bilinear_.size() == 1 ? " was" : " were"), mixed ? " and the others in perspective" : "",
+                    mixed ? "; the picture jumps where the mapping changes" : ""));
   }
   if (!failed_.empty()) {
     lines.push_back(fmt::format("{} of {} failed: {}; fix their files and run again with --resume", failed_.size(), all,

@@ -1,4 +1,4 @@
-// What holds for every frame of a rendering, worked out once before the first.
+// Everything that is common to all frames of a rendering, determined once before the first frame.
 #pragma once
 
 #include <memory>
@@ -28,20 +28,20 @@ struct Shot {
   const ImageFormat* format = nullptr;
   ReadingOptions layer_reading;
   ReadingOptions plate_reading;
-  bool passes_plate = false;  // what the plate holds besides its picture passes into the output
+  bool passes_plate = false;  // the plate's other contents (channels, overscan, metadata) are passed on to the output
   std::unique_ptr<PictureSource> layer;
   std::unique_ptr<PictureSource> plate;  // null without one
   std::unique_ptr<PictureSource> matte;  // null without one
-  std::shared_ptr<ShotColour> colour;    // null where numbers are taken as they are
+  std::shared_ptr<ShotColour> colour;    // null if colours are not converted
   CornersTrack corners;
   Enlargement enlargement;                 // of the layer, before the effect
-  std::vector<std::string> notes;          // what everybody has to know before the first frame, a line each
-  host::Size layer_size;                   // of what is shown of the layer's first picture
+  std::vector<std::string> notes;          // messages to print before the first frame, one per line
+  host::Size layer_size;                   // of the visible part of the layer's first picture
   host::Size frame_size;                   // the output picture's size at full resolution
-  host::Depth depth = host::Depth::Bits8;  // what is rendered at
-  SampleType samples = SampleType::Bits8;  // what is written
+  host::Depth depth = host::Depth::Bits8;  // of rendering
+  SampleType samples = SampleType::Bits8;  // of the output file
   std::shared_ptr<const host::Module> module;
-  std::uint64_t settings = 0;  // commonSettings, which frames' files record
+  std::uint64_t settings = 0;  // commonSettings(), which is recorded in the frames' files
   int frames_in_flight = 1;
   unsigned threads_per_frame = 1;
 };

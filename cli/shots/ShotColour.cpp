@@ -46,7 +46,7 @@ ShotColour::ShotColour(const Shot& shot, const FrameHeads& heads)
   const auto given_output = givenSpace("--colorspace-out", options.output, config_);
   const bool is_float = isFloat(heads.plate ? heads.plate->samples : heads.layer.samples);
   output_.emplace(given_output && format_ != nullptr ? *given_output : outputSpace(reference, is_float, shot));
-  // What cannot be converted is refused before the first frame.
+  // Fails before the first frame if a conversion is not possible.
   makeProcessor(layer_, working_->space(), shot.layer_files.path(frame));
   makeProcessor(working_->space(), output_->space(), "--colorspace-out");
 }
@@ -56,8 +56,8 @@ ColourSpace ShotColour::spaceOf(ColourRole role, const std::string& path, const 
   return given ? *given : detectColour(path, *info.colour, config_).space;
 }
 
-// Numbers of light are kept by formats that hold light and by floats; elsewhere they would be too coarse in the dark,
-// and would be shown wrong.
+// Linear values are only written to formats meant for them and to float samples. Elsewhere they would be too coarse in
+// the dark parts, and viewers would show them wrongly.
 ColourSpace ShotColour::outputSpace(const ColourSpace& reference, bool is_float, const Shot& shot) const {
   if (shot.format == nullptr) {
     return srgb();

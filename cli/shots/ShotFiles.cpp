@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The files of an input or of the output. Without --frames every character of the name stands for itself.
+// The files of an input or of the output. Without --frames the name is taken literally.
 FramePattern filesOf(const std::string& input, const std::string& name, const RenderOptions& options) {
   if (options.frames) {
     return FramePattern::parse(input, name);
@@ -33,7 +33,7 @@ FramePattern filesOf(const std::string& input, const std::string& name, const Re
 FramePattern outputFiles(const RenderOptions& options, const FrameRange& frames) {
   FramePattern files = filesOf("--output", options.output, options);
   if (frames.count() > 1 && !files.hasNumber() && !isStandardStream(options.output)) {
-    throw badArgument("--output", fmt::format("'{}' has no place for the frame number, so that every frame would "
+    throw badArgument("--output", fmt::format("'{}' has no placeholder for the frame number, so every frame would "
                                               "replace the one before; put %04d or #### into the name",
                                               options.output));
   }
@@ -75,8 +75,8 @@ void planLayerEnd(Shot& shot) {
   shot.notes.push_back(fmt::format("the layer ends at frame {}, and the shot with it", shot.frames.last));
 }
 
-// How the files are read, and whether what a plate holds besides its picture passes into the output. At a lower
-// resolution it would not fit.
+// Decides how the files are read, and whether the plate's other contents are passed on to the output. They are not at a
+// lower resolution, where they would not match the picture.
 void planReading(Shot& shot) {
   shot.layer_reading.alpha = shot.options.alpha;
   (shot.plate_files ? shot.plate_reading : shot.layer_reading).selection = shot.options.selection;
@@ -86,7 +86,7 @@ void planReading(Shot& shot) {
   shot.plate_reading.keep_extra = shot.passes_plate;
 }
 
-// Two inputs cannot read one stream, and a picture there leaves no room for text.
+// Two inputs cannot share standard input, and standard output cannot carry both a picture and text.
 void refuseSharedStreams(const RenderOptions& options) {
   std::string user;
   for (const auto& [option, file] :
@@ -107,7 +107,7 @@ void refuseSharedStreams(const RenderOptions& options) {
     throw badArgument("--json", "writes to standard output, where the picture goes; omit it, or write to a file");
   }
   if (options.resume) {
-    throw badArgument("--resume", "has no files to look at where the output is standard output; omit it");
+    throw badArgument("--resume", "cannot check frames that go to standard output; omit it");
   }
 }
 

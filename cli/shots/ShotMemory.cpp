@@ -14,7 +14,7 @@ namespace vantorel::cli {
 
 namespace {
 
-// More frames at once than this gain nothing: the threads that are left over share the frames' rows.
+// More frames at once would gain nothing: the remaining threads share the frames' rows.
 constexpr int kMaxFramesInFlight = 16;
 
 double bytesPerFrame(const Shot& shot, const FrameHeads& heads) {
@@ -61,7 +61,7 @@ int framesInFlight(const Shot& shot, const FrameHeads& heads) {
   const double bytes_each = bytesPerFrame(shot, heads);
   requireMemory(shot, heads, bytes_each);
   std::int64_t most = std::min<std::int64_t>({shot.options.threads, shot.frames.count(), kMaxFramesInFlight});
-  // Half of what is free leaves room for what codecs and the host take.
+  // Uses only half of the free memory, to leave room for codecs and the host.
   if (const auto available = availableMemory()) {
     most = std::min(most, static_cast<std::int64_t>(*available / 2 / bytes_each));
   }

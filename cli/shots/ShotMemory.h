@@ -1,4 +1,4 @@
-// How many frames of a shot fit in memory at the same time.
+// How many frames of a shot fit into memory at the same time.
 #pragma once
 
 #include <optional>
@@ -8,15 +8,15 @@
 
 namespace vantorel::cli {
 
-// The heads of a frame's files; no plate or matte without one.
+// The headers of a frame's files; plate and matte are optional.
 struct FrameHeads {
   PictureInfo layer;
   std::optional<PictureInfo> plate;
   std::optional<PictureInfo> matte;
 };
 
-// How many frames to work on at the same time, 1 and up: as many as there are threads, fewer where memory is short.
-// Throws CommandError, naming the picture that takes most, when not even one fits.
+// How many frames to work on at the same time, 1 or more: as many as there are threads, or fewer if memory is short.
+// Throws CommandError, naming the largest picture, if not even one fits.
 int framesInFlight(const Shot& shot, const FrameHeads& heads);
 
 }  // namespace vantorel::cli

@@ -32,8 +32,7 @@ void refuseContradictions(const RenderOptions& options) {
     }
   }
   if (options.track.files.empty() && !options.track.first_option.empty()) {
-    throw badArgument(options.track.first_option,
-                      "applies to the file of corners; name one with --corners, or omit it");
+    throw badArgument(options.track.first_option, "applies to the corners file; name one with --corners, or omit it");
   }
   if (options.colour.raw && (options.linear || !options.colour.first_option.empty())) {
     throw badArgument("--raw", fmt::format("cannot be given together with {}; omit one of them",
@@ -43,7 +42,7 @@ void refuseContradictions(const RenderOptions& options) {
     throw badArgument("--colorspace-over", "applies to the plate; name one with --over, or omit it");
   }
   if (options.at && options.track.files.empty()) {
-    throw badArgument("--at", "applies to the file of corners; name one with --corners, or omit it");
+    throw badArgument("--at", "applies to the corners file; name one with --corners, or omit it");
   }
   if (options.at && options.frames) {
     throw badArgument("--at", "is for stills; omit it, or omit --frames");
@@ -95,7 +94,7 @@ bool isSequence(const std::optional<InputFiles>& files) {
   return files && files->hasNumber();
 }
 
-// The first frame's files; where it is to keep going, those of the first frame that can be read.
+// The headers of the first frame's files or, with --keep-going, of the first frame that can be read.
 FrameHeads probeShot(const Shot& shot) {
   for (std::int64_t index = 0;; ++index) {
     try {
@@ -112,11 +111,11 @@ FrameHeads probeShot(const Shot& shot) {
 
 SampleType finer(SampleType a, SampleType b) {
   const SampleType most = std::max(a, b);
-  // Half holds what 8 bits hold, but not what 16 bits hold.
+  // Half can represent all 8-bit values, but not all 16-bit values.
   return most == SampleType::Half && std::min(a, b) == SampleType::Bits16 ? SampleType::Float : most;
 }
 
-// `colour` may be null: nothing is converted.
+// `colour` may be null if nothing is converted.
 PictureSource::Prepare preparation(const std::shared_ptr<ShotColour>& colour, int reduce_by) {
   return [=](Picture& picture, const std::string& path) {
     if (colour) {
@@ -138,7 +137,7 @@ void cropLayer(Picture& picture, const Crop& crop, const std::string& path) {
   picture.info.size = {part->width(), part->height()};
 }
 
-// Puts an enlarged picture in place of what is shown; its size stays what the corners' percentages count by.
+// Replaces the visible part by an enlarged picture. `info.size` is kept, since the corners' percentages refer to it.
 void enlargeLayer(Picture& picture, const Enlargement& by, EnlargeFilter filter) {
   picture.pixels = enlarged(shownPixels(picture), enlargedSize(picture.info.size, by), filter);
   picture.crop.reset();
@@ -159,7 +158,7 @@ PictureSource::Prepare layerPreparation(const Shot& shot) {
   };
 }
 
-// The size of what is shown of the layer.
+// The size of the visible part of the layer.
 host::Size shownSize(const RenderOptions& options, host::Size layer) {
   if (!options.crop) {
     return layer;
@@ -208,8 +207,7 @@ void noteStillFrame(Shot& shot) {
 }
 
 // Whether 8 bits would lose colour in nearly transparent pixels, where dividing by alpha magnifies the rounding. A
-// still is searched for such pixels, and kept in `read` where it has none; of a sequence it is assumed that any picture
-// with alpha has some.
+// still is searched for such pixels, and kept in `read` if it has none; a sequence with alpha is assumed to have some.
 bool needsDeeperAlpha(const InputFiles& files, const PictureInfo& info, const ReadingOptions& reading,
                       std::int32_t frame, std::optional<Picture>& read) {
   if (!info.is_unassociated || info.samples != SampleType::Bits8) {
@@ -221,7 +219,7 @@ bool needsDeeperAlpha(const InputFiles& files, const PictureInfo& info, const Re
   return !read;
 }
 
-// Stills that have been read at 8 bits to look at their pixels.
+// Stills that have been read at 8 bits to examine their pixels.
 struct ReadStills {
   std::optional<Picture> layer;
   std::optional<Picture> plate;
@@ -241,7 +239,7 @@ host::Depth renderingDepth(const Shot& shot, const FrameHeads& heads, SampleType
   return deeper ? host::Depth::Bits16 : depth;
 }
 
-// Sizes and depths, by the heads of the files.
+// Determines sizes and depths from the headers of the files.
 void planPictures(Shot& shot, const FrameHeads& heads, ReadStills& read) {
   const RenderOptions& options = shot.options;
   if (heads.plate) {
@@ -252,7 +250,7 @@ void planPictures(Shot& shot, const FrameHeads& heads, ReadStills& read) {
     shot.samples = outputSamples(*shot.format, options.depth, source);
   }
   if (shot.passes_plate && heads.plate->format == "openexr" && options.depth == DepthChoice::Auto) {
-    // What reads the plate expects its own type back: half stays half.
+    // Programs that read the plate expect the same type back: half stays half.
     shot.samples = heads.plate->samples;
   }
   if (!options.colour.raw) {
@@ -269,7 +267,7 @@ void planPictures(Shot& shot, const FrameHeads& heads, ReadStills& read) {
   }
 }
 
-// As far as memory reaches; what it does not allow is reported.
+// Limited by the available memory; a smaller enlargement is reported.
 void planEnlargement(Shot& shot, host::Size layer) {
   if (!shot.options.enlarge) {
     return;
@@ -301,7 +299,7 @@ Shot planShot(const RenderOptions& options, std::optional<CornersTrack> corners)
     refuseToReplaceInputs(shot);
   }
   if (options.colour.raw) {
-    shot.notes.push_back("numbers are taken as they are, whatever colour spaces the files are in (--raw)");
+    shot.notes.push_back("values are used without conversion, whatever colour spaces the files are in (--raw)");
   }
   shot.corners = corners ? *std::move(corners) : cornersOf(options);
   refuseSourceContradictions(options, shot.corners);
@@ -314,13 +312,13 @@ Shot planShot(const RenderOptions& options, std::optional<CornersTrack> corners)
   } else {
     noteViews(shot, shot.layer_files, heads.layer);
   }
-  sourceOf(shot, shot.layer_size);  // says now what is wrong with it
+  sourceOf(shot, shot.layer_size);  // reports errors in it now
   planEnlargement(shot, heads.layer.size);
   noteStillFrame(shot);
   if (shot.corners.read) {
     tellNotes(resolveCorners(shot.corners, heads.layer.size, shot.frame_size).notes);
   }
-  // Frames on standard output follow one another.
+  // Frames on standard output must be in order.
   shot.frames_in_flight = isStandardStream(options.output) ? 1 : framesInFlight(shot, heads);
   shot.threads_per_frame = std::max(1u, options.threads / static_cast<unsigned>(shot.frames_in_flight));
 

@@ -1,14 +1,13 @@
-// Works out a shot from what was asked for.
+// Plans a shot from its options.
 #pragma once
 
 #include "cli/shots/Shot.h"
 
 namespace vantorel::cli {
 
-// Checks everything that can be checked before rendering, and reads the heads of the first frame's files (of the first
-// frame whose files can be read, where it is to keep going). Without a name of an output none is planned: the shot has
-// no format, and its frames can be composed but not written. `corners` take the place of those of the options. Throws
-// CommandError.
+// Checks everything that can be checked before rendering, and reads the headers of the first frame's files (with
+// --keep-going, of the first frame whose files can be read). If no output is named, the shot has no format, and its
+// frames can be composed but not written. `corners` replace those of the options. Throws CommandError.
 Shot planShot(const RenderOptions& options, std::optional<CornersTrack> corners = std::nullopt);
 
 }  // namespace vantorel::cli

@@ -18,7 +18,7 @@ host::AnimatedCorners fromOptions(const RenderOptions& options, host::Size layer
   const host::Corners corners = toPixels(orLayersOwn(options.source), layer, "--from-");
   if (!tracks::isConvex({corners.upper_left, corners.upper_right, corners.lower_left, corners.lower_right})) {
     throw badArgument("--from-ul",
-                      "with the layer's other corners it makes no convex quadrilateral; give all four, each "
+                      "with the layer's other corners it does not form a convex quadrilateral; give all four, each "
                       "in its place");
   }
   host::AnimatedCorners constant;

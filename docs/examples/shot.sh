@@ -1,4 +1,4 @@
-# The shot that render-shot.sbatch renders. File names are seen from the folder in which sbatch is called, which all
+# The shot that render-shot.sbatch renders. File names are relative to the folder in which sbatch is called, which all
 # nodes share; %04d stands for the frame.
 first=1001
 last=1096

@@ -18,7 +18,7 @@ struct Span {
   Vec leave_normal;
 };
 
-// Cuts the span to -1 <= origin + t * direction <= 1 along an axis.
+// Clips the span to -1 <= origin + t * direction <= 1 along an axis.
 void cutToSlab(float origin, float direction, Vec axis, Span* span) {
   float enter = (-1.0F - origin) / direction;
   float leave = (1.0F - origin) / direction;
@@ -36,7 +36,7 @@ void cutToSlab(float origin, float direction, Vec axis, Span* span) {
   }
 }
 
-// Cuts the span to the unit sphere, or to the unit circle of x and z.
+// Clips the span to the unit sphere, or to the unit circle of x and z.
 void cutToRound(const Ray& ray, Vec axes, Span* span) {
   const Vec origin = ray.origin * axes;
   const Vec direction = ray.direction * axes;
@@ -213,7 +213,7 @@ void addMonitor(Room* room) {
   room->screen[3] = corner(1, -1);
 }
 
-// Whether a ray of unit direction misses the sphere about the object.
+// Whether a ray of unit direction misses the object's bounding sphere.
 bool passesBy(const Object& object, const Ray& ray) {
   const Vec to_centre = object.centre - ray.origin;
   const float along = dot(to_centre, ray.direction);

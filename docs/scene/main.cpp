@@ -3,7 +3,7 @@
 //   scene FRAME WIDTHxHEIGHT [SAMPLES OUT.ppm]
 //
 // FRAME runs from 1 to 25; SAMPLES is the number of paths per pixel. Prints the corners of the monitor's screen in the
-// picture as a line of a corner file: frame,ulx,uly,urx,ury,llx,lly,lrx,lry.
+// picture as a line of a corners file: frame,ulx,uly,urx,ury,llx,lly,lrx,lry.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -110,7 +110,7 @@ Vec radiance(const Room& room, const Ray& ray, int depth, bool sees_lights, Rand
     return albedoAt(hit) * (direct + indirect);
   };
   if (depth > 0 || reflectance == 0.0F) {
-    return base();  // light by way of a second coat would take many more samples than it is worth
+    return base();  // light reflected by a second coat would need too many samples
   }
   return coat() * reflectance + base() * (1.0F - reflectance);
 }

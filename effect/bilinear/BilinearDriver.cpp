@@ -9,7 +9,8 @@
 
 namespace {
 
-// The layer's own rectangle inside the input, in corner order, its right and bottom edges cut to whole pixels.
+// The layer's own rectangle inside the input, in corner order, with its right and bottom edges truncated to whole
+// pixels.
 void sourceRect(const PF_InData* in_data, M_FixedPoint* source) {
   const ScaledSize layer = scaledLayerSize(in_data);
   const std::int32_t left = fixedFromInt(in_data->source_origin_x);
@@ -32,7 +33,7 @@ std::int32_t TracePointBilinear(PF_InData* in_data, PF_OutData* out_data, PF_Lay
   if (err != ERR_NONE) {
     return err;
   }
-  // The scan renderers write covered pixels alone: this is what makes the rest transparent.
+  // The scan renderers write only covered pixels, so everything else is made transparent first.
   in_data->utility_callbacks->fill(in_data->effect_ref, nullptr, nullptr, output);
 
   std::int32_t depth = 0;

@@ -7,7 +7,7 @@
 
 namespace {
 
-// A record of four channels as an unpacked pixel, and back.
+// Converts a pixel record of four channels to an unpacked pixel, and back.
 template <typename Traits, typename Pixel>
 typename Traits::Unpacked unpack(const Pixel& pixel) {
   static_assert(sizeof(Pixel) == Traits::kPixelBytes);

@@ -13,7 +13,7 @@
 #include <emmintrin.h>
 #endif
 
-// An input world as the samplers see it; its size is positive.
+// The input world of the samplers; its size is positive.
 struct InputView {
   const std::byte* data;
   std::int32_t row_bytes;
@@ -21,16 +21,17 @@ struct InputView {
   std::int32_t height;
 };
 
-// `p` moved by a number of bytes. It may lie outside the input, so the sum is done on the address.
+// `p` moved by a number of bytes. The result may lie outside the input, where pointer arithmetic would be undefined, so
+// the sum is formed on the address.
 inline const std::byte* moveAddress(const void* p, std::ptrdiff_t bytes) {
   return std::bit_cast<const std::byte*>(std::bit_cast<std::uintptr_t>(p) + static_cast<std::uintptr_t>(bytes));
 }
 
 // ---- Along one axis ------------------------------------------------------------------------------------------------
 
-// The filter along an axis, which follows from the step between samples. It has two taps, the second one `second_tap`
-// pixels beyond the first: neighbours, mixed by the position's fraction, or for steps of 2.0 and more, pixels half a
-// step apart, averaged.
+// The filter along an axis, chosen by the step between samples. It has two taps, `second_tap` pixels apart:
+// neighbouring pixels mixed by the position's fraction or, for steps of 2.0 and above, pixels half a step apart that
+// are averaged.
 struct AxisFilter {
   bool box_filter;
   std::int32_t second_tap;
@@ -40,8 +41,8 @@ constexpr AxisFilter filterForStep(std::int32_t step) {
   return step < 2 * kFixedOne ? AxisFilter{false, 1} : AxisFilter{true, fixedFloor(step) / 2};
 }
 
-// Where the taps of a position lie along an axis of `size` pixels. There is only one at a whole position and where the
-// second would lie outside; the first is clamped.
+// Where the taps of a position lie along an axis of `size` pixels. The first is clamped to the axis. There is only one
+// at a whole position, and where the second would lie outside.
 struct AxisTaps {
   std::int32_t first;
   bool one_tap;
@@ -101,10 +102,10 @@ typename Traits::Unpacked readInput(const InputView& input, std::int32_t u, std:
                       clamp(fixedFloor(u), input.width) * Traits::kPixelBytes);
 }
 
-// ---- Inside the input: bilinear interpolation of four neighbours, most of all samples ------------------------------
+// ---- Inside the input: bilinear interpolation of four neighbours, the most common case -----------------------------
 
 // The texels at `top` and `bottom` and their right neighbours, mixed by u within a row and by v between the rows. The
-// specialisations below give the same bits with vector instructions that every x86-64 processor has.
+// specialisations below use SSE2, which every x86-64 processor has, and give the same bits.
 template <typename Traits>
 typename Traits::Packed bilerpTexels(const std::byte* top, const std::byte* bottom, std::int32_t u, std::int32_t v) {
   const auto mix_row = [u](const std::byte* row) {
@@ -121,7 +122,7 @@ struct alignas(16) WeightLanes {
 };
 using WeightTable = std::array<WeightLanes, 256>;  // one for every mix factor
 
-// `is_second(lane)` tells which lanes hold the second texel.
+// `is_second(lane)` says whether a lane holds the second texel.
 template <typename IsSecond>
 constexpr WeightTable weightTable(IsSecond is_second) {
   WeightTable table{};
@@ -162,8 +163,8 @@ inline PixelTraits8::Packed bilerpTexels<PixelTraits8>(const std::byte* top, con
   return static_cast<PixelTraits8::Packed>(_mm_cvtsi128_si32(_mm_packus_epi16(mixed, mixed)));
 }
 
-// The multiply-and-add of 16-bit lanes is signed, so 16-bit channels are mixed with 32768 subtracted, which the shift
-// by 8 leaves exact: the weights sum to 256.
+// The multiply-add of 16-bit lanes is signed, so 32768 is subtracted from 16-bit channels while they are mixed. The
+// result stays exact: the weights sum to 256, so the bias comes out of the shift by 8 unchanged.
 template <>
 inline PixelTraits16::Packed bilerpTexels<PixelTraits16>(const std::byte* top, const std::byte* bottom, std::int32_t u,
                                                          std::int32_t v) {

@@ -1,8 +1,8 @@
-// The arithmetic of one pixel depth as the bilinear renderer needs it: how pixels are loaded, stored, mixed and
-// averaged. Everything above it is written once over these traits.
+// The bilinear renderer's arithmetic for each pixel depth: how pixels are loaded, stored, mixed and averaged. All code
+// above this is written once, as templates over these traits.
 //
-// They work on `Unpacked` pixels, whose four channels stand so far apart that all four are mixed in the same few
-// operations: a + ((b - a) * f >> 8) equals (a * (256 - f) + b * f) >> 8, in which no channel's sum leaves its lane.
+// They work on `Unpacked` pixels, whose channels are spaced far enough apart to be mixed together in a few integer
+// operations: a + ((b - a) * f >> 8) equals (a * (256 - f) + b * f) >> 8, whose sums fit into their lanes.
 #pragma once
 
 #include <array>
@@ -17,7 +17,7 @@ constexpr std::uint32_t mixFactor(std::int32_t weight) {
   return static_cast<std::uint32_t>(weight >> 8) & 255;
 }
 
-// The second pixel's weight in 256ths: a mix factor of 255 takes it whole.
+// The second pixel's weight in 256ths; a mix factor of 255 counts as the full 256.
 constexpr std::uint64_t blendWeight(std::int32_t weight) {
   const std::uint32_t factor = mixFactor(weight);
   return factor + ((factor + 1) >> 8);
@@ -54,7 +54,7 @@ struct PixelTraits8 {
 
   static Unpacked average(Unpacked a, Unpacked b) { return ((a >> 1) & kHalves) + ((b >> 1) & kHalves); }
 
-  // Rows of 8-bit pixels are stepped in whole pixels.
+  // For 8-bit pixels the row step is rounded down to whole pixels.
   static std::ptrdiff_t rowStep(std::int32_t row_bytes) { return std::ptrdiff_t{row_bytes / 4} * 4; }
 
  private:

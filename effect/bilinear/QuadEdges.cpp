@@ -29,7 +29,7 @@ bool edgeIsPassed(const EdgeWalker& walker, const EdgeChain& chain) {
   return walker.a.next != walker.b.next && walker.y >= walker.corners[chain.next].y;
 }
 
-// Puts the chain at the start of its edge. Only these first slopes use double precision.
+// Puts the chain at the start of its edge. Only these first slopes are computed in double precision.
 void startEdge(const M_FixedPoint* corners, EdgeChain* chain) {
   const M_FixedPoint& from = corners[chain->current];
   const M_FixedPoint& to = corners[chain->next];
@@ -73,7 +73,7 @@ bool sourceAlongEdge(const EdgeWalker& walker, const EdgeChain& chain, const M_F
   return true;
 }
 
-// Leaves the row: y and both chains to the top of the next one, and its coverage if that is the last.
+// Moves y and both chains to the top of the next row, and sets the row's coverage if it is the last one.
 void stepRow(EdgeWalker* walker) {
   if (walker->coverage != 0) {
     walker->a.x = wrapAdd(walker->a.x, KZ_FixMulDiv(walker->a.slope, walker->coverage, kFixedOne));

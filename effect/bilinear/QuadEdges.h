@@ -1,9 +1,9 @@
 // Edge walking: a quadrilateral is drawn row by row in 16.16 fixed point. Two chains of edges run down from its top
 // corner, one through decreasing and one through increasing corner indices, and every row is the span between them.
 //
-// A concave or self-crossing quadrilateral is walked the same way: one span a row, whichever chain lies on the left.
-// Sums and differences wrap at 32 bits; y and the clip tests are 64 bits wide, so that corners at the ends of the 16.16
-// range end the walk.
+// A concave or self-crossing quadrilateral is walked the same way: one span per row, whichever chain is on the left.
+// Sums and differences wrap at 32 bits; y and the clip tests are 64 bits wide, so that the walk also ends when corners
+// lie at the ends of the 16.16 range.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@
 struct EdgeChain {
   int current;
   int next;
-  int direction;       // what is added to an index to step the chain, modulo 4
+  int direction;       // added to an index, modulo 4, to step the chain
   std::int32_t x;      // where the chain crosses the top of the current row
   std::int32_t slope;  // the change of x per row
 };
@@ -46,6 +46,6 @@ struct QuadSpan {
   std::int32_t dv;
 };
 
-// The span of the walker's row, with the source corners drawn at the walker's corners. False when the row has none: the
-// chains meet or an edge is flat.
+// The span of the walker's row, where source corner i is drawn at the walker's corner i. False if the row has no span,
+// because the chains meet or an edge is flat.
 bool rowSpan(const EdgeWalker& walker, const M_FixedPoint* source, QuadSpan* span);

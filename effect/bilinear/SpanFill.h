@@ -18,7 +18,7 @@ struct OutputRow {
   std::int32_t coverage;  // the part of its height that is covered, 16.16, or 0 for all of it
 };
 
-// Whole pixels side by side in an output row, and the source positions that they are sampled at, 16.16, which wrap.
+// Adjacent whole pixels of an output row, and the source positions at which they are sampled (16.16, wrapping).
 struct PixelSpan {
   std::int64_t column;  // the first pixel's
   std::int64_t count;
@@ -26,10 +26,10 @@ struct PixelSpan {
   std::int32_t v;
   std::int32_t du;  // the change per pixel
   std::int32_t dv;
-  std::int64_t rows_ahead;  // so many source rows below this span's, the next output row will read
+  std::int64_t rows_ahead;  // how many source rows below this span's the next output row will read
 };
 
-// The span from `pixels` pixels on: so many steps at once, wrapping as they would one by one.
+// The span without its first `pixels` pixels. All steps are taken at once and wrap as single steps would.
 constexpr PixelSpan stepSpan(PixelSpan span, std::int64_t pixels) {
   const auto steps = static_cast<std::int32_t>(static_cast<std::uint32_t>(pixels));
   span.column += pixels;
@@ -45,8 +45,8 @@ constexpr bool endsInside(const QuadSpan& span, std::int32_t width) {
   return span.right < std::int64_t{width} * kFixedOne;
 }
 
-// The end of a span's left and whole pixels, 16.16 columns: that of the row, or a pixel before the span's own, which
-// drawRightEnd() draws.
+// Where the pixels before the span's right end stop, in 16.16 columns: at the row's end, or else a pixel before the
+// span's end, since drawRightEnd() draws that pixel.
 constexpr std::int64_t endOfWholePixels(const QuadSpan& span, std::int32_t width) {
   return endsInside(span, width) ? std::int64_t{span.right} - kFixedOne : std::int64_t{width} * kFixedOne;
 }
@@ -63,14 +63,14 @@ inline PixelSpan wholePixels(const QuadSpan& span, std::int32_t width, std::int6
     ++pixels.column;
   }
   if (pixels.column < 0) {
-    pixels = stepSpan(pixels, -pixels.column);  // pixels left of the row are stepped over
+    pixels = stepSpan(pixels, -pixels.column);  // skip pixels left of the row
   }
   pixels.count = M_Max<std::int64_t>(end_column - pixels.column, 0);
   return pixels;
 }
 
-// How many source rows below this span's the next row will read something new, if the source position changes from
-// this span to the next as it did from the one before.
+// How many source rows below this span's the next row will read, assuming that the source position changes from this
+// span to the next as it did from the previous one.
 inline std::int64_t rowsAhead(const QuadSpan& before, const QuadSpan& span) {
   const std::int64_t columns = std::int64_t{span.left} - before.left;
   const std::int64_t change = std::int64_t{span.v} - before.v - before.dv * (columns >> 16);
@@ -79,19 +79,20 @@ inline std::int64_t rowsAhead(const QuadSpan& before, const QuadSpan& span) {
 
 // ---- Partly covered pixels at the ends -----------------------------------------------------------------------------
 
-// The weight that keeps the output where the source covers `covered_width` of a pixel in a row of that coverage. Of the
-// weight only the fraction counts, so the product may wrap.
+// The weight of the output's own pixel where the source covers `covered_width` of it in a row of that coverage. Only
+// the weight's fraction is used, so the product may wrap.
 constexpr std::int32_t uncoveredWeight(std::int32_t covered_width, std::int32_t coverage) {
   return coverage == 0 ? kFixedOne - covered_width : kFixedOne - (wrapMul(covered_width, coverage) >> 16);
 }
 
-// Mixes the source pixel at (u, v), read directly, into an output pixel, of which the weight's part is kept.
+// Mixes the source pixel at (u, v), unfiltered, into an output pixel; `weight` is the share of the output pixel that is
+// kept.
 template <typename Traits>
 void drawPartialPixel(const InputView& input, std::int32_t u, std::int32_t v, std::int32_t weight, std::byte* address) {
   Traits::store(address, Traits::mix(readInput<Traits>(input, u, v), Traits::load(address), weight));
 }
 
-// Draws the pixel that a span begins inside of.
+// Draws the partly covered pixel at a span's left end.
 template <typename Traits>
 void drawLeftEnd(const InputView& input, const QuadSpan& span, const OutputRow& row) {
   const std::int32_t fraction = fixedFraction(span.left);
@@ -101,8 +102,8 @@ void drawLeftEnd(const InputView& input, const QuadSpan& span, const OutputRow& 
   }
 }
 
-// Draws what the left end and the whole pixels leave of a span that ends inside the row: the pixel that it ends in, and
-// for a span no wider than a pixel also the one that it begins in. `after` stands behind the last whole pixel.
+// Draws the rest of a span that ends inside the row: the pixel in which it ends and, for a span no wider than a pixel,
+// also the one in which it begins. `after` is the position after the last whole pixel.
 template <typename Traits>
 void drawRightEnd(const InputView& input, const QuadSpan& span, const PixelSpan& after, const OutputRow& row) {
   const auto draw = [&](std::int64_t column, std::int32_t covered_width, std::int32_t u, std::int32_t v) {
@@ -128,7 +129,7 @@ void drawRightEnd(const InputView& input, const QuadSpan& span, const PixelSpan&
 
 // ---- Whole pixels --------------------------------------------------------------------------------------------------
 
-// Mixes a sample into a row that is partly covered, or replaces the pixel in one that is wholly covered.
+// Mixes a sample into a partly covered row, or overwrites the pixel in a fully covered one.
 template <typename Traits>
 void putPixel(std::byte* address, const typename Traits::Unpacked& sample, std::int32_t coverage) {
   Traits::store(address, coverage == 0 ? sample : Traits::mix(Traits::load(address), sample, coverage));
@@ -151,8 +152,8 @@ void fillClamped(const InputView& input, const PixelSpan& span, const OutputRow&
   }
 }
 
-// Whether a position, before it wraps, needs no wrapping and has both taps inside an axis of `size` pixels; a whole
-// position counts alike.
+// Whether an unwrapped position is within the 16.16 range and has both taps inside an axis of `size` pixels. A whole
+// position, which reads only one tap, is treated the same.
 constexpr bool isInterior(std::int64_t position, const AxisFilter& filter, std::int32_t size) {
   return position >= 0 && position <= std::numeric_limits<std::int32_t>::max() &&
          (position >> 16) + filter.second_tap < size;
@@ -164,8 +165,9 @@ struct InteriorRange {
   std::int64_t end;
 };
 
-// The part of a span with all taps inside the input. Positions that do not wrap change evenly along the span, so
-// whatever lies between two interior pixels is interior: the span is cut at both ends until its first and last are.
+// The part of a span with all taps inside the input. Unwrapped positions are linear along the span, so all pixels
+// between two interior pixels are interior too: it is enough to trim both ends until the first and the last pixel are
+// interior.
 constexpr InteriorRange findInterior(const InputView& input, const PixelSpan& span) {
   const AxisFilter filter_u = filterForStep(span.du);
   const AxisFilter filter_v = filterForStep(span.dv);
@@ -207,8 +209,8 @@ typename Traits::Packed boxFilterTexels(const std::byte* address, std::ptrdiff_t
   return Traits::pack(kBoxFilterV ? Traits::average(first, second) : Traits::mix(first, second, v));
 }
 
-// Fills pixels whose taps all lie inside the input. Fields are copied to locals, since stores to the output might
-// otherwise change them for all that the compiler can tell.
+// Fills pixels whose taps all lie inside the input. Fields are copied to locals because the compiler must assume that
+// stores to the output may alias them.
 //
 // Prefetches what the next output row will read: across a turned source the reads of a row jump between cache lines
 // too irregularly for the processor's own prefetching. Prefetched addresses may lie outside the input.
@@ -245,8 +247,8 @@ void fillInterior(const InputView& input, const PixelSpan& span, const OutputRow
   }
 }
 
-// Fills a span of whole pixels. Most of it lies inside the input, which is found once for the span, so that those
-// pixels are drawn without clamping and without border cases.
+// Fills a span of whole pixels. The part inside the input, usually most of it, is determined once, so that its pixels
+// need no clamping and no border cases.
 template <typename Traits>
 void fillSpan(const InputView& input, const PixelSpan& span, const OutputRow& row) {
   if (span.count == 0) {

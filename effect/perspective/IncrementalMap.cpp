@@ -7,7 +7,7 @@
 
 namespace {
 
-// The pixels that are stepped singly before another range is searched for.
+// How many pixels are stepped one by one before another range is searched for.
 constexpr int kPixelsBetweenRanges = 4;
 constexpr double kLongestRange = 1 << 20;
 
@@ -25,17 +25,17 @@ double powerOfTwo(std::uint64_t exponent) {
   return power;
 }
 
-// Finds the constant-exponent range from the present value on.
+// Finds the constant-exponent range that starts at the current value.
 //
-// With q the value of its last digit, a step is S, a whole number of q, plus a rest of at most q / 2. Added to a
-// multiple of q, it leads to a number whose distance to the sum with S is that rest, so that it rounds to that sum,
-// unless the rest is q / 2 or the numbers there lie closer than q, below the exponent's smallest.
+// Let q be the value of the last bit (one ulp). A step is S, a multiple of q, plus a remainder of at most q / 2. All
+// values are multiples of q, so value + step rounds to value + S unless the remainder is exactly q / 2 or the sum falls
+// below the exponent's smallest number, where doubles are spaced more closely than q.
 void findRange(Stepper* stepper) {
   stepper->range = 0;
   const double at = stepper->at;
   const std::uint64_t sign_and_exponent = signAndExponent(at);
   const std::uint64_t exponent = sign_and_exponent & 0x7FF;
-  // The last digit must be a normal number, and the next exponent's smallest number finite.
+  // q must be a normal number, and the next exponent's smallest number finite.
   if (exponent <= 52 || exponent >= 0x7FE) {
     return;
   }
@@ -45,8 +45,8 @@ void findRange(Stepper* stepper) {
   if (!(2.0 * rest < powerOfTwo(exponent - 52))) {
     return;
   }
-  // The value at which the exponent ends, less what the neighbours below take of it. Two steps are subtracted for the
-  // neighbours on the right and for this estimate's own rounding.
+  // The steps up to the value at which the exponent changes, less the reach of the neighbours below. Two steps are
+  // subtracted for the neighbours on the right and for the rounding of this estimate.
   const bool grows = (at < 0.0) == (right < 0.0);
   const double end = std::copysign(powerOfTwo(grows ? exponent + 1 : exponent), at);
   const double reach = (right < 0.0) == (down < 0.0) ? down : 0.0;
@@ -74,8 +74,8 @@ double nextPixelByNeighbours(const Stepper& stepper) {
   return centre + stepper.right + stepper.down - stepper.right - stepper.down;
 }
 
-// Takes ranges as wholes, and some steps between them singly: `before_range(pixels)` is called before each of the
-// former, and `take_step()` takes one of the latter.
+// Advances over whole ranges at once and over pixels between ranges one by one. `before_range(pixels)` is called before
+// each range; `take_step()` takes a single step.
 template <typename BeforeRange, typename TakeStep>
 void advance(Stepper* stepper, int pixels, BeforeRange before_range, TakeStep take_step) {
   bool is_after_range = false;  // where the exponent is about to change

@@ -1,4 +1,4 @@
-// The perspective renderer's record of one render.
+// What the perspective renderer's row samplers need to know about a render.
 #pragma once
 
 #include <cstdint>
@@ -6,11 +6,11 @@
 #include "math/M_stuff.h"
 #include "support/PF_HostRecords.h"
 
-// Filled by the render driver before the iteration starts and handed, by address, to every row-sampler call, which only
-// reads it. `quad_to_unit` takes the output point (x, y) as [x y 1] * M = [X Y W] to u = X / W, v = Y / W: u runs from
-// 0 at the input's left edge to 1 at its right edge, v from its top to its bottom edge.
+// Filled by the render driver before the iteration starts; every row-sampler call gets its address and only reads it.
+// `quad_to_unit` takes the output point (x, y) as [x y 1] * M = [X Y W] to u = X / W, v = Y / W: u runs from 0 at the
+// input's left edge to 1 at its right edge, v from its top to its bottom edge.
 struct KZFX_PerspectiveInfo {
-  // Sets nothing.
+  // Leaves all fields unset.
   KZFX_PerspectiveInfo() : quad_to_unit(false) {}
 
   double out_width_d;  // the output world's size in pixels
@@ -31,7 +31,7 @@ struct KZFX_PerspectiveInfo {
   PF_AreaSampler<PF_PixelFloat> sample_float;  // set for float renders only
 };
 
-// The record's sampler for a pixel type.
+// The sampler for a pixel type.
 template <typename Pixel>
 PF_AreaSampler<Pixel> areaSamplerOf(const KZFX_PerspectiveInfo& info);
 

@@ -1,7 +1,7 @@
-// The row samplers' arithmetic in batches of pixels: the incremental map along the row, every step of which rounds, and
-// what follows from it: each pixel's position in the input and its footprint.
+// The row samplers' arithmetic, in batches of pixels: evaluates the incremental map along a row and computes each
+// pixel's position and footprint in the input.
 //
-// The computation exists once per instruction set and gives the same bits in all of them.
+// There is one implementation per instruction set; all give the same bits.
 #pragma once
 
 #include <cstdint>
@@ -10,10 +10,11 @@
 #include "effect/perspective/IncrementalMap.h"
 #include "platform/Cpu.h"
 
-// Pixels per batch; a whole number of every set's vectors.
+// Pixels per batch; a multiple of every instruction set's vector length.
 constexpr int kBatchPixels = 64;
 
-// The limits of a footprint's extent along an axis, 16.16: one to 16 input pixels. The box's radius is half of it.
+// The limits of a footprint's extent along an axis: 1 to 16 input pixels, in 16.16. The box's radius is half the
+// extent.
 constexpr std::int32_t kSmallestExtent = kFixedOne;
 constexpr std::int32_t kLargestExtent = 16 * kFixedOne;
 
@@ -31,8 +32,8 @@ struct SampleBoxSize {
   std::int32_t unused;
 };
 
-// Where a batch's pixels lie in the input, 16.16, and at high quality their boxes. Those of a pixel at infinity, which
-// has a projective divisor of 0, are undefined.
+// Where a batch's pixels lie in the input, 16.16, and, at high quality, their boxes. Both are undefined for a pixel at
+// infinity, whose projective divisor is 0.
 struct PixelBatch {
   std::int32_t x[kBatchPixels];
   std::int32_t y[kBatchPixels];
@@ -40,16 +41,17 @@ struct PixelBatch {
   bool at_infinity[kBatchPixels];  // defined only if the batch's function returned true
 };
 
-// The computations of one instruction set. They step before they evaluate, fill the first `count` pixels (1 to
-// kBatchPixels) of the batch, and leave the map at the last of them where `count` is kBatchPixels. They return whether
-// any pixel lies at infinity.
+// The computations of one instruction set. They step before they evaluate and fill the first `count` pixels (1 to
+// kBatchPixels) of the batch. A full batch leaves the map at its last pixel; after a shorter one the map must not be
+// used again. They return whether any pixel lies at infinity.
 struct PixelBatchFunctions {
   // x = trunc(trunc(u / w) * scale), likewise y.
   bool (*positions)(IncrementalMap* map, const InputScale& scale, int count, PixelBatch* out);
-  // Visits each pixel's neighbours: right, lower right, lower and back; the map goes on from there. The position is
-  // rounded, and the box has radii between 0.5 and 8 pixels: half the largest distance to a neighbour.
+  // Goes round each pixel's neighbours (right, lower right, lower and back) and continues from the value it comes back
+  // with. The position is rounded. The box's radii are half the largest distance to a neighbour, between 0.5 and 8
+  // pixels.
   bool (*footprints)(IncrementalMap* map, const InputScale& scale, int count, PixelBatch* out);
 };
 
-// The functions of an instruction set, which must be available.
+// The functions of an instruction set that is available.
 const PixelBatchFunctions& pixelBatchFunctions(InstructionSet set);

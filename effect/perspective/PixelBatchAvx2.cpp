@@ -7,7 +7,7 @@ namespace {
 
 constexpr int kLanes = 4;
 using Doubles = __m256d;
-using Ints = __m128i;  // as many, of 32 bits
+using Ints = __m128i;  // as many 32-bit integers
 
 inline Doubles set(double value) {
   return _mm256_set1_pd(value);

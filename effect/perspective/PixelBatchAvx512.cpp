@@ -7,7 +7,7 @@ namespace {
 
 constexpr int kLanes = 8;
 using Doubles = __m512d;
-using Ints = __m256i;  // as many, of 32 bits
+using Ints = __m256i;  // as many 32-bit integers
 
 inline Doubles set(double value) {
   return _mm512_set1_pd(value);
@@ -34,7 +34,7 @@ inline Doubles mulSub(Doubles a, Doubles b, Doubles c) {
 inline Doubles abs(Doubles a) {
   return _mm512_abs_pd(a);
 }
-// In builds without optimisation GCC's header makes the intrinsic a macro, whose own conversions it then warns of.
+// In unoptimised builds GCC's header defines the intrinsic as a macro, whose implicit conversions cause warnings.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wsign-conversion"
 inline Doubles maxAbs(Doubles a, Doubles b) {

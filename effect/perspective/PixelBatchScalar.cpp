@@ -1,5 +1,5 @@
-// The batch computations pixel by pixel: for processors without vectors, for the pixels at which vectors give up, and
-// the reference that the vectors must equal to the bit.
+// The batch computations pixel by pixel: for processors without AVX2, for pixels that the vector code cannot handle,
+// and as the reference that the vector code must match to the bit.
 #include <algorithm>
 #include <cmath>
 
@@ -13,7 +13,8 @@ std::int32_t roundedFixed(double value) {
   return int32FromDouble(value * kFixedOne + (value < 0.0 ? -0.5 : 0.5));
 }
 
-// For the divisor's stepper at a pixel whose divisor is `w`.
+// Whether the divisor is 0 at a pixel or at one of its neighbours, for the divisor's stepper and the pixel's divisor
+// `w`.
 bool hasZeroDivisor(const Stepper& stepper, double w) {
   return w == 0.0 || w + stepper.down + stepper.right == 0.0 || w + stepper.right == 0.0 || w + stepper.down == 0.0;
 }
@@ -26,7 +27,7 @@ struct Footprint {
   double lower;
 };
 
-// Visits the neighbours of the pixel that the stepper is at, and comes back.
+// Goes round the neighbours of the stepper's current pixel and comes back to it.
 Footprint visitNeighbours(Stepper* stepper) {
   Footprint footprint;
   footprint.centre = stepper->at;
@@ -37,7 +38,7 @@ Footprint visitNeighbours(Stepper* stepper) {
   return footprint;
 }
 
-// The larger number; the second one where they do not compare, one of them being a NaN.
+// The larger number; the second one if either is a NaN.
 double maxOrSecond(double a, double b) {
   return a > b ? a : b;
 }
@@ -62,7 +63,7 @@ SampleBoxSize boxOf(double x_extent, double y_extent) {
   return {x_radius, y_radius, static_cast<std::int32_t>(product * (1.0 / kFixedOne)) * 4, 0};
 }
 
-// Takes a single step with each coordinate, after which their ranges are no longer known.
+// Takes a single step with each coordinate and forgets their ranges.
 void stepSingly(IncrementalMap* map) {
   for (Stepper* stepper : {&map->u, &map->v, &map->w}) {
     stepper->at += stepper->right;

@@ -1,5 +1,5 @@
 // The variants that PixelBatch.cpp chooses from; those beyond the scalar one exist on x86-64 only. The vector variants
-// call the scalar one's computations where a divisor may be 0.
+// fall back to the scalar computations where a divisor may be 0.
 #pragma once
 
 #include "effect/perspective/PixelBatch.h"

@@ -1,20 +1,21 @@
 // The batch computations in vectors. PixelBatchAvx2.cpp and PixelBatchAvx512.cpp each define the vectors of their
 // instruction set and then include this body.
 //
-// Doubles holds kLanes doubles, of which GCC and Clang form sums, differences, products and quotients, and Ints as many
-// 32-bit integers. Beyond the plain names:
+// Doubles holds kLanes doubles, with the arithmetic operators that GCC and Clang define on vectors; Ints holds as many
+// 32-bit integers. Functions whose names do not say everything:
 //   maxAbs(a, b)             the larger of the two magnitudes
-//   maxOrSecond(a, b)        the larger number; b where they do not compare, one of them being a NaN
-//   copySign(m, s)           m, which is not negative, with the sign of s
-//   truncate(a)              toward zero; NaN and what an int does not hold give -2147483648
+//   maxOrSecond(a, b)        the larger number; b if either is a NaN
+//   copySign(m, s)           m, which must not be negative, with the sign of s
+//   truncate(a)              toward zero; NaN and values outside the int32 range give -2147483648
 //   intsOfShifted(a, shift)  the whole numbers a - shift, for the kRoundingShift below
 //
-// Everything stands in an unnamed namespace, and nothing of the standard library is called: the linker keeps one copy
-// of an inline function, and one compiled for this set must not serve files that run on every processor.
+// Everything is in an unnamed namespace, and no inline function of the standard library is called: the linker keeps
+// only one copy of an inline function, and if that were the one compiled for this instruction set, code that has to run
+// on any processor would call it.
 
 namespace {
 
-// The pixels of a step: whole vectors, and the eight boxes that are stored at once.
+// Pixels per step: a multiple of the vector length, and the eight boxes that are stored together.
 constexpr int kStepPixels = 8;
 static_assert(kStepPixels % kLanes == 0 && kBatchPixels % kStepPixels == 0);
 
@@ -22,7 +23,7 @@ inline int wholeSteps(int count) {
   return (count + kStepPixels - 1) / kStepPixels * kStepPixels;
 }
 
-// Where only some pixels of a batch are tested for a divisor of 0, the others' flags must be defined as well.
+// Clears all flags, for functions that test only some of the batch's pixels for a divisor of 0.
 inline void clearAtInfinity(PixelBatch* out) {
   __builtin_memset(out->at_infinity, 0, sizeof out->at_infinity);
 }
@@ -45,7 +46,7 @@ inline void positionsInRange(IncrementalMap* map, const InputScale& scale, int f
   advanceInRange(map, end - first);
 }
 
-// The vector of pixels from i on, which need not lie in a range.
+// The vector of pixels starting at i, which may lie outside any range.
 [[gnu::noinline]] bool positionsOfVector(IncrementalMap* map, const InputScale& scale, int i, PixelBatch* out) {
   double u[kLanes];
   double v[kLanes];
@@ -65,7 +66,7 @@ inline void positionsInRange(IncrementalMap* map, const InputScale& scale, int f
   return any_at_infinity;
 }
 
-// Takes as many whole vectors of each range as it holds, and single vectors between ranges.
+// Processes as many whole vectors of each range as fit, and single vectors between ranges.
 [[gnu::noinline]] bool positionsAcrossRanges(IncrementalMap* map, const InputScale& scale, int count, PixelBatch* out) {
   clearAtInfinity(out);
   bool any_at_infinity = false;
@@ -100,7 +101,7 @@ struct Extents {
   std::int32_t y[kBatchPixels];
 };
 
-// The radii of eight boxes along one axis.
+// The radii of eight boxes along one axis, 16.16.
 inline __m256i radii(const std::int32_t* extents) {
   const __m256i extent = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(extents));
   const __m256i clamped =
@@ -108,7 +109,7 @@ inline __m256i radii(const std::int32_t* extents) {
   return _mm256_srai_epi32(clamped, 1);
 }
 
-// The areas of boxes whose radii stand side by side in lanes of 64 bits.
+// The areas of boxes whose two radii are packed into 64-bit lanes.
 inline __m256i areas(__m256i radii) {
   const __m256i products = _mm256_mul_epu32(radii, _mm256_srli_epi64(radii, 32));
   return _mm256_slli_epi64(_mm256_srli_epi64(products, 16), 2);
@@ -123,7 +124,7 @@ inline void storeBoxes(const Extents& extents, int first, int end, PixelBatch* o
     const __m256i high = _mm256_unpackhi_epi32(x, y);
     const __m256i low_areas = areas(low);
     const __m256i high_areas = areas(high);
-    // Of each vector, the first box belongs to the first four pixels and the second to the last four.
+    // In each vector the lower box belongs to one of the first four pixels, the upper one to one of the last four.
     const __m256i boxes[4] = {_mm256_unpacklo_epi64(low, low_areas), _mm256_unpackhi_epi64(low, low_areas),
                               _mm256_unpacklo_epi64(high, high_areas), _mm256_unpackhi_epi64(high, high_areas)};
     __m128i* const to = reinterpret_cast<__m128i*>(out->box + i);
@@ -136,7 +137,7 @@ inline void storeBoxes(const Extents& extents, int first, int end, PixelBatch* o
 
 // ---- Exact footprints ----------------------------------------------------------------------------------------------
 
-// One coordinate of a vector's pixels and of their neighbours, as the stepper takes them.
+// One coordinate of a vector's pixels and of their neighbours, in the order in which the stepper visits them.
 struct Footprint {
   Doubles centre;
   Doubles right;
@@ -172,7 +173,7 @@ inline Doubles largestDistance(Doubles centre, Doubles right, Doubles lower_righ
   return maxOrSecond(abs(lower - centre), maxOrSecond(abs(lower_right - centre), abs(right - centre)));
 }
 
-// The vector of pixels from i on, with a division for every quotient of the definition.
+// The vector of pixels starting at i, with a separate division for every quotient, as in the definition.
 inline void measureExactly(const FootprintVectors& at, const InputScale& scale, int i, Extents* extents,
                            PixelBatch* out) {
   const Doubles fixed = set(kFixedOne);
@@ -190,10 +191,11 @@ inline void measureExactly(const FootprintVectors& at, const InputScale& scale, 
   measure(at.v, scale.y, out->y, extents->y);
 }
 
-// For batches near a horizon, and for maps whose numbers the approximation below has no bound for.
+// For batches near the horizon, and for maps whose values are outside the range for which the approximation's error is
+// bounded.
 [[gnu::noinline]] bool exactFootprints(IncrementalMap* map, const InputScale& scale, int count, PixelBatch* out) {
   Extents extents;
-  // No divisor above this can lead to one that is 0.
+  // A divisor above this has no neighbour whose divisor is 0.
   const Doubles safe_divisor = set(2.0 * (__builtin_fabs(map->w.right) + __builtin_fabs(map->w.down)));
   clearAtInfinity(out);
   bool any_at_infinity = false;
@@ -217,10 +219,11 @@ inline void measureExactly(const FootprintVectors& at, const InputScale& scale, 
 
 // ---- Approximate footprints ----------------------------------------------------------------------------------------
 
-// One division a pixel instead of eight, without the steps' roundings. Where a bound on the error shows that a result
-// rounds to the exact one's 16.16 number, it stands; the few ambiguous vectors are measured again exactly.
+// One division per pixel instead of eight, without the rounding of each step. A result is kept if the error bound shows
+// that it rounds to the same 16.16 number as the exact one; the few vectors with ambiguous results are measured again
+// exactly.
 
-// The second one where two numbers do not compare, one of them being a NaN.
+// Return the second number if either is a NaN.
 inline double minOrSecond(double a, double b) {
   return a < b ? a : b;
 }
@@ -228,10 +231,10 @@ inline double maxOrSecond(double a, double b) {
   return a > b ? a : b;
 }
 
-// The smallest and the largest magnitude among pixels and their neighbours, to within a factor that the bounds below
-// have room for, NaN where one of them is.
+// The smallest and the largest magnitude among the pixels and their neighbours, accurate enough for the bounds below;
+// NaN if any of them is NaN.
 struct Magnitudes {
-  double smallest;  // 0 where the sign changes
+  double smallest;  // 0 if the sign changes
   double largest;
 };
 
@@ -243,26 +246,27 @@ inline Magnitudes magnitudesOf(const Stepper& stepper, int pixels) {
   return {smallest, maxOrSecond(high, -low)};
 }
 
-// How far approximate positions and extents may be from the exact ones in batches among the next pixels, in 1/65536
-// pixel; infinite where they must not be used.
+// A bound on the error of approximate positions and extents over the next `pixels` pixels, in 1/65536 pixel; infinite
+// where approximations must not be used.
 //
-// With q = 2^-53, every addition of a stepper errs by at most q times the largest magnitude, which in a batch adds up
-// to less than 5 * 64 + 4 such errors: less than 2^-44.6 of the largest u, v or w. Where the divisors' magnitudes are
-// within a factor of 8 of each other, a quotient is therefore off by less than 2^-41.4 of the largest u or v over the
-// smallest w, a distance of two by less than twice that, and the approximation's own roundings are far smaller.
+// Each addition of a stepper has an error of at most 2^-53 times the largest magnitude. A batch makes fewer than 5 * 64
+// + 4 of them, so u, v and w are off by less than 2^-44.6 of their largest magnitudes. If the magnitudes of the
+// divisors are within a factor of 8 of each other, a quotient is therefore off by less than 2^-41.4 of the largest u or
+// v over the smallest w, and the distance between two quotients by less than twice that. The approximation's own
+// rounding errors are far smaller.
 inline double approximationError(const IncrementalMap& map, const InputScale& scale, int pixels) {
   const Magnitudes u = magnitudesOf(map.u, pixels);
   const Magnitudes v = magnitudesOf(map.v, pixels);
   const Magnitudes w = magnitudesOf(map.w, pixels);
-  // What is compared this way round is false for NaN.
+  // Each of these comparisons is false for NaN.
   const bool is_well_conditioned =
       w.smallest > 0x1p-100 && w.largest < 0x1p100 && w.largest < 8.0 * w.smallest && scale.x > 0.0 && scale.y > 0.0;
   const double farthest = maxOrSecond(u.largest * scale.x, v.largest * scale.y) * kFixedOne / w.smallest;
   return is_well_conditioned && farthest < 0x1p30 ? farthest * 0x1p-39 + 0x1p-30 : __builtin_inf();
 }
 
-// Whether the next batch may be approximated, with the error left in the map. The bound is computed for several batches
-// at once, or for one where it fails for several.
+// Whether the next batch may be approximated; stores the error bound in the map. The bound is computed for several
+// batches at once or, if it is too large for these, for the next batch alone.
 inline bool allowsApproximation(IncrementalMap* map, const InputScale& scale) {
   constexpr double kLargestError = 0x1p-7;
   constexpr int kPixelsAhead = 4 * kBatchPixels;
@@ -278,8 +282,8 @@ inline bool allowsApproximation(IncrementalMap* map, const InputScale& scale) {
   return map->error < kLargestError;
 }
 
-// The quotients of a batch's pixels and of the pixels below them, and those of some pixels beyond the batch: the right
-// neighbours are the next pixels, and the lower right ones those below the next.
+// The quotients of a batch's pixels, of some pixels beyond the batch, and of the pixels below all of these. A pixel's
+// right neighbour is the next pixel, its lower right neighbour the one below that.
 struct ApproximateQuotients {
   static constexpr int kPixels = kBatchPixels + kLanes;
   double x[kPixels];
@@ -288,7 +292,7 @@ struct ApproximateQuotients {
   double lower_y[kPixels];
 };
 
-// Divides once for all four of a pixel's quotients.
+// One division gives all four quotients of a pixel.
 inline void approximateQuotients(const IncrementalMap& map, int count, ApproximateQuotients* out) {
   struct Terms {
     Doubles at;
@@ -316,12 +320,12 @@ inline void approximateQuotients(const IncrementalMap& map, int count, Approxima
   }
 }
 
-// Added to a number of magnitude up to 2^31, this rounds it to a whole one, which the sum's low bits then hold.
+// Adding this to a number of magnitude up to 2^31 rounds it to an integer, which is then in the low bits of the sum.
 constexpr double kRoundingShift = 0x1.8p52;
 
 struct Rounded {
   Doubles shifted;   // the whole number plus kRoundingShift
-  Doubles distance;  // from the whole number to what was rounded
+  Doubles distance;  // from the whole number to the number before rounding
 };
 
 // number * factor, rounded to nearest.
@@ -334,7 +338,7 @@ inline Rounded roundProduct(Doubles number, Doubles factor) {
 using VectorSet = unsigned;  // vectors of a batch, a bit each
 
 // A batch's positions and extents along one axis, from approximate quotients. Returns the ambiguous vectors: those with
-// numbers that, being off by up to `error`, may round differently from the exact ones.
+// a number that, with an error of up to `error`, might round differently from the exact one.
 inline VectorSet measureAxis(const double* own, const double* lower, double to_input, double error, int count,
                              std::int32_t* positions, std::int32_t* extents) {
   const Doubles scale = set(to_input * kFixedOne);
@@ -354,8 +358,8 @@ inline VectorSet measureAxis(const double* own, const double* lower, double to_i
   return ambiguous;
 }
 
-// Measures the vector at pixel i of a batch that begins at `begin`, in which no divisor is near 0; `is_in_range` tells
-// whether the whole batch lies in the constant-exponent ranges.
+// Measures exactly the vector at pixel i of a batch that begins at `begin` and in which no divisor is near 0;
+// `is_in_range` says whether the whole batch lies in the constant-exponent ranges.
 [[gnu::noinline]] void measureAgain(const IncrementalMap& begin, bool is_in_range, const InputScale& scale, int i,
                                     Extents* extents, PixelBatch* out) {
   if (is_in_range) {

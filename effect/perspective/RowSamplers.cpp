@@ -25,7 +25,7 @@ struct ColumnRange {
   std::int64_t end;
 };
 
-// Those of [first, end) that are inside; a bound that is not a number rejects nothing.
+// The columns of [first, end) inside the reject box; a NaN bound rejects nothing.
 ColumnRange acceptedColumns(const KZFX_PerspectiveInfo& info, std::int64_t first, std::int64_t end) {
   ColumnRange range{first, end};
   if (info.bound_left > static_cast<double>(first)) {
@@ -49,21 +49,22 @@ void clearPixels(const KZFX_PerspectiveInfo& info, Pixel* out, std::int64_t coun
   clearBytes(out, static_cast<std::size_t>(count) * sizeof(Pixel), storePolicyFor(pixels * sizeof(Pixel)));
 }
 
-// ---- The incremental map from output pixel (x, y) on, which steps before it is evaluated ---------------------------
+// ---- The incremental map at output pixel (x, y), which steps before it is evaluated --------------------------------
 
-// How u or v is scaled along an axis of the output: to units of this length, which this factor takes to input pixels.
+// The unit in which the map is evaluated along an axis of the output: u or v times `length`, which `to_input` scales to
+// input pixels.
 struct AxisUnits {
   double length;
   double to_input;
 };
 
-// Normally the output's size. Positions in an output larger than 16.16 can express would overflow, so that such an axis
-// is measured in input pixels at once.
+// Normally output pixels. In an output larger than 16.16 can express, positions would overflow, so such an axis is
+// measured directly in input pixels.
 AxisUnits unitsAlong(double out_length, double scale) {
   return out_length > 32767.0 ? AxisUnits{out_length * scale, 1.0} : AxisUnits{out_length, scale};
 }
 
-// In 16.16 units of the output's size.
+// In output pixels, as 16.16.
 IncrementalMap standardMap(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y, InputScale* scale) {
   const auto& m = info.quad_to_unit.m;
   const AxisUnits across = unitsAlong(info.out_width_d, info.x_scale);
@@ -75,7 +76,7 @@ IncrementalMap standardMap(const KZFX_PerspectiveInfo& info, std::int32_t x, std
           {m[0][2] * x + m[1][2] * y + m[2][2], m[0][2], 0.0}};
 }
 
-// In units of the output's size.
+// In output pixels.
 IncrementalMap highQualityMap(const KZFX_PerspectiveInfo& info, std::int32_t x, std::int32_t y, InputScale* scale) {
   const auto& m = info.quad_to_unit.m;
   const double width = info.out_width_d;
@@ -93,8 +94,8 @@ static_assert(offsetof(PF_SampleParams, x_radius) == offsetof(SampleBoxSize, x_r
               offsetof(PF_SampleParams, area) == offsetof(SampleBoxSize, area) &&
               offsetof(PF_SampleParams, source) >= sizeof(SampleBoxSize));
 
-// Samples a batch's pixels in order into `out`. The host's error codes are not looked at: a pixel that the host does
-// not write repeats the one before it, which `working` holds.
+// Samples a batch's pixels in order into `out`. The host's error codes are ignored: a pixel that the host does not
+// write repeats the previous one, which is still in `working`.
 template <SamplingQuality kQuality, bool kAnyAtInfinity, typename Pixel>
 void sampleBatch(const KZFX_PerspectiveInfo& info, const PixelBatch& batch, int count, PF_SampleParams* params,
                  Pixel* working, Pixel* out) {
@@ -113,8 +114,8 @@ void sampleBatch(const KZFX_PerspectiveInfo& info, const PixelBatch& batch, int 
   }
 }
 
-// Draws the accepted columns of row y. Each batch is computed before the one ahead of it is sampled: the first samples
-// of a batch would otherwise wait for its computation to end.
+// Draws the accepted columns of row y. Each batch is computed before the previous one is sampled; otherwise the first
+// samples of a batch would have to wait for its computation.
 template <SamplingQuality kQuality, typename Pixel>
 void sampleColumns(const KZFX_PerspectiveInfo& info, const ColumnRange& columns, std::int32_t x, std::int32_t y,
                    Pixel* out, const PixelBatchFunctions& functions) {

@@ -1,5 +1,5 @@
-// What the callbacks of one running command work on. A callback finds it through the effect_ref that it is given; one
-// that gets none finds it through its thread.
+// The data of a running command that its callbacks work on. A callback finds it through its effect_ref argument or, if
+// it has none, through a thread-local pointer.
 #pragma once
 
 #include <cstdint>
@@ -15,31 +15,31 @@
 
 namespace vantorel::host {
 
-// Codes that the host's callbacks return beside those of the interface.
+// Codes that the host's callbacks return in addition to those of the interface.
 constexpr std::int32_t kCodeInterrupted = 600;  // the frame was stopped
-constexpr std::int32_t kCodeBadArgument = 601;  // an argument that the callback cannot serve
-constexpr std::int32_t kCodeException = 602;    // something was thrown through the callback
+constexpr std::int32_t kCodeBadArgument = 601;  // an invalid argument
+constexpr std::int32_t kCodeException = 602;    // an exception was caught in the callback
 
 struct CallContext {
   explicit CallContext(ModuleResources& module_resources) : resources(module_resources) {}
 
   ModuleResources& resources;
-  FrameState* frame = nullptr;                     // null for commands that are about no frame
+  FrameState* frame = nullptr;                     // null for commands without a frame
   std::vector<ParameterInfo>* declared = nullptr;  // where declared parameters go; null except in parameter setup
   PF_OutData* out = nullptr;
-  CallLedger* ledger = nullptr;                      // null unless misuse is looked for
-  char parameter_name[PF_PARAM_NAME_CAPACITY] = {};  // the last text looked up in parameter setup, cut to fit
-  std::optional<Error> failure;                      // why a callback failed, where its code cannot tell
+  CallLedger* ledger = nullptr;                      // null unless in checking mode
+  char parameter_name[PF_PARAM_NAME_CAPACITY] = {};  // the last text looked up in parameter setup, truncated to fit
+  std::optional<Error> failure;                      // why a callback failed, if its code alone does not say
 };
 
-// The context of the command that runs on this thread; null outside of commands.
+// The context of the command running on this thread; null if there is none.
 CallContext* currentCall();
 
 inline CallContext* contextOf(void* effect_ref) {
   return effect_ref != nullptr ? static_cast<CallContext*>(effect_ref) : currentCall();
 }
 
-// Makes a context this thread's current one while it lives.
+// Makes a context this thread's current one for the lifetime of the object.
 class CallScope {
  public:
   explicit CallScope(CallContext& context);
@@ -51,7 +51,7 @@ class CallScope {
   CallContext* outer_;
 };
 
-// Runs a callback's body, turning what it throws into a code: nothing is thrown into a module.
+// Runs a callback's body and converts exceptions to error codes, since nothing may be thrown into a module.
 template <typename Body>
 std::int32_t guarded(Body body) noexcept {
   try {

@@ -1,5 +1,5 @@
-// The tables of callbacks that a module is given. They hold no state and live as long as the program; what a callback
-// works on it finds in the context of the running command (CallContext.h).
+// The callback tables that a module is given. They hold no state and live as long as the program; a callback finds its
+// data in the context of the running command (CallContext.h).
 #pragma once
 
 #include "host/sampling/SampleSpace.h"
@@ -7,12 +7,11 @@
 
 namespace vantorel::host {
 
-// Enters every callback, the utility table and the suite service into the record; the area samplers are those of the
-// space.
+// Sets every callback, the utility table and the suite service in the record. The area samplers are those for `space`.
 void installCallbacks(PF_InData* in_data, SampleSpace space);
 
-// The tables that go with the two commands of the two-phase protocol: which pixels the module will need, and handing
-// them over.
+// The callbacks of the two-phase protocol's two commands: declaring which pixels the module will need, and handing them
+// over.
 PF_PreRenderCallbacks* preRenderCallbacks();
 PF_SmartRenderCallbacks* smartRenderCallbacks();
 
@@ -24,14 +23,14 @@ void installParameterCallbacks(PF_InData* in_data);
 // StringCallbacks: registering a module's string table, and looking its texts up.
 void installStringCallbacks(PF_InData* in_data);
 
-// WorldCallbacks: worlds of the module's own, and filling worlds. `fillWorld` takes a pixel of the world's depth, null
-// for transparent; a null rectangle is the whole world, any other is cut to it. kCodeBadArgument for a world that is
-// none of the frame's.
+// WorldCallbacks: allocating worlds for the module, and filling worlds. `fillWorld` takes a pixel of the world's depth,
+// or null for transparent; a null rectangle is the whole world, any other is clipped to it. kCodeBadArgument for a
+// world that does not belong to the frame.
 const PF_WorldSuite2* worldSuite();
 std::int32_t fillWorld(void* effect_ref, const void* color, const M_LRect* rect, PF_LayerDef* world);
 
-// SuiteCallbacks: the world suite 2, the float iteration suite 1 and the float sampling suite 1. A suite that is none
-// of these gives ERR_SUITE_UNAVAILABLE and a null pointer.
+// SuiteCallbacks: the world suite 2, the float iteration suite 1 and the float sampling suite 1. Any other suite gives
+// ERR_SUITE_UNAVAILABLE and a null pointer.
 PF_SuiteProvider* suiteProvider();
 
 }  // namespace vantorel::host

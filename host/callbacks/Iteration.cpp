@@ -13,7 +13,7 @@ namespace {
 template <typename Pixel>
 using PixelFunction = std::int32_t (*)(void* refcon, std::int32_t x, std::int32_t y, Pixel* in, Pixel* out);
 
-// Cuts [*begin, *end) to [low, high).
+// Clips [*begin, *end) to [low, high).
 void cut(std::int32_t* begin, std::int32_t* end, std::int64_t low, std::int64_t high) {
   *begin = static_cast<std::int32_t>(std::clamp<std::int64_t>(*begin, low, std::max(low, high)));
   *end = static_cast<std::int32_t>(std::clamp<std::int64_t>(*end, *begin, std::max<std::int64_t>(*begin, high)));
@@ -29,7 +29,7 @@ struct Iteration {
   M_LPoint origin;
   void* refcon;
   PixelFunction<Pixel> function;
-  bool watched;  // the destination is the output that the row guard watches
+  bool watched;  // the destination is the output inside the row guard
 
   void cutArea(bool clip_to_source) {
     cut(&area.left, &area.right, 0, destination.width);

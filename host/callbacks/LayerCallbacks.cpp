@@ -11,7 +11,7 @@ void reportMisuse(CallContext* context, const char* misuse) {
   }
 }
 
-// The whole layer is delivered, whatever part is asked for.
+// Always delivers the whole layer, whatever part is requested.
 std::int32_t checkoutLayer(void* effect_ref, std::int32_t index, std::int32_t checkout_id,
                            const PF_RenderRequest* /*request*/, std::int32_t /*time*/, std::int32_t /*time_step*/,
                            std::uint32_t /*time_scale*/, PF_CheckoutResult* out) {
@@ -39,7 +39,7 @@ std::int32_t checkoutLayerPixels(void* effect_ref, std::int32_t checkout_id, PF_
   }
   return guarded([&]() -> std::int32_t {
     if (context->frame->layer_checkout != checkout_id) {
-      reportMisuse(context, "layer pixels were asked for under an id that was not checked out in pre-render");
+      reportMisuse(context, "layer pixels were requested under an id that was not checked out in pre-render");
       return kCodeBadArgument;
     }
     *world = &context->frame->input;

@@ -34,7 +34,7 @@ const char* lookupString(void* table_ref, std::int32_t row, std::int32_t /*zero*
   if (context->declared == nullptr) {
     return text.c_str();
   }
-  // What is looked up now is copied into a parameter's name.
+  // In parameter setup the text will be copied into a parameter's name, so it is truncated to fit.
   const std::string_view name = cutToBytes(text, PF_PARAM_NAME_CAPACITY - 1);
   name.copy(context->parameter_name, name.size());
   context->parameter_name[name.size()] = '\0';

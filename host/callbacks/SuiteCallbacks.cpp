@@ -10,7 +10,7 @@ namespace vantorel::host {
 
 namespace {
 
-// Tells the running command's ledger, if there is one.
+// Notes the call in the running command's ledger, if there is one.
 template <typename Note>
 std::int32_t noted(Note note) {
   const CallContext* const context = currentCall();
@@ -23,7 +23,7 @@ std::int32_t noted(Note note) {
   });
 }
 
-// That of the running command's space.
+// The sampling suite for the running command's sample space.
 const PF_SamplingFloatSuite1* samplingFloatSuite() {
   const auto suite = [](SampleSpace space) {
     return PF_SamplingFloatSuite1{nullptr, nullptr, areaSamplers(activeInstructionSet(), space).sample_float};

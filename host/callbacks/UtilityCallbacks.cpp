@@ -26,13 +26,13 @@ void disposeHandle(PF_Handle handle) {
   const bool known = context->resources.handles.release(handle);
   if (!known && context->ledger != nullptr) {
     guarded([&] {
-      context->ledger->report("a handle was disposed of that is not allocated");
+      context->ledger->report("a handle that is not allocated was disposed of");
       return ERR_NONE;
     });
   }
 }
 
-// The room at `destination`: what is left of the message where it lies in the call's message, else that of a whole one.
+// The capacity at `destination`: the rest of the call's message buffer if it points into that, else a whole message's.
 std::size_t capacityAt(const char* destination) {
   const CallContext* const context = currentCall();
   if (context != nullptr && context->out != nullptr) {
@@ -48,7 +48,7 @@ int formatText(char* destination, const char* format, ...) {
   const std::size_t capacity = capacityAt(destination);
   std::va_list arguments;
   va_start(arguments, format);
-  // With several files in one run the analyzer loses sight of va_start.
+  // The analyzer overlooks va_start when it checks several files in one run.
   const int length =
       std::vsnprintf(destination, capacity, format, arguments);  // NOLINT(clang-analyzer-valist.Uninitialized)
   va_end(arguments);

@@ -11,7 +11,7 @@ namespace vantorel::host {
 
 namespace {
 
-// The depth of a world of the running frame, or nothing for one that is not known.
+// The depth of a world of the running frame; empty for an unknown world.
 std::optional<Depth> depthOfWorld(const CallContext* context, const PF_LayerDef* world) {
   if (context == nullptr || context->frame == nullptr || world == nullptr) {
     return std::nullopt;

@@ -20,7 +20,7 @@ void CallLedger::parameterCheckedOut(const PF_ParamDef* record, std::int32_t ind
 void CallLedger::parameterCheckedIn(const PF_ParamDef* record) {
   const std::lock_guard lock(mutex_);
   if (parameters_.erase(record) == 0) {
-    reportLocked("a parameter was checked in that is not checked out");
+    reportLocked("a parameter that is not checked out was checked in");
   }
 }
 

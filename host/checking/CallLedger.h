@@ -1,4 +1,4 @@
-// Checking mode: what a module must give back, and what it has given back.
+// Checking mode: tracks what a module has checked out or acquired and must give back.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@ class CallLedger {
   void suiteReleased(const char* name, std::int32_t version);
   void report(const std::string& misuse);
 
-  // Reports what is still out when the command has returned.
+  // Reports anything that was not given back when the command returned.
   void close();
 
   // The first misuse, empty if there was none.

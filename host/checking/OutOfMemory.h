@@ -1,4 +1,4 @@
-// Failed allocations as errors like any other.
+// Converts failed allocations to errors.
 #pragma once
 
 #include <new>
@@ -8,8 +8,8 @@
 
 namespace vantorel::host {
 
-// The result of `body`, which returns a Result; or OutOfMemory about `input` where an allocation fails in it. Texts of
-// up to 15 characters take no memory, so `input` may be no longer.
+// The result of `body`, which returns a Result, or OutOfMemory for `input` if an allocation fails in it. `input` may
+// have at most 15 characters, so that the error's string needs no allocation.
 template <typename Body>
 auto withMemoryErrors(const char* input, Body body) -> decltype(body()) {
   try {

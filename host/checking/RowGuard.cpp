@@ -51,7 +51,7 @@ void RowGuard::rowWritten(int y, CallLedger& ledger) {
   const bool padding_kept = same(whole(pixels_, y).subspan(pixel_bytes), whole(remembered_, y).subspan(pixel_bytes));
   if (!padding_kept || !same(whole(pixels_, y - 1), whole(remembered_, y - 1)) ||
       !same(whole(pixels_, y + 1), whole(remembered_, y + 1))) {
-    ledger.report("the pixel function of row " + std::to_string(y) + " wrote outside of the row");
+    ledger.report("the pixel function of row " + std::to_string(y) + " wrote outside the row");
   }
   std::ranges::copy(rowOf(pixels_, y), rowOf(remembered_, y).begin());
 }
@@ -62,7 +62,7 @@ void RowGuard::finish(bool drawn_by_rows, CallLedger& ledger) const {
     const std::size_t pixel_bytes = static_cast<std::size_t>(size_.width) * bytesPerPixel(pixels_.depth());
     const std::size_t unguarded = is_guard || drawn_by_rows ? 0 : pixel_bytes;
     if (!same(whole(pixels_, y).subspan(unguarded), whole(remembered_, y).subspan(unguarded))) {
-      ledger.report("the module wrote outside of the output or of the rows that it had iterated, at row " +
+      ledger.report("the module wrote outside the output or the rows that it had iterated, at row " +
                     std::to_string(y));
     }
   }

@@ -1,4 +1,4 @@
-// Checking mode's output: a world with guards all round, in which every write outside of a row is found.
+// Checking mode's output: a world surrounded by guard pixels, which reveal any write outside a row.
 #pragma once
 
 #include <cstddef>
@@ -11,26 +11,28 @@ namespace vantorel::host {
 
 class RowGuard {
  public:
-  // Fails as Image::create does.
+  // Fails like Image::create.
   static Result<RowGuard> create(Size size, Depth depth);
 
   // The world inside the guards.
   ImageView world() { return worldIn(pixels_); }
 
-  // Remembers the world as it is now; call after clearing it.
+  // Remembers the world's current content; call after clearing it.
   void remember();
 
-  // After row y has been written: reports bytes that changed beside it, in the rows above and below, and in the
+  // Call after row y has been written. Reports bytes that changed outside it: in the rows above and below, and in the
   // padding.
   void rowWritten(int y, CallLedger& ledger);
 
-  // After the command: reports changed guards, and in a frame drawn by rows any other byte changed outside of them.
+  // Call after the command. Reports changed guards and, if the frame was drawn by rows, any other bytes changed outside
+  // those rows.
   void finish(bool drawn_by_rows, CallLedger& ledger) const;
 
  private:
   ImageView worldIn(Image& image);
-  std::span<std::byte> rowOf(Image& image, int y) const;              // the pixels of a row, guards left out
-  std::span<const std::byte> whole(const Image& image, int y) const;  // a row with its guard; -1 and height are guards
+  std::span<std::byte> rowOf(Image& image, int y) const;  // the pixels of a row, without guards
+  std::span<const std::byte> whole(const Image& image,
+                                   int y) const;  // a row with its guard; rows -1 and height are guards
 
   Image pixels_;
   Image remembered_;

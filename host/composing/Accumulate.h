@@ -7,10 +7,10 @@
 
 namespace vantorel::host {
 
-// Adds a picture of any depth to sums of its size, of Depth::Float; integers are added as they are.
+// Adds a picture of any depth to `sums`, which has its size and Depth::Float; integers are added without scaling.
 void addTo(const ImageView& sums, const ConstImageView& picture);
 
-// The mean of so many pictures; integer depths are rounded to nearest, halves up.
+// The mean of `count` pictures; integer depths are rounded to nearest, halves up.
 void meanOf(const ConstImageView& sums, std::size_t count, const ImageView& picture);
 
 }  // namespace vantorel::host

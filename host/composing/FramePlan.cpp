@@ -10,7 +10,7 @@ namespace vantorel::host {
 
 namespace {
 
-// How far a soft edge is drawn beyond the outline.
+// How far beyond the outline a soft edge is drawn, in pixels.
 constexpr double kSoftMargin = 8.0;
 
 Box boxOf(const Rect& rect) {
@@ -59,7 +59,7 @@ bool coversAll(const CoverageRegion& region, const Rect& part) {
   return true;
 }
 
-// At the borders the scan's colours are taken from up to a sample away, which finer samples make small.
+// At its borders the scan takes colours from up to a sample away; with finer samples this distance is small.
 constexpr int kSamplesAtBorders = 4;
 
 int neededInsideScan(const FramePlan& plan) {
@@ -82,7 +82,7 @@ Corners moved(const Corners& corners, const Point& by) {
   return {move(corners.upper_left), move(corners.upper_right), move(corners.lower_left), move(corners.lower_right)};
 }
 
-// The whole pixels by which one quadrilateral is the other moved, if it is.
+// The offset between two quadrilaterals, if one is the other moved by whole pixels.
 std::optional<Point> wholeMove(const Corners& from, const Corners& to) {
   const Point by{to.upper_left.x - from.upper_left.x, to.upper_left.y - from.upper_left.y};
   return isWhole(by.x) && isWhole(by.y) && moved(from, by) == to ? std::optional(by) : std::nullopt;

@@ -18,7 +18,8 @@ Box grown(const Rect& rect, double by) {
   return {rect.left - by, rect.top - by, rect.right + by, rect.bottom + by};
 }
 
-// How far beyond what a part of the picture shows of the layer its pixels' boxes can reach, in layer pixels.
+// How far the sampling boxes of a part of the picture can extend beyond the part of the layer that it shows, in layer
+// pixels.
 double marginFor(const FramePlan& plan, const ConvexPolygon& shown) {
   double extent = 1.0;
   for (const Point& point : shown.points()) {
@@ -44,7 +45,7 @@ Rect readFor(const FramePlan& plan, const ConvexPolygon& shown) {
 }
 
 Rect scannedPart(const FramePlan& plan, const Rect& canvas) {
-  constexpr double kReach = kScanApron + 2.0;  // output pixels: the aprons' and half a sample
+  constexpr double kReach = kScanApron + 2.0;  // output pixels: the apron, and half a sample
   constexpr double kMargin = 3.0;              // layer pixels: interpolation and the scan's rounding
   const bool is_held = spreadOf(plan.corners) < kMaxScanSpread;
   const Box shown = is_held ? ScanChains(plan.corners).shownIn(grown(canvas, kReach)) : Box{0.0, 0.0, 1.0, 1.0};
@@ -61,7 +62,7 @@ Rect scannedPart(const FramePlan& plan, const Rect& canvas) {
 Rect neededPart(const FramePlan& plan, const Rect& canvas) {
   const Rect whole{0, 0, plan.layer.width, plan.layer.height};
   if (plan.path == RenderPath::Bilinear) {
-    constexpr int kInterpolation = 2;  // of the enlarged layer's pixels
+    constexpr int kInterpolation = 2;  // for interpolating the enlarged layer
     const Rect part = scannedPart(plan, canvas);
     return {std::max(part.left - kInterpolation, 0), std::max(part.top - kInterpolation, 0),
             std::min(part.right + kInterpolation, whole.right), std::min(part.bottom + kInterpolation, whole.bottom)};
@@ -69,7 +70,7 @@ Rect neededPart(const FramePlan& plan, const Rect& canvas) {
   if (!plan.inverse) {
     return whole;
   }
-  // A pixel whose position lies farther from the layer than a box reaches reads nothing of it.
+  // A pixel whose position is further from the layer than the largest box extends reads nothing of it.
   const std::optional<Corners> reached = imageOf(grown(whole, kLargestBox + 2.0), *plan.map);
   if (!reached) {
     return whole;

@@ -10,7 +10,8 @@ namespace {
 constexpr double kStraight = 0.01;  // 1 minus the cosine of the turn
 constexpr double kNoLength = 1e-12;
 
-// The orientation of the turn at `b`; among points on one line 1 or -1 too, by their order, and 0 where two coincide.
+// The orientation of the turn at `b`. For collinear points it is also 1 or -1, depending on their order, or 0 if c is
+// between a and b.
 int turn(const Point& a, const Point& b, const Point& c) {
   const Point ab{b.x - a.x, b.y - a.y};
   const Point ac{c.x - a.x, c.y - a.y};
@@ -29,8 +30,8 @@ Point direction(const Point& a, const Point& b) {
   return length > kNoLength ? Point{edge.x / length, edge.y / length} : edge;
 }
 
-// The corners as the effect finds them: the images of the layer's corners under its map, which is that of another
-// quadrilateral where the lower right corner lies on a line with its neighbours.
+// The corners that the effect computes: the images of the layer's corners under its map. They differ from the given
+// ones if the lower right corner is collinear with its neighbours.
 std::array<Point, 4> ringOf(const Corners& corners) {
   const std::array<Point, 4> ring{corners.upper_left, corners.upper_right, corners.lower_right, corners.lower_left};
   const Point across{ring[1].x - ring[2].x, ring[1].y - ring[2].y};
@@ -38,7 +39,7 @@ std::array<Point, 4> ringOf(const Corners& corners) {
   if (across.x * down.y - across.y * down.x != 0.0) {
     return ring;
   }
-  constexpr double kDeterminant = 0.0001;  // what the effect puts in the place of 0
+  constexpr double kDeterminant = 0.0001;  // what the effect uses instead of 0
   const Point skew{ring[0].x - ring[1].x + ring[2].x - ring[3].x, ring[0].y - ring[1].y + ring[2].y - ring[3].y};
   const double g = (skew.x * down.y - down.x * skew.y) / kDeterminant;
   const double h = (across.x * skew.y - across.y * skew.x) / kDeterminant;

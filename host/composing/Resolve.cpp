@@ -14,7 +14,7 @@ namespace vantorel::host {
 namespace {
 
 constexpr int kChannels = 4;
-constexpr int kBatch = 64;  // pixels averaged at a time, so that their sums stay in the nearest cache
+constexpr int kBatch = 64;  // pixels averaged at a time, so that their sums stay in the L1 cache
 
 template <typename Channel>
 Channel rounded(double value) {
@@ -30,7 +30,7 @@ const Channel* channelsAt(const ConstImageView& view, int x, int y) {
   return reinterpret_cast<const Channel*>(view.pixel(x, y));
 }
 
-// The means of whole pixels: first the sums down the rows, then those along them.
+// The means of fully covered pixels: first the sums of columns, then the sums along the row.
 template <typename Channel, int n>
 void averageSolid(const ConstImageView& samples, int x, int y, int count, Channel* out) {
   using Sum = std::conditional_t<std::is_floating_point_v<Channel>, float,
@@ -72,7 +72,8 @@ void averageSolid(const ConstImageView& samples, int x, int y, int count, Channe
 template <int n>
 struct SampleRows {
   std::array<RowCoverage, std::size_t{n}> rows;
-  // Pixels of the row, counted from the first sample: those with something, and those wholly covered.
+  // Pixels of the row, counted from the first sample: [begin, end) are covered at least partly, [solid_begin,
+  // solid_end) fully.
   int begin = 0;
   int solid_begin = 0;
   int solid_end = 0;

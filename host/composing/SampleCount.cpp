@@ -9,8 +9,8 @@ namespace {
 
 constexpr double kLargestBox = 16.0;
 
-// The distance along one axis of the layer to the farthest of the neighbours that the effect looks at, for steps of (a,
-// b) to the right and down.
+// The distance, along one axis of the layer, to the furthest of the neighbours that the effect evaluates, for steps of
+// `a` to the right and `b` down.
 double reach(double a, double b) {
   return std::max({std::abs(a), std::abs(b), std::abs(a + b)});
 }
@@ -20,7 +20,7 @@ double boxSide(double a, double b) {
   return std::clamp(reach(a, b), 1.0, kLargestBox);
 }
 
-// Whether boxes of the largest size lie apart, so that layer pixels between them are not looked at.
+// Whether boxes of the maximum size are so far apart that layer pixels between them are never sampled.
 bool leavesGaps(const Jacobian& j, int samples) {
   return std::max(reach(j.xx, j.xy), reach(j.yx, j.yy)) > kLargestBox * samples;
 }
@@ -34,7 +34,7 @@ FilterError filterError(const Jacobian& j, int samples) {
   const double jj_xx = j.xx * j.xx + j.xy * j.xy;
   const double jj_xy = j.xx * j.yx + j.xy * j.yy;
   const double jj_yy = j.yx * j.yx + j.yy * j.yy;
-  // The difference D and the true variance T, both times 12: symmetric matrices.
+  // The difference D and the ideal variance T, both times 12; symmetric matrices.
   const double d_xx = box_x * box_x - 1.0 - jj_xx * step * step;
   const double d_xy = -jj_xy * step * step;
   const double d_yy = box_y * box_y - 1.0 - jj_yy * step * step;

@@ -9,7 +9,7 @@ namespace vantorel::host {
 
 namespace {
 
-// The scan's borders drift from the true ones, by up to 1/65536 pixel a row.
+// The scan's borders drift from the exact ones by up to 1/65536 pixel a row.
 constexpr double kDrift = 0.2;
 
 struct Columns {
@@ -18,7 +18,7 @@ struct Columns {
   bool hold(int x) const { return x >= begin && x < end; }
 };
 
-// The pixels of a row that the scan draws wholly, in a part's columns.
+// The pixels of a row that the scan covers fully, within a part's columns.
 Columns wholeColumns(const CoverageRegion& scanned, const Box& bounds, int y, const Rect& part) {
   if (y < bounds.top || y + 1.0 > bounds.bottom) {
     return {};
@@ -40,7 +40,7 @@ constexpr std::array<Step, 24> kNeighbours{{{1, 0}, {-1, 0}, {0, 1},  {0, -1},  
                                             {2, 0}, {-2, 0}, {0, 2},  {0, -2},  {2, 1}, {-2, 1}, {2, -1}, {-2, -1},
                                             {1, 2}, {-1, 2}, {1, -2}, {-1, -2}, {2, 2}, {-2, 2}, {2, -2}, {-2, -2}}};
 
-// The whole columns of a row and of kScanApron rows on either side.
+// The fully covered columns of a row and of kScanApron rows above and below it.
 class RowWindow {
  public:
   RowWindow(const CoverageRegion& scanned, const Rect& part)

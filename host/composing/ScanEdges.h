@@ -1,4 +1,4 @@
-// The colours at the borders of what the effect's bilinear scan draws.
+// Extends the colours at the borders of the effect's bilinear scan.
 #pragma once
 
 #include "host/Image.h"
@@ -6,14 +6,14 @@
 
 namespace vantorel::host {
 
-// How far the colours reach: a pixel this far beyond the samples asked for must be drawn too.
+// How far colours are extended: samples this far around the requested ones must be drawn too.
 inline constexpr int kScanApron = 2;
 
-// The scan mixes the pixels at its borders with what lies below. Gives every pixel that `covered` meets and `scanned`
-// does not wholly the colour of the nearest pixel that it does, up to kScanApron away along either axis; pixels without
-// such a neighbour stay as they are. Only what lies in `part` is looked at and written: pixels at its border need their
-// neighbours in it. The regions and the part are in pixels of `drawn`; `scanned` is what the scan was told to draw, one
-// span a row, from its borders at the row's top.
+// The scan mixes the pixels at its borders with the background. This gives every pixel that `covered` overlaps but
+// `scanned` does not cover fully the colour of the nearest fully scanned pixel, up to kScanApron away along either
+// axis; pixels without such a neighbour are unchanged. Only pixels in `part` are read and written, so it must include
+// the neighbours that are needed. The regions and the part are in pixels of `drawn`; `scanned` is the area that the
+// scan drew, one span per row, between its borders at the row's top.
 void extendScan(const CoverageRegion& scanned, const CoverageRegion& covered, const Rect& part, const ImageView& drawn);
 
 }  // namespace vantorel::host

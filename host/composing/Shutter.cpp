@@ -22,7 +22,7 @@ OpenTime openTimeOf(const FrameOptions& options) {
   return {options.time.time / scale + offset, length};
 }
 
-// The longest way of a corner, in full-resolution pixels, along so many straight pieces.
+// The longest path of a corner, in full-resolution pixels, approximated by straight pieces.
 double longestWay(const AnimatedCorners& corners, const OpenTime& open) {
   constexpr int kPieces = 64;
   double longest = 0.0;
@@ -51,7 +51,7 @@ void momentsOf(const AnimatedCorners& corners, const AnimatedCorners* source, co
   const double source_way = source != nullptr ? longestWay(*source, open) : 0.0;
   const double way = std::max(longestWay(corners, open), source_way) / options.downsample;
   if (way == 0.0) {
-    seconds->front() = open.begin;  // with an offset, nothing may move there and yet the corners lie elsewhere
+    seconds->front() = open.begin;  // not the frame's time: with an offset the corners may be elsewhere then
     return;
   }
   const int most = options.shutter.max_samples;

@@ -20,7 +20,7 @@ bool areCoordinates(const Corners& corners) {
   return fit;
 }
 
-// Whether the effect's numbers hold the corners, counted from wherever in the tile a grid may begin.
+// Whether the corners fit into 16.16 relative to any point of the tile at which a grid may begin.
 bool areCoordinatesIn(const Tile& tile, double half, const Corners& corners) {
   const double apron = static_cast<double>(kScanApron) / tile.samples;
   const auto fit_from = [&](double x, double y) { return areCoordinates(onGrid(corners, {x, y}, tile.samples, half)); };
@@ -32,7 +32,7 @@ bool keepsPath(const FramePlan& plan, const Tile& tile, double half, const Corne
   return pathOf(onGrid(corners, origin, tile.samples, half)) == plan.path;
 }
 
-// Whether the map's horizon runs through a point: a module that normalises its map there has none to draw by.
+// Whether the map's horizon passes through a point, where a module cannot normalise its map (DegenerateMapRetry.h).
 bool isOnHorizon(const FramePlan& plan, const Point& p) {
   constexpr double kRounding = 1e-9;
   return std::abs(plan.inverse->weight(p)) < kRounding * std::abs(plan.inverse->weight(plan.outline.middle()));
@@ -43,7 +43,8 @@ Box boxOf(const Rect& rect) {
           static_cast<double>(rect.bottom)};
 }
 
-// The scan subtracts coordinates in 16.16 too. At a sample a pixel there is nothing to fall back to.
+// The scan also subtracts coordinates in 16.16, which must not overflow. With one sample per pixel there is no
+// alternative to fall back to.
 bool isSpreadHeld(const FramePlan& plan, int samples) {
   return plan.path == RenderPath::Perspective || samples == 1 || spreadOf(plan.corners) * samples < kMaxScanSpread;
 }
@@ -56,7 +57,7 @@ std::optional<TileLayer> wholeLayer(const FramePlan& plan, const Tile& tile, dou
   return is_drawable ? std::optional(TileLayer{layer, *plan.whole}) : std::nullopt;
 }
 
-// The part of the layer that the tile shows, with a margin for the pixels' boxes.
+// The part of the layer that the tile shows, with a margin for the sampling boxes.
 std::optional<TileLayer> shownLayer(const FramePlan& plan, const Tile& tile, double half, const ImageView& layer) {
   const Rect& area = tile.area;
   const ConvexPolygon shown =
@@ -80,7 +81,7 @@ TileGrid gridOf(const FramePlan& plan, const Rect& area, int samples) {
   if (plan.path == RenderPath::Bilinear) {
     return {area, samples, kScanApron, kScanApron};
   }
-  // Two different distances, so that a horizon that climbs at 45 degrees does not meet the new corner too.
+  // The two numbers differ so that a horizon at 45 degrees cannot pass through the new corner too.
   return plan.inverse && isOnHorizon(plan, plain.origin()) ? TileGrid{area, samples, 1, 2} : plain;
 }
 

@@ -1,4 +1,4 @@
-// What of the layer a tile is drawn from, and where its corners go.
+// The part of the layer that a tile is drawn from, and where its corners are.
 #pragma once
 
 #include <optional>
@@ -7,8 +7,8 @@
 
 namespace vantorel::host {
 
-// The samples of a part of the output: a grid of `samples` a pixel, whose first column and row lie `apron_x` and
-// `apron_y` samples before the area.
+// The samples of a part of the output: a grid with `samples` per pixel and axis, extended on every side of the area by
+// `apron_x` columns and `apron_y` rows.
 struct TileGrid {
   Rect area;  // in output pixels
   int samples = 1;
@@ -22,23 +22,23 @@ struct TileGrid {
   }
 };
 
-// The grid of a part of a tile, with the apron that the plan needs there.
+// The grid for a part of a tile, with the apron that the plan needs there.
 TileGrid gridOf(const FramePlan& plan, const Rect& area, int samples);
 
-// Corners in the coordinates of a grid that begins at `origin`, moved by -half a sample where the effect counts from
-// centres.
+// Corners in the coordinates of a grid that begins at `origin`, minus `half` samples: 0.5 where the effect's positions,
+// which are measured from pixel centres, have to be compensated for, else 0.
 Corners onGrid(const Corners& corners, const Point& origin, int samples, double half);
 
-// What of the layer is handed to the module for a tile, whatever part of the tile is drawn.
+// The part of the layer that the module is given for a tile, whichever part of the tile is drawn.
 struct TileLayer {
   ImageView pixels;
   Corners corners;  // of these pixels, on the plane
-  // The module is given the corners on the plane, at a sample a pixel, and a canvas that lies there: the effect's
-  // numbers hold the corners only as they were given.
+  // The module is given the corners unchanged and a canvas at its position in the plane, with one sample per pixel,
+  // because the corners fit into 16.16 only in these coordinates.
   bool is_on_plane = false;
 };
 
-// None where the effect's numbers do not hold the corners of any. `half` is what onGrid takes from the corners.
+// Empty if there is no part whose corners fit into 16.16. `half` is that of onGrid.
 std::optional<TileLayer> layerFor(const FramePlan& plan, const Tile& tile, double half, const ImageView& layer);
 
 }  // namespace vantorel::host

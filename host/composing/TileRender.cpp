@@ -18,19 +18,19 @@ namespace vantorel::host {
 
 namespace {
 
-// The widest columns, in samples, that a tile on the perspective path is drawn in: a narrow part of a tile costs at
-// most as much. Narrower ones cost whole frames more than they save.
+// On the perspective path a tile is drawn in vertical strips of at most this width in samples, which bounds the cost of
+// drawing a narrow part of a tile. Narrower strips would slow down whole frames by more than they save.
 constexpr int kMaxStripSamples = 128;
 
-// Their width in pixels, which divides a tile's.
+// The strips' width in pixels, which divides the tile's width.
 int stripWidthFor(int samples) {
   return kMaxStripSamples / static_cast<int>(std::bit_ceil(static_cast<unsigned>(samples)));
 }
 
-// A whole move needs neither the outline's half pixels nor more than one sample.
+// How positions are measured. A move by whole pixels needs neither the outline's half pixel nor more than one sample.
 struct Convention {
   SampleSpace space;
-  double half;  // taken from the corners, in samples
+  double half;  // subtracted from the corners, in samples
 };
 
 Convention conventionOf(const FramePlan& plan) {
@@ -66,15 +66,15 @@ void copy(const ImageView& from, const ImageView& to) {
   }
 }
 
-// A part of a tile that is drawn at once.
+// A part of a tile that is drawn in one go.
 struct Piece {
-  TileGrid grid;  // that of the tile or of a column of it, whatever is visible
-  Rect visible;   // what of it is asked for, in output pixels
-  Rect samples;   // what of the grid is needed for it
+  TileGrid grid;  // of the whole tile or of a strip of it, whichever part is visible
+  Rect visible;   // the requested part, in output pixels
+  Rect samples;   // the part of the grid needed for it
   bool is_standard_enough = false;
 };
 
-// What of a grid is needed for the visible pixels: on the bilinear path with aprons.
+// The part of a grid needed for the visible pixels, with aprons on the bilinear path.
 Rect samplesFor(const TileGrid& grid, const Rect& visible, bool is_scanned) {
   const auto range = [&](int begin, int end, int from, int apron) {
     const int lower = (begin - from) * grid.samples + apron;
@@ -86,10 +86,10 @@ Rect samplesFor(const TileGrid& grid, const Rect& visible, bool is_scanned) {
   return {left, top, right, bottom};
 }
 
-// Calls `draw(piece)` for what has to be drawn so that `visible` is: it ends with the first error.
+// Calls `draw(piece)` for the pieces that make up `visible`, up to the first error.
 //
-// A perspective row's bits depend on where the row begins, so that the tile is cut into columns of a fixed width; its
-// rows do not depend on each other. The bilinear scan may begin anywhere.
+// The bits of a perspective row depend on where the row begins, so the tile is cut into strips of a fixed width; its
+// rows are independent. The bilinear scan may begin anywhere.
 template <typename Draw>
 Result<void> forEachPiece(const FramePlan& plan, const Rect& tile, int samples, const Rect& visible, const Draw& draw) {
   const bool is_standard_enough = isStandardEnough(plan, tile, samples);
@@ -112,8 +112,8 @@ Result<void> forEachPiece(const FramePlan& plan, const Rect& tile, int samples, 
   return {};
 }
 
-// What the module is asked to draw of a piece, on a canvas of its own: whole rows of its grid on the perspective path,
-// no more than is needed on the bilinear one.
+// The canvas that the module draws for a piece: whole rows of the grid on the perspective path, only the needed samples
+// on the bilinear one.
 struct PieceCanvas {
   Point origin;   // of the canvas, in output pixels
   Rect on_grid;   // in the grid's samples
@@ -132,7 +132,7 @@ PieceCanvas canvasOf(const FramePlan& plan, const Piece& piece) {
           {0, piece.samples.height()}};
 }
 
-// Has the module draw the canvas of a piece into `drawn`, which has its size.
+// Lets the module draw a piece's canvas into `drawn`, which has the canvas's size.
 Result<void> drawSamples(const TileSetting& setting, const TileLayer& layer, const Convention& convention,
                          const Piece& piece, const PieceCanvas& canvas, FrameState& frame, const ImageView& drawn) {
   frame.rows.begin(setting.module.workers, 1, setting.options.progress, setting.options.stop);
@@ -165,13 +165,13 @@ Result<void> drawSamples(const TileSetting& setting, const TileLayer& layer, con
   return rows ? Result<void>() : tl::unexpected(rows.error());
 }
 
-// The samples into the pixels that are visible. `drawn` is the whole grid.
+// Averages the samples to the visible pixels. `drawn` is the whole grid.
 void finishPiece(const FramePlan& plan, const Piece& piece, double half, const ImageView& drawn,
                  const ImageView& target) {
   const TileGrid& grid = piece.grid;
   const Point origin = grid.origin();
   if (plan.path == RenderPath::Perspective && plan.edges == Edges::Soft && grid.samples == 1) {
-    // The region is wider than what the effect draws, and has nothing to weigh.
+    // With soft edges the region extends beyond what the effect draws, so there is no coverage to apply.
     const Rect& part = piece.samples;
     copy(partOf(drawn, part.left, part.top, {part.width(), part.height()}), target);
     return;
@@ -189,7 +189,7 @@ void finishPiece(const FramePlan& plan, const Piece& piece, double half, const I
           piece.visible.top - grid.area.top, target);
 }
 
-// Draws what is visible of a piece into `target`.
+// Draws the visible part of a piece into `target`.
 Result<void> drawPiece(const TileSetting& setting, const FramePlan& plan, const TileLayer& layer, const Piece& piece,
                        TileWorker& worker, const ImageView& target) {
   const Convention convention = conventionOf(plan);
@@ -213,8 +213,8 @@ Result<void> drawPiece(const TileSetting& setting, const FramePlan& plan, const 
 Result<void> drawMoment(const TileSetting& setting, const FramePlan& plan, const Tile& tile, const Rect& visible,
                         TileWorker& worker, const ImageView& target);
 
-// A tile whose corners the effect's numbers do not hold: in quarters, each of which shows less of the layer, then with
-// fewer samples. Smaller tiles that still have none show next to nothing of the layer, and stay transparent.
+// Draws a tile whose corners do not fit into 16.16: in quarters, each of which shows less of the layer, then with fewer
+// samples. Even smaller tiles for which that is not enough show next to nothing of the layer, and stay transparent.
 Result<void> drawFarTile(const TileSetting& setting, const FramePlan& plan, const Tile& tile, const Rect& visible,
                          TileWorker& worker, const ImageView& target) {
   constexpr int kSmallestSide = 16;
@@ -243,7 +243,7 @@ Result<void> drawFarTile(const TileSetting& setting, const FramePlan& plan, cons
   return {};
 }
 
-// Draws the part of a tile that `visible` holds into `target`, at one moment.
+// Draws the part `visible` of a tile, at one moment, into `target`.
 Result<void> drawMoment(const TileSetting& setting, const FramePlan& plan, const Tile& tile, const Rect& visible,
                         TileWorker& worker, const ImageView& target) {
   const ImageView& source = plan.path == RenderPath::Bilinear ? setting.scanned_layer : setting.layer;

@@ -14,7 +14,7 @@ int floorToTile(int value) {
   return value & ~(kTileSide - 1);
 }
 
-// Adds the tiles of a square whose side allows `fitting` samples a pixel.
+// Adds the tiles of a square that is small enough for `fitting` samples per pixel.
 void addTiles(const Rect& square, int fitting, const Rect& canvas, const SampleRule& rule, std::vector<Tile>* tiles) {
   if (!meets(square, canvas)) {
     return;

@@ -17,7 +17,7 @@ namespace vantorel::host {
 
 namespace {
 
-// What the canvas shows of the layer through the bilinear renderer, at any moment.
+// The part of the layer that the canvas shows through the bilinear renderer at any moment.
 Rect scannedPart(std::span<const FramePlan> plans, const Rect& canvas) {
   Rect part;
   for (const FramePlan& plan : plans) {
@@ -117,7 +117,7 @@ Result<void> TiledFrame::draw(RowScheduler& scheduler, const Rect& canvas, const
     return failure(ErrorKind::Interrupted, "frame", "the frame was stopped before it was done");
   }
   if (code != ERR_NONE && !scheduler.progressFailure()) {
-    return failure(ErrorKind::OutOfMemory, "frame", "there is not enough memory for its tiles");
+    return failure(ErrorKind::OutOfMemory, "frame", "out of memory for its tiles; use fewer threads");
   }
   return {};
 }
@@ -127,8 +127,8 @@ Result<Rect> TiledFrame::prepareEnlargedLayer() {
   if (enlargement_ == 0) {
     return Rect{};
   }
-  // The renderer's mean of 8-bit values comes out a quarter of a level too dark, which moves the edges between pixels
-  // so large.
+  // The renderer's mean of 8-bit values is a quarter of a level too dark on average, which would visibly shift the
+  // edges between pixels that are magnified so much.
   const Depth depth = enlargement_ > 2 && layer_.depth == Depth::Bits8 ? Depth::Bits16 : layer_.depth;
   const Size size{enlargement_ * layer_.size.width, enlargement_ * layer_.size.height};
   return store_.vertex_layer.fit(size, depth).map([&] {

@@ -6,7 +6,7 @@
 
 namespace host = vantorel::host;
 
-// Both pictures are memory of the program's own.
+// Both pictures are in the program's own memory.
 static std::byte layer[4 * 16 * 16];
 static std::byte canvas[4 * 64 * 48];
 

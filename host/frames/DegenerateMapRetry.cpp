@@ -11,12 +11,12 @@ namespace vantorel::host {
 
 namespace {
 
-// The new corner's distance from the old, in whole pixels, so that the picture stays where it is. The two differ, so
-// that a horizon that climbs at 45 degrees does not meet both.
+// How far the new canvas corner is from the old one: whole pixels, so that the picture is not resampled. The two
+// numbers differ so that a horizon at 45 degrees cannot pass through both corners.
 constexpr int kExtraColumns = 1;
 constexpr int kExtraRows = 2;
 
-// A row is zero throughout when it begins with a zero and equals itself moved by a byte.
+// A row is all zeros if its first byte is zero and it equals itself shifted by a byte.
 bool isBlankRow(const PF_LayerDef& world, Depth depth, int y) {
   const std::byte* const row = worldRow<std::byte>(world, y);
   return row[0] == std::byte{0} && std::memcmp(row, row + 1, rowPixelBytes(world, depth) - 1) == 0;
@@ -53,7 +53,8 @@ bool needsRetry(const FrameState& frame, const Rect& canvas) {
   if (x.low >= canvas.right || x.high <= canvas.left || y.low >= canvas.bottom || y.high <= canvas.top) {
     return false;
   }
-  // Nearly every frame shows something in the middle of the corners, which spares looking through it.
+  // Checked first: nearly every frame shows something in the row at the middle of the corners, which avoids searching
+  // all of it.
   const int middle =
       static_cast<int>(std::clamp(std::midpoint(y.low, y.high), static_cast<double>(canvas.top), canvas.bottom - 1.0));
   return isBlankRow(frame.output, frame.depth, middle - canvas.top) && isBlank(frame.output, frame.depth) &&

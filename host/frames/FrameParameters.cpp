@@ -48,8 +48,8 @@ std::int32_t fixedFromPixels(double pixels) {
 
 tl::unexpected<Error> cornerOutOfReach() {
   return invalidArgument("canvas",
-                         "a corner lies 32768 pixels or more from its upper left corner, farther than a "
-                         "quadrilateral that is not convex can be drawn; use a nearer canvas");
+                         "a corner is 32768 pixels or more from its upper left corner, too far for a "
+                         "quadrilateral that is not convex; use a nearer canvas");
 }
 
 }  // namespace vantorel::host

@@ -1,4 +1,4 @@
-// The effect's parameters as records with values.
+// The records of the effect's parameter values.
 #pragma once
 
 #include <cstdint>
@@ -16,10 +16,10 @@ void fillParameter(const FrameState& frame, std::int32_t index, double seconds, 
 // Fills the frame's own records with the values at its time.
 void fillParameters(FrameState* frame, const FrameTime& time);
 
-// 16.16, rounded to nearest; what lies outside goes to the nearest end of the range.
+// Converts to 16.16, rounded to nearest and clamped to its range.
 std::int32_t fixedFromPixels(double pixels);
 
-// What is said of a corner that 16.16 cannot hold on the canvas, for quadrilaterals that are scanned.
+// The error for a corner outside the 16.16 range on the canvas, for quadrilaterals drawn by the bilinear scan.
 tl::unexpected<Error> cornerOutOfReach();
 
 }  // namespace vantorel::host

@@ -11,12 +11,12 @@ namespace vantorel::host {
 
 namespace {
 
-// How far beyond the canvas a module is asked for its answer, and how far beyond its answer it is asked to draw. The
-// two protocols' answers round differently, and a magnified layer's outermost pixels reach beyond the corners; with
-// this margin both protocols draw the same pixels.
+// How far the rectangle that a module is asked about extends beyond the canvas, and how far the rows that it has to
+// draw extend beyond its answer. The two protocols round their answers differently, and the border pixels of a
+// magnified layer extend beyond the corners; with this margin both protocols draw the same pixels.
 constexpr std::int64_t kAnswerMargin = 8;
 
-// The wanted rows of the canvas that an answer reaches, whole, in canvas pixels.
+// The wanted rows that the answer reaches, at the canvas's full width, in canvas pixels.
 Rect rowsToDraw(const Rect& answer, const Rect& canvas, const RowRange& wanted) {
   const auto reach = [](std::int64_t begin, std::int64_t end, std::int64_t low, std::int64_t high) {
     return std::pair(std::max(begin - kAnswerMargin, low), std::min(end + kAnswerMargin, high));
@@ -45,7 +45,7 @@ void clearRows(const PF_LayerDef& world, Depth depth, int top, int bottom) {
   }
 }
 
-// Clears what the module is not asked to draw of the wanted rows, and tells it what it is.
+// Clears the wanted rows that the module need not draw, and sets the extent hint to the others.
 void prepareOutput(FrameState& frame, const Rect& rows, const RowRange& wanted) {
   const int top = rows.empty() ? wanted.end : rows.top;
   clearRows(frame.output, frame.depth, wanted.begin, top);

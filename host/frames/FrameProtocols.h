@@ -1,4 +1,4 @@
-// The two ways of having a module draw a frame.
+// Drawing a frame through a module with either of the two protocols.
 #pragma once
 
 #include "host/Error.h"
@@ -8,7 +8,7 @@
 
 namespace vantorel::host {
 
-// What a frame is about, beside its state, at the frame's resolution.
+// A frame to draw: its module, state and options.
 struct FrameJob {
   const ModuleState& module;
   FrameState& frame;
@@ -16,15 +16,16 @@ struct FrameJob {
   const FrameOptions& options;
 };
 
-// The rectangle that frame setup answers to `hint`: what the module would draw of it, both in layer pixels.
+// The rectangle that frame setup returns for `hint`: the part of it that the module would draw. Both are in layer
+// pixels.
 Result<Rect> askFrameSetup(const FrameJob& job, const Rect& hint);
 
-// Draws the frame: the frame's output world is the whole canvas, whose upper left corner is at canvas.left, canvas.top
-// in layer pixels. Rows that the module does not want to draw are cleared here. The result is the part of the canvas
-// that it was asked to draw, in canvas pixels; empty when it wants to draw nothing.
+// Draws the frame: the frame's output world is the whole canvas, whose upper left corner is at (canvas.left,
+// canvas.top) in layer pixels. Rows that the module does not want to draw are cleared here. Returns the part of the
+// canvas that the module was asked to draw, in canvas pixels; empty if it wants to draw nothing.
 Result<Rect> drawFrame(const FrameJob& job, const Rect& canvas);
 
-// The same for some rows of the canvas; what it leaves in others is unspecified.
+// The same for some rows of the canvas; the content of the others is unspecified.
 struct RowRange {
   int begin;
   int end;

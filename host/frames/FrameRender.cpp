@@ -27,13 +27,13 @@ void copyPixels(const ImageView& from, const ImageView& to) {
   }
 }
 
-// The module reads the layer and is trusted not to write it; the interface has no constant worlds.
+// The interface has no constant worlds; the module is trusted not to write to the layer.
 ImageView readOnly(const ConstImageView& view) {
   return {const_cast<std::byte*>(view.data), view.row_bytes, view.size, view.depth};
 }
 
-// The layer as the module can read it: the caller's own, or a copy in `scaled`, reduced by n. Rows of 8-bit pixels are
-// copied also where they are no whole number of pixels apart, because modules step between them in 4-byte words.
+// The layer in a form that the module can read: the caller's own, or a copy in `scaled`, reduced by n. An 8-bit layer
+// is also copied if its row stride is not a whole number of pixels, because modules step between rows in 4-byte words.
 Result<ImageView> layerForModule(const ConstImageView& layer, int n, BlockEdges edges, Image* scaled) {
   if (n == 1 && (layer.depth != Depth::Bits8 || layer.row_bytes % 4 == 0)) {
     return readOnly(layer);
@@ -44,8 +44,8 @@ Result<ImageView> layerForModule(const ConstImageView& layer, int n, BlockEdges 
   });
 }
 
-// The corners at a time, in pixels at 1/n, rounded to the 16.16 in which a module gets them: times that differ in their
-// last digits give the same picture.
+// The corners at a time, in pixels at 1/n, rounded to 16.16 as the module receives them, so that times that differ only
+// by rounding errors give the same picture.
 Corners cornersAt(const AnimatedCorners& corners, double seconds, double n) {
   const Corners full = corners.at(seconds);
   const auto scaled = [&](const Point& p) {
@@ -54,7 +54,7 @@ Corners cornersAt(const AnimatedCorners& corners, double seconds, double n) {
   return {scaled(full.upper_left), scaled(full.upper_right), scaled(full.lower_left), scaled(full.lower_right)};
 }
 
-// The rows of the canvas that a region reaches, whole, in canvas pixels.
+// The rows that a region reaches, at the canvas's full width, in canvas pixels.
 Rect rowsOf(const CoverageRegion& region, const Rect& canvas) {
   const Box box = region.bounds();
   const auto on_canvas = [&](double y) {
@@ -74,7 +74,7 @@ Rect rowsOf(const std::vector<FramePlan>& moments, const Rect& canvas) {
   return rows;
 }
 
-// The bilinear renderer holds the layer's edges, and the corners on the canvas, in 16.16 too.
+// The bilinear renderer also stores the layer's edges, and the corners on the canvas, in 16.16.
 Result<void> checkBilinearReach(const FrameState& frame, const Rect& canvas) {
   if (frame.input.width > kMaxBilinearLayer || frame.input.height > kMaxBilinearLayer) {
     return invalidArgument("layer",
@@ -143,7 +143,7 @@ Result<void> FrameRender::planMoments(Size layer_size, Size scaled_size) {
   const FrameState& frame = job_.frame;
   const double n = options.downsample;
   if (frame.source != nullptr && options.placement == Placement::Centres) {
-    return invalidArgument("source", "it needs corners that the layer's outline lies on; use that placement");
+    return invalidArgument("source", "it requires the outline placement; use that placement");
   }
   momentsOf(*frame.corners, frame.source, options, &tiles_.moments);
   tiles_.plans.clear();
@@ -153,8 +153,8 @@ Result<void> FrameRender::planMoments(Size layer_size, Size scaled_size) {
                               layer_size.height / n, scaled_size, options);
     if (!tiles_.plans.back().hasMap()) {
       return invalidArgument("source",
-                             "it and the corners must both be strictly convex quadrilaterals, none of whose "
-                             "corners lies on a line with its neighbours; move the corner that does");
+                             "it and the corners must both be strictly convex quadrilaterals, without a "
+                             "corner that is on a line with its neighbours; move that corner");
     }
   }
   return {};

@@ -1,4 +1,4 @@
-// The drawing of one frame, in one piece or in tiles.
+// Draws one frame, in one piece or in tiles.
 #pragma once
 
 #include "host/Error.h"
@@ -8,8 +8,8 @@
 
 namespace vantorel::host {
 
-// Uses an instance's state while it lives, and forgets the frame's worlds when it ends, however it ends. The arguments
-// must outlive it.
+// Uses an instance's state during its lifetime; the destructor frees the frame's worlds in any case. The arguments must
+// outlive it.
 class FrameRender {
  public:
   FrameRender(const ModuleState& module, FrameState& frame, TileStore& tiles, const AnimatedCorners& corners,
@@ -18,19 +18,18 @@ class FrameRender {
   FrameRender(const FrameRender&) = delete;
   FrameRender& operator=(const FrameRender&) = delete;
 
-  // Renders the layer into `output`, which is the whole canvas, given at the frame's resolution. The request must have
-  // passed checkFrameRequest. What the progress callback threw
-  // is kept in the frame's rows.
+  // Renders the layer into `output`, which is the whole canvas; both are at the frame's resolution. The request must
+  // have passed checkFrameRequest. An exception thrown by the progress callback is kept in the frame's rows.
   Result<FrameResult> render(const ConstImageView& layer, const Rect& canvas, const ImageView& output);
 
-  // Instead of all that: the rectangle that the effect asks for when nothing limits it.
+  // Renders nothing, but returns the rectangle that the effect requests if nothing limits it.
   Result<Rect> boundingBox();
 
   // The part of the layer, at full resolution, that the pixels of a canvas at the frame's resolution depend on.
   Result<Rect> neededPart(const Rect& canvas);
 
  private:
-  // The frame in one piece, in three steps.
+  // The three steps of drawing the frame in one piece.
   Result<void> prepare(const ImageView& output);
   Result<Rect> draw(const Rect& canvas);
   Result<FrameResult> deliver(const Rect& drawn, const Rect& canvas, const ImageView& output);

@@ -16,7 +16,7 @@ namespace vantorel::host {
 namespace {
 
 constexpr int kMaxCanvasOffset = 1 << 29;
-constexpr int kMaxLayerSide = 32768;  // what 16.16 positions reach
+constexpr int kMaxLayerSide = 32768;  // the range of 16.16 positions
 
 template <typename Byte>
 std::int64_t rowPixelBytes(const BasicImageView<Byte>& view) {
@@ -36,12 +36,12 @@ Result<void> checkView(const BasicImageView<Byte>& view, const char* name) {
   }
   const auto channel_bytes = static_cast<std::ptrdiff_t>(bytesPerPixel(view.depth) / 4);
   const std::int64_t pixel_bytes = rowPixelBytes(view);
-  const std::int64_t stride = view.row_bytes;  // its magnitude is taken once it is known to have one
+  const std::int64_t stride = view.row_bytes;  // may be the smallest integer, whose magnitude must not be taken
   if (stride < -std::numeric_limits<std::int32_t>::max() || stride > std::numeric_limits<std::int32_t>::max() ||
       std::abs(stride) < pixel_bytes) {
-    return invalidArgument(name, "its row stride of " + std::to_string(stride) + " bytes must be from " +
-                                     std::to_string(pixel_bytes) +
-                                     " (a row's pixels) to 2147483647, or as far below zero for rows from the last");
+    return invalidArgument(
+        name, "its row stride of " + std::to_string(stride) + " bytes must be from " + std::to_string(pixel_bytes) +
+                  " (a row's pixels) to 2147483647, or the same below zero for rows stored bottom up");
   }
   if (view.row_bytes % channel_bytes != 0 ||
       reinterpret_cast<std::uintptr_t>(view.data) % static_cast<std::uintptr_t>(channel_bytes) != 0) {
@@ -51,7 +51,7 @@ Result<void> checkView(const BasicImageView<Byte>& view, const char* name) {
   return {};
 }
 
-// The addresses from a view's first byte in memory to behind its last one.
+// The range of addresses that a view occupies; `end` is exclusive.
 struct MemoryRange {
   std::uintptr_t begin;
   std::uintptr_t end;
@@ -102,16 +102,16 @@ Result<void> checkShutter(const FrameOptions& options) {
   const Shutter& shutter = options.shutter;
   const double offset = shutter.offset.value_or(0.0);
   if (!(shutter.degrees >= 0.0 && shutter.degrees <= kMostDegrees)) {
-    return invalidArgument("shutter", std::to_string(shutter.degrees) + " degrees are not from 0 to 720");
+    return invalidArgument("shutter", std::to_string(shutter.degrees) + " degrees is out of range; give 0 to 720");
   }
   if (!(offset >= -kMostDegrees && offset <= kMostDegrees)) {
-    return invalidArgument("shutter offset", std::to_string(offset) + " degrees are not from -720 to 720");
+    return invalidArgument("shutter offset", std::to_string(offset) + " degrees is out of range; give -720 to 720");
   }
   if (shutter.max_samples < 1 || shutter.max_samples > kMostMoments) {
-    return invalidArgument("shutter samples", std::to_string(shutter.max_samples) + " are not from 1 to 1024");
+    return invalidArgument("shutter samples", std::to_string(shutter.max_samples) + " is out of range; give 1 to 1024");
   }
   if (shutter.degrees > 0.0 && options.placement == Placement::Centres) {
-    return invalidArgument("shutter", "motion blur needs corners that the layer's outline lies on; use that placement");
+    return invalidArgument("shutter", "motion blur requires the outline placement; use that placement");
   }
   return {};
 }
@@ -119,21 +119,21 @@ Result<void> checkShutter(const FrameOptions& options) {
 Result<void> checkOptions(const FrameOptions& options) {
   if (options.downsample < 1) {
     return invalidArgument("downsample",
-                           std::to_string(options.downsample) + " is no divisor of the resolution; give 1 or more");
+                           std::to_string(options.downsample) + " is not a divisor of the resolution; give 1 or more");
   }
   constexpr std::array kSampleCounts{0, 1, 2, 4, 8};
   if (std::ranges::find(kSampleCounts, options.samples) == kSampleCounts.end()) {
-    return invalidArgument("samples", std::to_string(options.samples) + " is none of 1, 2, 4, 8, and 0 for automatic");
+    return invalidArgument("samples", std::to_string(options.samples) +
+                                          " is not a number of samples; give 1, 2, 4, 8, or 0 for automatic");
   }
   if (options.placement == Placement::Centres && options.samples > 1) {
-    return invalidArgument("samples", "only one is possible where positions count from pixel centres; use 1");
+    return invalidArgument("samples", "there can only be one with the centres placement; use 1");
   }
   if (options.placement == Placement::Centres && options.edges == Edges::Crisp) {
-    return invalidArgument("edges", "they can only be soft where positions count from pixel centres; use soft edges");
+    return invalidArgument("edges", "they can only be soft with the centres placement; use soft edges");
   }
   if (options.placement == Placement::Centres && options.canvas_independent) {
-    return invalidArgument("canvas independence",
-                           "it needs corners that the layer's outline lies on; use that placement");
+    return invalidArgument("canvas independence", "it requires the outline placement; use that placement");
   }
   if (options.time.scale == 0) {
     return invalidArgument("time scale", "it must be 1 or more units per second");
@@ -149,7 +149,7 @@ Result<void> checkParameters(const Module& module) {
       });
   if (!four_points) {
     return failure(ErrorKind::ModuleUnusable, module.info().path,
-                   "declares other parameters than four points; use a four-point effect");
+                   "does not declare exactly four points; use a four-point effect");
   }
   return {};
 }

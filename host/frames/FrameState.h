@@ -1,4 +1,4 @@
-// What an instance holds while it renders a frame. It is kept between frames, so that a frame need not allocate it.
+// An instance's state while it renders a frame. It is kept between frames to avoid allocations.
 #pragma once
 
 #include <array>
@@ -18,9 +18,9 @@ namespace vantorel::host {
 struct FrameState {
   // The parameters.
   const AnimatedCorners* corners = nullptr;
-  const AnimatedCorners* source = nullptr;  // what of the layer goes onto the corners; null for all of it
+  const AnimatedCorners* source = nullptr;  // the part of the layer that is drawn onto the corners; null for all of it
   int downsample = 1;
-  // What the module receives instead, at whatever time, in pixels of the frame's resolution.
+  // If set, the corners that the module receives instead, at any time, in pixels of the frame's resolution.
   std::optional<Corners> placed;
   SampleSpace space = SampleSpace::Centres;
 
@@ -36,15 +36,15 @@ struct FrameState {
   std::optional<RowGuard> guard;  // holds and watches the output in checking mode
   bool iterated = false;          // the module had rows of the output iterated
 
-  // The parameters as they go with every command: the layer, then the points.
+  // The parameter records that are passed with every command: the layer, then the points.
   std::array<PF_ParamDef, kCornerCount + 1> params{};
   std::array<PF_ParamDef*, kCornerCount + 1> param_pointers{};
 
   double render_seconds = 0.0;  // inside the module's commands
 
   // What is kept from frame to frame.
-  Image scaled_layer;  // the layer, where a module cannot be given the caller's
-  Image retry_canvas;  // a larger canvas, for the rare frame whose own canvas allows no map
+  Image scaled_layer;  // a copy of the layer, if the module cannot use the caller's
+  Image retry_canvas;  // the larger canvas for DegenerateMapRetry
 };
 
 }  // namespace vantorel::host

@@ -17,7 +17,7 @@ struct RowScheduler::Pass {
   std::atomic<std::int32_t> code{0};
   std::atomic<std::int32_t> rows_done{0};
 
-  // The first failure stays.
+  // Only the first failure is kept.
   void fail(std::int32_t failure) {
     std::int32_t none = 0;
     code.compare_exchange_strong(none, failure);
@@ -62,7 +62,8 @@ void RowScheduler::runRow(Pass& pass, std::int32_t y) {
     pass.fail(code);
     return;
   }
-  // Counting waits for the row's pixels to reach the caches, which is felt where rows are short.
+  // Counted only for the progress callback: the atomic increment waits for the row's stores, which is noticeable when
+  // rows are short.
   if (progress_ != nullptr) {
     const std::int32_t done = pass.rows_done.fetch_add(1, std::memory_order_relaxed) + 1;
     report(pass.share_begin + pass.share_per_row * done);

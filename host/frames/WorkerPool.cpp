@@ -8,8 +8,8 @@ namespace vantorel::host {
 
 namespace {
 
-// Waits for what is likely to happen within microseconds, such as the next of many small frames: to sleep and to be
-// woken would take longer than such a frame.
+// Spins briefly for a condition that is likely to be met within microseconds, such as the next of many small frames:
+// going to sleep and waking up would take longer than such a frame.
 template <typename Condition>
 void waitBriefly(Condition condition) {
   constexpr int kTries = 100;
@@ -20,13 +20,13 @@ void waitBriefly(Condition condition) {
 
 constexpr unsigned kMaxSharers = 128;
 
-// Aligned to its size, so that it is atomic without a lock with every compiler.
+// Aligned to its size, so that every compiler makes it a lock-free atomic.
 struct alignas(8) RowRange {
   std::int32_t begin;
   std::int32_t end;
 };
 
-// The rows that a thread has left, in a cache line of their own.
+// The rows that a thread has left to do, in their own cache line.
 struct alignas(64) Share {
   std::atomic<RowRange> rows;
 
@@ -35,7 +35,7 @@ struct alignas(64) Share {
     return range.end - range.begin;
   }
 
-  // Takes the first few rows: few enough that what is costly among them can be shared. False where there are none.
+  // Takes the first few rows: few enough that expensive rows can still be shared out. False if there are none.
   bool takeFirst(RowRange* taken) {
     constexpr std::int32_t kMaxCount = 8;
     RowRange range = rows.load(std::memory_order_relaxed);
@@ -49,7 +49,7 @@ struct alignas(64) Share {
     return false;
   }
 
-  // Takes the last half, rounded up. False where there is nothing or another thread came first.
+  // Takes the last half, rounded up. False if nothing is left or another thread was faster.
   bool takeLast(RowRange* taken) {
     RowRange range = rows.load(std::memory_order_relaxed);
     const std::int32_t middle = range.begin + (range.end - range.begin) / 2;
@@ -61,12 +61,12 @@ struct alignas(64) Share {
 
 }  // namespace
 
-// A run under way. It lives on the stack of its caller and is listed while helpers may join.
+// A run in progress. It is on its caller's stack, and in the list as long as helpers may join.
 struct WorkerPool::Job {
   const RowRangeFunction& function;
-  const unsigned sharers;             // the threads that may work on it
-  unsigned joined = 1;                // those that have, the caller among them
-  std::atomic<unsigned> helpers = 0;  // that have joined and not left
+  const unsigned sharers;             // how many threads may work on it
+  unsigned joined = 1;                // how many have joined, including the caller
+  std::atomic<unsigned> helpers = 0;  // have joined and not left yet
   std::condition_variable left{};
   Job* next = nullptr;
   std::array<Share, kMaxSharers> shares;
@@ -92,7 +92,7 @@ struct WorkerPool::Job {
     } while (takeOver(self));
   }
 
-  // Half of the rows of the longest share. False when no share has any left.
+  // Takes half the rows of the longest share. False if no share has any left.
   bool takeOver(unsigned self) {
     const auto shorter = [](const Share& a, const Share& b) { return a.left() < b.left(); };
     while (true) {
@@ -147,7 +147,7 @@ void WorkerPool::run(std::int32_t top, std::int32_t bottom, unsigned threads, co
   job.left.wait(lock, [&job] { return job.helpers == 0; });
 }
 
-// With the lock held. Threads, or memory for them, may be lacking: then there are fewer.
+// Call with the lock held. If the system cannot start more threads, there are fewer.
 void WorkerPool::startWorkers(std::size_t count) {
   try {
     while (workers_.size() < count) {
@@ -171,7 +171,7 @@ void WorkerPool::help() {
     lock.unlock();
     job->work(self);
     lock.lock();
-    // The last one to leave tells with the lock held: after that the caller may end the job.
+    // The last helper to leave notifies with the lock held, since the caller may destroy the job right afterwards.
     if (--job->helpers == 0) {
       job->left.notify_one();
     }
@@ -192,7 +192,7 @@ WorkerPool::Job* WorkerPool::firstWaiting() const {
   return job;
 }
 
-// At the end, so that the oldest run is helped first.
+// Appended, so that helpers join the oldest run first.
 void WorkerPool::list(Job* job) {
   Job** place = &jobs_;
   while (*place != nullptr) {

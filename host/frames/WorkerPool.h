@@ -1,7 +1,7 @@
-// Threads that help with the rows of frames, shared by all instances of a module.
+// Threads that process the rows of frames, shared by all instances of a module.
 //
-// A run allocates nothing and cannot fail: the calling thread takes part and finishes a run alone where no other thread
-// can be started or has time. For the same reason several runs at once, and runs inside of rows, come to their end.
+// A run allocates nothing and cannot fail: the calling thread takes part and, if no other thread is available, finishes
+// the run alone. For the same reason concurrent and nested runs cannot deadlock.
 #pragma once
 
 #include <atomic>
@@ -13,7 +13,7 @@
 
 namespace vantorel::host {
 
-// A function of the rows [begin, end), with the data that it works on. It must not throw.
+// A function that processes the rows [begin, end), with its data. It must not throw.
 struct RowRangeFunction {
   void (*run)(void* data, std::int32_t begin, std::int32_t end) = nullptr;
   void* data = nullptr;
@@ -21,8 +21,8 @@ struct RowRangeFunction {
 
 // Safe to use from several threads.
 //
-// Each thread that takes part begins on a share of neighbouring rows, the same in every run, so that frames of one size
-// find their rows in the thread's cache; one that has finished its share takes over half of another's.
+// Each thread begins with a contiguous share of the rows, the same in every run, so that with frames of one size its
+// rows are still in its core's cache. A thread that has finished its share takes over half of another's.
 class WorkerPool {
  public:
   // Threads start when they are first needed.
@@ -32,7 +32,7 @@ class WorkerPool {
   WorkerPool& operator=(const WorkerPool&) = delete;
 
   // Runs the function over disjoint ranges that make up [top, bottom), and returns when all are done. At most `threads`
-  // threads work on it, the calling one among them, and no more than the machine has or 128; 0 means as many as that.
+  // threads work on it, including the calling one, and never more than the machine has or 128; 0 means that maximum.
   void run(std::int32_t top, std::int32_t bottom, unsigned threads, const RowRangeFunction& function);
 
  private:
@@ -45,9 +45,9 @@ class WorkerPool {
   void unlist(const Job* job);
 
   const unsigned max_threads_;
-  std::mutex mutex_;  // of everything below, and of the jobs but for their rows
+  std::mutex mutex_;  // guards everything below, and the jobs except their rows
   std::condition_variable wake_;
-  std::atomic<unsigned> runs_{0};  // that were begun so far
+  std::atomic<unsigned> runs_{0};  // begun so far
   Job* jobs_ = nullptr;
   bool stopping_ = false;
   std::vector<std::thread> workers_;

@@ -1,4 +1,4 @@
-// A row of a world.
+// Access to a world's rows.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +8,8 @@
 
 namespace vantorel::host {
 
-// Row `y` as pixels, channels or bytes. Always inlined: files compiled for different instruction sets use it, and a
-// copy compiled for one set must not serve the others.
+// Row `y` as pixels, channels or bytes. Always inlined, since it is used in files compiled for different instruction
+// sets: the linker keeps one copy of an inline function, which may need instructions that the processor lacks.
 template <typename Unit>
 [[gnu::always_inline]] inline Unit* worldRow(const PF_LayerDef& world, std::int64_t y) {
   return reinterpret_cast<Unit*>(static_cast<std::byte*>(world.data) + std::ptrdiff_t{world.row_bytes} * y);

@@ -1,4 +1,4 @@
-// The worlds that a module asks for while it draws a frame.
+// The worlds that a module allocates while it draws a frame.
 #pragma once
 
 #include <cstddef>
@@ -11,23 +11,22 @@
 
 namespace vantorel::host {
 
-// The depth of a pixel-format code, or nothing for one that is unknown; and the other way.
+// Conversion between pixel-format codes and depths; empty for an unknown code.
 std::optional<Depth> depthOfPixelFormat(std::int32_t pixel_format);
 std::int32_t pixelFormatOfDepth(Depth depth);
 
-// A view as the module sees it: all of it is needed. Its stride must fit 32 bits.
+// The record of a view for the module, with the whole view as extent hint. Its stride must fit into 32 bits.
 PF_LayerDef worldOf(const ImageView& view);
 
-// The bytes of a row's pixels.
+// The size of a row's pixels in bytes, without padding.
 std::size_t rowPixelBytes(const PF_LayerDef& world, Depth depth);
 
 class WorldStore {
  public:
-  // Allocates a world and describes it in *world. ERR_OUT_OF_MEMORY without memory or for a size that
-  // Image refuses.
+  // Allocates a world and describes it in *world. ERR_OUT_OF_MEMORY if memory runs out or Image refuses the size.
   std::int32_t create(Size size, Depth depth, bool clear, PF_LayerDef* world);
 
-  // The depth of a world of the store's, by its pixels.
+  // The depth of a world in this store, identified by its pixels' address.
   std::optional<Depth> depthOf(const PF_LayerDef& world) const;
 
   // Frees every world.

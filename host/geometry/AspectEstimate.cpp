@@ -6,9 +6,10 @@ namespace vantorel::host {
 
 namespace {
 
-// Below this relative difference of depth between opposite sides, the focal length comes from rounding errors.
+// If the relative difference in depth between opposite sides is smaller than this, the focal length would be determined
+// by rounding errors.
 constexpr double kLeastConvergence = 0.02;
-// The cosine of an angle that is right but for what a pixel's rounding does.
+// Angles with a smaller cosine count as right angles, since corners are only accurate to about a pixel.
 constexpr double kRightAngle = 0.01;
 
 struct Vector {
@@ -37,17 +38,17 @@ double ratioOfSides(const Corners& c) {
 
 AspectEstimate estimateAspect(const Corners& corners, Size picture_size) {
   const Point centre{picture_size.width / 2.0, picture_size.height / 2.0};
-  // Lengths in units of the picture's size, which keeps the equations' terms alike in size.
+  // Lengths are in units of the picture's size, which keeps the terms of the equations at a similar magnitude.
   const double unit = std::hypot(picture_size.width, picture_size.height) / 2.0;
   const auto ray = [&](const Point& p) { return Vector{(p.x - centre.x) / unit, (p.y - centre.y) / unit, 1.0}; };
   const Vector origin = ray(corners.upper_left);
   const Vector right = ray(corners.upper_right);
   const Vector below = ray(corners.lower_left);
   const Vector opposite = ray(corners.lower_right);
-  // The depths of the neighbours relative to the origin's, from the rectangle being flat.
+  // The neighbours' depths relative to the origin's; they follow from the rectangle being planar.
   const double right_depth = dot(cross(origin, opposite), below) / dot(cross(right, opposite), below);
   const double below_depth = dot(cross(origin, opposite), right) / dot(cross(below, opposite), right);
-  // The sides' directions in space, but for the focal length's factor on z.
+  // The sides' directions in space, except that z still has to be multiplied by the focal length.
   const Vector across{right_depth * right.x - origin.x, right_depth * right.y - origin.y, right_depth - 1.0};
   const Vector down{below_depth * below.x - origin.x, below_depth * below.y - origin.y, below_depth - 1.0};
   const double flat_product = across.x * down.x + across.y * down.y;

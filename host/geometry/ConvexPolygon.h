@@ -1,4 +1,4 @@
-// Convex polygons of a few corners, cut without allocating.
+// Convex polygons with few corners, and clipping without allocation.
 #pragma once
 
 #include <array>
@@ -18,10 +18,10 @@ struct Box {
   double bottom = 0.0;
 };
 
-// Points once round a convex polygon, in either direction. Fewer than three points have no area.
+// The corners of a convex polygon in order, in either direction. With fewer than three points it is empty.
 class ConvexPolygon {
  public:
-  // A quadrilateral gains at most one point with each cut; so many cuts are possible.
+  // Each cut of a convex polygon adds at most one point, so a quadrilateral can be cut twelve times.
   static constexpr int kMostPoints = 16;
 
   ConvexPolygon() = default;
@@ -35,11 +35,11 @@ class ConvexPolygon {
   ConvexPolygon cut(double a, double b, double c) const;
   ConvexPolygon cut(const Box& box) const;
 
-  // The image under a map whose horizon does not meet the polygon.
+  // The image under a map whose horizon does not intersect the polygon.
   ConvexPolygon mappedBy(const Homography& map) const;
 
   double area() const;
-  Point middle() const;  // the mean of its points, inside it
+  Point middle() const;  // the mean of its points, which is inside it
   Box bounds() const;
 
  private:
@@ -49,7 +49,8 @@ class ConvexPolygon {
   int count_ = 0;
 };
 
-// The images of a rectangle's corners; none when the map's horizon meets the rectangle, or its image lies beyond it.
+// The images of a rectangle's corners; empty if the map's horizon intersects the rectangle, or if it lies beyond the
+// horizon.
 std::optional<Corners> imageOf(const Box& box, const Homography& map);
 
 }  // namespace vantorel::host

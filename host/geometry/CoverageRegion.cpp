@@ -10,7 +10,7 @@ namespace vantorel::host {
 
 namespace {
 
-// Beyond every canvas, and within what an int holds.
+// Beyond every canvas, but within the range of an int.
 constexpr double kFar = 1 << 30;
 
 int floorOf(double value) {
@@ -24,14 +24,14 @@ double between(double from, double to, double share) {
   return from + (to - from) * share;
 }
 
-// The x of an edge at a height, also beyond its ends.
+// An edge's x at a height; extrapolated beyond its ends.
 double xAt(const Point& from, const Point& to, double y) {
   return to.y == from.y ? from.x : between(from.x, to.x, (y - from.y) / (to.y - from.y));
 }
 
 }  // namespace
 
-// The mean, over a border's height, of the width of [x, x + 1) that lies to the right of it.
+// The mean, over the border's height, of the width of the part of [x, x + 1) that is to the right of it.
 double RowCoverage::shareRightOf(const Border& border, double x) {
   const auto integral = [&](double t) {
     if (t <= border.low) {
@@ -158,7 +158,7 @@ RowCoverage CoverageRegion::row(int y) const {
   if (row.count_ == 0) {
     return row;
   }
-  constexpr double kRounding = 1e-9;  // heights of trapezoids that meet add up to 1 but for this
+  constexpr double kRounding = 1e-9;  // the heights of adjoining trapezoids add up to 1 within this
   row.begin = floorOf(left.low);
   row.end = std::max(row.begin, ceilOf(right.high));
   row.solid_begin = ceilOf(left.high);

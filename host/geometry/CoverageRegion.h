@@ -1,4 +1,4 @@
-// The exact share of every pixel that a quadrilateral covers.
+// The exact coverage of every pixel by a quadrilateral.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 
 namespace vantorel::host {
 
-// A part of the plane between two heights whose left and right borders are straight.
+// A trapezoid with horizontal top and bottom and straight left and right borders.
 struct Trapezoid {
   double top = 0.0;
   double bottom = 0.0;
@@ -17,22 +17,22 @@ struct Trapezoid {
   double right_at_bottom = 0.0;
 };
 
-// What one row of pixels shares with a region.
+// A region's coverage of one row of pixels.
 class RowCoverage {
  public:
-  // Pixels [begin, end) meet the region, those of [solid_begin, solid_end) wholly; solid_begin = solid_end when none
-  // does, and begin = end when the row is empty.
+  // The region covers pixels [begin, end) at least partly and [solid_begin, solid_end) fully. solid_begin = solid_end
+  // if no pixel is fully covered, and begin = end if the row is empty.
   int begin = 0;
   int solid_begin = 0;
   int solid_end = 0;
   int end = 0;
 
-  // The covered share of a pixel of [begin, end) outside the solid ones, 0 to 1.
+  // The covered share, 0 to 1, of a pixel in [begin, end) that is not one of the solid ones.
   double at(int x) const;
 
  private:
   friend class CoverageRegion;
-  // The part of a border that lies in the row: the height it takes, and the range of its x.
+  // The part of a border within the row: its height, and its range of x.
   struct Border {
     double height;
     double low;
@@ -46,17 +46,18 @@ class RowCoverage {
   int count_ = 0;
 };
 
-// A region made of trapezoids, one under the other.
+// A region made of trapezoids, one below the other.
 class CoverageRegion {
  public:
   CoverageRegion() = default;
   explicit CoverageRegion(const ConvexPolygon& polygon);
 
-  // What a scan conversion fills between its chains of edges (ScanChains.h). For a convex quadrilateral that is its
-  // inside; one with a notch or a crossing is filled in part beyond its outline.
+  // The area that a scan conversion fills between its chains of edges (ScanChains.h). For a convex quadrilateral this
+  // is its interior; a concave or self-crossing one is filled partly beyond its outline.
   static CoverageRegion betweenChains(const Corners& corners);
 
-  // The region moved by -origin, then enlarged: in the pixels of a grid that begins there, `scale` of them a pixel.
+  // The region moved by -origin and then scaled: in the coordinates of a grid that begins at `origin` and has `scale`
+  // cells per pixel.
   CoverageRegion onGrid(const Point& origin, double scale) const;
 
   RowCoverage row(int y) const;
@@ -64,7 +65,7 @@ class CoverageRegion {
   bool empty() const { return count_ == 0; }
   Box bounds() const;
 
-  // Left and right border at a height; both 0 above and below the region.
+  // The left and right border at a height; both are 0 above and below the region.
   struct Span {
     double left;
     double right;

@@ -6,7 +6,8 @@ namespace vantorel::host {
 
 namespace {
 
-// The map of the unit square, or none when a corner's weight would not be positive: the corners are not convex then.
+// The map of the unit square onto the corners; empty if a corner's weight is not positive, since the corners are not
+// convex then.
 std::optional<Homography> ofUnitSquare(const Corners& c) {
   const Point& a = c.upper_left;
   const Point& b = c.upper_right;

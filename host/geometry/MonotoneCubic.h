@@ -3,7 +3,7 @@
 
 namespace vantorel::host {
 
-// One interval between two knots, with the knots beyond it where there are any. Times rise.
+// The interval between two knots, with the knots before and after it, if any. Times are ascending.
 struct CubicInterval {
   struct Knot {
     double time;
@@ -17,8 +17,8 @@ struct CubicInterval {
   bool has_after = false;
 
   // The value of the piecewise cubic Hermite interpolant at a time of [begin.time, end.time]. The slope at a knot is
-  // the weighted harmonic mean of the slopes on its two sides, 0 where they differ in sign (Fritsch and Butland), and
-  // at the first and last knot that of the side: so between two knots the value stays between theirs.
+  // the weighted harmonic mean of the slopes on its two sides, 0 if they differ in sign (Fritsch and Butland); at the
+  // first and last knot it is the slope of the only side. Between two knots the value therefore stays between theirs.
   double at(double time) const;
 };
 

@@ -87,9 +87,9 @@ Point ScanChains::sourceAt(const ScanBand::Edge& edge, double y) const {
   return between(sourceCorner(edge.from), sourceCorner(edge.to), share);
 }
 
-// Adds what one row shows in the window's columns.
+// Extends `shown` by the part that one row shows in the window's columns.
 void ScanChains::add(double y, const ScanBand& band, const Box& window, Box* shown) const {
-  constexpr double kShort = 4.0;  // where the scan's rounding may move the span beside the window or into it
+  constexpr double kShort = 4.0;  // for spans this short, the scan's rounding decides whether they are in the window
   const double a = xAt(band.a, y);
   const double b = xAt(band.b, y);
   if (std::max(a, b) < window.left || std::min(a, b) > window.right) {
@@ -104,7 +104,7 @@ void ScanChains::add(double y, const ScanBand& band, const Box& window, Box* sho
 }
 
 Box ScanChains::shownIn(const Box& window) const {
-  constexpr double kStep = 0.25;  // rows may lie in between; what they add is at most what the next row adds
+  constexpr double kStep = 0.25;  // rows in between add at most as much as the next step does
   Box shown = kNothing;
   double widest_step = 0.0;
   for (const ScanBand& band : bands()) {

@@ -1,6 +1,6 @@
 // How a scan conversion walks a quadrilateral: two chains of edges run down from its highest corner, one in either
-// direction, and every row is the span between them, whichever lies on the left. A chain goes to its next corner when
-// that is reached or passed, and the chains end where they meet, at the lowest corner.
+// direction, and every row is the span between them, whichever is on the left. A chain moves to its next corner when
+// the row has reached or passed it, and the chains end at the lowest corner, where they meet.
 #pragma once
 
 #include <array>
@@ -10,16 +10,15 @@
 
 namespace vantorel::host {
 
-// A scan in 16.16 numbers goes wrong where corners lie so far apart along an axis, in its pixels.
+// A scan in 16.16 numbers overflows if corners are this many pixels apart along an axis.
 inline constexpr double kMaxScanSpread = 32767.0;
 
 // The larger of the width and the height of the corners' bounding box.
 double spreadOf(const Corners& corners);
 
-// The heights [top, bottom) between which both chains keep to an edge each.
+// The range of heights [top, bottom) in which each chain stays on one edge.
 struct ScanBand {
-  // From one corner to the next down the chain, as numbers of the ring upper left, upper right, lower right, lower
-  // left.
+  // From one corner to the next down the chain, as indices into upper left, upper right, lower right, lower left.
   struct Edge {
     int from = 0;
     int to = 0;
@@ -36,11 +35,11 @@ class ScanChains {
 
   std::span<const ScanBand> bands() const { return {bands_.data(), static_cast<std::size_t>(count_)}; }
 
-  // Where an edge is at a height, also beyond its ends.
+  // An edge's x at a height; extrapolated beyond its ends.
   double xAt(const ScanBand::Edge& edge, double y) const;
 
-  // The part that the spans in a window show of what is drawn, as parts of its width and height: (0, 0) goes onto the
-  // upper left corner, (1, 1) onto the lower right one. Empty where the window shows nothing of it.
+  // The part of the source that the spans show inside a window, in fractions of the source's width and height: (0, 0)
+  // is drawn at the upper left corner, (1, 1) at the lower right one. Empty if the window shows nothing.
   Box shownIn(const Box& window) const;
 
   // The shortest way, in pixels of a layer of that size, of a step of one output pixel in any direction: the smallest

@@ -1,4 +1,4 @@
-// The relocatable blocks that a module allocates: pointers to pointers to memory.
+// The relocatable memory blocks (pointers to pointers) that a module allocates.
 #pragma once
 
 #include <cstddef>
@@ -12,13 +12,13 @@
 
 namespace vantorel::host {
 
-// Safe to use from several threads. Blocks that are left are freed with the store.
+// Safe to use from several threads. Remaining blocks are freed with the store.
 class HandleStore {
  public:
-  // A zeroed block, or null when there is no memory for it.
+  // A zeroed block, or null when out of memory.
   PF_Handle allocate(std::uint64_t size) noexcept;
 
-  // Frees a block; false, and nothing is done, for a handle that is not of this store's. Null frees nothing.
+  // Frees a block. Does nothing and returns false for a handle that is not in this store. A null handle is ignored.
   bool release(PF_Handle handle) noexcept;
 
   std::size_t count() const;

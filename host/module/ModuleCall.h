@@ -1,4 +1,4 @@
-// One command sent to a module: the records that go with it, and what becomes of its answer.
+// One command sent to a module: its records, and the handling of its result.
 #pragma once
 
 #include "host/Error.h"
@@ -11,17 +11,16 @@ namespace vantorel::host {
 
 class ModuleCall {
  public:
-  // Fills the records with everything that holds for each command. For a command about a frame, give its state.
+  // Fills the records with everything that all commands need. Pass the frame's state for a command about a frame.
   explicit ModuleCall(const ModuleState& module, FrameState* frame = nullptr);
   ModuleCall(const ModuleCall&) = delete;
   ModuleCall& operator=(const ModuleCall&) = delete;
 
-  // Adds what frame commands receive: the layer's full size, the time, the quality and the resolution.
+  // Adds what frame commands need: the layer's full size, the time, the quality and the resolution.
   void setFrame(Size layer_size, const FrameOptions& options);
 
-  // Sends the command. An error when the module returns one (with its message where it has one), when the frame was
-  // stopped, and in checking mode when the module did not keep to the interface. Adds the time that the module took to
-  // the frame's.
+  // Sends the command. Fails if the module returns an error (with its message, if any), if the frame was stopped, and,
+  // in checking mode, if the module violated the interface. Adds the time taken to the frame's.
   Result<void> run(PF_Command command, PF_ParamDef** params, PF_LayerDef* output, void* extra);
 
   PF_InData in{};

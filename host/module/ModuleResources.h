@@ -1,4 +1,5 @@
-// What a loaded module holds of the host between calls, shared by all its instances: string tables and blocks.
+// The host resources that a loaded module holds between calls, shared by all its instances: string tables and memory
+// blocks.
 #pragma once
 
 #include <memory>
@@ -11,16 +12,16 @@
 
 namespace vantorel::host {
 
-// The registered string tables, each under a reference of the host's own. Safe to use from several threads.
+// The registered string tables, each identified by a reference that the host creates. Safe to use from several threads.
 class StringTableStore {
  public:
-  // Keeps the table; the result is its reference, valid until `remove`.
+  // Stores the table and returns its reference, which is valid until `remove`.
   void* add(StringTable table);
 
-  // The table of a reference, or null for a reference that is not one of the store's.
+  // The table of a reference, or null for an unknown reference.
   const StringTable* find(const void* reference) const;
 
-  // False for a reference that is not one of the store's.
+  // False for an unknown reference.
   bool remove(const void* reference);
 
  private:

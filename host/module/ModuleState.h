@@ -1,4 +1,4 @@
-// What a loaded module consists of.
+// The state of a loaded module.
 #pragma once
 
 #include <functional>
@@ -13,12 +13,13 @@
 namespace vantorel::host {
 
 struct ModuleState {
-  std::optional<SharedLibrary> library;  // first: what the members below point into; none for an entry of the program's
+  // First, since the members below point into it; empty for an entry point in the program.
+  std::optional<SharedLibrary> library;
   PF_EffectMain entry = nullptr;
-  mutable ModuleResources resources;  // guarded by themselves, as are the workers
+  mutable ModuleResources resources;  // synchronised internally, like the workers
   mutable WorkerPool workers;
   PF_Handle global_data = nullptr;
-  bool is_set_up = false;  // global setup succeeded, so global set-down is owed
+  bool is_set_up = false;  // global setup succeeded, so global set-down must follow
   bool checking = false;
   std::function<void(const Error&)> on_setdown_failure;
   ModuleInfo info;

@@ -11,10 +11,10 @@ namespace vantorel::host {
 
 namespace {
 
-// The loader's text begins with the path, which the error names already.
+// The loader's message without the path in front, which the error already names.
 std::string loaderMessage(const std::string& path) {
   const char* const text = dlerror();
-  const std::string message = text != nullptr ? text : "the loader gives no reason";
+  const std::string message = text != nullptr ? text : "the loader gave no reason";
   return message.starts_with(path + ": ") ? message.substr(path.size() + 2) : message;
 }
 

@@ -1,4 +1,4 @@
-// A shared library that is loaded while this lives.
+// A shared library that stays loaded for the lifetime of the object.
 #pragma once
 
 #include <memory>
@@ -10,7 +10,7 @@ namespace vantorel::host {
 
 class SharedLibrary {
  public:
-  // Loads the file at `path`. ModuleUnusable with what is wrong with it, or OutOfMemory.
+  // Loads the file at `path`. ModuleUnusable with the reason, or OutOfMemory.
   static Result<SharedLibrary> open(const std::string& path);
 
   // The address of an exported symbol, or null.

@@ -41,10 +41,10 @@ Result<std::string> translated(std::string_view row, const Translations& transla
 Result<StringTable> StringTable::read(const void* header, const Translations& translations) {
   const auto* const table = static_cast<const FX_StringHeader*>(header);
   if (table == nullptr || table->tag == nullptr || std::strncmp(table->tag, kTag.data(), kTag.size() + 1) != 0) {
-    return invalidArgument("string table", "its header does not bear the tag \"FX\"");
+    return invalidArgument("string table", "its header lacks the tag \"FX\"");
   }
   if (table->rows == nullptr || table->row_count > kMaxRows) {
-    return invalidArgument("string table", "its header gives no rows, or more than 4096");
+    return invalidArgument("string table", "its header declares no rows, or more than 4096");
   }
   StringTable result;
   for (std::uint64_t i = 0; i < table->row_count && table->rows[i].text != nullptr; ++i) {
@@ -68,7 +68,8 @@ std::string_view cutToBytes(std::string_view text, std::size_t capacity) {
 }
 
 std::string_view completeCharacters(std::string_view text) {
-  // The last character's first byte: not one of the form 10xxxxxx. Its leading ones are the character's length.
+  // Finds the last character's first byte, the one not of the form 10xxxxxx. The number of its leading ones is the
+  // character's length.
   std::size_t start = text.size();
   while (start > 0 && (static_cast<unsigned char>(text[start - 1]) & 0xC0) == 0x80) {
     --start;

@@ -1,4 +1,4 @@
-// A module's string table as the host keeps it: every row's text, translated where there is a translation.
+// The host's copy of a module's string table, with translations applied.
 #pragma once
 
 #include <cstdint>
@@ -17,20 +17,20 @@ class StringTable {
   // that is not one, for more than 4096 rows, and for a translation that changes a text's printf placeholders.
   static Result<StringTable> read(const void* header, const Translations& translations);
 
-  // The text of a row, empty for a row that the table has not. Lives as long as the table.
+  // The text of a row; empty if the table has no such row. Lives as long as the table.
   const std::string& text(std::int32_t row) const;
 
  private:
   std::vector<std::string> texts_;
 };
 
-// The longest beginning of UTF-8 `text` that fits `capacity` bytes without cutting a character.
+// The longest prefix of the UTF-8 `text` that fits into `capacity` bytes without splitting a character.
 std::string_view cutToBytes(std::string_view text, std::size_t capacity);
 
-// `text` without a UTF-8 character at its end of which bytes are missing.
+// `text` without an incomplete UTF-8 character at its end.
 std::string_view completeCharacters(std::string_view text);
 
-// `text` with every line-break token "#{cr}" turned into a line break.
+// `text` with every token "#{cr}" replaced by a line break.
 std::string withLineBreaks(std::string_view text);
 
 }  // namespace vantorel::host

@@ -14,7 +14,7 @@ std::size_t skipDigits(std::string_view text, std::size_t at) {
   return end == std::string_view::npos ? text.size() : end;
 }
 
-// Reads a width or precision at `at`, noting one that is taken from the arguments.
+// Skips a width or precision at `at`; appends a '*' to `placeholder` if it is taken from the arguments.
 std::size_t readNumber(std::string_view text, std::size_t at, std::string* placeholder) {
   if (at < text.size() && text[at] == '*') {
     placeholder->push_back('*');
@@ -44,7 +44,7 @@ Result<Translations> readTranslations(const std::string& text, const std::string
       return invalidArgument(name, "line " + std::to_string(number) + " is not of the form key=text");
     }
     if (line.find('\0') != std::string_view::npos) {
-      return invalidArgument(name, "line " + std::to_string(number) + " holds a zero byte");
+      return invalidArgument(name, "line " + std::to_string(number) + " contains a zero byte");
     }
     translations.insert_or_assign(std::string(line.substr(0, equals)), std::string(line.substr(equals + 1)));
   }

@@ -1,4 +1,4 @@
-// The rule that a translation may not change what a text formats.
+// Checks that a translation keeps a text's printf placeholders.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@
 namespace vantorel::host {
 
 // The printf conversions of a text in order, without their flags, widths and precisions: "ld" for "%-5ld", with a '*'
-// for every width or precision that is an argument. "%%" is none.
+// for every width or precision that is an argument. "%%" is not a conversion.
 std::vector<std::string> printfPlaceholders(std::string_view text);
 
 }  // namespace vantorel::host

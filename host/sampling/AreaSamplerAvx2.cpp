@@ -1,13 +1,14 @@
-// The area samplers with AVX2 and FMA; called only where the processor has them. Here are the small boxes of 8 and
-// 16-bit pixels, which most pixels need: without a loop or a branch, summed in doubles, four channels at once.
+// The area samplers with AVX2 and FMA; called only if the processor has them. This file has the small boxes of 8 and
+// 16-bit pixels, which nearly all samples use: without loops or branches, summed in doubles, four channels at once.
 #include "host/sampling/SimdPixels.inl"
 
 namespace vantorel::host {
 
 namespace {
 
-// The mean of the two by two pixels at `pixel`, of which the second column and row weigh `x` and `y`. The columns are
-// summed in integers, and those sums, of up to 32 bits, in doubles, which hold every step exactly.
+// The mean of the two by two pixels at `pixel`, where the second column has the weight `x` and the second row the
+// weight `y`. The columns are summed in integers of up to 32 bits, and these sums in doubles, in which every step is
+// exact.
 template <typename Pixels>
 inline void meanOfTwoByTwo(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
                            typename Pixels::Pixel* out) {
@@ -25,17 +26,17 @@ inline void meanOfTwoByTwo(const std::byte* pixel, std::ptrdiff_t row_bytes, std
   Pixels::storeLanes(_mm256_cvttpd_epi32(mean), out);
 }
 
-// sum / area rounded to nearest, halves up, for the sums of weighted 8 or 16-bit channels and the areas of boxes of up
-// to three pixels' size: whole numbers, the areas up to 9 * 2^32 and multiples of 4. It is taken by the area's
-// reciprocal, which does not wait for the sum. With a half added, the quotient is a whole number or at least 8/9 of
-// 2^-35 below the next. The computed one is off by at most 3/8 of 2^-35, by 2^-37 from the reciprocal and 2^-38 from
-// the sum: with 4/8 of 2^-35 added besides, truncation finds the right one.
+// sum / area rounded to nearest, halves up, for sums of weighted 8 or 16-bit channels and areas of boxes of up to three
+// pixels a side. Both are whole numbers; areas are multiples of 4 up to 9 * 2^32. Multiplying by the area's reciprocal
+// is faster, since that need not wait for the sum. After adding 1/2, the exact quotient is either a whole number or at
+// least 8/9 of 2^-35 below the next one. The computed quotient is off by at most 3/8 of 2^-35 (2^-37 from the
+// reciprocal and 2^-38 from the sum), so adding another 4/8 of 2^-35 makes truncation exact.
 inline __m128i roundedQuotient(__m256d sum, __m256d area) {
   const __m256d reciprocal = _mm256_div_pd(_mm256_set1_pd(1.0), area);
   return _mm256_cvttpd_epi32(_mm256_fmadd_pd(sum, reciprocal, _mm256_set1_pd(0.5 + 0x1p-36)));
 }
 
-// The mean of a box that lies within the kSide by kSide pixels at `pixel`, summed in doubles, which hold it exactly.
+// The mean of a box within the kSide by kSide pixels at `pixel`, summed in doubles, which is exact.
 template <int kSide, typename Pixels>
 inline void meanOfSquare(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x_centre, std::int32_t y_centre,
                          const PF_SampleParams& params, typename Pixels::Pixel* out) {

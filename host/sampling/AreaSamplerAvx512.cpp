@@ -1,5 +1,5 @@
-// The area samplers with AVX-512 (F, DQ, VL, BW, IFMA); called only where the processor has them. Here are the small
-// boxes of 8 and 16-bit pixels, which most pixels need: without a loop or a branch, summed in integers of 64 bits, two
+// The area samplers with AVX-512 (F, DQ, VL, BW, IFMA); called only if the processor has them. This file has the small
+// boxes of 8 and 16-bit pixels, which nearly all samples use: without loops or branches, summed in 64-bit integers, two
 // pixels of a row at once.
 #include "host/sampling/SimdPixels.inl"
 
@@ -39,18 +39,19 @@ inline __m256i sumOfHalves(__m512i lanes) {
   return _mm256_add_epi64(_mm512_castsi512_si256(lanes), _mm512_extracti64x4_epi64(lanes, 1));
 }
 
-// left * 65536 + (right - left) * weight, for the sums of columns of both depths.
+// left * 65536 + (right - left) * weight, for column sums of either depth.
 inline __m256i mixColumns(__m256i left, __m256i right, std::int32_t weight, Pixels8) {
   const __m256i rise = _mm256_mul_epi32(_mm256_sub_epi64(right, left), _mm256_set1_epi64x(weight));
   return _mm256_add_epi64(_mm256_slli_epi64(left, 16), rise);
 }
 inline __m256i mixColumns(__m256i left, __m256i right, std::int32_t weight, Pixels16) {
-  // The difference would not fit 32 bits.
+  // right - left would not fit into 32 bits.
   return _mm256_add_epi64(_mm256_mul_epu32(left, _mm256_set1_epi64x(kOnePixel - weight)),
                           _mm256_mul_epu32(right, _mm256_set1_epi64x(weight)));
 }
 
-// The mean of the two by two pixels at `pixel`, of which the second column and row weigh `x` and `y`.
+// The mean of the two by two pixels at `pixel`, where the second column has the weight `x` and the second row the
+// weight `y`.
 template <typename Pixels>
 inline void meanOfTwoByTwo(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
                            typename Pixels::Pixel* out) {
@@ -63,22 +64,22 @@ inline void meanOfTwoByTwo(const std::byte* pixel, std::ptrdiff_t row_bytes, std
   storeLow(_mm256_srli_epi64(rounded, 32), out);
 }
 
-// sum / area rounded to nearest, halves up, in the low bits of 64-bit lanes, for whole sums and areas that are
-// multiples of 4 up to 9 * 2^32. It is rounded by the processor: added to 2^52, whose last digit is 1, a number becomes
-// a whole one. The reciprocal, which does not wait for the sum, is taken too large by 2^-53 to 2^-51.4 of itself, and
-// so are quotients below 2^16 by at most 2^-35.4, so that halves come out above the half; and since a quotient below a
-// half is at least 1 / area, or 2^-35.2, below it, no other one does.
+// sum / area rounded to nearest, halves up, in the low bits of 64-bit lanes, for whole sums and for areas that are
+// multiples of 4 up to 9 * 2^32. Adding 2^52, whose ulp is 1, makes the processor round to a whole number. The
+// reciprocal, which need not wait for the sum, is deliberately too large, by a relative 2^-53 to 2^-51.4. Quotients,
+// which are below 2^16, are therefore too large by at most 2^-35.4: a tie ends up above the half and is rounded up. A
+// quotient below a half is at least 1 / area, or 2^-35.2, below it, so no other quotient is affected.
 inline __m256i roundedQuotientBits(__m256d sum, __m256d area) {
   const __m256d reciprocal = _mm256_div_pd(_mm256_set1_pd(1.0 + 0x1p-52), area);
   return _mm256_castpd_si256(_mm256_fmadd_pd(sum, reciprocal, _mm256_set1_pd(0x1p52)));
 }
 
-// lanes * weight, for sums of columns of both depths.
+// lanes * weight, for column sums of either depth.
 inline __m256i weighted(__m256i lanes, __m256i weight, Pixels8) {
   return _mm256_mul_epu32(lanes, weight);
 }
 inline __m256i weighted(__m256i lanes, __m256i weight, Pixels16) {
-  return _mm256_madd52lo_epu64(_mm256_setzero_si256(), lanes, weight);  // a sum takes 33 bits
+  return _mm256_madd52lo_epu64(_mm256_setzero_si256(), lanes, weight);  // a sum has up to 33 bits
 }
 inline __m512i weighted(__m512i lanes, __m512i weights, Pixels8) {
   return _mm512_mul_epu32(lanes, weights);
@@ -87,13 +88,13 @@ inline __m512i weighted(__m512i lanes, __m512i weights, Pixels16) {
   return _mm512_madd52lo_epu64(_mm512_setzero_si512(), lanes, weights);
 }
 
-// y in lane 0 and x in lane 1 of 64 bits.
+// y in the first 64-bit lane and x in the second.
 inline __m128i bothAxes(std::int32_t x, std::int32_t y) {
   return _mm_unpacklo_epi64(_mm_cvtsi32_si128(y), _mm_cvtsi32_si128(x));
 }
 
-// Where a box begins and ends from its first pixel on, and how long it is: of the rows in lane 0 and of the columns in
-// lane 1 of 64 bits.
+// Where a box begins and ends, relative to its first pixel, and its length: for the rows in the first 64-bit lane and
+// for the columns in the second.
 struct BoxExtent {
   __m128i begin;
   __m128i end;
@@ -109,7 +110,7 @@ inline BoxExtent extentOf(std::int32_t x, std::int32_t y, const PF_SampleParams&
   return {begin, _mm_add_epi64(begin, length), length};
 }
 
-// The weights of two columns, for the sums of two pixels.
+// The weights of two columns, for a vector with the column sums of two pixels.
 inline __m512i columnWeights(__m128i left, __m128i right) {
   return _mm512_permutex2var_epi64(_mm512_castsi128_si512(left), constant512(kVectorConstants.pair_lanes),
                                    _mm512_castsi128_si512(right));
@@ -123,7 +124,7 @@ inline void storeMean(__m256i total, __m128i length, Pixel* out) {
   storeLow(roundedQuotientBits(_mm256_cvtepu64_pd(total), area), out);
 }
 
-// The mean of a box that lies within the three by three pixels at `pixel`.
+// The mean of a box within the three by three pixels at `pixel`.
 template <typename Pixels>
 inline void meanOfThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
                                const PF_SampleParams& params, typename Pixels::Pixel* out) {
@@ -134,7 +135,7 @@ inline void meanOfThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes,
   const __m128i second = _mm_sub_epi64(_mm_min_epu32(box.end, two), one);
   const __m128i third = _mm_sub_epi64(_mm_max_epu32(box.end, two), two);
 
-  // The rows' sums of the first two columns and of the third.
+  // Weighted sums over the rows, of the first two columns and of the third.
   const std::byte* const lower = pixel + row_bytes;
   const std::byte* const lowest = lower + row_bytes;
   const __m512i rows[3] = {_mm512_broadcastq_epi64(first), _mm512_broadcastq_epi64(second),
@@ -157,7 +158,7 @@ inline void meanOfThreeByThree(const std::byte* pixel, std::ptrdiff_t row_bytes,
   storeMean(total, box.length, out);
 }
 
-// The mean of a box that lies within the four by four pixels at `pixel`.
+// The mean of a box within the four by four pixels at `pixel`.
 template <typename Pixels>
 inline void meanOfFourByFour(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x, std::int32_t y,
                              const PF_SampleParams& params, typename Pixels::Pixel* out) {
@@ -169,7 +170,7 @@ inline void meanOfFourByFour(const std::byte* pixel, std::ptrdiff_t row_bytes, s
   const __m128i weights[4] = {_mm_sub_epi64(one, box.begin), _mm_sub_epi64(_mm_min_epu32(box.end, two), one),
                               _mm_sub_epi64(_mm_max_epu32(to_three, two), two), _mm_sub_epi64(box.end, to_three)};
 
-  // The rows' sums of the first two columns and of the last two.
+  // Weighted sums over the rows, of the first two columns and of the last two.
   constexpr std::ptrdiff_t kTwoPixels = 2 * Pixels::kPixelBytes;
   __m512i left = _mm512_setzero_si512();
   __m512i right = _mm512_setzero_si512();

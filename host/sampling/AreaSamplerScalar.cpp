@@ -1,5 +1,5 @@
-// The area samplers pixel by pixel: for processors without vectors, for the boxes that vectors leave over, and the
-// reference that the vectors must equal to the bit.
+// The area samplers pixel by pixel: for processors without AVX2, for boxes that the vector code does not handle, and as
+// the reference that the vector code must match to the bit.
 #include <type_traits>
 
 #include "host/callbacks/CallContext.h"
@@ -12,10 +12,11 @@ namespace {
 
 __extension__ using Uint128 = unsigned __int128;
 
-// Up to this radius, 32 pixels, the sums of 16-bit channels fit 64 bits: (2 * 2^21)^2 * 2^16 = 2^60.
+// Up to this radius, 32 pixels, the sums of 16-bit channels fit into 64 bits: (2 * 2^21)^2 * 2^16 = 2^60.
 constexpr std::int32_t kMaxRadiusIn64Bits = 1 << 21;
 
-// The pixels of an axis that a box meets, at least one, and the overlaps of the outermost; those between overlap whole.
+// The pixels that a box overlaps along an axis (at least one), and the overlaps of the first and the last one; those in
+// between overlap fully.
 struct AxisWeights {
   std::int64_t first;
   std::int64_t last;
@@ -51,7 +52,7 @@ struct ChannelSums {
   }
 };
 
-// A box of one pixel's size meets two columns at most: none between the outermost.
+// A box of one pixel's size overlaps at most two columns, so there are none in between.
 template <typename Channel, typename Sum, bool kIsPixelSized>
 ChannelSums<Sum> sumOfBox(const PF_LayerDef& world, const AxisWeights& columns, const AxisWeights& rows) {
   ChannelSums<Sum> box;
@@ -79,8 +80,8 @@ Channel quotient(Sum sum, Sum area) {
   }
 }
 
-// The mean over a box that meets pixels of the world. The area of one of a pixel's size, known to the compiler, spares
-// the division.
+// The mean over a box that overlaps pixels of the world. For a box of one pixel's size the area is a constant, which
+// lets the compiler replace the division.
 template <typename Sum, bool kIsPixelSized, typename Pixel>
 void sampleBox(const PF_LayerDef& world, const SampleSpan& columns, const SampleSpan& rows, Pixel* out) {
   using Channel = decltype(Pixel::alpha);

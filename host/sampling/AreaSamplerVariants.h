@@ -1,5 +1,5 @@
 // The variants that AreaSampler.cpp chooses from; those beyond the scalar one exist on x86-64 only. The vector variants
-// leave to the scalar one what they have no code for.
+// fall back to the scalar one for boxes that they do not handle.
 #pragma once
 
 #include "host/sampling/AreaSampler.h"

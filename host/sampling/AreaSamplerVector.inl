@@ -1,12 +1,11 @@
-// The area samplers in vectors. AreaSamplerAvx2.cpp and AreaSamplerAvx512.cpp each define the small boxes of integer
-// pixels in the words of their instruction set and then include this body:
-//   meanOfTwoByTwo<Pixels>      of the pixels that a box of one pixel's size meets
-//   meanOfThreeByThree<Pixels>  of those that one of up to two pixels' size meets
-//   meanOfFourByFour<Pixels>    of those that one of up to three pixels' size meets
+// The vector area samplers. AreaSamplerAvx2.cpp and AreaSamplerAvx512.cpp each define the means of small boxes of
+// integer pixels for their instruction set and then include this body:
+//   meanOfTwoByTwo<Pixels>      for boxes of one pixel's size
+//   meanOfThreeByThree<Pixels>  for boxes of up to two pixels a side
+//   meanOfFourByFour<Pixels>    for boxes of up to three pixels a side
 //
-// Well inside the world, boxes of one pixel's size and of up to two and three pixels' size have code of their own;
-// other boxes of up to 17 by 17 pixels are summed column by column where their loads stay inside a row, and all others
-// are left to the scalar samplers.
+// These are used well inside the world. Other boxes of up to 17 by 17 pixels are summed column by column if their loads
+// stay inside a row; all others are left to the scalar samplers.
 #include "host/sampling/ClippedBoxes.inl"
 #include "host/sampling/FloatBoxes.inl"
 
@@ -16,7 +15,7 @@ namespace {
 
 constexpr std::int32_t kMaxRadius = 8 << 16;
 
-// Any box: column by column where it is small and its loads stay inside a row, else by the scalar sampler.
+// Samples any box: column by column if it is small and its loads stay inside a row, else with the scalar sampler.
 template <typename Pixels>
 [[gnu::noinline]] std::int32_t sampleAnyBox(void* effect_ref, std::int32_t x, std::int32_t y,
                                             const PF_SampleParams* params, typename Pixels::Pixel* out) {
@@ -51,7 +50,7 @@ template <typename Pixels>
   return ERR_NONE;
 }
 
-// Whether a span of that centre and radius meets none of an axis's `size` pixels.
+// Whether a span of that centre and radius overlaps none of the `size` pixels along an axis.
 inline bool isOutside(std::int32_t centre, std::int32_t radius, std::int32_t size) {
   const std::int64_t middle = std::int64_t{centre} + kHalfPixel;
   return middle + radius <= 0 || middle - radius >= std::int64_t{size} << 16;
@@ -62,7 +61,8 @@ inline bool isInside(std::int32_t centre, std::int32_t radius, std::int32_t size
   return middle >= radius && middle + radius <= std::int64_t{size} << 16;
 }
 
-// A box that meets the border, cut to the world. Apart from the others, which the copy of the parameters would delay.
+// Samples a box that crosses the border, clipped to the world. A separate function, because copying the parameters
+// would slow down the other cases.
 template <typename Pixels>
 [[gnu::noinline]] std::int32_t sampleExtended(void* effect_ref, std::int32_t x, std::int32_t y,
                                               const PF_SampleParams* params, typename Pixels::Pixel* out) {
@@ -77,8 +77,8 @@ template <typename Pixels>
   return sampleAnyBox<Pixels>(effect_ref, x, y, &cut, out);
 }
 
-// A box that is not small or not well inside the world. Those wholly outside, which the surroundings of a quadrilateral
-// are full of, come first.
+// Samples a box that is not small or not well inside the world. Boxes completely outside are checked first: most pixels
+// around a quadrilateral have one.
 template <typename Pixels, SampleSpace kSpace>
 [[gnu::noinline]] std::int32_t sampleClippedBox(void* effect_ref, std::int32_t x, std::int32_t y,
                                                 const PF_SampleParams* params, typename Pixels::Pixel* out) {
@@ -95,14 +95,15 @@ template <typename Pixels, SampleSpace kSpace>
   return sampleAnyBox<Pixels>(effect_ref, x, y, params, out);
 }
 
-// Prefetches what lies so many bytes beyond a pixel, which the next row will need: the rows of a rotated layer are
-// crossed too often for the processor's own prefetching. The address may lie outside of the world; nothing is read.
+// Prefetches the pixel `bytes` bytes further on, which the next output row will need: in a rotated layer, consecutive
+// samples change rows too often for the processor's own prefetching. The address may be outside the world; prefetching
+// does not fault.
 inline void prefetchBelow(const std::byte* pixel, std::ptrdiff_t bytes) {
   const std::uintptr_t address = __builtin_bit_cast(std::uintptr_t, pixel) + static_cast<std::uintptr_t>(bytes);
   __builtin_prefetch(__builtin_bit_cast(const void*, address));
 }
 
-// Of one to so many pixels' size.
+// Whether the radius is that of a box of one to `pixels` pixels a side.
 inline bool isOfPixels(int pixels, std::int32_t radius) {
   const auto more_than_one = static_cast<std::uint32_t>((pixels - 1) * kHalfPixel);
   return static_cast<std::uint32_t>(radius) - kHalfPixel <= more_than_one;
@@ -113,8 +114,9 @@ inline std::int32_t beginOf(std::int32_t centre, std::int32_t radius) {
                                    kHalfPixel);
 }
 
-// Any box but that of one pixel's size. One of up to kSide - 1 pixels' size meets kSide by kSide pixels at most, three
-// or four; its place is computed apart from its weights, which the pixels' arrival does not wait for.
+// Samples any box except one of one pixel's size. kSide is 3 or 4: a box of up to kSide - 1 pixels a side overlaps at
+// most kSide by kSide pixels. Its position is computed separately from its weights, so that loading the pixels need not
+// wait for the weights.
 template <typename Pixels, SampleSpace kSpace, int kSide>
 [[gnu::noinline]] std::int32_t sampleSmallBox(void* effect_ref, std::int32_t x, std::int32_t y,
                                               const PF_SampleParams* params, typename Pixels::Pixel* out) {
@@ -126,7 +128,7 @@ template <typename Pixels, SampleSpace kSpace, int kSide>
   if (!isOfPixels(kSide - 1, x_radius) || !isOfPixels(kSide - 1, y_radius)) {
     return kOtherBox(effect_ref, x, y, params, out);
   }
-  // Where no position is negative, these radii are too small for left and top to have overflowed.
+  // If none of these is negative, the radii are too small for left and top to have overflowed.
   if ((x | y | left | top) < 0 || params->source == nullptr) {
     return sampleClippedBox<Pixels, kSpace>(effect_ref, x, y, params, out);
   }
@@ -139,7 +141,7 @@ template <typename Pixels, SampleSpace kSpace, int kSide>
   const std::ptrdiff_t row_bytes = world.row_bytes;
   const std::byte* const pixel =
       static_cast<const std::byte*>(world.data) + row * row_bytes + column * Pixels::kPixelBytes;
-  constexpr int kRowsBelow = kSide == 3 ? 1 : 3;  // how far the next row's boxes reach beyond this one, as measured
+  constexpr int kRowsBelow = kSide == 3 ? 1 : 3;  // to prefetch for the next output row; chosen by measurement
   for (int i = 0; i < kRowsBelow; ++i) {
     prefetchBelow(pixel, (kSide + i) * row_bytes);
   }
@@ -151,7 +153,8 @@ template <typename Pixels, SampleSpace kSpace, int kSide>
   return ERR_NONE;
 }
 
-// The box of one pixel's size is looked for first and sampled here, without calls or a stack frame.
+// Boxes of one pixel's size are the most frequent: they are checked first and sampled here, without calls or a stack
+// frame.
 template <typename Pixels, SampleSpace kSpace>
 std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
                     typename Pixels::Pixel* out) {
@@ -185,7 +188,7 @@ std::int32_t sample(void* effect_ref, std::int32_t x, std::int32_t y, const PF_S
   return ERR_NONE;
 }
 
-// A whole table for every space.
+// The table of samplers for each sample space.
 template <SampleSpace kSpace>
 inline constexpr AreaSamplers kSamplersIn{sample<Pixels8, kSpace>, sample<Pixels16, kSpace>,
                                           sample<PixelsFloat, kSpace>};

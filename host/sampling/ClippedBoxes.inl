@@ -1,14 +1,14 @@
-// The means of boxes of up to 17 by 17 pixels, cut to the world: the sums of the columns, then those of the box.
-// Included by AreaSamplerVector.inl alone.
+// The means of boxes of up to 17 by 17 pixels, clipped to the world: first the column sums, then the sum of the box.
+// Included only by AreaSamplerVector.inl.
 
 namespace vantorel::host {
 
 namespace {
 
-constexpr int kMaxColumns = 17;  // what a radius of 8 pixels meets at most
+constexpr int kMaxColumns = 17;  // the most that a box with a radius of 8 pixels overlaps
 
-// The columns and rows of a box that lie in the world, and the weights of the outermost ones; those between weigh
-// kOnePixel.
+// The columns and rows of a box inside the world, and the weights of the first and last ones; those in between have the
+// weight kOnePixel.
 struct ClippedBox {
   const std::byte* first;  // the upper left pixel
   std::ptrdiff_t row_bytes;
@@ -22,7 +22,7 @@ struct ClippedBox {
 
 // ---- 8 bit ----------------------------------------------------------------------------------------------------------
 
-// Adds a row's pixels times a weight below 2^16 to four pixels' sums.
+// Adds four pixels of a row, times a weight below 2^16, to their column sums.
 inline void addWeighted(const std::byte* pixels, __m256i weight, __m256i* low, __m256i* high) {
   const __m256i channels = _mm256_cvtepu8_epi16(loadBytes16(pixels));
   const __m256i product_low = _mm256_mullo_epi16(channels, weight);
@@ -41,7 +41,7 @@ inline void addBorderRow(const std::byte* pixels, std::uint32_t weight, __m256i*
   }
 }
 
-// The sums of `kMaxColumns` pixels' columns, in 32-bit lanes: 16 rows of weight 65536 and channels up to 255.
+// The column sums, in 32-bit lanes: enough for 16 rows of weight 65536 and channels up to 255.
 inline void sumColumns(const ClippedBox& box, __m128i* sums) {
   for (int column = 0; column < box.columns; column += Pixels8::kColumnsPerLoad) {
     const std::byte* pixels = box.first + column * Pixels8::kPixelBytes;
@@ -76,8 +76,8 @@ inline void meanOfBox(const ClippedBox& box, std::int64_t area, PF_Pixel8* out) 
     total = _mm256_add_epi64(
         total, _mm256_mul_epu32(_mm256_cvtepu32_epi64(sums[box.columns - 1]), _mm256_set1_epi64x(box.right)));
   }
-  // The sums are below 2^48, so doubles hold them exactly, and a quotient below a whole number lies at least 2^-40
-  // below it, farther than the division rounds: the truncated quotient is exact.
+  // The sums are below 2^48, so doubles hold them exactly. A quotient that is not a whole number is at least 2^-40
+  // below the next one, more than the division's rounding error, so the truncated quotient is exact.
   const __m256i rounded = _mm256_add_epi64(total, _mm256_set1_epi64x(area / 2));
   const __m256d magic = _mm256_set1_pd(0x1p52);
   const __m256d numbers =
@@ -98,7 +98,7 @@ inline __m256i highLanes(__m256i lanes) {
   return _mm256_cvtepu32_epi64(_mm256_extracti128_si256(lanes, 1));
 }
 
-// The sums of the columns in 64-bit lanes.
+// The column sums, in 64-bit lanes.
 inline void sumColumns(const ClippedBox& box, __m256i* sums) {
   for (int column = 0; column < box.columns; column += Pixels16::kColumnsPerLoad) {
     const std::byte* row = box.first + column * Pixels16::kPixelBytes;
@@ -143,7 +143,7 @@ inline void meanOfBox(const ClippedBox& box, std::int64_t area, PF_Pixel16* out)
 
 // ---- Float ----------------------------------------------------------------------------------------------------------
 
-// The sums of `kRows` rows, side by side so that their chains of additions overlap.
+// The sums of `kRows` rows, computed together so that their dependent additions overlap.
 template <int kRows>
 inline void sumRows(const ClippedBox& box, const std::byte* row, __m256d* sums) {
   const __m256d left = _mm256_set1_pd(box.left);

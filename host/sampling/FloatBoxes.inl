@@ -1,16 +1,17 @@
-// The small boxes of float pixels, which most pixels need: without a loop or a branch. Sums are rounded in the order
-// that AreaSampler.h tells. Included by AreaSamplerVector.inl alone.
+// The small boxes of float pixels, which nearly all samples use: without loops or branches. Sums are rounded in the
+// order defined in AreaSampler.h. Included only by AreaSamplerVector.inl.
 
 namespace vantorel::host {
 
 namespace {
 
-// `values` where the weight is not 0, else 0: a float that the box does not meet may be infinite or NaN.
+// `values` if the weight is not 0, else 0: a pixel that the box does not overlap may be infinite or NaN.
 inline __m256d present(__m256d values, __m256d weight) {
   return _mm256_and_pd(values, _mm256_cmp_pd(weight, _mm256_setzero_pd(), _CMP_NEQ_OQ));
 }
 
-// The mean of the two by two pixels at `pixel`, of which the second column and row weigh `x` and `y`.
+// The mean of the two by two pixels at `pixel`, where the second column has the weight `x` and the second row the
+// weight `y`.
 template <>
 inline void meanOfTwoByTwo<PixelsFloat>(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x,
                                         std::int32_t y, PF_PixelFloat* out) {
@@ -25,12 +26,12 @@ inline void meanOfTwoByTwo<PixelsFloat>(const std::byte* pixel, std::ptrdiff_t r
                                         _mm256_mul_pd(left, PixelsFloat::widen(next_row)));
   const __m256d weighted_upper = _mm256_mul_pd(_mm256_sub_pd(one, below), upper);
   const __m256d weighted_lower = _mm256_mul_pd(below, present(lower, below));
-  // Sums begin at 0, so that -0 does not come out.
+  // Sums start at 0, so the result is never -0.
   const __m256d total = _mm256_add_pd(weighted_upper, weighted_lower);
   PixelsFloat::store(_mm256_fmadd_pd(total, _mm256_set1_pd(0x1p-32), _mm256_setzero_pd()), out);
 }
 
-// The mean of a box that lies within the kSide by kSide pixels at `pixel`.
+// The mean of a box within the kSide by kSide pixels at `pixel`.
 template <int kSide>
 inline void meanOfFloats(const std::byte* pixel, std::ptrdiff_t row_bytes, std::int32_t x_centre, std::int32_t y_centre,
                          const PF_SampleParams& params, PF_PixelFloat* out) {

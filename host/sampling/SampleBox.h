@@ -1,4 +1,4 @@
-// The box of an area sample on the grid of a world's pixels.
+// The box of an area sample on a world's pixel grid.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +8,8 @@
 #include "support/FixedUnits.h"
 #include "support/PF_HostRecords.h"
 
-// Always inlined: files compiled for different instruction sets use these functions, and a copy compiled for one set
-// must not serve the others.
+// Always inlined, since these functions are used in files compiled for different instruction sets: the linker keeps one
+// copy of an inline function, which may need instructions that the processor lacks.
 #define VANTOREL_INLINE [[gnu::always_inline]] inline
 
 namespace vantorel::host {
@@ -27,7 +27,7 @@ struct SampleSpan {
 
   VANTOREL_INLINE constexpr std::int64_t length() const { return end - begin; }
 
-  // The first pixel that the span meets, and one past the last, within [0, size).
+  // The first pixel that the span overlaps, and one past the last, within [0, size).
   VANTOREL_INLINE constexpr std::int64_t firstPixel() const { return begin < 0 ? 0 : begin >> 16; }
   VANTOREL_INLINE constexpr std::int64_t endPixel(std::int32_t size) const {
     const std::int64_t pixel = (end + 65535) >> 16;
@@ -36,7 +36,7 @@ struct SampleSpan {
 
   VANTOREL_INLINE constexpr bool inOnePixel() const { return (begin >> 16) == ((end - 1) >> 16); }
 
-  // The length that the span shares with a pixel: 1 to 65536 for the pixels that it meets.
+  // The length of the span's overlap with a pixel: 1 to 65536 for the pixels that it overlaps.
   VANTOREL_INLINE constexpr std::int64_t overlap(std::int64_t pixel) const {
     const std::int64_t left = pixel << 16;
     const std::int64_t right = left + kOnePixel;

@@ -1,4 +1,4 @@
-// How a sampler's positions are counted, and what it finds beyond the world's edges.
+// Where a sampler's positions are measured from, and what it samples beyond the world's edges.
 #pragma once
 
 #include <cstdint>
@@ -9,14 +9,13 @@
 namespace vantorel::host {
 
 enum class SampleSpace {
-  Centres,          // a whole number is a pixel's centre; outside of the world everything is transparent
-  Outline,          // pixel k covers [k, k + 1): half a pixel is taken from every position
-  OutlineExtended,  // the same, and a box is cut to the world; one wholly outside takes the nearest pixels of the
-                    // border
+  Centres,          // a whole number is a pixel's centre; everything outside the world is transparent
+  Outline,          // pixel k covers [k, k + 1): half a pixel is subtracted from every position
+  OutlineExtended,  // the same, but boxes are clipped to the world; those outside take the nearest border pixels
 };
 inline constexpr int kSampleSpaces = 3;
 
-// A position counted from pixel centres; the lowest stays the lowest.
+// Converts a position to one measured from pixel centres; saturates at the lowest number.
 template <SampleSpace kSpace>
 VANTOREL_INLINE constexpr std::int32_t fromCentres(std::int32_t position) {
   constexpr std::int32_t kLowest = -2147483647 - 1;
@@ -27,10 +26,11 @@ VANTOREL_INLINE constexpr std::int32_t fromCentres(std::int32_t position) {
   }
 }
 
-// Whether a box lies so far outside of [0, size) pixels along one axis that no part of the layer can show in its pixel.
-// A pixel's centre is at most half its image away from what shows in it, an image whose size the radius gives: half of
-// its extent, but at most 8 pixels, which tells nothing, and always half a pixel at standard quality, where what is
-// shrunk by more than about 24 times can lose its edge pixels' colour.
+// Whether a sampling box is so far outside the layer's [0, size) pixels along one axis that the layer cannot show in
+// the output pixel. How far the pixel's footprint extends from its centre follows from the box's radius, which is half
+// the footprint's extent, except in two cases. A radius of 8 pixels is the upper limit and gives no bound. At standard
+// quality the radius is always half a pixel; a footprint of up to 17 pixels to each side is assumed then, so edge
+// pixels of a layer that is shrunk more than about 24 times can lose their colour.
 VANTOREL_INLINE bool liesOutOfReach(std::int32_t centre, std::int32_t radius, std::int32_t size) {
   constexpr std::int32_t kLargestRadius = 8 * kFixedOne;
   const std::int64_t reach = radius > kOnePixel / 2 ? 3 * std::int64_t{radius} + kOnePixel : 17 * kOnePixel;
@@ -38,8 +38,9 @@ VANTOREL_INLINE bool liesOutOfReach(std::int32_t centre, std::int32_t radius, st
   return radius < kLargestRadius && (position < -reach || position > size * kOnePixel + reach);
 }
 
-// Cuts one axis of a box to [0, size) pixels, both in 1/65536 pixel from pixel centres: by an odd length of up to one
-// unit more than that, so that centre and radius stay whole numbers.
+// Clips one axis of a box to [0, size) pixels, with centre and radius in 1/65536 pixel and measured from pixel centres.
+// An odd length is extended by one unit, so that centre and radius are whole numbers. A box outside the range becomes
+// the nearest pixel.
 VANTOREL_INLINE void cutToWorld(std::int32_t* centre, std::int32_t* radius, std::int32_t size) {
   const std::int64_t world_end = size * kOnePixel;
   const SampleSpan span(*centre, *radius);

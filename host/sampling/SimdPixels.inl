@@ -1,9 +1,9 @@
-// The pixels of the area samplers that use vectors: how those of each depth are loaded and stored, and the weights of
-// small boxes. Included by the files of the instruction sets before all else.
+// Helpers of the vector area samplers: loading and storing the pixels of each depth, and the weights of small boxes.
+// The instruction sets' files include this first.
 //
-// Everything that these files include stands in an unnamed namespace and calls nothing of the standard library: the
-// linker keeps one copy of an inline function, and one compiled for this set must not serve files that run on every
-// processor.
+// Everything that these files include is in an unnamed namespace and calls no inline function of the standard library:
+// the linker keeps only one copy of an inline function, and if that were the one compiled for this instruction set,
+// code that has to run on any processor would call it.
 #include <immintrin.h>
 
 #include <cstddef>
@@ -41,16 +41,16 @@ struct Pixels8 {
   using Pixel = PF_Pixel8;
   static constexpr std::ptrdiff_t kPixelBytes = 4;
   static constexpr int kColumnsPerLoad = 4;
-  static constexpr bool kOnePixelIsMean = true;  // the mean over a box in one pixel is that pixel to the bit
+  static constexpr bool kOnePixelIsMean = true;  // the mean over a box within one pixel equals that pixel to the bit
 
   static PF_AreaSampler<Pixel> scalar() { return kScalarAreaSamplers.centres().sample8; }
 
-  // Two pixels side by side, in 32-bit lanes.
+  // Two adjacent pixels, in 32-bit lanes.
   static __m256i widenPair(const std::byte* pixels) { return _mm256_cvtepu8_epi32(loadBytes8(pixels)); }
 
   static __m256d widen(const std::byte* pixel) { return _mm256_cvtepi32_pd(_mm_cvtepu8_epi32(loadBytes4(pixel))); }
 
-  // The sum of a column fits a signed lane as it is.
+  // A column's sum fits into a signed lane.
   static constexpr int kSignFlip = 0;
   static constexpr double kSignedZero = 0.0;
 
@@ -75,7 +75,7 @@ struct Pixels16 {
 
   static __m256d widen(const std::byte* pixel) { return _mm256_cvtepi32_pd(_mm_cvtepu16_epi32(loadBytes8(pixel))); }
 
-  // A channel times 65536 takes all 32 bits: the conversion to double, which is signed, sees it less 2^31.
+  // A channel times 65536 takes all 32 bits, and the conversion to double is signed: 2^31 is subtracted before it.
   static constexpr int kSignFlip = -2147483648;
   static constexpr double kSignedZero = 32768.0;
 
@@ -86,7 +86,7 @@ struct Pixels16 {
 
 // ---- Float ----------------------------------------------------------------------------------------------------------
 
-// A weight times a float is exact in a double, so a fused multiply-add rounds as the product and the sum would.
+// A weight times a float is exact in a double, so a fused multiply-add rounds like a separate product and sum.
 struct PixelsFloat {
   using Pixel = PF_PixelFloat;
   static constexpr std::ptrdiff_t kPixelBytes = 16;
@@ -104,14 +104,15 @@ struct PixelsFloat {
 
 // ---- The weights of small boxes -------------------------------------------------------------------------------------
 
-// A box of one to three pixels' size: where in its first pixel it begins and how long it is, in 1/65536 pixel, x in
-// lane 0 and y in lane 1 of 32 bits; the other lanes are 0.
+// A box of one to three pixels' size: its beginning within its first pixel and its length, in 1/65536 pixel, with x in
+// the first 32-bit lane and y in the second; the other lanes are 0.
 struct SmallBox {
   __m128i begin;
   __m128i length;
 };
 
-// Loads both radii at once. A caller should store them at once too: a load that spans two stores waits for both.
+// Loads both radii at once. The caller should also store them with a single store: store forwarding fails if a load
+// spans two stores.
 inline SmallBox smallBox(std::int32_t x, std::int32_t y, const PF_SampleParams& params) {
   static_assert(offsetof(PF_SampleParams, y_radius) == offsetof(PF_SampleParams, x_radius) + 4);
   const __m128i centre = _mm_insert_epi32(_mm_cvtsi32_si128(x), y, 1);
@@ -120,8 +121,8 @@ inline SmallBox smallBox(std::int32_t x, std::int32_t y, const PF_SampleParams& 
   return {_mm_and_si128(begin, constant128(kVectorConstants.narrow_fraction)), _mm_add_epi32(radius, radius)};
 }
 
-// A box of one to kSide - 1 pixels' size meets kSide columns and kSide rows at most, whose weights these are, x in the
-// low lane and y in the high one; that of a pixel that it does not meet is 0.
+// The weights of the up to kSide columns and kSide rows that a box of one to kSide - 1 pixels a side overlaps: x in the
+// low lane and y in the high one. Pixels that it does not overlap have the weight 0.
 template <int kSide>
 struct BoxWeights {
   __m128d length;

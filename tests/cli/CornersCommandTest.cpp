@@ -34,7 +34,7 @@ TEST(CornersCommand, ConventionsAreGivenAndToldOnce) {
   const std::string assumed = "vantorel: wild.csv: assumed y downwards";
   EXPECT_NE(result.err.find(assumed), std::string::npos) << result.err;
   EXPECT_EQ(result.err.find(assumed, result.err.find(assumed) + 1), std::string::npos) << result.err;
-  EXPECT_NE(result.err.find("written in the order ll,lr,ul,ur"), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("in the order ll,lr,ul,ur"), std::string::npos) << result.err;
   EXPECT_EQ(run(folder, "render card.png -o b.png --corners-gap 3").code, 2);
 }
 
@@ -56,15 +56,15 @@ TEST(CornersCommand, ShowsConvertsAndPlots) {
       folder,
       {
           {"corners out.nk", 3, "out.nk: has positions that need the tracked picture's size; give it with --size WxH"},
-          {sized + "-o out.txt", 2, "does not tell the format; name it with --format, one of"},
+          {sized + "-o out.txt", 2, "the format cannot be told from 'out.txt'; name it with --format, one of"},
           {sized + "-o a.csv,b.csv", 2, "neither one file nor four"},
-          {sized + "-o out.txt --format mlt", 2, "frame 0: is no upright box"},
+          {sized + "-o out.txt --format mlt", 2, "frame 0: is not an upright box"},
           {"corners out.nk --corners-order ul,ul,ll,lr", 2, "--corners-order: 'ul,ul,ll,lr' is not an order"},
           {"corners out.nk --smooth 1000", 2, "--smooth: '1000' is not a number from 0 to 100"},
           {"corners", 2, "name the track to read"},
           {sized + "-o link.nk", 2, "'link.nk' is the track itself, 'out.nk'"},
-          {sized + "-o a.csv --plot a.csv", 2, "'a.csv' is to be written twice"},
-          {sized + "-o -", 2, "'-' does not tell the format"},
+          {sized + "-o a.csv --plot a.csv", 2, "'a.csv' would be written twice"},
+          {sized + "-o -", 2, "the format cannot be told from '-'"},
       });
   EXPECT_EQ(contents(folder / "out.nk"), before);
   const CommandResult piped = run(folder, "corners out.nk --size 1920x1080 -o - --format nk");

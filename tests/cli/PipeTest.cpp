@@ -42,7 +42,7 @@ TEST(Pipe, FaultsNameTheStream) {
                     {"render card.png -o -", 2, "--format: is missing for standard output; give png, jpg"},
                     {"render card.png -o - --format gif", 2, "--format: 'gif' is not known; give png"},
                     {"render card.png -o - --format png --json", 2, "--json: writes to standard output"},
-                    {"render card.png -o - --format png --resume", 2, "--resume: has no files to look at"},
+                    {"render card.png -o - --format png --resume", 2, "--resume: cannot check frames"},
                     {"testcard -o - --format png > /dev/full", 3, "standard output: cannot be written to (No space"},
                 });
   const CommandResult unread =

@@ -38,7 +38,7 @@ TEST(SourceCorners, TheirQuadrilateralGoesOntoTheCorners) {
 
   const std::string render = "render card.png -o out.png ";
   expectRefused(folder, {{render + "--from-ul 150,140", 2,
-                          "--from-ul: with the layer's other corners it makes no convex quadrilateral"},
+                          "--from-ul: with the layer's other corners it does not form a convex quadrilateral"},
                          {render + "--placement centres " + part, 2, "--placement: cannot be centres"},
                          {render + "--edges soft " + part, 2, "--edges: cannot be soft"}});
 }
@@ -92,7 +92,7 @@ TEST(SourceCorners, TheFileOfCornersMovesThem) {
   expectRefused(
       folder,
       {{to_refuse + "flips.json --frames 2", 3, "flips.json: from: frame 2: it and the corners must both be strictly"},
-       {to_refuse + "flat.json", 3, "flat.json: line 1: from: makes no convex quadrilateral"},
+       {to_refuse + "flat.json", 3, "flat.json: line 1: from: does not form a convex quadrilateral"},
        {to_refuse + "still.json --from-ul 1,1", 2, "--from-ul: cannot be given together with \"from\""},
        {to_refuse + "still.json --edges soft", 2, "--edges: cannot be soft with \"from\" in 'still.json'"},
        {"corners still.json -o still.csv", 2, "which the format csv cannot name; write json"}});
@@ -122,9 +122,9 @@ TEST(RectifyCommand, BadCornersAndSizesAreRefused) {
       {
           {rectify + "--ul 0,0", 2, "--ur: is missing; give all four corners of the page"},
           {rectify + "--size 9x9 --aspect 1:1" + kWhole, 2, "--aspect: cannot be given together with --size"},
-          {rectify + "--aspect 4" + kWhole, 2, "--aspect: '4' is no proportion"},
-          {rectify + "--aspect 1:0" + kWhole, 2, "--aspect: '1:0' is no proportion"},
-          {rectify + "--size 9x9 --ul 0,0 --ur 0,90 --ll 90,0 --lr 10,10", 2, "--ul: the corners make no convex"},
+          {rectify + "--aspect 4" + kWhole, 2, "--aspect: '4' is not a proportion"},
+          {rectify + "--aspect 1:0" + kWhole, 2, "--aspect: '1:0' is not a proportion"},
+          {rectify + "--size 9x9 --ul 0,0 --ur 0,90 --ll 90,0 --lr 10,10", 2, "--ul: the corners do not form a convex"},
           {rectify + "--size 9x9 --ul 900,0 --ur 990,0 --ll 900,90 --lr 990,90", 2, "--ul: the corners lie outside"},
       });
 }

@@ -38,10 +38,9 @@ TEST(RenderCommand, PathProtocolAndThreadsDoNotChangeThePicture) {
     const char* warning;
   };
   for (const Shape& shape :
-       {Shape{kTurned, "perspective", ""},
-        Shape{
-            " --ul 20,10 --ur 60,80 --ll 10,120 --lr 150,140", "bilinear",
-            "vantorel: the picture was drawn by bilinear mapping, since the corners make no convex quadrilateral\n"}}) {
+       {Shape{kTurned, "perspective", ""}, Shape{" --ul 20,10 --ur 60,80 --ll 10,120 --lr 150,140", "bilinear",
+                                                 "vantorel: the picture was drawn by bilinear mapping, since the "
+                                                 "corners do not form a convex quadrilateral\n"}}) {
     const CommandResult told = run(folder, std::string("render card.png -o a.png --json") + shape.corners);
     EXPECT_EQ(told.err, shape.warning);
     const auto lines = told.lines();

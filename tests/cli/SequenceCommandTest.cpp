@@ -144,8 +144,8 @@ TEST(SequenceCommand, FramesOfTheBilinearPathAreToldOnce) {
   // The lower right corner goes inside the triangle of the others and comes out again.
   folder.write("track.csv", "1,0,0,79,0,0,59,79,59\n3,0,0,79,0,0,59,20,15\n5,0,0,79,0,0,59,79,59\n");
   EXPECT_EQ(run(folder, "render card.png -o out.#.png --frames 1-5 --corners track.csv").err,
-            "vantorel: frame 3 was drawn by bilinear mapping and the others in perspective, since the corners make no "
-            "convex quadrilateral; the picture jumps where the mapping changes\n");
+            "vantorel: frame 3 was drawn by bilinear mapping and the others in perspective, since the corners do not "
+            "form a convex quadrilateral; the picture jumps where the mapping changes\n");
 }
 
 TEST(SequenceCommand, ABrokenFrameStopsTheRunOrIsListed) {

@@ -50,12 +50,12 @@ TEST(Csv, TakesPercentFramesBetweenFramesAndMissingCorners) {
 TEST(Csv, FaultsNameLineFieldAndWhatWasRead) {
   const std::string table = std::string(kHeader) + kRow;
   expectFault("frame,ulx,uly,urx,ury,llx,lly,lrx\n1,2,3,4,5,6,7,8\n", "track: line 1", "'lry' is missing");
-  expectFault("frame,ulx,ulx,uly,urx,ury,llx,lly,lrx,lry\n", "track: line 1", "'ulx' is there twice");
-  expectFault("frame,TLx,ulx,uly,urx,ury,llx,lly,lrx,lry\n", "track: line 1", "'ulx' is there twice");
+  expectFault("frame,ulx,ulx,uly,urx,ury,llx,lly,lrx,lry\n", "track: line 1", "'ulx' appears twice");
+  expectFault("frame,TLx,ulx,uly,urx,ury,llx,lly,lrx,lry\n", "track: line 1", "'ulx' appears twice");
   expectFault(table + "2,0,1,2,3,4,5,6\n", "track: line 3", "8 fields instead of 9");
   expectFault(table + "2,0,1,two,3,4,5,6,7\n", "track: line 3: urx", "'two' is not a number; expected");
   expectFault(table + "2,0,1,2,3,4,5,6,nan\n", "track: line 3: lry", "not finite");
-  expectFault(table + "2,0,1,2,3,4,5,6,1e999\n", "track: line 3: lry", "beyond");
+  expectFault(table + "2,0,1,2,3,4,5,6,1e999\n", "track: line 3: lry", "too large");
   expectFault(table + "2,0,1,2,3,4,5,6,1e30\n", "track: line 3: lry", "far outside");
   expectFault(table + "2,,1,2,3,4,5,6,7\n", "track: line 3: ulx", "is empty");
   expectFault(table + "2.25,0,1,2,3,4,99999,6,7\n", "track: line 3: frame 2.25: ll", "outside -32768");
@@ -64,7 +64,7 @@ TEST(Csv, FaultsNameLineFieldAndWhatWasRead) {
   expectFault("# nothing\n", "track: ", "no keys");
   expectFault("", "track: ", "no keys");
   expectFault(kHeader, "track: ", "no keys");
-  expectFault("Dear Sir or Madam\n", "track: line 1", "begins no known format");
+  expectFault("Dear Sir or Madam\n", "track: line 1", "no known format begins with");
 }
 
 }  // namespace

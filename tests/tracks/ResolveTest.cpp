@@ -47,7 +47,7 @@ TEST(Resolve, TellsWhatItAssumedOnce) {
   ASSERT_EQ(resolved->notes.size(), 1u);
   EXPECT_NE(resolved->notes[0].find("assumed positions in pixels, y downwards"), std::string::npos);
   EXPECT_TRUE(resolveText(sampleText("own.csv"))->notes.empty());
-  EXPECT_NE(resolveText(sampleText("boujou.txt"))->notes.at(0).find("frame 0 is taken for frame 1"), std::string::npos);
+  EXPECT_NE(resolveText(sampleText("boujou.txt"))->notes.at(0).find("frame 0 becomes frame 1"), std::string::npos);
   ResolveOptions at_1001;
   at_1001.first_frame = 1001.0;
   EXPECT_EQ(resolveText(sampleText("boujou.txt"), at_1001)->track.keys.back().frame, 1004.0);
@@ -67,7 +67,7 @@ TEST(Resolve, RowsThatWereNotTrackedAreLeftOutAndCounted) {
   for (const std::string& note : resolved->notes) {
     notes += note + '\n';
   }
-  EXPECT_NE(notes.find("2 rows have another status than 7 or 15"), std::string::npos) << notes;
+  EXPECT_NE(notes.find("2 rows have a status other than 7 or 15"), std::string::npos) << notes;
 
   const auto none = resolveText("ul 1 -0.5 0.5 3\nur 1 0.5 0.5 3\nll 1 -0.5 -0.5 3\nlr 1 0.5 -0.5 3\n");
   EXPECT_NE(faultText(none).find("holds no keys"), std::string::npos) << faultText(none);

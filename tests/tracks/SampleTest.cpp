@@ -123,7 +123,7 @@ TEST(Samples, BoxesAreReadAndWrittenBack) {
   EXPECT_NE(faultText(readText(clock)).find("clock value"), std::string::npos);
   // A quadrilateral that is no box is refused rather than written as its bounds.
   const auto other = resolveText(sampleText("own.csv"));
-  EXPECT_NE(faultText(writeTrack(other->track, *read->format, {})).find("frame 0: is no upright box"),
+  EXPECT_NE(faultText(writeTrack(other->track, *read->format, {})).find("frame 0: is not an upright box"),
             std::string::npos);
 }
 
@@ -188,7 +188,7 @@ TEST(Samples, FourFilesOfOnePointEach) {
   EXPECT_EQ(orderText(shuffled->order), "lr,ul,ur,ll");
 
   const TrackSource three[]{{"a.txt", texts[0]}, {"b.txt", texts[1]}, {"c.txt", texts[2]}};
-  EXPECT_NE(faultText(readTrack(three)).find("holds 3 points"), std::string::npos);
+  EXPECT_NE(faultText(readTrack(three)).find("has 3 points"), std::string::npos);
   const std::string csv = sampleText("own.csv");
   const TrackSource mixed[]{{"a.txt", texts[0]}, {"b.csv", csv}};
   EXPECT_EQ(faultText(readTrack(mixed)).rfind("b.csv: is in the format csv", 0), 0u);

@@ -11,7 +11,7 @@ namespace vantorel::tracks {
 
 namespace {
 
-// Clockwise from the upper left, as written; what is read may be in any order.
+// Written clockwise from the upper left; files may have any order.
 constexpr std::array<Corner, kCornerCount> kOrder{kUpperLeft, kUpperRight, kLowerRight, kLowerLeft};
 constexpr std::size_t kNumbers = 2 * kCornerCount;
 constexpr std::array<std::string_view, kNumbers> kFields{"x1", "y1", "x2", "y2", "x3", "y3", "x4", "y4"};
@@ -37,7 +37,7 @@ void read(const TrackText& text, TrackDocument& document) {
       document.points[kOrder[c]].keys.push_back({static_cast<double>(frame), {x, y}, lines.number(), 0});
     }
   }
-  document.notes.emplace_back("the lines have no frame numbers and are taken for the frames from 1 on");
+  document.notes.emplace_back("the lines have no frame numbers and are counted as frames from 1");
 }
 
 void write(const CornerTrack& track, const CornerList&, std::string& text) {
@@ -45,7 +45,7 @@ void write(const CornerTrack& track, const CornerList&, std::string& text) {
   for (std::size_t k = 0; k < track.keys.size(); ++k) {
     if (track.keys[k].frame != track.keys.front().frame + static_cast<double>(k)) {
       fail(track.source, 0, fmt::format("frame {}", frameText(track.keys[k].frame)),
-           "does not follow the one before by one, and this format has no frame numbers; write another format");
+           "is not the next frame after the previous one, and this format has no frame numbers; write another format");
     }
   }
   for (const CornerKey& key : track.keys) {

@@ -1,5 +1,5 @@
-// Plain columns: rows of frame, x and y with any separator; a file a corner, or all corners in one file, each begun by
-// a comment with its name or by a blank line.
+// Plain columns: rows of frame, x and y with any separator. One file per corner, or all corners in one file, each
+// introduced by a comment with its name or by a blank line.
 #include <fmt/format.h>
 
 #include <iterator>
@@ -47,7 +47,7 @@ void read(const TrackText& text, TrackDocument& document) {
       continue;
     }
     const PointKey key = rowKey(lines, words, 0);
-    // A blank line within one point's rows begins nothing.
+    // A blank line within one point's rows does not start a new point.
     const bool goes_on =
         begins && !document.points.empty() && name.empty() && key.frame > document.points.back().keys.back().frame;
     if (begins && !goes_on) {

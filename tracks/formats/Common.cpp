@@ -8,7 +8,7 @@ namespace vantorel::tracks {
 
 namespace {
 
-// More rows than a file says are read as they come; a false count costs no memory.
+// Limits the memory reserved up front, so that a wrong count in a file costs no memory.
 constexpr std::uint32_t kMaxReserved = 1u << 20;
 
 }  // namespace

@@ -14,11 +14,11 @@ namespace vantorel::tracks {
 // The first lines that are neither blank nor begin with a character of `comments`: at most `count`, trimmed.
 std::vector<std::string_view> firstLines(std::string_view text, std::size_t count, std::string_view comments = "#");
 
-// The words of the first such line; none for a text without one.
+// The words of the first such line; empty if there is none.
 std::vector<std::string_view> firstWords(std::string_view text, std::string_view comments = "#",
                                          std::string_view also = "");
 
-// The points of a document by name, made when first asked for. References hold until the next one is made.
+// The points of a document by name, created on first use. References are valid until the next one is created.
 class PointsByName {
  public:
   explicit PointsByName(std::vector<PointTrack>& points) : points_(points) {}
@@ -26,24 +26,24 @@ class PointsByName {
 
  private:
   std::vector<PointTrack>& points_;
-  std::unordered_map<std::string_view, std::size_t> index_;  // keys are views of the text that is read
+  std::unordered_map<std::string_view, std::size_t> index_;  // keys are views into the text being read
   std::string_view last_name_;
   std::size_t last_ = 0;
 };
 
-// The row "frame x y ..." from `words[at]` on. Fails, naming the line, unless three words are there.
+// Parses the row "frame x y ..." that starts at `words[at]`. Fails, naming the line, unless there are three words.
 PointKey rowKey(const Lines& lines, const std::vector<std::string_view>& words, std::size_t at);
 
-// As many rows "frame x y ..." as the count says, of exactly or at least so many words each.
+// Reads `count` rows "frame x y ..." of at least that many words each.
 void readCountedRows(Lines& lines, std::uint32_t count, std::size_t least_words, PointTrack& point);
 
 enum class PointHeader { Name, NameAndColour };
 
-// A whole document of counted points: how many there are, then for each its header, how many keys, and their rows of
-// at least so many words.
+// Reads a document of counted points: the number of points, then for each one its header, the number of keys, and their
+// rows of at least that many words.
 void readCountedPoints(const TrackText& text, PointHeader header, std::size_t least_words, TrackDocument& document);
 
-// How writers print a frame's number and a coordinate of the track.
+// How writers format frame numbers and coordinates.
 std::string frameText(double frame);
 class CoordinateText {
  public:
@@ -54,7 +54,7 @@ class CoordinateText {
   int decimals_;
 };
 
-// Calls write(key, x, y) for the corner's keys, with the coordinates as texts.
+// Calls write(key, x, y) for the corner's keys, with the coordinates formatted.
 template <typename Write>
 void forEachKey(const CornerTrack& track, Corner corner, const Write& write) {
   const CoordinateText coordinate(track);

@@ -19,7 +19,7 @@ bool isCoordinateOrFrame(std::string_view name) {
   return isFrameColumn(name) || coordinateOfColumn(name).has_value();
 }
 
-// A cell that holds a number, perhaps with a decimal comma or a percent sign.
+// Whether the cell holds a number, possibly with a decimal comma or a percent sign.
 bool isNumericCell(std::string_view cell) {
   return !cell.empty() && cell.find_first_not_of("+-.,0123456789eE% ") == std::string_view::npos;
 }
@@ -28,7 +28,7 @@ bool hasInnerBlank(std::string_view cell) {
   return cell.find_first_of(" \t") != std::string_view::npos;
 }
 
-// The first candidate that makes a whole row of the line, else the one that makes most cells of it.
+// The first candidate that splits the line into a complete row, else the one that gives the most cells.
 char separatorOf(std::string_view line) {
   std::vector<std::string_view> cells;
   char best = ',';
@@ -47,13 +47,13 @@ char separatorOf(std::string_view line) {
   return best;
 }
 
-// A header may stand behind a comment sign.
+// A header may be commented out.
 std::string_view headerText(std::string_view line) {
   return trimmed(!line.empty() && line.front() == '#' ? line.substr(1) : line);
 }
 
 struct FirstRows {
-  std::string_view header;  // the first line that names columns, without comment sign; empty where none does
+  std::string_view header;  // the first line that names columns, without the comment sign; empty if there is none
   std::uint32_t header_line = 0;
   std::string_view row;  // the first line with a number in it
 };
@@ -74,7 +74,7 @@ FirstRows firstRows(const TrackText& text) {
   Lines lines(text.text, text.file);
   while (rows.row.empty() && lines.nextContent("")) {
     const bool is_comment = lines.text().front() == '#';
-    // Words in a comment name columns only if they name all of them.
+    // A comment counts as a header only if it names all columns.
     if (rows.header.empty() && namesColumns(headerText(lines.text()), is_comment ? kColumnCount : 1)) {
       rows.header = headerText(lines.text());
       rows.header_line = lines.number();
@@ -115,7 +115,7 @@ class HeaderReader {
   }
 
  private:
-  // Numbered points count from 0 or from 1.
+  // Points may be numbered from 0 or from 1.
   static std::size_t firstNumber(const std::vector<std::string_view>& cells) {
     for (const std::string_view cell : cells) {
       const auto column = coordinateOfColumn(cell);
@@ -128,7 +128,7 @@ class HeaderReader {
 
   void take(std::size_t& field, std::size_t found, std::string_view name) const {
     if (field != kNoField) {
-      fail(text_.file, line_, "", fmt::format("the column {} is there twice; keep one", quoted(name)));
+      fail(text_.file, line_, "", fmt::format("the column {} appears twice; keep one", quoted(name)));
     }
     field = found;
   }
@@ -207,7 +207,7 @@ bool isCsvTable(std::string_view text) {
     return namesColumns(rows.header, kColumnCount - 1);
   }
   splitCells(rows.row, separatorOf(rows.row), cells);
-  // A cell or two that are broken are the reader's to name.
+  // A few bad cells still make a table: the reader then reports them.
   return std::ssize(cells) == kColumnCount &&
          std::count_if(cells.begin(), cells.end(), isNumericCell) > kColumnCount / 2;
 }

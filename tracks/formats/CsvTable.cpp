@@ -66,7 +66,7 @@ class CsvReader {
   TrackDocument& document_;
 };
 
-// The documented table means pixels of the picture from its upper left; others do not say what they mean.
+// The documented table is in pixels of the picture from its upper left; other tables do not define their conventions.
 constexpr Conventions kOwn{Origin::UpperLeft, Units::Pixels, Basis::Layer, {}, 0.5, {}, {}};
 
 void readCsv(const TrackText& text, TrackDocument& document) {

@@ -1,4 +1,4 @@
-// Tables of corners as spreadsheets and scripts write them.
+// Tables of corners written by spreadsheets and scripts.
 #pragma once
 
 #include <array>
@@ -10,12 +10,12 @@
 
 namespace vantorel::tracks {
 
-// How a table's lines are laid out.
+// The layout of a table's lines.
 struct CsvLayout {
   char separator = ',';           // a space stands for any run of blanks and tabs
-  std::uint32_t header_line = 0;  // from 1; 0 where there is no header
-  bool has_own_names = true;      // the header's names are the documented ones, or there is none
-  bool numbered = false;          // the points have numbers rather than corners' names
+  std::uint32_t header_line = 0;  // from 1; 0 if there is no header
+  bool has_own_names = true;      // the header has the documented names, or there is no header
+  bool numbered = false;          // the columns have point numbers rather than corner names
   std::size_t fields = 9;
   std::size_t frame_field = 0;
   std::array<std::array<std::size_t, 2>, kCornerCount> position_fields{{{1, 2}, {3, 4}, {5, 6}, {7, 8}}};
@@ -23,16 +23,16 @@ struct CsvLayout {
   bool decimalComma() const { return separator != ','; }
 };
 
-// Splits a line at the separator, takes quotes off and ends it at a '#' outside quotes.
+// Splits a line at the separator, removes quotes, and stops at a '#' outside quotes.
 void splitCells(std::string_view line, char separator, std::vector<std::string_view>& cells);
 
-// The layout of the text, by its first lines. Throws ReadFault for a header that lacks a column or has one twice.
+// Detects the layout from the text's first lines. Throws ReadFault for a header that lacks a column or has one twice.
 CsvLayout csvLayout(const TrackText& text);
 
-// Whether the text's first lines make such a table.
+// Whether the text's first lines look like such a table.
 bool isCsvTable(std::string_view text);
 
-// Adds four points with the table's rows.
+// Adds four points with the positions in the table's rows.
 void readCsvTable(const TrackText& text, const CsvLayout& layout, TrackDocument& document);
 
 }  // namespace vantorel::tracks

@@ -1,5 +1,5 @@
-// Flame stabilizer setups: "Channel top_left/ref/x" and its like, each with "Key n", "Frame", "Value", "Interpolation"
-// and "End" for every key, or with a "Value" alone.
+// Flame stabilizer setups: "Channel top_left/ref/x" and so on, each with "Key n", "Frame", "Value", "Interpolation" and
+// "End" for every key, or with only a "Value".
 #include <fmt/format.h>
 
 #include <array>
@@ -111,7 +111,7 @@ class FlameReader {
     if (!frame_) {
       lines_.fail("Value", "stands before its key's Frame; expected Frame, then Value");
     }
-    if (channel_->constant) {  // the value before the keys is what the channel would have without them
+    if (channel_->constant) {  // the value before the keys only counts if there are no keys
       channel_->keys.clear();
       channel_->constant = false;
     }

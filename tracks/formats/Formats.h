@@ -1,4 +1,4 @@
-// The formats, each in a file of its own.
+// The formats; each is defined in its own file.
 #pragma once
 
 #include "tracks/Format.h"

@@ -19,12 +19,12 @@ bool sniff(std::string_view text) {
   return !text.empty() && (text.front() == '{' || text.front() == '[');
 }
 
-// Notes which members were read; a second of one name is a fault.
+// Remembers which members have been read; a duplicate is an error.
 class SeenMembers {
  public:
   void take(const JsonScanner& json, std::size_t member, const std::string& field) {
     if ((seen_ >> member & 1) != 0) {
-      fail(json.file(), json.line(), field, "is there twice; keep one of them");
+      fail(json.file(), json.line(), field, "appears twice; keep one of them");
     }
     seen_ |= 1u << member;
   }
@@ -39,7 +39,7 @@ std::size_t indexOf(const std::array<std::string_view, N>& names, std::string_vi
   return static_cast<std::size_t>(std::find(names.begin(), names.end(), name) - names.begin());
 }
 
-// Members whose names begin so are other programs' own, and passed over.
+// Members with these prefixes belong to other programs and are skipped.
 bool isExtension(std::string_view name) {
   return name.starts_with('_') || name.starts_with('$') || name.starts_with("x-");
 }
@@ -73,7 +73,7 @@ class JsonTrackReader {
       if (member == kTopMembers.size()) {
         passOver(
             name, [&] { return std::string(name); },
-            "is unknown; known here are keys, units, interpolation, from, $schema");
+            "is unknown; expected keys, units, interpolation, from or $schema");
         continue;
       }
       seen.take(json_, member, std::string(name));
@@ -96,7 +96,7 @@ class JsonTrackReader {
     fail(json_.file(), json_.line(), field, message);
   }
 
-  // Skips an extension's value; any other member may be a misspelt one.
+  // Skips an extension's value; fails for any other unknown member, which may be a misspelling.
   template <typename Place>
   void passOver(std::string_view name, const Place& place, const char* fault) {
     if (!isExtension(name)) {
@@ -124,7 +124,7 @@ class JsonTrackReader {
     }
   }
 
-  // What the value, one of the words, stands for.
+  // Reads a value that must be one of the words.
   template <typename T, std::size_t N>
   T choice(const char* field, const WordTable<T, N>& words) {
     const bool is_text = json_.peek() == '"';
@@ -137,12 +137,12 @@ class JsonTrackReader {
       }
       known += fmt::format("{}\"{}\"", known.empty() ? "" : ", ", word);
     }
-    fail(json_.file(), line, field, fmt::format("is none of {}; write one of them", known));
+    fail(json_.file(), line, field, fmt::format("is not one of {}; write one of them", known));
   }
 
   void readKeys(const char* list, std::vector<PointTrack>& points) {
     if (json_.peek() != '[') {
-      failAt(list, "is no list of keyframes; give at least one");
+      failAt(list, "is not a list of keyframes; give at least one");
     }
     const std::uint32_t line = json_.line();
     json_.open('[');
@@ -152,11 +152,11 @@ class JsonTrackReader {
       readKey(points);
     }
     if (index_ == 0) {
-      fail(json_.file(), line, list, "is no list of keyframes; give at least one");
+      fail(json_.file(), line, list, "is an empty list; give at least one keyframe");
     }
   }
 
-  // {"ul": ...} for every frame, or a list of keyframes.
+  // One {"ul": ...} for all frames, or a list of keyframes.
   void readSource() {
     addCorners(document_.source_points);
     if (json_.peek() == '[') {
@@ -170,13 +170,13 @@ class JsonTrackReader {
 
   std::string keyPlace() const { return is_in_list_ ? fmt::format("{}[{}]", list_, index_) : std::string(list_); }
   std::string memberPlace(std::size_t member) const { return fmt::format("{}.{}", keyPlace(), kKeyMembers[member]); }
-  // The corners, and the frame where there are several.
+  // The corners, and in a list also the frame.
   std::size_t memberCount() const { return is_in_list_ ? kKeyMembers.size() : kFrameMember; }
 
   void readKey(std::vector<PointTrack>& points) {
     if (json_.peek() != '{') {
-      failAt(keyPlace(), is_in_list_ ? "is no keyframe; write {\"frame\": 1, \"ul\": [x, y], ...}"
-                                     : "is no quadrilateral; write {\"ul\": [x, y], ...}, or a list of keyframes");
+      failAt(keyPlace(), is_in_list_ ? "is not a keyframe; write {\"frame\": 1, \"ul\": [x, y], ...}"
+                                     : "is not a quadrilateral; write {\"ul\": [x, y], ...}, or a list of keyframes");
     }
     const std::uint32_t line = json_.line();
     json_.open('{');
@@ -190,8 +190,8 @@ class JsonTrackReader {
       if (member >= memberCount()) {
         passOver(
             name, [&] { return fmt::format("{}.{}", keyPlace(), name); },
-            is_in_list_ ? "is unknown; known here are frame, ul, ur, ll, lr"
-                        : "is unknown; known here are ul, ur, ll, lr, and frame in a list");
+            is_in_list_ ? "is unknown; expected frame, ul, ur, ll or lr"
+                        : "is unknown; expected ul, ur, ll or lr, and frame in a list");
         continue;
       }
       seen.take(json_, member, memberPlace(member));
@@ -215,7 +215,7 @@ class JsonTrackReader {
   }
 
   Point readPosition(std::size_t member) {
-    const auto isNoPosition = [&] { failAt(memberPlace(member), "is no position; write [x, y]"); };
+    const auto isNoPosition = [&] { failAt(memberPlace(member), "is not a position; write [x, y]"); };
     if (json_.peek() != '[') {
       isNoPosition();
     }
@@ -235,7 +235,7 @@ class JsonTrackReader {
 
   JsonScanner json_;
   TrackDocument& document_;
-  // The key that is read: of which member, whether it is one of a list, and its place there.
+  // The key being read: its member, whether that is a list, and its index there.
   const char* list_ = "keys";
   bool is_in_list_ = true;
   std::size_t index_ = 0;

@@ -28,7 +28,7 @@ void readSequence(Words& words, TrackDocument& document) {
   words.skipGroup();
 }
 
-// What may follow a key: "p+( 0.9 )".
+// Skips what may follow a key: "p+( 0.9 )".
 void skipRemark(Words& words) {
   const std::string_view word = words.peek();
   if (word.empty() || word == "}" || isNumber(word)) {

@@ -34,7 +34,7 @@ void readSize(const Lines& lines, const std::vector<std::string_view>& words, Co
   if (words.size() > 4) {
     const double aspect = lines.decimal(words[4], "aspect");
     if (!(aspect > 1e-3)) {
-      lines.fail("aspect", fmt::format("{} is no aspect; expected width / height", quoted(words[4])));
+      lines.fail("aspect", fmt::format("{} is not an aspect; expected width / height", quoted(words[4])));
     }
     conventions.aspect = aspect;
   }

@@ -1,4 +1,4 @@
-// MLT keyframes: "frame~=x y w h o;..." boxes. A time is a frame's number or a clock value, hours:minutes:seconds.
+// MLT keyframes: "frame~=x y w h o;..." boxes. A time is a frame number or a clock value, hours:minutes:seconds.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace vantorel::tracks {
 
 namespace {
 
-// How far, in pixels, a quadrilateral's edges may be from level and upright to be called a box.
+// How far, in pixels, the edges of a box may deviate from horizontal and vertical.
 constexpr double kBoxTolerance = 1e-6;
 
 bool isTime(std::string_view text) {
@@ -33,7 +33,7 @@ bool sniff(std::string_view text) {
   return !lines.empty() && lines[0].find('=') != std::string_view::npos && isTime(timeOf(lines[0]));
 }
 
-// Hours, minutes and seconds, or minutes and seconds; with four parts the last counts frames.
+// Hours, minutes and seconds, or minutes and seconds; with four parts the last one is frames.
 double frameOfClock(const Lines& lines, std::string_view time, const TrackText& text) {
   if (!text.frames_per_second) {
     lines.fail("time", fmt::format("{} is a clock value; give the frames per second, or frame numbers", quoted(time)));
@@ -41,7 +41,7 @@ double frameOfClock(const Lines& lines, std::string_view time, const TrackText& 
   std::vector<std::string_view> parts;
   splitWords(time, parts, ":");
   if (parts.size() > 4) {
-    lines.fail("time", fmt::format("{} is no clock value; expected hours:minutes:seconds", quoted(time)));
+    lines.fail("time", fmt::format("{} is not a clock value; expected hours:minutes:seconds", quoted(time)));
   }
   double frames = 0.0;
   if (parts.size() == 4) {
@@ -72,7 +72,7 @@ void readKey(const Lines& lines, std::string_view key, const TrackText& text, Tr
   const std::string_view time = timeOf(key);
   std::vector<std::string_view> words;
   if (const std::size_t count = splitWords(key.substr(equals + 1), words); count != 4 && count != 5) {
-    lines.fail("", fmt::format("has {} after '='; expected x, y, width, height and perhaps opacity",
+    lines.fail("", fmt::format("has {} after '='; expected x, y, width, height and optionally opacity",
                                counted(count, "number")));
   }
   const double frame =
@@ -119,7 +119,7 @@ void write(const CornerTrack& track, const CornerList&, std::string& text) {
     const Quadrilateral& q = key.points;
     if (!isBox(q)) {
       fail(track.source, 0, fmt::format("frame {}", frameText(key.frame)),
-           "is no upright box, which is all that this format holds; write another format");
+           "is not an upright box, which is all that this format can hold; write another format");
     }
     fmt::format_to(std::back_inserter(text), "{}{}{}{} {} {} {} 1", text.empty() ? "" : ";\n", frameText(key.frame),
                    equals, coordinate(q[kUpperLeft].x), coordinate(q[kUpperLeft].y),

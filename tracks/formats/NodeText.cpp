@@ -1,6 +1,6 @@
 // The text of a node with four animated points: to1 to to4 (lower left, lower right, upper right, upper left), from1 to
 // from4, invert and name. A coordinate is a number, {number}, {expression} or {curve x1 v v ... x9 v ...}, where xN
-// sets the frame and values follow frame by frame.
+// sets the frame and the values that follow are for consecutive frames.
 #include <fmt/format.h>
 
 #include <array>
@@ -16,7 +16,7 @@ namespace {
 constexpr std::array<Corner, kCornerCount> kOrder{kLowerLeft, kLowerRight, kUpperRight, kUpperLeft};
 constexpr const char* kBakeHint = "bake the curve to a value a frame";
 
-// The number after "to" or "from", from 0; kCornerCount for any other word.
+// The number after "to" or "from", counted from 0; kCornerCount for any other word.
 std::size_t pointOfWord(std::string_view word, std::string_view prefix) {
   if (word.size() == prefix.size() + 1 && word.substr(0, prefix.size()) == prefix && word.back() >= '1' &&
       word.back() <= '4') {
@@ -45,7 +45,7 @@ class NodeReader {
       const std::size_t from = pointOfWord(word, "from");
       if (to < kCornerCount && words_.peek() == "{") {
         if (points_[to]) {
-          document.notes.emplace_back("the file holds several nodes with corners; the first is taken");
+          document.notes.emplace_back("the file has several nodes with corners; the first is used");
           break;
         }
         points_[to] = readPoint(word);
@@ -162,7 +162,7 @@ class NodeReader {
     if (given == kCornerCount) {
       document.from = corners;
     } else if (given > 0) {
-      words_.fail("from1", "has not all of its companions; expected from1, from2, from3 and from4, or none");
+      words_.fail("from1", "is incomplete; expected all of from1, from2, from3 and from4, or none");
     }
   }
 
@@ -175,7 +175,7 @@ void read(const TrackText& text, TrackDocument& document) {
   NodeReader(text).read(document);
 }
 
-// A curve's values; xN only where the frames do not follow one by one.
+// A curve's values, with xN only where frames are not consecutive.
 void writeCurve(const CornerTrack& track, Corner corner, double Point::*axis, std::string& text) {
   const CoordinateText coordinate(track);
   text += "{curve";

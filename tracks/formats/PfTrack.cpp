@@ -1,5 +1,5 @@
-// PFTrack 2-D tracks: a name in quotes, the clip's number or "camera", how many keys, and rows of frame, x, y, residual
-// and sometimes depth. The first pixel's centre is at 0.
+// PFTrack 2-D tracks: a name in quotes, the clip's number or "camera", the number of keys, and rows of frame, x, y,
+// residual and sometimes depth. The first pixel's centre is at 0.
 #include <fmt/format.h>
 
 #include <iterator>

@@ -1,5 +1,5 @@
-// SynthEyes 2-D paths: rows of name, frame, u, v and status, with u and v from the first pixel's centre (-1) to the
-// last one's (1).
+// SynthEyes 2-D paths: rows of name, frame, u, v and status, with u and v from -1 at the first pixel's centre to 1 at
+// the last one's.
 #include <fmt/format.h>
 
 #include <iterator>
@@ -39,7 +39,7 @@ void read(const TrackText& text, TrackDocument& document) {
     }
   }
   if (untracked > 0) {
-    document.notes.push_back(fmt::format("{} rows have another status than 7 or 15 and were left out", untracked));
+    document.notes.push_back(fmt::format("{} rows have a status other than 7 or 15 and were skipped", untracked));
   }
 }
 

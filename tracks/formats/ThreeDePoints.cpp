@@ -1,4 +1,5 @@
-// 3DE4 points: how many there are; for each its name, a colour's number, how many keys, and rows of frame, x and y.
+// 3DE4 points: the number of points; for each one its name, a colour number, the number of keys, and rows of frame, x
+// and y.
 #include <fmt/format.h>
 
 #include <iterator>

@@ -1,5 +1,5 @@
 // .uv JSON, versions 2 to 4: {"points": [{"name": ..., "per_frame": [{"frame": 1, "pos": [u, v], "weight": 1}, ...]}]}.
-// Other members are passed over.
+// Other members are skipped.
 #include <fmt/format.h>
 
 #include <iterator>
@@ -107,7 +107,7 @@ class UvJsonReader {
       ++count;
     });
     if (count != 2) {
-      failAt("pos", "is no position; expected [u, v]");
+      failAt("pos", "is not a position; expected [u, v]");
     }
   }
 

@@ -1,4 +1,5 @@
-// .uv text, version 1: how many points there are; for each its name, how many keys, and rows of frame, u, v and weight.
+// .uv text, version 1: the number of points; for each one its name, the number of keys, and rows of frame, u, v and
+// weight.
 #include <fmt/format.h>
 
 #include <iterator>

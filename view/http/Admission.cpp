@@ -18,7 +18,7 @@ constexpr int kMethodNotAllowed = 405;
 constexpr int kLengthRequired = 411;
 constexpr int kTooLarge = 413;
 
-// In a time that does not depend on where the two differ.
+// Takes the same time wherever the two differ, so that timing reveals nothing about the token.
 bool beginsWith(std::string_view text, std::string_view secret) {
   if (text.size() < secret.size()) {
     return false;
@@ -30,7 +30,7 @@ bool beginsWith(std::string_view text, std::string_view secret) {
   return different == 0;
 }
 
-// "127.0.0.1", with or without a port: the port differs from ours behind a tunnel.
+// "127.0.0.1" or "localhost", with or without a port. The port is not compared, since it may differ behind a tunnel.
 bool isLoopback(std::string_view authority) {
   const std::size_t colon = authority.find(':');
   const std::string_view name = authority.substr(0, colon);

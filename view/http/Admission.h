@@ -1,4 +1,4 @@
-// Who may ask what: the checks on a request's head, before anything else of it is read.
+// Access checks on a request's head, made before anything else of the request is read.
 #pragma once
 
 #include <httplib.h>
@@ -14,19 +14,19 @@ class Admission {
  public:
   explicit Admission(std::string token) : prefix_('/' + std::move(token) + '/') {}
 
-  // "/TOKEN/", which the path of every admitted request begins with.
+  // "/TOKEN/", the prefix of the path of every admitted request.
   const std::string& prefix() const { return prefix_; }
 
-  // 0 where the request is admitted, else the status to refuse it with: 400, 403, 405, 411 or 413. A host name other
-  // than that of the loopback is refused, since a name that a stranger's page has given to this address would come
-  // with it, and so is a request that another page has made.
+  // 0 if the request is admitted, else the status to refuse it with: 400, 403, 405, 411 or 413. Requests for a host
+  // name other than the loopback's are refused as a defence against DNS rebinding, and so are requests that another
+  // page has made.
   int refusal(const httplib::Request& request) const;
 
  private:
   std::string prefix_;
 };
 
-// 256 random bits in hexadecimal. Throws std::system_error where the system has none to give.
+// 256 random bits in hexadecimal. Throws std::system_error if the system's random generator fails.
 std::string randomToken();
 
 }  // namespace vantorel::view

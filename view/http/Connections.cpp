@@ -9,7 +9,7 @@ namespace vantorel::view {
 namespace {
 
 constexpr std::size_t kThreads = 16;
-constexpr std::size_t kMaxTasks = 64;  // accepted connections without a thread
+constexpr std::size_t kMaxTasks = 64;  // accepted connections that wait for a thread
 
 }  // namespace
 
@@ -43,7 +43,8 @@ void Connections::endLongestWaiting() {
     is_wanted_ = true;
     return;
   }
-  // Its thread finds the connection closed and takes it off the list. Until then it is the last to be ended again.
+  // Its thread will notice that the connection is closed and remove it from the list. Until then it goes to the end of
+  // the list, so that another connection is chosen next time.
   ::shutdown(waiting_.front(), SHUT_RDWR);
   waiting_.splice(waiting_.end(), waiting_, waiting_.begin());
 }

@@ -1,5 +1,4 @@
-// The connections of the server: a bounded number of threads, which those that wait for their clients give up to
-// others.
+// The server's connections: they share a bounded number of threads, and idle connections make way for new ones.
 #pragma once
 
 #include <httplib.h>
@@ -14,7 +13,7 @@
 
 namespace vantorel::view {
 
-// One for each open connection, by which it can be ended from outside. Connections are listed in the order in which
+// A list of the open connections, through which other threads can end them. Idle connections are in the order in which
 // they began to wait.
 class Connections {
  public:
@@ -25,31 +24,31 @@ class Connections {
     Entry(const Entry&) = delete;
     Entry& operator=(const Entry&) = delete;
 
-    // Whether the connection waits for its client to make a request that is admitted, rather than being served.
+    // `waiting`: the connection waits for an admitted request from its client, rather than being served.
     void setWaiting(bool waiting);
 
    private:
     Connections& all_;
-    std::list<int>::iterator place_;  // among those that wait, or those that do not
+    std::list<int>::iterator place_;  // in the list of waiting connections or in that of the others
     bool waiting_ = true;
   };
 
-  // Ends the connection that has waited for its client the longest; where none waits, the next one that has been
-  // served.
+  // Ends the connection that has waited for its client the longest or, if none is waiting, the next one to finish a
+  // request.
   void endLongestWaiting();
-  // Ends all, those to come as well.
+  // Ends all connections, including future ones.
   void endAll();
 
  private:
   std::mutex mutex_;
   std::list<int> waiting_;
   std::list<int> answering_;
-  bool is_wanted_ = false;  // somebody waits for a connection to end
+  bool is_wanted_ = false;  // a new connection needs one to end
   bool ended_ = false;
 };
 
-// Runs connections on a fixed number of threads. Where all are taken, a new connection takes the place of the one that
-// has waited for its client the longest, so that clients that say nothing keep nobody out.
+// Runs connections on a fixed number of threads. If all are in use, a new connection replaces the one that has waited
+// for its client the longest, so that silent clients cannot block the server.
 class ConnectionThreads : public httplib::TaskQueue {
  public:
   explicit ConnectionThreads(Connections& connections);

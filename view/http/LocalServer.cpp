@@ -15,7 +15,7 @@ namespace {
 constexpr std::chrono::seconds kIdleTime{60};
 constexpr const char* kLoopback = "127.0.0.1";
 
-// Nothing but the page's own files, and pictures that it makes itself.
+// Allows only the page's own files, and pictures that it creates itself.
 constexpr const char* kContentSecurityPolicy =
     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' blob: data:; connect-src 'self'; "
     "base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
@@ -31,11 +31,11 @@ const char* refusalText(int status) {
     case 413:
       return "the body is too large; send at most 8 MiB";
     default:
-      return "the request is not understood";
+      return "the request is malformed";
   }
 }
 
-// Unlike the library's own, these do not let another program listen on the same port.
+// Unlike the library's defaults, these do not let another program listen on the same port.
 void setSocketOptions(int socket) {
   const int on = 1;
   setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
@@ -71,7 +71,7 @@ LocalServer::LocalServer() : admission_(randomToken()) {
   });
   set_error_handler([](const httplib::Request&, httplib::Response& response) {
     if (response.body.empty()) {
-      setError(response, response.status, response.status == 404 ? "there is nothing of this name" : refusalText(400));
+      setError(response, response.status, response.status == 404 ? "not found" : refusalText(400));
     }
   });
 }
@@ -80,7 +80,7 @@ int LocalServer::bind(const std::string& option, int port) {
   const int bound = port == 0 ? bind_to_any_port(kLoopback) : (bind_to_port(kLoopback, port) ? port : -1);
   if (bound <= 0) {
     throw cli::fileFailure(option, port == 0 ? std::string("no port is free; close other programs")
-                                             : fmt::format("{} is taken or reserved; give another port, or 0 for any "
+                                             : fmt::format("{} is in use or reserved; give another port, or 0 for any "
                                                            "free one",
                                                            port));
   }
@@ -106,7 +106,7 @@ bool LocalServer::process_and_close_socket(socket_t socket) {
   return true;
 }
 
-// Whether another request may follow: not after one whose head was not understood or whose body is not wanted.
+// Returns whether another request may follow: not after one whose head was malformed or whose body was left unread.
 bool LocalServer::answerNext(RequestStream& stream, Connections::Entry& entry) {
   bool closed = false;
   bool admitted = false;

@@ -12,16 +12,17 @@
 
 namespace vantorel::view {
 
-// Listens on the loopback. What Admission refuses gets no further than its head, slow clients run out of time
-// (RequestStream), and silent ones make way (ConnectionThreads). Handlers are those of httplib::Server.
+// Listens on the loopback. Admission refuses requests before their bodies are read, slow clients time out
+// (RequestStream), and idle ones make way for others (ConnectionThreads). Handlers are those of httplib::Server.
 class LocalServer : public httplib::Server {
  public:
   LocalServer();
 
-  // "/TOKEN/": what every path begins with.
+  // "/TOKEN/", the prefix of every path.
   const std::string& prefix() const { return admission_.prefix(); }
 
-  // Takes the port, any free one for 0, and returns it. Throws CommandError naming `option` where it cannot be had.
+  // Binds to the port, or to any free one for 0, and returns it. Throws CommandError naming `option` if the port is not
+  // available.
   int bind(const std::string& option, int port);
 
   // Serves until the token is triggered.

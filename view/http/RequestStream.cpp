@@ -87,7 +87,7 @@ void RequestStream::get_remote_ip_and_port(std::string& ip, int& port) const {
   get_local_ip_and_port(ip, port);
 }
 
-// The server listens on the loopback alone.
+// The server listens only on the loopback.
 void RequestStream::get_local_ip_and_port(std::string& ip, int& port) const {
   ip = "127.0.0.1";
   port = 0;

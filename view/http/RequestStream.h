@@ -1,4 +1,4 @@
-// A connection as the HTTP library reads and writes it, with an end to its patience.
+// A connection's stream for the HTTP library, with deadlines.
 #pragma once
 
 #include <httplib.h>
@@ -10,23 +10,23 @@
 
 namespace vantorel::view {
 
-// Reads through a buffer. A request's head must have come before a deadline, however its bytes are spread over the time
-// until then; once it is admitted there is more time for its body and its answer. After the deadline, and beyond the
-// largest request, reading and writing fail. The socket is the caller's.
+// Reads through a buffer. A request's head must be complete before a deadline, even if its bytes keep trickling in;
+// once the request is admitted there is more time for its body and the response. After the deadline, and beyond the
+// largest request size, reading and writing fail. The caller owns the socket.
 class RequestStream : public httplib::Stream {
  public:
   using Clock = std::chrono::steady_clock;
 
   explicit RequestStream(int socket) : socket_(socket) {}
 
-  // Waits for the next request's first byte; false when none comes in that time. The request's own time begins then.
+  // Waits for the next request's first byte, which starts the request's deadline; false if none comes in that time.
   bool awaitRequest(Clock::duration patience);
 
-  // Grants the time for the body and the answer.
+  // Extends the deadline for the body and the response.
   void admit();
 
-  // Sends the end of the stream, and takes what the client still sends for a moment, so that it gets to read the
-  // answer.
+  // Closes the sending side, and for a moment discards what the client still sends, so that the client can read the
+  // response before the connection is reset.
   void finish();
 
   bool is_readable() const override { return at_ < filled_ || waitFor(POLLIN, deadline_); }
@@ -43,7 +43,7 @@ class RequestStream : public httplib::Stream {
 
   int socket_;
   Clock::time_point deadline_{};
-  std::size_t taken_ = 0;  // bytes of the present request
+  std::size_t taken_ = 0;  // bytes of the current request
   std::array<char, 16384> buffer_{};
   std::size_t at_ = 0;
   std::size_t filled_ = 0;

@@ -1,12 +1,12 @@
-// What the page is about at any moment, the acts that change it, and the pictures that follow.
+// The page's state, the actions that change it, and the pictures that show it.
 
 import {NAMES, flat, fromFlat, moved, point, printed, sameCorners, shapeFault, sortedCorners} from './geometry.js';
 import {Latest, picture} from './net.js';
 import {snapped} from './snap.js';
 import {History, Track} from './track.js';
 
-const SETTLE = 80;       // milliseconds without a change, after which the full-quality picture is asked for
-const KEPT_TIMES = 500;  // measurements of drawing that the browser keeps
+const SETTLE = 80;       // milliseconds without a change before the full-quality picture is requested
+const KEPT_TIMES = 500;  // drawing times that are kept
 
 export class App extends EventTarget {
   constructor(info, stage) {
@@ -14,7 +14,7 @@ export class App extends EventTarget {
     this.info = info;
     this.stage = stage;
     const [width, height] = info.size;
-    // Without corners, a rectangle in the middle to begin with.
+    // Without corners, start with a rectangle in the middle.
     this.usual = [[.25, .25], [.75, .25], [.25, .75], [.75, .75]].map(([x, y]) => point(x * width, y * height));
     this.start = Track.fromMessage(info.track, this.usual);
     this.history = new History(this.start);
@@ -22,7 +22,7 @@ export class App extends EventTarget {
     this.frames = info.frames ?? this.#framesOfKeys();
     this.frame = this.frames ? this.frames[0] : this.start.keys[0]?.frame ?? 0;
     this.hot = [0];
-    this.moving = null;  // the corners while they are dragged
+    this.moving = null;  // the corners during a drag
     this.placing = info.track ? null : [];
     Object.assign(this, {overlay: true, difference: false, opacity: 1, snapping: true, playing: false, loupe: null});
     this.version = 0;
@@ -30,7 +30,7 @@ export class App extends EventTarget {
     [this.drafts, this.backdrops, this.details, this.loupes] = [0, 1, 2, 3].map(() => new Latest(tell));
   }
 
-  // A track over time is shown even where no frames were named.
+  // An animated track has a timeline even if no frame range was given.
   #framesOfKeys() {
     const {keys} = this.start;
     return keys.length > 1 ? [Math.floor(keys[0].frame), Math.ceil(keys.at(-1).frame), 1] : null;
@@ -49,7 +49,7 @@ export class App extends EventTarget {
     return this.track !== this.saved && this.track.keys.length > 0;
   }
 
-  // --- What is said and drawn
+  // --- Status and drawing
 
   say(text, is_fault = false) {
     this.dispatchEvent(new CustomEvent('said', {detail: {text, is_fault}}));
@@ -95,7 +95,7 @@ export class App extends EventTarget {
     });
   }
 
-  // What is seen of the plate at more detail than the whole one has.
+  // The visible part of the plate, in more detail than the overview.
   loadDetail() {
     const seen = this.stage.visible(Math.floor);
     if (this.stage.base && seen.n >= this.stage.base.n) {
@@ -121,7 +121,7 @@ export class App extends EventTarget {
     });
   }
 
-  // Draws the layer where the corners are now; `start` is when the act happened.
+  // Draws the layer at the current corners; `start` is the time of the user's action.
   draft(start) {
     ++this.version;
     return this.drafts.run(async () => {
@@ -137,7 +137,8 @@ export class App extends EventTarget {
     });
   }
 
-  // For differences the plate at the detail and of the part that the full-quality picture has, so that equal pixels meet.
+  // For the difference view: the plate with the same region and detail as the full-quality picture, so that pixels
+  // match.
   async loadReference() {
     const {result} = this.stage;
     if (!this.difference || !result?.full || result.reference || result.canvas.width === 0) {
@@ -154,7 +155,7 @@ export class App extends EventTarget {
     }
   }
 
-  // Asks for the full-quality picture once nothing has changed for a moment.
+  // Requests the full-quality picture once nothing has changed for a moment.
   settle(delay = SETTLE) {
     clearTimeout(this.settling);
     this.settling = setTimeout(() => this.#loadFull(), delay);
@@ -165,7 +166,7 @@ export class App extends EventTarget {
       return;
     }
     if (!this.stage.result && this.drafts.busy) {
-      this.settle();  // the first draft is sooner there without it
+      this.settle();  // so as not to delay the first draft
       return;
     }
     this.drafts.drop();
@@ -177,7 +178,7 @@ export class App extends EventTarget {
         return;
       }
       if (!full) {
-        this.settle();  // a late draft has ended it
+        this.settle();  // a late draft has superseded it
         return;
       }
       this.stage.result = {...full, full: true, version};
@@ -202,9 +203,9 @@ export class App extends EventTarget {
     this.settle(2 * SETTLE);
   }
 
-  // --- Acts on corners
+  // --- Actions on corners
 
-  // Pushes a track that can be undone.
+  // Applies a track as an action that can be undone.
   act(track, text) {
     this.history.push(track);
     this.#shown(text);
@@ -248,7 +249,7 @@ export class App extends EventTarget {
     this.changed();
   }
 
-  // While a drag goes on: `exact` are the corners where it has led to.
+  // During a drag: `exact` are the dragged corners before snapping.
   drag(exact, start) {
     this.moving = exact;
     this.changed();
@@ -273,7 +274,7 @@ export class App extends EventTarget {
     if (!sameCorners(found, this.corners) || this.track.keys.length === 0) {
       this.history.push(this.track.withKey(this.keyFrame, found));
     }
-    // The last draft is as good as another one, which would only hold up the picture in full quality.
+    // Another draft would look the same as the last one and only delay the full-quality picture.
     ++this.version;
     this.changed();
     this.#told(this.describe() + (found === corners ? '' : ', snapped'));
@@ -325,7 +326,7 @@ export class App extends EventTarget {
     this.act(this.start, 'As at the start');
   }
 
-  // --- Corners as text, as the command takes them
+  // --- Corners as text, in the command's format
 
   text() {
     return ['ul', 'ur', 'll', 'lr'].map((name, c) => `--${name} ${printed(this.corners[c].x)},${printed(this.corners[c].y)}`).join(' ');

@@ -3,7 +3,7 @@
 import {get, post} from './net.js';
 import {Track} from './track.js';
 
-// Where another program has changed the file since, nothing is saved unless `anyway`, and the page asks.
+// If another program has changed the file, the page asks before anything is saved, unless `anyway`.
 export async function save(app, anyway = false) {
   const {track} = app;
   if (app.info.cannotSave) {
@@ -25,7 +25,7 @@ export async function save(app, anyway = false) {
   }
 }
 
-// Takes what the file holds now in place of what the page has, which undo brings back.
+// Replaces the page's corners by those of the file; can be undone.
 export async function reload(app) {
   try {
     const track = Track.fromMessage((await post('reload', {})).track, app.usual);

@@ -4,11 +4,11 @@
 export const UL = 0, UR = 1, LL = 2, LR = 3;
 export const NAMES = ['Upper left', 'Upper right', 'Lower left', 'Lower right'];
 export const SHORT = ['UL', 'UR', 'LL', 'LR'];
-// The order in which edges join the corners.
+// The corners in order round the outline.
 export const AROUND = [UL, UR, LR, LL];
 
 const LEAST = -32768, MOST = 32767.9999;
-const DIGITS = 1e4;  // positions are kept to a ten thousandth, which files hold exactly
+const DIGITS = 1e4;  // positions are rounded to 1/10000, which files can hold exactly
 const NEARLY_STRAIGHT = 0.01;
 
 export const rounded = value => Math.min(MOST, Math.max(LEAST, Math.round(value * DIGITS) / DIGITS));
@@ -20,7 +20,7 @@ export const sameCorners = (a, b) => a.every((p, c) => p.x === b[c].x && p.y ===
 const turn = (a, b, c) => (b.x - a.x) * (c.y - b.y) - (b.y - a.y) * (c.x - b.x);
 const around = (q, i) => q[AROUND[i % 4]];
 
-// Four points in any order as corners: clockwise, and beginning where they are most upright.
+// Sorts four points into corners: clockwise, starting so that the quadrilateral is as upright as possible.
 export function sortedCorners(points) {
   const centre = {x: points.reduce((s, p) => s + p.x, 0) / 4, y: points.reduce((s, p) => s + p.y, 0) / 4};
   const angle = p => Math.atan2(p.y - centre.y, p.x - centre.x);
@@ -43,7 +43,8 @@ function edgesCross(a, b, c, d) {
   return turn(a, b, c) * turn(a, b, d) < 0 && turn(c, d, a) * turn(c, d, b) < 0;
 }
 
-// What to call corners that do not make a plain convex quadrilateral, which are drawn bilinearly; empty for others.
+// A description of corners that do not form a proper convex quadrilateral, which are drawn bilinearly; empty for
+// others.
 export function shapeFault(q) {
   const turns = [0, 1, 2, 3].map(i => turn(around(q, i), around(q, i + 1), around(q, i + 2)));
   if (edgesCross(around(q, 0), around(q, 1), around(q, 2), around(q, 3)) ||

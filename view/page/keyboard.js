@@ -1,4 +1,4 @@
-// Keys. Letters work everywhere but in fields; arrows, Tab and the space bar on the picture alone.
+// Keyboard shortcuts. Letters work everywhere except in fields; arrows, Tab and the space bar only on the picture.
 
 import {save} from './files.js';
 import {AROUND} from './geometry.js';
@@ -16,7 +16,7 @@ export function attachKeyboard(app, stage, canvas, act) {
     app.viewChanged();
   }
 
-  // From corner to corner around, and after the last one on to the rest of the page.
+  // Moves from corner to corner, and after the last one to the rest of the page.
   function tab(event) {
     const at = app.hot.length === 1 ? AROUND.indexOf(app.hot[0]) : event.shiftKey ? 4 : -1;
     const next = at + (event.shiftKey ? -1 : 1);

@@ -1,4 +1,4 @@
-// Puts the page together.
+// Sets up the page.
 
 import {App} from './app.js';
 import {attachKeyboard} from './keyboard.js';
@@ -9,7 +9,7 @@ import {attachPointer} from './pointer.js';
 import {Stage} from './stage.js';
 import {attachTimeline} from './timeline.js';
 
-// What buttons and keys have in common.
+// The actions that buttons and keys share.
 function actsOf(app, stage) {
   const toggled = (name, what) => () => {
     app[name] = !app[name];
@@ -52,7 +52,7 @@ async function start() {
   const stage = new Stage(canvas, document.getElementById('loupe'), info.size);
   const app = new App(info, stage);
   stage.resize();
-  // The server draws while the page is put together.
+  // Requested first, so that the server draws while the page is set up.
   const pictures = Promise.all([app.loadBackdrop(), app.draft()]);
   const act = actsOf(app, stage);
   attachPanel(app, act);

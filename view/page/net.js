@@ -1,4 +1,4 @@
-// Requests to the server, whose addresses begin like the page's own.
+// Requests to the server, below the page's own address.
 
 async function answer(path, options) {
   let response;
@@ -18,8 +18,8 @@ export const get = async path => (await answer(path)).json();
 export const post = async (path, body) =>
   (await answer(path, {method: 'POST', body: JSON.stringify(body)})).json();
 
-// A picture as a canvas of its own, or null where another request has made it needless: `left` and `top` are pixels of
-// the output, and each pixel of it is n of those wide.
+// A picture as a new canvas, or null if a later request has superseded it. `left` and `top` are in pixels of the
+// output; each pixel of the canvas is n of those wide.
 export async function picture(path, body) {
   const response = await answer(path, {method: 'POST', body: JSON.stringify(body)});
   if (response.status === 204) {
@@ -36,7 +36,7 @@ export async function picture(path, body) {
   return {canvas, left, top, n: body.n, frame: body.frame};
 }
 
-// Runs one task at a time; of those asked for meanwhile only the last one is run.
+// Runs one task at a time; of those requested meanwhile only the last one is run.
 export class Latest {
   #running = false;
   #next = null;

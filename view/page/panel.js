@@ -29,7 +29,7 @@ function addFields(app) {
       field.autocomplete = 'off';
       field.setAttribute('aria-label', `${name} ${axis}`);
       const extent = axis === 'x' ? width : height;
-      // What is being typed stays until it is finished.
+      // A field that is being edited is left alone.
       field.addEventListener('input', () => { field.dataset.typing = 'yes'; });
       field.addEventListener('blur', () => delete field.dataset.typing);
       field.addEventListener('change', () => {
@@ -87,7 +87,7 @@ function attachRendering(app) {
   });
 }
 
-// The command line follows the corners, once they rest.
+// Updates the command line once the corners have stopped moving.
 function attachCommand(app) {
   const field = element('command');
   const update = async () => {

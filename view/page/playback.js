@@ -1,9 +1,9 @@
-// Playing the frames one after another, as fast as their drafts come and no faster than they were shot.
+// Plays the frames as fast as their drafts arrive, but no faster than the frame rate.
 
 import {flat} from './geometry.js';
 import {picture} from './net.js';
 
-// The frame's pictures; null where they cannot be had.
+// The frame's pictures; null if they cannot be loaded.
 async function load(app, frame) {
   try {
     const corners = flat(app.moving ?? app.track.at(frame));
@@ -18,14 +18,14 @@ async function load(app, frame) {
   }
 }
 
-// Starts, and stops when it is called again. The next frame is loaded while one is shown.
+// Starts playback, or stops it if running. The next frame is loaded while one is shown.
 export async function play(app) {
   app.playing = !app.playing;
   app.changed();
   if (!app.playing) {
     return;
   }
-  const run = app.run = {};  // another one may begin before this one has ended
+  const run = app.run = {};  // another run may begin before this one has ended
   const [first, last, step] = app.frames;
   const after = frame => frame + step > last ? first : frame + step;
   let shown = app.frame;
@@ -42,7 +42,7 @@ export async function play(app) {
     if (app.frame === shown) {
       app.showFrame(loaded);
     }
-    shown = app.frame;  // or where somebody has gone meanwhile
+    shown = app.frame;  // or the frame that the user has gone to meanwhile
     next = load(app, after(shown));
   }
   if (app.run === run) {

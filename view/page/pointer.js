@@ -2,7 +2,7 @@
 
 import {moved} from './geometry.js';
 
-const CLICK = 4;  // CSS pixels that a click may wander
+const CLICK = 4;  // CSS pixels that the pointer may move during a click
 const FINE = 0.1;
 const WHEEL = 0.0015;
 

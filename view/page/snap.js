@@ -1,12 +1,12 @@
 // Finding a corner of the plate near a point, to a fraction of a pixel.
 
-const WINDOW = 5;        // pixels on each side that the fit looks at
+const WINDOW = 5;        // pixels on each side that are used for the fit
 const ROUNDS = 20;
 const SETTLED = 0.01;    // pixels
-const LEAST_RATIO = 0.06; // of the smaller to the larger eigenvalue: below, it is an edge and no corner
+const LEAST_RATIO = 0.06; // of the smaller to the larger eigenvalue; below this it is an edge, not a corner
 const LEAST_GRADIENT = 40;
 
-// Luminance with gradients, of a picture at full resolution.
+// Luminance and gradients of a picture at full resolution.
 function gradients(picture) {
   const {width, height} = picture.canvas;
   const {data} = picture.canvas.getContext('2d').getImageData(0, 0, width, height);
@@ -16,12 +16,12 @@ function gradients(picture) {
   }
   const at = (x, y) => grey[Math.min(height - 1, Math.max(0, y)) * width + Math.min(width - 1, Math.max(0, x))];
   const side = (x, y, dx, dy) => at(x + dx - dy, y + dy - dx) + 2 * at(x + dx, y + dy) + at(x + dx + dy, y + dy + dx);
-  // At the centre of pixel (x, y), which lies at x + 0.5, y + 0.5: Sobel's, which the steps of edges disturb less.
+  // The Sobel gradient, which is less sensitive to jagged edges, at the centre of pixel (x, y), at x + 0.5, y + 0.5.
   return (x, y) => [(side(x, y, 1, 0) - side(x, y, -1, 0)) / 8, (side(x, y, 0, 1) - side(x, y, 0, -1)) / 8];
 }
 
-// Every gradient near a corner is perpendicular to the line from the corner to its pixel: the point for which that
-// holds best, by weighted least squares around (x, y). Null where the window holds no corner.
+// Near a corner every gradient is perpendicular to the line from the corner to its pixel. Finds the point for which
+// this holds best, by weighted least squares around (x, y); null if there is no corner in the window.
 function refined(gradient, x, y) {
   let [a, b, c, u, v] = [0, 0, 0, 0, 0];
   const [left, top] = [Math.floor(x), Math.floor(y)];

@@ -1,13 +1,13 @@
-// The picture: zoom and pan, and what is drawn where.
+// The picture: zoom, pan and drawing.
 
 import {AROUND, SHORT, distance, distanceToSegment, isInside, shapeFault} from './geometry.js';
 
 const HANDLE = 5, HIT = 12, EDGE_HIT = 8;  // CSS pixels
-const UNSMOOTHED = 2;                      // device pixels for a pixel, from which on pixels are shown as squares
+const UNSMOOTHED = 2;                      // device pixels per pixel from which pixels are shown as squares
 const MAX_ZOOM = 64, LOUPE = 8;
 const LINE = '#ffffff', SHADOW = 'rgba(0,0,0,.85)', HOT = '#ffc44d', FAULT = '#ff6a5a';
 
-// Pixel by pixel, before either is scaled.
+// The difference is taken pixel by pixel, before scaling.
 function differenceOf(result) {
   if (!result.difference) {
     result.difference = document.createElement('canvas');
@@ -25,7 +25,7 @@ export class Stage {
     this.canvas = canvas;
     this.loupe = loupe;
     [this.width, this.height] = size;
-    this.zoom = 1;  // CSS pixels for a pixel of the output
+    this.zoom = 1;  // CSS pixels per pixel of the output
     this.pan = {x: 0, y: 0};
     this.fitted = true;
     this.base = this.detail = this.result = this.near = null;
@@ -56,7 +56,7 @@ export class Stage {
     this.fitted = true;
   }
 
-  // Zooms so that what lies under the place on screen stays there.
+  // Zooms about a point on screen, which stays in place.
   zoomTo(zoom, place = {x: this.box.width / 2, y: this.box.height / 2}) {
     const under = this.toPicture(place);
     this.zoom = Math.min(MAX_ZOOM, Math.max(0.02, zoom));
@@ -76,7 +76,7 @@ export class Stage {
     return {x: (p.x - this.pan.x) * this.zoom, y: (p.y - this.pan.y) * this.zoom};
   }
 
-  // What of the output is to be seen, and how many of its pixels make one on screen.
+  // The visible part of the output, and how many of its pixels make one on screen.
   visible(round) {
     const {width, height} = this.box;
     const end = this.toPicture({x: width, y: height});
@@ -94,7 +94,7 @@ export class Stage {
     return {region: [0, 0, this.width, this.height], n};
   }
 
-  // What lies under a place on screen: {corners: [...]} of those that would move, or null. The nearest handle wins.
+  // What a drag from a point on screen would move: {corners: [...]}, or null. The nearest handle wins.
   hit(place, corners) {
     const on_screen = corners.map(p => this.toScreen(p));
     const nearest = on_screen.map((p, c) => [distance(p, place), c]).sort((a, b) => a[0] - b[0])[0];
@@ -135,7 +135,7 @@ export class Stage {
     ctx.globalCompositeOperation = 'source-over';
     ctx.fillStyle = '#262626';
     ctx.fillRect(0, 0, this.canvas.width, this.canvas.height);
-    // Pictures are rounded up to whole proxy pixels; what sticks out is cut off.
+    // Pictures are rounded up to whole proxy pixels; the excess is clipped.
     ctx.save();
     ctx.beginPath();
     const origin = this.toScreen({x: 0, y: 0});
@@ -249,7 +249,7 @@ export class Stage {
     this.loupe.classList.toggle('left', this.toScreen(centre).x > this.box.width - 220);
   }
 
-  // The part of the plate that the loupe shows, with a few pixels more for finding corners.
+  // The part of the plate that the loupe shows, with a few more pixels for finding corners.
   loupeRegion(p) {
     const reach = 24;
     const clamped = (value, most) => Math.min(most, Math.max(0, Math.round(value)));

@@ -1,4 +1,4 @@
-// The strip of frames and keys.
+// The timeline of frames and keys.
 
 const element = id => document.getElementById(id);
 
@@ -6,7 +6,7 @@ function drawTicks(app, canvas) {
   const width = canvas.width = canvas.clientWidth * (window.devicePixelRatio || 1);
   const ctx = canvas.getContext('2d');
   const [first, last] = app.frames;
-  const thumb = 8;  // the slider's ends lie so far inside it
+  const thumb = 8;  // the slider's range is inset by this much
   ctx.clearRect(0, 0, width, canvas.height);
   for (const {frame} of app.track.keys) {
     const share = last > first ? (frame - first) / (last - first) : 0;

@@ -1,4 +1,4 @@
-// Corners over time: keys, and acts that can be undone. Tracks are never changed; every act makes a new one.
+// Corners over time: keys, and actions that can be undone. Tracks are immutable; every action creates a new one.
 
 import {flat, fromFlat, point} from './geometry.js';
 
@@ -6,7 +6,8 @@ const PATH_STEPS = 12;  // between two keys
 
 const secant = (a, b) => (b.value - a.value) / (b.time - a.time);
 
-// At the middle one of three knots: the weighted harmonic mean of the slopes on its sides, 0 where their signs differ.
+// The slope at the middle one of three knots: the weighted harmonic mean of the slopes on either side, 0 if their signs
+// differ.
 function slope(a, b, c) {
   const [left, right] = [secant(a, b), secant(b, c)];
   if (!(left * right > 0)) {
@@ -18,7 +19,7 @@ function slope(a, b, c) {
 }
 
 export class Track {
-  // `keys`: [{frame, corners}], ascending. Without keys the corners are `usual` throughout.
+  // `keys`: [{frame, corners}], ascending. Without keys the corners are `usual` on every frame.
   constructor(keys, interpolation, usual) {
     this.keys = keys;
     this.interpolation = interpolation;
@@ -59,7 +60,7 @@ export class Track {
                                               p.y + share * (after.corners[c].y - p.y)));
   }
 
-  // Between the key before `next` and that one: the cubic that never overshoots, with the renderer's slopes.
+  // Between key `next` and the one before it: the monotone cubic, with the renderer's slopes.
   #smoothly(next, corner, axis, frame) {
     const knot = i => this.keys[i] && {time: this.keys[i].frame, value: this.keys[i].corners[corner][axis]};
     const [before, begin, end, after] = [next - 2, next - 1, next, next + 1].map(knot);
@@ -72,7 +73,7 @@ export class Track {
     return begin.value + (end.value - begin.value) * t + curve;
   }
 
-  // The way of a corner from the first to the last key.
+  // The path of a corner from the first to the last key.
   path(corner) {
     const frames = this.keys.flatMap(({frame}, i) => {
       const steps = this.interpolation === 'smooth' && i + 1 < this.keys.length ? PATH_STEPS : 1;

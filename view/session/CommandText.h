@@ -1,4 +1,4 @@
-// The command that does what the page shows.
+// The command line that renders what the page shows.
 #pragma once
 
 #include <cstdint>
@@ -9,11 +9,11 @@
 
 namespace vantorel::view {
 
-// "vantorel render ...", for a POSIX shell: with the file of corners where there is one (to be saved first) or more
-// than one key, else with the corners themselves. `frame` is the one that a still shows.
+// "vantorel render ...", for a POSIX shell: with the corners file if there is one (which must be saved first) or if
+// there is more than one key, else with the corners themselves. `frame` is the frame shown when no range was given.
 std::string commandText(const cli::ViewOptions& options, const tracks::CornerTrack& track, std::int32_t frame);
 
-// Whether the reader of files leaves each corner its name, rather than putting it where it seems to belong.
+// Whether the file reader would keep the corners' order, rather than rearranging it.
 bool isReadAsWritten(const tracks::CornerTrack& track);
 
 }  // namespace vantorel::view

@@ -46,7 +46,7 @@ const char* formatByName(const std::string& path) {
   return extension == ".json" ? "json" : (extension == ".csv" ? "csv" : nullptr);
 }
 
-// Options that change what the file's numbers mean would have to be undone in what is written.
+// Whether options change the meaning of the file's numbers; saving would have to reverse them.
 bool changesMeaning(const tracks::ResolveOptions& options) {
   return options.given != tracks::Conventions{} || options.first_frame || options.sigma > 0.0;
 }
@@ -61,7 +61,7 @@ CornersFile::CornersFile(const cli::TrackOptions& options) : options_(options) {
 
 std::string CornersFile::reasonNotToSave() const {
   if (options_.files.empty()) {
-    return "no file of corners was named; start with --corners FILE.csv or FILE.json, which need not exist";
+    return "no corners file was named; start with --corners FILE.csv or FILE.json, which need not exist";
   }
   if (!isOneFile(options_)) {
     return "the corners come from standard input or from several files; name one with --corners FILE.csv";

@@ -1,4 +1,4 @@
-// The file of corners that the page loads and saves.
+// The corners file that the page loads and saves.
 #pragma once
 
 #include <optional>
@@ -8,31 +8,32 @@
 
 namespace vantorel::view {
 
-// Remembers what the file held when it was last read or written here, so that others' changes are noticed.
+// Remembers the file's content as last read or written here, to detect changes by other programs.
 class CornersFile {
  public:
-  // The options must outlive it. To be made before the file is read. Throws CommandError where it cannot be read.
+  // The options must outlive it. Must be constructed before the file is read. Throws CommandError if the file cannot be
+  // read.
   explicit CornersFile(const cli::TrackOptions& options);
 
-  // Why the page cannot save to the file, as a message for people; empty where it can.
+  // Why the page cannot save to the file, as a message for the user; empty if it can.
   std::string reasonNotToSave() const;
 
-  // Whether the file can say that corners move otherwise than linearly.
+  // Whether the file's format can express interpolation other than linear.
   bool holdsInterpolation() const;
 
-  // Whether somebody else has changed, made or removed the file. Throws CommandError.
+  // Whether another program has changed, created or removed the file. Throws CommandError.
   bool isChanged() const;
 
-  // Writes the track there, whole or not at all. Of a file that is there, comments, further columns and members, and
-  // the keys that have not changed stay as they are written. Throws CommandError.
+  // Writes the track to the file atomically. In an existing file, comments, other columns and members, and unchanged
+  // keys keep their text. Throws CommandError.
   void save(const tracks::CornerTrack& track, host::Size layer);
 
-  // The corners that it holds now. Throws CommandError.
+  // The file's current corners. Throws CommandError.
   cli::CornersTrack read(const cli::FrameRate& rate);
 
  private:
   const cli::TrackOptions& options_;
-  std::optional<std::string> known_;  // without a value where there was no file, or none that can be saved to
+  std::optional<std::string> known_;  // empty if there was no file, or none that can be saved to
 };
 
 }  // namespace vantorel::view

@@ -1,4 +1,4 @@
-// Pictures as a screen shows them: 8 bits a channel, in sRGB.
+// Pictures for the screen: 8 bits a channel, in sRGB.
 #pragma once
 
 #include <memory>
@@ -9,19 +9,20 @@
 
 namespace vantorel::view {
 
-// Pixels that somebody keeps: premultiplied 8-bit RGBA.
+// Premultiplied 8-bit RGBA pixels, kept alive by `owner`.
 struct DisplayPicture {
   std::shared_ptr<const void> owner;
   host::ConstImageView pixels;
-  bool has_alpha = false;  // as its file
+  bool has_alpha = false;  // whether its file has alpha
 };
 
-// Pixels of a shot that has no output: 8-bit ones as they are, without a copy of them; others converted, out of the
-// shot's own colour space where `colour` is not null. `name` is the picture's file, for messages.
+// Converts a shot's pixels for display. 8-bit pixels are used as they are, without a copy; others are converted, from
+// the shot's working colour space if `colour` is not null. The shot must have no output. `name` is the picture's file,
+// for messages.
 DisplayPicture displayed(std::shared_ptr<const void> owner, const host::ConstImageView& pixels, cli::ShotColour* colour,
                          const std::string& name);
 
-// Makes every pixel opaque: what it is over black.
+// Makes every pixel opaque by compositing it over black.
 void makeOpaque(const host::ImageView& pixels);
 
 }  // namespace vantorel::view

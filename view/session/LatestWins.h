@@ -1,4 +1,4 @@
-// Requests of which only the last one counts.
+// Requests that are superseded by later ones.
 #pragma once
 
 #include <mutex>
@@ -9,7 +9,7 @@ namespace vantorel::view {
 // Safe to use from several threads.
 class LatestWins {
  public:
-  // Ends what was begun before, and gives the token by which this one is ended.
+  // Stops the previous request, and returns the stop token of the new one.
   std::stop_token begin() {
     const std::scoped_lock lock(mutex_);
     source_.request_stop();
@@ -25,7 +25,7 @@ class LatestWins {
     source_.request_stop();
   }
 
-  // Ends all, those to come as well.
+  // Stops all requests, including future ones.
   void close() {
     const std::scoped_lock lock(mutex_);
     closed_ = true;

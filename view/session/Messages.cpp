@@ -25,7 +25,7 @@ constexpr std::array<std::pair<const char*, host::Interpolation>, 3> kInterpolat
      {"smooth", host::Interpolation::Smooth}}};
 
 [[noreturn]] void failOf(const std::string& member, const std::string& wanted) {
-  throw cli::badArgument(member, "is not what is expected; give " + wanted);
+  throw cli::badArgument(member, "is missing or invalid; give " + wanted);
 }
 
 const json& member(const json& body, const char* name, const char* wanted) {
@@ -102,7 +102,7 @@ void append(std::string& text, std::int32_t value) {
 json parseBody(const std::string& text) {
   json body = json::parse(text, nullptr, false);
   if (!body.is_object()) {
-    throw cli::badArgument("the body", "is no JSON object; send one");
+    throw cli::badArgument("the body", "is not a JSON object; send one");
   }
   return body;
 }

@@ -1,4 +1,4 @@
-// What the page and the server say to each other: bodies of requests and answers.
+// The messages between page and server: bodies of requests and responses.
 #pragma once
 
 #include <cstdint>
@@ -18,13 +18,13 @@ struct Region {
   int n = 1;
 };
 
-// A body as JSON. The getters below throw CommandError (bad argument), naming the member, for one that is missing, of
-// another type or out of range.
+// Parses a body as JSON. The getters below throw CommandError (bad argument), naming the member, if it is missing, has
+// the wrong type or is out of range.
 nlohmann::json parseBody(const std::string& text);
 
 std::int32_t frameOf(const nlohmann::json& body);
 host::Corners cornersOf(const nlohmann::json& body);
-// "region": [left, top, right, bottom] and "n"; aligned, and cut to a frame of that size.
+// "region": [left, top, right, bottom] and "n"; aligned, and clipped to a frame of that size.
 Region regionOf(const nlohmann::json& body, host::Size frame);
 
 // "track": {"interpolation": "linear" | "hold" | "smooth", "keys": [[frame, ulx, uly, urx, ury, llx, lly, lrx, lry],
@@ -35,10 +35,10 @@ nlohmann::json toJson(const tracks::CornerTrack& track);
 // "linear", "hold" or "smooth", as in files.
 std::string_view nameOf(host::Interpolation interpolation);
 
-// The track in the place of one read from files, its corners taken as they are.
+// The track in the form of one read from a file, with its corners kept in order.
 cli::CornersTrack asCorners(const tracks::CornerTrack& track);
 
-// A picture as the page reads it: four little-endian int32 (left and top in full-resolution pixels, width and height in
+// A picture in the page's format: four little-endian int32 (left and top in full-resolution pixels, width and height in
 // pixels of the picture), then rows of 8-bit RGBA. `pixels` must be 8-bit.
 std::string pictureMessage(host::Point origin, const host::ConstImageView& pixels);
 

@@ -20,7 +20,7 @@ namespace vantorel::view {
 
 namespace {
 
-// A part of a picture, in place.
+// A view of part of a picture.
 host::ConstImageView part(const host::ConstImageView& pixels, const host::Rect& rect) {
   host::ConstImageView view = pixels;
   view.data = view.pixel(rect.left, rect.top);
@@ -28,7 +28,7 @@ host::ConstImageView part(const host::ConstImageView& pixels, const host::Rect& 
   return view;
 }
 
-// The region in pixels of a picture at 1/n, rounded outward.
+// The region in pixels of a picture reduced to 1/n, rounded outwards.
 host::Rect reducedRect(const Region& region) {
   const auto up = [&](int value) { return (value + region.n - 1) / region.n; };
   return {region.rect.left / region.n, region.rect.top / region.n, up(region.rect.right), up(region.rect.bottom)};
@@ -43,8 +43,8 @@ host::Corners scaled(const host::Corners& corners, double n) {
   return {point(corners.upper_left), point(corners.upper_right), point(corners.lower_left), point(corners.lower_right)};
 }
 
-// What of the region the corners reach, and `margin` full-resolution pixels and a pixel of the picture around them;
-// empty where nothing.
+// The part of the region that the corners cover, extended by `margin` full-resolution pixels and a pixel of the
+// picture; may be empty.
 Region around(const host::Corners& corners, double margin, const Region& region) {
   const auto [left, right] =
       std::minmax({corners.upper_left.x, corners.upper_right.x, corners.lower_left.x, corners.lower_right.x});
@@ -70,18 +70,18 @@ std::jthread readingAhead(ProxyCache& pictures, std::int32_t frame) {
     try {
       pictures.at(frame, 1, stop);
     } catch (const std::exception&) {
-      // The page asks for it too, and shows the error.
+      // Ignored here: the page requests the same picture and shows the error.
     }
   });
 }
 
-// The page changes the corners alone: what of the layer goes onto them stays as the file has it.
+// The page changes only the corners; the part of the layer that is drawn onto them stays as in the file.
 std::vector<tracks::CornerKey> sourceKeysOf(const cli::Shot& shot) {
   return shot.corners.read ? cli::resolveCorners(shot.corners, shot.layer_size, shot.frame_size).track.source_keys
                            : std::vector<tracks::CornerKey>{};
 }
 
-// For where nothing is to be seen: a picture without pixels.
+// The response if nothing is visible: an empty picture.
 std::string nothing(const Region& region) {
   return pictureMessage(originOf(region), {});
 }
@@ -173,7 +173,7 @@ void Pictures::close() {
   fulls_.close();
 }
 
-// So that the proxy has about a pixel for each that is drawn: a power of two, of which few are kept.
+// Chosen so that the proxy has about as many pixels as are drawn. A power of two, so that few proxies are kept.
 int Pictures::layerReduction(const host::Corners& corners, const Region& region, host::Size layer) const {
   const double drawn = std::max(1.0, area(corners) / (region.n * region.n));
   const double ratio = std::sqrt(static_cast<double>(layer.width) * layer.height / drawn);
@@ -185,7 +185,7 @@ int Pictures::layerReduction(const host::Corners& corners, const Region& region,
   return n;
 }
 
-// What holds the draft back: its soft edges, its opacity and what stands before it.
+// Applies soft edges, opacity and the holdout matte to the draft.
 void Pictures::hold(const host::Corners& corners, std::int32_t frame, const Region& drawn,
                     const std::stop_token& stop) {
   const host::ImageView picture = draft_pixels_.view();
@@ -211,9 +211,9 @@ void Pictures::hold(const host::Corners& corners, std::int32_t frame, const Regi
   }
 }
 
-// What of the region the layer can reach in that frame, which has no bounds where it is blurred by its motion.
+// The part of the region that the layer can reach in that frame; all of it if there is motion blur.
 Region Pictures::reached(std::int32_t frame, const Region& region) const {
-  // More than soft edges take, and than the plate's pixels next to the outline.
+  // More than soft edges and the pixels next to the outline need.
   constexpr double kMargin = 16.0;
   if (shot_.options.shutter.degrees > 0.0) {
     return region;

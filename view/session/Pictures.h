@@ -16,26 +16,26 @@
 
 namespace vantorel::view {
 
-// Each function returns a picture as pictureMessage() makes it, and throws CommandError: interrupted where a later
-// request of the kind has ended it. Safe to use from several threads.
+// Each function returns a picture in the format of pictureMessage(), and throws CommandError: "interrupted" if a later
+// request of the same kind has superseded it. Safe to use from several threads.
 class Pictures {
  public:
-  // The shot must outlive it; the full-quality pictures give it their corners.
-  // Begins to read the pictures of the first frame, so that the page finds them there.
+  // The shot must outlive it, and is given new corners by full(). Starts reading the first frame's pictures, so that
+  // they are ready when the page asks for them.
   explicit Pictures(cli::Shot& shot);
 
   // The plate, or black without one.
   std::string backdrop(std::int32_t frame, const Region& region);
 
-  // The layer on those corners over the backdrop, drawn fast from proxies, without motion blur: what lies around the
-  // corners within the region.
+  // The layer on those corners over the backdrop, drawn quickly from proxies and without motion blur; only the part of
+  // the region around the corners.
   std::string draft(std::int32_t frame, const host::Corners& corners, const Region& region);
 
-  // The frame exactly as it is rendered to a file, for display; reduced afterwards. What of the region the layer can
-  // reach: beyond it the frame is the backdrop.
+  // The frame exactly as it is rendered to a file, then reduced for display. Only the part of the region that the layer
+  // can reach: elsewhere the frame is the backdrop.
   std::string full(std::int32_t frame, const tracks::CornerTrack& track, const Region& region);
 
-  // Ends what is being drawn, and refuses to draw any more.
+  // Stops what is being drawn, and refuses further requests.
   void close();
 
  private:
@@ -55,7 +55,7 @@ class Pictures {
   std::mutex draft_mutex_;
   host::Instance drafter_;
   host::Image draft_pixels_;
-  // What of the layer goes onto the corners, in its pixels; without one or without keys, all of it.
+  // The part of the layer that is drawn onto the corners, in its pixels; if unset or without keys, all of it.
   std::optional<host::AnimatedCorners> source_;
   std::vector<tracks::CornerKey> source_keys_;
   LatestWins fulls_;

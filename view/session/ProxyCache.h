@@ -1,5 +1,5 @@
-// The layer, the plate and the matte as drafts need them: for display, at 1/n of their resolution, kept for the next
-// draft.
+// A cache of the reduced pictures (layer, plate, matte) that drafts are drawn from: in display colours, at 1/n of their
+// resolution.
 #pragma once
 
 #include <cstdint>
@@ -11,13 +11,15 @@
 
 namespace vantorel::view {
 
-// Of one of them. Keeps what was asked for last, up to a bound on its bytes. Safe to use from several threads.
+// The cache of one source. Keeps the most recently used pictures, up to a limit in bytes. Safe to use from several
+// threads.
 class ProxyCache {
  public:
-  // The source must outlive it, and so must the colours that its pictures are shown by; null for numbers as they are.
+  // The source and `colour`, which converts the pictures for display, must outlive it. A null `colour` leaves values
+  // unchanged.
   ProxyCache(cli::PictureSource& source, cli::ShotColour* colour) : source_(source), colour_(colour) {}
 
-  // The picture in that frame. Throws CommandError as reading it does.
+  // The picture in that frame. Throws CommandError if it cannot be read.
   DisplayPicture at(std::int32_t frame, int n, const std::stop_token& stop);
 
  private:
@@ -34,7 +36,7 @@ class ProxyCache {
   cli::PictureSource& source_;
   cli::ShotColour* colour_;
   std::mutex mutex_;
-  std::list<Kept> kept_;  // the last used first
+  std::list<Kept> kept_;  // most recently used first
 };
 
 }  // namespace vantorel::view

@@ -24,7 +24,7 @@ bool RenderJob::start(const cli::RenderOptions& options, const tracks::CornerTra
   message_.clear();
   total_ = options.frames ? options.frames->count() : 1;
   progress_ = std::make_shared<cli::Progress>(false, total_);
-  // The thread before has said that it ended.
+  // The previous thread has already reported its end.
   thread_ = std::jthread([this, options, track](const std::stop_token& stop) { run(options, track, stop); });
   return true;
 }
@@ -52,7 +52,7 @@ void RenderJob::run(const cli::RenderOptions& options, const tracks::CornerTrack
     end("done", fmt::format("{} written", options.output));
   } catch (const cli::CommandError& error) {
     const bool cancelled = error.code() == cli::ExitCode::Interrupted;
-    end(cancelled ? "cancelled" : "failed", cancelled ? "cancelled; frames that were done stay" : error.text());
+    end(cancelled ? "cancelled" : "failed", cancelled ? "cancelled; finished frames are kept" : error.text());
   } catch (const std::bad_alloc&) {
     end("failed", "out of memory; close other programs or give fewer --threads");
   } catch (const std::exception& error) {

@@ -1,4 +1,4 @@
-// The rendering to files that the page can start, follow and end.
+// The rendering to files that the page can start, monitor and cancel.
 #pragma once
 
 #include <memory>
@@ -17,11 +17,11 @@ namespace vantorel::view {
 // One rendering at a time. Safe to use from several threads.
 class RenderJob {
  public:
-  // Ends the rendering under way.
+  // Cancels the running rendering.
   ~RenderJob();
 
-  // Starts to render, with that track. False where a rendering is under way. What is wrong with the options or the
-  // files is what state() says.
+  // Starts rendering with that track. False if a rendering is already running. Errors in options or files are reported
+  // by state().
   bool start(const cli::RenderOptions& options, const tracks::CornerTrack& track);
   void cancel();
 

@@ -25,14 +25,14 @@ bool hasCorners(const cli::ViewOptions& options) {
   return std::ranges::any_of(options.corners, [](const auto& corner) { return corner.has_value(); });
 }
 
-// The layer's own corners, which stand in until the page has others.
+// The layer's own corners, as placeholders until the page sends others.
 cli::CornersTrack anyCorners() {
   cli::CornersTrack corners;
   corners.still = cli::orLayersOwn({});
   return corners;
 }
 
-// To look at pictures nothing is written, so that no output is planned.
+// Showing pictures writes no files, so the shot is planned without an output.
 cli::Shot planned(const cli::ViewOptions& options) {
   cli::RenderOptions looking = options;
   looking.output.clear();
@@ -64,7 +64,7 @@ tracks::CornerTrack trackOfShot(const cli::Shot& shot, const cli::CornersTrack& 
 Session::Session(const cli::ViewOptions& options)
     : options_(options), file_(options_.track), shot_(planned(options)), pictures_(shot_) {
   if (!options_.output.empty()) {
-    // Says now what rendering would complain about later.
+    // Reports now what rendering would refuse later.
     cli::planShot(options_, anyCorners());
   }
   layer_size_ = shot_.layer_size;
@@ -99,10 +99,11 @@ json Session::save(const json& body) {
   }
   file_.save(track, layer_size_);
   track_ = track;
-  return {
-      {"file", options_.track.files},
-      {"keys", track.keys.size()},
-      {"note", isReadAsWritten(track) ? "" : "render it with --corners-order as-written, as these corners are turned"}};
+  return {{"file", options_.track.files},
+          {"keys", track.keys.size()},
+          {"note", isReadAsWritten(track)
+                       ? ""
+                       : "render it with --corners-order as-written, since these corners are rotated or mirrored"}};
 }
 
 json Session::reload() {
@@ -124,7 +125,7 @@ json Session::render(const json& body) {
   if (body.contains("frame")) {
     const std::int32_t frame = frameOf(body);
     if (options.frames && !isFrame(frame)) {
-      throw cli::badArgument("frame", "is not one of those that were named; choose another");
+      throw cli::badArgument("frame", "is outside the given range; choose another");
     }
     if (options.frames) {
       options.frames = cli::FrameRange{frame, frame, 1};
@@ -133,7 +134,7 @@ json Session::render(const json& body) {
     }
   }
   if (!job_.start(options, track)) {
-    throw cli::badArgument("render", "a rendering is under way; wait for it or cancel it");
+    throw cli::badArgument("render", "a rendering is already running; wait for it or cancel it");
   }
   return job_.state();
 }

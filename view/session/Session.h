@@ -1,4 +1,4 @@
-// What one view is about: the shot, its pictures, its corners and the rendering of it.
+// The state of a view: the shot, its pictures, its corners and its rendering.
 #pragma once
 
 #include <mutex>
@@ -14,10 +14,10 @@ namespace vantorel::view {
 
 class Session {
  public:
-  // Reads the corners and the pictures' heads. Throws CommandError.
+  // Reads the corners and the pictures' headers. Throws CommandError.
   explicit Session(const cli::ViewOptions& options);
 
-  // What the page needs to know at first.
+  // What the page needs to know when it loads.
   nlohmann::json description();
 
   Pictures& pictures() { return pictures_; }
@@ -25,12 +25,12 @@ class Session {
   host::Size frameSize() const { return shot_.frame_size; }
 
   // Each takes a request's body and throws CommandError.
-  // Saves nothing where somebody else has changed the file, unless "anyway" is true: {"changed": message}.
+  // If another program has changed the file, saves nothing and returns {"changed": message}, unless "anyway" is true.
   nlohmann::json save(const nlohmann::json& body);
-  // The corners that the file holds now: {"track": ...}.
+  // The file's current corners: {"track": ...}.
   nlohmann::json reload();
   nlohmann::json render(const nlohmann::json& body);
-  // The command that renders the same as the page shows.
+  // The command line that renders what the page shows.
   nlohmann::json command(const nlohmann::json& body) const;
 
  private:
@@ -40,7 +40,7 @@ class Session {
   std::mutex file_mutex_;
   CornersFile file_;
   cli::Shot shot_;
-  tracks::CornerTrack track_;  // as the file has it; without keys where there is none
+  tracks::CornerTrack track_;  // as in the file; without keys if there is no file
   host::Size layer_size_;
   Pictures pictures_;
   RenderJob job_;

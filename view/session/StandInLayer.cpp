@@ -17,7 +17,7 @@ StandInLayer::StandInLayer(const cli::ViewOptions& options) : options_(options) 
   folder_ = (fs::temp_directory_path(fault) / "vantorel-XXXXXX").string();
   if (mkdtemp(folder_.data()) == nullptr) {
     throw cli::fileFailure(folder_,
-                           "cannot be made for a test card; set TMPDIR to a folder that can be written to, or "
+                           "cannot be created for a test card; set TMPDIR to a writable folder, or "
                            "name a layer");
   }
   options_.layer = folder_ + "/card.png";

@@ -1,4 +1,4 @@
-// A layer for a view that was given none.
+// A substitute layer for a view that was started without one.
 #pragma once
 
 #include <string>
@@ -7,10 +7,10 @@
 
 namespace vantorel::view {
 
-// Where the options name no layer, draws a test card into a file of its own, which goes with this object, and names it.
+// If the options name no layer, draws a test card into a temporary file, and names it. The destructor removes the file.
 class StandInLayer {
  public:
-  // Throws CommandError where the file cannot be written.
+  // Throws CommandError if the file cannot be written.
   explicit StandInLayer(const cli::ViewOptions& options);
   ~StandInLayer();
   StandInLayer(const StandInLayer&) = delete;
@@ -20,7 +20,7 @@ class StandInLayer {
 
  private:
   cli::ViewOptions options_;
-  std::string folder_;  // empty where a layer was given
+  std::string folder_;  // empty if a layer was given
 };
 
 }  // namespace vantorel::view

@@ -26,7 +26,7 @@ using tracks::kCornerNames;
 
 constexpr int kFrameDecimals = 6;
 constexpr int kPositionDecimals = 6;  // of pixels and of percent
-// Positions that differ by less are the same: less than the 16.16 numbers tell apart.
+// Positions that differ by less are equal: this is less than the resolution of 16.16 numbers.
 constexpr double kSame = 1.0 / (1 << 20);
 
 bool areSame(const host::Point& a, const host::Point& b) {
@@ -41,7 +41,7 @@ const tracks::Format* formatOf(std::string_view text, const std::string& name) {
   return tracks::detectFormat(tracks::withoutByteOrderMark(text), name);
 }
 
-// The lines of a table, with the keys that they hold.
+// Edits the lines of a table.
 class TableEditor {
  public:
   TableEditor(std::string_view text, const std::string& name, const tracks::CornerTrack& track, host::Size layer)
@@ -86,7 +86,7 @@ class TableEditor {
     }
     const auto found = missing_.find(frame);
     if (found == missing_.end()) {
-      return;  // the key is gone
+      return;  // the key was deleted
     }
     result += holds(cells, *found->second) ? std::string(line) : replaced(line, cells, *found->second);
     missing_.erase(found);
@@ -117,10 +117,10 @@ class TableEditor {
     return true;
   }
 
-  // The line with the key's positions in their cells, which are views of it.
+  // The line with the key's positions in their cells; `cells` are views into the line.
   std::string replaced(std::string_view line, const std::vector<std::string_view>& cells, const CornerKey& key) const {
     std::map<std::size_t, std::pair<std::size_t, std::string>>
-        changes;  // by place: how long the cell was, its new text
+        changes;  // by offset: the cell's old length and its new text
     for (std::size_t c = 0; c < kCornerCount; ++c) {
       for (std::size_t axis = 0; axis < 2; ++axis) {
         const std::string_view cell = cells[layout_.position_fields[c][axis]];
@@ -150,18 +150,18 @@ class TableEditor {
   std::string_view text_;
   tracks::CsvLayout layout_;
   host::Size layer_;
-  std::map<double, const CornerKey*> missing_;  // the keys that no line has held yet, by frame
+  std::map<double, const CornerKey*> missing_;  // keys that have not been found in a line yet, by frame
 };
 
 using Json = nlohmann::ordered_json;
 
-// Of an object of the file: the positions, in the file's units.
+// Edits the positions in the file's JSON objects, in the file's units.
 class ObjectEditor {
  public:
   ObjectEditor(std::string_view text, const std::string& name, const tracks::CornerTrack& track, host::Size layer)
       : document_(Json::parse(text, nullptr, false)), track_(track), layer_(layer) {
     if (document_.is_discarded() || !document_.is_object()) {
-      throw cli::fileFailure(name, "is no JSON object any more; check what has changed it");
+      throw cli::fileFailure(name, "is not a JSON object any more; check what has changed it");
     }
     in_percent_ = document_.value("units", "px") == "percent";
   }
@@ -185,7 +185,7 @@ class ObjectEditor {
   }
 
  private:
-  // Whole numbers without a point.
+  // Whole numbers without a decimal point.
   static Json number(double value) {
     return value == std::floor(value) && std::abs(value) < kWhole ? Json(static_cast<std::int64_t>(value))
                                                                   : Json(value);
@@ -211,7 +211,7 @@ class ObjectEditor {
     return member;
   }
 
-  // A key on a line.
+  // A key, on one line.
   std::string written() const {
     std::string text = "{";
     const char* separator = "";

@@ -1,4 +1,4 @@
-// Changing the keys in the text of a corner file, and nothing else of it.
+// Changes the keys in the text of a corners file and leaves the rest of the text unchanged.
 #pragma once
 
 #include <string>
@@ -12,12 +12,13 @@ namespace vantorel::view {
 // Whether the text is the command's own JSON.
 bool isJsonTrack(std::string_view text, const std::string& name);
 
-// Whether the text is CSV or JSON as the command documents them.
+// Whether the text is in the command's documented CSV or JSON format.
 bool isEditable(std::string_view text, const std::string& name);
 
-// The text with the keys of the track, which are pixels of the output. Keys that say the same already stay as they are
-// written, comments and further columns or members stay with theirs, and keys that the track lacks go. `layer` is the
-// size that percent are of. The text must be editable; throws CommandError, naming the file, where it cannot be read.
+// The text with the track's keys, which are in pixels of the output. Keys with equal positions keep their text,
+// comments and other columns or members stay with their keys, and keys that the track lacks are removed. `layer` is the
+// size that percentages refer to. The text must be editable; throws CommandError, naming the file, if it cannot be
+// parsed.
 std::string editedTrack(std::string_view text, const std::string& name, const tracks::CornerTrack& track,
                         host::Size layer);
 

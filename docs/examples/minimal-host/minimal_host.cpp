@@ -1,8 +1,8 @@
-// A complete host in one file: loads the effect module, has it draw one 8-bit frame and writes the frame as a PPM.
+// A complete host in one file: loads the effect module, lets it draw one 8-bit frame and writes the frame as a PPM.
 //
 //   minimal_host MODULE LAYER.ppm OUT.ppm  ULX ULY URX URY LLX LLY LRX LRY
 //
-// The corners are in layer pixels. The output is the rectangle that the effect itself asks for, over black.
+// The corners are in layer pixels. The output is the rectangle that the effect itself requests, over black.
 #include <dlfcn.h>
 
 #include <algorithm>
@@ -19,11 +19,11 @@
 #include "support/PF_HostRecords.h"
 
 constexpr std::int32_t kFixedOne = 65536;        // 1.0 in 16.16
-constexpr std::int32_t kFarthestOutput = 15000;  // how far the output may reach from the layer's origin, in pixels
+constexpr std::int32_t kFarthestOutput = 15000;  // how far the output may extend from the layer's origin, in pixels
 constexpr std::int32_t kBadArgument = 1000;      // this host's own error code
 constexpr int kParameters = 5;                   // the layer, then the four points
 
-// A picture, and the world that shows it to the effect.
+// A picture, and the world that describes it to the effect.
 struct Picture {
   Picture(std::int32_t width, std::int32_t height)
       : pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)),
@@ -48,7 +48,7 @@ static std::int32_t checkoutParam(void* effect_ref, std::int32_t index, std::int
   return ERR_NONE;
 }
 
-// A row of the table, where the module keeps it, is "key=text".
+// A row of the module's table is "key=text".
 static const char* lookupString(void* table_ref, std::int32_t row, std::int32_t /*zero*/, void* /*null_pointer*/) {
   const char* const text = static_cast<FX_StringHeader*>(table_ref)->rows[row].text;
   const char* const equals = std::strchr(text, '=');
@@ -56,7 +56,7 @@ static const char* lookupString(void* table_ref, std::int32_t row, std::int32_t 
 }
 
 // The mean of the box around (x, y), rounded to nearest: every pixel is weighted by how much of it the box covers, and
-// what lies outside the world counts as transparent. In 16.16, pixel k covers [k - 0.5, k + 0.5).
+// everything outside the world counts as transparent. In 16.16, pixel k covers [k - 0.5, k + 0.5).
 static std::int32_t sampleArea8(void* /*effect_ref*/, std::int32_t x, std::int32_t y, const PF_SampleParams* params,
                                 PF_Pixel8* out) {
   struct Span {
@@ -87,7 +87,7 @@ static std::int32_t sampleArea8(void* /*effect_ref*/, std::int32_t x, std::int32
   return ERR_NONE;
 }
 
-// The effect asks for nothing but to clear a whole world.
+// The effect only ever clears a whole world.
 static std::int32_t fill(void* /*effect_ref*/, const void* color, const M_LRect* rect, PF_LayerDef* world) {
   if (color != nullptr || rect != nullptr) {
     return kBadArgument;
@@ -121,7 +121,7 @@ static int formatMessage(char* destination, const char* format, ...) {
   return length;
 }
 
-// The only suite that 8-bit frames need tells the depth of a world.
+// 8-bit frames need only one suite, which returns a world's pixel format.
 static std::int32_t acquireSuite(const char* name, std::int32_t version, const void** suite) {
   static const PF_WorldSuite2 kWorldSuite{nullptr, nullptr, [](PF_LayerDef*, std::int32_t* format) -> std::int32_t {
                                             *format = PF_PIXEL_FORMAT_ARGB8;
@@ -132,7 +132,7 @@ static std::int32_t acquireSuite(const char* name, std::int32_t version, const v
   return known ? ERR_NONE : ERR_SUITE_UNAVAILABLE;
 }
 
-// What every command receives. Nothing here needs to be given back or set down.
+// What every command receives. Nothing here has to be released.
 static PF_InData makeInData(PF_ParamDef* values, PF_UtilityCallbacks* utilities, PF_SuiteProvider* suites) {
   utilities->sample_area_8 = sampleArea8;
   utilities->fill = fill;
@@ -169,7 +169,7 @@ static PF_InData makeInData(PF_ParamDef* values, PF_UtilityCallbacks* utilities,
 
 // ---- The order of commands ------------------------------------------------------------------------------------------
 
-// Runs a command. Throws the effect's message or, where it gives none, the error code.
+// Runs a command. Throws the effect's message or, if there is none, the error code.
 static PF_OutData call(PF_EffectMain entry, PF_Command command, PF_InData& in, PF_ParamDef** params = nullptr,
                        PF_LayerDef* output = nullptr) {
   PF_OutData out{};
@@ -183,8 +183,8 @@ static PF_OutData call(PF_EffectMain entry, PF_Command command, PF_InData& in, P
   return out;
 }
 
-// Draws the layer, values[0], onto the points, values[1] to [4], in an output as large as the effect asks for. A host
-// that goes on after a command has failed sets the module down all the same.
+// Draws the layer, values[0], onto the points, values[1] to [4], in an output as large as the effect requests. A host
+// that continues after a failed command must still set the module down.
 static Picture render(PF_EffectMain entry, PF_ParamDef* values) {
   PF_UtilityCallbacks utilities{};
   PF_SuiteProvider suites{};
@@ -231,7 +231,7 @@ static Picture readPpm(const std::string& path) {
   return picture;
 }
 
-// Colours are multiplied by alpha, so that omitting alpha puts the picture over black.
+// Colours are premultiplied, so omitting alpha composites the picture over black.
 static void writePpm(const std::string& path, const Picture& picture) {
   std::ofstream file(path, std::ios::binary);
   file << "P6\n" << picture.world.width << ' ' << picture.world.height << "\n255\n";
