@@ -3,9 +3,15 @@
 namespace vantorel::cli {
 
 extern "C" [[gnu::visibility("default")]] const ModuleTable* vantorelFormatLibrary() {
-  static constexpr FormatLibrary kLibrary{
-      {VANTOREL_VERSION}, openImageIoInput, openImageIoOutput, enlargedByImageIo, addExif, addXmp, exifOf,
-      limitImageIoThreads};
+  static constexpr FormatLibrary kLibrary{{VANTOREL_VERSION},
+                                          openImageIoInput,
+                                          openImageIoOutput,
+                                          jpegSegmentsByImageIo,
+                                          enlargedByImageIo,
+                                          addExif,
+                                          addXmp,
+                                          exifOf,
+                                          limitImageIoThreads};
   return &kLibrary;
 }
 

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cli/base/OwnModules.h"
 #include "cli/pictures/Enlarge.h"
@@ -18,6 +19,13 @@ std::unique_ptr<PictureInput> openImageIoInput(const InputFile& file, const std:
 // As openPngOutput, for the format's writer.
 std::unique_ptr<PictureOutput> openImageIoOutput(const std::string& path, OutputFile& file, const ImageFormat& format,
                                                  const OutputPicture& picture);
+// A part of a JPEG file that says something of its picture.
+struct JpegSegment {
+  int marker = 0;     // JPEG_APP0 + 1 to 15, or JPEG_COM
+  std::string bytes;  // what follows the length
+};
+// All those that OpenImageIO writes for the picture, but for the resolution and the profile.
+std::vector<JpegSegment> jpegSegmentsByImageIo(const ImageFormat& format, const OutputPicture& picture);
 // As enlarged().
 host::Image enlargedByImageIo(const host::ConstImageView& picture, host::Size size, EnlargeFilter filter);
 // Adds what a block of EXIF (from its TIFF header on) or a packet of XMP states, as far as it can be understood.
@@ -31,6 +39,7 @@ void limitImageIoThreads(unsigned threads);
 struct FormatLibrary : ModuleTable {
   decltype(&openImageIoInput) open_input;
   decltype(&openImageIoOutput) open_output;
+  decltype(&jpegSegmentsByImageIo) jpeg_segments;
   decltype(&enlargedByImageIo) enlarged;
   decltype(&addExif) add_exif;
   decltype(&addXmp) add_xmp;

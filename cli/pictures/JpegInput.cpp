@@ -1,10 +1,12 @@
-// JPEG by libjpeg: grey, YCbCr and RGB, with no more metadata than a picture has that no camera took.
+// JPEG by libjpeg: grey, YCbCr and RGB. OpenImageIO is asked for metadata as cameras write it.
 #include <cstdio>
 
 #include <jpeglib.h>
+#include <sys/stat.h>
 
 #include <array>
 #include <csetjmp>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
@@ -45,12 +47,15 @@ class JpegReader {
       jpeg_create_decompress(&info_);
       jpeg_stdio_src(&info_, file_.get());
     });
+    progress_.progress_monitor = limitScans;
+    info_.progress = &progress_;
   }
   ~JpegReader() { jpeg_destroy_decompress(&info_); }
   JpegReader(const JpegReader&) = delete;
   JpegReader& operator=(const JpegReader&) = delete;
 
   jpeg_decompress_struct& info() { return info_; }
+  const jpeg_decompress_struct& info() const { return info_; }
 
   // Runs a step of reading, in which libjpeg may jump out: it must hold nothing that is to be destroyed.
   template <typename Step>
@@ -59,6 +64,22 @@ class JpegReader {
       throw unreadablePicture(name_, fault_);
     }
     step();
+  }
+
+  // Refuses a picture of several scans, for all of which libjpeg takes memory and clears it, unless the file has room
+  // for it: a block takes at least a bit, but by the rare arithmetic coding.
+  void requireRoomForBlocks() {
+    if (jpeg_has_multiple_scans(&info_) == FALSE || info_.arith_code != FALSE) {
+      return;
+    }
+    std::uint64_t blocks = 0;
+    for (int c = 0; c < info_.num_components; ++c) {
+      blocks += std::uint64_t{info_.comp_info[c].width_in_blocks} * info_.comp_info[c].height_in_blocks;
+    }
+    struct stat status {};
+    if (fstat(fileno(file_.get()), &status) == 0 && blocks / 8 > static_cast<std::uint64_t>(status.st_size)) {
+      throw unreadablePicture(name_, "its data are too short for its size");
+    }
   }
   void requireNoFault() const {
     if (fault_[0] != '\0') {
@@ -72,6 +93,15 @@ class JpegReader {
     info->err->format_message(info, reader.fault_);
     std::longjmp(reader.jump_, 1);
   }
+  // Each scan of a progressive picture goes over all of it, and takes no more than a few bytes of the file.
+  static void limitScans(j_common_ptr info) {
+    constexpr int kMostScans = 500;
+    auto& reader = *static_cast<JpegReader*>(info->client_data);
+    if (reader.info_.input_scan_number > kMostScans) {
+      std::snprintf(reader.fault_, sizeof reader.fault_, "more than %d scans", kMostScans);
+      std::longjmp(reader.jump_, 1);
+    }
+  }
   static void note(j_common_ptr info, int level) {
     auto& reader = *static_cast<JpegReader*>(info->client_data);
     if (level < 0 && reader.fault_[0] == '\0') {
@@ -83,6 +113,7 @@ class JpegReader {
   std::unique_ptr<std::FILE, CloseFile> file_;
   jpeg_decompress_struct info_{};
   jpeg_error_mgr errors_{};
+  jpeg_progress_mgr progress_{};
   std::jmp_buf jump_{};
   char fault_[JMSG_LENGTH_MAX] = "";
 };
@@ -143,19 +174,20 @@ class JpegInput : public PictureInput {
  public:
   explicit JpegInput(const InputFile& file) : file_(file) { begin(); }
 
-  // Whether all that the file holds is understood here; only then may more be asked of it.
+  // Whether its colours are such as are read here.
+  bool hasKnownColours() const {
+    const jpeg_decompress_struct& info = reader_->info();
+    return isGrey() ||
+           (info.num_components == 3 && (info.jpeg_color_space == JCS_YCbCr || info.jpeg_color_space == JCS_RGB));
+  }
+
+  // Whether all that the file says of the picture is understood here.
   bool describe() {
     const jpeg_decompress_struct& info = reader_->info();
-    const bool is_grey = info.num_components == 1 && info.jpeg_color_space == JCS_GRAYSCALE;
-    const bool is_colour =
-        info.num_components == 3 && (info.jpeg_color_space == JCS_YCbCr || info.jpeg_color_space == JCS_RGB);
-    if (!is_grey && !is_colour) {
-      return false;
-    }
     header_.format = "jpeg";
     header_.data = {0, 0, static_cast<int>(info.image_width), static_cast<int>(info.image_height)};
     header_.display = header_.data;
-    for (const char* name : is_grey ? std::vector{"Y"} : std::vector{"R", "G", "B"}) {
+    for (const char* name : isGrey() ? std::vector{"Y"} : std::vector{"R", "G", "B"}) {
       header_.channels.push_back({name, SampleType::Bits8});
     }
     header_.metadata.set(textAttribute("oiio:ColorSpace", "sRGB"));
@@ -163,22 +195,30 @@ class JpegInput : public PictureInput {
     return addSegments(info, header_.metadata);
   }
 
+  // Takes what another reader understands.
+  void describeAs(const PictureHeader& header) { header_ = header; }
+
   const PictureHeader& header() const override { return header_; }
 
   void readRows(int y_begin, ChannelRange channels, const host::ImageView& rows) override {
-    if (y_begin < next_row_) {
+    const bool in_place = rows.depth == host::Depth::Bits8 && channels.end - channels.first == 3;
+    if (y_begin < next_row_ || (next_row_ > 0 && in_place != in_place_)) {
       begin();
     }
     if (next_row_ == 0) {
-      reader_->run([&] { jpeg_start_decompress(&reader_->info()); });
+      start(in_place);
     }
     while (next_row_ < y_begin) {
-      nextRow();
+      nextRow(row_.data());
     }
     for (int y = 0; y < rows.size.height; ++y) {
-      nextRow();
-      spreadRow(row_.data(), rows.size.width, static_cast<int>(header_.channels.size()), channels, rows.depth,
-                rows.row(y));
+      if (in_place_) {
+        nextRow(reinterpret_cast<JSAMPLE*>(rows.row(y)));
+      } else {
+        nextRow(row_.data());
+        spreadRow(row_.data(), rows.size.width, static_cast<int>(header_.channels.size()), channels, rows.depth,
+                  rows.row(y));
+      }
     }
     reader_->requireNoFault();
   }
@@ -194,12 +234,26 @@ class JpegInput : public PictureInput {
       }
       jpeg_read_header(&info, TRUE);
     });
-    row_.resize(static_cast<std::size_t>(info.num_components) * info.image_width);
     next_row_ = 0;
   }
 
-  void nextRow() {
-    JSAMPROW row = row_.data();
+  bool isGrey() const {
+    const jpeg_decompress_struct& info = reader_->info();
+    return info.num_components == 1 && info.jpeg_color_space == JCS_GRAYSCALE;
+  }
+
+  void start(bool in_place) {
+    jpeg_decompress_struct& info = reader_->info();
+    in_place_ = in_place;
+    if (in_place) {
+      info.out_color_space = JCS_EXT_RGBA;
+    }
+    reader_->requireRoomForBlocks();
+    reader_->run([&] { jpeg_start_decompress(&info); });
+    row_.resize(static_cast<std::size_t>(info.output_components) * info.output_width);
+  }
+
+  void nextRow(JSAMPROW row) {
     reader_->run([&] { jpeg_read_scanlines(&reader_->info(), &row, 1); });
     ++next_row_;
   }
@@ -208,6 +262,7 @@ class JpegInput : public PictureInput {
   std::optional<JpegReader> reader_;
   PictureHeader header_;
   int next_row_ = 0;
+  bool in_place_ = false;  // libjpeg decodes into pixels of RGBA
   std::vector<JSAMPLE> row_;
 };
 
@@ -215,7 +270,13 @@ class JpegInput : public PictureInput {
 
 std::unique_ptr<PictureInput> openJpegInput(const InputFile& file) {
   auto input = std::make_unique<JpegInput>(file);
-  return input->describe() ? std::move(input) : formatLibrary().open_input(file, "");
+  if (!input->hasKnownColours()) {
+    return formatLibrary().open_input(file, "");
+  }
+  if (!input->describe()) {
+    input->describeAs(formatLibrary().open_input(file, "")->header());
+  }
+  return input;
 }
 
 }  // namespace vantorel::cli

@@ -4,7 +4,6 @@
 #include <jpeglib.h>
 
 #include <csetjmp>
-#include <cstring>
 #include <vector>
 
 #include "cli/pictures/FileDate.h"
@@ -77,47 +76,56 @@ void setResolution(jpeg_compress_struct& info, const Metadata& metadata) {
   }
 }
 
+// What a file says of the picture, but for its profile. OpenImageIO is asked where that is more than a few texts.
+std::vector<JpegSegment> segmentsOf(const Metadata& metadata, const ImageFormat& format, const OutputPicture& picture) {
+  const auto exif = writePlainExif(metadata);
+  if (!exif || metadata.find("ImageDescription") != nullptr) {
+    return formatLibrary().jpeg_segments(format, picture);
+  }
+  return {{JPEG_APP0 + 1, std::string("Exif\0\0", 6) + *exif}};
+}
+
 class JpegOutput : public PictureOutput {
  public:
   JpegOutput(const std::string& path, OutputFile& file, const OutputPicture& picture, const Metadata& metadata,
-             const std::string& exif)
+             const std::vector<JpegSegment>& segments)
       : writer_(path, file), encoder_(picture.pixels.depth, SampleType::Bits8, false) {
     jpeg_compress_struct& info = writer_.info();
     info.image_width = static_cast<JDIMENSION>(picture.pixels.size.width);
     info.image_height = static_cast<JDIMENSION>(picture.pixels.size.height);
-    info.input_components = 3;
-    info.in_color_space = JCS_RGB;
+    // libjpeg takes the pixels as they are, and skips their alpha.
+    info.input_components = 4;
+    info.in_color_space = JCS_EXT_RGBX;
     const Attribute* const profile = metadata.find("ICCProfile");
-    const std::string segment = std::string("Exif\0\0", 6) + exif;
     writer_.run([&] {
       jpeg_set_defaults(&info);
       setResolution(info, metadata);
       jpeg_set_quality(&info, picture.encoding.jpeg_quality.value_or(kQuality), TRUE);
       jpeg_start_compress(&info, TRUE);
-      jpeg_write_marker(&info, JPEG_APP0 + 1, reinterpret_cast<const JOCTET*>(segment.data()),
-                        static_cast<unsigned>(segment.size()));
+      for (const JpegSegment& segment : segments) {
+        jpeg_write_marker(&info, segment.marker, reinterpret_cast<const JOCTET*>(segment.bytes.data()),
+                          static_cast<unsigned>(segment.bytes.size()));
+      }
       if (profile != nullptr) {
         jpeg_write_icc_profile(&info, reinterpret_cast<const JOCTET*>(profile->bytes.data()),
                                static_cast<unsigned>(profile->bytes.size()));
       }
     });
-    row_.resize(3 * static_cast<std::size_t>(info.image_width));
     eight_bits_.resize(4 * static_cast<std::size_t>(info.image_width));
   }
 
   void writeRows(int, const host::ConstImageView& pixels) override {
-    const RowEncoder::Rows rows = encoder_.encode(pixels);
+    // Row by row, so that each stays in the processor's caches on its way.
     for (int y = 0; y < pixels.size.height; ++y) {
-      const std::byte* row = rows.data + y * rows.row_bytes;
+      const std::byte* row =
+          encoder_.encode({pixels.row(y), pixels.row_bytes, {pixels.size.width, 1}, pixels.depth}).data;
       if (pixels.depth == host::Depth::Bits16) {
         spreadRow(reinterpret_cast<const std::uint16_t*>(row), pixels.size.width, 4, {0, 4}, host::Depth::Bits8,
                   eight_bits_.data());
         row = eight_bits_.data();
       }
-      for (std::size_t x = 0; x < static_cast<std::size_t>(pixels.size.width); ++x) {
-        std::memcpy(row_.data() + 3 * x, row + 4 * x, 3);
-      }
-      JSAMPROW samples = row_.data();
+      // libjpeg's rows are not const, but it leaves those alone that it writes.
+      JSAMPROW samples = const_cast<JSAMPROW>(reinterpret_cast<const JSAMPLE*>(row));
       writer_.run([&] { jpeg_write_scanlines(&writer_.info(), &samples, 1); });
     }
   }
@@ -129,8 +137,7 @@ class JpegOutput : public PictureOutput {
  private:
   JpegWriter writer_;
   RowEncoder encoder_;
-  std::vector<JSAMPLE> row_;           // of three channels
-  std::vector<std::byte> eight_bits_;  // of four
+  std::vector<std::byte> eight_bits_;  // a row at 8 bits
 };
 
 }  // namespace
@@ -142,11 +149,7 @@ std::unique_ptr<PictureOutput> openJpegOutput(const std::string& path, OutputFil
   if (metadata.find("DateTime") == nullptr && !fileDate().empty()) {
     metadata.set(textAttribute("DateTime", fileDate()));
   }
-  const auto exif = writePlainExif(metadata);
-  if (!exif || metadata.find("ImageDescription") != nullptr) {
-    return formatLibrary().open_output(path, file, format, picture);
-  }
-  return std::make_unique<JpegOutput>(path, file, picture, metadata, *exif);
+  return std::make_unique<JpegOutput>(path, file, picture, metadata, segmentsOf(metadata, format, picture));
 }
 
 }  // namespace vantorel::cli

@@ -1,4 +1,5 @@
 // What OpenImageIO writes, every format that has no output of its own here.
+#include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
 #include <OpenImageIO/strutil.h>
 #include <fmt/format.h>
@@ -6,6 +7,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/base/CommandError.h"
@@ -98,6 +100,26 @@ OIIO::ImageSpec describe(const ImageFormat& format, const OutputPicture& picture
   return spec;
 }
 
+// The segments of a JPEG file that are neither the codec's own nor a profile's.
+std::vector<JpegSegment> jpegSegments(std::string_view file) {
+  constexpr int kFirst = 0xE1;
+  constexpr int kProfile = 0xE2;
+  constexpr int kLast = 0xEF;
+  constexpr int kComment = 0xFE;
+  constexpr int kScan = 0xDA;
+  std::vector<JpegSegment> segments;
+  const auto byte = [&](std::size_t at) { return static_cast<int>(static_cast<unsigned char>(file[at])); };
+  for (std::size_t at = 2; at + 4 <= file.size() && byte(at + 1) != kScan;) {
+    const int marker = byte(at + 1);
+    const auto length = static_cast<std::size_t>(byte(at + 2) * 256 + byte(at + 3));
+    if ((marker >= kFirst && marker <= kLast && marker != kProfile) || marker == kComment) {
+      segments.push_back({marker, std::string(file.substr(at + 4, length - 2))});
+    }
+    at += 2 + length;
+  }
+  return segments;
+}
+
 class OpenImageIoOutput : public PictureOutput {
  public:
   OpenImageIoOutput(const std::string& path, OutputFile& file, const ImageFormat& format, const OutputPicture& picture)
@@ -159,6 +181,25 @@ class OpenImageIoOutput : public PictureOutput {
 std::unique_ptr<PictureOutput> openImageIoOutput(const std::string& path, OutputFile& file, const ImageFormat& format,
                                                  const OutputPicture& picture) {
   return std::make_unique<OpenImageIoOutput>(path, file, format, picture);
+}
+
+// Taken from a small picture with the same metadata.
+std::vector<JpegSegment> jpegSegmentsByImageIo(const ImageFormat& format, const OutputPicture& picture) {
+  constexpr int kSide = 8;
+  OIIO::ImageSpec spec = describe(format, picture);
+  spec.width = kSide;
+  spec.height = kSide;
+  spec.full_width = kSide;
+  spec.full_height = kSide;
+  std::vector<unsigned char> file;
+  OIIO::Filesystem::IOVecOutput sink(file);
+  const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(format.writer);
+  const std::vector<unsigned char> black(static_cast<std::size_t>(kSide * kSide * spec.nchannels));
+  if (!output || !output->set_ioproxy(&sink) || !output->open("a.jpg", spec) ||
+      !output->write_image(OIIO::TypeDesc::UINT8, black.data()) || !output->close()) {
+    throw unwritablePicture(format.name, output ? output->geterror() : OIIO::geterror());
+  }
+  return jpegSegments({reinterpret_cast<const char*>(file.data()), file.size()});
 }
 
 }  // namespace vantorel::cli

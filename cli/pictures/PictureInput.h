@@ -31,8 +31,9 @@ class PictureInput {
   virtual const PictureHeader& header() const = 0;
 
   // Reads those channels, at most four, of rows.size.height rows of the data window, `y_begin` being counted from its
-  // top, into the first channels of `rows` (four to a pixel), at its depth. A picture that is kept in tiles is read by
-  // whole rows of tiles. Throws CommandError naming the file.
+  // top, into the first channels of `rows` (four to a pixel), at its depth; where three are read, what the fourth then
+  // holds is not defined. A picture that is kept in tiles is read by whole rows of tiles. Throws CommandError naming
+  // the file.
   virtual void readRows(int y_begin, ChannelRange channels, const host::ImageView& rows) = 0;
 
   // Lets the rows that are read from now on bring with them the channels that are none of those named. Null for a
@@ -52,7 +53,7 @@ std::unique_ptr<PictureInput> openPictureInput(const InputFile& file, const std:
 
 // Those of single formats.
 std::unique_ptr<PictureInput> openPngInput(const InputFile& file);
-// Goes on to OpenImageIO where the file holds what only that understands, such as what cameras note.
+// Asks OpenImageIO for what only that understands, such as what cameras note.
 std::unique_ptr<PictureInput> openJpegInput(const InputFile& file);
 std::unique_ptr<PictureInput> openExrInput(const InputFile& file, const std::string& part);
 

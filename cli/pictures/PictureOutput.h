@@ -37,7 +37,7 @@ std::unique_ptr<PictureOutput> openPictureOutput(const std::string& path, Output
 // Those of single formats.
 std::unique_ptr<PictureOutput> openPngOutput(const std::string& path, OutputFile& file, const ImageFormat& format,
                                              const OutputPicture& picture);
-// Goes on to OpenImageIO where the picture's metadata is more than a few texts.
+// Asks OpenImageIO where the picture's metadata is more than a few texts.
 std::unique_ptr<PictureOutput> openJpegOutput(const std::string& path, OutputFile& file, const ImageFormat& format,
                                               const OutputPicture& picture);
 std::unique_ptr<PictureOutput> openExrOutput(const std::string& path, OutputFile& file, const ImageFormat& format,

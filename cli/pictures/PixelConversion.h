@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 #include "host/Alpha.h"
@@ -21,13 +23,30 @@ using host::unpremultiplyRow;
 using ChannelMap = std::array<int, 4>;
 constexpr ChannelMap kIdentityMap{0, 1, 2, 3};
 
+// Sets the alphas of a row.
+template <typename Channel>
+void makeOpaque(Channel* row, int width) {
+  if constexpr (sizeof(Channel) == 1) {
+    // Pixel by pixel, which compilers turn into vectors.
+    constexpr auto kMask = std::bit_cast<std::uint32_t>(std::array<std::uint8_t, 4>{0, 0, 0, kOpaque<std::uint8_t>});
+    for (int x = 0; x < width; ++x) {
+      std::uint32_t pixel = 0;
+      std::memcpy(&pixel, row + 4 * static_cast<std::ptrdiff_t>(x), sizeof pixel);
+      pixel |= kMask;
+      std::memcpy(row + 4 * static_cast<std::ptrdiff_t>(x), &pixel, sizeof pixel);
+    }
+  } else {
+    for (int x = 0; x < width; ++x) {
+      row[4 * static_cast<std::ptrdiff_t>(x) + 3] = kOpaque<Channel>;
+    }
+  }
+}
+
 // Rearranges the pixels of a row in place: channel c becomes what channel map[c] was.
 template <typename Channel>
 void rearrangeRow(Channel* row, int width, const ChannelMap& map) {
   if (map == ChannelMap{0, 1, 2, -1}) {
-    for (int x = 0; x < width; ++x) {
-      row[4 * x + 3] = kOpaque<Channel>;
-    }
+    makeOpaque(row, width);
     return;
   }
   for (int x = 0; x < width; ++x, row += 4) {

@@ -1,10 +1,13 @@
-// PNG by libpng.
+// PNG by libpng, its pixels unpacked by libdeflate.
+#include <malloc.h>
 #include <png.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <csetjmp>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,6 +15,7 @@
 #include <vector>
 
 #include "cli/pictures/FormatLibrary.h"
+#include "cli/pictures/PngPixelStream.h"
 #include "cli/pictures/PngText.h"
 #include "cli/pictures/RowSpread.h"
 
@@ -30,12 +34,14 @@ class PngReader {
     if (!file_) {
       throw unreadablePicture(name_, "Could not open file");
     }
-    png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, this, fail, [](png_structp, png_const_charp) {});
+    png_ = png_create_read_struct_2(
+        PNG_LIBPNG_VER_STRING, this, fail, [](png_structp, png_const_charp) {}, this, allocate, release);
     info_ = png_ == nullptr ? nullptr : png_create_info_struct(png_);
     if (info_ == nullptr) {
       png_destroy_read_struct(&png_, nullptr, nullptr);
       throw unreadablePicture(name_, "out of memory");
     }
+    png_set_read_fn(png_, this, read);
   }
   ~PngReader() { png_destroy_read_struct(&png_, &info_, nullptr); }
   PngReader(const PngReader&) = delete;
@@ -43,7 +49,17 @@ class PngReader {
 
   png_structp png() const { return png_; }
   png_infop info() const { return info_; }
-  std::FILE* file() const { return file_.get(); }
+
+  // Unpacks the pixels at once where that can be done. To be called when the file stands before them, their number of
+  // bytes being `size`.
+  void unpackPixels(std::uint64_t size) {
+    is_unpacked_ = pixels_.unpack(file_.get(), size);
+    if (is_unpacked_) {
+      // They have been checked.
+      png_set_crc_action(png_, PNG_CRC_QUIET_USE, PNG_CRC_DEFAULT);
+      png_set_option(png_, PNG_IGNORE_ADLER32, PNG_OPTION_ON);
+    }
+  }
 
   // Runs a step of reading, in which libpng may jump out: it must hold nothing that is to be destroyed.
   template <typename Step>
@@ -59,9 +75,36 @@ class PngReader {
     std::snprintf(static_cast<PngReader*>(png_get_error_ptr(png))->fault_, sizeof fault_, "%s", fault);
     png_longjmp(png, 1);
   }
+  // A few thousand bytes of packed text can become as many millions. libpng passes over chunks for which it gets no
+  // memory; those of the pixels fit, whose rows it allows to have a million pixels.
+  static png_voidp allocate(png_structp png, png_alloc_size_t size) {
+    constexpr std::size_t kMost = std::size_t{32} << 20;
+    auto& reader = *static_cast<PngReader*>(png_get_mem_ptr(png));
+    if (size > kMost - std::min(kMost, reader.allocated_)) {
+      return nullptr;
+    }
+    void* const memory = std::malloc(size);
+    reader.allocated_ += malloc_usable_size(memory);
+    return memory;
+  }
+  static void release(png_structp png, png_voidp memory) {
+    static_cast<PngReader*>(png_get_mem_ptr(png))->allocated_ -= malloc_usable_size(memory);
+    std::free(memory);
+  }
+  static void read(png_structp png, png_bytep out, png_size_t size) {
+    auto& reader = *static_cast<PngReader*>(png_get_io_ptr(png));
+    const bool is_read =
+        reader.is_unpacked_ ? reader.pixels_.read(out, size) : std::fread(out, 1, size, reader.file_.get()) == size;
+    if (!is_read) {
+      png_error(png, "Read Error");
+    }
+  }
 
   std::string name_;
   std::unique_ptr<std::FILE, CloseFile> file_;
+  PngPixelStream pixels_;
+  bool is_unpacked_ = false;
+  std::size_t allocated_ = 0;  // by libpng
   png_structp png_ = nullptr;
   png_infop info_ = nullptr;
   char fault_[256] = "";
@@ -181,7 +224,8 @@ class PngInput : public PictureInput {
   const PictureHeader& header() const override { return header_; }
 
   void readRows(int y_begin, ChannelRange channels, const host::ImageView& rows) override {
-    if (y_begin < next_row_) {
+    if (y_begin < next_row_ || !reads_pixels_) {
+      reads_pixels_ = true;
       begin();
     }
     while (next_row_ < y_begin) {
@@ -205,8 +249,17 @@ class PngInput : public PictureInput {
     png_structp const png = reader_->png();
     png_infop const info = reader_->info();
     reader_->run([&] {
-      png_init_io(png, reader_->file());
+      if (reads_pixels_) {
+        // What is stated of them has been read.
+        png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
+      }
       png_read_info(png, info);
+    });
+    if (reads_pixels_ && png_get_interlace_type(png, info) == PNG_INTERLACE_NONE) {
+      const std::uint64_t filter_and_row = 1 + std::uint64_t{png_get_rowbytes(png, info)};
+      reader_->unpackPixels(filter_and_row * png_get_image_height(png, info));
+    }
+    reader_->run([&] {
       // Grey of few bits becomes 8 bits, palettes RGB, transparent colours an alpha.
       png_set_expand(png);
       if constexpr (std::endian::native == std::endian::little) {
@@ -225,10 +278,12 @@ class PngInput : public PictureInput {
       readInterlaced();
     }
     if (passes_ > 1) {
-      return memory_.data() + row_bytes_ * static_cast<std::size_t>(next_row_++);
+      return memory_.get() + row_bytes_ * static_cast<std::size_t>(next_row_++);
     }
-    memory_.resize(row_bytes_);
-    png_bytep const row = memory_.data();
+    if (next_row_ == 0) {
+      memory_ = std::make_unique_for_overwrite<png_byte[]>(row_bytes_);
+    }
+    png_bytep const row = memory_.get();
     reader_->run([&] { png_read_row(png, row, nullptr); });
     ++next_row_;
     return row;
@@ -237,10 +292,11 @@ class PngInput : public PictureInput {
   // All rows of a picture of which every pass has some.
   void readInterlaced() {
     const auto height = static_cast<std::size_t>(header_.data.height);
-    memory_.resize(row_bytes_ * height);
+    // Not cleared: a file that is short of pixels takes no memory for the others.
+    memory_ = std::make_unique_for_overwrite<png_byte[]>(row_bytes_ * height);
     std::vector<png_bytep> rows(height);
     for (std::size_t y = 0; y < height; ++y) {
-      rows[y] = memory_.data() + row_bytes_ * y;
+      rows[y] = memory_.get() + row_bytes_ * y;
     }
     png_structp const png = reader_->png();
     png_bytepp const first = rows.data();
@@ -254,8 +310,9 @@ class PngInput : public PictureInput {
   bool is_deep_ = false;  // 16 bits a sample
   int passes_ = 1;
   std::size_t row_bytes_ = 0;
+  bool reads_pixels_ = false;  // rather than the header alone
   int next_row_ = 0;
-  std::vector<png_byte> memory_;  // one row, or all where they are interlaced
+  std::unique_ptr<png_byte[]> memory_;  // one row, or all where they are interlaced
 };
 
 }  // namespace

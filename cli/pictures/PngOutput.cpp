@@ -1,4 +1,4 @@
-// PNG by libpng.
+// PNG by libpng, its pixels packed by libdeflate.
 #include <png.h>
 #include <strings.h>
 
@@ -7,11 +7,13 @@
 #include <csetjmp>
 #include <cstring>
 #include <deque>
+#include <optional>
 #include <vector>
 
 #include "cli/pictures/FileDate.h"
 #include "cli/pictures/FileRecord.h"
 #include "cli/pictures/PictureOutput.h"
+#include "cli/pictures/PngPacking.h"
 #include "cli/pictures/PngText.h"
 #include "cli/pictures/RowEncoder.h"
 #include "cli/pictures/RowSpread.h"
@@ -135,8 +137,6 @@ class PngOutput : public PictureOutput {
     addTexts(metadata);
     writer_.run([&] {
       png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
-      png_set_compression_level(png, picture.encoding.png_level.value_or(kFastLevel));
-      png_set_filter(png, 0, PNG_FILTER_SUB);
       png_set_IHDR(png, info, static_cast<png_uint_32>(size.width), static_cast<png_uint_32>(size.height),
                    isDeep() ? 16 : 8, picture.has_alpha ? PNG_COLOR_TYPE_RGB_ALPHA : PNG_COLOR_TYPE_RGB,
                    PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
@@ -147,6 +147,17 @@ class PngOutput : public PictureOutput {
     writer_.run([&] {
       png_set_text(png, info, chunks_.data(), static_cast<int>(chunks_.size()));
       png_write_info(png, info);
+    });
+    const int level = picture.encoding.png_level.value_or(kFastLevel);
+    const std::size_t pixel_bytes = static_cast<std::size_t>(channels_) * (isDeep() ? 2 : 1);
+    const std::size_t row_bytes = pixel_bytes * static_cast<std::size_t>(size.width);
+    if (PngPacking::holds((1 + std::uint64_t{row_bytes}) * static_cast<std::uint64_t>(size.height))) {
+      packing_.emplace(row_bytes, size.height, pixel_bytes, level);
+      return;
+    }
+    writer_.run([&] {
+      png_set_compression_level(png, level);
+      png_set_filter(png, 0, PNG_FILTER_SUB);
       if constexpr (std::endian::native == std::endian::little) {
         png_set_swap(png);
       }
@@ -154,16 +165,24 @@ class PngOutput : public PictureOutput {
   }
 
   void writeRows(int, const host::ConstImageView& pixels) override {
-    const RowEncoder::Rows rows = encoder_.encode(pixels);
-    const host::Depth depth = rows.quantised ? (isDeep() ? host::Depth::Bits16 : host::Depth::Bits8) : pixels.depth;
+    // Row by row, so that each stays in the processor's caches on its way.
     for (int y = 0; y < pixels.size.height; ++y) {
-      const png_const_bytep row = fileRow(rows.data + y * rows.row_bytes, depth, pixels.size.width);
-      writer_.run([&] { png_write_row(writer_.png(), row); });
+      const RowEncoder::Rows row =
+          encoder_.encode({pixels.row(y), pixels.row_bytes, {pixels.size.width, 1}, pixels.depth});
+      const host::Depth depth = row.quantised ? (isDeep() ? host::Depth::Bits16 : host::Depth::Bits8) : pixels.depth;
+      writeRow(fileRow(row.data, depth, pixels.size.width), pixels.size.width);
     }
   }
 
   void close() override {
-    writer_.run([&] { png_write_end(writer_.png(), nullptr); });
+    if (!packing_) {
+      return writer_.run([&] { png_write_end(writer_.png(), nullptr); });
+    }
+    const std::span<const std::uint8_t> pixels = packing_->packed();
+    writer_.run([&] {
+      png_write_chunk(writer_.png(), reinterpret_cast<png_const_bytep>("IDAT"), pixels.data(), pixels.size());
+      png_write_chunk(writer_.png(), reinterpret_cast<png_const_bytep>("IEND"), nullptr, 0);
+    });
   }
 
  private:
@@ -195,7 +214,21 @@ class PngOutput : public PictureOutput {
     addText("Software", recordText(picture_.settings));
   }
 
-  // The row as the file holds it, from one of four channels at that depth.
+  void writeRow(png_const_bytep row, int width) {
+    if (!packing_) {
+      return writer_.run([&] { png_write_row(writer_.png(), row); });
+    }
+    if (isDeep() && std::endian::native == std::endian::little) {
+      const auto* const samples = reinterpret_cast<const std::uint16_t*>(row);
+      swapped_.resize(static_cast<std::size_t>(channels_) * static_cast<std::size_t>(width));
+      std::transform(samples, samples + swapped_.size(), swapped_.begin(),
+                     [](std::uint16_t sample) { return static_cast<std::uint16_t>(sample << 8 | sample >> 8); });
+      row = reinterpret_cast<png_const_bytep>(swapped_.data());
+    }
+    packing_->add(row);
+  }
+
+  // The row as the machine holds it, in the file's type, from one of four channels at that depth.
   png_const_bytep fileRow(const std::byte* row, host::Depth depth, int width) {
     const host::Depth wanted = isDeep() ? host::Depth::Bits16 : host::Depth::Bits8;
     if (depth != wanted) {
@@ -210,12 +243,21 @@ class PngOutput : public PictureOutput {
     if (channels_ == 4) {
       return reinterpret_cast<png_const_bytep>(row);
     }
-    const std::size_t sample = isDeep() ? 2 : 1;
-    opaque_.resize(3 * sample * static_cast<std::size_t>(width));
-    for (std::size_t x = 0; x < static_cast<std::size_t>(width); ++x) {
-      std::memcpy(opaque_.data() + 3 * sample * x, row + 4 * sample * x, 3 * sample);
+    if (isDeep()) {
+      dropAlpha<2>(row, static_cast<std::size_t>(width));
+    } else {
+      dropAlpha<1>(row, static_cast<std::size_t>(width));
     }
     return reinterpret_cast<png_const_bytep>(opaque_.data());
+  }
+
+  template <std::size_t kSampleBytes>
+  void dropAlpha(const std::byte* row, std::size_t width) {
+    // A pixel is written whole, and its alpha overwritten by the next.
+    opaque_.resize(kSampleBytes * (3 * width + 1));
+    for (std::size_t x = 0; x < width; ++x) {
+      std::memcpy(opaque_.data() + 3 * kSampleBytes * x, row + 4 * kSampleBytes * x, 4 * kSampleBytes);
+    }
   }
 
   const OutputPicture& picture_;
@@ -226,6 +268,8 @@ class PngOutput : public PictureOutput {
   std::vector<png_text> chunks_;
   std::vector<std::byte> converted_;  // a row of the file's type
   std::vector<std::byte> opaque_;     // and one without alpha
+  std::vector<std::uint16_t> swapped_;
+  std::optional<PngPacking> packing_;  // of pictures that are not too large for it
 };
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 #include <istream>
+#include <iterator>
 #include <string>
 
 namespace vantorel::cli {
@@ -40,21 +41,57 @@ bool standsAlone(int marker) {
   return marker == 0x00 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD8);
 }
 
+// A file's bytes one after the other, read in blocks.
+class ByteReader {
+ public:
+  explicit ByteReader(std::istream& file) : file_(file) {}
+
+  // -1 at the end.
+  int next() { return at_ < count_ || refill() ? static_cast<unsigned char>(block_[at_++]) : -1; }
+
+  // Goes behind the next byte of that value; false where there is none.
+  bool find(int value) {
+    while (at_ < count_ || refill()) {
+      const void* const found = std::memchr(block_.data() + at_, value, count_ - at_);
+      if (found != nullptr) {
+        at_ = static_cast<std::size_t>(static_cast<const char*>(found) - block_.data()) + 1;
+        return true;
+      }
+      at_ = count_;
+    }
+    return false;
+  }
+
+  void skip(std::size_t bytes) {
+    while (bytes > 0 && (at_ < count_ || refill())) {
+      const std::size_t step = std::min(bytes, count_ - at_);
+      at_ += step;
+      bytes -= step;
+    }
+  }
+
+ private:
+  bool refill() {
+    file_.read(block_.data(), std::ssize(block_));
+    count_ = static_cast<std::size_t>(file_.gcount());
+    at_ = 0;
+    return count_ > 0;
+  }
+
+  std::istream& file_;
+  std::array<char, 65536> block_{};
+  std::size_t at_ = 0;
+  std::size_t count_ = 0;
+};
+
 // Whether there is an end-of-image marker outside the segments; thumbnails inside segments have markers of their own.
 bool jpegIsWhole(std::istream& file) {
-  std::streambuf& bytes = *file.rdbuf();
-  bytes.pubseekpos(2);
-  while (true) {
-    int byte = bytes.sbumpc();
-    while (byte != kFill && byte != std::char_traits<char>::eof()) {
-      byte = bytes.sbumpc();
-    }
-    int marker = byte;
+  file.seekg(2);
+  ByteReader bytes(file);
+  while (bytes.find(kFill)) {
+    int marker = kFill;
     while (marker == kFill) {
-      marker = bytes.sbumpc();
-    }
-    if (marker == std::char_traits<char>::eof()) {
-      return false;
+      marker = bytes.next();
     }
     if (marker == kEndOfImage) {
       return true;
@@ -62,15 +99,14 @@ bool jpegIsWhole(std::istream& file) {
     if (standsAlone(marker)) {
       continue;
     }
-    const int high = bytes.sbumpc();
-    const int low = bytes.sbumpc();
-    if (low == std::char_traits<char>::eof()) {
+    const int high = bytes.next();
+    const int low = bytes.next();
+    if (low < 0) {
       return false;
     }
-    for (int left = high * 256 + low - 2; left > 0; --left) {
-      bytes.sbumpc();
-    }
+    bytes.skip(static_cast<std::size_t>(std::max(0, high * 256 + low - 2)));
   }
+  return false;
 }
 
 constexpr std::array<unsigned char, 4> kOpenExrSignature{0x76, 0x2F, 0x31, 0x01};

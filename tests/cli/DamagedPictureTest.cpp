@@ -12,15 +12,23 @@
 namespace vantorel::cli {
 namespace {
 
+// The check sum of a PNG's chunk, over its type and data.
+std::uint32_t pngCheckSum(const std::string& bytes) {
+  return static_cast<std::uint32_t>(
+      crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size())));
+}
+
 std::string bigEndian(std::uint32_t value) {
   return {static_cast<char>(value >> 24), static_cast<char>(value >> 16), static_cast<char>(value >> 8),
           static_cast<char>(value)};
 }
 
+std::string pngChunk(const std::string& type, const std::string& data) {
+  return bigEndian(static_cast<std::uint32_t>(data.size())) + type + data + bigEndian(pngCheckSum(type + data));
+}
+
 std::string pngOffsetChunk(std::uint32_t x, std::uint32_t y) {
-  const std::string chunk = "oFFs" + bigEndian(x) + bigEndian(y) + '\0';
-  const uLong check_sum = crc32(0, reinterpret_cast<const Bytef*>(chunk.data()), static_cast<uInt>(chunk.size()));
-  return bigEndian(9) + chunk + bigEndian(static_cast<std::uint32_t>(check_sum));
+  return pngChunk("oFFs", bigEndian(x) + bigEndian(y) + '\0');
 }
 
 constexpr std::size_t kEndOfPngHeader = 33;
@@ -117,6 +125,77 @@ TEST(DamagedPicture, LengthsBeyondTheEndOfTheFileTakeNoMemory) {
     EXPECT_LT(peakGrowthOf([&] { EXPECT_THROW(readAt(folder / name, host::Depth::Bits8), CommandError); }), kLittle)
         << name;
   }
+}
+
+// A few thousand bytes that become millions, and heads of large pictures without the pixels.
+TEST(DamagedPicture, MemoryStaysInProportionToTheFile) {
+  const TestFolder folder;
+  for (const char* name : {"texts.png", "rows.png", "scans.jpg"}) {
+    ImageSpec spec(8, 8, 3, TypeDesc::UINT8);
+    spec.attribute("jpeg:progressive", 1);
+    writeFile<std::uint8_t>(folder / name, spec, std::vector<std::uint8_t>(192, 100));
+  }
+  const auto replace = [&](const char* name, std::size_t at, const std::string& bytes, std::size_t count) {
+    std::string file = contents(folder / name);
+    std::ofstream(folder / name, std::ios::binary) << file.replace(at, count, bytes);
+  };
+
+  std::vector<Bytef> packed(10000);
+  uLongf size = packed.size();
+  compress2(packed.data(), &size, std::vector<Bytef>(7900000, 'a').data(), 7900000, 9);
+  const std::string text(reinterpret_cast<const char*>(packed.data()), size);
+  std::string chunks;
+  for (int i = 0; i < 12; ++i) {
+    chunks += pngChunk("zTXt", std::string("key") + char('0' + i) + std::string(2, '\0') + text);
+  }
+  replace("texts.png", kEndOfPngHeader, chunks, 0);
+  EXPECT_LT(peakGrowthOf([&] { readAt(folder / "texts.png", host::Depth::Bits8); }), kLittle);
+
+  // 30000x30000 pixels, interlaced.
+  const std::string head = "IHDR" + bigEndian(30000) + bigEndian(30000) + std::string("\x08\x02\0\0\x01", 5);
+  replace("rows.png", 12, head + bigEndian(pngCheckSum(head)), kEndOfPngHeader - 12);
+  EXPECT_LT(peakGrowthOf([&] { EXPECT_THROW(readAt(folder / "rows.png", host::Depth::Bits8), CommandError); }),
+            kLittle);
+
+  const std::size_t frame = contents(folder / "scans.jpg").find("\xFF\xC2");
+  ASSERT_NE(frame, std::string::npos);
+  replace("scans.jpg", frame + 5, "\x75\x30\x75\x30", 4);
+  EXPECT_LT(peakGrowthOf([&] { EXPECT_THROW(readAt(folder / "scans.jpg", host::Depth::Bits8), CommandError); }),
+            kLittle);
+}
+
+// Pixels that are damaged in every layer of their packing are refused, by libpng's own words.
+TEST(DamagedPicture, DamagedPixelsOfPngAreRefused) {
+  const TestFolder folder;
+  const std::string path = folder / "a.png";
+  writeFile<std::uint8_t>(path, ImageSpec(8, 8, 3, TypeDesc::UINT8), std::vector<std::uint8_t>(192, 100));
+  const std::string whole = contents(path);
+  const std::size_t begin = whole.find("IDAT") - 4;
+  const std::size_t end = whole.find("IEND") - 4;
+  const std::string data = whole.substr(begin + 8, end - begin - 12);
+  const auto faultOf = [&](const std::string& pixels) -> std::string {
+    std::ofstream(path, std::ios::binary) << whole.substr(0, begin) << pixels << whole.substr(end);
+    try {
+      readAt(path, host::Depth::Bits8);
+    } catch (const CommandError& error) {
+      return error.text();
+    }
+    return "none";
+  };
+  const std::string odd_check = data.substr(0, data.size() - 1) + char(data.back() ^ 1);
+  const std::string rows(8 * 25, '\x09');
+  std::vector<Bytef> packed(1000);
+  uLongf size = packed.size();
+  compress(packed.data(), &size, reinterpret_cast<const Bytef*>(rows.data()), rows.size());
+  const std::string odd_filter(reinterpret_cast<const char*>(packed.data()), size);
+
+  EXPECT_EQ(faultOf(pngChunk("IDAT", data)), "none");
+  EXPECT_NE(faultOf(bigEndian(static_cast<std::uint32_t>(data.size())) + "IDAT" + data + "abcd").find("CRC error"),
+            std::string::npos);
+  EXPECT_NE(faultOf(pngChunk("IDAT", odd_check)).find("incorrect data check"), std::string::npos);
+  EXPECT_NE(faultOf(pngChunk("IDAT", data.substr(0, data.size() / 2))).find("Not enough image data"),
+            std::string::npos);
+  EXPECT_NE(faultOf(pngChunk("IDAT", odd_filter)).find("bad adaptive filter value"), std::string::npos);
 }
 
 // What a file states is refused by the limits, which the environment moves; and a picture around a data window that
