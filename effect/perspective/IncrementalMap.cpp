@@ -45,23 +45,29 @@ void findRange(Stepper* stepper) {
   if (!(2.0 * rest < powerOfTwo(exponent - 52))) {
     return;
   }
+  const auto take_if_held = [&](int range) {
+    // The neighbours of the last pixel lie a step beyond it.
+    const double last = at + (range + 1.0) * right;
+    const double low = std::min(at, last) + std::min(down, 0.0) - rest;
+    const double high = std::max(at, last) + std::max(down, 0.0) + rest;
+    const bool is_held = signAndExponent(low) == sign_and_exponent && signAndExponent(high) == sign_and_exponent;
+    if (is_held) {
+      stepper->range = range;
+      stepper->increment = right;
+    }
+    return is_held;
+  };
+  if (stepper->wanted > 0 && take_if_held(stepper->wanted)) {
+    return;
+  }
   // The steps up to the value at which the exponent changes, less the reach of the neighbours below. Two steps are
   // subtracted for the neighbours on the right and for the rounding of this estimate.
   const bool grows = (at < 0.0) == (right < 0.0);
   const double end = std::copysign(powerOfTwo(grows ? exponent + 1 : exponent), at);
   const double reach = (right < 0.0) == (down < 0.0) ? down : 0.0;
   const double steps = right == 0.0 ? kLongestRange : std::min((end - at - reach) / right - 2.0, kLongestRange);
-  if (!(steps >= 1.0)) {
-    return;
-  }
-  const int range = static_cast<int>(steps);
-  // The neighbours of the last pixel lie a step beyond it.
-  const double last = at + (range + 1.0) * right;
-  const double low = std::min(at, last) + std::min(down, 0.0) - rest;
-  const double high = std::max(at, last) + std::max(down, 0.0) + rest;
-  if (signAndExponent(low) == sign_and_exponent && signAndExponent(high) == sign_and_exponent) {
-    stepper->range = range;
-    stepper->increment = right;
+  if (steps >= 1.0) {
+    take_if_held(static_cast<int>(steps));
   }
 }
 

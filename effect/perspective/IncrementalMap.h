@@ -17,6 +17,7 @@ struct Stepper {
   double down;             // the change to the pixel below
   double increment = 0.0;  // what each pixel of the constant-exponent range adds
   int range = 0;           // how many pixels ahead are known to lie in the range; there may be more
+  int wanted = 0;          // a range that is tried first, since it spares a division: that of the row, if known
 };
 
 struct IncrementalMap {

@@ -123,11 +123,17 @@ void sampleColumns(const KZFX_PerspectiveInfo& info, const ColumnRange& columns,
   InputScale scale;
   IncrementalMap map = kIsHigh ? highQualityMap(info, x, y, &scale) : standardMap(info, x, y, &scale);
   advance(&map, static_cast<int>(columns.first - x));
+  std::int64_t remaining = columns.end - columns.first;
+  // A batch computes whole vectors.
+  constexpr int kVectorPixels = 8;
+  constexpr std::int64_t kMostWanted = 1 << 20;
+  for (Stepper* stepper : {&map.u, &map.v, &map.w}) {
+    stepper->wanted = static_cast<int>(std::min(remaining + kVectorPixels, kMostWanted));
+  }
 
   PixelBatch batches[2];
   int counts[2];
   bool any_at_infinity[2];
-  std::int64_t remaining = columns.end - columns.first;
   const auto compute = [&](int k) {
     counts[k] = static_cast<int>(std::min<std::int64_t>(remaining, kBatchPixels));
     any_at_infinity[k] = counts[k] > 0 && (kIsHigh ? functions.footprints(&map, scale, counts[k], &batches[k])

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 
 #include "host/composing/Accumulate.h"
@@ -13,18 +14,22 @@
 #include "host/composing/VertexLayer.h"
 #include "host/frames/FrameParameters.h"
 #include "host/frames/FrameProtocols.h"
+#include "platform/ClearPixels.h"
 
 namespace vantorel::host {
 
 namespace {
 
 // On the perspective path a tile is drawn in vertical strips of at most this width in samples, which bounds the cost of
-// drawing a narrow part of a tile. Narrower strips would slow down whole frames by more than they save.
-constexpr int kMaxStripSamples = 128;
+// drawing a narrow part of a tile. Narrower strips would slow down whole frames by more than they save; at Best, tiles
+// are small already.
+int maxStripSamples(Quality quality) {
+  return quality == Quality::Best ? 128 : 64;
+}
 
 // The strips' width in pixels, which divides the tile's width.
-int stripWidthFor(int samples) {
-  return kMaxStripSamples / static_cast<int>(std::bit_ceil(static_cast<unsigned>(samples)));
+int stripWidthFor(int samples, Quality quality) {
+  return maxStripSamples(quality) / static_cast<int>(std::bit_ceil(static_cast<unsigned>(samples)));
 }
 
 // How positions are measured. A move by whole pixels needs neither the outline's half pixel nor more than one sample.
@@ -51,9 +56,12 @@ Rect common(const Rect& a, const Rect& b) {
   return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right), std::min(a.bottom, b.bottom)};
 }
 
+// Past the caches where the view is a part of a large picture.
 void clear(const ImageView& view) {
+  const StorePolicy policy = storePolicyFor(static_cast<std::uint64_t>(std::abs(view.row_bytes)) *
+                                            static_cast<std::uint64_t>(view.size.height));
   for (int y = 0; y < view.size.height; ++y) {
-    std::memset(view.row(y), 0, bytesPerPixel(view.depth) * static_cast<std::size_t>(view.size.width));
+    clearBytes(view.row(y), bytesPerPixel(view.depth) * static_cast<std::size_t>(view.size.width), policy);
   }
 }
 
@@ -86,18 +94,28 @@ Rect samplesFor(const TileGrid& grid, const Rect& visible, bool is_scanned) {
   return {left, top, right, bottom};
 }
 
+// Whether a part of a tile lies wholly outside of the picture.
+bool showsNothing(const FramePlan& plan, const Rect& part) {
+  return plan.path == RenderPath::Perspective &&
+         plan.outline
+             .cut(Box{static_cast<double>(part.left), static_cast<double>(part.top), static_cast<double>(part.right),
+                      static_cast<double>(part.bottom)})
+             .empty();
+}
+
 // Calls `draw(piece)` for the pieces that make up `visible`, up to the first error.
 //
 // The bits of a perspective row depend on where the row begins, so the tile is cut into strips of a fixed width; its
 // rows are independent. The bilinear scan may begin anywhere.
 template <typename Draw>
-Result<void> forEachPiece(const FramePlan& plan, const Rect& tile, int samples, const Rect& visible, const Draw& draw) {
+Result<void> forEachPiece(const FramePlan& plan, Quality quality, const Rect& tile, int samples, const Rect& visible,
+                          const Draw& draw) {
   const bool is_standard_enough = isStandardEnough(plan, tile, samples);
   if (plan.path == RenderPath::Bilinear) {
     const TileGrid grid = gridOf(plan, tile, samples);
     return draw(Piece{grid, visible, samplesFor(grid, visible, true), is_standard_enough});
   }
-  const int width = stripWidthFor(samples);
+  const int width = stripWidthFor(samples, quality);
   for (int left = tile.left; left < tile.right; left += width) {
     const Rect strip{left, tile.top, std::min(left + width, tile.right), tile.bottom};
     const Rect part = common(strip, visible);
@@ -112,6 +130,20 @@ Result<void> forEachPiece(const FramePlan& plan, const Rect& tile, int samples, 
   return {};
 }
 
+const FrameOptions& optionsFor(const TileSetting& setting, const Piece& piece) {
+  return piece.is_standard_enough ? setting.standard_options : setting.options;
+}
+
+// The width of the canvas that a perspective row's first `needed` samples are drawn on. At High the effect counts in
+// its canvas's width, which it divides by in the end: halves of it give the same bits. At Standard it rounds in
+// between.
+int canvasWidth(int width, int needed, Quality quality) {
+  while (quality != Quality::Standard && width % 2 == 0 && width / 2 >= needed) {
+    width /= 2;
+  }
+  return width;
+}
+
 // The canvas that the module draws for a piece: whole rows of the grid on the perspective path, only the needed samples
 // on the bilinear one.
 struct PieceCanvas {
@@ -120,11 +152,12 @@ struct PieceCanvas {
   RowRange rows;  // of the canvas
 };
 
-PieceCanvas canvasOf(const FramePlan& plan, const Piece& piece) {
+PieceCanvas canvasOf(const FramePlan& plan, const Piece& piece, Quality quality) {
   const Size size = piece.grid.size();
   const Point origin = piece.grid.origin();
   if (plan.path == RenderPath::Perspective) {
-    return {origin, {0, 0, size.width, size.height}, {piece.samples.top, piece.samples.bottom}};
+    const int width = canvasWidth(size.width, piece.samples.right, quality);
+    return {origin, {0, 0, width, size.height}, {piece.samples.top, piece.samples.bottom}};
   }
   const double n = piece.grid.samples;
   return {{origin.x + piece.samples.left / n, origin.y + piece.samples.top / n},
@@ -152,8 +185,7 @@ Result<void> drawSamples(const TileSetting& setting, const TileLayer& layer, con
     frame.output = worldOf(frame.guard->world());
   }
   fillParameters(&frame, setting.options.time);
-  const FrameOptions& options = piece.is_standard_enough ? setting.standard_options : setting.options;
-  const FrameJob job{setting.module, frame, layer.pixels.size, options};
+  const FrameJob job{setting.module, frame, layer.pixels.size, optionsFor(setting, piece)};
   const int left = layer.is_on_plane ? static_cast<int>(canvas.origin.x) : 0;
   const int top = layer.is_on_plane ? static_cast<int>(canvas.origin.y) : 0;
   const Result<Rect> rows = drawRows(job, {left, top, left + drawn.size.width, top + drawn.size.height}, canvas.rows);
@@ -202,7 +234,7 @@ Result<void> drawPiece(const TileSetting& setting, const FramePlan& plan, const 
     }
     drawn = partOf(worker.samples.view(), 0, 0, piece.grid.size());
   }
-  const PieceCanvas canvas = canvasOf(plan, piece);
+  const PieceCanvas canvas = canvasOf(plan, piece, optionsFor(setting, piece).quality);
   const ImageView part =
       partOf(drawn, canvas.on_grid.left, canvas.on_grid.top, {canvas.on_grid.width(), canvas.on_grid.height()});
   return drawSamples(setting, layer, convention, piece, canvas, worker.frame, part).map([&] {
@@ -258,10 +290,15 @@ Result<void> drawMoment(const TileSetting& setting, const FramePlan& plan, const
   if (!layer) {
     return drawFarTile(setting, plan, tile, visible, worker, target);
   }
-  return forEachPiece(plan, tile.area, samples, visible, [&](const Piece& piece) {
+  return forEachPiece(plan, setting.options.quality, tile.area, samples, visible, [&](const Piece& piece) {
     const Rect& part = piece.visible;
-    return drawPiece(setting, plan, *layer, piece, worker,
-                     partOf(target, part.left - visible.left, part.top - visible.top, {part.width(), part.height()}));
+    const ImageView view =
+        partOf(target, part.left - visible.left, part.top - visible.top, {part.width(), part.height()});
+    if (showsNothing(plan, part)) {
+      clear(view);
+      return Result<void>();
+    }
+    return drawPiece(setting, plan, *layer, piece, worker, view);
   });
 }
 

@@ -36,7 +36,8 @@ double someNumber(int exponent) {
 RC_GTEST_PROP(IncrementalMap, EqualsItsStepsToTheBit, ()) {
   const int exponent = *rc::gen::inRange(-30, 30);
   const auto step_exponent = [&] { return exponent - *rc::gen::inRange(0, 60); };
-  const Stepper start{someNumber(exponent), someNumber(step_exponent()), someNumber(step_exponent())};
+  Stepper start{someNumber(exponent), someNumber(step_exponent()), someNumber(step_exponent())};
+  start.wanted = *rc::gen::inRange(0, 300);
   IncrementalMap along{start, start, start};
   IncrementalMap visiting = along;
   Stepper stored = start;

@@ -237,7 +237,7 @@ const MessageSuite kMessages{.message = setMessage, .set_persistent = setMessage
 
 const MultiThreadSuite kThreads{.cpu_count =
                                     [](unsigned* count) {
-                                      *count = 2;
+                                      *count = the_host->processors;
                                       return answer("cpu_count");
                                     },
                                 .is_spawned_thread = [] { return 0; }};

@@ -95,6 +95,7 @@ class TestHost {
   bool refuses_all_after = false;
   Status refusal = Status::Failed;
 
+  unsigned processors = 2;
   std::atomic<int> calls = 0;
   std::atomic<int> images_out = 0;  // fetched and not yet released
   std::atomic<bool> aborts = false;
