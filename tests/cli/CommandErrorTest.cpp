@@ -202,8 +202,10 @@ TEST(CommandError, NoThreadsAreAMessageToo) {
                             (geteuid() == 0 ? "setpriv --reuid=$((60000 + $$ % 5000)) --clear-groups" : "");
   std::filesystem::permissions(folder.path(), std::filesystem::perms::all);
   const std::string with_one_more = std::regex_replace(alone, std::regex("ulimit -p 1"), "ulimit -p 2");
-  expectRefused(folder, {{"testcard -o card.png", 1, "cannot start a thread", alone},
-                         {"testcard -o card.png", 1, "raise the limits on processes", with_one_more}});
+  const std::string fault = "cannot start a thread (Resource temporarily unavailable); raise the limits on processes";
+  expectRefused(folder, {{"testcard -o card.png", 1, fault, alone}});
+  // The rows of pictures make do with the threads that there are.
+  EXPECT_EQ(run(folder, "testcard -o card.png", with_one_more).code, 0);
 }
 
 TEST(CommandError, StandardOutputThatCannotBeWrittenEndsTheRun) {
