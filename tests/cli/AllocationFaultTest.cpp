@@ -126,13 +126,18 @@ class AllocationFaults : public ::testing::Test {
     }
     for (const auto& [name, bytes] : found) {
       if (!whole_.contains(name)) {
+        // Where the dynamic loader ends the process, its temporary file is left to the next run, which removes it.
+        if (!isTold(result) && name.starts_with('.')) {
+          continue;
+        }
         return name + " is left";
       }
       if (bytes != whole_.at(name) && bytes != older_.at(name)) {
         return name + " is half written";
       }
     }
-    return found.size() == whole_.size() ? "" : "a file is lost";
+    return std::ranges::all_of(whole_, [&](const auto& file) { return found.contains(file.first); }) ? ""
+                                                                                                     : "a file is lost";
   }
 
   const TestFolder folder_;

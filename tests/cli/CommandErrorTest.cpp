@@ -95,7 +95,7 @@ TEST(CommandError, Arguments) {
           {still + "--threads 0", 2, "--threads"},
           {still + "--fps 0 --frames 1", 2, "--fps"},
           {sequence + "--frames 5-1", 2, "--frames: '5-1' ends before it starts"},
-          {sequence + "--frames 1-2147483647 --fps 29.97", 2, "--frames: frame 2147483647 at this --fps"},
+          {sequence + "--frames 1-2147483647 --fps 29.97", 2, "--frames: the time of frame 2147483647 at this --fps"},
           {still + "--frames 1-2", 2, "--output: 'out.png' has no placeholder for the frame number"},
           {"render card.png -o out.%s.png --frames 1-2", 2,
            "--output: 'out.%s.png' has a % that is not a frame number"},
