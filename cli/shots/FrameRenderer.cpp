@@ -171,8 +171,11 @@ void FrameRenderer::prepareOutput(const host::Rect& canvas) {
   }
   output_ = {};
   if (const auto shortage = memoryShortage(pictureBytes(size, shot_.depth))) {
-    throw outOfMemory("--fit", fmt::format("the picture, {}, {}; move the corners nearer to the layer or give --size",
-                                           toText(size), *shortage));
+    const bool fits = shot_.options.fit;
+    throw outOfMemory(fits ? "--fit" : "--size",
+                      fmt::format("the picture, {}, {}; {}", toText(size), *shortage,
+                                  fits ? "move the corners nearer to the layer or give --size"
+                                       : "give a smaller --size, a smaller --depth, or --downsample"));
   }
   output_ = valueOrThrow(host::Image::create(size, shot_.depth));
 }

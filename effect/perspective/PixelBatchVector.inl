@@ -10,8 +10,7 @@
 //   intsOfShifted(a, shift)  the whole numbers a - shift, for the kRoundingShift below
 //
 // Everything is in an unnamed namespace, and no inline function of the standard library is called: the linker keeps
-// only one copy of an inline function, and if that were the one compiled for this instruction set, code that has to run
-// on any processor would call it.
+// only one copy of an inline function, which must not be one that not every processor can run.
 
 namespace {
 
@@ -191,8 +190,7 @@ inline void measureExactly(const FootprintVectors& at, const InputScale& scale, 
   measure(at.v, scale.y, out->y, extents->y);
 }
 
-// For batches near the horizon, and for maps whose values are outside the range for which the approximation's error is
-// bounded.
+// For batches near the horizon, and for maps for which the approximation's error has no bound.
 [[gnu::noinline]] bool exactFootprints(IncrementalMap* map, const InputScale& scale, int count, PixelBatch* out) {
   Extents extents;
   // A divisor above this has no neighbour whose divisor is 0.
@@ -220,8 +218,7 @@ inline void measureExactly(const FootprintVectors& at, const InputScale& scale, 
 // ---- Approximate footprints ----------------------------------------------------------------------------------------
 
 // One division per pixel instead of eight, without the rounding of each step. A result is kept if the error bound shows
-// that it rounds to the same 16.16 number as the exact one; the few vectors with ambiguous results are measured again
-// exactly.
+// that it rounds to the same 16.16 number as the exact one; the few ambiguous vectors are measured again exactly.
 
 // Return the second number if either is a NaN.
 inline double minOrSecond(double a, double b) {
