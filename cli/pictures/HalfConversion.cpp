@@ -31,23 +31,32 @@ void floatsOf(const std::uint16_t* halves, std::size_t count, float* floats) {
 }
 
 #if defined(__x86_64__)
+// The conversion instructions change the bits of some NaNs: pixels with NaNs are converted as without them.
+__attribute__((target("avx,f16c"))) bool holdsNaN(__m256 values) {
+  return _mm256_movemask_ps(_mm256_cmp_ps(values, values, _CMP_UNORD_Q)) != 0;
+}
+
 __attribute__((target("avx,f16c"))) void halvesOfByF16c(const float* floats, std::size_t count, std::uint16_t* halves) {
   constexpr std::size_t kAtOnce = 8;
   std::size_t i = 0;
   for (; i + kAtOnce <= count; i += kAtOnce) {
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(halves + i),
-                     _mm256_cvtps_ph(_mm256_loadu_ps(floats + i), _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC));
+    const __m256 values = _mm256_loadu_ps(floats + i);
+    if (holdsNaN(values)) {
+      halvesOf(floats + i, kAtOnce, halves + i);
+    } else {
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(halves + i),
+                       _mm256_cvtps_ph(values, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC));
+    }
   }
   halvesOf(floats + i, count - i, halves + i);
 }
 
-// The instruction makes every NaN a quiet one.
 __attribute__((target("avx,f16c"))) void floatsOfByF16c(const std::uint16_t* halves, std::size_t count, float* floats) {
   constexpr std::size_t kAtOnce = 8;
   std::size_t i = 0;
   for (; i + kAtOnce <= count; i += kAtOnce) {
     const __m256 values = _mm256_cvtph_ps(_mm_loadu_si128(reinterpret_cast<const __m128i*>(halves + i)));
-    if (_mm256_movemask_ps(_mm256_cmp_ps(values, values, _CMP_UNORD_Q)) != 0) {
+    if (holdsNaN(values)) {
       floatsOf(halves + i, kAtOnce, floats + i);
     } else {
       _mm256_storeu_ps(floats + i, values);

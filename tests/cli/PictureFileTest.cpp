@@ -1,9 +1,11 @@
 // Picture files of every format, in and out.
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 #include "PictureFiles.h"
 #include "cli/pictures/FileRecord.h"
+#include "cli/pictures/HalfConversion.h"
 
 namespace vantorel::cli {
 namespace {
@@ -341,6 +343,29 @@ TEST(PictureFile, CameraOrientationsAreTurnedUpright) {
       }
     }
     EXPECT_EQ(read, upright[static_cast<std::size_t>(orientation - 1)]) << "orientation " << orientation;
+  }
+}
+
+// Many at once, by vector code where the processor has it, are those that are converted one by one.
+TEST(HalfConversion, EveryHalfAndFloatsOfAllKindsKeepTheirBits) {
+  constexpr std::size_t kCount = 1 << 16;
+  std::vector<std::uint16_t> halves(kCount);
+  std::vector<float> floats(kCount);
+  std::vector<std::uint32_t> bits(kCount);
+  for (std::size_t i = 0; i < kCount; ++i) {
+    halves[i] = static_cast<std::uint16_t>(i);
+    bits[i] = static_cast<std::uint32_t>(i * 65537 + i * i);  // every exponent, NaNs and infinities among them
+  }
+  fromHalf(halves.data(), kCount, floats.data());
+  std::vector<std::uint16_t> converted(kCount);
+  toHalf(reinterpret_cast<const std::byte*>(bits.data()), host::Depth::Float, kCount, converted.data());
+  for (std::size_t i = 0; i < kCount; ++i) {
+    float one = 0.0f;
+    fromHalf(&halves[i], 1, &one);
+    ASSERT_EQ(std::memcmp(&one, &floats[i], sizeof one), 0) << "half " << i;
+    std::uint16_t alone = 0;
+    toHalf(reinterpret_cast<const std::byte*>(&bits[i]), host::Depth::Float, 1, &alone);
+    ASSERT_EQ(alone, converted[i]) << "float of bits " << bits[i];
   }
 }
 
