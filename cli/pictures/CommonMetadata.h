@@ -1,4 +1,4 @@
-// One name and type for what several formats state each in a way of its own.
+// Common names and types for metadata that each format states in its own way.
 #pragma once
 
 #include <optional>
@@ -17,7 +17,7 @@ void useCommonNames(Metadata& metadata);
 // "Latitude" or "Longitude".
 std::optional<double> positionDegrees(const Metadata& metadata, const std::string& axis);
 
-// Of the attribute of that name, which is a rational; nothing without one.
+// The value of a rational attribute; nothing if there is none.
 std::optional<double> framesPerSecond(const Metadata& metadata);
 
 }  // namespace vantorel::cli

@@ -1,4 +1,4 @@
-// Channels of an OpenEXR file besides those of its picture, as the file has them.
+// Channels of an OpenEXR file other than those of its picture, in the file's own sample types.
 #pragma once
 
 #include <OpenEXR/ImfChannelList.h>
@@ -12,22 +12,22 @@ namespace vantorel::cli {
 
 class ExtraChannels {
  public:
-  // Memory for those channels in that window, by the file's own count. It is not cleared.
+  // Allocates memory for these channels and this window, in the file's sampling. It is not cleared.
   ExtraChannels(const Imf::ChannelList& channels, const Imath::Box2i& window);
 
   const Imf::ChannelList& channels() const { return channels_; }
 
-  // Adds the channels to the buffer, for rows and columns within the window.
+  // Adds slices for the channels to the frame buffer; rows and columns must lie within the window.
   void addTo(Imf::FrameBuffer& buffer) const;
 
-  // Whether the window has all of another one.
+  // Whether the window contains another one.
   bool cover(const Imath::Box2i& window) const;
 
-  // The channels in another window, zero where they have no samples in this one.
+  // A copy for another window, with zeros where this one has no samples.
   ExtraChannels in(const Imath::Box2i& window) const;
 
  private:
-  // The samples of a channel. Positions are counted in its own samples.
+  // The samples of one channel; positions count its own samples, which may be subsampled.
   struct Plane {
     Plane(const Imf::Channel& channel, const Imath::Box2i& window);
 

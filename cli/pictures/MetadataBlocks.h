@@ -1,4 +1,4 @@
-// Blocks of metadata inside JPEG and PNG files that their libraries leave to others.
+// Metadata blocks in JPEG and PNG files that the libraries for these formats leave to the caller.
 #pragma once
 
 #include <cstddef>
@@ -10,15 +10,15 @@
 
 namespace vantorel::cli {
 
-// Empty where the file has none.
+// Empty if the file has none.
 struct JpegBlocks {
-  std::string exif;  // from its TIFF header on
+  std::string exif;  // starting at its TIFF header
   std::string xmp;
 };
 
 JpegBlocks readJpegBlocks(const std::string& path);
 
-// What a segment of JPEG holds, in bytes.
+// The capacity of a JPEG segment, in bytes.
 constexpr std::size_t kLongestXmpOfJpeg = 65502;
 
 // Puts what the format's writer leaves out into a picture that is otherwise complete: XMP into JPEG, and into PNG the

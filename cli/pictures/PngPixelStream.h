@@ -1,4 +1,4 @@
-// The pixels of a PNG file, unpacked ahead of libpng by a faster library.
+// Decompresses the pixel data of a PNG file before libpng reads it, with a faster library.
 #pragma once
 
 #include <png.h>
@@ -14,16 +14,16 @@
 
 namespace vantorel::cli {
 
-// Gives libpng the rest of a file, from the first chunk of pixels on, as a stream that is not packed: what libpng and
-// zlib then do is to copy. All else, filters among it, stays libpng's.
+// Feeds libpng the rest of a file, from the first IDAT chunk on, with the pixel data stored uncompressed, so that
+// libpng and zlib only copy it. Everything else, filters included, is left to libpng.
 class PngPixelStream {
  public:
-  // Unpacks the pixels of a file that stands behind the head of its first chunk of them; `size` is what its header
-  // makes them, filters included. False, with the file where it was, for pixels that are damaged or too many to be
-  // held: libpng then reads and judges them itself.
+  // Decompresses the pixel data of a file that is positioned just after the header of its first IDAT chunk; `size` is
+  // the decompressed size in bytes that follows from the image header, filter bytes included. Returns false, with the
+  // file's position unchanged, if the data is damaged or too large to hold: libpng then reads and judges it itself.
   bool unpack(std::FILE* file, std::uint64_t size);
 
-  // The next bytes, `size` of them; false where there are no more.
+  // Copies the next `size` bytes; false if there are not that many.
   bool read(png_bytep out, std::size_t size);
 
  private:
@@ -35,10 +35,10 @@ class PngPixelStream {
 
   std::vector<std::uint8_t> packed_;
   LargeBuffer pixels_;
-  std::uint32_t first_length_ = 0;                    // of the first chunk, whose head libpng has read
-  std::size_t first_left_ = 0;                        // what of it is not appended yet
-  std::array<std::uint8_t, 12> second_head_{};        // check of the first chunk, head of the second
-  std::vector<std::array<std::uint8_t, 5>> heads_{};  // of blocks that are not packed
+  std::uint32_t first_length_ = 0;                    // of the first chunk, whose header libpng has read
+  std::size_t first_left_ = 0;                        // bytes of it that are not appended yet
+  std::array<std::uint8_t, 12> second_head_{};        // CRC of the first chunk, header of the second
+  std::vector<std::array<std::uint8_t, 5>> heads_{};  // headers of stored deflate blocks
   std::vector<Bytes> pieces_;
   std::size_t piece_ = 0;
   std::size_t at_ = 0;  // within the piece

@@ -10,12 +10,12 @@ namespace vantorel::host {
 
 namespace {
 
-constexpr int kMaxEnlargedSide = 32767;           // what the effect's bilinear renderer reaches
+constexpr int kMaxEnlargedSide = 32767;           // limit of the effect's bilinear renderer
 constexpr std::int64_t kMaxFinePixels = 1 << 20;  // of layers enlarged more than twice
 
-// Measured, zone plate and bars on concave and nearly straight quadrilaterals of all sizes: where the shortest step
-// from sample to sample is at least so many layer pixels, means at the vertices come nearer to the true picture, by 2
-// to 7 dB, since they alias less; from 0.4 down they are too soft.
+// In layer pixels. Found by measuring a zone plate and bars on concave and nearly straight quadrilaterals of all sizes:
+// if the shortest step between samples is at least this long, means at the vertices are 2 to 7 dB closer to the true
+// picture, because they alias less; at steps of 0.4 and below they are too soft.
 constexpr double kShortestStepOfMeans = 0.5;
 
 double shortestStepOf(std::span<const FramePlan> moments) {

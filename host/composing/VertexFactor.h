@@ -1,4 +1,4 @@
-// How finely the bilinear path's layer is taken.
+// The resolution of the vertex layer that the bilinear path samples.
 #pragma once
 
 #include <span>
@@ -7,12 +7,12 @@
 
 namespace vantorel::host {
 
-// How many times a side the layer is enlarged to vertices (VertexLayer.h) for the moments that are drawn by the
-// bilinear path; 0 when there is none.
+// The factor per axis by which the layer is enlarged to vertices (VertexLayer.h) for the moments that are drawn on the
+// bilinear path; 0 if there are none.
 //
-// Twice loses nothing. A picture that the layer is not much enlarged for is taken at the layer's own size instead,
-// whose means of neighbours are no softer than the picture may be, and far quicker. It is more than twice where the
-// picture is so large that the effect's weights of 1/256 would show as steps.
+// A factor of 2 is exact. Where the layer is hardly enlarged the factor is 1: means of neighbouring pixels are then no
+// softer than the output's own pixels, and much faster. Factors above 2 are for enlargements so large that the effect's
+// blending weights, multiples of 1/256, would show as steps.
 int vertexFactorFor(std::span<const FramePlan> moments);
 
 }  // namespace vantorel::host
