@@ -133,6 +133,7 @@ void writeTag(TIFF* tiff, const GpsTag& tag, const Metadata& metadata) {
 // The place of the folder in the file; 0 where it could not be written.
 std::uint64_t writeGps(TIFF* tiff, const Metadata& metadata) {
   std::uint64_t place = 0;
+  TIFFFreeDirectory(tiff);  // libtiff forgets what the directory before it holds
   TIFFCreateGPSDirectory(tiff);
   constexpr std::array<std::uint8_t, 4> kVersion{2, 3, 0, 0};
   TIFFSetField(tiff, GPSTAG_VERSIONID, kVersion.data());
@@ -146,6 +147,9 @@ std::uint64_t writeGps(TIFF* tiff, const Metadata& metadata) {
 std::uint64_t writeFilmSpeed(TIFF* tiff, double speed) {
   std::uint64_t place = 0;
   const bool has_exif = TIFFGetField(tiff, TIFFTAG_EXIFIFD, &place) == 1;
+  if (!has_exif) {
+    TIFFFreeDirectory(tiff);
+  }
   if (has_exif ? TIFFReadEXIFDirectory(tiff, place) != 1 : TIFFCreateEXIFDirectory(tiff) != 0) {
     return 0;
   }
