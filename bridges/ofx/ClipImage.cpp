@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "bridges/ofx/Geometry.h"
 #include "bridges/ofx/Names.h"
 
 namespace vantorel::ofx {
@@ -31,12 +32,6 @@ constexpr std::array<std::pair<const char*, PixelDepth>, 4> kDepths{{{kDepthByte
 constexpr std::array<std::pair<const char*, Components>, 3> kComponents{
     {{kComponentsRgba, Components::Rgba}, {kComponentsRgb, Components::Rgb}, {kComponentsAlpha, Components::Alpha}}};
 
-// Whether its sides can be computed with.
-bool isHeld(const RectI& rect) {
-  constexpr std::int64_t kMaxSide = 1 << 20;
-  return std::int64_t{rect.x2} - rect.x1 <= kMaxSide && std::int64_t{rect.y2} - rect.y1 <= kMaxSide;
-}
-
 constexpr std::size_t channelBytes(PixelDepth depth) {
   return depth == PixelDepth::Byte ? 1 : depth == PixelDepth::Float ? 4 : 2;
 }
@@ -45,7 +40,7 @@ constexpr std::size_t channelBytes(PixelDepth depth) {
 
 Clip Clip::find(EffectHandle effect, const char* name) {
   Clip clip;
-  if (suites().effect->clip(effect, name, &clip.handle, &clip.properties) != Status::Ok) {
+  if (suites().effect->clip(effect, name, &clip.handle, &clip.properties) != Status::Ok || clip.handle == nullptr) {
     return {};
   }
   return clip;
@@ -66,6 +61,11 @@ std::optional<RectD> Clip::regionOfDefinition(Time time) const {
     return std::nullopt;
   }
   return region;
+}
+
+double pixelAspectOf(const Properties& properties) {
+  const double aspect = properties.number(kPropPixelAspect).value_or(1.0);
+  return isScale(aspect) ? aspect : 1.0;
 }
 
 std::optional<ClipImage> ClipImage::fetch(const Clip& clip, const char* name, Time time) {
@@ -109,17 +109,21 @@ void ClipImage::describe(const Clip& clip, const char* name) {
   depth_ = kindOf(required(properties.text(kPropPixelDepth), kPropPixelDepth), kDepths, name);
   components_ = kindOf(required(properties.text(kPropComponents), kPropComponents), kComponents, name);
   bounds_ = required(properties.rectangle("OfxImagePropBounds"), "OfxImagePropBounds");
-  full_frame_ = properties.rectangle("OfxImagePropRegionOfDefinition").value_or(bounds_);
-  if (full_frame_.empty() || !isHeld(full_frame_)) {
-    full_frame_ = bounds_;  // a frame without end has no outline
+  full_frame_ = properties.rectangle("OfxImagePropRegionOfDefinition");
+  if (full_frame_ && (full_frame_->empty() || !isBounded(*full_frame_))) {
+    full_frame_.reset();
   }
   row_bytes_ = required(properties.integer("OfxImagePropRowBytes"), "OfxImagePropRowBytes");
   data_ = static_cast<std::byte*>(properties.pointer("OfxImagePropData"));
   if (data_ == nullptr || bounds_.empty()) {
     refuse(name, "the host's image has no pixels");
   }
-  if (!isHeld(bounds_)) {
-    refuse(name, "the host's image is larger than can be drawn; use a smaller one");
+  if (!isBounded(bounds_)) {
+    refuse(name, "the host's image reaches farther than can be drawn; use a smaller one");
+  }
+  const auto channel_bytes = static_cast<std::ptrdiff_t>(channelBytes(depth_));
+  if (row_bytes_ % channel_bytes != 0 || reinterpret_cast<std::intptr_t>(data_) % channel_bytes != 0) {
+    refuse(name, "the host's image has channels at addresses that are not multiples of their size");
   }
   if (static_cast<std::size_t>(std::llabs(row_bytes_)) < static_cast<std::size_t>(bounds_.width()) * pixelBytes() &&
       bounds_.height() > 1) {
@@ -129,8 +133,7 @@ void ClipImage::describe(const Clip& clip, const char* name) {
   is_unpremultiplied_ = state ? *state == kUnpremultiplied : clip.isUnpremultiplied();
   const std::optional<std::string> field = properties.text("OfxImagePropField");
   is_field_ = field == "OfxFieldLower" || field == "OfxFieldUpper";
-  const double aspect = properties.number(kPropPixelAspect).value_or(1.0);
-  pixel_aspect_ = aspect > 0.0 ? aspect : 1.0;
+  pixel_aspect_ = pixelAspectOf(properties);
 }
 
 std::size_t ClipImage::pixelBytes() const {

@@ -21,9 +21,12 @@ struct Clip {
 
   bool isConnected() const;
   bool isUnpremultiplied() const;
-  // Canonical; nothing where the host cannot tell, or tells nothing of an area.
+  // Canonical, perhaps endless; nothing where the host cannot tell, or where it is empty.
   std::optional<RectD> regionOfDefinition(Time time) const;
 };
+
+// A clip's or an image's pixel aspect ratio; 1 where the host gives none that can be computed with.
+double pixelAspectOf(const Properties& properties);
 
 // An image, given back to the host at the end of its life.
 class ClipImage {
@@ -41,9 +44,10 @@ class ClipImage {
   bool isField() const { return is_field_; }
   double pixelAspect() const { return pixel_aspect_; }
 
-  // Pixels, y up: those in memory, and those of the full frame.
+  // Pixels, y up: those in memory, and those of the full frame; of that, nothing where the host does not tell it, or
+  // where it is endless.
   const RectI& bounds() const { return bounds_; }
-  const RectI& fullFrame() const { return full_frame_; }
+  const std::optional<RectI>& fullFrame() const { return full_frame_; }
 
   std::ptrdiff_t rowBytes() const { return row_bytes_; }
   std::size_t pixelBytes() const;
@@ -57,7 +61,7 @@ class ClipImage {
   PropertySet image_;
   std::byte* data_ = nullptr;
   RectI bounds_;
-  RectI full_frame_;
+  std::optional<RectI> full_frame_;
   std::ptrdiff_t row_bytes_ = 0;
   PixelDepth depth_ = PixelDepth::Byte;
   Components components_ = Components::Rgba;

@@ -60,7 +60,7 @@ void describe(EffectHandle descriptor) {
   describeTexts(effect);
   effect.set("OfxImageEffectPropSupportedContexts", {kContextGeneral, kContextFilter});
   effect.set("OfxImageEffectPropSupportedPixelDepths", {kDepthFloat, kDepthShort, kDepthByte});
-  suites().property->set_string(effect.handle(), "OfxImageEffectPropSupportedPixelDepths", 3, kDepthHalf);
+  effect.offerAt("OfxImageEffectPropSupportedPixelDepths", 3, kDepthHalf);
   effect.set("OfxImageEffectPluginRenderThreadSafety", "OfxImageEffectRenderFullySafe");
   for (const auto& [name, value] : {std::pair{"OfxImageEffectPluginPropSingleInstance", 0},
                                     {"OfxImageEffectPluginPropHostFrameThreading", 1},
@@ -77,7 +77,11 @@ void describe(EffectHandle descriptor) {
 }
 
 void describeInContext(EffectHandle descriptor, const Properties& in) {
-  const bool is_general = in.text(kPropContext) == kContextGeneral;
+  const std::optional<std::string> context = in.text(kPropContext);
+  const bool is_general = context == kContextGeneral;
+  if (!is_general && context != kContextFilter) {
+    throw Fault{Status::Unsupported, {}};
+  }
   const Properties source = defineClip(descriptor, kSourceClip);
   const Properties output = defineClip(descriptor, kOutputClip);
   output.set("OfxImageEffectPropSupportedComponents", {kComponentsRgba});

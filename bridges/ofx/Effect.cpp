@@ -1,10 +1,11 @@
 #include "bridges/ofx/Effect.h"
 
-#include <map>
-#include <shared_mutex>
+#include <new>
 #include <utility>
 
+#include "bridges/ofx/Geometry.h"
 #include "bridges/ofx/Names.h"
+#include "bridges/ofx/Registry.h"
 
 namespace vantorel::ofx {
 namespace {
@@ -12,8 +13,7 @@ namespace {
 constexpr const char* kErrorType = "OfxMessageError";
 constexpr const char* kMessageId = "vantorel";
 
-std::shared_mutex instances_mutex;
-std::map<EffectHandle, std::unique_ptr<Effect>> instances;
+Registry<EffectHandle, Effect> instances;
 
 }  // namespace
 
@@ -26,6 +26,7 @@ Properties propertiesOf(EffectHandle handle) {
 ParamSet paramSetOf(EffectHandle handle) {
   ParamSet set = nullptr;
   check(suites().effect->param_set(handle, &set), "the effect's parameters");
+  checkNotNull(set, "the effect's parameters");
   return set;
 }
 
@@ -44,25 +45,29 @@ Effect::Effect(EffectHandle handle, std::shared_ptr<const host::Module> module)
 }
 
 void Effect::create(EffectHandle handle, std::shared_ptr<const host::Module> module) {
-  auto effect = std::make_unique<Effect>(handle, std::move(module));
-  const std::unique_lock lock(instances_mutex);
-  instances[handle] = std::move(effect);
+  instances.put(handle, std::make_shared<Effect>(handle, std::move(module)));
 }
 
 void Effect::destroy(EffectHandle handle) {
-  const std::unique_lock lock(instances_mutex);
-  if (instances.erase(handle) == 0) {
+  if (instances.take(handle) == nullptr) {
     throw Fault{Status::BadHandle, {}};
   }
 }
 
-Effect& Effect::of(EffectHandle handle) {
-  const std::shared_lock lock(instances_mutex);
-  const auto found = instances.find(handle);
-  if (found == instances.end()) {
+void Effect::destroyAll() {
+  instances.clear();
+}
+
+std::shared_ptr<Effect> Effect::find(EffectHandle handle) {
+  return instances.find(handle);
+}
+
+std::shared_ptr<Effect> Effect::of(EffectHandle handle) {
+  std::shared_ptr<Effect> effect = find(handle);
+  if (effect == nullptr) {
     throw Fault{Status::BadHandle, {}};
   }
-  return *found->second;
+  return effect;
 }
 
 Project Effect::project(Time time) const {
@@ -72,8 +77,18 @@ Project Effect::project(Time time) const {
   if (size && size->x > 0.0 && size->y > 0.0) {
     return {offset.value_or(PointD{}), *size};
   }
-  const RectD frame = source_.regionOfDefinition(time).value_or(RectD{});
+  const auto region = source_.regionOfDefinition(time);
+  const RectD frame = region && isBounded(*region) ? *region : RectD{};
   return {{frame.x1, frame.y1}, {frame.x2 - frame.x1, frame.y2 - frame.y1}};
+}
+
+std::optional<RectD> Effect::sourceFrame(Time time) const {
+  const auto region = source_.regionOfDefinition(time);
+  if (!region || isBounded(*region)) {
+    return region;
+  }
+  const RectD frame = project(time).frame();
+  return frame.x1 < frame.x2 && isBounded(frame) ? std::optional(frame) : std::nullopt;
 }
 
 std::unique_ptr<Renderer> Effect::takeRenderer() {
@@ -86,9 +101,13 @@ std::unique_ptr<Renderer> Effect::takeRenderer() {
   return renderer;
 }
 
-void Effect::giveBack(std::unique_ptr<Renderer> renderer) {
+void Effect::giveBack(std::unique_ptr<Renderer> renderer) noexcept {
   const std::scoped_lock lock(mutex_);
-  idle_.push_back(std::move(renderer));
+  try {
+    idle_.push_back(std::move(renderer));
+  } catch (const std::bad_alloc&) {
+    renderer.reset();  // the next window makes another
+  }
 }
 
 void Effect::purge() {

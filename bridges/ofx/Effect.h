@@ -31,11 +31,14 @@ class Effect {
   Effect(EffectHandle handle, std::shared_ptr<const host::Module> module);
 
   // Makes an instance for a handle, and ends it; a handle has one at most. The plug-in keeps them, so that nothing is
-  // lost in a host that does not.
+  // lost in a host that does not. Memory of an instance that ends during a render is freed after that.
   static void create(EffectHandle handle, std::shared_ptr<const host::Module> module);
   static void destroy(EffectHandle handle);
-  // That of a handle; a Fault where there is none.
-  static Effect& of(EffectHandle handle);
+  // Those that the host has not destroyed.
+  static void destroyAll();
+  // That of a handle; null where there is none, or for `of` a Fault.
+  static std::shared_ptr<Effect> find(EffectHandle handle);
+  static std::shared_ptr<Effect> of(EffectHandle handle);
 
   EffectHandle handle() const { return handle_; }
   const Parameters& parameters() const { return parameters_; }
@@ -49,10 +52,13 @@ class Effect {
 
   // Where normalised positions lie; where the host does not say, the source's frame.
   Project project(Time time) const;
+  // What is drawn onto the corners, in canonical coordinates: the source's frame, or the project's if the source is
+  // endless. Nothing where the host does not tell.
+  std::optional<RectD> sourceFrame(Time time) const;
 
   // A renderer that nobody uses, until it is given back. From any thread.
   std::unique_ptr<Renderer> takeRenderer();
-  void giveBack(std::unique_ptr<Renderer> renderer);
+  void giveBack(std::unique_ptr<Renderer> renderer) noexcept;
   // Frees those that nobody uses.
   void purge();
 

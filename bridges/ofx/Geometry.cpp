@@ -6,6 +6,19 @@
 
 namespace vantorel::ofx {
 
+bool isFinite(const PointD& point) {
+  return std::isfinite(point.x) && std::isfinite(point.y);
+}
+
+bool isBounded(const RectD& rect) {
+  constexpr double kFarthest = 1 << 24;
+  return rect.x1 > -kFarthest && rect.y1 > -kFarthest && rect.x2 < kFarthest && rect.y2 < kFarthest;
+}
+
+bool isBounded(const RectI& rect) {
+  return isBounded(RectD{1.0 * rect.x1, 1.0 * rect.y1, 1.0 * rect.x2, 1.0 * rect.y2});
+}
+
 PixelScale PixelScale::of(const PointD& render_scale, double pixel_aspect, bool is_field) {
   return {render_scale.x / pixel_aspect, render_scale.y * (is_field ? 0.5 : 1.0)};
 }
@@ -15,10 +28,7 @@ RectD pixelsOf(const RectD& canonical, const PixelScale& scale) {
 }
 
 std::optional<RectI> pixelsRound(const RectD& pixels) {
-  constexpr double kFarthest = 1 << 24;
-  const bool is_held = pixels.x1 > -kFarthest && pixels.y1 > -kFarthest && pixels.x2 < kFarthest &&
-                       pixels.y2 < kFarthest && pixels.x1 < pixels.x2 && pixels.y1 < pixels.y2;
-  if (!is_held) {
+  if (!isBounded(pixels) || !(pixels.x1 < pixels.x2 && pixels.y1 < pixels.y2)) {
     return std::nullopt;
   }
   return RectI{static_cast<int>(std::floor(pixels.x1)), static_cast<int>(std::floor(pixels.y1)),
@@ -37,6 +47,15 @@ host::Rect Plane::at(const RectI& pixels) const {
   const auto from_left = static_cast<int>(left);
   const auto from_top = static_cast<int>(top);
   return {pixels.x1 - from_left, from_top - pixels.y2, pixels.x2 - from_left, from_top - pixels.y1};
+}
+
+std::optional<std::size_t> unreachable(const host::Corners& corners) {
+  for (std::size_t i = 0; i < host::kCornerCount; ++i) {
+    if (!host::isCoordinate(corners[i].x) || !host::isCoordinate(corners[i].y)) {
+      return i;
+    }
+  }
+  return std::nullopt;
 }
 
 bool areOutline(const host::Corners& corners, double width, double height) {

@@ -9,6 +9,17 @@
 
 namespace vantorel::ofx {
 
+// Whether a factor between coordinates can be computed with; not if it is NaN.
+constexpr bool isScale(double factor) {
+  return factor >= 1e-6 && factor <= 1e6;
+}
+
+bool isFinite(const PointD& point);
+
+// Whether a rectangle's edges can be computed with: not those of an endless one.
+bool isBounded(const RectD& rect);
+bool isBounded(const RectI& rect);
+
 // Pixels of an image per canonical unit.
 struct PixelScale {
   double x = 1.0;
@@ -36,6 +47,9 @@ struct Plane {
   // The edges must be whole pixels of the plane.
   host::Rect at(const RectI& pixels) const;
 };
+
+// The first corner that lies beyond the effect's 16.16 numbers on its plane; nothing where all are within.
+std::optional<std::size_t> unreachable(const host::Corners& corners);
 
 // Whether the corners are the outline of a frame of that size, to the 16.16 numbers that the effect gets.
 bool areOutline(const host::Corners& corners, double width, double height);

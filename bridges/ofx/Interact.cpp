@@ -1,16 +1,16 @@
 #include "bridges/ofx/Interact.h"
 
 #include <algorithm>
-#include <map>
 #include <memory>
-#include <mutex>
 #include <new>
 #include <string_view>
 
 #include "bridges/ofx/Effect.h"
+#include "bridges/ofx/Geometry.h"
 #include "bridges/ofx/Handles.h"
 #include "bridges/ofx/Names.h"
 #include "bridges/ofx/OverlayPainter.h"
+#include "bridges/ofx/Registry.h"
 
 namespace vantorel::ofx {
 namespace {
@@ -40,12 +40,16 @@ struct Overlay {
   bool is_shift_down = false;
 };
 
-std::map<const void*, Overlay> overlays;
-std::mutex overlays_mutex;
+Registry<const void*, Overlay> overlays;
 
-Overlay& overlayOf(const void* handle) {
-  const std::scoped_lock lock(overlays_mutex);
-  return overlays[handle];
+// Made on first use, for hosts that do not announce it.
+std::shared_ptr<Overlay> overlayOf(const void* handle) {
+  std::shared_ptr<Overlay> overlay = overlays.find(handle);
+  if (overlay == nullptr) {
+    overlay = std::make_shared<Overlay>();
+    overlays.put(handle, overlay);
+  }
+  return overlay;
 }
 
 // An action's arguments.
@@ -64,9 +68,13 @@ struct Event {
   }
   PointD screenPixel() const {
     const PointD scale = in.point("OfxInteractPropPixelScale").value_or(PointD{1.0, 1.0});
-    return scale.x > 0.0 && scale.y > 0.0 ? scale : PointD{1.0, 1.0};
+    return isScale(scale.x) && isScale(scale.y) ? scale : PointD{1.0, 1.0};
   }
-  PointD pen() const { return required(in.point("OfxInteractPropPenPosition"), "OfxInteractPropPenPosition"); }
+  PointD pen() const {
+    const PointD position = required(in.point("OfxInteractPropPenPosition"), "OfxInteractPropPenPosition");
+    check(isFinite(position) ? Status::Ok : Status::BadValue, "OfxInteractPropPenPosition");
+    return position;
+  }
 };
 
 void drawQuad(const Event& event, const Overlay& overlay, bool from, OverlayPainter* painter) {
@@ -89,9 +97,14 @@ void drawQuad(const Event& event, const Overlay& overlay, bool from, OverlayPain
 
 Status draw(const Event& event, const Overlay& overlay) {
   OverlayPainter painter(static_cast<DrawContext>(event.in.pointer("OfxInteractPropDrawContext")));
-  drawQuad(event, overlay, false, &painter);
-  if (event.effect.parameters().usesFrom(event.time)) {
-    drawQuad(event, overlay, true, &painter);
+  for (const bool from : {false, true}) {
+    try {
+      if (!from || event.effect.parameters().usesFrom(event.time)) {
+        drawQuad(event, overlay, from, &painter);
+      }
+    } catch (const Fault&) {
+      continue;  // a corner that is not a number cannot be shown, and hosts may give up an overlay that fails
+    }
   }
   return Status::Ok;
 }
@@ -193,23 +206,21 @@ void create(const void* handle) {
     return;
   }
   // The parameters whose change redraws the overlay.
+  const Properties properties(set);
   int index = 0;
   for (const auto& names : {kCornerParams, kFromParams}) {
     for (const char* name : names) {
-      suites().property->set_string(set, "OfxInteractPropSlaveToParam", index++, name);
+      properties.offerAt("OfxInteractPropSlaveToParam", index++, name);
     }
   }
-  suites().property->set_string(set, "OfxInteractPropSlaveToParam", index, kUseFromParam);
+  properties.offerAt("OfxInteractPropSlaveToParam", index, kUseFromParam);
 }
 
 void destroy(const void* handle) {
-  const Overlay overlay = overlayOf(handle);
-  {
-    const std::scoped_lock lock(overlays_mutex);
-    overlays.erase(handle);
-  }
-  if (overlay.held) {
-    Effect::of(overlay.effect).parameters().endEdit();
+  const std::shared_ptr<Overlay> overlay = overlays.take(handle);
+  const auto effect = overlay != nullptr && overlay->held ? Effect::find(overlay->effect) : nullptr;
+  if (effect != nullptr) {
+    effect->parameters().endEdit();
   }
 }
 
@@ -237,10 +248,14 @@ Status perform(std::string_view action, const Event& event, Overlay* overlay) {
 
 }  // namespace
 
+void dropOverlays() {
+  overlays.clear();
+}
+
 Status interactEntry(const char* action, const void* handle, PropertySet in, PropertySet /*out*/) {
   try {
     const std::string_view name = action != nullptr ? action : "";
-    if (suites().property == nullptr) {
+    if (!isLoaded()) {
       return Status::Failed;
     }
     if (name == "OfxActionDescribe") {
@@ -255,9 +270,10 @@ Status interactEntry(const char* action, const void* handle, PropertySet in, Pro
       return Status::Ok;
     }
     const Properties arguments(in);
-    const auto effect = static_cast<EffectHandle>(arguments.pointer("OfxPropEffectInstance"));
-    const Event event{Effect::of(effect), arguments, required(arguments.number(kPropTime), kPropTime)};
-    const Status status = perform(name, event, &overlayOf(handle));
+    const auto effect = Effect::of(static_cast<EffectHandle>(arguments.pointer("OfxPropEffectInstance")));
+    const Event event{*effect, arguments, required(arguments.number(kPropTime), kPropTime)};
+    const std::shared_ptr<Overlay> overlay = overlayOf(handle);
+    const Status status = perform(name, event, overlay.get());
     if (status == Status::Ok && name != "OfxInteractActionDraw" && suites().interact != nullptr) {
       suites().interact->redraw(static_cast<InteractHandle>(const_cast<void*>(handle)));
     }

@@ -8,4 +8,7 @@ namespace vantorel::ofx {
 // The overlay's own entry, for both of the interface's ways of drawing.
 Status interactEntry(const char* action, const void* handle, PropertySet in, PropertySet out);
 
+// Forgets the overlays that the host has not destroyed.
+void dropOverlays();
+
 }  // namespace vantorel::ofx

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "bridges/ofx/Geometry.h"
 #include "bridges/ofx/Names.h"
 
 namespace vantorel::ofx {
@@ -70,9 +71,7 @@ void defineFrom(ParamSet set) {
 void definePage(ParamSet set) {
   const Properties page = define(set, {"OfxParamTypePage", kPage, "Corners", "", nullptr});
   int index = 0;
-  const auto add = [&](const char* name) {
-    suites().property->set_string(page.handle(), "OfxParamPropPageChild", index++, name);
-  };
+  const auto add = [&](const char* name) { page.offerAt("OfxParamPropPageChild", index++, name); };
   std::for_each(kCornerParams.begin(), kCornerParams.end(), add);
   for (const char* name : {kResetParam, kQualityParam, kEdgesParam, kSamplesParam, kOpacityParam, kUseFromParam}) {
     add(name);
@@ -84,14 +83,15 @@ void definePage(ParamSet set) {
 ParamHandle handleOf(ParamSet set, const char* name) {
   ParamHandle handle = nullptr;
   check(suites().parameter->handle(set, name, &handle, nullptr), name);
+  checkNotNull(handle, name);
   return handle;
 }
 
-bool isFinite(const PointD& p) {
-  return p.x - p.x == 0.0 && p.y - p.y == 0.0;
-}
-
 }  // namespace
+
+const char* cornerLabel(bool from, std::size_t index) {
+  return from ? kFromLabels[index] : kLabels[index];
+}
 
 void defineParameters(ParamSet set) {
   for (std::size_t i = 0; i < host::kCornerCount; ++i) {
@@ -143,8 +143,9 @@ PointD Parameters::corner(bool from, std::size_t index, Time time, const Project
   const ParamHandle handle = from ? from_[index] : corners_[index];
   if (suites().parameter->value_at_time(handle, time, &value.x, &value.y) == Status::Ok) {
     if (!isFinite(value)) {
-      throw Fault{Status::BadValue, std::string(from ? kFromLabels[index] : kLabels[index]) +
-                                        ": its position is not a number; reset the corners"};
+      throw Fault{Status::BadValue, std::string(cornerLabel(from, index)) +
+                                        ": its position is not a number; enter one, or press " +
+                                        (from ? "Reset from corners" : "Reset corners")};
     }
     return value;
   }

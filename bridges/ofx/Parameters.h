@@ -13,10 +13,15 @@ namespace vantorel::ofx {
 // Defines them on a descriptor's set.
 void defineParameters(ParamSet set);
 
+// How the user sees a corner named, or a from-corner: in the order of host::kCornerNames.
+const char* cornerLabel(bool from, std::size_t index);
+
 // Where normalised positions lie: the project's frame, in canonical coordinates.
 struct Project {
   PointD offset;
   PointD size;
+
+  RectD frame() const { return {offset.x, offset.y, offset.x + size.x, offset.y + size.y}; }
 };
 
 struct ParameterValues {

@@ -17,6 +17,10 @@ void orFault(const host::Result<T>& result) {
   }
 }
 
+// The scale that a render, or a question about one, is at; 1 where the host does not say. A Fault where it gives none
+// that can be computed with.
+PointD renderScaleOf(const Properties& arguments);
+
 // A frame of the source in pixels, y up, with how the corners and the from-corners come to lie on it.
 struct Placement {
   RectI frame;

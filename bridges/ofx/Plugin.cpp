@@ -1,4 +1,5 @@
 // The functions that hosts load the plug-in by, and its entry. Nothing is thrown into the host.
+#include <array>
 #include <memory>
 #include <new>
 #include <string_view>
@@ -6,6 +7,7 @@
 #include "bridges/common/EmbeddedModule.h"
 #include "bridges/ofx/Describe.h"
 #include "bridges/ofx/Effect.h"
+#include "bridges/ofx/Interact.h"
 #include "bridges/ofx/Names.h"
 #include "bridges/ofx/Regions.h"
 #include "bridges/ofx/Render.h"
@@ -17,6 +19,7 @@ namespace {
 std::shared_ptr<const host::Module> the_module;
 
 EffectHandle effectHandle(const void* handle) {
+  checkNotNull(handle, "an action's effect");
   return static_cast<EffectHandle>(const_cast<void*>(handle));
 }
 
@@ -31,6 +34,8 @@ void load() {
 }
 
 void unload() {
+  dropOverlays();
+  Effect::destroyAll();
   the_module.reset();
   dropSuites();
 }
@@ -55,28 +60,34 @@ Status renderAction(Effect& effect, const Properties& in) {
   return Status::Ok;
 }
 
-Status instanceAction(std::string_view action, EffectHandle handle, const Properties& in, const Properties& out) {
-  if (action == "OfxImageEffectActionRender") {
-    return renderAction(Effect::of(handle), in);
-  }
-  if (action == "OfxImageEffectActionGetRegionOfDefinition") {
-    return regionOfDefinition(Effect::of(handle), in, out);
-  }
-  if (action == "OfxImageEffectActionGetRegionsOfInterest") {
-    return regionsOfInterest(Effect::of(handle), in, out);
-  }
-  if (action == "OfxImageEffectActionIsIdentity") {
-    return identity(Effect::of(handle), in, out);
-  }
-  if (action == "OfxImageEffectActionGetClipPreferences") {
-    return clipPreferences(Effect::of(handle), out);
-  }
-  if (action == "OfxActionInstanceChanged") {
-    return instanceChanged(Effect::of(handle), in);
-  }
-  if (action == "OfxActionPurgeCaches") {
-    Effect::of(handle).purge();
-    return Status::Ok;
+struct InstanceAction {
+  std::string_view name;
+  Status (*perform)(Effect& effect, const Properties& in, const Properties& out);
+};
+
+constexpr std::array<InstanceAction, 7> kInstanceActions{
+    {{"OfxImageEffectActionRender",
+      [](Effect& effect, const Properties& in, const Properties&) { return renderAction(effect, in); }},
+     {"OfxImageEffectActionGetRegionOfDefinition",
+      [](Effect& effect, const Properties& in, const Properties& out) { return regionOfDefinition(effect, in, out); }},
+     {"OfxImageEffectActionGetRegionsOfInterest", regionsOfInterest},
+     {"OfxImageEffectActionIsIdentity",
+      [](Effect& effect, const Properties& in, const Properties& out) { return identity(effect, in, out); }},
+     {"OfxImageEffectActionGetClipPreferences",
+      [](Effect& effect, const Properties&, const Properties& out) { return clipPreferences(effect, out); }},
+     {"OfxActionInstanceChanged",
+      [](Effect& effect, const Properties& in, const Properties&) { return instanceChanged(effect, in); }},
+     {"OfxActionPurgeCaches", [](Effect& effect, const Properties&, const Properties&) {
+        effect.purge();
+        return Status::Ok;
+      }}}};
+
+// What is not in the table is left to the host.
+Status instanceAction(std::string_view name, const void* handle, const Properties& in, const Properties& out) {
+  for (const InstanceAction& action : kInstanceActions) {
+    if (action.name == name) {
+      return action.perform(*Effect::of(effectHandle(handle)), in, out);
+    }
   }
   return Status::ReplyDefault;
 }
@@ -84,7 +95,7 @@ Status instanceAction(std::string_view action, EffectHandle handle, const Proper
 Status perform(std::string_view action, const void* handle, const Properties& in, const Properties& out) {
   if (action == "OfxActionLoad") {
     load();
-  } else if (suites().property == nullptr) {
+  } else if (!isLoaded()) {
     return Status::Failed;
   } else if (action == "OfxActionUnload") {
     unload();
@@ -97,7 +108,7 @@ Status perform(std::string_view action, const void* handle, const Properties& in
   } else if (action == "OfxActionDestroyInstance") {
     Effect::destroy(effectHandle(handle));
   } else {
-    return instanceAction(action, effectHandle(handle), in, out);
+    return instanceAction(action, handle, in, out);
   }
   return Status::Ok;
 }
@@ -106,7 +117,9 @@ Status mainEntry(const char* action, const void* handle, PropertySet in, Propert
   try {
     return action != nullptr ? perform(action, handle, Properties(in), Properties(out)) : Status::BadValue;
   } catch (const Fault& fault) {
-    return fault.status;
+    // A host's reply to a question of the plug-in's is none to the host's own.
+    const bool is_reply = fault.status >= Status::ReplyYes && fault.status <= Status::ReplyDefault;
+    return is_reply ? Status::Failed : fault.status;
   } catch (const std::bad_alloc&) {
     return Status::Memory;
   } catch (...) {

@@ -38,31 +38,42 @@ std::optional<std::array<Value, kCount>> gotAll(Status (*get_all)(PropertySet, c
 
 }  // namespace
 
+PropertySet Properties::writable(const char* name) const {
+  checkNotNull(set_, name);
+  return set_;
+}
+
 void Properties::set(const char* name, int value) const {
-  check(suites().property->set_int(set_, name, 0, value), name);
+  check(suites().property->set_int(writable(name), name, 0, value), name);
 }
 
 void Properties::set(const char* name, double value) const {
-  check(suites().property->set_double(set_, name, 0, value), name);
+  check(suites().property->set_double(writable(name), name, 0, value), name);
 }
 
 void Properties::set(const char* name, const char* value) const {
-  check(suites().property->set_string(set_, name, 0, value), name);
+  check(suites().property->set_string(writable(name), name, 0, value), name);
 }
 
 void Properties::set(const char* name, void* value) const {
-  check(suites().property->set_pointer(set_, name, 0, value), name);
+  check(suites().property->set_pointer(writable(name), name, 0, value), name);
 }
 
 void Properties::set(const char* name, std::initializer_list<const char*> values) const {
   int index = 0;
   for (const char* value : values) {
-    check(suites().property->set_string(set_, name, index++, value), name);
+    check(suites().property->set_string(writable(name), name, index++, value), name);
   }
 }
 
 void Properties::set(const char* name, std::initializer_list<double> values) const {
-  check(suites().property->set_doubles(set_, name, static_cast<int>(values.size()), values.begin()), name);
+  check(suites().property->set_doubles(writable(name), name, static_cast<int>(values.size()), values.begin()), name);
+}
+
+void Properties::offerAt(const char* name, int index, const char* value) const {
+  if (set_ != nullptr) {
+    suites().property->set_string(set_, name, index, value);
+  }
 }
 
 std::optional<int> Properties::integer(const char* name, int index) const {

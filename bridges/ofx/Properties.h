@@ -13,8 +13,6 @@ class Properties {
  public:
   explicit Properties(PropertySet set) : set_(set) {}
 
-  PropertySet handle() const { return set_; }
-
   // Setting throws a Fault, naming the property, where the host refuses; `offer` leaves it at that, for what not every
   // host knows. Names and keywords must be static strings.
   void set(const char* name, int value) const;
@@ -33,6 +31,9 @@ class Properties {
     }
   }
 
+  // The same for one value of a list.
+  void offerAt(const char* name, int index, const char* value) const;
+
   // Nothing where the host has no such value.
   std::optional<int> integer(const char* name, int index = 0) const;
   std::optional<double> number(const char* name, int index = 0) const;
@@ -43,6 +44,9 @@ class Properties {
   std::optional<PointD> point(const char* name) const;
 
  private:
+  // A Fault where there is no set to write to.
+  PropertySet writable(const char* name) const;
+
   PropertySet set_;
 };
 

@@ -11,13 +11,27 @@ namespace {
 constexpr double kMargin = 6.0;
 
 PixelScale scaleOf(const Clip& clip, const Properties& in, bool is_field = false) {
-  const PointD render_scale = in.point(kPropRenderScale).value_or(PointD{1.0, 1.0});
-  const double aspect = Properties(clip.properties).number(kPropPixelAspect).value_or(1.0);
-  return PixelScale::of(render_scale, aspect > 0.0 ? aspect : 1.0, is_field);
+  return PixelScale::of(renderScaleOf(in), pixelAspectOf(Properties(clip.properties)), is_field);
 }
 
 Time timeOf(const Properties& in) {
   return required(in.number(kPropTime), kPropTime);
+}
+
+// The plane of the output's pixels, over a frame of the source.
+Plane planeOf(const Effect& effect, const RectD& frame, const Properties& in) {
+  const PixelScale scale = scaleOf(effect.output(), in);
+  return {scale, frame.x1 * scale.x, frame.y2 * scale.y};
+}
+
+// Nothing where a corner is not a number.
+std::optional<ParameterValues> valuesAt(const Effect& effect, Time time) {
+  const Project project = effect.project(time);
+  try {
+    return effect.parameters().at(time, project);
+  } catch (const Fault&) {
+    return std::nullopt;
+  }
 }
 
 // The part of the source's region that a region of the output needs.
@@ -47,10 +61,15 @@ RectD neededOf(Effect& effect, const Properties& in, const RectD& asked, const R
 
 }  // namespace
 
+// For corners that cannot be drawn the answers are the host's own: it then asks for a render, which says what is wrong.
 Status regionOfDefinition(const Effect& effect, const Properties& in, const Properties& out) {
   const Time time = timeOf(in);
-  const ParameterValues values = effect.parameters().at(time, effect.project(time));
-  RectD region = boundsOf(values.corners, scaleOf(effect.output(), in), kMargin);
+  const Plane plane = planeOf(effect, effect.sourceFrame(time).value_or(RectD{}), in);
+  const std::optional<ParameterValues> values = valuesAt(effect, time);
+  if (!values || unreachable(plane.at(values->corners))) {
+    return Status::ReplyDefault;
+  }
+  RectD region = boundsOf(values->corners, plane.scale, kMargin);
   if (const auto background = effect.background().regionOfDefinition(time)) {
     region = united(region, *background);
   }
@@ -60,7 +79,7 @@ Status regionOfDefinition(const Effect& effect, const Properties& in, const Prop
 
 // The other clips are needed where the window is, as the host has it already.
 Status regionsOfInterest(Effect& effect, const Properties& in, const Properties& out) {
-  const auto region = effect.source().regionOfDefinition(timeOf(in));
+  const auto region = effect.sourceFrame(timeOf(in));
   if (!region) {
     return Status::ReplyDefault;
   }
@@ -69,7 +88,6 @@ Status regionsOfInterest(Effect& effect, const Properties& in, const Properties&
     try {
       needed = neededOf(effect, in, *asked, *region);
     } catch (const Fault&) {
-      // The render will say what is wrong with the corners.
       needed = *region;
     }
   }
@@ -79,20 +97,26 @@ Status regionsOfInterest(Effect& effect, const Properties& in, const Properties&
 
 Status identity(const Effect& effect, const Properties& in, const Properties& out) {
   const Time time = timeOf(in);
-  const ParameterValues values = effect.parameters().at(time, effect.project(time));
-  if (values.opacity == 0.0 && effect.background().isConnected()) {
+  const std::optional<ParameterValues> values = valuesAt(effect, time);
+  if (!values) {
+    return Status::ReplyDefault;
+  }
+  const Clip& background = effect.background();
+  if (background.isConnected()) {
+    // The output's alpha is declared to be like the source's.
+    if (values->opacity > 0.0 || background.isUnpremultiplied() != effect.source().isUnpremultiplied()) {
+      return Status::ReplyDefault;
+    }
     out.set(kPropName, kBackgroundClip);
     return Status::Ok;
   }
   const auto frame = effect.source().regionOfDefinition(time);
-  if (!frame || values.from || values.opacity < 1.0 || effect.background().isConnected() ||
-      effect.matte().isConnected()) {
+  if (!frame || values->from || values->opacity < 1.0 || effect.matte().isConnected()) {
     return Status::ReplyDefault;
   }
-  const PixelScale scale = scaleOf(effect.output(), in);
-  const RectD pixels = pixelsOf(*frame, scale);
-  const Plane plane{scale, pixels.x1, pixels.y2};
-  if (!areOutline(plane.at(values.corners), pixels.x2 - pixels.x1, pixels.y2 - pixels.y1)) {
+  const Plane plane = planeOf(effect, *frame, in);
+  if (!areOutline(plane.at(values->corners), (frame->x2 - frame->x1) * plane.scale.x,
+                  (frame->y2 - frame->y1) * plane.scale.y)) {
     return Status::ReplyDefault;
   }
   out.set(kPropName, kSourceClip);
@@ -111,9 +135,7 @@ Status clipPreferences(const Effect& effect, const Properties& out) {
 }
 
 void resetCorners(const Effect& effect, bool from, Time time) {
-  const Project project = effect.project(time);
-  const RectD frame = effect.source().regionOfDefinition(time).value_or(
-      RectD{project.offset.x, project.offset.y, project.offset.x + project.size.x, project.offset.y + project.size.y});
+  const RectD frame = effect.sourceFrame(time).value_or(effect.project(time).frame());
   const Parameters& parameters = effect.parameters();
   parameters.beginEdit(from ? "Reset from corners" : "Reset corners");
   try {

@@ -90,16 +90,26 @@ PixelScale scaleOf(const ClipImage& image, const Clip& clip, const Moment& momen
   bool is_half = image.isField();
   if (const auto region = is_half ? clip.regionOfDefinition(moment.time) : std::nullopt) {
     const double full = (region->y2 - region->y1) * moment.scale.y;
-    is_half = image.fullFrame().height() < 0.75 * full;
+    is_half = image.fullFrame().value_or(image.bounds()).height() < 0.75 * full;
   }
   return PixelScale::of(moment.scale, image.pixelAspect(), is_half);
+}
+
+// The image's own frame where that has an end.
+RectI frameOf(const Effect& effect, const ClipImage& source, const PixelScale& scale, Time time) {
+  if (source.fullFrame()) {
+    return *source.fullFrame();
+  }
+  const std::optional<RectD> frame = effect.sourceFrame(time);
+  return (frame ? pixelsRound(pixelsOf(*frame, scale)) : std::nullopt).value_or(source.bounds());
 }
 
 // Draws the source on its corners. False when the host wants the render to end.
 bool drawSource(const Effect& effect, const ClipImage& source, const ParameterValues& values, const Moment& moment,
                 const Target& target, Renderer& renderer) {
-  const Placement placement{source.fullFrame(), scaleOf(target.image, effect.output(), moment),
-                            scaleOf(source, effect.source(), moment)};
+  const PixelScale source_scale = scaleOf(source, effect.source(), moment);
+  const Placement placement{frameOf(effect, source, source_scale, moment.time),
+                            scaleOf(target.image, effect.output(), moment), source_scale};
   placement.apply(values, &renderer.instance);
   host::FrameOptions options = optionsOf(values);
   options.threads = threadsFor(target.window);
@@ -162,7 +172,7 @@ std::optional<ClipImage> fetchLike(const ClipImage& output, const Clip& clip, co
 
 void render(Effect& effect, const Properties& arguments) {
   const Time time = required(arguments.number(kPropTime), kPropTime);
-  const Moment moment{time, required(arguments.point(kPropRenderScale), kPropRenderScale)};
+  const Moment moment{time, renderScaleOf(arguments)};
   const RectI asked = required(arguments.rectangle(kPropRenderWindow), kPropRenderWindow);
   const std::optional<ClipImage> output = ClipImage::fetch(effect.output(), kOutputClip, time);
   if (!output) {

@@ -1,8 +1,10 @@
 // What the plug-in tells the host, and what it answers to the host's questions.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <thread>
 #include <tuple>
 
 #include "tests/bridges/ofx/Session.h"
@@ -98,6 +100,15 @@ TEST(OfxDescribeTest, IsLoadedAgainAndDrawsItsOverlayAsTheHostCan) {
   }
 }
 
+TEST(OfxDescribeTest, RefusesContextsThatItDoesNotOffer) {
+  for (const char* context : {"OfxImageEffectContextPaint", "OfxImageEffectContextTransition", ""}) {
+    Session session;
+    ASSERT_EQ(session.load(), Status::Ok);
+    EXPECT_EQ(session.describe(context), Status::Unsupported);
+    EXPECT_TRUE(session.descriptor.clips.empty());
+  }
+}
+
 // What a host sends round an edit and round a sequence, with its arguments: the plug-in leaves all of it to the host.
 TEST(OfxDescribeTest, LeavesToTheHostWhatItHasNothingToSayAbout) {
   Ready session;
@@ -182,6 +193,51 @@ TEST(OfxRegionTest, WhatAWindowNeedsOfTheSource) {
   EXPECT_EQ(needed({300.0, 330.0, 400.0, 380.0}), all);
 }
 
+TEST(OfxRegionTest, AnEndlessSourceShowsTheProjectsFrameAndAnEndlessBackgroundAllOfItself) {
+  constexpr double kEnd = 2147483647.0;
+  constexpr RectD kEndless{-kEnd, -kEnd, kEnd, kEnd};
+  Ready session;
+  session.instance.clips.at("Source").region = kEndless;
+  EXPECT_EQ(session.passedOn(), "") << "the rest of it is not shown";
+  session.setCorners(kTrapezoid, kFrame);
+  EXPECT_EQ(session.region(), (std::vector<double>{0.0, -2.0, 66.0, 46.0}));
+  PropertySetRecord in = renderArguments(kFrame);
+  PropertySetRecord out;
+  in.put("OfxImageEffectPropRegionOfInterest", -kEnd, -kEnd, kEnd, kEnd);
+  ASSERT_EQ(session.action("OfxImageEffectActionGetRegionsOfInterest", &in, &out), Status::Ok);
+  EXPECT_EQ(out.get<double>("OfxImageClipPropRoI_Source", 2), 64.0);
+  in.put("OfxPropChangeReason", std::string("OfxChangeUserEdited"));
+  in.put("OfxPropName", std::string("reset"));
+  ASSERT_EQ(session.action("OfxActionInstanceChanged", &in), Status::Ok);
+  EXPECT_EQ(session.corner("upperRight"), (std::vector<double>{64.0, 48.0}));
+  session.connect("Background", {.bounds = kFrame});
+  session.instance.clips.at("Background").region = kEndless;
+  EXPECT_EQ(session.region(), (std::vector<double>{-kEnd, -kEnd, kEnd, kEnd}));
+}
+
+// The render then says what is wrong.
+TEST(OfxRegionTest, LeavesToTheHostWhatCannotBeDrawn) {
+  Ready session;
+  PropertySetRecord out;
+  for (const double x : {std::nan(""), HUGE_VAL, 1e9}) {
+    session.setParam("upperLeft", {x, 0.0});
+    for (const char* action : {"OfxImageEffectActionGetRegionOfDefinition", "OfxImageEffectActionIsIdentity"}) {
+      PropertySetRecord in = renderArguments(kFrame);
+      EXPECT_EQ(session.action(action, &in, &out), Status::ReplyDefault) << action << x;
+    }
+  }
+  session.setCorners(kTrapezoid, kFrame);
+  for (const double scale : {0.0, -1.0, std::nan(""), HUGE_VAL}) {
+    PropertySetRecord in = renderArguments(kFrame, {scale, 1.0});
+    EXPECT_EQ(session.action("OfxImageEffectActionGetRegionOfDefinition", &in, &out), Status::BadValue) << scale;
+  }
+  EXPECT_TRUE(out.values.empty());
+  for (const double aspect : {0.0, -1.0, std::nan(""), HUGE_VAL}) {
+    session.instance.clips.at("Output").properties.put("OfxImagePropPixelAspectRatio", aspect);
+    EXPECT_EQ(session.region(), (std::vector<double>{0.0, -2.0, 66.0, 46.0})) << aspect;
+  }
+}
+
 TEST(OfxRegionTest, PassesOnWhatItWouldNotChange) {
   Ready session;
   EXPECT_EQ(session.passedOn(), "Source");
@@ -202,6 +258,8 @@ TEST(OfxRegionTest, PassesOnWhatItWouldNotChange) {
   EXPECT_EQ(session.passedOn(), "");
   session.setParam("opacity", {0.0});
   EXPECT_EQ(session.passedOn(), "Background");
+  session.connect("Background", {.bounds = kFrame, .premultiplication = "OfxImageAlphaUnPremultiplied"});
+  EXPECT_EQ(session.passedOn(), "") << "the output's alpha is not straight";
 }
 
 TEST(OfxChangeTest, TheButtonsPutCornersOntoTheSourcesOutline) {
@@ -234,20 +292,45 @@ TEST(OfxRenderTest, SaysWhatIsWrongUntilItIsRight) {
   session.setParam("upperLeft", {std::nan(""), 1.0});
   expect_refused(Status::BadValue, "not a number");
   session.setParam("upperLeft", {1e9, 1.0});
-  expect_refused(Status::Failed, "upper left corner");
+  expect_refused(Status::BadValue, "Upper left: it lies more than");
   session.setCorners(kTrapezoid, kFrame);
+  session.setParam("useFrom", {1.0});
+  session.setParam("fromLowerLeft", {HUGE_VAL, 1.0});
+  expect_refused(Status::BadValue, "press Reset from corners");
+  session.setCorners({{0, 0}, {9, 0}, {0, 9}, {2, 2}}, kFrame, "from");
+  expect_refused(Status::Failed, "strictly convex");
+  session.setParam("useFrom", {0.0});
+  for (const double scale : {0.0, -1.0, std::nan(""), 1e300}) {
+    session.host.message.clear();
+    PropertySetRecord in = renderArguments(kFrame, {1.0, scale});
+    EXPECT_EQ(session.action("OfxImageEffectActionRender", &in), Status::BadValue);
+    EXPECT_NE(session.host.message.find("render scale"), std::string::npos) << session.host.message;
+  }
   EXPECT_EQ(session.render(kFrame), Status::Ok);
   EXPECT_EQ(session.host.message, "");
   session.connect("Source", {.bounds = kFrame, .depth = "OfxBitDepthByte"});
   expect_refused(Status::ImageFormat, "Source: its depth");
   session.connect("Source", {.bounds = kFrame, .components = "OfxImageComponentYUVA"});
   expect_refused(Status::ImageFormat, "OfxImageComponentYUVA");
-  session.connect("Source", {.bounds = kFrame}).put("OfxImagePropBounds", -2147483647, -5, 2147483647, 5);
-  expect_refused(Status::ImageFormat, "larger than");
-  session.connect("Source", {.bounds = kFrame}).put("OfxImagePropRowBytes", 12);
-  expect_refused(Status::ImageFormat, "too short");
-  session.connect("Source", {.bounds = kFrame}).put("OfxImagePropData", static_cast<void*>(nullptr));
-  expect_refused(Status::ImageFormat, "no pixels");
+  session.connect("Source", {.bounds = kFrame});
+  for (const char* clip : {"Source", "Matte", "Background", "Output"}) {
+    const Layout layout{.bounds = kFrame};
+    session.connect(clip, layout).put("OfxImagePropBounds", -2147483647, -5, 2147483647, 5);
+    expect_refused(Status::ImageFormat, "reaches farther than");
+    session.connect(clip, layout).put("OfxImagePropRowBytes", 12);
+    expect_refused(Status::ImageFormat, "too short");
+    session.connect(clip, layout).put("OfxImagePropRowBytes", 64 * 16 + 2);
+    expect_refused(Status::ImageFormat, "multiples");
+    session.connect(clip, layout).put("OfxImagePropData", static_cast<void*>(nullptr));
+    expect_refused(Status::ImageFormat, "no pixels");
+    session.connect(clip, layout).put("OfxImagePropRowBytes", std::string("a text"));
+    expect_refused(Status::Failed, "OfxImagePropRowBytes");
+    session.connect(clip, layout).put("OfxImagePropBounds", 0, 0);
+    expect_refused(Status::Failed, "OfxImagePropBounds");
+    session.connect(clip, {.bounds = kFrame, .depth = "OfxBitDepthShort"});
+    expect_refused(Status::ImageFormat, "its depth is not the output's");
+    session.connect(clip, layout);
+  }
 }
 
 TEST(OfxRenderTest, WithoutASourceOrWithAPartOfItTheRestIsTransparent) {
@@ -267,6 +350,74 @@ TEST(OfxRenderTest, WithoutASourceOrWithAPartOfItTheRestIsTransparent) {
   ASSERT_EQ(session.render(kFrame), Status::Ok);
   EXPECT_EQ(alpha_at(20), 1.0F);
   EXPECT_EQ(alpha_at(40), 0.0F);
+}
+
+TEST(OfxRenderTest, DrawsOnlyWhatLiesInTheOutput) {
+  constexpr int kEnd = 2147483647;
+  Ready session;
+  session.setCorners(kTrapezoid, kFrame);
+  PropertySetRecord& output = session.connect("Output", {.bounds = kFrame});
+  const std::vector<std::byte> untouched = output.pixels;
+  for (const RectI& window : {RectI{5, 5, 5, 9}, {9, 9, 5, 5}, {-90, 5, 0, 9}, {64, 48, kEnd, kEnd}}) {
+    EXPECT_EQ(session.render(window), Status::Ok);
+    EXPECT_EQ(output.pixels, untouched);
+  }
+  ASSERT_EQ(session.render(kFrame), Status::Ok);
+  const std::vector<std::byte> drawn = output.pixels;
+  std::ranges::copy(untouched, output.pixels.begin());
+  EXPECT_EQ(session.render({-kEnd, -kEnd, kEnd, kEnd}), Status::Ok);
+  EXPECT_EQ(output.pixels, drawn);
+  PropertySetRecord& far_away = session.connect("Output", {.bounds = {9000000, -9000048, 9000064, -9000000}});
+  EXPECT_EQ(session.render({-kEnd, -kEnd, kEnd, kEnd}), Status::Ok);
+  EXPECT_EQ(far_away.pixels, std::vector<std::byte>(far_away.pixels.size()));
+}
+
+// Hosts should wait for their renders, but a careless one costs the user's work if it crashes.
+TEST(OfxRenderTest, OutlivesWhatTheHostEndsDuringARender) {
+  for (const bool unloads : {false, true}) {
+    Ready session;
+    session.setCorners(kTrapezoid, kFrame);
+    ASSERT_EQ(session.render(kFrame), Status::Ok);
+    const std::vector<std::byte> drawn = session.instance.clips.at("Output").image->pixels;
+    const PropertySetRecord& output = session.connect("Output", {.bounds = kFrame});
+    session.host.on_abort = [&] {
+      session.action("OfxActionPurgeCaches");
+      session.perform(unloads ? "OfxActionUnload" : "OfxActionDestroyInstance", &session.instance);
+    };
+    EXPECT_EQ(session.render(kFrame), Status::Ok);
+    EXPECT_EQ(output.pixels, drawn);
+    EXPECT_EQ(session.host.images_out, 0);
+    EXPECT_EQ(session.render(kFrame), unloads ? Status::Failed : Status::BadHandle);
+    EXPECT_EQ(session.close(), unloads ? Status::Failed : Status::BadHandle);
+    ASSERT_EQ(session.load(), Status::Ok);
+    EXPECT_EQ(session.render(kFrame), Status::BadHandle) << "an instance of before";
+    EXPECT_EQ(session.open(), Status::Ok);
+  }
+}
+
+TEST(OfxRenderTest, ParametersChangeAndOtherInstancesComeAndGoMeanwhile) {
+  Ready session;
+  session.connect("Background", {.bounds = kFrame, .components = "OfxImageComponentRGB"});
+  std::atomic<int> left = 150;
+  std::vector<std::jthread> threads;
+  threads.reserve(3);
+  for (int t = 0; t < 3; ++t) {
+    threads.emplace_back([&, t] {
+      while (left-- > 0) {
+        const Status status = session.render({0, 16 * t, 64, 16 * (t + 1)});
+        EXPECT_TRUE(status == Status::Ok || status == Status::BadValue);
+      }
+    });
+  }
+  for (int i = 0; left > 0; ++i) {
+    session.setParam("upperLeft", {1.0 * (i % 20), i % 3 == 0 ? 1e9 : 40.0});
+    EffectRecord other;
+    session.prepare(&other);
+    EXPECT_EQ(session.perform("OfxActionCreateInstance", &other), Status::Ok);
+    session.action("OfxActionPurgeCaches");
+    session.passedOn();
+    EXPECT_EQ(session.perform("OfxActionDestroyInstance", &other), Status::Ok);
+  }
 }
 
 TEST(OfxRenderTest, EndsWhereTheHostWantsItTo) {

@@ -14,7 +14,7 @@ constexpr RectI kFrame{0, 0, 16, 12};
 constexpr host::Corners kCorners{{1, 2}, {14, 1}, {3, 11}, {15, 10}};
 
 void connectAll(Session& session) {
-  for (const char* name : {"Source", "Background", "Output"}) {
+  for (const char* name : {"Source", "Background", "Matte", "Output"}) {
     if (session.instance.clips.count(name) != 0) {
       PropertySetRecord& image = session.connect(name, {.bounds = kFrame, .depth = "OfxBitDepthByte"});
       std::memset(image.pixels.data(), 0x40, image.pixels.size());
@@ -30,6 +30,7 @@ bool isStatus(Status status) {
 // Everything that a host does with an instance, once; what an action does not answer with success, the next ones take
 // as a host would.
 void useOnce(Session& session) {
+  session.host.now = 7.0;
   if (session.open() != Status::Ok) {
     return;
   }
@@ -40,6 +41,7 @@ void useOnce(Session& session) {
     return;  // the host has lost a parameter
   }
   PropertySetRecord in = renderArguments(kFrame);
+  in.put("OfxPropTime", session.host.now);
   in.put("OfxPropChangeReason", std::string("OfxChangeUserEdited"));
   in.put("OfxPropName", std::string("reset"));
   in.put("OfxImageEffectPropRegionOfInterest", 2.0, 1.0, 9.0, 8.0);
@@ -48,7 +50,9 @@ void useOnce(Session& session) {
         "OfxImageEffectActionGetRegionsOfInterest", "OfxImageEffectActionIsIdentity", "OfxImageEffectActionRender",
         "OfxActionInstanceChanged", "OfxImageEffectActionRender", "OfxActionPurgeCaches"}) {
     PropertySetRecord out;
-    EXPECT_TRUE(isStatus(session.action(action, &in, &out))) << action;
+    const Status status = session.action(action, &in, &out);
+    EXPECT_TRUE(isStatus(status)) << action;
+    EXPECT_TRUE(status != Status::ReplyDefault || action != std::string("OfxImageEffectActionRender"));
   }
   DrawContextRecord context;
   for (const char* action : {"OfxInteractActionDraw", "OfxInteractActionPenDown", "OfxInteractActionPenMotion",
@@ -63,9 +67,9 @@ void useOnce(Session& session) {
   session.close();
 }
 
-constexpr std::array kStatuses{Status::Failed,     Status::Fatal,     Status::Unknown,  Status::MissingHostFeature,
-                               Status::Memory,     Status::BadHandle, Status::BadIndex, Status::BadValue,
-                               Status::ImageFormat};
+constexpr std::array kStatuses{Status::Ok,       Status::ReplyDefault,       Status::Failed,     Status::Fatal,
+                               Status::Unknown,  Status::MissingHostFeature, Status::Memory,     Status::BadHandle,
+                               Status::BadIndex, Status::BadValue,           Status::ImageFormat};
 
 // Every status at every call, or where threads are watched, which takes ten times as long, one of them in turn.
 #if defined(__SANITIZE_THREAD__)
@@ -78,6 +82,7 @@ int callsOfOneUse() {
   Session session({16.0, 12.0});
   session.host.refused_call = std::numeric_limits<int>::max();
   useOnce(session);
+  EXPECT_EQ(session.host.calls_at_other_times, 0);
   return session.host.calls;
 }
 
@@ -111,6 +116,22 @@ TEST(OfxFaultTest, AHostMayRefuseEverythingFromAnyCallOn) {
   }
 }
 
+TEST(OfxFaultTest, AnyFunctionOfASuiteMayBeNull) {
+  for (const auto& [suite, functions] : {std::pair{"OfxPropertySuite 1", 18U},
+                                         {"OfxImageEffectSuite 1", 13U},
+                                         {"OfxParameterSuite 1", 18U},
+                                         {"OfxMessageSuite 2", 3U},
+                                         {"OfxMultiThreadSuite 1", 9U},
+                                         {"OfxInteractSuite 1", 3U},
+                                         {"OfxDrawSuite 1", 6U}}) {
+    for (std::size_t i = 0; i < functions; ++i) {
+      Session session({16.0, 12.0});
+      session.host.null_function = {suite, i};
+      useOnce(session);
+    }
+  }
+}
+
 TEST(OfxFaultTest, ActionsWithoutTheirArgumentsAreRefused) {
   Session session;
   ASSERT_EQ(session.open(), Status::Ok);
@@ -122,6 +143,10 @@ TEST(OfxFaultTest, ActionsWithoutTheirArgumentsAreRefused) {
         << action;
     EffectRecord stranger;
     EXPECT_EQ(session.perform(action, &stranger), Status::BadHandle) << action;
+  }
+  for (const char* action : {"OfxActionDescribe", "OfxImageEffectActionDescribeInContext", "OfxActionCreateInstance",
+                             "OfxActionDestroyInstance", "OfxImageEffectActionRender"}) {
+    EXPECT_EQ(session.perform(action, nullptr), Status::BadHandle) << action;
   }
   EXPECT_EQ(session.perform(nullptr, nullptr), Status::BadValue);
   EXPECT_EQ(session.perform("OfxActionOfTomorrow", nullptr), Status::ReplyDefault);

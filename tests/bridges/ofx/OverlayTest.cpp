@@ -1,6 +1,7 @@
 // The handles that are dragged over the picture, and how they are drawn.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstring>
 
 #include "tests/bridges/ofx/Session.h"
@@ -72,6 +73,7 @@ TEST_F(OfxOverlayTest, DragsTheNearestCornerFromWhereItWasTaken) {
   EXPECT_EQ(session.corner("upperRight"), (std::vector<double>{50.0, 40.0}));
   EXPECT_EQ(session.host.edits_open, 0);
   EXPECT_EQ(pen("OfxInteractActionPenDown", 63.5, 47.5), Status::ReplyDefault) << "nothing there";
+  EXPECT_EQ(pen("OfxInteractActionPenDown", 20, std::nan("")), Status::BadValue);
   // The handle is as large on the screen as before, so that it reaches farther in the picture.
   EXPECT_EQ(pen("OfxInteractActionPenDown", 63.5, 47.5, 4.0), Status::Ok);
   EXPECT_EQ(session.overlay("OfxInteractActionLoseFocus", nullptr), Status::BadHandle) << "no arguments";
@@ -138,6 +140,9 @@ TEST_F(OfxOverlayTest, DrawsTheQuadrilateralsAndNamesDegenerateOnes) {
     session.setCorners(c.corners, kFrame);
     EXPECT_EQ(draw().back().find(c.word), 0U) << draw().back();
   }
+  session.setParam("useFrom", {1.0});
+  session.setParam("upperLeft", {std::nan(""), 0.0});
+  EXPECT_EQ(draw(), plain) << "only the from corners can be shown";
 }
 
 }  // namespace

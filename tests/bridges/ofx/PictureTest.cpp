@@ -15,6 +15,7 @@ namespace vantorel::ofx {
 namespace {
 
 constexpr RectI kFrame{0, 0, 64, 48};
+constexpr RectI kEndless{-2147483647, -2147483647, 2147483647, 2147483647};
 constexpr host::Corners kTrapezoid{{12.0, 4.25}, {50.5, 8.0}, {-6.5, 45.0}, {66.75, 40.0}};
 constexpr host::Corners kNotched{{2.0, 3.0}, {60.0, 9.5}, {5.0, 44.0}, {22.0, 20.0}};
 
@@ -42,6 +43,10 @@ host::Image layerOf(const Kind& kind, const RectI& frame) {
                               kind.is_half ? double{floatFromHalf(halfFromFloat(static_cast<float>(value)))} : value);
   }
   return layer;
+}
+
+std::size_t storedPixelBytes(const Kind& kind) {
+  return kind.is_half ? 8 : host::bytesPerPixel(kind.drawn);
 }
 
 // A pixel of the embedded host's as the plug-in's host holds it.
@@ -121,19 +126,22 @@ TEST(OfxPictureTest, AreTheEmbeddedHostsInEveryLayoutAtEveryDepth) {
     RectI window;
     bool source_upper_first;
     bool output_upper_first;
-    int spare;
+    int spare;  // channels
+    bool is_endless = false;
   } layouts[] = {{kFrame, kFrame, kFrame, kFrame, false, false, 0},
-                 {kFrame, kFrame, kFrame, kFrame, true, true, 4},
-                 {{-5, -3, 70, 51}, kFrame, {-20, -9, 90, 77}, {-11, -9, 83, 60}, false, true, 12},
-                 {{13, -7, 77, 41}, {13, -7, 77, 41}, {3, 5, 40, 30}, {4, 7, 39, 29}, true, false, 8}};
+                 {kFrame, kFrame, kFrame, kFrame, true, true, 1},
+                 {{-5, -3, 70, 51}, kFrame, kFrame, kFrame, true, false, 7, true},
+                 {{-5, -3, 70, 51}, kFrame, {-20, -9, 90, 77}, {-11, -9, 83, 60}, false, true, 3},
+                 {{13, -7, 77, 41}, {13, -7, 77, 41}, {3, 5, 40, 30}, {4, 7, 39, 29}, true, false, 2}};
   for (const Kind& kind : kKinds) {
     for (const auto& layout : layouts) {
       Session session;
       ASSERT_EQ(session.open(), Status::Ok);
+      const int spare_bytes = layout.spare * static_cast<int>(storedPixelBytes(kind)) / 4;
       fill(session.connect("Source", {.bounds = layout.source_bounds,
-                                      .full_frame = layout.source_frame,
+                                      .full_frame = layout.is_endless ? kEndless : layout.source_frame,
                                       .depth = kind.name,
-                                      .spare_bytes = layout.spare,
+                                      .spare_bytes = spare_bytes,
                                       .upper_first = layout.source_upper_first}),
            kind, layout.source_bounds);
       host::Image layer = layerOf(kind, layout.source_frame);
@@ -143,7 +151,7 @@ TEST(OfxPictureTest, AreTheEmbeddedHostsInEveryLayoutAtEveryDepth) {
           session.setParam("quality", {static_cast<double>(quality)});
           PropertySetRecord& output = session.connect("Output", {.bounds = layout.output_bounds,
                                                                  .depth = kind.name,
-                                                                 .spare_bytes = layout.spare,
+                                                                 .spare_bytes = spare_bytes,
                                                                  .upper_first = layout.output_upper_first});
           ASSERT_EQ(session.render(layout.window), Status::Ok) << session.host.message;
           EXPECT_TRUE(holds(kind, output, layout.output_bounds, layout.window,
@@ -305,11 +313,9 @@ TEST(OfxPictureTest, WindowsFromTheNeededPartOfTheSourceAreThoseOfTheWholeFrame)
 }
 
 TEST(OfxPictureTest, OtherClipsHideAndLieBelow) {
-  const auto paint = [](PropertySetRecord& image, std::initializer_list<float> pixel) {
-    for (int y = 0; y < kFrame.y2; ++y) {
-      for (int x = 0; x < kFrame.x2; ++x) {
-        std::memcpy(pixelOf(image, x, y), pixel.begin(), pixel.size() * sizeof(float));
-      }
+  const auto paint = [](PropertySetRecord& image, const std::vector<float>& pixel) {
+    for (std::size_t i = 0; i < image.pixels.size(); i += pixel.size() * sizeof(float)) {
+      std::memcpy(image.pixels.data() + i, pixel.data(), pixel.size() * sizeof(float));
     }
   };
   Session session;
@@ -335,6 +341,15 @@ TEST(OfxPictureTest, OtherClipsHideAndLieBelow) {
   expect_pixel(10, {0.125F, 0.5F, 0.03125F, 0.5625F});
   session.setParam("opacity", {std::nan("")});
   expect_pixel(10, {0.0F, 0.5F, 0.0F, 0.5F});
+  // What a matte or a background does not reach is neither hidden nor covered, nor is a frame that lacks one.
+  session.setParam("opacity", {1.0});
+  paint(session.connect("Matte", {.bounds = {8, 15, 12, 30}}), {0.0F, 0.0F, 0.0F, 1.0F});
+  expect_pixel(10, {0.0F, 0.5F, 0.0F, 0.5F});
+  expect_pixel(12, {1.0F, 0.5F, 0.25F, 1.0F});
+  session.instance.clips.at("Matte").image.reset();
+  expect_pixel(10, {1.0F, 0.5F, 0.25F, 1.0F});
+  paint(session.connect("Background", {.bounds = {70, -40, 90, 8}}), {1.0F, 1.0F, 1.0F, 1.0F});
+  expect_pixel(50, {0.0F, 0.0F, 0.0F, 0.0F});
 }
 
 TEST(OfxPictureTest, APartOfTheSourceGoesOntoTheCorners) {

@@ -51,25 +51,29 @@ Status Session::describe(const char* context) {
   return perform("OfxImageEffectActionDescribeInContext", &descriptor, &in);
 }
 
-Status Session::create() {
-  instance.properties.put("OfxImageEffectPropProjectSize", project_.x, project_.y);
-  instance.properties.put("OfxImageEffectPropProjectOffset", 0.0, 0.0);
+void Session::prepare(EffectRecord* made) const {
+  made->properties.put("OfxImageEffectPropProjectSize", project_.x, project_.y);
+  made->properties.put("OfxImageEffectPropProjectOffset", 0.0, 0.0);
   for (const auto& [name, clip] : descriptor.clips) {
-    instance.clips[name].properties.put("OfxImageClipPropConnected", 0);
+    made->clips[name].properties.put("OfxImageClipPropConnected", 0);
   }
-  for (const auto& [name, param] : descriptor.params.params) {
-    ParamRecord& made = instance.params.params[name];
-    made.type = param.type;
-    made.value.clear();
-    const auto found = param.properties.values.find("OfxParamPropDefault");
-    for (std::size_t i = 0; found != param.properties.values.end() && i < found->second.size(); ++i) {
+  for (const auto& [name, defined] : descriptor.params.params) {
+    ParamRecord& param = made->params.params[name];
+    param.type = defined.type;
+    param.value.clear();
+    const auto found = defined.properties.values.find("OfxParamPropDefault");
+    for (std::size_t i = 0; found != defined.properties.values.end() && i < found->second.size(); ++i) {
       const Value& value = found->second[i];
       const bool is_position = param.type == "OfxParamTypeDouble2D";
       const double extent = !is_position ? 1.0 : i == 0 ? project_.x : project_.y;
-      made.value.push_back(extent *
-                           (std::holds_alternative<int>(value) ? std::get<int>(value) : std::get<double>(value)));
+      param.value.push_back(extent *
+                            (std::holds_alternative<int>(value) ? std::get<int>(value) : std::get<double>(value)));
     }
   }
+}
+
+Status Session::create() {
+  prepare(&instance);
   const Status status = action("OfxActionCreateInstance");
   has_instance_ = isFine(status);
   if (has_instance_ && !isFine(overlay("OfxActionCreateInstance"))) {
@@ -118,7 +122,7 @@ Status Session::overlay(const char* name, PropertySet in) {
       auto* const entry = reinterpret_cast<MainEntry*>(std::get<void*>(found->second.front()));
       if (in != nullptr) {
         in->put("OfxPropEffectInstance", static_cast<void*>(&instance));
-        in->put("OfxPropTime", 0.0);
+        in->put("OfxPropTime", host.now);
       }
       return entry(name, &interact, in, nullptr);
     }

@@ -27,6 +27,8 @@ class Session {
   Status load();
   Status describe(const char* context);
   Status create();
+  // Properties, clips and parameters of an instance, as the descriptor has them.
+  void prepare(EffectRecord* made) const;
   Status open(const char* context = kGeneral);  // all three
   Status close();                               // what has been opened
 
@@ -38,7 +40,10 @@ class Session {
   // Connects a clip to an image; its region is the image's full frame.
   PropertySetRecord& connect(const char* clip, const Layout& layout);
   std::vector<double> corner(const char* name) { return instance.params.params.at(name).value; }
-  void setParam(const char* name, const std::vector<double>& value) { instance.params.params.at(name).value = value; }
+  void setParam(const char* name, const std::vector<double>& value) {
+    const std::scoped_lock lock(host.mutex);
+    instance.params.params.at(name).value = value;
+  }
   // Corners in pixels from the upper left corner of a frame, y down, on a project whose frame it is.
   void setCorners(const host::Corners& corners, const RectI& frame, const char* prefix = "");
   Status render(const RectI& window, PointD scale = {1.0, 1.0});

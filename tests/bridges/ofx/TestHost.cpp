@@ -18,15 +18,22 @@ Status answer(const char* call) {
   return the_host->refuses(call) ? the_host->refusal : Status::Ok;
 }
 
+// Gives a result, unless the call is refused.
+template <typename Out>
+Status give(const char* call, Out value, Out* out) {
+  if (the_host->refuses(call)) {
+    return the_host->refusal;
+  }
+  *out = value;
+  return Status::Ok;
+}
+
 // ---- Properties ----------------------------------------------------------------------------------------------------
 
 template <typename Stored, typename Given>
 Status setValue(PropertySet set, const char* name, int index, Given value) {
   if (the_host->refuses(name)) {
     return the_host->refusal;
-  }
-  if (set == nullptr) {
-    return Status::BadHandle;
   }
   std::vector<Value>& values = set->values[name];
   values.resize(std::max(values.size(), static_cast<std::size_t>(index) + 1));
@@ -38,9 +45,6 @@ template <typename Stored, typename Out>
 Status getValue(PropertySet set, const char* name, int index, Out* out) {
   if (the_host->refuses(name)) {
     return the_host->refusal;
-  }
-  if (set == nullptr) {
-    return Status::BadHandle;
   }
   const auto found = set->values.find(name);
   if (found == set->values.end()) {
@@ -102,20 +106,24 @@ Status defineClip(EffectHandle effect, const char* name, PropertySet* out) {
 }
 
 Status findClip(EffectHandle effect, const char* name, ClipHandle* out, PropertySet* properties) {
-  const Status status = answer("clip");
+  if (the_host->refuses("clip")) {
+    return the_host->refusal;
+  }
   const auto found = effect->clips.find(name);
-  if (status != Status::Ok || found == effect->clips.end()) {
-    return status != Status::Ok ? status : Status::BadHandle;
+  if (found == effect->clips.end()) {
+    return Status::BadHandle;
   }
   *out = &found->second;
   *properties = &found->second.properties;
   return Status::Ok;
 }
 
-Status getImage(ClipHandle clip, Time, const RectD*, PropertySet* image) {
-  const Status status = answer("clip_image");
-  if (status != Status::Ok || !clip->image) {
-    return status != Status::Ok ? status : Status::Failed;
+Status getImage(ClipHandle clip, Time time, const RectD*, PropertySet* image) {
+  if (the_host->refuses("clip_image", time)) {
+    return the_host->refusal;
+  }
+  if (!clip->image) {
+    return Status::Failed;
   }
   ++the_host->images_out;
   *image = clip->image.get();
@@ -123,16 +131,9 @@ Status getImage(ClipHandle clip, Time, const RectD*, PropertySet* image) {
 }
 
 const ImageEffectSuite kEffects{
-    .properties =
-        [](EffectHandle effect, PropertySet* out) {
-          *out = &effect->properties;
-          return answer("effect_properties");
-        },
-    .param_set =
-        [](EffectHandle effect, ParamSet* out) {
-          *out = &effect->params;
-          return answer("param_set");
-        },
+    .properties = [](EffectHandle effect,
+                     PropertySet* out) { return give("effect_properties", effect->properties.handle(), out); },
+    .param_set = [](EffectHandle effect, ParamSet* out) { return give("param_set", &effect->params, out); },
     .define_clip = defineClip,
     .clip = findClip,
     .clip_image = getImage,
@@ -142,11 +143,20 @@ const ImageEffectSuite kEffects{
           return answer("release_image");
         },
     .clip_region_of_definition =
-        [](ClipHandle clip, Time, RectD* out) {
+        [](ClipHandle clip, Time time, RectD* out) {
+          if (the_host->refuses("region", time)) {
+            return the_host->refusal;
+          }
           *out = clip->region;
-          return answer("region");
+          return Status::Ok;
         },
-    .abort = [](EffectHandle) { return the_host->refuses("abort") || the_host->aborts ? 1 : 0; }};
+    .abort =
+        [](EffectHandle) {
+          if (the_host->on_abort) {
+            the_host->on_abort();
+          }
+          return the_host->refuses("abort") || the_host->aborts ? 1 : 0;
+        }};
 
 // ---- Parameters ----------------------------------------------------------------------------------------------------
 
@@ -161,18 +171,14 @@ Status defineParam(ParamSet set, const char* type, const char* name, PropertySet
 }
 
 Status findParam(ParamSet set, const char* name, ParamHandle* out, PropertySet*) {
-  const Status status = answer("param");
-  if (status != Status::Ok || set->params.count(name) == 0) {
-    return status != Status::Ok ? status : Status::Unknown;
-  }
-  *out = &set->params[name];
-  return Status::Ok;
+  return set->params.count(name) == 0 ? Status::Unknown : give("param", &set->params[name], out);
 }
 
 Status valueAtTime(ParamHandle param, Time time, ...) {
-  if (the_host->refuses("value_at_time")) {
+  if (the_host->refuses("value_at_time", time)) {
     return the_host->refusal;
   }
+  const std::scoped_lock lock(the_host->mutex);
   va_list arguments;
   va_start(arguments, time);
   for (const double value : param->value) {
@@ -190,6 +196,7 @@ Status setParam(ParamHandle param, ...) {
   if (the_host->refuses("set_value")) {
     return the_host->refusal;
   }
+  const std::scoped_lock lock(the_host->mutex);
   va_list arguments;
   va_start(arguments, param);
   for (double& value : param->value) {
@@ -231,23 +238,19 @@ Status setMessage(void*, const char*, const char*, const char* format, ...) {
 }
 
 const MessageSuite kMessages{.message = setMessage, .set_persistent = setMessage, .clear_persistent = [](void*) {
+                               const std::scoped_lock lock(the_host->mutex);
                                the_host->message.clear();
                                return answer("clear_persistent");
                              }};
 
-const MultiThreadSuite kThreads{.cpu_count =
-                                    [](unsigned* count) {
-                                      *count = the_host->processors;
-                                      return answer("cpu_count");
-                                    },
-                                .is_spawned_thread = [] { return 0; }};
+const MultiThreadSuite kThreads{
+    .cpu_count = [](unsigned* count) { return give("cpu_count", the_host->processors, count); },
+    .is_spawned_thread = [] { return 0; }};
 
-const InteractSuite kInteracts{.redraw = [](InteractHandle) { return answer("redraw"); },
-                               .properties =
-                                   [](InteractHandle interact, PropertySet* out) {
-                                     *out = &interact->properties;
-                                     return answer("interact");
-                                   }};
+const InteractSuite kInteracts{
+    .redraw = [](InteractHandle) { return answer("redraw"); },
+    .properties = [](InteractHandle interact,
+                     PropertySet* out) { return give("interact", interact->properties.handle(), out); }};
 
 const DrawSuite kDraws{.set_colour = [](DrawContext, const Colour*) { return answer("colour"); },
                        .set_line_width = [](DrawContext, float) { return answer("width"); },
@@ -262,16 +265,33 @@ const DrawSuite kDraws{.set_colour = [](DrawContext, const Colour*) { return ans
                              return answer("text");
                            }};
 
+template <typename Suite>
+std::pair<const void*, std::size_t> served(const Suite& suite) {
+  return {&suite, sizeof suite / sizeof(void*)};
+}
+
+// By name and version: its functions, and how many.
+const std::map<std::string, std::pair<const void*, std::size_t>> kSuites{
+    {"OfxPropertySuite 1", served(kProperties)},  {"OfxImageEffectSuite 1", served(kEffects)},
+    {"OfxParameterSuite 1", served(kParameters)}, {"OfxMessageSuite 1", served(kMessages)},
+    {"OfxMessageSuite 2", served(kMessages)},     {"OfxMultiThreadSuite 1", served(kThreads)},
+    {"OfxInteractSuite 1", served(kInteracts)},   {"OfxDrawSuite 1", served(kDraws)}};
+
 const void* fetchSuite(PropertySet, const char* name, int version) {
-  static const std::map<std::string, const void*> kSuites{
-      {"OfxPropertySuite 1", &kProperties}, {"OfxImageEffectSuite 1", &kEffects}, {"OfxParameterSuite 1", &kParameters},
-      {"OfxMessageSuite 1", &kMessages},    {"OfxMessageSuite 2", &kMessages},    {"OfxMultiThreadSuite 1", &kThreads},
-      {"OfxInteractSuite 1", &kInteracts},  {"OfxDrawSuite 1", &kDraws}};
   const std::string key = std::string(name) + " " + std::to_string(version);
-  if (the_host->refuses("fetch_suite") || the_host->absent_suites.count(key) != 0 || kSuites.count(key) == 0) {
+  const auto found = kSuites.find(key);
+  if (the_host->refuses("fetch_suite") || the_host->absent_suites.count(key) != 0 || found == kSuites.end()) {
     return nullptr;
   }
-  return kSuites.at(key);
+  const auto& [suite, functions] = found->second;
+  if (key != the_host->null_function.first) {
+    return suite;
+  }
+  static std::vector<void*> with_null;
+  with_null.assign(functions, nullptr);
+  std::memcpy(with_null.data(), suite, functions * sizeof(void*));
+  with_null.at(the_host->null_function.second) = nullptr;
+  return with_null.data();
 }
 
 }  // namespace
@@ -284,6 +304,11 @@ TestHost::TestHost() : record{&properties_, fetchSuite} {
 
 TestHost::~TestHost() {
   the_host = nullptr;
+}
+
+bool TestHost::refuses(const char* call, Time time) {
+  calls_at_other_times += time != now ? 1 : 0;
+  return refuses(call);
 }
 
 bool TestHost::refuses(const char* call) {

@@ -89,8 +89,10 @@ class TestHost {
 
   Host record;
   std::set<std::string> absent_suites;
+  // A suite in which one function is null, and its place.
+  std::pair<std::string, std::size_t> null_function;
 
-  // Refuses call number `refused_call` (from 0), or from it on, with this status.
+  // Refuses call number `refused_call` (from 0), or from it on, with this status; with Ok, it does nothing.
   int refused_call = -1;
   bool refuses_all_after = false;
   Status refusal = Status::Failed;
@@ -99,13 +101,18 @@ class TestHost {
   std::atomic<int> calls = 0;
   std::atomic<int> images_out = 0;  // fetched and not yet released
   std::atomic<bool> aborts = false;
+  std::function<void()> on_abort;  // what else happens while the plug-in asks whether to stop
+  Time now = 0.0;
+  std::atomic<int> calls_at_other_times = 0;
   int edits_open = 0;
   std::string message;           // the persistent one
   std::vector<std::string> log;  // the names of the calls
-  std::mutex mutex;
+  std::mutex mutex;              // of the parameters and the message
 
   // Counts a call; true where it is to be refused.
   bool refuses(const char* call);
+  // The same for a call about a time.
+  bool refuses(const char* call, Time time);
 
  private:
   PropertySetRecord properties_;
