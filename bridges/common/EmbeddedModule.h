@@ -1,4 +1,4 @@
-// The effect that is linked into a bridge, loaded once for the whole program.
+// The effect that is linked into a bridge; all instances share it.
 #pragma once
 
 #include <memory>
@@ -8,8 +8,8 @@
 
 namespace vantorel::bridges {
 
-// The module of the linked effect, set up by the first call and shared by all that hold it; set down when the last
-// owner lets go, and set up again by the next call. Safe to call from several threads. Errors as of Module::fromEntry.
+// The module of the linked effect. The first call sets it up; when its last owner releases it, it is set down, and the
+// next call sets it up again. Thread-safe. Errors as for Module::fromEntry.
 host::Result<std::shared_ptr<const host::Module>> embeddedModule();
 
 }  // namespace vantorel::bridges

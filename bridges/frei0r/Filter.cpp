@@ -39,7 +39,7 @@ void makeOpaque(std::uint8_t* row, int width) {
   }
 }
 
-// 0 for what is not a number.
+// 0 for NaN.
 double clampedOpacity(double opacity) {
   return opacity > 0.0 ? std::min(opacity, 1.0) : 0.0;
 }
@@ -47,7 +47,7 @@ double clampedOpacity(double opacity) {
 }  // namespace
 
 std::unique_ptr<Filter> Filter::create(unsigned width, unsigned height) {
-  constexpr unsigned kMaxSide = 32767;  // of what the effect's 16.16 numbers reach
+  constexpr unsigned kMaxSide = 32767;  // the range of the effect's 16.16 numbers
   if (width == 0 || height == 0 || width > kMaxSide || height > kMaxSide) {
     return nullptr;
   }

@@ -14,27 +14,27 @@ namespace vantorel::frei0r {
 // first frame of each kind (opaque or not), and no file is touched.
 class Filter {
  public:
-  // Null where a side is 0 or too long, where memory is lacking or the effect fails its setup.
+  // Null if a side is 0 or too long, memory runs out, or the effect's setup fails.
   static std::unique_ptr<Filter> create(unsigned width, unsigned height);
 
   Parameters parameters;
 
-  // Draws `in` onto the corners into `out`, `width * height` pixels each, which may be the same. What cannot be drawn
-  // (corners that are not numbers or too far away) leaves the outside alone.
+  // Draws `in` onto the corners. Both have `width * height` pixels and may be the same memory. Corners that cannot be
+  // drawn (not numbers, or too far away) give a frame that is all outside.
   void draw(const std::uint32_t* in, std::uint32_t* out);
 
  private:
   Filter(std::shared_ptr<const host::Module> module, host::Size size);
-  // The rows that hold the layer; none where it cannot be drawn.
+  // Returns the rows that were drawn; none if the layer cannot be drawn.
   host::Rect drawLayer(const host::ConstImageView& layer, const host::ImageView& output);
-  // A copy in layer_; an empty view where memory is lacking.
+  // Copies the picture to layer_. An empty view if memory runs out.
   host::ConstImageView premultiplied(const std::uint32_t* in);
-  // Opacity, and straight alpha or black outside, of the rows from `drawn.top` to `drawn.bottom`; the others are clear.
+  // Applies the opacity, then straight alpha or an opaque outside. Rows above and below `drawn` are transparent.
   void finish(const host::ImageView& output, const host::Rect& drawn) const;
 
   host::Instance instance_;
   host::Size size_;
-  host::Image layer_;  // premultiplied, where `in` is not opaque or is drawn over
+  host::Image layer_;  // the premultiplied picture, if `in` is not opaque or is also the output
 };
 
 }  // namespace vantorel::frei0r

@@ -8,8 +8,8 @@ namespace {
 
 enum Index { kQuality = 2 * host::kCornerCount, kOpacity, kOpaqueOutside };
 
-#define X_RANGE "; 1/3 to 2/3 is the picture, 0 its width to the left of it, 1 its width to the right of it"
-#define Y_RANGE "; 1/3 to 2/3 is the picture, 0 its height above it, 1 its height below it"
+#define X_RANGE "; 1/3 and 2/3 are the left and right border, 0 and 1 a picture width beyond them"
+#define Y_RANGE "; 1/3 and 2/3 are the upper and lower border, 0 and 1 a picture height beyond them"
 constexpr std::array<f0r_param_info_t, kParameterCount> kInfos{{
     {"Upper left X", F0R_PARAM_DOUBLE, "Where the upper left corner goes" X_RANGE},
     {"Upper left Y", F0R_PARAM_DOUBLE, "Where the upper left corner goes" Y_RANGE},
@@ -20,7 +20,7 @@ constexpr std::array<f0r_param_info_t, kParameterCount> kInfos{{
     {"Lower right X", F0R_PARAM_DOUBLE, "Where the lower right corner goes" X_RANGE},
     {"Lower right Y", F0R_PARAM_DOUBLE, "Where the lower right corner goes" Y_RANGE},
     {"Quality", F0R_PARAM_STRING, "standard, high, or best (supersampled, with crisp edges)"},
-    {"Opacity", F0R_PARAM_DOUBLE, "0: invisible, 1: as it is"},
+    {"Opacity", F0R_PARAM_DOUBLE, "0 is invisible, 1 is unchanged"},
     {"Opaque outside", F0R_PARAM_BOOL, "Black around the picture instead of transparent"},
 }};
 #undef X_RANGE
@@ -85,7 +85,7 @@ void getParameter(const Parameters& parameters, int index, void* value) {
   }
   switch (index) {
     case kQuality:
-      // The interface hands out texts that the host does not change, without saying so in its type.
+      // The interface's type is not const, but hosts do not change the text.
       *static_cast<char**>(value) =
           const_cast<char*>(kQualityNames[static_cast<std::size_t>(parameters.quality)].data());
       return;

@@ -1,5 +1,5 @@
-// The functions that programs load a frei0r filter by. Nothing is thrown into them.
-// The header declares them without saying that they are C functions, and visible ones.
+// The exported functions of a frei0r filter. No exception leaves them.
+// The header declares them without C linkage and default visibility.
 #pragma GCC visibility push(default)
 extern "C" {
 #include <frei0r.h>
@@ -33,7 +33,7 @@ void f0r_get_plugin_info(f0r_plugin_info_t* info) {
            VANTOREL_MAJOR_VERSION,
            VANTOREL_MINOR_VERSION,
            vantorel::frei0r::kParameterCount,
-           "Puts the picture onto four corners, in true perspective"};
+           "Moves the corners of the picture to any four points, in true perspective"};
 }
 
 void f0r_get_param_info(f0r_param_info_t* info, int index) {

@@ -22,7 +22,7 @@ Kind kindOf(const std::string& text, const std::array<std::pair<const char*, Kin
       return kind;
     }
   }
-  refuse(clip, "images of " + text + " cannot be drawn; convert them to RGBA of 8, 16 or 32 bits");
+  refuse(clip, "images with " + text + " are not supported; convert them to RGBA with 8, 16 or 32 bits per channel");
 }
 
 constexpr std::array<std::pair<const char*, PixelDepth>, 4> kDepths{{{kDepthByte, PixelDepth::Byte},
@@ -78,8 +78,8 @@ std::optional<ClipImage> ClipImage::fetch(const Clip& clip, const char* name, Ti
     return std::nullopt;
   }
   if (status != Status::Ok) {
-    throw Fault{status, std::string(name) + ": the host gives no image, with status " +
-                            std::to_string(static_cast<int>(status))};
+    throw Fault{status, std::string(name) + ": the host does not deliver its image (status " +
+                            std::to_string(static_cast<int>(status)) + ")"};
   }
   ClipImage image(set);
   image.describe(clip, name);
@@ -119,11 +119,11 @@ void ClipImage::describe(const Clip& clip, const char* name) {
     refuse(name, "the host's image has no pixels");
   }
   if (!isBounded(bounds_)) {
-    refuse(name, "the host's image reaches farther than can be drawn; use a smaller one");
+    refuse(name, "the host's image extends too far to be drawn; use a smaller one");
   }
   const auto channel_bytes = static_cast<std::ptrdiff_t>(channelBytes(depth_));
   if (row_bytes_ % channel_bytes != 0 || reinterpret_cast<std::intptr_t>(data_) % channel_bytes != 0) {
-    refuse(name, "the host's image has channels at addresses that are not multiples of their size");
+    refuse(name, "the host's image is not aligned to the size of its channels");
   }
   if (static_cast<std::size_t>(std::llabs(row_bytes_)) < static_cast<std::size_t>(bounds_.width()) * pixelBytes() &&
       bounds_.height() > 1) {

@@ -1,4 +1,4 @@
-// Clips of an instance, and the images that the host hands out.
+// The clips of an instance, and the images that the host delivers for them.
 #pragma once
 
 #include <cstddef>
@@ -11,28 +11,28 @@ namespace vantorel::ofx {
 enum class PixelDepth { Byte, Short, Half, Float };
 enum class Components { Rgba, Rgb, Alpha };
 
-// A clip's state as of now. `handle` is null where the context has no such clip.
+// A clip as it currently is. `handle` is null if the context has no such clip.
 struct Clip {
   ClipHandle handle = nullptr;
   PropertySet properties = nullptr;
 
-  // Of an instance; a null clip where the host has none of the name.
+  // A null clip if the instance has none of that name.
   static Clip find(EffectHandle effect, const char* name);
 
   bool isConnected() const;
   bool isUnpremultiplied() const;
-  // Canonical, perhaps endless; nothing where the host cannot tell, or where it is empty.
+  // In canonical coordinates, possibly endless. Nothing if the clip is not connected, or the region is empty or
+  // unknown.
   std::optional<RectD> regionOfDefinition(Time time) const;
 };
 
-// A clip's or an image's pixel aspect ratio; 1 where the host gives none that can be computed with.
+// The pixel aspect ratio of a clip or an image; 1 if the host gives none or an unusable one.
 double pixelAspectOf(const Properties& properties);
 
-// An image, given back to the host at the end of its life.
+// An image, which is released to the host when this is destroyed.
 class ClipImage {
  public:
-  // Nothing where the host has no image there. A Fault where it fails otherwise, or describes an image that cannot be
-  // read.
+  // Nothing if the host has no image at that time. A Fault if it fails in another way or its image cannot be read.
   static std::optional<ClipImage> fetch(const Clip& clip, const char* name, Time time);
   ~ClipImage();
   ClipImage(ClipImage&& other) noexcept;
@@ -44,14 +44,13 @@ class ClipImage {
   bool isField() const { return is_field_; }
   double pixelAspect() const { return pixel_aspect_; }
 
-  // Pixels, y up: those in memory, and those of the full frame; of that, nothing where the host does not tell it, or
-  // where it is endless.
+  // In pixels, y up: the part in memory, and the full frame, which is nothing if it is unknown or endless.
   const RectI& bounds() const { return bounds_; }
   const std::optional<RectI>& fullFrame() const { return full_frame_; }
 
   std::ptrdiff_t rowBytes() const { return row_bytes_; }
   std::size_t pixelBytes() const;
-  // Pixel (x, y), which must be in the bounds.
+  // Pixel (x, y), which must lie within the bounds.
   std::byte* pixel(int x, int y) const;
 
  private:

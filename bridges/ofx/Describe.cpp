@@ -16,12 +16,12 @@ void describeTexts(const Properties& effect) {
   effect.offer("OfxPropLongLabel", "Vantorel Four-Point Warp");
   effect.offer("OfxImageEffectPluginPropGrouping", "Transform");
   effect.offer("OfxPropPluginDescription",
-               "Takes the four corners of a picture to any four points, in true perspective: screen replacement, sign "
-               "and billboard inserts, matching a planar track.");
+               "Moves the four corners of a picture to any four points, in true perspective: for screen replacement, "
+               "sign and billboard inserts, and planar tracks.");
   effect.offer("OfxPropVersionLabel", VANTOREL_VERSION);
 }
 
-// Whichever way of drawing the host offers: the draw suite, else OpenGL.
+// The overlay draws with the draw suite if the host has it, otherwise with OpenGL.
 void describeOverlay(const Properties& effect) {
   if (Properties(hostProperties()).integer("OfxImageEffectPropSupportsOverlays").value_or(0) == 0 ||
       suites().interact == nullptr) {
@@ -88,7 +88,8 @@ void describeInContext(EffectHandle descriptor, const Properties& in) {
   if (is_general) {
     source.set("OfxImageEffectPropSupportedComponents", {kComponentsRgba, kComponentsRgb});
   } else {
-    // The output's are those of the source here, and without alpha there is no outside: the host converts.
+    // In a filter the output has the source's components, and transparency around the picture takes alpha. The host
+    // converts RGB sources.
     source.set("OfxImageEffectPropSupportedComponents", {kComponentsRgba});
   }
   defineOptionalClip(descriptor, kBackgroundClip, false);

@@ -1,4 +1,4 @@
-// What the plug-in tells the host about itself.
+// How the plug-in describes itself to the host.
 #pragma once
 
 #include "bridges/ofx/OfxTypes.h"
@@ -6,7 +6,7 @@
 
 namespace vantorel::ofx {
 
-// The describe and describe-in-context actions. A Fault where the host refuses what the effect cannot do without.
+// The describe and describe-in-context actions. A Fault if the host refuses something essential.
 void describe(EffectHandle descriptor);
 void describeInContext(EffectHandle descriptor, const Properties& in);
 

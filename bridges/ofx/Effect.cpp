@@ -106,7 +106,7 @@ void Effect::giveBack(std::unique_ptr<Renderer> renderer) noexcept {
   try {
     idle_.push_back(std::move(renderer));
   } catch (const std::bad_alloc&) {
-    renderer.reset();  // the next window makes another
+    renderer.reset();  // the next window creates another
   }
 }
 

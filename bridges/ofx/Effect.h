@@ -1,4 +1,4 @@
-// An instance of the plug-in, as the host made it.
+// An instance of the plug-in, created by the host.
 #pragma once
 
 #include <atomic>
@@ -15,28 +15,28 @@
 
 namespace vantorel::ofx {
 
-// What draws one window at a time. It keeps its memory from window to window.
+// Draws one window at a time, and keeps its memory for the next one.
 struct Renderer {
   explicit Renderer(std::shared_ptr<const host::Module> module) : instance(std::move(module)) {}
 
   host::Instance instance;
-  host::Image layer;   // where the source's image cannot be drawn from as it is
-  host::Image target;  // where the output's image cannot be drawn into
-  host::Image row;     // of another clip
+  host::Image layer;   // a copy of the source, if its image cannot be read directly
+  host::Image target;  // the window, if it cannot be drawn into the output's image
+  host::Image row;     // one row of another clip
 };
 
 class Effect {
  public:
-  // Throws a Fault where the host lacks something that the instance needs.
+  // Throws a Fault if the host lacks something that the instance needs.
   Effect(EffectHandle handle, std::shared_ptr<const host::Module> module);
 
-  // Makes an instance for a handle, and ends it; a handle has one at most. The plug-in keeps them, so that nothing is
-  // lost in a host that does not. Memory of an instance that ends during a render is freed after that.
+  // Creates and destroys the instance of a handle. The plug-in keeps them itself instead of relying on the host. The
+  // memory of an instance that is destroyed during a render is freed after that render.
   static void create(EffectHandle handle, std::shared_ptr<const host::Module> module);
   static void destroy(EffectHandle handle);
-  // Those that the host has not destroyed.
+  // All that the host has left behind.
   static void destroyAll();
-  // That of a handle; null where there is none, or for `of` a Fault.
+  // The instance of a handle. If there is none, `find` returns null and `of` throws a Fault.
   static std::shared_ptr<Effect> find(EffectHandle handle);
   static std::shared_ptr<Effect> of(EffectHandle handle);
 
@@ -44,25 +44,25 @@ class Effect {
   const Parameters& parameters() const { return parameters_; }
   bool isGeneral() const { return is_general_; }
 
-  // The host's clips live as long as the instance. Null clips where the context has none.
+  // The host keeps clips for as long as the instance. Null clips if the context has none.
   const Clip& source() const { return source_; }
   const Clip& background() const { return background_; }
   const Clip& matte() const { return matte_; }
   const Clip& output() const { return output_; }
 
-  // Where normalised positions lie; where the host does not say, the source's frame.
+  // The project's frame, or the source's if the host does not tell it.
   Project project(Time time) const;
   // What is drawn onto the corners, in canonical coordinates: the source's frame, or the project's if the source is
-  // endless. Nothing where the host does not tell.
+  // endless. Nothing if the host tells neither.
   std::optional<RectD> sourceFrame(Time time) const;
 
-  // A renderer that nobody uses, until it is given back. From any thread.
+  // A renderer for the caller alone until it is given back. From any thread.
   std::unique_ptr<Renderer> takeRenderer();
   void giveBack(std::unique_ptr<Renderer> renderer) noexcept;
-  // Frees those that nobody uses.
+  // Frees the idle renderers.
   void purge();
 
-  // Shows a message at the instance until it is cleared; an error is said once in hosts without such messages.
+  // Shows a message on the instance until clearError; hosts without persistent messages show it once.
   void showError(const std::string& message);
   void clearError();
 
@@ -80,7 +80,7 @@ class Effect {
   std::atomic<bool> has_error_ = false;
 };
 
-// A renderer of an effect's for as long as this lives.
+// A renderer that is given back at the end of the scope.
 class BorrowedRenderer {
  public:
   explicit BorrowedRenderer(Effect& effect) : effect_(effect), renderer_(effect.takeRenderer()) {}

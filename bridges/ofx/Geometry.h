@@ -1,4 +1,4 @@
-// From the interface's coordinates to those that the effect draws in.
+// Converts the interface's coordinates to those that the effect draws in.
 #pragma once
 
 #include <optional>
@@ -9,18 +9,18 @@
 
 namespace vantorel::ofx {
 
-// Whether a factor between coordinates can be computed with; not if it is NaN.
+// Whether a factor between coordinates is in a usable range. False for NaN.
 constexpr bool isScale(double factor) {
   return factor >= 1e-6 && factor <= 1e6;
 }
 
 bool isFinite(const PointD& point);
 
-// Whether a rectangle's edges can be computed with: not those of an endless one.
+// Whether a rectangle's edges are in the range of pixels. False for an endless one and for NaN.
 bool isBounded(const RectD& rect);
 bool isBounded(const RectI& rect);
 
-// Pixels of an image per canonical unit.
+// Pixels per canonical unit.
 struct PixelScale {
   double x = 1.0;
   double y = 1.0;
@@ -29,17 +29,16 @@ struct PixelScale {
   static PixelScale of(const PointD& render_scale, double pixel_aspect, bool is_field);
 };
 
-// The source's frame in canonical coordinates, in pixels.
+// A canonical rectangle in pixels.
 RectD pixelsOf(const RectD& canonical, const PixelScale& scale);
 
-// The whole pixels that hold something of a region; nothing for one without end, or larger than can be drawn.
+// The smallest rectangle of whole pixels around a region; nothing if that is empty or not bounded.
 std::optional<RectI> pixelsRound(const RectD& pixels);
 
-// A plane of pixels, y down, on which the upper left corner of the source's frame is (0, 0): that of the embedded
-// host's canvases, of which a still's is the frame itself.
+// The pixel coordinates of the embedded host: y down, with the upper left corner of the source's frame at (0, 0).
 struct Plane {
   PixelScale scale;
-  double left = 0.0;  // of the source's frame, in pixels y up
+  double left = 0.0;  // the source's upper left corner, in pixels, y up
   double top = 0.0;
 
   host::Point at(const host::Point& canonical) const;
@@ -48,18 +47,18 @@ struct Plane {
   host::Rect at(const RectI& pixels) const;
 };
 
-// The first corner that lies beyond the effect's 16.16 numbers on its plane; nothing where all are within.
+// The first corner that is out of range of the effect's 16.16 numbers; nothing if none is.
 std::optional<std::size_t> unreachable(const host::Corners& corners);
 
-// Whether the corners are the outline of a frame of that size, to the 16.16 numbers that the effect gets.
+// Whether the corners, as 16.16 numbers, are the outline of a frame of that size.
 bool areOutline(const host::Corners& corners, double width, double height);
 
-// The box of the corners, `margin` pixels wider on every side; canonical.
+// The canonical bounding box of the corners, extended by `margin` pixels on every side.
 RectD boundsOf(const host::Corners& corners, const PixelScale& scale, double margin);
 
 RectD united(const RectD& a, const RectD& b);
 RectI common(const RectI& a, const RectI& b);
-// At least a canonical unit of `within`, where `part` lies beside it.
+// `part` clipped to `within`, but at least one canonical unit in size even if `part` lies outside.
 RectD common(const RectD& part, const RectD& within);
 
 }  // namespace vantorel::ofx

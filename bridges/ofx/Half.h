@@ -1,4 +1,4 @@
-// 16-bit floats of IEEE 754, as pixels hold them.
+// IEEE 754 16-bit floats.
 #pragma once
 
 #include <bit>
@@ -29,7 +29,7 @@ inline std::uint16_t halfFromFloat(float value) {
   if (magnitude >= 0x47800000U) {  // 65536 and up
     return static_cast<std::uint16_t>(sign | 0x7C00U);
   }
-  if (magnitude < 0x38800000U) {  // below 2^-14: adding 0.5 leaves the denormal's digits, rounded, in the last places
+  if (magnitude < 0x38800000U) {  // below 2^-14: adding 0.5 rounds and shifts the denormal into the lowest bits
     const float shifted = std::bit_cast<float>(magnitude) + 0.5F;
     return static_cast<std::uint16_t>(sign | (std::bit_cast<std::uint32_t>(shifted) - 0x3F000000U));
   }

@@ -1,4 +1,4 @@
-// What can be taken hold of in the overlay: corners, sides and the inside of the quadrilateral. Canonical coordinates.
+// What can be dragged in the overlay: the corners, sides and inside of the quadrilateral. Canonical coordinates.
 #pragma once
 
 #include <array>
@@ -11,7 +11,7 @@ namespace vantorel::ofx {
 // In the order of host::kCornerNames: upper left, upper right, lower left, lower right.
 using Quad = std::array<PointD, 4>;
 
-// The corners once round.
+// The order of the corners around the quadrilateral.
 inline constexpr std::array<std::size_t, 4> kRing{0, 1, 3, 2};
 
 // Which corners move together.
@@ -20,15 +20,15 @@ struct Grip {
   bool operator==(const Grip&) const = default;
 };
 
-// Half the side of a corner's handle, and how near a side the pen must be: screen pixels.
+// How close the pen must be to a corner or to a side, in screen pixels.
 inline constexpr double kHandleRadius = 6.0;
 inline constexpr double kSideReach = 5.0;
 
-// The nearest corner in reach, else the nearest side, else the inside; none farther away. `pixel` is a screen pixel's
-// size in canonical units.
+// The nearest corner within reach, otherwise the nearest side, otherwise the inside; nothing if the pen is on none of
+// them. `pixel` is the size of a screen pixel in canonical units.
 std::optional<Grip> gripAt(const Quad& quad, const PointD& pen, const PointD& pixel);
 
-// Why there is no perspective to draw, in a word or two; null where there is.
+// Why the quadrilateral has no perspective, in a few words; null if it has one.
 const char* degeneracyOf(const Quad& quad);
 
 }  // namespace vantorel::ofx

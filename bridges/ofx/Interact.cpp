@@ -20,7 +20,7 @@ constexpr Colour kFrom{0.35F, 0.75F, 0.95F, 1.0F};
 constexpr Colour kHeld{1.0F, 1.0F, 1.0F, 1.0F};
 constexpr Colour kDegenerate{0.95F, 0.3F, 0.25F, 1.0F};
 
-// X11's numbers, as the interface gives keys.
+// Keys as the interface numbers them: X11's keysyms.
 constexpr int kLeft = 0xFF51;
 constexpr int kUp = 0xFF52;
 constexpr int kRight = 0xFF53;
@@ -29,12 +29,12 @@ constexpr int kShiftLeft = 0xFFE1;
 constexpr int kShiftRight = 0xFFE2;
 constexpr double kShiftedStep = 10.0;
 
-// What one overlay remembers. It may be shown in several viewers; the main thread alone calls it.
+// The state of one overlay, which several viewers may show. Only the main thread calls it.
 struct Overlay {
   std::optional<Grip> held;  // while the pen is down, in an edit of this effect's parameters
   EffectHandle effect = nullptr;
-  Grip chosen;           // what the arrow keys move: the last that was held
-  bool is_from = false;  // held or chosen of the from-corners
+  Grip chosen;           // what the arrow keys move: whatever was held last
+  bool is_from = false;  // whether that is part of the from-corners
   PointD grabbed_at;
   Quad at_grab;
   bool is_shift_down = false;
@@ -42,7 +42,7 @@ struct Overlay {
 
 Registry<const void*, Overlay> overlays;
 
-// Made on first use, for hosts that do not announce it.
+// Created on first use, for hosts that leave out the create action.
 std::shared_ptr<Overlay> overlayOf(const void* handle) {
   std::shared_ptr<Overlay> overlay = overlays.find(handle);
   if (overlay == nullptr) {
@@ -52,7 +52,7 @@ std::shared_ptr<Overlay> overlayOf(const void* handle) {
   return overlay;
 }
 
-// An action's arguments.
+// The arguments of an action.
 struct Event {
   const Effect& effect;
   Properties in;
@@ -103,7 +103,7 @@ Status draw(const Event& event, const Overlay& overlay) {
         drawQuad(event, overlay, from, &painter);
       }
     } catch (const Fault&) {
-      continue;  // a corner that is not a number cannot be shown, and hosts may give up an overlay that fails
+      continue;  // corners that are not numbers cannot be shown, and hosts may drop an overlay that fails
     }
   }
   return Status::Ok;
@@ -112,7 +112,7 @@ Status draw(const Event& event, const Overlay& overlay) {
 Status penDown(const Event& event, Overlay* overlay) {
   const PointD pen = event.pen();
   const bool shows_from = event.effect.parameters().usesFrom(event.time);
-  // What is drawn last lies on top.
+  // The from-corners are drawn last and therefore on top.
   for (const bool from : {true, false}) {
     if (from && !shows_from) {
       continue;

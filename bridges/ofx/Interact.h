@@ -5,10 +5,10 @@
 
 namespace vantorel::ofx {
 
-// The overlay's own entry, for both of the interface's ways of drawing.
+// The overlay's entry, for hosts that draw with OpenGL and for hosts with the draw suite.
 Status interactEntry(const char* action, const void* handle, PropertySet in, PropertySet out);
 
-// Forgets the overlays that the host has not destroyed.
+// Forgets the overlays that the host has left behind.
 void dropOverlays();
 
 }  // namespace vantorel::ofx

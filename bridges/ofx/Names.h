@@ -1,4 +1,4 @@
-// Strings of the interface that more than one file uses, and the plug-in's own names of clips and parameters.
+// The interface's strings that several files use, and the plug-in's own names for clips and parameters.
 #pragma once
 
 #include <array>
@@ -10,7 +10,7 @@ inline constexpr const char* kBackgroundClip = "Background";
 inline constexpr const char* kMatteClip = "Matte";
 inline constexpr const char* kOutputClip = "Output";
 
-// Saved setups hold these: they never change.
+// Saved projects contain these names, so they must never change.
 inline constexpr std::array kCornerParams{"upperLeft", "upperRight", "lowerLeft", "lowerRight"};
 inline constexpr std::array kFromParams{"fromUpperLeft", "fromUpperRight", "fromLowerLeft", "fromLowerRight"};
 inline constexpr const char* kUseFromParam = "useFrom";

@@ -1,6 +1,5 @@
-// The part of the OFX image-effect interface that this plug-in uses: handles, records, suites and status codes, in the
-// order and of the types that hosts compiled elsewhere expect. Names are the project's own; strings are the
-// interface's.
+// The part of the OFX image-effect interface that this plug-in uses: handles, records, suites and status codes, with
+// the order and types that hosts expect. The names are this project's own; the strings are the interface's.
 #pragma once
 
 #include <cstddef>
@@ -28,7 +27,7 @@ enum class Status : int {
 
 using Time = double;
 
-// What a handle points to is the host's own.
+// Only the host knows what a handle points to.
 using PropertySet = struct PropertySetRecord*;
 using EffectHandle = struct EffectRecord*;
 using ClipHandle = struct ClipRecord*;
@@ -150,7 +149,7 @@ struct ParameterSuite {
   Status (*end_edit)(ParamSet);
 };
 
-// Version 2; version 1 has the first function alone.
+// Version 2; version 1 has only the first function.
 struct MessageSuite {
   Status (*message)(void* effect, const char* type, const char* id, const char* format, ...);
   Status (*set_persistent)(void* effect, const char* type, const char* id, const char* format, ...);

@@ -10,14 +10,14 @@
 namespace vantorel::ofx {
 namespace {
 
-// Of the draw suite.
+// Enumerators of the draw suite.
 constexpr int kLineLoop = 2;
 constexpr int kFilledRectangle = 3;
 constexpr int kAlignLeft = 1;
 constexpr int kAlignBottom = 8;
 
-// The few functions of OpenGL 1 that lines need. The host has the library in memory when it asks for them, so that the
-// plug-in need not bring it along.
+// The OpenGL 1 functions that lines need. A host that draws with OpenGL has loaded the library already, so the plug-in
+// does not link to it.
 struct OpenGl {
   void (*begin)(unsigned mode);
   void (*end)();
@@ -38,7 +38,7 @@ void find(const char* name, Function** function) {
   *function = reinterpret_cast<Function*>(symbol);
 }
 
-// Null where the process has no OpenGL.
+// Null if the process has no OpenGL.
 const OpenGl* openGl() {
   static const OpenGl kFunctions = [] {
     OpenGl gl{};

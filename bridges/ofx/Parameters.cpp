@@ -51,21 +51,20 @@ void defineChoice(ParamSet set, const Definition& definition, std::initializer_l
 }
 
 void defineFrom(ParamSet set) {
-  const Properties group =
-      define(set, {"OfxParamTypeGroup", kFromGroup, "From corners",
-                   "A part of the source that goes onto the corners instead of all of it", nullptr});
+  const Properties group = define(set, {"OfxParamTypeGroup", kFromGroup, "From corners",
+                                        "Draw a part of the source onto the corners instead of all of it", nullptr});
   group.offer("OfxParamPropGroupOpen", 0);
   define(set, {"OfxParamTypeBoolean", kUseFromParam, "Use from corners",
-               "Put the quadrilateral below onto the corners, instead of the source's outline", kFromGroup})
+               "Draw only the quadrilateral below, a part of the source", kFromGroup})
       .set("OfxParamPropDefault", 0);
   for (std::size_t i = 0; i < host::kCornerCount; ++i) {
-    definePosition(
-        set,
-        {"OfxParamTypeDouble2D", kFromParams[i], kFromLabels[i], "A corner of the part, in the source", kFromGroup},
-        kDefaults[i]);
+    definePosition(set,
+                   {"OfxParamTypeDouble2D", kFromParams[i], kFromLabels[i],
+                    "A corner of the part, as a position in the source", kFromGroup},
+                   kDefaults[i]);
   }
   define(set, {"OfxParamTypePushButton", kResetFromParam, "Reset from corners",
-               "Puts the from corners onto the source's outline", kFromGroup});
+               "Move the from corners to the corners of the source", kFromGroup});
 }
 
 void definePage(ParamSet set) {
@@ -95,10 +94,11 @@ const char* cornerLabel(bool from, std::size_t index) {
 
 void defineParameters(ParamSet set) {
   for (std::size_t i = 0; i < host::kCornerCount; ++i) {
-    definePosition(set, {"OfxParamTypeDouble2D", kCornerParams[i], kLabels[i], "Where this corner goes", nullptr},
-                   kDefaults[i]);
+    definePosition(
+        set, {"OfxParamTypeDouble2D", kCornerParams[i], kLabels[i], "Where this corner of the picture goes", nullptr},
+        kDefaults[i]);
   }
-  define(set, {"OfxParamTypePushButton", kResetParam, "Reset corners", "Puts the corners onto the source's outline",
+  define(set, {"OfxParamTypePushButton", kResetParam, "Reset corners", "Move the corners to the corners of the source",
                nullptr});
   defineFrom(set);
   defineChoice(set,
@@ -107,16 +107,17 @@ void defineParameters(ParamSet set) {
                {"Standard", "High", "Best"}, kBest);
   defineChoice(set,
                {"OfxParamTypeChoice", kEdgesParam, "Edges",
-                "Soft fades over a pixel of the source; crisp covers each pixel by its exact share. Automatic: "
-                "crisp at best quality, else soft",
+                "Soft fades out over a pixel of the source; crisp gives each pixel its exact coverage. Automatic: "
+                "crisp at best quality, otherwise soft",
                 nullptr},
                {"Automatic", "Soft", "Crisp"}, 0);
-  defineChoice(set,
-               {"OfxParamTypeChoice", kSamplesParam, "Samples",
-                "Samples per pixel along each axis. Automatic: as needed at best quality, else 1", nullptr},
-               {"Automatic", "1", "2", "4", "8"}, 0);
+  defineChoice(
+      set,
+      {"OfxParamTypeChoice", kSamplesParam, "Samples",
+       "Samples per pixel along each axis. Automatic: as many as needed at best quality, otherwise 1", nullptr},
+      {"Automatic", "1", "2", "4", "8"}, 0);
   const Properties opacity =
-      define(set, {"OfxParamTypeDouble", kOpacityParam, "Opacity", "0: invisible, 1: as it is", nullptr});
+      define(set, {"OfxParamTypeDouble", kOpacityParam, "Opacity", "0 is invisible, 1 is unchanged", nullptr});
   opacity.set("OfxParamPropDefault", 1.0);
   opacity.offer("OfxParamPropMin", 0.0);
   opacity.offer("OfxParamPropMax", 1.0);

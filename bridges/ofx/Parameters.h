@@ -1,4 +1,4 @@
-// The effect's parameters: their definition, and their values at a time.
+// The effect's parameters: how they are defined, and their values at a time.
 #pragma once
 
 #include <array>
@@ -13,10 +13,10 @@ namespace vantorel::ofx {
 // Defines them on a descriptor's set.
 void defineParameters(ParamSet set);
 
-// How the user sees a corner named, or a from-corner: in the order of host::kCornerNames.
+// The name of a corner or from-corner in the user interface. Corners are in the order of host::kCornerNames.
 const char* cornerLabel(bool from, std::size_t index);
 
-// Where normalised positions lie: the project's frame, in canonical coordinates.
+// The project's frame in canonical coordinates; normalised positions are relative to it.
 struct Project {
   PointD offset;
   PointD size;
@@ -26,27 +26,27 @@ struct Project {
 
 struct ParameterValues {
   host::Corners corners;              // canonical, y up
-  std::optional<host::Corners> from;  // canonical, where a part of the source goes onto the corners
+  std::optional<host::Corners> from;  // canonical; set if only this part of the source is drawn
   host::Quality quality = host::Quality::Best;
   std::optional<host::Edges> edges;
   int samples = 0;
   double opacity = 1.0;  // 0 to 1
 };
 
-// The parameters of an instance. They are the host's; this holds their handles.
+// The parameters of an instance: handles to the values, which the host keeps.
 class Parameters {
  public:
-  // Throws a Fault where the host does not know one.
+  // Throws a Fault if the host does not know one of them.
   explicit Parameters(ParamSet set);
 
-  // From any thread that the host renders on. What the host does not tell has its default.
+  // From any thread. A value that the host does not provide is the default. A Fault for a corner that is not a number.
   ParameterValues at(Time time, const Project& project) const;
 
-  // Corner `index` of the corners or of the from-corners, in the order of host::kCornerNames, canonical.
+  // A corner or from-corner in canonical coordinates.
   PointD corner(bool from, std::size_t index, Time time, const Project& project) const;
   bool usesFrom(Time time) const;
 
-  // From the main thread, where the host lets values be set. The edit is one step of the host's undo.
+  // Only from the main thread, in actions that may set values. An edit is one step in the host's undo history.
   void setCorner(bool from, std::size_t index, const PointD& value) const;
   void beginEdit(const char* label) const;
   void endEdit() const;

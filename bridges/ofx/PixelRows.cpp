@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kChannels = 4;
 
-// Calls the function with a pointer of the depth's channel type, which says the type.
+// Calls the function with a null pointer to the channel type of the depth.
 template <typename Function>
 void withChannel(host::Depth depth, const Function& function) {
   switch (depth) {
@@ -26,7 +26,7 @@ void withChannel(host::Depth depth, const Function& function) {
   }
 }
 
-// Between the host's channels and those that are drawn: the same but for half.
+// Converts between the host's channels and the drawn ones, which differ only for half.
 template <typename Channel, typename Stored>
 Channel toDrawn(Stored value) {
   if constexpr (std::is_same_v<Channel, Stored>) {

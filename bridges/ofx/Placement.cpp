@@ -21,8 +21,8 @@ host::Corners inReach(const host::Corners& corners, bool from) {
 PointD renderScaleOf(const Properties& arguments) {
   const PointD scale = arguments.point(kPropRenderScale).value_or(PointD{1.0, 1.0});
   if (!isScale(scale.x) || !isScale(scale.y)) {
-    throw Fault{Status::BadValue, "the host gives a render scale of " + std::to_string(scale.x) + " by " +
-                                      std::to_string(scale.y) + ", which no picture can be drawn at"};
+    throw Fault{Status::BadValue, "the host's render scale of " + std::to_string(scale.x) + " by " +
+                                      std::to_string(scale.y) + " is not valid"};
   }
   return scale;
 }

@@ -1,4 +1,4 @@
-// The source's frame on its corners, in the embedded host.
+// Where the embedded host draws the source's frame.
 #pragma once
 
 #include "bridges/ofx/ClipImage.h"
@@ -17,11 +17,10 @@ void orFault(const host::Result<T>& result) {
   }
 }
 
-// The scale that a render, or a question about one, is at; 1 where the host does not say. A Fault where it gives none
-// that can be computed with.
+// The render scale of an action; 1 if the host does not tell it. A Fault if it is not in a usable range.
 PointD renderScaleOf(const Properties& arguments);
 
-// A frame of the source in pixels, y up, with how the corners and the from-corners come to lie on it.
+// The source's frame in pixels, y up, and the scales of the corners and of the from-corners.
 struct Placement {
   RectI frame;
   PixelScale output_scale;
@@ -30,10 +29,10 @@ struct Placement {
   // The plane of the output's pixels.
   Plane plane() const { return planeOf(output_scale); }
 
-  // Gives the corners to an instance. A Fault names one that is out of reach.
+  // Sets an instance's corners. A Fault names one that is out of range.
   void apply(const ParameterValues& values, host::Instance* instance) const;
 
-  // The pixels of the frame that a window of the output depends on, once the corners are given; perhaps none.
+  // The pixels of the frame that a window of the output depends on, possibly none. Call `apply` first.
   RectI neededFor(const RectI& window, const host::FrameOptions& options, host::Instance* instance) const;
 
  private:
@@ -42,7 +41,7 @@ struct Placement {
   }
 };
 
-// What the parameters say about the drawing, in tiles that have the bits of the whole.
+// The drawing options of the parameters. Tiles equal the whole frame to the bit.
 host::FrameOptions optionsOf(const ParameterValues& values);
 
 }  // namespace vantorel::ofx

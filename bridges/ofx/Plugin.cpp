@@ -1,4 +1,4 @@
-// The functions that hosts load the plug-in by, and its entry. Nothing is thrown into the host.
+// The exported functions and the main entry. No exception leaves the plug-in.
 #include <array>
 #include <memory>
 #include <new>
@@ -15,7 +15,7 @@
 namespace vantorel::ofx {
 namespace {
 
-// From load to unload, so that instances share one.
+// Shared by all instances; set from load to unload.
 std::shared_ptr<const host::Module> the_module;
 
 EffectHandle effectHandle(const void* handle) {
@@ -82,7 +82,7 @@ constexpr std::array<InstanceAction, 7> kInstanceActions{
         return Status::Ok;
       }}}};
 
-// What is not in the table is left to the host.
+// Other actions are left to the host.
 Status instanceAction(std::string_view name, const void* handle, const Properties& in, const Properties& out) {
   for (const InstanceAction& action : kInstanceActions) {
     if (action.name == name) {
@@ -117,7 +117,7 @@ Status mainEntry(const char* action, const void* handle, PropertySet in, Propert
   try {
     return action != nullptr ? perform(action, handle, Properties(in), Properties(out)) : Status::BadValue;
   } catch (const Fault& fault) {
-    // A host's reply to a question of the plug-in's is none to the host's own.
+    // A reply that some suite gave in place of an error must not become the answer to the host's action.
     const bool is_reply = fault.status >= Status::ReplyYes && fault.status <= Status::ReplyDefault;
     return is_reply ? Status::Failed : fault.status;
   } catch (const std::bad_alloc&) {
@@ -139,7 +139,7 @@ Plugin the_plugin{"OfxImageEffectPluginAPI",
 }  // namespace vantorel::ofx
 
 #pragma GCC visibility push(default)
-// The interface gives the names.
+// These names are the interface's.
 // NOLINTBEGIN(readability-identifier-naming)
 extern "C" {
 

@@ -6,7 +6,7 @@
 namespace vantorel::ofx {
 namespace {
 
-// A number that is not set by the host is none, whatever the status says.
+// Nothing if the host refuses, or if there is no set.
 template <typename Value, typename Get>
 std::optional<Value> got(Get get, PropertySet set, const char* name, int index) {
   Value value{};
@@ -16,7 +16,7 @@ std::optional<Value> got(Get get, PropertySet set, const char* name, int index) 
   return value;
 }
 
-// All values at once, or one by one in hosts that have only that.
+// All values at once, or one by one in hosts that refuse that.
 template <std::size_t kCount, typename Value>
 std::optional<std::array<Value, kCount>> gotAll(Status (*get_all)(PropertySet, const char*, int, Value*),
                                                 Status (*get)(PropertySet, const char*, int, Value*), PropertySet set,

@@ -1,4 +1,4 @@
-// Typed access to a set of the host's properties.
+// Typed access to a property set of the host.
 #pragma once
 
 #include <initializer_list>
@@ -13,8 +13,8 @@ class Properties {
  public:
   explicit Properties(PropertySet set) : set_(set) {}
 
-  // Setting throws a Fault, naming the property, where the host refuses; `offer` leaves it at that, for what not every
-  // host knows. Names and keywords must be static strings.
+  // `set` throws a Fault that names the property if the host refuses. `offer` ignores that, for properties that not
+  // every host knows. Names and keywords must be static strings.
   void set(const char* name, int value) const;
   void set(const char* name, double value) const;
   void set(const char* name, const char* value) const;
@@ -31,10 +31,10 @@ class Properties {
     }
   }
 
-  // The same for one value of a list.
+  // Like `offer`, for one value of a list.
   void offerAt(const char* name, int index, const char* value) const;
 
-  // Nothing where the host has no such value.
+  // Nothing if the host has no such value.
   std::optional<int> integer(const char* name, int index = 0) const;
   std::optional<double> number(const char* name, int index = 0) const;
   std::optional<std::string> text(const char* name, int index = 0) const;
@@ -44,7 +44,7 @@ class Properties {
   std::optional<PointD> point(const char* name) const;
 
  private:
-  // A Fault where there is no set to write to.
+  // A Fault if there is no set.
   PropertySet writable(const char* name) const;
 
   PropertySet set_;
@@ -54,7 +54,7 @@ class Properties {
 template <typename Value>
 Value required(const std::optional<Value>& value, const char* name) {
   if (!value) {
-    throw Fault{Status::Failed, std::string("the host gives no ") + name};
+    throw Fault{Status::Failed, std::string("the host does not provide ") + name};
   }
   return *value;
 }

@@ -7,7 +7,7 @@
 namespace vantorel::ofx {
 namespace {
 
-// Soft edges reach up to 5 pixels beyond the corners, and rounding a pixel further.
+// Soft edges reach up to 5 pixels beyond the corners; one more is for rounding.
 constexpr double kMargin = 6.0;
 
 PixelScale scaleOf(const Clip& clip, const Properties& in, bool is_field = false) {
@@ -18,13 +18,13 @@ Time timeOf(const Properties& in) {
   return required(in.number(kPropTime), kPropTime);
 }
 
-// The plane of the output's pixels, over a frame of the source.
+// The plane of the output's pixels, given the source's frame.
 Plane planeOf(const Effect& effect, const RectD& frame, const Properties& in) {
   const PixelScale scale = scaleOf(effect.output(), in);
   return {scale, frame.x1 * scale.x, frame.y2 * scale.y};
 }
 
-// Nothing where a corner is not a number.
+// Nothing if a corner is not a number.
 std::optional<ParameterValues> valuesAt(const Effect& effect, Time time) {
   const Project project = effect.project(time);
   try {
@@ -38,7 +38,7 @@ std::optional<ParameterValues> valuesAt(const Effect& effect, Time time) {
 RectD neededOf(Effect& effect, const Properties& in, const RectD& asked, const RectD& region) {
   const Time time = timeOf(in);
   const ParameterValues values = effect.parameters().at(time, effect.project(time));
-  // Which fields are rendered is not told: those of half the height reach farther.
+  // The host does not tell here which field it will render; fields of half the height need more of the source.
   const auto order = Properties(effect.source().properties).text("OfxImageClipPropFieldOrder");
   const bool has_fields = order && *order != "OfxFieldNone";
   const PixelScale source_scale = scaleOf(effect.source(), in, has_fields);
@@ -52,7 +52,7 @@ RectD neededOf(Effect& effect, const Properties& in, const RectD& asked, const R
   const Placement placement{*frame, output_scale, source_scale};
   placement.apply(values, &renderer->instance);
   const RectI part = placement.neededFor(*window, optionsOf(values), &renderer->instance);
-  // The host may round the frame in another way. There is always a pixel, for hosts that want one.
+  // The host may round the frame differently. Some hosts need at least one pixel.
   constexpr double kRounding = 2.0;
   const RectD grown{(part.x1 - kRounding) / source_scale.x, (part.y1 - kRounding) / source_scale.y,
                     (part.x2 + kRounding) / source_scale.x, (part.y2 + kRounding) / source_scale.y};
@@ -61,7 +61,7 @@ RectD neededOf(Effect& effect, const Properties& in, const RectD& asked, const R
 
 }  // namespace
 
-// For corners that cannot be drawn the answers are the host's own: it then asks for a render, which says what is wrong.
+// If the corners cannot be drawn, the host's default region leads to a render, which shows what is wrong.
 Status regionOfDefinition(const Effect& effect, const Properties& in, const Properties& out) {
   const Time time = timeOf(in);
   const Plane plane = planeOf(effect, effect.sourceFrame(time).value_or(RectD{}), in);
@@ -77,7 +77,7 @@ Status regionOfDefinition(const Effect& effect, const Properties& in, const Prop
   return Status::Ok;
 }
 
-// The other clips are needed where the window is, as the host has it already.
+// Of the other clips the window itself is needed, which is the host's default.
 Status regionsOfInterest(Effect& effect, const Properties& in, const Properties& out) {
   const auto region = effect.sourceFrame(timeOf(in));
   if (!region) {
@@ -103,7 +103,7 @@ Status identity(const Effect& effect, const Properties& in, const Properties& ou
   }
   const Clip& background = effect.background();
   if (background.isConnected()) {
-    // The output's alpha is declared to be like the source's.
+    // The output is declared to be premultiplied as the source is.
     if (values->opacity > 0.0 || background.isUnpremultiplied() != effect.source().isUnpremultiplied()) {
       return Status::ReplyDefault;
     }
@@ -123,8 +123,7 @@ Status identity(const Effect& effect, const Properties& in, const Properties& ou
   return Status::Ok;
 }
 
-// The output has the alpha that the source has: straight where that is straight, else premultiplied, also round an
-// opaque source.
+// The output's alpha is straight if the source's is, and otherwise premultiplied, even for an opaque source.
 Status clipPreferences(const Effect& effect, const Properties& out) {
   out.set(kPropPremultiplication, effect.source().isUnpremultiplied() ? kUnpremultiplied : kPremultiplied);
   if (effect.isGeneral()) {

@@ -1,5 +1,5 @@
-// What the host asks about a frame before it renders one: where there is something to see, what is needed for it, and
-// whether it is another clip's frame.
+// What the host asks before it renders a frame: where the picture is, which part of the source it needs, and whether
+// the frame equals that of a clip.
 #pragma once
 
 #include "bridges/ofx/Effect.h"
@@ -12,7 +12,7 @@ Status regionsOfInterest(Effect& effect, const Properties& in, const Properties&
 Status identity(const Effect& effect, const Properties& in, const Properties& out);
 Status clipPreferences(const Effect& effect, const Properties& out);
 
-// Puts the corners, or the from-corners, onto the source's outline, as one step of the host's undo.
+// Moves the corners, or the from-corners, to those of the source's frame, as one step in the host's undo history.
 void resetCorners(const Effect& effect, bool from, Time time);
 
 }  // namespace vantorel::ofx

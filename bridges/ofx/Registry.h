@@ -1,4 +1,4 @@
-// What the plug-in keeps for the host's handles.
+// Objects that the plug-in keeps, by the host's handles.
 #pragma once
 
 #include <map>
@@ -9,8 +9,7 @@
 
 namespace vantorel::ofx {
 
-// From any thread. What is found stays alive for as long as its finder holds it, even if the host destroys the handle
-// on another thread in the meantime.
+// Thread-safe. An object stays alive while its finder holds it, even if another thread takes it out meanwhile.
 template <typename Handle, typename Kept>
 class Registry {
  public:
@@ -19,14 +18,14 @@ class Registry {
     kept_[handle] = std::move(kept);
   }
 
-  // Null where there is nothing.
+  // Null if there is none.
   std::shared_ptr<Kept> find(Handle handle) const {
     const std::shared_lock lock(mutex_);
     const auto found = kept_.find(handle);
     return found != kept_.end() ? found->second : nullptr;
   }
 
-  // Like `find`, and forgets it.
+  // Like `find`, but removes it.
   std::shared_ptr<Kept> take(Handle handle) {
     const std::unique_lock lock(mutex_);
     auto node = kept_.extract(handle);

@@ -12,8 +12,7 @@
 namespace vantorel::ofx {
 namespace {
 
-// The window that is asked for, and what it is drawn into: from the output's memory where that is laid out as the
-// effect draws.
+// The window, and the pixels that the effect draws into: the output's own memory if its layout allows that.
 struct Target {
   const ClipImage& image;
   RectI window;  // pixels, y up
@@ -24,7 +23,7 @@ bool isDrawable(const ClipImage& image) {
   return image.components() == Components::Rgba && image.depth() != PixelDepth::Half;
 }
 
-// The interface's rows run upwards: a view begins at the upper one.
+// The interface's rows run upwards; a view begins with the top row.
 template <typename View>
 View viewOf(const ClipImage& image, const RectI& part) {
   return {
@@ -43,8 +42,8 @@ bool isInside(const RectI& part, const RectI& whole) {
   return part.x1 >= whole.x1 && part.y1 >= whole.y1 && part.x2 <= whole.x2 && part.y2 <= whole.y2;
 }
 
-// The source's frame as the effect reads it: the host's own memory where that holds all of it, laid out and
-// premultiplied as the effect draws, else a copy, of which only what the window needs is filled.
+// The source's frame as premultiplied RGBA: the host's own memory if that holds all of it in this form, otherwise a
+// copy in which only the part that the window needs is filled.
 host::ConstImageView layerOf(const ClipImage& source, const Placement& placement, const RectI& window,
                              const host::FrameOptions& options, Renderer& renderer) {
   const RectI& frame = placement.frame;
@@ -66,8 +65,7 @@ void clear(const host::ImageView& view) {
   }
 }
 
-// As many as the host says: it may have given the others to something else. Small windows are drawn by their caller,
-// since hosts ask for several at once.
+// As many as the host allows. Small windows are drawn on the calling thread, because hosts render several at once.
 unsigned threadsFor(const RectI& window) {
   constexpr std::int64_t kSmall = 256 * 256;
   const MultiThreadSuite* const suite = suites().threads;
@@ -79,13 +77,13 @@ unsigned threadsFor(const RectI& window) {
   return suite != nullptr && suite->cpu_count(&count) == Status::Ok ? count : 0;
 }
 
-// When and at which scale a window is drawn.
+// The time and scale of a render.
 struct Moment {
   Time time;
   PointD scale;
 };
 
-// A single field may come with half the frame's rows, or with every row doubled: the height tells which.
+// A single field may have half the frame's rows, or every row doubled; the height tells which.
 PixelScale scaleOf(const ClipImage& image, const Clip& clip, const Moment& moment) {
   bool is_half = image.isField();
   if (const auto region = is_half ? clip.regionOfDefinition(moment.time) : std::nullopt) {
@@ -95,7 +93,7 @@ PixelScale scaleOf(const ClipImage& image, const Clip& clip, const Moment& momen
   return PixelScale::of(moment.scale, image.pixelAspect(), is_half);
 }
 
-// The image's own frame where that has an end.
+// The image's full frame; if that is endless or unknown, the clip's.
 RectI frameOf(const Effect& effect, const ClipImage& source, const PixelScale& scale, Time time) {
   if (source.fullFrame()) {
     return *source.fullFrame();
@@ -104,7 +102,7 @@ RectI frameOf(const Effect& effect, const ClipImage& source, const PixelScale& s
   return (frame ? pixelsRound(pixelsOf(*frame, scale)) : std::nullopt).value_or(source.bounds());
 }
 
-// Draws the source on its corners. False when the host wants the render to end.
+// Draws the source onto the corners. False if the host aborted the render.
 bool drawSource(const Effect& effect, const ClipImage& source, const ParameterValues& values, const Moment& moment,
                 const Target& target, Renderer& renderer) {
   const PixelScale source_scale = scaleOf(source, effect.source(), moment);
@@ -115,7 +113,7 @@ bool drawSource(const Effect& effect, const ClipImage& source, const ParameterVa
   options.threads = threadsFor(target.window);
   std::stop_source stop;
   options.stop = stop.get_token();
-  // The host is asked from its own thread alone.
+  // Hosts expect the question on the thread that renders.
   options.progress = [&, caller = std::this_thread::get_id()](double) {
     if (std::this_thread::get_id() == caller && suites().effect->abort(effect.handle()) != 0) {
       stop.request_stop();
@@ -131,7 +129,7 @@ bool drawSource(const Effect& effect, const ClipImage& source, const ParameterVa
   return true;
 }
 
-// The optional clips, and the way into the output's image, row by row.
+// Applies the opacity and the optional clips, and writes the rows to the output's image.
 void finish(const ParameterValues& values, const std::optional<ClipImage>& matte,
             const std::optional<ClipImage>& background, const Target& target, Renderer& renderer) {
   const RectI& window = target.window;
@@ -163,7 +161,8 @@ void finish(const ParameterValues& values, const std::optional<ClipImage>& matte
 std::optional<ClipImage> fetchLike(const ClipImage& output, const Clip& clip, const char* name, Time time) {
   std::optional<ClipImage> image = ClipImage::fetch(clip, name, time);
   if (image && drawnDepth(image->depth()) != drawnDepth(output.depth())) {
-    throw Fault{Status::ImageFormat, std::string(name) + ": its depth is not the output's; give all clips one depth"};
+    throw Fault{Status::ImageFormat,
+                std::string(name) + ": its bit depth differs from the output's; use the same depth for all clips"};
   }
   return image;
 }
@@ -179,7 +178,7 @@ void render(Effect& effect, const Properties& arguments) {
     if (suites().effect->abort(effect.handle()) != 0) {
       return;
     }
-    throw Fault{Status::Failed, "the host gives no output image"};
+    throw Fault{Status::Failed, "the host does not deliver the output image"};
   }
   const RectI window = common(asked, output->bounds());
   if (window.empty()) {

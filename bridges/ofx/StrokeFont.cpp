@@ -8,9 +8,9 @@
 namespace vantorel::ofx {
 namespace {
 
-constexpr double kAdvance = 3.2;  // from letter to letter, in cells
+constexpr double kAdvance = 3.2;  // distance between letters, in cells
 
-// The letters of the overlay's words. Points are digits x and y, y up; lines are separated by spaces.
+// The letters of the overlay's messages. A point is two digits, x and y (up); polylines are separated by spaces.
 constexpr std::array<std::pair<char, std::string_view>, 16> kLetters{{{'a', "0003142320 0222"},
                                                                       {'c', "24040020"},
                                                                       {'d', "00041423211000"},

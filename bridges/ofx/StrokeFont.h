@@ -1,4 +1,4 @@
-// A few letters made of lines, for viewers without text.
+// A few letters made of lines, for viewers that cannot draw text.
 #pragma once
 
 #include <functional>
@@ -8,9 +8,8 @@
 
 namespace vantorel::ofx {
 
-// Calls `draw` with each connected line of the text, which stands on `at` and goes to the right; `unit` is the size of
-// a letter's grid cell, of which a letter has 2 by 4. Lower case is drawn as capitals; what the overlay does not say is
-// left out.
+// Calls `draw` for each polyline of the text, whose lower left corner is `at`. Letters are 2 by 4 grid cells of size
+// `unit` and look like capitals. Only the letters of the overlay's messages exist; others are left blank.
 void drawStrokes(const char* text, const PointD& at, const PointD& unit,
                  const std::function<void(std::span<const PointD>)>& draw);
 

@@ -9,7 +9,7 @@ Host* the_host = nullptr;
 Suites the_suites;
 std::atomic<bool> is_loaded = false;
 
-// Null too where one of these functions is missing.
+// Also null if one of these functions is.
 template <typename Suite, typename... Functions>
 const Suite* fetch(const char* name, int version, Functions Suite::*... functions) {
   const auto* const suite = static_cast<const Suite*>(the_host->fetch_suite(the_host->properties, name, version));

@@ -1,4 +1,4 @@
-// What the host offers, and how this plug-in tells itself that something went wrong.
+// The suites that the host offers, and the error that is thrown if it refuses a call.
 #pragma once
 
 #include <string>
@@ -7,19 +7,19 @@
 
 namespace vantorel::ofx {
 
-// Thrown inside the plug-in, and turned into its status at the entry.
+// Thrown inside the plug-in; the entry returns its status.
 struct Fault {
   Status status = Status::Failed;
-  std::string message;  // for a person; empty where there is nothing to say
+  std::string message;  // for the user; may be empty
 };
 
 // Throws a Fault for a status that is not Ok. `call` names what the host refused.
 void check(Status status, const char* call);
-// The same for a handle that is null although the host refused nothing.
+// Throws a BadHandle Fault for a null handle that came with the status Ok.
 void checkNotNull(const void* handle, const char* call);
 
-// The first three are there once fetched; the others are null in hosts that lack them. A suite in which one of the
-// functions that the plug-in calls is null counts as absent.
+// After fetchSuites the first three are set; the others are null if the host lacks them. A suite in which a function
+// that the plug-in calls is null counts as absent.
 struct Suites {
   const PropertySuite* property = nullptr;
   const ImageEffectSuite* effect = nullptr;
@@ -33,16 +33,16 @@ struct Suites {
 
 const Suites& suites();
 
-// The host's own properties; null without a host.
+// The host's properties; null if there is no host.
 PropertySet hostProperties();
 
-// Remembers the host, calling nothing.
+// Stores the host without calling it.
 void setHost(Host* host);
 
-// From load to unload. The suites can be called even after that, since the host may have left a render running.
+// True from load to unload. The suites stay usable after that, because the host may have left a render running.
 bool isLoaded();
 
-// Fetches the suites. A Fault with MissingHostFeature where one of the first three is absent.
+// A MissingHostFeature Fault if one of the first three suites is absent.
 void fetchSuites();
 void dropSuites();
 

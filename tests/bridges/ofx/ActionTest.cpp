@@ -309,18 +309,18 @@ TEST(OfxRenderTest, SaysWhatIsWrongUntilItIsRight) {
   EXPECT_EQ(session.render(kFrame), Status::Ok);
   EXPECT_EQ(session.host.message, "");
   session.connect("Source", {.bounds = kFrame, .depth = "OfxBitDepthByte"});
-  expect_refused(Status::ImageFormat, "Source: its depth");
+  expect_refused(Status::ImageFormat, "Source: its bit depth");
   session.connect("Source", {.bounds = kFrame, .components = "OfxImageComponentYUVA"});
   expect_refused(Status::ImageFormat, "OfxImageComponentYUVA");
   session.connect("Source", {.bounds = kFrame});
   for (const char* clip : {"Source", "Matte", "Background", "Output"}) {
     const Layout layout{.bounds = kFrame};
     session.connect(clip, layout).put("OfxImagePropBounds", -2147483647, -5, 2147483647, 5);
-    expect_refused(Status::ImageFormat, "reaches farther than");
+    expect_refused(Status::ImageFormat, "extends too far");
     session.connect(clip, layout).put("OfxImagePropRowBytes", 12);
     expect_refused(Status::ImageFormat, "too short");
     session.connect(clip, layout).put("OfxImagePropRowBytes", 64 * 16 + 2);
-    expect_refused(Status::ImageFormat, "multiples");
+    expect_refused(Status::ImageFormat, "not aligned");
     session.connect(clip, layout).put("OfxImagePropData", static_cast<void*>(nullptr));
     expect_refused(Status::ImageFormat, "no pixels");
     session.connect(clip, layout).put("OfxImagePropRowBytes", std::string("a text"));
@@ -328,7 +328,7 @@ TEST(OfxRenderTest, SaysWhatIsWrongUntilItIsRight) {
     session.connect(clip, layout).put("OfxImagePropBounds", 0, 0);
     expect_refused(Status::Failed, "OfxImagePropBounds");
     session.connect(clip, {.bounds = kFrame, .depth = "OfxBitDepthShort"});
-    expect_refused(Status::ImageFormat, "its depth is not the output's");
+    expect_refused(Status::ImageFormat, "its bit depth differs from the output's");
     session.connect(clip, layout);
   }
 }
