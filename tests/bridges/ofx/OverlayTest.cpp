@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "tests/bridges/ofx/Session.h"
+#include "tests/bridges/ofx/ReadySession.h"
 
 namespace {
 
@@ -29,18 +29,10 @@ void glColor4f(float /*red*/, float /*green*/, float /*blue*/, float /*alpha*/) 
 namespace vantorel::ofx {
 namespace {
 
-constexpr RectI kFrame{0, 0, 64, 48};
-constexpr host::Corners kTrapezoid{{10, 8}, {50, 8}, {6, 40}, {60, 44}};
-
 struct OfxOverlayTest : ::testing::Test {
-  Session session;
+  ReadySession session;
 
-  OfxOverlayTest() {
-    EXPECT_EQ(session.open(), Status::Ok);
-    session.connect("Source", {.bounds = kFrame});
-    session.connect("Output", {.bounds = kFrame});
-    session.setCorners(kTrapezoid, kFrame);
-  }
+  OfxOverlayTest() { session.setCorners(kTrapezoid, kFrame); }
   Status pen(const char* action, double x, double y, double pixel = 0.25) {
     PropertySetRecord in;
     in.put("OfxInteractPropPenPosition", x, y);
