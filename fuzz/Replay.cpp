@@ -15,7 +15,7 @@ namespace {
 void replay(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(file), {}};
-  // Told before, so that the file that a fault is in can be seen.
+  // Printed first, so that the last name is that of the file at which the process ended.
   std::printf("%s\n", path.c_str());
   std::fflush(stdout);
   // Memory of exactly this size, so that the address sanitizer sees reads beyond it.

@@ -12,6 +12,7 @@
 
 #include "host/geometry/Homography.h"
 #include "tests/TestFolder.h"
+#include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
 namespace {
@@ -30,8 +31,8 @@ class MinimalHost : public ::testing::Test {
  protected:
   MinimalHost() {
     std::string pixels;
-    for (int i = 0; i < kWidth * kHeight; ++i) {
-      for (const int channel : layerColour(i % kWidth, i / kWidth)) {
+    for (const auto [x, y] : pixelsOf(kWidth, kHeight)) {
+      for (const int channel : layerColour(x, y)) {
         pixels.push_back(static_cast<char>(channel));
       }
     }
@@ -78,11 +79,9 @@ class MinimalHost : public ::testing::Test {
 };
 
 TEST_F(MinimalHost, MovesALayerByWholePixelsUnchanged) {
-  ASSERT_EQ(run(VANTOREL_MODULE_PATH, {{3, -5}, {43, -5}, {3, 19}, {43, 19}}), 0) << log();
-  for (int y = 0; y < kHeight; ++y) {
-    for (int x = 0; x < kWidth; ++x) {
-      ASSERT_EQ(colourAt(x + 3, y - 5), layerColour(x, y)) << x << ", " << y;
-    }
+  ASSERT_EQ(run(kEffectPath, {{3, -5}, {43, -5}, {3, 19}, {43, 19}}), 0) << log();
+  for (const auto [x, y] : pixelsOf(kWidth, kHeight)) {
+    ASSERT_EQ(colourAt(x + 3, y - 5), layerColour(x, y)) << x << ", " << y;
   }
   EXPECT_EQ(colourAt(2, -6), (Colour{0, 0, 0}));
   EXPECT_NE(log().find("parameter: Lower Right\n"), std::string::npos) << log();
@@ -92,25 +91,23 @@ TEST_F(MinimalHost, DrawsInPerspective) {
   const Corners quads[] = {{{-3.5, 2.25}, {161, -7}, {4, 90}, {170.75, 63}},
                            {{120, 3}, {6, 10}, {135, 70}, {0, 86}},
                            {{0, 0}, {19, 1}, {-1, 12}, {22, 13}}};
-  const Corners layer{{0, 0}, {kWidth, 0}, {0, kHeight}, {kWidth, kHeight}};
+  const Corners layer = rectangle(0, 0, kWidth, kHeight);
   constexpr double kMargin = 3.0;  // layer pixels: boxes that reach over the layer's edge are darker
   for (const Corners& quad : quads) {
-    ASSERT_EQ(run(VANTOREL_MODULE_PATH, quad), 0) << log();
+    ASSERT_EQ(run(kEffectPath, quad), 0) << log();
     const Homography back = Homography::ofQuadrilateral(quad, layer).value();
     int seen = 0;
-    for (int y = -10; y < 100; ++y) {
-      for (int x = -10; x < 180; ++x) {
-        const Point at = back(Point{static_cast<double>(x), static_cast<double>(y)});
-        if (at.x > kMargin && at.x < kWidth - kMargin && at.y > kMargin && at.y < kHeight - kMargin) {
-          const std::optional<Colour> drawn = colourAt(x, y);
-          ASSERT_TRUE(drawn) << x << ", " << y;
-          const Colour expected = layerColour(at.x, at.y);
-          EXPECT_NEAR((*drawn)[0], expected[0], 2) << x << ", " << y;
-          EXPECT_NEAR((*drawn)[1], expected[1], 2) << x << ", " << y;
-          ++seen;
-        } else if (at.x < -kMargin || at.x > kWidth + kMargin || at.y < -kMargin || at.y > kHeight + kMargin) {
-          EXPECT_EQ(colourAt(x, y).value_or(Colour{}), Colour{}) << x << ", " << y;
-        }
+    for (const auto [x, y] : pixelsOf(Rect{-10, -10, 180, 100})) {
+      const Point at = back(Point{static_cast<double>(x), static_cast<double>(y)});
+      if (at.x > kMargin && at.x < kWidth - kMargin && at.y > kMargin && at.y < kHeight - kMargin) {
+        const std::optional<Colour> drawn = colourAt(x, y);
+        ASSERT_TRUE(drawn) << x << ", " << y;
+        const Colour expected = layerColour(at.x, at.y);
+        EXPECT_NEAR((*drawn)[0], expected[0], 2) << x << ", " << y;
+        EXPECT_NEAR((*drawn)[1], expected[1], 2) << x << ", " << y;
+        ++seen;
+      } else if (at.x < -kMargin || at.x > kWidth + kMargin || at.y < -kMargin || at.y > kHeight + kMargin) {
+        EXPECT_EQ(colourAt(x, y).value_or(Colour{}), Colour{}) << x << ", " << y;
       }
     }
     EXPECT_GT(seen, 50);
@@ -118,7 +115,7 @@ TEST_F(MinimalHost, DrawsInPerspective) {
 }
 
 TEST_F(MinimalHost, DrawsAConcaveQuadrilateral) {
-  ASSERT_EQ(run(VANTOREL_MODULE_PATH, {{0, 0}, {60, 0}, {0, 40}, {20, 15}}), 0) << log();
+  ASSERT_EQ(run(kEffectPath, {{0, 0}, {60, 0}, {0, 40}, {20, 15}}), 0) << log();
   EXPECT_EQ(colourAt(10, 10).value_or(Colour{})[2], 128);
   EXPECT_EQ(colourAt(50, 30).value_or(Colour{}), Colour{});
 }

@@ -26,28 +26,29 @@ std::string callbackOf(const std::string& line) {
 struct Outcome {
   Log log;
   std::int32_t code;
-  bool message;
+  Log messages = {};
 };
 
 Outcome outcomeOf(const Frame& frame, const Log& all, std::size_t failing) {
   const std::string callback = callbackOf(all[failing]);
   const Log up_to(all.begin(), all.begin() + static_cast<int>(failing) + 1);
   if (failing >= frame.before.size() && failing < frame.before.size() + kReadCorners.size()) {
-    return {up_to + frame.after_failed_read, 0, false};
+    return {up_to + frame.after_failed_read, 0};
   }
   if (callback == "release" || callback == "fill") {  // ignored
-    return {all, 0, false};
+    return {all, 0};
   }
   if (all[failing] == "acquire PF iterateFloat Suite 1") {
-    return {up_to + Log{"release PF SamplingFloat Suite 1"}, ERR_SUITE_UNAVAILABLE, false};
+    return {up_to + Log{"release PF SamplingFloat Suite 1"}, ERR_SUITE_UNAVAILABLE};
   }
   if (callback == "acquire") {
-    return {up_to + Log{"sprintf Not able to acquire KZFX Suite."}, ERR_FAILED, true};
+    const std::string message = "Not able to acquire KZFX Suite.";
+    return {up_to + Log{"sprintf " + message}, ERR_FAILED, {message}};
   }
   if (callback == "get_pixel_format") {
-    return {up_to + Log{"release PF World Suite 2"}, 62, false};
+    return {up_to + Log{"release PF World Suite 2"}, 62};
   }
-  return {callback == "iterate_float" ? all : up_to, 62, false};
+  return {callback == "iterate_float" ? all : up_to, 62};
 }
 
 void expectOutcomes(const Frame& frame) {
@@ -67,19 +68,14 @@ void expectOutcomes(const Frame& frame) {
     const auto earlier = std::count_if(all.begin(), all.begin() + static_cast<int>(std::min(n, all.size())),
                                        [&](const std::string& line) { return callbackOf(line) == callback; });
     host.fail(callback, static_cast<int>(earlier) + 1, 62);
-    const Outcome expected = n < all.size() ? outcomeOf(frame, all, n) : Outcome{all, 0, false};
+    const Outcome expected = n < all.size() ? outcomeOf(frame, all, n) : Outcome{all, 0};
     EXPECT_EQ(host.run(frame.command), expected.code) << frame.command << " " << frame.depth << " " << callback << n;
     for (std::string& line : host.log) {  // the iterations' own arguments are another test's matter
       line = line.substr(0, line.find("iterate_") == 0 ? line.find(' ') : std::string::npos);
     }
     EXPECT_EQ(host.log, expected.log) << frame.command << " " << frame.depth << " " << callback;
     if (frame.command != CMD_FRAME_SETUP || expected.code != 0) {
-      EXPECT_TRUE(host.outIs([&](PF_OutData& out) {
-        if (expected.message) {
-          out.out_flags |= OUT_FLAG_SHOW_MESSAGE;
-          std::strcpy(out.return_msg, "Not able to acquire KZFX Suite.");
-        }
-      }));
+      EXPECT_TRUE(host.outHasMessages(expected.messages));
     }
     const bool answered = std::memcmp(&before, &host.result, sizeof before) != 0;
     EXPECT_EQ(answered, frame.command == CMD_PRE_RENDER && expected.code == 0);

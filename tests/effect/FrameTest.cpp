@@ -78,7 +78,8 @@ TEST(PreRender, UnitesTheCheckoutWithTheCornersInsideTheRequest) {
     M_FloatRect corners;
     M_LRect request, delivered, largest, expected, expected_largest;
     std::uint32_t downsample;
-    int output_origin;  // counts on the perspective path alone
+    int output_origin;                // counts on the perspective path alone
+    M_LPoint source_origin = {0, 0};  // where the layer lies in its buffer
   } const cases[] = {
       {{0, 0, 100, 80}, kWide, kLayer, kNo, kAround, kAround, 1, 0},
       // Cut to the host's own request, not to the whole layer.
@@ -92,11 +93,18 @@ TEST(PreRender, UnitesTheCheckoutWithTheCornersInsideTheRequest) {
       {{0, 0, 51, 40}, kWide, kNo, kNo, kAlone, {4, -1, 58, 41}, 3, 5},  // in a buffer of whole pixels, 34 x 27
       {{0, 0, 50, 40}, kWide, {0, 0, 50, 40}, kNo, {0, -1, 56, 41}, {4, -1, 56, 41}, 2, 5},
       {{5, 5, 5, 5}, kWide, {0, 0, 3, 3}, kNo, {0, 0, 6, 6}, {4, 4, 6, 6}, 1, 5},
+      // A larger buffer that the layer is offset in, and parts of the layer, whose buffer is taken to have its size.
+      {{0, 0, 100, 80}, kWide, {-10, -5, 130, 90}, kNo, {-11, -6, 131, 91}, {-11, -6, 131, 91}, 1, 0, {10, 5}},
+      {{0, 0, 100, 80}, kWide, {-10, -5, 50, 40}, kNo, {-11, -6, 91, 76}, {-11, -6, 91, 76}, 1, 0, {10, 5}},
+      {{0, 0, 100, 80}, kWide, {-10, -5, 130, 40}, kNo, {-11, -6, 130, 76}, {-11, -6, 91, 76}, 1, 0, {10, 5}},
+      {{0, 0, 100, 80}, kWide, {-10, -5, 50, 90}, kNo, {-11, -6, 91, 90}, {-11, -6, 91, 76}, 1, 0, {10, 5}},
   };
   for (const auto& c : cases) {
     ScriptedHost host(8, {100, 80});
     host.in.downsample_x_den = host.in.downsample_y_den = c.downsample;
     host.in.output_origin_x = c.output_origin;
+    host.in.source_origin_x = c.source_origin.x;
+    host.in.source_origin_y = c.source_origin.y;
     const M_FloatRect& q = c.corners;
     host.setCorners({{q.left, q.top}, {q.right, q.top}, {q.right, q.bottom}, {q.left, q.bottom}});
     host.request.rect = c.request;
@@ -106,23 +114,5 @@ TEST(PreRender, UnitesTheCheckoutWithTheCornersInsideTheRequest) {
     EXPECT_EQ(host.log[0], "checkout_layer fx 0 0 [0 0 100 80] 5 2 24");  // the whole layer, whatever is requested
     EXPECT_TRUE(std::memcmp(&host.result.result_rect, &c.expected, sizeof c.expected) == 0) << &c - cases;
     EXPECT_TRUE(std::memcmp(&host.result.max_result_rect, &c.expected_largest, sizeof c.expected) == 0) << &c - cases;
-  }
-}
-
-TEST(PreRender, TakesTheBufferOfTheCheckoutWhereItHoldsTheLayer) {
-  struct {
-    M_LRect delivered, largest;
-  } const cases[] = {{{-10, -5, 130, 90}, {-11, -6, 131, 91}},  // a larger buffer that the layer is offset in
-                     {{-10, -5, 50, 40}, {-11, -6, 91, 76}},    // a part of the layer: taken to be the layer's size
-                     {{-10, -5, 130, 40}, {-11, -6, 91, 76}},
-                     {{-10, -5, 50, 90}, {-11, -6, 91, 76}}};
-  for (const auto& c : cases) {
-    ScriptedHost host(8, {100, 80});
-    host.in.source_origin_x = 10;
-    host.in.source_origin_y = 5;
-    host.setCorners({{0, 0}, {100, 0}, {100, 80}, {0, 80}});
-    host.checkout = {c.delivered, {0, 0, 0, 0}};
-    EXPECT_EQ(host.run(CMD_PRE_RENDER), 0);
-    EXPECT_TRUE(std::memcmp(&host.result.max_result_rect, &c.largest, sizeof c.largest) == 0) << &c - cases;
   }
 }

@@ -97,10 +97,7 @@ TEST(GlobalSetup, LeavesNothingBehindOnFailure) {
       EXPECT_EQ(host.log, Log{kRegister} + (registers ? Log{"new_handle 8"} : Log{}) +
                               (reference_is_null ? Log{} : Log{kUnregister}) + Log{"strcpy " + kSetupFailed});
       EXPECT_EQ(host.in.global_data, nullptr);
-      EXPECT_TRUE(host.outIs([](PF_OutData& out) {
-        out.out_flags |= OUT_FLAG_SHOW_MESSAGE;
-        std::strcpy(out.return_msg, kSetupFailed.c_str());
-      }));
+      EXPECT_TRUE(host.outHasMessages({kSetupFailed}));
     }
   }
 }

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <array>
+#include <bit>
 #include <cstdint>
 #include <type_traits>
 
@@ -12,31 +12,36 @@ namespace {
 
 constexpr std::int32_t kOne = 65536;
 
-// The helpers of one depth over gray pixels, known by their channel.
-struct Helpers8 {
-  using Pixel = std::uint32_t;
-  static Pixel gray(int c) { return static_cast<Pixel>(c) * 0x01010101u; }
-  static double channel(Pixel p) { return p >> 24; }
+// Gray pixels of a depth, known by their channel.
+template <typename Record, typename Word>
+struct Gray {
+  using Pixel = Word;
+  static Pixel gray(int channel) {
+    const auto c = static_cast<decltype(Record::alpha)>(channel);
+    return std::bit_cast<Pixel>(Record{c, c, c, c});
+  }
+  static double channel(Pixel pixel) {
+    const auto [alpha, red, green, blue] = std::bit_cast<Record>(pixel);
+    EXPECT_TRUE(red == alpha && green == alpha && blue == alpha);
+    return alpha;
+  }
+};
+
+struct Helpers8 : Gray<PF_Pixel8, std::uint32_t> {
   static constexpr auto kMix = MixPixels;
   static constexpr auto kAverage = PixAverage;
   static constexpr auto kSample = GetAPixel;
   static constexpr auto kSampleRow = GetHSeg;
 };
 
-struct Helpers16 {
-  using Pixel = PF_Pixel16;
-  static Pixel gray(std::uint16_t c) { return {c, c, c, c}; }
-  static double channel(Pixel p) { return p.green; }
+struct Helpers16 : Gray<PF_Pixel16, PF_Pixel16> {
   static constexpr auto kMix = MixPixels16;
   static constexpr auto kAverage = PixAverage16;
   static constexpr auto kSample = GetAPixel16;
   static constexpr auto kSampleRow = GetHSeg16;
 };
 
-struct HelpersFloat {
-  using Pixel = PF_PixelFloat;
-  static Pixel gray(float c) { return {c, c, c, c}; }
-  static double channel(Pixel p) { return p.blue; }
+struct HelpersFloat : Gray<PF_PixelFloat, PF_PixelFloat> {
   static constexpr auto kMix = MixPixelsFloat;
   static constexpr auto kAverage = PixAverageFloat;
   static constexpr auto kSample = GetAPixelFloat;

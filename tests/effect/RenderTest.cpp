@@ -2,6 +2,7 @@
 #include <rapidcheck/gtest.h>
 
 #include "effect/perspective/RowSamplers.h"
+#include "tests/Pixels.h"
 #include "tests/effect/ScriptedHost.h"
 
 namespace {
@@ -39,10 +40,8 @@ TEST(Render, IteratesTheExtentsRowsAtEveryDepthAndQuality) {
         const std::string call = "iterate_" + (depth == 32 ? "float" : std::to_string(depth)) + " in 0 6 null " +
                                  c.area + (quality == 1 ? " high output" : " standard output");
         EXPECT_EQ(host.log[host.log.size() - (depth == 32 ? 3 : 1)], call);
-        for (int y = 0; y < 6; ++y) {
-          for (int x = 0; x < depth; ++x) {  // every 4 bytes of the row
-            EXPECT_EQ(host.output.at<std::uint32_t>(x, y) != 0x11111111, y >= c.top && y < c.bottom) << x << " " << y;
-          }
+        for (const auto [x, y] : pixelsOf(depth, 6)) {  // every 4 bytes of the rows
+          EXPECT_EQ(host.output.at<std::uint32_t>(x, y) != 0x11111111, y >= c.top && y < c.bottom) << x << " " << y;
         }
         EXPECT_TRUE(host.output.guardsIntact());
       }

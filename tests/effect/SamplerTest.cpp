@@ -259,8 +259,8 @@ TEST(RowSamplers, WorkedPositionsAndBoxes) {
     host.setCorners({{10, 20}, {110, 20}, {110, 70}, {10, 70}});
     host.in.quality = c.quality;
     ASSERT_EQ(host.run(CMD_SMART_RENDER), 0);
-    ASSERT_EQ(host.samples.size(), 61u * 111u);  // rows 15 to 75, columns 6 to 116
-    const Sample& s = host.samples[static_cast<std::size_t>((c.y - 15) * 111 + c.x - 6)];
+    ASSERT_EQ(host.samples.size(), 61u * 111u);  // rows 75 to 15, columns 6 to 116
+    const Sample& s = host.samples[static_cast<std::size_t>((75 - c.y) * 111 + c.x - 6)];
     // The double truncation at standard quality may lose a unit of 1/65536.
     EXPECT_NEAR(s.x, c.sample_x * 65536, 1 - c.quality) << c.x;
     EXPECT_NEAR(s.y, c.sample_y * 65536, 1 - c.quality) << c.y;
@@ -285,6 +285,6 @@ TEST(RowSamplers, WideAndTallWorlds) {
     tall.in.output_origin_y = 10000;
     tall.setCorners({{0, 0}, {2, 0}, {2, 30000}, {0, 30000}});
     ASSERT_EQ(tall.run(CMD_RENDER), 0);
-    EXPECT_NEAR(tall.samples.back().y, 299.99 * 65536, 2);
+    EXPECT_NEAR(tall.samples.front().y, 299.99 * 65536, 2);
   }
 }

@@ -11,6 +11,7 @@
 #include "effect/bilinear/BilinearDriver.h"
 #include "effect/bilinear/PixelHelpers.h"
 #include "effect/bilinear/QuadScan.h"
+#include "tests/Pixels.h"
 #include "tests/effect/ScriptedHost.h"
 
 namespace {
@@ -30,8 +31,7 @@ Corners rectangle(double left, double top, double right, double bottom) {
 // Pictures of gray pixels of any depth, as their alpha channels.
 template <typename Function>
 void paint(int depth, GuardedWorld& world, Function gray) {
-  for (int i = 0; i < world.world.width * world.world.height; ++i) {
-    const int x = i % world.world.width, y = i / world.world.width;
+  for (const auto [x, y] : pixelsOf(world.world.width, world.world.height)) {
     const auto c = static_cast<std::uint16_t>(gray(x, y));
     if (depth == 8) {
       world.at<PF_Pixel8>(x, y) = pixelFromCode<PF_Pixel8>(c * 0x01010101u);
@@ -45,8 +45,7 @@ void paint(int depth, GuardedWorld& world, Function gray) {
 
 Picture pictureOf(int depth, GuardedWorld& world) {
   Picture picture(std::size_t(world.world.height));
-  for (int i = 0; i < world.world.width * world.world.height; ++i) {
-    const int x = i % world.world.width, y = i / world.world.width;
+  for (const auto [x, y] : pixelsOf(world.world.width, world.world.height)) {
     picture[std::size_t(y)].push_back(depth == 8    ? world.at<PF_Pixel8>(x, y).alpha
                                       : depth == 16 ? world.at<PF_Pixel16>(x, y).alpha
                                                     : int(world.at<PF_PixelFloat>(x, y).alpha + 0.5F));
@@ -272,8 +271,8 @@ TEST(Render, EveryDepthRendererQualityAndProtocol) {
     EXPECT_EQ(host.run((combination & 4) != 0 ? CMD_SMART_RENDER : CMD_RENDER), 0);
     Picture expected = referenceScan(rectangle(0, 0, kWidth, kHeight),
                                      {{{10 * kOne, 0}, {0, 0}, {10 * kOne, 8 * kOne}, {0, 8 * kOne}}}, 0);
-    for (int i = 0; i < 80 && !is_crossed; ++i) {
-      expected[std::size_t(i / 10)][std::size_t(i % 10)] = i + 1;
+    for (int i = 0; i < 80 && !is_crossed; ++i) {  // from the last row up
+      expected[std::size_t(7 - i / 10)][std::size_t(i % 10)] = i + 1;
     }
     EXPECT_LE(largestDifference(pictureOf(depth, host.output), expected), depth == 32 && is_crossed ? kFloatSlack : 0)
         << combination;

@@ -54,7 +54,8 @@ std::int32_t iterateArea(const std::string& kind, PF_InData* in, std::int32_t ba
   const std::int32_t code = call(kind + depth, static_cast<void*>(in), base, total, source, area, origin...,
                                  reinterpret_cast<const void*>(function), destination);
   current->on_iterate(refcon);
-  for (int y = area->top; code == 0 && y < area->bottom; ++y) {
+  // From the last row to the first: a host may draw them in any order.
+  for (int y = area->bottom - 1; code == 0 && y >= area->top; --y) {
     for (int x = area->left; x < area->right; ++x) {
       auto* const row = static_cast<char*>(destination->data) + std::ptrdiff_t{y} * destination->row_bytes;
       function(refcon, x, y, nullptr, reinterpret_cast<Pixel*>(row) + x);
@@ -283,6 +284,15 @@ bool ScriptedHost::outIs(const std::function<void(PF_OutData&)>& change) const {
   std::memcpy(static_cast<void*>(&expected), out_at_first_.data(), sizeof expected);
   change(expected);
   return std::memcmp(&expected, &out, sizeof out) == 0;
+}
+
+bool ScriptedHost::outHasMessages(const Log& messages) const {
+  return outIs([&](PF_OutData& expected) {
+    for (const std::string& message : messages) {
+      expected.out_flags |= OUT_FLAG_SHOW_MESSAGE;
+      std::strcpy(expected.return_msg, message.c_str());
+    }
+  });
 }
 
 std::int32_t ScriptedHost::called(const std::string& callback, const std::string& line) {

@@ -54,6 +54,9 @@ class ScriptedHost {
   // True when PF_OutData is, byte for byte, what it was at the construction, with `change` applied.
   bool outIs(const std::function<void(PF_OutData&)>& change = [](PF_OutData&) {}) const;
 
+  // The same where messages alone were given, one written over the other.
+  bool outHasMessages(const Log& messages) const;
+
   PF_EffectMain entry;
   PF_InData in{};
   PF_OutData out;

@@ -18,7 +18,7 @@ int straight(int colour, int alpha) {
   return alpha == 0 ? colour : std::min(255, (2 * colour * 255 + alpha) / (2 * alpha));
 }
 
-// Every colour with every alpha; runs of equal alphas and widths that fill no block are among them.
+// Every colour with every alpha, in rows with runs of equal alphas and of widths that no vector divides.
 TEST(Alpha, EightBitRowsAreRoundedToNearestForEveryColourAndAlpha) {
   for (const bool alphas_run : {false, true}) {
     std::vector<std::uint8_t> row;

@@ -1,12 +1,10 @@
 #include "host/sampling/AreaSampler.h"
 
-#include <array>
-#include <bit>
 #include <cstring>
 #include <limits>
 #include <random>
+#include <tuple>
 #include <type_traits>
-#include <vector>
 
 #include "host/frames/WorldStore.h"
 #include "tests/InstructionSets.h"
@@ -16,25 +14,17 @@ namespace vantorel::host {
 namespace {
 
 template <typename Pixel>
-constexpr Depth kDepthOf = sizeof(Pixel) == 4   ? Depth::Bits8
-                           : sizeof(Pixel) == 8 ? Depth::Bits16
-                                                : Depth::Float;
+constexpr Depth kDepthOf = static_cast<Depth>(2 * sizeof(Pixel));
 
 template <typename Pixel>
-PF_AreaSampler<Pixel> samplerOf(const AreaSamplers& samplers) {
-  if constexpr (std::is_same_v<Pixel, PF_Pixel8>) {
-    return samplers.sample8;
-  } else if constexpr (std::is_same_v<Pixel, PF_Pixel16>) {
-    return samplers.sample16;
-  } else {
-    return samplers.sample_float;
-  }
+PF_AreaSampler<Pixel> samplerOf(InstructionSet set) {
+  const AreaSamplers& samplers = areaSamplers(set);
+  return std::get<PF_AreaSampler<Pixel>>(std::tuple(samplers.sample8, samplers.sample16, samplers.sample_float));
 }
 
 template <typename Pixel>
 bool sameBits(const Pixel& a, const Pixel& b) {
-  using Bytes = std::array<std::byte, sizeof(Pixel)>;
-  return std::bit_cast<Bytes>(a) == std::bit_cast<Bytes>(b);
+  return std::memcmp(&a, &b, sizeof(Pixel)) == 0;
 }
 
 struct Box {
@@ -109,7 +99,7 @@ void expectDefinition(Image& image, const Box& box) {
   const Pixel expected = definition<Pixel>(asConst(image.view()), box);
   for (const InstructionSet set : availableSets()) {
     Pixel sampled;
-    ASSERT_EQ(ERR_NONE, samplerOf<Pixel>(areaSamplers(set))(nullptr, box.x, box.y, &params, &sampled));
+    ASSERT_EQ(ERR_NONE, samplerOf<Pixel>(set)(nullptr, box.x, box.y, &params, &sampled));
     ASSERT_TRUE(sameBits(expected, sampled))
         << box.x << ',' << box.y << " radii " << box.x_radius << ',' << box.y_radius;
   }
@@ -122,7 +112,7 @@ TYPED_TEST_SUITE(AreaSamplerTest, Pixels);
 
 TYPED_TEST(AreaSamplerTest, EveryVariantGivesTheMeanOverTheBoxToTheBit) {
   const Size size{37, 23};
-  Image image = testing::noise(size, kDepthOf<TypeParam>);
+  Image image = noise(size, kDepthOf<TypeParam>);
   std::mt19937 random(7);
   for (int i = 0; i < 20000 && !this->HasFatalFailure(); ++i) {
     expectDefinition<TypeParam>(image, randomBox(random, size));
@@ -133,11 +123,10 @@ TYPED_TEST(AreaSamplerTest, EveryVariantGivesTheMeanOverTheBoxToTheBit) {
 // size; the reciprocal of its area may be rounded down.
 TYPED_TEST(AreaSamplerTest, HalvesAreRoundedUp) {
   using Channel = decltype(TypeParam::alpha);
-  Image image = testing::noise({4, 4}, kDepthOf<TypeParam>);
-  for (int i = 0; i < 16; ++i) {
-    const auto value = static_cast<Channel>(i % 4 < 2 ? 65534 : 65535);
-    const Channel pixel[4] = {value, value, value, value};
-    std::memcpy(image.view().pixel(i % 4, i / 4), pixel, sizeof(pixel));
+  Image image = noise({4, 4}, kDepthOf<TypeParam>);
+  for (const auto [x, y] : pixelsOf(4, 4)) {
+    const auto value = static_cast<Channel>(x < 2 ? 65534 : 65535);
+    setPixel<Channel>(image.view(), x, y, {value, value, value, value});
   }
   for (int i = 0; i < 2000 && !this->HasFatalFailure(); ++i) {
     expectDefinition<TypeParam>(image, {98304, 65536, 32769 + 32 * i, 98304 - 31 * i});
@@ -145,13 +134,13 @@ TYPED_TEST(AreaSamplerTest, HalvesAreRoundedUp) {
 }
 
 TYPED_TEST(AreaSamplerTest, EndsOfTheRangeAndBadArgumentsGiveTransparentPixels) {
-  Image image = testing::noise({4, 4}, kDepthOf<TypeParam>);
+  Image image = noise({4, 4}, kDepthOf<TypeParam>);
   PF_LayerDef world = worldOf(image.view());
   constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
   constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
   const TypeParam transparent{};
   for (const InstructionSet set : availableSets()) {
-    const auto sample = samplerOf<TypeParam>(areaSamplers(set));
+    const auto sample = samplerOf<TypeParam>(set);
     const auto sampled = [&](const Box& box, PF_LayerDef* source, bool expect_success) {
       const PF_SampleParams params{box.x_radius, box.y_radius, 0, source, {}};
       TypeParam out;
@@ -171,32 +160,27 @@ TYPED_TEST(AreaSamplerTest, EndsOfTheRangeAndBadArgumentsGiveTransparentPixels) 
 }
 
 TEST(AreaSamplerFloat, WholePositionsCopyEveryBitAndNoWeightlessNeighbourMatters) {
-  Image image = testing::noise({3, 3}, Depth::Float);
+  Image image = noise({3, 3}, Depth::Float);
   PF_LayerDef world = worldOf(image.view());
-  const auto middle = [&] {
-    PF_PixelFloat pixel;
-    std::memcpy(&pixel, image.view().pixel(1, 1), sizeof(pixel));
-    return pixel;
-  };
   const float odd[] = {std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN(), -0.0F,
                        std::numeric_limits<float>::denorm_min(), std::numeric_limits<float>::signaling_NaN()};
   for (const float value : odd) {
-    // All round the middle pixel lies a value that would show in any sum that it takes part in.
-    for (int i = 0; i < 9; ++i) {
-      const float pixel[4] = {value, std::nanf("7"), value, value};
-      std::memcpy(image.view().pixel(i % 3, i / 3), pixel, sizeof(pixel));
-    }
     for (const InstructionSet set : availableSets()) {
-      const PF_SampleParams params{32768, 32768, 65536, &world, {}};
-      PF_PixelFloat out;
-      areaSamplers(set).sample_float(nullptr, 65536, 65536, &params, &out);
-      EXPECT_TRUE(sameBits(out, middle())) << value;
-
-      const float half[4] = {0.5F, 0.25F, 1.0F, 8.0F};
-      std::memcpy(image.view().pixel(1, 1), half, sizeof(half));
-      std::memcpy(image.view().pixel(1, 2), half, sizeof(half));
-      areaSamplers(set).sample_float(nullptr, 65536, 65536 + 32768, &params, &out);
-      EXPECT_TRUE(sameBits(out, middle())) << "between two equal pixels";
+      // All round the middle pixel lies a value that would show in any sum that it takes part in.
+      for (const auto [x, y] : pixelsOf(3, 3)) {
+        setPixel<float>(image.view(), x, y, {value, std::nanf("7"), value, value});
+      }
+      const auto is_middle_pixel = [&](std::int32_t y) {
+        const PF_SampleParams params{32768, 32768, 65536, &world, {}};
+        PF_PixelFloat sampled;
+        areaSamplers(set).sample_float(nullptr, 65536, y, &params, &sampled);
+        return std::memcmp(&sampled, image.view().pixel(1, 1), sizeof(sampled)) == 0;
+      };
+      EXPECT_TRUE(is_middle_pixel(65536)) << value;
+      for (const int y : {1, 2}) {
+        setPixel<float>(image.view(), 1, y, {0.5F, 0.25F, 1.0F, 8.0F});
+      }
+      EXPECT_TRUE(is_middle_pixel(65536 + 32768)) << "between two equal pixels";
     }
   }
 }

@@ -7,8 +7,6 @@
 namespace vantorel::host {
 namespace {
 
-using testing::coverageOf;
-
 constexpr int kGrid = 24;
 constexpr int kPoints = 128;  // per axis of a pixel, for those on a border
 constexpr double kTolerance = 2.0 / kPoints;
@@ -40,10 +38,8 @@ double countedShare(int x, int y, Predicate holds) {
 
 template <typename Predicate>
 void expectCounted(const CoverageRegion& region, Predicate holds) {
-  for (int y = -1; y < kGrid; ++y) {
-    for (int x = -1; x < kGrid; ++x) {
-      ASSERT_NEAR(countedShare(x, y, holds), coverageOf(region, x, y), kTolerance) << "pixel " << x << ", " << y;
-    }
+  for (const auto [x, y] : pixelsOf(Rect{-1, -1, kGrid, kGrid})) {
+    ASSERT_NEAR(countedShare(x, y, holds), coverageOf(region, x, y), kTolerance) << "pixel " << x << ", " << y;
   }
 }
 
@@ -109,14 +105,12 @@ TEST(CoverageTest, BetweenChainsFillsNotchAndCrossingRowByRow) {
 TEST(CoverageTest, OnAFinerGridEveryPixelIsTheMeanOfItsParts) {
   const CoverageRegion region{ConvexPolygon(Corners{{2.3, 1.6}, {20.1, 4.4}, {5.5, 21.2}, {17.9, 16.3}})};
   const CoverageRegion fine = region.onGrid({3, 2}, 4);
-  for (int y = 2; y < kGrid; ++y) {
-    for (int x = 3; x < kGrid; ++x) {
-      double sum = 0.0;
-      for (int i = 0; i < 16; ++i) {
-        sum += coverageOf(fine, (x - 3) * 4 + i % 4, (y - 2) * 4 + i / 4);
-      }
-      EXPECT_NEAR(coverageOf(region, x, y), sum / 16, 1e-9);
+  for (const auto [x, y] : pixelsOf(Rect{3, 2, kGrid, kGrid})) {
+    double sum = 0.0;
+    for (int i = 0; i < 16; ++i) {
+      sum += coverageOf(fine, (x - 3) * 4 + i % 4, (y - 2) * 4 + i / 4);
     }
+    EXPECT_NEAR(coverageOf(region, x, y), sum / 16, 1e-9);
   }
 }
 

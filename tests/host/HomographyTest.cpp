@@ -1,7 +1,5 @@
 #include "host/geometry/Homography.h"
 
-#include <random>
-
 #include "tests/host/HostTesting.h"
 
 namespace vantorel::host {
@@ -17,14 +15,13 @@ void expectNear(const Point& expected, const Point& actual) {
 TEST(HomographyTest, TakesCornersToCornersAndBack) {
   const Homography map = Homography::ofRectangle(64, 48, kQuad).value();
   const Homography back = map.inverse().value();
-  const Corners rectangle{{0, 0}, {64, 0}, {0, 48}, {64, 48}};
-  for (Point Corners::*corner :
-       {&Corners::upper_left, &Corners::upper_right, &Corners::lower_left, &Corners::lower_right}) {
-    expectNear(kQuad.*corner, map(rectangle.*corner));
-    expectNear(rectangle.*corner, back(kQuad.*corner));
+  const Corners layer = rectangle(0, 0, 64, 48);
+  for (std::size_t i = 0; i < kCornerCount; ++i) {
+    expectNear(kQuad[i], map(layer[i]));
+    expectNear(layer[i], back(kQuad[i]));
   }
   // The crossing of the diagonals is the middle.
-  const Homography square = Homography::ofQuadrilateral(kQuad, {{0, 0}, {1, 0}, {0, 1}, {1, 1}}).value();
+  const Homography square = Homography::ofQuadrilateral(kQuad, rectangle(0, 0, 1, 1)).value();
   expectNear({0.5, 0.5}, square(map(Point{32, 24})));
   EXPECT_GT(back.weight(map(Point{1, 47})), 0.0);
 }

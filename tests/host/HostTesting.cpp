@@ -3,21 +3,8 @@
 #include <cmath>
 #include <cstring>
 #include <random>
-#include <stdexcept>
 
 namespace vantorel::host::testing {
-
-namespace {
-
-template <typename Value>
-Value orThrow(Result<Value> result) {
-  if (!result) {
-    throw std::runtime_error(result.error().input + ": " + result.error().message);
-  }
-  return std::move(*result);
-}
-
-}  // namespace
 
 Corners rectangle(double left, double top, double right, double bottom) {
   return {{left, top}, {right, top}, {left, bottom}, {right, bottom}};
@@ -30,17 +17,14 @@ AnimatedCorners moving(const Corners& from, const Corners& to, double begin, dou
   return {point(0), point(1), point(2), point(3)};
 }
 
-std::string modulePath(const std::string& name) {
-  return VANTOREL_TEST_MODULE_FOLDER "/" + name + ".so";
+const std::shared_ptr<const Module>& effect() {
+  static const std::shared_ptr<const Module> kModule = Module::load(kEffectPath).value();
+  return kModule;
 }
 
-std::shared_ptr<const Module> loadModule(const std::string& name, ModuleOptions options) {
-  return orThrow(Module::load(modulePath(name), std::move(options)));
-}
-
-std::shared_ptr<const Module> checkedEffect() {
-  static const std::shared_ptr<const Module> module = loadModule("vantorel", {.checking = true});
-  return module;
+const std::shared_ptr<const Module>& checkedEffect() {
+  static const std::shared_ptr<const Module> kModule = Module::load(kEffectPath, {.checking = true}).value();
+  return kModule;
 }
 
 void setChannel(const ImageView& view, int x, int y, int c, double value) {
@@ -59,32 +43,28 @@ void setChannel(const ImageView& view, int x, int y, int c, double value) {
 }
 
 Image noise(Size size, Depth depth, unsigned seed) {
-  Image image = orThrow(Image::create(size, depth));
+  Image image = Image::create(size, depth).value();
   std::mt19937 random(seed);
-  for (int y = 0; y < size.height; ++y) {
-    for (int i = 0; i < size.width * 4; ++i) {
-      setChannel(image.view(), i / 4, y, i % 4, random() / 4294967295.0);
-    }
+  for (const auto [x, y, c] : channelsOf(size.width, size.height)) {
+    setChannel(image.view(), x, y, c, random() / 4294967295.0);
   }
   return image;
 }
 
 Image waves(Size size, Depth depth, double wavelength) {
-  Image image = orThrow(Image::create(size, depth));
+  Image image = Image::create(size, depth).value();
   const double turn = 2.0 * M_PI / wavelength;
-  for (int y = 0; y < size.height; ++y) {
-    for (int x = 0; x < size.width; ++x) {
-      setChannel(image.view(), x, y, 0, 1.0);
-      setChannel(image.view(), x, y, 1, 0.5 + 0.5 * std::sin(turn * x));
-      setChannel(image.view(), x, y, 2, 0.5 + 0.5 * std::sin(turn * y));
-      setChannel(image.view(), x, y, 3, 0.5 + 0.5 * std::sin(turn * (x + y) * 0.7));
-    }
+  for (const auto [x, y] : pixelsOf(size.width, size.height)) {
+    setChannel(image.view(), x, y, 0, 1.0);
+    setChannel(image.view(), x, y, 1, 0.5 + 0.5 * std::sin(turn * x));
+    setChannel(image.view(), x, y, 2, 0.5 + 0.5 * std::sin(turn * y));
+    setChannel(image.view(), x, y, 3, 0.5 + 0.5 * std::sin(turn * (x + y) * 0.7));
   }
   return image;
 }
 
 Image dirty(Size size, Depth depth) {
-  Image image = orThrow(Image::create(size, depth));
+  Image image = Image::create(size, depth).value();
   std::memset(image.view().data, 0xDB, static_cast<std::size_t>(image.view().row_bytes) * size.height);
   return image;
 }
@@ -122,14 +102,13 @@ double channelAt(const Image& image, int x, int y, int channel) {
 }
 
 double psnr(const Image& a, const Image& b, int margin) {
+  const int width = a.size().width - 2 * margin;
+  const int height = a.size().height - 2 * margin;
   double squares = 0.0;
-  int count = 0;
-  for (int y = margin; y < a.size().height - margin; ++y) {
-    for (int i = margin * 4; i < (a.size().width - margin) * 4; ++i, ++count) {
-      squares += std::pow(channelAt(a, i / 4, y, i % 4) - channelAt(b, i / 4, y, i % 4), 2);
-    }
+  for (const auto [x, y, c] : channelsOf(width, height)) {
+    squares += std::pow(channelAt(a, x + margin, y + margin, c) - channelAt(b, x + margin, y + margin, c), 2);
   }
-  return 10.0 * std::log10(255.0 * 255.0 * count / squares);
+  return 10.0 * std::log10(255.0 * 255.0 * 4.0 * width * height / squares);
 }
 
 double coverageOf(const CoverageRegion& region, int x, int y) {
@@ -152,7 +131,7 @@ Frame renderFrame(Instance& instance, const Image& layer, const Rect& canvas, co
 }
 
 Frame renderFrame(const Corners& corners, const Image& layer, const Rect& canvas, const FrameOptions& options) {
-  Instance instance = instanceWith(checkedEffect(), corners);
+  Instance instance = instanceWith(corners);
   return renderFrame(instance, layer, canvas, options);
 }
 
@@ -161,6 +140,10 @@ Instance instanceWith(const std::shared_ptr<const Module>& module, const Corners
   const Result<void> set = instance.setCorners(corners);
   EXPECT_TRUE(set) << set.error().message;
   return instance;
+}
+
+Instance instanceWith(const Corners& corners) {
+  return instanceWith(checkedEffect(), corners);
 }
 
 }  // namespace vantorel::host::testing

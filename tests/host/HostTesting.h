@@ -3,12 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstring>
 #include <memory>
 #include <ostream>
 #include <string>
 
 #include "host/Instance.h"
 #include "host/geometry/CoverageRegion.h"
+#include "tests/Pixels.h"
 
 namespace vantorel::host {
 
@@ -19,12 +22,12 @@ inline void PrintTo(const Rect& rect, std::ostream* out) {
   *out << '[' << rect.left << ' ' << rect.top << ' ' << rect.right << ' ' << rect.bottom << ']';
 }
 
-namespace testing {
+inline namespace testing {
 
 constexpr Depth kDepths[] = {Depth::Bits8, Depth::Bits16, Depth::Float};
 
-// The path of a module that was built beside the tests, "vantorel" for the effect itself.
-std::string modulePath(const std::string& name);
+// Where the effect's module was built.
+inline const std::string kEffectPath = VANTOREL_TEST_MODULE;
 
 // The upright rectangle with these sides.
 Corners rectangle(double left, double top, double right, double bottom);
@@ -32,11 +35,9 @@ Corners rectangle(double left, double top, double right, double bottom);
 // Corners that move steadily between two moments in seconds.
 AnimatedCorners moving(const Corners& from, const Corners& to, double begin = 0.0, double end = 1.0);
 
-// Loads it; a failure ends the test program with the error.
-std::shared_ptr<const Module> loadModule(const std::string& name, ModuleOptions options = {});
-
-// The effect, in checking mode; loaded once.
-std::shared_ptr<const Module> checkedEffect();
+// The effect as users load it, and in checking mode; each is loaded once.
+const std::shared_ptr<const Module>& effect();
+const std::shared_ptr<const Module>& checkedEffect();
 
 // A picture of bytes that repeat for a seed; floats from 0 to 1.
 Image noise(Size size, Depth depth, unsigned seed = 1);
@@ -53,11 +54,18 @@ bool samePixels(const Image& a, const Image& b);
 // Sets a channel to a share of white, 0 to 1.
 void setChannel(const ImageView& view, int x, int y, int channel, double value);
 
+// Sets a pixel's channels as they are stored.
+template <typename Channel>
+void setPixel(const ImageView& view, int x, int y, const std::array<Channel, 4>& channels) {
+  std::memcpy(view.pixel(x, y), channels.data(), sizeof(channels));
+}
+
 // A channel's number as it is stored.
 double channelAt(const ConstImageView& view, int x, int y, int channel);
 double channelAt(const Image& image, int x, int y, int channel);
 
-// The peak signal-to-noise ratio in dB of one 8-bit picture beside another, without so many pixels along its edges.
+// The peak signal-to-noise ratio in dB of two pictures whose channels go from 0 to 255, of any depth; `margin` pixels
+// along each edge do not count.
 double psnr(const Image& a, const Image& b, int margin = 0);
 
 // The share of a pixel that a region covers.
@@ -73,8 +81,22 @@ Frame renderFrame(Instance& instance, const Image& layer, const Rect& canvas, co
 // The same by the checked effect, with these corners.
 Frame renderFrame(const Corners& corners, const Image& layer, const Rect& canvas, const FrameOptions& options = {});
 
-// An instance of the effect with these corners, which must be in range.
+// An instance of the module, the checked effect by default, with these corners, which must be in range.
 Instance instanceWith(const std::shared_ptr<const Module>& module, const Corners& corners);
+Instance instanceWith(const Corners& corners);
+
+// Whether the result is an error of that kind about that input, whose message contains `part`.
+template <typename T>
+::testing::AssertionResult isError(const Result<T>& result, ErrorKind kind, const std::string& input,
+                                   const std::string& part = "") {
+  if (result) {
+    return ::testing::AssertionFailure() << "no error about " << input;
+  }
+  const Error& error = result.error();
+  const bool is_expected = error.kind == kind && error.input == input && error.message.find(part) != std::string::npos;
+  return (is_expected ? ::testing::AssertionSuccess() : ::testing::AssertionFailure())
+         << errorText(error) << " (kind " << static_cast<int>(error.kind) << ')';
+}
 
 }  // namespace testing
 }  // namespace vantorel::host

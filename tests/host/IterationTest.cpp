@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <tuple>
 
 #include "host/callbacks/CallContext.h"
 #include "host/callbacks/CallbackTables.h"
@@ -48,30 +49,28 @@ struct Calls {
   }
 };
 
+template <typename Pixel>
+using PixelFunction = decltype(&Calls::copy<Pixel>);
+
 enum class Kind { Plain, Origin, NonClip };
 
 template <typename Pixel>
 std::int32_t runKind(Kind kind, PF_InData* in, PF_LayerDef* source, const M_LRect* area, const M_LPoint* origin,
                      Calls* calls, PF_LayerDef* destination) {
+  constexpr PixelFunction<Pixel> kCopy = Calls::copy<Pixel>;
   const PF_UtilityCallbacks& u = *in->utility_callbacks;
-  const auto run = [&](auto plain, auto with_origin, auto non_clip) {
-    switch (kind) {
-      case Kind::Plain:
-        return plain(in, 0, 10, source, area, calls, Calls::copy<Pixel>, destination);
-      case Kind::Origin:
-        return with_origin(in, 0, 10, source, area, origin, calls, Calls::copy<Pixel>, destination);
-      default:
-        return non_clip(in, 0, 10, source, area, origin, calls, Calls::copy<Pixel>, destination);
-    }
-  };
-  if constexpr (std::is_same_v<Pixel, PF_Pixel8>) {
-    return run(u.iterate_8, u.iterate_origin_8, u.iterate_origin_non_clip_src_8);
-  } else if constexpr (std::is_same_v<Pixel, PF_Pixel16>) {
-    return run(u.iterate_16, u.iterate_origin_16, u.iterate_origin_non_clip_src_16);
-  } else {
-    const PF_iterateFloatSuite1& suite = *iterateFloatSuite();
-    return run(suite.iterate, suite.iterate_origin, suite.iterate_origin_non_clip_src);
+  const PF_iterateFloatSuite1& f = *iterateFloatSuite();
+  if (kind == Kind::Plain) {
+    const std::tuple plain(u.iterate_8, u.iterate_16, f.iterate);
+    return std::get<PF_IterateCallback<PixelFunction<Pixel>>>(plain)(in, 0, 10, source, area, calls, kCopy,
+                                                                     destination);
   }
+  const std::tuple clipping(u.iterate_origin_8, u.iterate_origin_16, f.iterate_origin);
+  const std::tuple non_clipping(u.iterate_origin_non_clip_src_8, u.iterate_origin_non_clip_src_16,
+                                f.iterate_origin_non_clip_src);
+  const auto iterate =
+      std::get<PF_IterateOriginCallback<PixelFunction<Pixel>>>(kind == Kind::Origin ? clipping : non_clipping);
+  return iterate(in, 0, 10, source, area, origin, calls, kCopy, destination);
 }
 
 template <typename Pixel>
@@ -81,7 +80,7 @@ TYPED_TEST_SUITE(IterationTest, Pixels);
 
 TYPED_TEST(IterationTest, CallsTheFunctionForEveryPixelOfTheAreaWithItsSourcePixel) {
   constexpr Depth kDepth = static_cast<Depth>(sizeof(TypeParam) * 2);
-  Image source_image = testing::noise({6, 5}, kDepth);
+  Image source_image = noise({6, 5}, kDepth);
   PF_LayerDef source = worldOf(source_image.view());
   const M_LRect area(-3, 2, 100, 7);
   const M_LPoint origin{4, -1};
@@ -96,28 +95,26 @@ TYPED_TEST(IterationTest, CallsTheFunctionForEveryPixelOfTheAreaWithItsSourcePix
                {Kind::Origin, nullptr, nullptr}};
   for (const unsigned threads : {1u, 3u}) {
     for (const auto& c : cases) {
-      Image image = testing::dirty({9, 8}, kDepth);
-      Image expected = testing::dirty({9, 8}, kDepth);
+      Image image = dirty({9, 8}, kDepth);
+      Image expected = dirty({9, 8}, kDepth);
       PF_LayerDef destination = worldOf(image.view());
       Running running(threads);
       Calls calls{.destination = &destination};
       ASSERT_EQ(ERR_NONE, runKind<TypeParam>(c.kind, &running.in, c.source, c.area, &origin, &calls, &destination));
       const M_LPoint shift = c.kind == Kind::Plain ? M_LPoint{0, 0} : origin;
       int count = 0;
-      for (int y = c.area == nullptr ? 0 : 2; y < (c.area == nullptr ? 8 : 7); ++y) {
-        for (int x = 0; x < 9; ++x) {
-          const int sx = x - shift.x;
-          const int sy = y - shift.y;
-          const bool has_source = c.source != nullptr && sx >= 0 && sx < 6 && sy >= 0 && sy < 5;
-          if (has_source || c.source == nullptr || c.kind == Kind::NonClip) {
-            const TypeParam transparent{};
-            std::memcpy(expected.view().pixel(x, y), has_source ? &worldRow<TypeParam>(source, sy)[sx] : &transparent,
-                        sizeof(TypeParam));
-            ++count;
-          }
+      for (const auto [x, y] : pixelsOf(c.area == nullptr ? Rect{0, 0, 9, 8} : Rect{0, 2, 9, 7})) {
+        const int sx = x - shift.x;
+        const int sy = y - shift.y;
+        const bool has_source = c.source != nullptr && sx >= 0 && sx < 6 && sy >= 0 && sy < 5;
+        if (has_source || c.source == nullptr || c.kind == Kind::NonClip) {
+          const TypeParam transparent{};
+          std::memcpy(expected.view().pixel(x, y), has_source ? &worldRow<TypeParam>(source, sy)[sx] : &transparent,
+                      sizeof(TypeParam));
+          ++count;
         }
       }
-      EXPECT_TRUE(testing::samePixels(expected, image)) << static_cast<int>(c.kind) << " on " << threads << " threads";
+      EXPECT_TRUE(samePixels(expected, image)) << static_cast<int>(c.kind) << " on " << threads << " threads";
       EXPECT_EQ(count, calls.count);
       EXPECT_FALSE(calls.misplaced);
     }
@@ -125,7 +122,7 @@ TYPED_TEST(IterationTest, CallsTheFunctionForEveryPixelOfTheAreaWithItsSourcePix
 }
 
 TEST(IterationEndTest, TheFirstFailureEndsTheIterationAndIsItsResult) {
-  Image image = testing::dirty({2, 64}, Depth::Bits8);
+  Image image = dirty({2, 64}, Depth::Bits8);
   PF_LayerDef destination = worldOf(image.view());
   Running running(1);
   int last_row = -1;
@@ -143,7 +140,7 @@ TEST(IterationEndTest, TheFirstFailureEndsTheIterationAndIsItsResult) {
 }
 
 TEST(IterationEndTest, ProgressRunsFromBaseToFinalAndNeverFalls) {
-  Image image = testing::dirty({1, 50}, Depth::Bits8);
+  Image image = dirty({1, 50}, Depth::Bits8);
   PF_LayerDef destination = worldOf(image.view());
   std::vector<double> shares;
   Running running(4, [&](double share) { shares.push_back(share); });

@@ -8,18 +8,11 @@
 namespace vantorel::host {
 namespace {
 
-using testing::Call;
-using testing::loadScripted;
-using testing::Script;
-
-constexpr auto kWorldSuite = PF_WORLD_SUITE;
-constexpr std::int32_t kWorldSuiteVersion = PF_WORLD_SUITE_VERSION;
-
 Result<FrameResult> render(const Script& script, bool checking, Image& output, Protocol protocol = Protocol::Smart) {
-  Image layer = testing::noise({8, 8}, Depth::Bits8);
+  const Image layer = noise({8, 8}, Depth::Bits8);
   return loadScripted(script, {.checking = checking}).and_then([&](const auto& module) {
     // Without corners there is nothing to place.
-    return Instance(module).render(asConst(layer.view()), {0, 0, 8, 8}, output.view(),
+    return Instance(module).render(layer.view(), {0, 0, 8, 8}, output.view(),
                                    {.placement = Placement::Centres, .protocol = protocol});
   });
 }
@@ -46,7 +39,7 @@ std::int32_t writeBelow(const Call& call) {
   return 0;
 }
 
-// In a row, so many pixels beyond its first one.
+// Writes that many pixels to the right of a row's first.
 std::int32_t writeAt(PF_Pixel8* row, int pixels) {
   row[pixels].red = 99;
   return 0;
@@ -56,10 +49,10 @@ TEST(MisuseTest, CheckingNamesEveryBreachOfTheInterface) {
   static PF_ParamDef param;
   static const void* suite = nullptr;
   const auto keep_suite = [](const Call& call) {
-    return call.in->suite_provider->acquire(kWorldSuite, kWorldSuiteVersion, &suite);
+    return call.in->suite_provider->acquire(PF_WORLD_SUITE, PF_WORLD_SUITE_VERSION, &suite);
   };
   const auto release_suite = [](const Call& call) {
-    return call.in->suite_provider->release(kWorldSuite, kWorldSuiteVersion);
+    return call.in->suite_provider->release(PF_WORLD_SUITE, PF_WORLD_SUITE_VERSION);
   };
   const struct {
     const char* named;
@@ -76,14 +69,12 @@ TEST(MisuseTest, CheckingNamesEveryBreachOfTheInterface) {
       {"wrote outside", {.draw = writeBelow}},
       {"handle", {.draw = disposeOfUnknownHandle}},
   };
-  Image output = testing::dirty({8, 8}, Depth::Bits8);
+  Image output = dirty({8, 8}, Depth::Bits8);
   for (const Protocol protocol : {Protocol::Smart, Protocol::Plain}) {
     for (const auto& c : cases) {
       const auto result = render(c.script, true, output, protocol);
-      ASSERT_FALSE(result) << c.named;
-      EXPECT_EQ(ErrorKind::Misuse, result.error().kind);
-      EXPECT_EQ(protocol == Protocol::Smart ? "smart render" : "render", result.error().input);
-      EXPECT_NE(std::string::npos, result.error().message.find(c.named)) << result.error().message;
+      const char* const command = protocol == Protocol::Smart ? "smart render" : "render";
+      EXPECT_TRUE(isError(result, ErrorKind::Misuse, command, c.named)) << c.named;
     }
   }
   EXPECT_EQ(ErrorKind::Misuse, render({.checkout_id = 5}, true, output).error().kind);
@@ -105,7 +96,7 @@ TEST(MisuseTest, AGuardThatChangedIsReportedAtTheFramesEnd) {
 std::int32_t useWorlds(const Call& call) {
   PF_InData* const in = call.in;
   const void* table = nullptr;
-  in->suite_provider->acquire(kWorldSuite, kWorldSuiteVersion, &table);
+  in->suite_provider->acquire(PF_WORLD_SUITE, PF_WORLD_SUITE_VERSION, &table);
   const auto& suite = *static_cast<const PF_WorldSuite2*>(table);
   PF_LayerDef world{};
   std::int32_t err = suite.new_world(in->effect_ref, 5, 4, true, PF_PIXEL_FORMAT_ARGB16, &world);
@@ -113,7 +104,7 @@ std::int32_t useWorlds(const Call& call) {
   if (err == ERR_NONE) {
     err = suite.get_pixel_format(&world, &format);
   }
-  in->suite_provider->release(kWorldSuite, kWorldSuiteVersion);
+  in->suite_provider->release(PF_WORLD_SUITE, PF_WORLD_SUITE_VERSION);
   if (err != ERR_NONE || format != PF_PIXEL_FORMAT_ARGB16) {
     return 1000;
   }
@@ -139,9 +130,7 @@ std::int32_t throwError() {
 }
 
 TEST(MisuseTest, FailuresOfTheModuleComeThroughWithTheirCodeAndMessage) {
-  const auto fail_with_message = [](const Call& c) {
-    return testing::failWithMessage(c, "It cannot be#{cr}done.", 77);
-  };
+  const auto fail_with_message = [](const Call& c) { return failWithMessage(c, "It cannot be#{cr}done.", 77); };
   const struct {
     Script script;
     std::int32_t code;
@@ -155,7 +144,7 @@ TEST(MisuseTest, FailuresOfTheModuleComeThroughWithTheirCodeAndMessage) {
       {{.in_row_3 = [](auto*, auto&) { return 9; }}, 9, "the effect's render failed with error code 9"},
       {{.in_row_3 = [](auto*, auto&) { return throwError(); }}, 602, "the effect's render failed with error code 602"},
   };
-  Image output = testing::dirty({8, 8}, Depth::Bits8);
+  Image output = dirty({8, 8}, Depth::Bits8);
   for (const bool checking : {false, true}) {
     for (const auto& c : cases) {
       const auto result = render(c.script, checking, output, Protocol::Plain);
@@ -165,7 +154,7 @@ TEST(MisuseTest, FailuresOfTheModuleComeThroughWithTheirCodeAndMessage) {
       EXPECT_EQ(c.message, result.error().message);
     }
     for (const Script& script : {Script{}, Script{.draw = useWorlds}}) {
-      output = testing::dirty({8, 8}, Depth::Bits8);
+      output = dirty({8, 8}, Depth::Bits8);
       const auto drawn = render(script, checking, output);
       ASSERT_TRUE(drawn) << drawn.error().message;
       EXPECT_EQ(std::string(32, '\7'), std::string(reinterpret_cast<const char*>(output.view().row(7)), 32));
@@ -183,7 +172,7 @@ TEST(MisuseTest, HandlesLeftAtSetDownAreReported) {
   ASSERT_EQ(1u, failures.size());
   EXPECT_EQ(ErrorKind::Misuse, failures[0].kind);
   EXPECT_EQ("scripted", failures[0].input);
-  testing::loadModule("vantorel", {.checking = true, .on_setdown_failure = keep});
+  EXPECT_TRUE(Module::load(kEffectPath, {.checking = true, .on_setdown_failure = keep}));
   EXPECT_EQ(1u, failures.size());
 }
 
@@ -199,17 +188,14 @@ TEST(MisuseTest, ModulesThatCannotBeUsedAreRefusedWithTheReason) {
   };
   for (const auto& c : cases) {
     const auto module = Module::load(c.path);
-    ASSERT_FALSE(module) << c.path;
-    EXPECT_EQ(ErrorKind::ModuleUnusable, module.error().kind);
-    EXPECT_EQ(c.path.empty() ? "module path" : c.path, module.error().input);
-    EXPECT_NE(std::string::npos, module.error().message.find(c.reason)) << module.error().message;
+    const std::string input = c.path.empty() ? "module path" : c.path;
+    ASSERT_TRUE(isError(module, ErrorKind::ModuleUnusable, input, c.reason)) << c.path;
     EXPECT_EQ(std::string::npos, module.error().message.find('\n'));
   }
-  const auto unlicensed = loadScripted(
-      {.setup = [](const Call& call) { return testing::failWithMessage(call, "No licence to start.", 31); }});
-  ASSERT_FALSE(unlicensed);
-  EXPECT_EQ(ErrorKind::ModuleUnusable, unlicensed.error().kind);
-  EXPECT_EQ("scripted: global setup: No licence to start.", errorText(unlicensed.error()));
+  const auto unlicensed =
+      loadScripted({.setup = [](const Call& call) { return failWithMessage(call, "No licence to start.", 31); }});
+  ASSERT_TRUE(isError(unlicensed, ErrorKind::ModuleUnusable, "scripted"));
+  EXPECT_EQ("global setup: No licence to start.", unlicensed.error().message);
   EXPECT_EQ(31, unlicensed.error().code);
   EXPECT_EQ(ErrorKind::OutOfMemory, loadScripted({.setup = [](auto&) { return ERR_OUT_OF_MEMORY; }}).error().kind);
   EXPECT_FALSE(loadScripted({.setup = [](const Call& call) {
@@ -220,10 +206,9 @@ TEST(MisuseTest, ModulesThatCannotBeUsedAreRefusedWithTheReason) {
   }}));
 
   Instance three_points(*loadScripted({.points = 3}));
-  Image pixels = testing::dirty({4, 4}, Depth::Bits8);
-  Image layer = testing::noise({4, 4}, Depth::Bits8);
-  EXPECT_EQ(ErrorKind::ModuleUnusable,
-            three_points.render(asConst(layer.view()), {0, 0, 4, 4}, pixels.view(), {}).error().kind);
+  Image pixels = dirty({4, 4}, Depth::Bits8);
+  const Image layer = noise({4, 4}, Depth::Bits8);
+  EXPECT_EQ(ErrorKind::ModuleUnusable, three_points.render(layer.view(), {0, 0, 4, 4}, pixels.view(), {}).error().kind);
 }
 
 }  // namespace

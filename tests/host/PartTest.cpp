@@ -17,8 +17,6 @@ struct Scene {
   int downsample = 1;
 };
 
-using testing::rectangle;
-
 const Scene kScenes[] = {
     {"perspective", {{20, 10}, {300, 60}, {-20, 250}, {340, 200}}, {}, {}},
     {"enlarged, reduced", {{-200, -90}, {900, -200}, {-300, 800}, {700, 500}}, {}, {}, 3},
@@ -33,9 +31,9 @@ const Scene kScenes[] = {
     {"moving", {{20, 10}, {300, 60}, {-20, 250}, {340, 200}}, {{60, 0}, {310, 60}, {40, 200}, {90, 90}}, {}},
 };
 
-Instance instanceOf(const Scene& scene, const std::shared_ptr<const Module>& module) {
-  Instance instance(module);
-  EXPECT_TRUE(instance.setCorners(testing::moving(scene.from, scene.to == Corners{} ? scene.from : scene.to)));
+Instance instanceOf(const Scene& scene) {
+  Instance instance(effect());
+  EXPECT_TRUE(instance.setCorners(moving(scene.from, scene.to == Corners{} ? scene.from : scene.to)));
   if (scene.source) {
     EXPECT_TRUE(instance.setSource(*scene.source));
   }
@@ -82,17 +80,17 @@ TEST(PartTest, IsThatPartOfTheWholeAndNeedsAPartOfTheLayer) {
   const auto up_to = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
   for (const Scene& scene : kScenes) {
     for (int i = 0; i < 9; ++i) {
-      const Depth depth = testing::kDepths[i % 3];
+      const Depth depth = kDepths[i % 3];
       const int n = scene.downsample;
       FrameOptions options = optionsOf(scene, i / 3, i == 5 ? 2 : i == 7 ? 8 : 0);
-      const Image layer = testing::noise({120, 90}, depth);
-      Instance instance = instanceOf(scene, testing::loadModule("vantorel"));
-      const Image whole = testing::renderFrame(instance, layer, kWhole, options).pixels;
+      const Image layer = noise({120, 90}, depth);
+      Instance instance = instanceOf(scene);
+      const Image whole = renderFrame(instance, layer, kWhole, options).pixels;
       options.threads = 4;
       // Another layer leaves what is kept from frame to frame useless, as does what a part does not need.
-      Image other = testing::noise({120, 90}, depth, 2);
-      Instance drawn_before = instanceOf(scene, testing::loadModule("vantorel"));
-      testing::renderFrame(drawn_before, other, kWhole, options);
+      Image other = noise({120, 90}, depth, 2);
+      Instance drawn_before = instanceOf(scene);
+      renderFrame(drawn_before, other, kWhole, options);
       for (int k = 0; k < 5; ++k) {
         const int left = up_to(whole.size().width - 1);
         const int top = up_to(whole.size().height - 1);
@@ -105,7 +103,7 @@ TEST(PartTest, IsThatPartOfTheWholeAndNeedsAPartOfTheLayer) {
         needed_pixels += std::int64_t{needed.width()} * needed.height();
         all_pixels += std::int64_t{layer.size().width} * layer.size().height;
         const Image poisoned = poisonedOutside(needed, layer);
-        const auto picture = testing::renderFrame(drawn_before, poisoned, part, options);
+        const auto picture = renderFrame(drawn_before, poisoned, part, options);
         ASSERT_TRUE(isPartOf(whole.view(), picture.pixels.view(), left, top))
             << scene.name << ", quality " << i / 3 << ": " << left << ' ' << top << ' ' << right << ' ' << bottom;
       }
@@ -116,18 +114,17 @@ TEST(PartTest, IsThatPartOfTheWholeAndNeedsAPartOfTheLayer) {
 
 // One corner alone lies beyond what the effect's numbers hold at 8 samples a pixel, and not at 2.
 TEST(PartTest, OneCornerFarAwayIsDrawnWithManySamplesToo) {
-  const Image layer = testing::waves({120, 90}, Depth::Bits8, 30);
+  const Image layer = waves({120, 90}, Depth::Bits8, 30);
   constexpr Point kNear[] = {{-10, -8}, {70, -8}, {-10, 50}, {70, 50}};
   constexpr Point kFar[] = {{-6000, -5000}, {6000, -5000}, {-6000, 5000}, {6000, 5000}};
   for (int far = 0; far < 4; ++far) {
     const auto at = [&](int corner) { return corner == far ? kFar[corner] : kNear[corner]; };
     const Corners corners{at(0), at(1), at(2), at(3)};
-    Instance instance = testing::instanceWith(testing::loadModule("vantorel"), corners);
+    Instance instance = instanceWith(effect(), corners);
     const auto drawn = [&](int samples) {
-      return testing::renderFrame(instance, layer, {0, 0, 60, 40}, {.quality = Quality::Best, .samples = samples})
-          .pixels;
+      return renderFrame(instance, layer, {0, 0, 60, 40}, {.quality = Quality::Best, .samples = samples}).pixels;
     };
-    EXPECT_GT(testing::psnr(drawn(8), drawn(2)), 40.0) << "corner " << far;
+    EXPECT_GT(psnr(drawn(8), drawn(2)), 40.0) << "corner " << far;
   }
 }
 

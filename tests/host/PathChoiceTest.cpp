@@ -26,13 +26,12 @@ Corners randomCorners(std::mt19937& random) {
 
 TEST(PathChoiceTest, IsTheModulesOwn) {
   std::mt19937 random(11);
-  Image layer = testing::noise({30, 30}, Depth::Bits8);
+  Image layer = noise({30, 30}, Depth::Bits8);
   int bilinear = 0;
   for (int i = 0; i < 2000; ++i) {
     const Corners corners = randomCorners(random);
-    Instance instance = testing::instanceWith(testing::checkedEffect(), corners);
-    const auto frame =
-        testing::renderFrame(instance, layer, {0, 0, 30, 30}, {.placement = Placement::Centres, .threads = 1});
+    Instance instance = instanceWith(corners);
+    const auto frame = renderFrame(instance, layer, {0, 0, 30, 30}, {.placement = Placement::Centres, .threads = 1});
     ASSERT_FALSE(frame.result.drawn.empty());
     ASSERT_EQ(frame.result.path, pathOf(corners))
         << ::testing::PrintToString(corners.upper_left) << ::testing::PrintToString(corners.upper_right)

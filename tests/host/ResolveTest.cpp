@@ -2,9 +2,7 @@
 #include "host/composing/Resolve.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstring>
 
 #include "host/composing/SampleCount.h"
 #include "host/composing/ScanEdges.h"
@@ -13,31 +11,26 @@
 namespace vantorel::host {
 namespace {
 
-using testing::channelAt;
-using testing::coverageOf;
-
 TEST(ResolveTest, IsTheWeightedMeanRoundedToNearestAtEveryDepthAndCount) {
   constexpr Point kCut{3, 2};
   const CoverageRegion quad{ConvexPolygon(Corners{{2.3, 1.6}, {27.1, 4.4}, {5.5, 21.2}, {24.9, 16.3}})};
   const CoverageRegion sliver{ConvexPolygon(Corners{{2, 8.2}, {28, 8.6}, {2, 8.3}, {28, 8.9}})};
   for (const CoverageRegion& region : {quad, sliver, CoverageRegion()}) {
-    for (const Depth depth : testing::kDepths) {
+    for (const Depth depth : kDepths) {
       for (const int n : kSampleCounts) {
-        const Image samples = testing::noise({32 * n, 24 * n}, depth);
-        Image output = testing::dirty({29, 20}, depth);
+        const Image samples = noise({32 * n, 24 * n}, depth);
+        Image output = dirty({29, 20}, depth);
         const CoverageRegion fine = region.onGrid({}, n);
         resolve(samples.view(), n, fine, static_cast<int>(kCut.x), static_cast<int>(kCut.y), output.view());
-        for (int i = 0; i < 29 * 20 * 4; ++i) {
-          const int x = i / 4 % 29;
-          const int y = i / 4 / 29;
+        for (const auto [x, y, c] : channelsOf(29, 20)) {
           double sum = 0.0;
           for (int k = 0; k < n * n; ++k) {
             const int sx = (x + 3) * n + k % n;
             const int sy = (y + 2) * n + k / n;
-            sum += coverageOf(fine, sx, sy) * channelAt(samples, sx, sy, i % 4);
+            sum += coverageOf(fine, sx, sy) * channelAt(samples, sx, sy, c);
           }
           const double mean = sum / (n * n);
-          const double actual = channelAt(output, x, y, i % 4);
+          const double actual = channelAt(output, x, y, c);
           const double half = depth == Depth::Float ? 1e-6 : 0.5 + 1e-6;
           ASSERT_NEAR(mean, actual, half) << "pixel " << x << ", " << y << " of " << n << " samples";
         }
@@ -48,36 +41,32 @@ TEST(ResolveTest, IsTheWeightedMeanRoundedToNearestAtEveryDepthAndCount) {
 
 TEST(ResolveTest, WithOneSampleLeavesTheInsideToTheBitAndWorksInPlace) {
   const CoverageRegion region{ConvexPolygon(Box{2, 1, 14, 9.5})};
-  Image pixels = testing::noise({16, 12}, Depth::Bits16);
-  const Image before = testing::noise({16, 12}, Depth::Bits16);
+  Image pixels = noise({16, 12}, Depth::Bits16);
+  const Image before = noise({16, 12}, Depth::Bits16);
   resolve(asConst(pixels.view()), 1, region, 0, 0, pixels.view());
-  for (int i = 0; i < 16 * 12 * 4; ++i) {
-    const int x = i / 4 % 16;
-    const int y = i / 4 / 16;
-    const double whole = channelAt(before, x, y, i % 4);
+  for (const auto [x, y, c] : channelsOf(16, 12)) {
+    const double whole = channelAt(before, x, y, c);
     const double share = x < 2 || x >= 14 || y < 1 || y > 9 ? 0.0 : y == 9 ? 0.5 : 1.0;
-    EXPECT_EQ(std::floor(whole * share + 0.5), channelAt(pixels, x, y, i % 4));
+    EXPECT_EQ(std::floor(whole * share + 0.5), channelAt(pixels, x, y, c));
   }
 }
 
 // The clamped position is the nearest of a rectangle's: two apart in either direction, every neighbour is one.
 TEST(ScanEdgesTest, EdgesTakeTheNearestPixelThatTheScanDrawsWholly) {
-  Image drawn = *Image::create({40, 30}, Depth::Bits8);
-  const auto code = [](int x, int y) { return std::array<std::uint8_t, 4>{std::uint8_t(x), std::uint8_t(y), 0, 255}; };
-  for (int i = 0; i < 40 * 30; ++i) {
-    std::memcpy(drawn.view().pixel(i % 40, i / 40), code(i % 40, i / 40).data(), 4);
+  Image drawn = dirty({40, 30}, Depth::Bits8);
+  for (const auto [x, y] : pixelsOf(40, 30)) {
+    setPixel<std::uint8_t>(drawn.view(), x, y, {std::uint8_t(x), std::uint8_t(y), 0, 255});
   }
-  const CoverageRegion scanned = CoverageRegion::betweenChains(testing::rectangle(10.5, 8.5, 14.5, 12.5));
-  const CoverageRegion covered = CoverageRegion::betweenChains(testing::rectangle(0, 0, 15.5, 29));
+  const CoverageRegion scanned = CoverageRegion::betweenChains(rectangle(10.5, 8.5, 14.5, 12.5));
+  const CoverageRegion covered = CoverageRegion::betweenChains(rectangle(0, 0, 15.5, 29));
   extendScan(scanned, covered, {0, 0, 40, 30}, drawn.view());
-  for (int y = 0; y < 30; ++y) {
-    for (int x = 0; x < 40; ++x) {
-      const int near_x = std::clamp(x, 11, 13);
-      const int near_y = std::clamp(y, 9, 11);
-      const bool extends = x < 16 && std::abs(x - near_x) <= 2 && std::abs(y - near_y) <= 2;
-      const auto expected = extends ? code(near_x, near_y) : code(x, y);
-      EXPECT_EQ(0, std::memcmp(expected.data(), drawn.view().pixel(x, y), 4)) << x << ", " << y;
-    }
+  for (const auto [x, y] : pixelsOf(40, 30)) {
+    const int near_x = std::clamp(x, 11, 13);
+    const int near_y = std::clamp(y, 9, 11);
+    const bool extends = x < 16 && std::abs(x - near_x) <= 2 && std::abs(y - near_y) <= 2;
+    EXPECT_EQ(extends ? near_x : x, channelAt(drawn, x, y, 0)) << x << ", " << y;
+    EXPECT_EQ(extends ? near_y : y, channelAt(drawn, x, y, 1)) << x << ", " << y;
+    EXPECT_EQ(255, channelAt(drawn, x, y, 3)) << x << ", " << y;
   }
 }
 

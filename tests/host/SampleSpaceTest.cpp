@@ -28,28 +28,24 @@ double meanInside(const ConstImageView& world, double left, double top, double r
   double sum = 0.0;
   for (int y = 0; y < world.size.height; ++y) {
     for (int x = 0; x < world.size.width; ++x) {
-      const double width = std::min(x1, x + 1.0) - std::max(x0, static_cast<double>(x));
-      const double height = std::min(y1, y + 1.0) - std::max(y0, static_cast<double>(y));
-      if (width > 0 && height > 0) {
-        sum += width * height * testing::channelAt(world, x, y, channel);
-      }
+      const double width = std::min(x1, x + 1.0) - std::max(x0, double(x));
+      const double height = std::min(y1, y + 1.0) - std::max(y0, double(y));
+      sum += std::max(width, 0.0) * std::max(height, 0.0) * channelAt(world, x, y, channel);
     }
   }
   return sum / ((x1 - x0) * (y1 - y0));
 }
 
 TEST(SampleSpaceTest, ABoxAtTheBorderGivesTheMeanOfItsPartInside) {
-  Image image = testing::noise({23, 17}, Depth::Float);
+  Image image = noise({23, 17}, Depth::Float);
   PF_LayerDef world = worldOf(image.view());
   std::mt19937 random(2);
   std::uniform_int_distribution<std::int32_t> place(-98304, 18 * 65536);
   std::uniform_int_distribution<std::int32_t> radius(32768, 8 * 65536);
   for (const InstructionSet set : availableSets()) {
     for (int i = 0; i < 3000; ++i) {
-      PF_SampleParams params{};
-      params.source = &world;
-      params.x_radius = i % 2 == 0 ? 32768 : radius(random);
-      params.y_radius = i % 2 == 0 ? 32768 : radius(random);
+      const auto some_radius = [&] { return i % 2 == 0 ? 32768 : radius(random); };
+      const PF_SampleParams params{some_radius(), some_radius(), 0, &world, {}};
       const std::int32_t x = place(random);
       const std::int32_t y = place(random);
       PF_PixelFloat out{};
@@ -63,12 +59,9 @@ TEST(SampleSpaceTest, ABoxAtTheBorderGivesTheMeanOfItsPartInside) {
 }
 
 TEST(SampleSpaceTest, HalfAPixelIsTakenOffAndFarPositionsAreTransparent) {
-  Image image = testing::noise({23, 17}, Depth::Bits8);
+  Image image = noise({23, 17}, Depth::Bits8);
   PF_LayerDef world = worldOf(image.view());
-  PF_SampleParams params{};
-  params.source = &world;
-  params.x_radius = 40000;
-  params.y_radius = 32768;
+  const PF_SampleParams params{40000, 32768, 0, &world, {}};
   for (const InstructionSet set : availableSets()) {
     PF_Pixel8 centred{};
     PF_Pixel8 outlined{};

@@ -6,7 +6,8 @@
 #include "support/PF_HostRecords.h"
 #include "tests/host/HostTesting.h"
 
-namespace vantorel::host::testing {
+namespace vantorel::host {
+inline namespace testing {
 
 // A command under way; the output is null at global setup.
 struct Call {
@@ -30,4 +31,5 @@ Result<std::shared_ptr<const Module>> loadScripted(Script script, ModuleOptions 
 // Gives the user a message; the result is `code`.
 std::int32_t failWithMessage(const Call& call, const char* message, std::int32_t code);
 
-}  // namespace vantorel::host::testing
+}  // namespace testing
+}  // namespace vantorel::host

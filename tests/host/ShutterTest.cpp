@@ -8,8 +8,6 @@
 namespace vantorel::host {
 namespace {
 
-using testing::renderFrame;
-
 constexpr Corners kQuad{{20, 15}, {120, 22}, {15, 90}, {110, 100}};
 
 Corners moved(const Corners& c, double x, double y) {
@@ -19,7 +17,7 @@ Corners moved(const Corners& c, double x, double y) {
 
 // Their way in the two seconds about time 0.
 AnimatedCorners between(const Corners& begin, const Corners& end) {
-  return testing::moving(begin, end, -1.0, 1.0);
+  return moving(begin, end, -1.0, 1.0);
 }
 
 // A frame of one second, so that 360 degrees are half of the way.
@@ -55,33 +53,30 @@ TEST(ShutterTest, TakesAboutOneMomentAPixelCentredOnTheFrame) {
 }
 
 TEST(ShutterTest, AMoveOfTwentyPixelsIsNearThatOfManyMoments) {
-  Image layer = testing::waves({160, 120}, Depth::Bits8, 24);
-  Instance instance = testing::instanceWith(testing::loadModule("vantorel"), kQuad);
+  Image layer = waves({160, 120}, Depth::Bits8, 24);
+  Instance instance = instanceWith(effect(), kQuad);
   ASSERT_TRUE(instance.setCorners(between(kQuad, moved(kQuad, 72, 34))));
-  auto few = renderFrame(instance, layer, {0, 0, 200, 140}, shutter(180));
-  // 256 stills, added up.
-  std::vector<double> sums(200 * 140 * 4);
-  for (int i = 0; i < 256; ++i) {
-    const double share = 0.375 + 0.25 * (i + 0.5) / 256;
+  const Frame few = renderFrame(instance, layer, {0, 0, 200, 140}, shutter(180));
+  Image mean = dirty({200, 140}, Depth::Float);
+  mean.clear();
+  constexpr int kStills = 256;
+  for (int i = 0; i < kStills; ++i) {
+    const double share = 0.375 + 0.25 * (i + 0.5) / kStills;
     ASSERT_TRUE(instance.setCorners(moved(kQuad, 72 * share, 34 * share)));
-    auto still = renderFrame(instance, layer, {0, 0, 200, 140}, shutter(0));
-    for (int k = 0; k < 200 * 140 * 4; ++k) {
-      sums[k] += testing::channelAt(still.pixels, k / 4 % 200, k / 800, k % 4) / 256;
+    const Frame still = renderFrame(instance, layer, {0, 0, 200, 140}, shutter(0));
+    for (const auto [x, y, c] : channelsOf(200, 140)) {
+      setChannel(mean.view(), x, y, c, channelAt(mean, x, y, c) + channelAt(still.pixels, x, y, c) / kStills);
     }
   }
-  Image many = testing::dirty({200, 140}, Depth::Bits8);
-  for (int k = 0; k < 200 * 140 * 4; ++k) {
-    testing::setChannel(many.view(), k / 4 % 200, k / 800, k % 4, sums[k] / 255.0);
-  }
-  EXPECT_GE(testing::psnr(few.pixels, many), 40.0);
+  EXPECT_GE(psnr(few.pixels, mean), 40.0);
 }
 
 TEST(ShutterTest, WithoutMotionItIsTheStillToTheBitAndItsBoxGrowsWithTheMotion) {
-  Image layer = testing::noise({60, 50}, Depth::Bits16);
-  Instance instance = testing::instanceWith(testing::checkedEffect(), kQuad);
+  Image layer = noise({60, 50}, Depth::Bits16);
+  Instance instance = instanceWith(kQuad);
   const auto still = renderFrame(instance, layer, {0, 0, 140, 120}, shutter(0));
   const auto open = renderFrame(instance, layer, {0, 0, 140, 120}, shutter(360));
-  EXPECT_TRUE(testing::samePixels(still.pixels, open.pixels));
+  EXPECT_TRUE(samePixels(still.pixels, open.pixels));
   ASSERT_TRUE(instance.setCorners(between(moved(kQuad, -100, 0), moved(kQuad, 100, 0))));
   const Rect small = instance.boundingBox({60, 50}, shutter(0)).value();
   const Rect wide = instance.boundingBox({60, 50}, shutter(360)).value();

@@ -7,10 +7,6 @@
 namespace vantorel::host {
 namespace {
 
-using testing::channelAt;
-using testing::rectangle;
-using testing::renderFrame;
-
 constexpr Size kLayer{120, 130};
 
 // The largest difference, over the inside of the picture, from the layer's value at the place that a pixel's middle
@@ -18,25 +14,23 @@ constexpr Size kLayer{120, 130};
 double largestDifference(const Image& layer, const Image& picture, const Corners& source, const Corners& target) {
   const Homography back = Homography::ofQuadrilateral(target, source).value();
   double largest = 0.0;
-  for (int y = 2; y < picture.size().height - 2; ++y) {
-    for (int x = 2; x < picture.size().width - 2; ++x) {
-      const Point p = back(Point{x + 0.5, y + 0.5});
-      const double expected = channelAt(layer, static_cast<int>(p.x), static_cast<int>(p.y), 1);
-      largest = std::max(largest, std::abs(expected - channelAt(picture, x, y, 1)));
-    }
+  for (const auto [x, y] : pixelsOf(Rect{2, 2, picture.size().width - 2, picture.size().height - 2})) {
+    const Point p = back(Point{x + 0.5, y + 0.5});
+    const double expected = channelAt(layer, static_cast<int>(p.x), static_cast<int>(p.y), 1);
+    largest = std::max(largest, std::abs(expected - channelAt(picture, x, y, 1)));
   }
   return largest;
 }
 
 TEST(SourceTest, ItsCornersGoOntoTheTargetsWhereverTheHorizonLies) {
-  const Image layer = testing::waves(kLayer, Depth::Float, 120);
+  const Image layer = waves(kLayer, Depth::Float, 120);
   const Corners target = rectangle(0, 0, 300, 280);
   // In the second one the lines meet at y = 50 and in the third at x = 150: the horizon runs through the layer.
   for (const Corners& source :
        {Corners{{22, 31}, {100, 40}, {15, 111}, {90, 97}}, Corners{{50, 70}, {70, 70}, {10, 110}, {110, 110}},
         Corners{{20, 20}, {100, 55}, {20, 120}, {100, 92}}}) {
     for (const Quality quality : {Quality::High, Quality::Best}) {
-      Instance instance = testing::instanceWith(testing::checkedEffect(), target);
+      Instance instance = instanceWith(target);
       ASSERT_TRUE(instance.setSource(source));
       auto frame = renderFrame(instance, layer, {0, 0, 300, 280}, {.quality = quality});
       EXPECT_EQ(RenderPath::Perspective, frame.result.path);
@@ -46,8 +40,8 @@ TEST(SourceTest, ItsCornersGoOntoTheTargetsWhereverTheHorizonLies) {
 }
 
 TEST(SourceTest, ItIsCutAtTheLayersOutline) {
-  const Image layer = testing::waves({40, 40}, Depth::Float, 40);
-  Instance instance = testing::instanceWith(testing::checkedEffect(), rectangle(0, 0, 100, 100));
+  const Image layer = waves({40, 40}, Depth::Float, 40);
+  Instance instance = instanceWith(rectangle(0, 0, 100, 100));
   ASSERT_TRUE(instance.setSource(rectangle(-10, 10, 40, 60)));
   auto frame = renderFrame(instance, layer, {0, 0, 100, 100}, {});
   EXPECT_EQ(0.0, channelAt(frame.pixels, 19, 30, 0));
@@ -57,20 +51,20 @@ TEST(SourceTest, ItIsCutAtTheLayersOutline) {
 }
 
 TEST(SourceTest, ThereAndBackGivesTheLayerAgain) {
-  const Image layer = testing::waves({200, 160}, Depth::Bits8, 24);
+  const Image layer = waves({200, 160}, Depth::Bits8, 24);
   const Corners quad{{30, 20}, {330, 50}, {10, 300}, {350, 280}};
   const auto placed = renderFrame(quad, layer, {0, 0, 360, 310}, {.quality = Quality::Best});
-  Instance back = testing::instanceWith(testing::checkedEffect(), rectangle(0, 0, 200, 160));
+  Instance back = instanceWith(rectangle(0, 0, 200, 160));
   ASSERT_TRUE(back.setSource(quad));
   const auto again = renderFrame(back, placed.pixels, {0, 0, 200, 160}, {.quality = Quality::Best});
-  EXPECT_GE(testing::psnr(layer, again.pixels, 2), 45.0);
+  EXPECT_GE(psnr(layer, again.pixels, 2), 45.0);
 }
 
 TEST(SourceTest, RefusesSourcesAndTargetsWithoutAMap) {
-  const Image layer = testing::noise({40, 40}, Depth::Bits8);
-  Image output = testing::dirty({40, 40}, Depth::Bits8);
+  const Image layer = noise({40, 40}, Depth::Bits8);
+  Image output = dirty({40, 40}, Depth::Bits8);
   const auto inputOf = [&](const Corners& source, const Corners& target, const FrameOptions& options) {
-    Instance instance = testing::instanceWith(testing::checkedEffect(), target);
+    Instance instance = instanceWith(target);
     EXPECT_TRUE(instance.setSource(source));
     const auto result = instance.render(layer.view(), {0, 0, 40, 40}, output.view(), options);
     return result ? "" : result.error().input;
@@ -82,7 +76,7 @@ TEST(SourceTest, RefusesSourcesAndTargetsWithoutAMap) {
   EXPECT_EQ("source", inputOf(square, notched, {}));
   EXPECT_EQ("source", inputOf(rectangle(3, 3, 3, 3), square, {}));
   EXPECT_EQ("source", inputOf(square, square, {.placement = Placement::Centres}));
-  Instance instance = testing::instanceWith(testing::checkedEffect(), square);
+  Instance instance = instanceWith(square);
   EXPECT_EQ("source's upper left corner", instance.setSource(rectangle(-99999, 0, 1, 1)).error().input);
 }
 

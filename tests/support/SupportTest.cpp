@@ -14,16 +14,6 @@ constexpr const char* kReleaseFailed = "Not able to release KZFX Suite.";
 const Log kHoldSuite = {"acquire PF iterateFloat Suite 1"};
 const Log kDropSuite = {"release PF iterateFloat Suite 1"};
 
-// True when PF_OutData has changed by these messages alone, one written over the other.
-bool onlyMessages(const ScriptedHost& host, const Log& messages) {
-  return host.outIs([&](PF_OutData& out) {
-    for (const std::string& message : messages) {
-      out.out_flags |= OUT_FLAG_SHOW_MESSAGE;
-      std::strcpy(out.return_msg, message.c_str());
-    }
-  });
-}
-
 // The code that the scoped holder throws, or 0.
 std::int32_t hold(ScriptedHost& host, PF_OutData* out, const char* text) {
   try {
@@ -111,14 +101,14 @@ TEST(Suites, ThePairReportsByCodeAndMessage) {
 
   host.suites.clear();  // the pointer still holds the suite
   EXPECT_EQ(acquire(nullptr), ERR_FAILED);
-  EXPECT_TRUE(onlyMessages(host, {kAcquireFailed}));
+  EXPECT_TRUE(host.outHasMessages({kAcquireFailed}));
   host.in.suite_provider = nullptr;
   EXPECT_EQ(acquire("own text"), ERR_FAILED);
-  EXPECT_TRUE(onlyMessages(host, {kAcquireFailed, "own text"}));
+  EXPECT_TRUE(host.outHasMessages({kAcquireFailed, "own text"}));
   EXPECT_EQ(release(nullptr), ERR_FAILED);
-  EXPECT_TRUE(onlyMessages(host, {kAcquireFailed, "own text", kReleaseFailed}));
+  EXPECT_TRUE(host.outHasMessages({kAcquireFailed, "own text", kReleaseFailed}));
   EXPECT_EQ(release("other"), ERR_FAILED);
-  EXPECT_TRUE(onlyMessages(host, {kAcquireFailed, "own text", kReleaseFailed, "other"}));
+  EXPECT_TRUE(host.outHasMessages({kAcquireFailed, "own text", kReleaseFailed, "other"}));
 }
 
 TEST(Suites, TheHolderThrowsAndReleasesOnce) {
@@ -129,10 +119,10 @@ TEST(Suites, TheHolderThrowsAndReleasesOnce) {
   EXPECT_EQ(hold(host, nullptr, "unseen"), ERR_SUITE_UNAVAILABLE);
   EXPECT_TRUE(host.outIs());
   EXPECT_EQ(hold(host, &host.out, nullptr), ERR_SUITE_UNAVAILABLE);
-  EXPECT_TRUE(onlyMessages(host, {kAcquireFailed}));
+  EXPECT_TRUE(host.outHasMessages({kAcquireFailed}));
   host.in.suite_provider = nullptr;
   EXPECT_EQ(hold(host, &host.out, "own text"), ERR_SUITE_UNAVAILABLE);
-  EXPECT_TRUE(onlyMessages(host, {kAcquireFailed, "own text"}));
+  EXPECT_TRUE(host.outHasMessages({kAcquireFailed, "own text"}));
 }
 
 TEST(Suites, DrawingSuitesStopAtTheFirstMissing) {
@@ -164,7 +154,7 @@ TEST(Worlds, DepthComesFromThePixelFormat) {
     EXPECT_EQ(depth, c.depth) << c.tag;
     const bool is_unknown = c.code == ERR_FAILED;
     EXPECT_EQ(host.log, is_unknown ? kAskDepth + Log{"sprintf " + unexpected} : kAskDepth);
-    EXPECT_TRUE(onlyMessages(host, is_unknown ? Log{unexpected} : Log{}));
+    EXPECT_TRUE(host.outHasMessages(is_unknown ? Log{unexpected} : Log{}));
   }
 }
 
@@ -179,7 +169,7 @@ TEST(Worlds, NewWorldsAreAskedForByTag) {
   ScriptedHost host;
   EXPECT_EQ(KZFX_NewWorldRGBDepth(&host.in, &host.out, 7, 9, 24, true, &host.output.world), ERR_FAILED);
   EXPECT_EQ(host.log, Log{"sprintf Unexpected pixel format in KZFX_NewWorldRGBDepth()"});
-  EXPECT_TRUE(onlyMessages(host, {"Unexpected pixel format in KZFX_NewWorldRGBDepth()"}));
+  EXPECT_TRUE(host.outHasMessages({"Unexpected pixel format in KZFX_NewWorldRGBDepth()"}));
 }
 
 TEST(Iteration, NineWrappersPassTheirArgumentsOn) {

@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+#include "tests/Pixels.h"
+
 namespace vantorel::quality {
 namespace {
 
@@ -24,10 +26,8 @@ Truth truthAt(double left, double top) {
 // The truth rounded to 8 bits.
 host::Image pictureOf(const Truth& truth, std::size_t layer) {
   Layer rounded{kCanvas, std::vector<float>(static_cast<std::size_t>(kCanvas.width * kCanvas.height))};
-  for (int y = truth.frame.top; y < truth.frame.bottom; ++y) {
-    for (int x = truth.frame.left; x < truth.frame.right; ++x) {
-      rounded.grey[static_cast<std::size_t>(y * kCanvas.width + x)] = std::round(truth.grey[layer][truth.index(x, y)]);
-    }
+  for (const auto [x, y] : pixelsOf(truth.frame)) {
+    rounded.grey[static_cast<std::size_t>(y * kCanvas.width + x)] = std::round(truth.grey[layer][truth.index(x, y)]);
   }
   return imageOf(rounded, host::Depth::Bits8);
 }

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "tests/Pixels.h"
+
 namespace vantorel::quality {
 namespace {
 
@@ -22,21 +24,17 @@ TEST(Outline, OfWholePixelsHasNoEdgePixels) {
 TEST(Outline, RegionsSayWhatIsPartlyCovered) {
   const host::Rect canvas{0, 0, 40, 40};
   const std::vector<Region> regions = regionsOf(kTurned, canvas);
-  for (int y = 0; y < 40; ++y) {
-    for (int x = 0; x < 40; ++x) {
-      const double area = coverage(kTurned, x, y);
-      const Region expected = area < 1e-12 ? Region::Outside : area > 1 - 1e-12 ? Region::Inside : Region::Edge;
-      EXPECT_EQ(regions[static_cast<std::size_t>(y * 40 + x)], expected) << x << ", " << y << ": " << area;
-    }
+  for (const auto [x, y] : pixelsOf(canvas)) {
+    const double area = coverage(kTurned, x, y);
+    const Region expected = area < 1e-12 ? Region::Outside : area > 1 - 1e-12 ? Region::Inside : Region::Edge;
+    EXPECT_EQ(regions[static_cast<std::size_t>(y * 40 + x)], expected) << x << ", " << y << ": " << area;
   }
 }
 
 TEST(Outline, CoverageAddsUpToTheArea) {
   double sum = 0;
-  for (int y = 0; y < 40; ++y) {
-    for (int x = 0; x < 40; ++x) {
-      sum += coverage(kTurned, x, y);
-    }
+  for (const auto [x, y] : pixelsOf(40, 40)) {
+    sum += coverage(kTurned, x, y);
   }
   double doubled = 0;
   for (std::size_t i = 0; i < 4; ++i) {

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "bench/quality/Psnr.h"
+#include "tests/Pixels.h"
 
 namespace vantorel::quality {
 namespace {
@@ -14,10 +15,8 @@ constexpr host::Size kCanvas{40, 40};
 
 Layer ramp() {
   Layer layer{kLayerSize, {}};
-  for (int y = 0; y < kLayerSize.height; ++y) {
-    for (int x = 0; x < kLayerSize.width; ++x) {
-      layer.grey.push_back(static_cast<float>(10 * x + 5 * y));
-    }
+  for (const auto [x, y] : pixelsOf(kLayerSize.width, kLayerSize.height)) {
+    layer.grey.push_back(static_cast<float>(10 * x + 5 * y));
   }
   return layer;
 }
@@ -43,12 +42,10 @@ TEST(Truth, PlacesTheLayersOutlineOnTheCorners) {
 TEST(Truth, CutsOffAtTheOutline) {
   const Ring ring = {{{12.3, 2.6}, {30.1, 14.9}, {17.2, 33.4}, {1.7, 19.8}}};
   const Truth truth = truthOn(ring, white({8, 8}));
-  for (int y = truth.frame.top; y < truth.frame.bottom; ++y) {
-    for (int x = truth.frame.left; x < truth.frame.right; ++x) {
-      const std::size_t index = truth.index(x, y);
-      EXPECT_NEAR(truth.alpha[index] / 255, coverage(ring, x, y), 0.01) << x << ", " << y;
-      EXPECT_NEAR(truth.grey[0][index], truth.alpha[index], 1e-3);
-    }
+  for (const auto [x, y] : pixelsOf(truth.frame)) {
+    const std::size_t index = truth.index(x, y);
+    EXPECT_NEAR(truth.alpha[index] / 255, coverage(ring, x, y), 0.01) << x << ", " << y;
+    EXPECT_NEAR(truth.grey[0][index], truth.alpha[index], 1e-3);
   }
 }
 
@@ -57,10 +54,8 @@ TEST(PictureError, TellsInsideEdgesAndOutsideApart) {
   const Truth truth = truthOn({{{4.5, 4}, {12.5, 4}, {12.5, 12}, {4.5, 12}}}, layer);
   Layer picture{kCanvas, std::vector<float>(40 * 40)};
   const auto paint = [&](int x, int y, float grey) { picture.grey[static_cast<std::size_t>(y * 40 + x)] = grey; };
-  for (int y = 4; y < 12; ++y) {
-    for (int x = 5; x < 12; ++x) {
-      paint(x, y, 245);
-    }
+  for (const auto [x, y] : pixelsOf(host::Rect{5, 4, 12, 12})) {
+    paint(x, y, 245);
   }
   paint(30, 30, 7);
   const host::Image image = imageOf(picture, host::Depth::Bits8);
