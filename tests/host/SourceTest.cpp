@@ -63,7 +63,7 @@ TEST(SourceTest, ThereAndBackGivesTheLayerAgain) {
 TEST(SourceTest, RefusesSourcesAndTargetsWithoutAMap) {
   const Image layer = noise({40, 40}, Depth::Bits8);
   Image output = dirty({40, 40}, Depth::Bits8);
-  const auto inputOf = [&](const Corners& source, const Corners& target, const FrameOptions& options) {
+  const auto input_of = [&](const Corners& source, const Corners& target, const FrameOptions& options) {
     Instance instance = instanceWith(target);
     EXPECT_TRUE(instance.setSource(source));
     const auto result = instance.render(layer.view(), {0, 0, 40, 40}, output.view(), options);
@@ -71,11 +71,11 @@ TEST(SourceTest, RefusesSourcesAndTargetsWithoutAMap) {
   };
   const Corners square = rectangle(0, 0, 40, 40);
   const Corners notched{{0, 0}, {40, 0}, {0, 40}, {10, 10}};
-  EXPECT_EQ("", inputOf(square, square, {}));
-  EXPECT_EQ("source", inputOf(notched, square, {}));
-  EXPECT_EQ("source", inputOf(square, notched, {}));
-  EXPECT_EQ("source", inputOf(rectangle(3, 3, 3, 3), square, {}));
-  EXPECT_EQ("source", inputOf(square, square, {.placement = Placement::Centres}));
+  EXPECT_EQ("", input_of(square, square, {}));
+  EXPECT_EQ("source", input_of(notched, square, {}));
+  EXPECT_EQ("source", input_of(square, notched, {}));
+  EXPECT_EQ("source", input_of(rectangle(3, 3, 3, 3), square, {}));
+  EXPECT_EQ("source", input_of(square, square, {.placement = Placement::Centres}));
   Instance instance = instanceWith(square);
   EXPECT_EQ("source's upper left corner", instance.setSource(rectangle(-99999, 0, 1, 1)).error().input);
 }

@@ -39,7 +39,9 @@ TEST(ThreadTest, ModulesSetUpAndDownDisturbNoInstanceThatRenders) {
   const Image layer = noise({31, 37}, Depth::Float);
   std::atomic<bool> rendering = true;
   std::vector<std::jthread> loaders;
+  loaders.reserve(2);
   std::vector<std::jthread> renderers;
+  renderers.reserve(4);
   for (int i = 0; i < 2; ++i) {
     loaders.emplace_back([&, alone = drawnAlone(layer, kQuad, Quality::High)] {
       while (rendering) {

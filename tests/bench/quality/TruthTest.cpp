@@ -53,7 +53,7 @@ TEST(PictureError, TellsInsideEdgesAndOutsideApart) {
   const Layer layer = white({8, 8});
   const Truth truth = truthOn({{{4.5, 4}, {12.5, 4}, {12.5, 12}, {4.5, 12}}}, layer);
   Layer picture{kCanvas, std::vector<float>(40 * 40)};
-  const auto paint = [&](int x, int y, float grey) { picture.grey[static_cast<std::size_t>(y * 40 + x)] = grey; };
+  const auto paint = [&](int x, int y, float grey) { picture.grey[std::size_t{40} * y + x] = grey; };
   for (const auto [x, y] : pixelsOf(host::Rect{5, 4, 12, 12})) {
     paint(x, y, 245);
   }
