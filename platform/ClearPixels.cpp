@@ -44,6 +44,10 @@ StorePolicy storePolicyFor(std::uint64_t world_bytes) {
 }
 
 void clearBytes(void* out, std::size_t count, [[maybe_unused]] StorePolicy policy) {
+  // memset may use a store with an empty mask, which still waits for the memory.
+  if (count == 0) {
+    return;
+  }
 #if defined(__x86_64__)
   if (policy == StorePolicy::NonTemporal && count >= kLeastNonTemporalBytes) {
     clearPastCaches(static_cast<std::byte*>(out), count);

@@ -190,7 +190,9 @@ Result<void> drawSamples(const TileSetting& setting, const TileLayer& layer, con
   const int top = layer.is_on_plane ? static_cast<int>(canvas.origin.y) : 0;
   const Result<Rect> rows = drawRows(job, {left, top, left + drawn.size.width, top + drawn.size.height}, canvas.rows);
   if (frame.guard && rows) {
-    copy(frame.guard->world(), drawn);
+    const int top_row = canvas.rows.begin;
+    const Size size{drawn.size.width, canvas.rows.end - top_row};
+    copy(partOf(frame.guard->world(), 0, top_row, size), partOf(drawn, 0, top_row, size));
   }
   frame.guard.reset();
   frame.worlds.clear();
@@ -221,13 +223,34 @@ void finishPiece(const FramePlan& plan, const Piece& piece, double half, const I
           piece.visible.top - grid.area.top, target);
 }
 
+bool contains(const Rect& outer, const Rect& inner) {
+  return outer.left <= inner.left && outer.top <= inner.top && inner.right <= outer.right &&
+         inner.bottom <= outer.bottom;
+}
+
+// Where a piece's whole grid can be drawn without a copy of the visible part afterwards: the frame's output, if that
+// has room for the rows that are not visible, which the module leaves alone.
+std::optional<ImageView> gridInOutput(const TileSetting& setting, const Piece& piece, const ImageView& target) {
+  const Rect& area = piece.grid.area;
+  const Rect& visible = piece.visible;
+  const Rect& canvas = setting.canvas;
+  const bool is_direct = target.data == setting.output.pixel(visible.left - canvas.left, visible.top - canvas.top);
+  const bool is_pixels = piece.grid.size() == Size{area.width(), area.height()};
+  if (!is_direct || !is_pixels || area.left != visible.left || area.right != visible.right || !contains(canvas, area)) {
+    return std::nullopt;
+  }
+  return partOf(setting.output, area.left - canvas.left, area.top - canvas.top, piece.grid.size());
+}
+
 // Draws the visible part of a piece into `target`.
 Result<void> drawPiece(const TileSetting& setting, const FramePlan& plan, const TileLayer& layer, const Piece& piece,
                        TileWorker& worker, const ImageView& target) {
   const Convention convention = conventionOf(plan);
   const bool is_in_place = piece.grid.samples == 1 && piece.grid.size() == target.size;
   ImageView drawn = target;
-  if (!is_in_place) {
+  if (const std::optional<ImageView> grid = gridInOutput(setting, piece, target)) {
+    drawn = *grid;
+  } else if (!is_in_place) {
     constexpr int kSide = kTileSide + 2 * kScanApron;
     if (Result<void> fitted = worker.samples.fit({kSide, kSide}, target.depth); !fitted) {
       return fitted;
