@@ -123,7 +123,7 @@ void measure(const Scene& scene, const Kind& kind, int quality, int rounds) {
   options.threads = 1;
   const auto rows = static_cast<std::ptrdiff_t>(host::bytesPerPixel(kind.depth)) * kFrame.width();
   const host::Size size{kFrame.width(), kFrame.height()};
-  const auto drawByHost = [&](bool is_independent) {
+  const auto draw_by_host = [&](bool is_independent) {
     options.canvas_independent = is_independent;
     const host::ConstImageView layer{pixelOf(source, 0, kFrame.y2 - 1), -rows, size, kind.depth};
     const host::ImageView output{pixelOf(target, 0, kFrame.y2 - 1), -rows, size, kind.depth};
@@ -132,7 +132,7 @@ void measure(const Scene& scene, const Kind& kind, int quality, int rounds) {
   };
 
   const std::array<std::function<void()>, 5> ways{
-      [&] { drawByHost(false); }, [&] { drawByHost(true); }, [&] { drawByPlugin(session, kFrame); },
+      [&] { draw_by_host(false); }, [&] { draw_by_host(true); }, [&] { drawByPlugin(session, kFrame); },
       [&] { drawTiles(session, 0, kFrame.y2 % kTile - kTile); }, [&] { drawTiles(session, -23, -41); }};
   std::array<std::vector<double>, ways.size()> seconds;
   for (int round = -1; round < rounds; ++round) {

@@ -42,8 +42,8 @@ void deliverPremultiplied(Magick::Image& image, const host::ImageView& output) {
 }
 
 Frame prepare(const Scene& scene, const host::ConstImageView& view, const host::ImageView& output) {
-  static const bool ready = (Magick::InitializeMagick(nullptr), true);
-  static_cast<void>(ready);
+  static const bool kReady = (Magick::InitializeMagick(nullptr), true);
+  static_cast<void>(kReady);
   const std::vector<unsigned char> channels = packed(view);
   const auto layer = std::make_shared<Magick::Image>(static_cast<std::size_t>(view.size.width),
                                                      static_cast<std::size_t>(view.size.height), "ARGB",
