@@ -52,7 +52,7 @@ class Sampler {
   }
 
  private:
-  template <bool cut>
+  template <bool kCut>
   void drawPixel(int x, int y, int samples) const {
     std::vector<double> sums(layers_.size());
     int covered = 0;
@@ -60,7 +60,7 @@ class Sampler {
       const auto row = map_.row(y + (j + 0.5) / samples);
       for (int i = 0; i < samples; ++i) {
         const double at = x + (i + 0.5) / samples;
-        if (cut && !row.covers(at)) {
+        if (kCut && !row.covers(at)) {
           continue;
         }
         ++covered;

@@ -90,6 +90,7 @@ TEST(Argument, FramePatternsPlaceTheNumber) {
   EXPECT_EQ(path("a#.png", 123), "a123.png");
   EXPECT_EQ(path("a%d.png", -3), "a-3.png");
   EXPECT_EQ(path("a.%04d.png", -3), "a.-003.png");
+  EXPECT_EQ(path("a.%09d.png", 7), "a.000000007.png");
   EXPECT_EQ(path("50%%.%03d", 1), "50%.001");
   EXPECT_EQ(path("still.png", 1), "still.png");
   EXPECT_EQ(FramePattern::literal("50%#.png").path(9), "50%#.png");

@@ -95,7 +95,12 @@ void writeConfig(const TestFolder& folder, const std::string& name, const std::s
                    rule +
                    ", pattern: \"*_cg*\", extension: \"*\"}\n  - !<Rule> {name: Default, colorspace: default}\n"
                    "displays:\n  d:\n    - !<View> {name: v, colorspace: ACEScg}\ncolorspaces:\n"
-                   "  - !<ColorSpace> {name: ACES2065-1}\n  - !<ColorSpace>\n    name: ACEScg\n"
+                   "  - !<ColorSpace> {name: ACES2065-1}\n"
+                   "  - !<ColorSpace> {name: doubled, to_scene_reference: !<MatrixTransform> "
+                   "{matrix: [2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 1]}}\n"
+                   "  - !<ColorSpace> {name: camera, to_scene_reference: !<ExponentTransform> "
+                   "{value: [2.2, 2.2, 2.2, 1]}}\n"
+                   "  - !<ColorSpace>\n    name: ACEScg\n"
                    "    to_scene_reference: !<MatrixTransform> {matrix: [0.6954522414, 0.1406786965, 0.1638690622,"
                    " 0, 0.0447945634, 0.8596711185, 0.0955343182, 0, -0.0055258826, 0.0040252103, 1.0015006723,"
                    " 0, 0, 0, 0, 1]}\n");
@@ -234,6 +239,16 @@ TEST(Colour, OutputsAreInWhatTheirFormatHoldsAndSaySo) {
     runWell(folder, "render " + std::string(c.command) + " -o " + c.output);
     EXPECT_EQ(told(folder, c.output).rfind(c.expected, 0), 0u) << c.output << ": " << told(folder, c.output);
   }
+  // OpenEXR gets linear light: a linear space of a config as it is, and any other in the config's scene-linear one.
+  writeConfig(folder, "aces.ocio");
+  const auto written = [&](const std::string& options) {
+    EXPECT_EQ(run(folder, "render p3.png -o light.exr " + options).code, 0);
+    return PixelFile::read(folder / "light.exr").at(2, 2)[0];
+  };
+  const double raw = written("--raw");
+  EXPECT_EQ(written("--ocio aces.ocio --colorspace-layer doubled"), raw);
+  EXPECT_GT(std::abs(written("--ocio aces.ocio --colorspace-layer camera") - raw), 0.02);
+  runWell(folder, "render p3.png -o light.exr");
   // There and back again, from 8 bits to half and back.
   runWell(folder, "render light.exr -o back.png --colorspace-out 'Display P3' --depth 8");
   EXPECT_LE(difference(folder / "back.png", folder / "p3.png"), 0.5 / 255.0);

@@ -209,6 +209,7 @@ Metadata statedByAll() {
   all.set(numbers<float, 3>("GPS:Longitude", "float[3]", {12, 15, 0}));
   all.set(numbers<std::int32_t, 2>("FramesPerSecond", "rational2i", {24000, 1001}));
   all.set(numbers<std::uint32_t, 2>("smpte:TimeCode", "timecode", {0x01020304, 0}));
+  all.set(numbers<std::int32_t, 7>("smpte:KeyCode", "keycode", {1, 2, 3, 4, 5, 6, 64}));
   return all;
 }
 
@@ -216,6 +217,9 @@ void expectSameAttribute(const Metadata& before, const Metadata& after, const st
   ASSERT_NE(after.find(name), nullptr) << name;
   EXPECT_EQ(before.text(name), after.text(name)) << name;
   EXPECT_EQ(before.floats(name), after.floats(name)) << name;
+  if (const Attribute& one = *before.find(name); one.type == "rational2i" || one.type == "keycode") {
+    EXPECT_EQ(one.bytes, after.find(name)->bytes) << name;
+  }
   // PNG counts whole pixels to the metre, and DPX and OpenEXR floats.
   EXPECT_NEAR(before.number(name).value_or(0.0), after.number(name).value_or(0.0), 1e-3) << name;
 }
@@ -242,7 +246,7 @@ TEST(PictureFile, AttributesPassAsFarAsTheFormatHoldsThem) {
   const std::pair<const char*, std::vector<Names>> held[] = {{"a.jpg", {exif, packets}},
                                                              {"a.tif", {exif, packets}},
                                                              {"a.png", {exif, packets}},
-                                                             {"a.exr", {exif, packets, film}},
+                                                             {"a.exr", {exif, packets, film, {"smpte:KeyCode"}}},
                                                              {"a.dpx", {{"Model", "Copyright", "DateTime"}, film}}};
   const host::Image image = sample(host::Depth::Bits8);
   const auto write = [&](const char* name, const Metadata& metadata) {
@@ -271,6 +275,9 @@ TEST(PictureFile, AttributesPassAsFarAsTheFormatHoldsThem) {
       }
     }
   }
+  Metadata whole_rate;
+  whole_rate.set(numbers<std::int32_t, 2>("FramesPerSecond", "rational2i", {24, 1}));
+  expectSameAttribute(whole_rate, write("a.exr", write("a.dpx", whole_rate)), "FramesPerSecond");
 }
 
 // What OpenEXR's own library and OpenImageIO write, under names that other formats do not have.

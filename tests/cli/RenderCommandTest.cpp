@@ -1,5 +1,6 @@
 // Stills, the test card and what the effect says of itself, through the built command.
 #include <OpenImageIO/imageio.h>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -95,6 +96,9 @@ TEST(RenderCommand, FitKeepsThePlaceOfTheOutput) {
   EXPECT_LE(spec.x, -22);
   EXPECT_EQ(spec.full_width, 200);
   EXPECT_EQ(spec.full_height, 150);
+  const std::string windows = fmt::format("\ndata window   {}x{} at {},{}\ndisplay window 200x150 at 0,0\n", spec.width,
+                                          spec.height, spec.x, spec.y);
+  EXPECT_NE(runWell(folder, "info fit.exr").out.find(windows), std::string::npos) << windows;
   // Read back in its display window it is the picture of the layer's own size.
   runWell(folder, "render fit.exr -o cropped.exr");
   runWell(folder, "render card.exr -o whole.exr" + corners);
@@ -183,7 +187,8 @@ TEST(RenderCommand, InfoShowsTheModuleAndTheInstructionSets) {
   EXPECT_EQ(info_under("export VANTOREL_SIMD=scalar;")["simd"][0],
             (nlohmann::json{{"name", "scalar"}, {"available", true}, {"active", true}}));
   const std::string text = runWell(folder, "info").out;
-  for (const char* part : {"Upper Left", "\nversion       2.0\n", "\nSIMD          scalar", "in use"}) {
+  for (const char* part :
+       {"Upper Left", "module        ", "\nversion       2.0\n", "\nSIMD          scalar", "in use"}) {
     EXPECT_NE(text.find(part), std::string::npos) << part;
   }
   EXPECT_NE(runWell(folder, "--version").out.find("vantorel "), std::string::npos);

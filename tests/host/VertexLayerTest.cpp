@@ -1,3 +1,4 @@
+#include "host/composing/VertexFactor.h"
 #include "host/composing/VertexLayer.h"
 
 #include <algorithm>
@@ -84,6 +85,26 @@ TEST(VertexLayerTest, EnlargedEightBitsAreNoDarkerOnTheWholeThanSixteen) {
     difference += channelAt(coarse.pixels, x, y, 1) - channelAt(fine.pixels, x, y, 1) / 257.0;
   }
   EXPECT_LT(std::abs(difference / (400 * 400)), 0.02);
+}
+
+TEST(VertexFactorTest, RisesWithTheEnlargementAndTheSamplesAsFarAsTheLayerAllows) {
+  struct Case {
+    int side;
+    double scale;
+    int samples;
+    int factor;
+  };
+  const Case cases[] = {{100, 1.0, 1, 1},   {100, 1.0, 4, 2},  {100, 3.9, 1, 2},  {100, 4.0, 1, 4},
+                        {128, 40.0, 1, 8},  {129, 40.0, 1, 4}, {256, 40.0, 1, 4}, {257, 40.0, 1, 2},
+                        {16383, 1.0, 4, 2}, {16384, 1.0, 4, 1}};
+  for (const auto& [side, scale, samples, factor] : cases) {
+    const double end = side * scale;
+    const Corners dart{{0.0, 0.0}, {end, 0.0}, {0.0, end}, {0.3 * end, 0.3 * end}};
+    const FramePlan plan(dart, {}, side, side, {side, side}, {.samples = samples});
+    EXPECT_EQ(vertexFactorFor({&plan, 1}), factor) << side << " by " << scale << " with " << samples;
+  }
+  const FramePlan perspective({{0, 0}, {9, 0}, {0, 9}, {9, 9}}, {}, 9, 9, {9, 9}, {});
+  EXPECT_EQ(vertexFactorFor({&perspective, 1}), 0);
 }
 
 }  // namespace

@@ -35,6 +35,8 @@ TEST(Matrix, BuildersAppendTheirTransform) {
   expectPoint(carried(m, {1, 1}), 2, 7);
   EXPECT_EQ(M_RotateMatrix(&m, 90, 4, -2), 0);
   expectPoint(carried(m, {1, 1}), -5, -4);
+  EXPECT_EQ(M_RotateMatrix(&m, 180, 4, -2), 0);
+  expectPoint(carried(m, {1, 1}), 13, 0);
   EXPECT_EQ(M_RotateMatrix(&m, 0, 4, -2), 0);
   const Point twice = carried(m, carried(m, {7, -5}));
   EXPECT_EQ(M_ConcatMatrix(&m, &m), 0);  // with itself

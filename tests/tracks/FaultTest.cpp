@@ -28,6 +28,7 @@ TEST(Faults, PointFormatsNameLineAndField) {
       {"2\na\n0\n2\n1 2 3\n", "track: line 5", "is truncated; expected 2 rows of 'a', found 1"},
       {"1\na\nred\n1\n1 2 3\n", "track: line 1", "no known format begins with"},
       {"\"a\"\n1\n2\n1 2 3 0\n", "track: line 4", "is truncated"},
+      {"\"a\"\n1\n1\n1 2\n", "track: line 4", "has 2 fields; expected 3 or more"},
       {"a 1 0.5 0.5 7\na 2 0.5 0.5\n", "track: line 2", "has 4 fields; expected 5"},
       {"# track_id view x y\na 0 1 2\na x 1 2\n", "track: line 3: frame", "'x' is not a number"},
       {"pointTrack \"a\" rgb( 1 2 3 ) {\n1 2 3 p+( 1 )\n2 4 }", "track: line 3: y", "'}' is not a number"},
@@ -53,6 +54,7 @@ TEST(Faults, NodesNameTheirPoint) {
       {"to1 {\n{width/2} 3}\n", "track: line 2: to1", "the expression 'width/2'"},
       {"to1 {{curve x1 2", "track: line 1: to1", "is truncated"},
       {"to1 {1 2} from1 {{frame} 0}", "track: line 1: from1", "reads 'frame'"},
+      {"to1 {1 2} to2 {3 4} to3 {5 6} to4 {7 8}\nfrom1 {0 0}\n", "track: line 3: from1", "is incomplete"},
       {"to1 {{curve x1 1 x1 2} {curve x1 3}}\n", "track: line 1: to1", "two keys on frame 1"},
   });
 }
@@ -74,6 +76,7 @@ TEST(Faults, JsonNamesLineAndField) {
   expectFault("{\"keys\": [" + jsonKey("1", "[0, 0]") + "],\n\"speed\": 3}", "track: line 2: speed", "unknown");
   expectFault("{\"units\": \"px\",\n\"units\": \"px\"}", "track: line 2: units", "appears twice");
   expectFault(keys(jsonKey("1", "[0, 0], \"ul\": [1, 1]")), "track: line 2: keys[0].ul", "appears twice");
+  expectFault(keys(jsonKey("1", "[0, 0], \"\\u0075l\": [1, 1]")), "track: line 2: keys[0].ul", "appears twice");
   expectFault(keys(jsonKey("1", "[0, 0]") + ",\n" + jsonKey("1", "[0, 0]")), "track: line 3: frame", "line 2 already");
   expectFault(keys(jsonKey("1", "[0,\n\"x\"]")), "track: line 3: keys[0].ul[1]", "not a number");
   expectFault(keys(jsonKey("1", "[0,\n70000\n]")), "track: line 2: frame 1: ", "70000 pixels is outside");

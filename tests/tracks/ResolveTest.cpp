@@ -106,6 +106,9 @@ TEST(Resolve, BoundsGapsAndTellsThem) {
   options.longest_gap = 0;
   EXPECT_NE(faultText(resolveText(lost, options)).find("line 3: ul: is missing on frames 2 to 2 (1), more than 0"),
             std::string::npos);
+  lost.replace(lost.find("2,,,"), 4, "2,0,0,");
+  EXPECT_NE(faultText(resolveText(lost, options)).find("line 5: ul: is missing on frames 4 to 4 (1), more than 0"),
+            std::string::npos);
 }
 
 TEST(Resolve, WarnsOfJumpsAndCrossings) {
@@ -173,6 +176,21 @@ TEST(Summary, CountsFramesGapsShapesAndSpeeds) {
   const std::string text = summaryText(summary);
   EXPECT_NE(text.find("without key frames 3-5\n"), std::string::npos) << text;
   EXPECT_NE(text.find("degenerate  none\n"), std::string::npos) << text;
+}
+
+TEST(Plot, DrawsPathsAndSpeedsToScale) {
+  const CornerTrack track = resolveText(squares({{1, 0}, {2, 10}, {3, 30}}))->track;
+  const auto expect_lines = [](const std::string& svg, std::initializer_list<const char*> lines) {
+    for (const char* line : lines) {
+      EXPECT_NE(svg.find(line), std::string::npos) << line << " in\n" << svg;
+    }
+  };
+  // 130x100 pixels of track fill the drawing's 880x460 from top to bottom.
+  expect_lines(plotSvg(track, {}), {"<polygon points=\" 181,40 641,40 641,500 181,500\"",
+                                    "<polygon points=\" 319,40 779,40 779,500 319,500\"",
+                                    "<polyline points=\" 641,500 687,500 779,500 779,500\"",
+                                    "<polyline points=\" 480,640 920,580\"", "up to 20 pixels a frame"});
+  expect_lines(plotSvg(track, kFrame), {"<polygon points=\" 71.11,40 888.89,40 888.89,500 71.11,500\""});
 }
 
 TEST(Plot, DrawsALinePerCornerAndStaysSmall) {

@@ -163,6 +163,21 @@ TEST(Samples, WhatAFormatCannotSayBetweenKeysIsWrittenOnEveryFrame) {
   }
 }
 
+TEST(Samples, CoordinatesMayHaveKeysOnDifferentFrames) {
+  const char* const curves = " {{curve x1 0 x4 30} {curve x2 8 x3 9}}\n";
+  std::string text;
+  for (const char* point : {"to1", "to2", "to3", "to4"}) {
+    text += point + std::string(curves);
+  }
+  const auto read = readText(text);
+  ASSERT_TRUE(read) << faultText(read);
+  std::vector<std::array<double, 3>> keys;
+  for (const CornerKey& key : read->track.keys) {
+    keys.push_back({key.frame, key.points[0].x, key.points[0].y});
+  }
+  EXPECT_EQ(keys, (std::vector<std::array<double, 3>>{{1, 0, 8}, {2, 10, 8}, {3, 20, 9}, {4, 30, 9}}));
+}
+
 TEST(Samples, FourFilesOfOnePointEach) {
   std::vector<std::string> texts;
   std::vector<TrackSource> sources;
