@@ -31,18 +31,18 @@ const Channel* channelsAt(const ConstImageView& view, int x, int y) {
 }
 
 // The means of fully covered pixels: first the sums of columns, then the sums along the row.
-template <typename Channel, int n>
+template <typename Channel, int kSamples>
 void averageSolid(const ConstImageView& samples, int x, int y, int count, Channel* out) {
   using Sum = std::conditional_t<std::is_floating_point_v<Channel>, float,
                                  std::conditional_t<sizeof(Channel) == 1, std::uint16_t, std::uint32_t>>;
-  constexpr int kGroup = n * kChannels;
+  constexpr int kGroup = kSamples * kChannels;
   std::array<Sum, std::size_t{kBatch} * kGroup> columns;
   const int values = count * kGroup;
   const Channel* row = channelsAt<Channel>(samples, x, y);
   for (int i = 0; i < values; ++i) {
     columns[static_cast<std::size_t>(i)] = static_cast<Sum>(row[i]);
   }
-  for (int r = 1; r < n; ++r) {
+  for (int r = 1; r < kSamples; ++r) {
     row = channelsAt<Channel>(samples, x, y + r);
     for (int i = 0; i < values; ++i) {
       columns[static_cast<std::size_t>(i)] = static_cast<Sum>(columns[static_cast<std::size_t>(i)] + row[i]);
@@ -53,25 +53,25 @@ void averageSolid(const ConstImageView& samples, int x, int y, int count, Channe
     for (int c = 0; c < kChannels; ++c) {
       if constexpr (std::is_floating_point_v<Channel>) {
         float sum = 0.0F;
-        for (int k = 0; k < n; ++k) {
+        for (int k = 0; k < kSamples; ++k) {
           sum += group[k * kChannels + c];
         }
-        out[c] = sum / static_cast<float>(n * n);
+        out[c] = sum / static_cast<float>(kSamples * kSamples);
       } else {
-        std::uint32_t sum = n * n / 2;
-        for (int k = 0; k < n; ++k) {
+        std::uint32_t sum = kSamples * kSamples / 2;
+        for (int k = 0; k < kSamples; ++k) {
           sum += group[k * kChannels + c];
         }
-        out[c] = static_cast<Channel>(sum / (n * n));
+        out[c] = static_cast<Channel>(sum / (kSamples * kSamples));
       }
     }
   }
 }
 
 // The rows of samples that make up one row of pixels.
-template <int n>
+template <int kSamples>
 struct SampleRows {
-  std::array<RowCoverage, std::size_t{n}> rows;
+  std::array<RowCoverage, std::size_t{kSamples}> rows;
   // Pixels of the row, counted from the first sample: [begin, end) are covered at least partly, [solid_begin,
   // solid_end) fully.
   int begin = 0;
@@ -81,7 +81,7 @@ struct SampleRows {
 
   SampleRows(const CoverageRegion& region, int first_row) {
     bool found = false;
-    for (int r = 0; r < n; ++r) {
+    for (int r = 0; r < kSamples; ++r) {
       RowCoverage& row = rows[static_cast<std::size_t>(r)];
       row = region.row(first_row + r);
       if (row.begin < row.end) {
@@ -108,15 +108,16 @@ struct SampleRows {
   }
 
  private:
-  static int floorDivided(int value) { return value >= 0 ? value / n : -((-value + n - 1) / n); }
+  static int floorDivided(int value) { return value >= 0 ? value / kSamples : -((-value + kSamples - 1) / kSamples); }
 };
 
-template <typename Channel, int n>
-void weightEdge(const ConstImageView& samples, int first_row, const SampleRows<n>& rows, int pixel, Channel* out) {
+template <typename Channel, int kSamples>
+void weightEdge(const ConstImageView& samples, int first_row, const SampleRows<kSamples>& rows, int pixel,
+                Channel* out) {
   std::array<double, kChannels> sums{};
-  for (int r = 0; r < n; ++r) {
+  for (int r = 0; r < kSamples; ++r) {
     const RowCoverage& coverage = rows.rows[static_cast<std::size_t>(r)];
-    for (int x = pixel * n; x < (pixel + 1) * n; ++x) {
+    for (int x = pixel * kSamples; x < (pixel + 1) * kSamples; ++x) {
       if (x < coverage.begin || x >= coverage.end) {
         continue;
       }
@@ -129,14 +130,14 @@ void weightEdge(const ConstImageView& samples, int first_row, const SampleRows<n
     }
   }
   for (std::size_t c = 0; c < kChannels; ++c) {
-    out[c] = rounded<Channel>(sums[c] / (n * n));
+    out[c] = rounded<Channel>(sums[c] / (kSamples * kSamples));
   }
 }
 
-template <typename Channel, int n>
+template <typename Channel, int kSamples>
 void resolveRow(const ConstImageView& samples, const CoverageRegion& region, int from_x, int sample_row, Channel* out,
                 int width) {
-  const SampleRows<n> rows(region, sample_row);
+  const SampleRows<kSamples> rows(region, sample_row);
   const auto inside = [&](int pixel) { return std::clamp(pixel - from_x, 0, width); };
   const int begin = inside(rows.begin);
   const int end = std::max(begin, inside(rows.end));
@@ -145,9 +146,9 @@ void resolveRow(const ConstImageView& samples, const CoverageRegion& region, int
   const auto at = [&](int x) { return out + x * kChannels; };
   std::memset(out, 0, sizeof(Channel) * static_cast<std::size_t>(begin) * kChannels);
   for (int x = begin; x < solid_begin; ++x) {
-    weightEdge<Channel, n>(samples, sample_row, rows, x + from_x, at(x));
+    weightEdge<Channel, kSamples>(samples, sample_row, rows, x + from_x, at(x));
   }
-  if constexpr (n == 1) {
+  if constexpr (kSamples == 1) {
     const Channel* const from = channelsAt<Channel>(samples, solid_begin + from_x, sample_row);
     if (from != at(solid_begin)) {
       std::memmove(at(solid_begin), from,
@@ -155,21 +156,22 @@ void resolveRow(const ConstImageView& samples, const CoverageRegion& region, int
     }
   } else {
     for (int x = solid_begin; x < solid_end; x += kBatch) {
-      averageSolid<Channel, n>(samples, (x + from_x) * n, sample_row, std::min(kBatch, solid_end - x), at(x));
+      averageSolid<Channel, kSamples>(samples, (x + from_x) * kSamples, sample_row, std::min(kBatch, solid_end - x),
+                                      at(x));
     }
   }
   for (int x = solid_end; x < end; ++x) {
-    weightEdge<Channel, n>(samples, sample_row, rows, x + from_x, at(x));
+    weightEdge<Channel, kSamples>(samples, sample_row, rows, x + from_x, at(x));
   }
   std::memset(at(end), 0, sizeof(Channel) * static_cast<std::size_t>(width - end) * kChannels);
 }
 
-template <typename Channel, int n>
+template <typename Channel, int kSamples>
 void resolveAll(const ConstImageView& samples, const CoverageRegion& region, int from_x, int from_y,
                 const ImageView& output) {
   for (int y = 0; y < output.size.height; ++y) {
-    resolveRow<Channel, n>(samples, region, from_x, (y + from_y) * n, reinterpret_cast<Channel*>(output.row(y)),
-                           output.size.width);
+    resolveRow<Channel, kSamples>(samples, region, from_x, (y + from_y) * kSamples,
+                                  reinterpret_cast<Channel*>(output.row(y)), output.size.width);
   }
 }
 

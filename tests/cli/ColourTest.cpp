@@ -245,6 +245,15 @@ TEST(Colour, OutputsAreInWhatTheirFormatHoldsAndSaySo) {
     EXPECT_EQ(run(folder, "render p3.png -o light.exr " + options).code, 0);
     return PixelFile::read(folder / "light.exr").at(2, 2)[0];
   };
+  written("--ocio aces.ocio --colorspace-layer ACEScg");
+  std::array<float, 8> primaries{};
+  OIIO::ImageInput::open(folder / "light.exr")
+      ->spec()
+      .getattribute("chromaticities", OIIO::TypeDesc(OIIO::TypeDesc::FLOAT, 8), primaries.data());
+  const std::array<float, 6> ap1{0.713f, 0.293f, 0.165f, 0.83f, 0.128f, 0.044f};
+  for (std::size_t i = 0; i < ap1.size(); ++i) {
+    EXPECT_NEAR(primaries[i], ap1[i], 0.01) << i;  // adapted from D60 to D65
+  }
   const double raw = written("--raw");
   EXPECT_EQ(written("--ocio aces.ocio --colorspace-layer doubled"), raw);
   EXPECT_GT(std::abs(written("--ocio aces.ocio --colorspace-layer camera") - raw), 0.02);

@@ -275,6 +275,11 @@ TEST(PictureFile, AttributesPassAsFarAsTheFormatHoldsThem) {
       }
     }
   }
+  Metadata position;
+  for (const char* name : {"GPS:Latitude", "GPS:LatitudeRef"}) {
+    position.set(*all.find(name));
+  }
+  expectSameAttribute(position, write("a.tif", position), "GPS:Latitude");
   Metadata whole_rate;
   whole_rate.set(numbers<std::int32_t, 2>("FramesPerSecond", "rational2i", {24, 1}));
   expectSameAttribute(whole_rate, write("a.exr", write("a.dpx", whole_rate)), "FramesPerSecond");
@@ -374,6 +379,12 @@ TEST(HalfConversion, EveryHalfAndFloatsOfAllKindsKeepTheirBits) {
     toHalf(reinterpret_cast<const std::byte*>(&bits[i]), host::Depth::Float, 1, &alone);
     ASSERT_EQ(alone, converted[i]) << "float of bits " << bits[i];
   }
+  // Rows of integers, longer than what is converted at a time.
+  const auto* const bytes = reinterpret_cast<const std::byte*>(bits.data());
+  toFloat(bytes, host::Depth::Bits16, kCount, floats.data());
+  toHalf(reinterpret_cast<const std::byte*>(floats.data()), host::Depth::Float, kCount, halves.data());
+  toHalf(bytes, host::Depth::Bits16, kCount, converted.data());
+  EXPECT_EQ(halves, converted);
 }
 
 }  // namespace
