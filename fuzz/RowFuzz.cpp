@@ -107,11 +107,8 @@ void compareSets(ScriptedHost& host, const KZFX_PerspectiveInfo& info, std::int3
 
 void fuzzRows(Input& input) {
   ScriptedHost host;
-  KZFX_PerspectiveInfo info;
-  info.out_width = input.inRange(0, kMaxRow);
-  info.out_height = input.inRange(1, kMaxRow);
-  info.out_width_d = info.out_width;
-  info.out_height_d = info.out_height;
+  const int width = input.inRange(0, kMaxRow);
+  KZFX_PerspectiveInfo info = perspectiveInfo(host, width, input.inRange(1, kMaxRow));
   for (auto& row : info.quad_to_unit.m) {
     for (double& entry : row) {
       entry = input.real();
@@ -123,9 +120,6 @@ void fuzzRows(Input& input) {
   info.bound_bottom = input.real();
   info.x_scale = input.real();
   info.y_scale = input.real();
-  info.input_world = &host.input.world;
-  info.effect_ref = host.in.effect_ref;
-  info.sample_8 = host.utilities.sample_area_8;
   const std::int32_t x = input.inRange(0, 200) - 100;
   const std::int32_t y = input.inRange(0, 200) - 100;
   compareSets<SamplingQuality::Standard>(host, info, x, y);

@@ -85,21 +85,6 @@ Row referenceRow(const KZFX_PerspectiveInfo& r, bool high, std::int32_t x, std::
 
 // ---- The samplers under test ---------------------------------------------------------------------------------------
 
-KZFX_PerspectiveInfo infoFor(ScriptedHost& host, int width, int height) {
-  KZFX_PerspectiveInfo info;
-  info.out_width_d = info.out_width = width;
-  info.out_height_d = info.out_height = height;
-  info.bound_left = info.bound_top = -1e9;
-  info.bound_right = info.bound_bottom = 1e9;
-  info.input_world = &host.input.world;
-  info.effect_ref = host.in.effect_ref;
-  info.sample_8 = host.utilities.sample_area_8;
-  info.sample_16 = host.utilities.sample_area_16;
-  info.sample_float =
-      static_cast<const PF_SamplingFloatSuite1*>(host.suites["PF SamplingFloat Suite/1"])->sample_area_float;
-  return info;
-}
-
 // Runs `trace` over a row and compares with the reference to the bit; nothing past the row is written.
 template <typename Pixel, typename Trace>
 void checkRow(ScriptedHost& host, const Row& expected, Trace trace) {
@@ -153,7 +138,7 @@ double someEntry(int kind) {
 
 RC_GTEST_PROP(RowSamplers, EqualTheirDefinitionToTheBit, ()) {
   ScriptedHost host;
-  KZFX_PerspectiveInfo info = infoFor(host, *rc::gen::inRange(0, 300), *rc::gen::inRange(1, 300));
+  KZFX_PerspectiveInfo info = perspectiveInfo(host, *rc::gen::inRange(0, 300), *rc::gen::inRange(1, 300));
   // Kinds 0 to 2 are those of the entries; kind 3 has any positions with divisors on the grid.
   const int kind = *rc::gen::inRange(0, 4);
   for (int i = 0; i < 9; ++i) {
@@ -178,7 +163,7 @@ RC_GTEST_PROP(RowSamplers, EqualTheirDefinitionOnQuadrilaterals, ()) {
   ScriptedHost host;
   const int width = *rc::gen::inRange(300, 2000);
   const int height = *rc::gen::inRange(100, 1100);
-  KZFX_PerspectiveInfo info = infoFor(host, width, height);
+  KZFX_PerspectiveInfo info = perspectiveInfo(host, width, height);
   // Corners on whole pixels, on fractions, or beside a rectangle; the map must exist.
   const double grid = *rc::gen::element(1.0, 65536.0, 10.0);
   const double spread = *rc::gen::element(0.0, 0.3, 2.0);
@@ -209,7 +194,7 @@ TEST(RowSamplers, WholeFramesEqualTheScalarComputation) {
                 {{{-299.7, -200.1}, {5001.3, -2500.9}, {5501.1, 3000.7}, {-279.9, 330.1}}, 3.7}};
   for (auto& frame : frames) {
     ScriptedHost host;
-    KZFX_PerspectiveInfo info = infoFor(host, 1920, 1080);
+    KZFX_PerspectiveInfo info = perspectiveInfo(host, 1920, 1080);
     ASSERT_EQ(KZFX_MapUnitSquareToFromQuad(frame.quad, &info.quad_to_unit, 0), 1);
     info.x_scale = info.y_scale = frame.scale;
     std::vector<PF_Pixel8> row(1920);
@@ -229,7 +214,7 @@ TEST(RowSamplers, WholeFramesEqualTheScalarComputation) {
 
 TEST(RowSamplers, PixelsByTheVanishingLineVisitNoNeighbours) {
   ScriptedHost host;
-  KZFX_PerspectiveInfo info = infoFor(host, 200, 100);
+  KZFX_PerspectiveInfo info = perspectiveInfo(host, 200, 100);
   // Divisors (x + 1) / 4 - 30 and, a row below, 1 / 4 more: pixels 117 to 119 have one that is 0. Stepping to the row
   // below and back loses digits of u.
   const double rows[3][3] = {{0.01 / 3, 0.02 / 3, 0.25}, {1e12 / 3, 1e12 / 7, 0.25}, {0.1 / 3, 0.1 / 7, -30}};

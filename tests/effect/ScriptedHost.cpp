@@ -305,3 +305,18 @@ std::int32_t ScriptedHost::called(const std::string& callback, const std::string
   }
   return code;
 }
+
+KZFX_PerspectiveInfo perspectiveInfo(ScriptedHost& host, int width, int height) {
+  KZFX_PerspectiveInfo info;
+  info.out_width_d = info.out_width = width;
+  info.out_height_d = info.out_height = height;
+  info.bound_left = info.bound_top = -1e9;
+  info.bound_right = info.bound_bottom = 1e9;
+  info.input_world = &host.input.world;
+  info.effect_ref = host.in.effect_ref;
+  info.sample_8 = host.utilities.sample_area_8;
+  info.sample_16 = host.utilities.sample_area_16;
+  info.sample_float =
+      static_cast<const PF_SamplingFloatSuite1*>(host.suites["PF SamplingFloat Suite/1"])->sample_area_float;
+  return info;
+}

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "effect/perspective/PerspectiveInfo.h"
 #include "tests/effect/GuardedWorld.h"
 
 using Log = std::vector<std::string>;
@@ -97,6 +98,9 @@ class ScriptedHost {
   std::map<std::string, std::function<std::int32_t(int)>> failures_;
   std::string out_at_first_;
 };
+
+// What the row samplers need of this host, with a reject box that rejects nothing; the map and its scale are left open.
+KZFX_PerspectiveInfo perspectiveInfo(ScriptedHost& host, int width, int height);
 
 // What reading the four corner parameters, and asking for the output's depth, leave in the log.
 extern const Log kReadCorners;

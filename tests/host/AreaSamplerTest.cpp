@@ -27,6 +27,9 @@ bool sameBits(const Pixel& a, const Pixel& b) {
   return std::memcmp(&a, &b, sizeof(Pixel)) == 0;
 }
 
+constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
+
 struct Box {
   std::int32_t x;
   std::int32_t y;
@@ -69,24 +72,13 @@ Box randomBox(std::mt19937& random, Size size) {
     const std::int32_t fixed = static_cast<std::int32_t>(random() % ((length + 24) * 65536u)) - 12 * 65536;
     return random() % 4 == 0 ? fixed & ~65535 : random() % 4 == 0 ? fixed | 32768 : fixed;
   };
-  const auto radius = [&]() -> std::int32_t {
-    switch (random() % 10) {
-      case 0:
-        return 32768;
-      case 1:
-        return 1 + random() % 32768;
-      case 2:
-        return 32768 + random() % 32768;
-      case 3:
-        return 1 + random() % (40 * 65536);
-      case 4:
-        return random() >> 1 | 1;
-      case 5:
-      case 6:
-        return 65536 + random() % 32769;
-      default:
-        return 65536 + random() % (8 * 65536);
-    }
+  // From the smallest to the largest; small boxes are drawn most often.
+  constexpr std::pair<std::int32_t, std::int32_t> kRadii[] = {
+      {32768, 32768}, {1, 32768},     {32768, 65535},     {1, 40 * 65536},    {1, kMax},
+      {65536, 98304}, {65536, 98304}, {65536, 9 * 65536}, {65536, 9 * 65536}, {65536, 9 * 65536}};
+  const auto radius = [&] {
+    const auto& [smallest, largest] = kRadii[random() % std::size(kRadii)];
+    return static_cast<std::int32_t>(smallest + random() % (std::int64_t{largest} - smallest + 1));
   };
   return {position(size.width), position(size.height), radius(), radius()};
 }
@@ -136,8 +128,6 @@ TYPED_TEST(AreaSamplerTest, HalvesAreRoundedUp) {
 TYPED_TEST(AreaSamplerTest, EndsOfTheRangeAndBadArgumentsGiveTransparentPixels) {
   Image image = noise({4, 4}, kDepthOf<TypeParam>);
   PF_LayerDef world = worldOf(image.view());
-  constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
-  constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
   const TypeParam transparent{};
   for (const InstructionSet set : availableSets()) {
     const auto sample = samplerOf<TypeParam>(set);

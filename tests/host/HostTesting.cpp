@@ -69,6 +69,10 @@ Image dirty(Size size, Depth depth) {
   return image;
 }
 
+ConstImageView partOf(const ConstImageView& view, const Rect& part) {
+  return {view.pixel(part.left, part.top), view.row_bytes, {part.width(), part.height()}, view.depth};
+}
+
 bool samePixels(const ConstImageView& a, const ConstImageView& b) {
   if (a.size != b.size || a.depth != b.depth) {
     return false;

@@ -48,6 +48,9 @@ Image waves(Size size, Depth depth, double wavelength);
 // A picture of which every byte is set, for output that must be overwritten.
 Image dirty(Size size, Depth depth);
 
+// A view of a part, which lies inside.
+ConstImageView partOf(const ConstImageView& view, const Rect& part);
+
 bool samePixels(const ConstImageView& a, const ConstImageView& b);
 bool samePixels(const Image& a, const Image& b);
 

@@ -210,8 +210,7 @@ TEST(RenderTest, WorldsWiderThanSixteenBitsAreDrawnToTheirEnd) {
   const Image layer = noise({16, 4}, Depth::Bits8);
   Instance instance = instanceWith(effect(), rectangle(32740, 0, 32756, 4));
   const Frame frame = renderFrame(instance, layer, {0, 0, 40000, 4});
-  const ConstImageView whole = frame.pixels.view();
-  EXPECT_TRUE(samePixels(layer.view(), {whole.pixel(32740, 0), whole.row_bytes, {16, 4}, Depth::Bits8}));
+  EXPECT_TRUE(samePixels(layer.view(), partOf(frame.pixels.view(), {32740, 0, 32756, 4})));
 }
 
 }  // namespace

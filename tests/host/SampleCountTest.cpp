@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+#include "tests/Pixels.h"
+
 namespace vantorel::host {
 namespace {
 
@@ -14,25 +16,24 @@ Jacobian turned(double degrees, double scale) {
 
 // The variance of the samples' filter along a direction, from the filter itself: box by box, sample by sample.
 double measuredError(const Jacobian& j, int n, double angle) {
+  const double ex = std::cos(angle);
+  const double ey = std::sin(angle);
+  // Of the middles of a pixel's `steps` by `steps` parts.
+  const auto variance = [&](int steps) {
+    double sum = 0.0;
+    for (const auto [column, row] : pixelsOf(steps, steps)) {
+      const double x = (column + 0.5) / steps - 0.5;
+      const double y = (row + 0.5) / steps - 0.5;
+      sum += std::pow(ex * (j.xx * x + j.xy * y) + ey * (j.yx * x + j.yy * y), 2);
+    }
+    return sum / (steps * steps);
+  };
   const auto side = [&](double a, double b) {
     return std::min(16.0, std::max({std::abs(a) / n, std::abs(b) / n, std::abs(a + b) / n, 1.0}));
   };
-  const double ex = std::cos(angle);
-  const double ey = std::sin(angle);
-  constexpr int kSteps = 200;
-  double samples = 0.0;
-  double truth = (ex * ex + ey * ey) / 6.0;
-  for (int i = 0; i < n * n; ++i) {
-    const double x = (i % n + 0.5) / n - 0.5;
-    const double y = (i / n + 0.5) / n - 0.5;
-    samples += std::pow(ex * (j.xx * x + j.xy * y) + ey * (j.yx * x + j.yy * y), 2) / (n * n);
-  }
-  samples += ex * ex * (std::pow(side(j.xx, j.xy), 2) + 1) / 12 + ey * ey * (std::pow(side(j.yx, j.yy), 2) + 1) / 12;
-  for (int i = 0; i < kSteps * kSteps; ++i) {
-    const double x = (i % kSteps + 0.5) / kSteps - 0.5;
-    const double y = (i / kSteps + 0.5) / kSteps - 0.5;
-    truth += std::pow(ex * (j.xx * x + j.xy * y) + ey * (j.yx * x + j.yy * y), 2) / (kSteps * kSteps);
-  }
+  const double samples = variance(n) + ex * ex * (std::pow(side(j.xx, j.xy), 2) + 1) / 12 +
+                         ey * ey * (std::pow(side(j.yx, j.yy), 2) + 1) / 12;
+  const double truth = variance(200) + (ex * ex + ey * ey) / 6.0;
   return (samples - truth) / truth;
 }
 

@@ -2,39 +2,31 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
 namespace vantorel::host {
 namespace {
 
-// How often each row was run, by runs that run another in every row.
-struct Counts {
-  explicit Counts(WorkerPool& shared, std::size_t rows, int depth) : pool(shared), seen(rows), nesting(depth) {}
-
-  static void run(void* data, std::int32_t begin, std::int32_t end) {
-    Counts& counts = *static_cast<Counts*>(data);
+// Whether each row from 3 on is run once, and so are those that every row runs in its turn, `depth` times over.
+bool runsEachRowOnce(WorkerPool& pool, std::int32_t rows, unsigned threads, int depth) {
+  struct Pass {
+    WorkerPool& pool;
+    int depth;
+    std::vector<std::atomic<int>> times;
+  } pass{pool, depth, std::vector<std::atomic<int>>(static_cast<std::size_t>(rows))};
+  const auto run = [](void* data, std::int32_t begin, std::int32_t end) {
+    Pass& of = *static_cast<Pass*>(data);
     for (std::int32_t y = begin; y < end; ++y) {
-      ++counts.seen[static_cast<std::size_t>(y)];
-      if (counts.nesting > 0) {
-        EXPECT_TRUE(runAndCheck(counts.pool, 10, 0, counts.nesting - 1));
-      }
+      ++of.times[static_cast<std::size_t>(y)];
+      EXPECT_TRUE(of.depth == 0 || runsEachRowOnce(of.pool, 10, 0, of.depth - 1));
     }
-  }
-
-  // Whether rows 3 and up were run once each.
-  static bool runAndCheck(WorkerPool& pool, std::int32_t rows, unsigned threads, int depth) {
-    Counts counts(pool, static_cast<std::size_t>(rows), depth);
-    pool.run(3, rows, threads, {run, &counts});
-    for (std::size_t y = 0; y < counts.seen.size(); ++y) {
-      if (counts.seen[y] != (y < 3 ? 0 : 1)) {
-        return false;
-      }
-    }
-    return true;
-  }
-
-  WorkerPool& pool;
-  std::vector<std::atomic<int>> seen;
-  int nesting;
-};
+  };
+  pool.run(3, rows, threads, {run, &pass});
+  const auto third = pass.times.begin() + 3;
+  return std::all_of(pass.times.begin(), third, [](int times) { return times == 0; }) &&
+         std::all_of(third, pass.times.end(), [](int times) { return times == 1; });
+}
 
 TEST(WorkerPoolTest, RunsEveryRowOnceForManyCallersAndInsideOfRows) {
   WorkerPool pool;
@@ -44,7 +36,7 @@ TEST(WorkerPoolTest, RunsEveryRowOnceForManyCallersAndInsideOfRows) {
   for (int i = 0; i < 4; ++i) {
     callers.emplace_back([&, i] {
       for (int repeat = 0; repeat < 50; ++repeat) {
-        right += Counts::runAndCheck(pool, 40 + repeat, static_cast<unsigned>(i), i % 2);
+        right += runsEachRowOnce(pool, 40 + repeat, static_cast<unsigned>(i), i % 2);
       }
     });
   }
