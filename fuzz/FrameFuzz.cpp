@@ -1,6 +1,6 @@
 // Fuzzes whole frames through the module's entry: sizes, strides, origins, resolutions, hints, corners, depth, quality,
-// protocol, rectangles of the host's and failures of its callbacks, all from the input. Nothing around the pixels of a
-// world is touched, and whatever happens, what the effect took it gives back.
+// protocol, the host's rectangles and failures of its callbacks, all from the input. Nothing around the pixels of a
+// world is touched, and whatever happens, the effect gives back what it took.
 #include <cstddef>
 #include <cstdint>
 

@@ -43,7 +43,7 @@ class Pixels {
         view{bytes_.data() + kGuardBytes, static_cast<std::ptrdiff_t>(row_bytes_), size, depth} {
     if (input.inRange(0, 31) == 0) {
       view.row_bytes = input.number() % (view.row_bytes + 1);
-      // Rows that go up in memory are allowed, and begin with the last: any step as long as a row stays in the buffer.
+      // Rows may be stored bottom up; the top one is then so far behind that all stay in the buffer.
       view.data -= view.row_bytes < 0 ? view.row_bytes * std::max(size.height - 1, 0) : 0;
     }
     if (input.inRange(0, 31) == 0 && view.row_bytes >= 0) {

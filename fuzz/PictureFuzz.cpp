@@ -27,7 +27,7 @@ constexpr const char* kEndings[] = {".png", ".jpg", ".tif", ".exr", ".dpx"};
 class OwnFolder {
  public:
   OwnFolder() : path_(std::filesystem::temp_directory_path() / ("vantorel-fuzz-" + std::to_string(::getpid()))) {
-    // What a file may state, so that no input takes long for being large.
+    // Limits what a file may claim, so that no input takes long because it is large.
     ::setenv("VANTOREL_MAX_MEGAPIXELS", "0.5", 1);
     std::filesystem::create_directories(path_);
   }
@@ -58,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   try {
     const cli::Picture picture = cli::readPicture(path, static_cast<host::Depth>(8 << choice / 5), {});
     require(picture.pixels.size() == picture.info.size, "a picture has the size that its file states");
-    // Every byte is there to be read.
+    // Every byte can be read.
     const host::ConstImageView view = picture.pixels.view();
     std::uint8_t all = 0;
     for (int y = 0; y < view.size.height; ++y) {

@@ -73,7 +73,7 @@ TEST(ProjectiveMap, InverseExistsForProperQuadsAlone) {
   // In line but for the rounding of their coordinates.
   EXPECT_FALSE(inverseExists({{{30000.1, 20000.2}, {30001.2, 20001.3}, {30002.3, 20002.4}, {0, 10}}}));
   EXPECT_FALSE(inverseExists({{{0, 0}, {std::nan(""), 0}, {9, 9}, {0, 9}}}));
-  // The sides of this one meet in the origin, which so maps to infinity.
+  // The sides of this one meet in the origin, which therefore maps to infinity.
   EXPECT_FALSE(inverseExists({{{-1, 1}, {1, 1}, {2, 2}, {-2, 2}}}));
   Quad collinear = {{{20, 0}, {0, 0}, {0, 10}, {0, 20}}};
   Quad square = {{{0, 0}, {1, 0}, {1, 1}, {0, 1}}};

@@ -17,7 +17,7 @@ bool sameBits(double a, double b) {
   return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
 }
 
-// A number of any bits, of few bits so that rests of steps come out as halves of a last digit, or beside a power of
+// A number of any bits, one of few bits, so that steps leave remainders of half a last digit, or one beside a power of
 // two.
 double someNumber(int exponent) {
   const double bits = std::ldexp(*rc::gen::arbitrary<std::int32_t>(), -31);
@@ -35,7 +35,7 @@ double someNumber(int exponent) {
 
 }  // namespace
 
-// Whether it takes ranges as wholes or not, the map has the values that it would have step by step.
+// Whether it takes a range at once or not, the map has the values that it would have step by step.
 RC_GTEST_PROP(IncrementalMap, EqualsItsStepsToTheBit, ()) {
   const int exponent = *rc::gen::inRange(-30, 30);
   const auto step_exponent = [&] { return exponent - *rc::gen::inRange(0, 60); };

@@ -183,8 +183,8 @@ RC_GTEST_PROP(RowSamplers, EqualTheirDefinitionOnQuadrilaterals, ()) {
   checkAllSamplers(host, info, 0, *rc::gen::inRange(0, height));
 }
 
-// Millions of pixels, a few of which lie so near the half of 1/65536 pixel that only exact quotients round them as they
-// should be.
+// Millions of pixels, a few of which lie so near the half of 1/65536 pixel that only exact quotients are rounded
+// correctly.
 TEST(RowSamplers, WholeFramesEqualTheScalarComputation) {
   struct {
     M_Vector2T<double> quad[4];

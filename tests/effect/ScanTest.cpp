@@ -66,7 +66,7 @@ int largestDifference(const Picture& a, const Picture& b) {
   return largest;
 }
 
-// What a layer of kWidth x kHeight pixels leaves of an output of 10 x 8 pixels that held `before`.
+// An output of 10 x 8 pixels that held `before`, with a layer of kWidth x kHeight pixels drawn over it.
 template <typename Function>
 Picture drawn(int depth, Function gray, Corners source, Corners corners, int before = 0) {
   GuardedWorld input(depth, kWidth, kHeight);
@@ -256,8 +256,8 @@ TEST(Scan, AnUnmirroredPictureReadsTheLayerAlone) {
   }
 }
 
-// Whole frames against pixels that are known otherwise: those of the definition where the bilinear renderer draws a
-// crossed quadrilateral, and the samples in their order where the perspective renderer draws.
+// Whole frames against pixels that are known by other means: where the bilinear renderer draws a crossed quadrilateral,
+// those of the definition, and where the perspective renderer draws, the samples in their order.
 TEST(Render, EveryDepthRendererQualityAndProtocol) {
   for (int combination = 0; combination < 24; ++combination) {
     const int depth = 8 << combination / 8;

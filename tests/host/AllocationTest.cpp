@@ -73,7 +73,7 @@ TEST(AllocationTest, AnAllocationThatFailsIsAnErrorAndLeavesNothingBroken) {
   }
 }
 
-// Kilobytes of the process that are in memory.
+// The process's resident memory in kilobytes.
 long residentSize() {
   std::ifstream statm("/proc/self/statm");
   long whole = 0;

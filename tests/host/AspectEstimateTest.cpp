@@ -35,7 +35,7 @@ TEST(AspectEstimateTest, FindsTheProportionsOfARectangleSeenAskew) {
   }
 }
 
-TEST(AspectEstimateTest, SaysWhenThePictureDoesNotTell) {
+TEST(AspectEstimateTest, SaysWhereThePictureDoesNotDetermineIt) {
   const AspectEstimate straight = estimateAspect({{100, 100}, {1300, 100}, {100, 700}, {1300, 700}}, kPicture);
   EXPECT_TRUE(straight.is_reliable);
   EXPECT_DOUBLE_EQ(2.0, straight.aspect);

@@ -39,10 +39,10 @@ AnimatedCorners moving(const Corners& from, const Corners& to, double begin = 0.
 const std::shared_ptr<const Module>& effect();
 const std::shared_ptr<const Module>& checkedEffect();
 
-// A picture of bytes that repeat for a seed; floats from 0 to 1.
+// A random picture, the same for the same seed; floats from 0 to 1.
 Image noise(Size size, Depth depth, unsigned seed = 1);
 
-// Opaque smooth waves of a wavelength in pixels, which a picture shrunk by less than that still holds.
+// Opaque, smooth waves of that length in pixels; a picture shrunk by less than that still shows them.
 Image waves(Size size, Depth depth, double wavelength);
 
 // A picture of which every byte is set, for output that must be overwritten.

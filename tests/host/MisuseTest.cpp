@@ -117,7 +117,7 @@ std::int32_t useWorlds(const Call& call) {
   return at(4, 3).blue == 4 && at(3, 2).alpha == 1 && at(2, 2).alpha == 0 && at(4, 1).blue == 0 ? ERR_NONE : 1001;
 }
 
-// The result is the length of what fits behind the message's first 200 bytes.
+// The result is the length of what fits after the message's first 200 bytes.
 std::int32_t sendEndlessMessage(const Call& call) {
   const std::string endless(5000, 'm');
   call.out->out_flags |= OUT_FLAG_SHOW_MESSAGE;

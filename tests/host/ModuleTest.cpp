@@ -7,7 +7,7 @@
 namespace vantorel::host {
 namespace {
 
-TEST(ModuleTest, TellsAboutTextVersionCapabilitiesAndParameters) {
+TEST(ModuleTest, ReportsAboutTextVersionCapabilitiesAndParameters) {
   const ModuleInfo& info = checkedEffect()->info();
   EXPECT_EQ(0u, info.about.find("Vantorel, v2.0\n\n"));
   EXPECT_EQ("2.0", info.version);

@@ -49,7 +49,7 @@ FrameOptions optionsOf(const Scene& scene, int quality, int samples) {
   return options;
 }
 
-// The layer with every byte set outside of a part: not a number, in float.
+// The layer with every bit set outside a part, which in float is not a number.
 Image poisonedOutside(const Rect& part, const Image& layer) {
   Image poisoned = *Image::create(layer.size(), layer.depth());
   const std::size_t pixel = bytesPerPixel(layer.depth());
@@ -77,7 +77,7 @@ TEST(PartTest, IsThatPartOfTheWholeAndNeedsAPartOfTheLayer) {
       Instance instance = instanceOf(scene);
       const Image whole = renderFrame(instance, layer, kWhole, options).pixels;
       options.threads = 4;
-      // Another layer leaves what is kept from frame to frame useless, as does what a part does not need.
+      // Neither what an instance keeps of another layer nor what a part does not need may show.
       Image other = noise({120, 90}, depth, 2);
       Instance drawn_before = instanceOf(scene);
       renderFrame(drawn_before, other, kWhole, options);
@@ -102,7 +102,7 @@ TEST(PartTest, IsThatPartOfTheWholeAndNeedsAPartOfTheLayer) {
   EXPECT_LT(needed_pixels, all_pixels / 2);
 }
 
-// One corner alone lies beyond what the effect's numbers hold at 8 samples a pixel, and not at 2.
+// One corner alone is too far away for 16.16 numbers at 8 samples a pixel; at 2 it fits.
 TEST(PartTest, OneCornerFarAwayIsDrawnWithManySamplesToo) {
   const Image layer = waves({120, 90}, Depth::Bits8, 30);
   constexpr Point kNear[] = {{-10, -8}, {70, -8}, {-10, 50}, {70, 50}};

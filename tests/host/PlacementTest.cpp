@@ -51,7 +51,7 @@ TEST(PlacementTest, EnlargedEdgesLandWhereTheyBelongOnBothPaths) {
   }
 }
 
-TEST(PlacementTest, ALayerMovedByWholePixelsOrNoneStaysItselfToTheBit) {
+TEST(PlacementTest, ALayerMovedByWholePixelsOrNoneKeepsItsBits) {
   const FrameOptions kinds[] = {{},
                                 {.samples = 4},
                                 {.quality = Quality::Best},

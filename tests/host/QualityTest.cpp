@@ -19,7 +19,7 @@ double layerAt(const Image& layer, const Point& at, int channel) {
   return is_inside ? channelAt(layer, x, y, channel) : 0.0;
 }
 
-// Of the layer on these corners, with channels from 0 to 255.
+// The layer on these corners, with channels from 0 to 255.
 Image truth(const Image& layer, const Corners& corners, Size size) {
   Image picture = dirty(size, Depth::Float);
   const Corners outline = rectangle(0, 0, layer.size().width, layer.size().height);

@@ -79,7 +79,7 @@ TEST(RequestTest, EachArgumentThatCannotBeServedIsNamed) {
   EXPECT_EQ("layer", Instance(checkedEffect()).boundingBox({0, 3}, {}).error().input);
 }
 
-TEST(RequestTest, CornersMustBeNumbersThatSixteenSixteenHolds) {
+TEST(RequestTest, CornersMustBeNumbersThatFitSixteenSixteen) {
   Instance instance(checkedEffect());
   for (const double bad : {32768.0, -32768.001, std::nan(""), HUGE_VAL}) {
     const auto refused = instance.setCorners(Corners{{0, 0}, {1, 0}, {0, bad}, {1, 1}});

@@ -18,7 +18,7 @@ Jacobian turned(double degrees, double scale) {
 double measuredError(const Jacobian& j, int n, double angle) {
   const double ex = std::cos(angle);
   const double ey = std::sin(angle);
-  // Of the middles of a pixel's `steps` by `steps` parts.
+  // Of the middles of a pixel's `steps` by `steps` parts in the layer.
   const auto variance = [&](int steps) {
     double sum = 0.0;
     for (const auto [column, row] : pixelsOf(steps, steps)) {

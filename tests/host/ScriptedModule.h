@@ -1,4 +1,4 @@
-// A module in the test program itself, which does what a test has it do.
+// A module inside the test program, which does what a test tells it to do.
 #pragma once
 
 #include <functional>
@@ -25,7 +25,7 @@ struct Script {
   std::function<std::int32_t(PF_Pixel8* row, const PF_LayerDef& output)> in_row_3{};  // after its 7s
 };
 
-// A module with that script, which all scripted modules have from now on.
+// A module with that script; those loaded earlier follow it from now on, too.
 Result<std::shared_ptr<const Module>> loadScripted(Script script, ModuleOptions options = {});
 
 // Gives the user a message; the result is `code`.

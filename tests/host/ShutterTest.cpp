@@ -15,12 +15,12 @@ Corners moved(const Corners& c, double x, double y) {
   return {move(c.upper_left), move(c.upper_right), move(c.lower_left), move(c.lower_right)};
 }
 
-// Their way in the two seconds about time 0.
+// Corners that move from one to the other in the two seconds around time 0.
 AnimatedCorners between(const Corners& begin, const Corners& end) {
   return moving(begin, end, -1.0, 1.0);
 }
 
-// A frame of one second, so that 360 degrees are half of the way.
+// A frame of one second, so that 360 degrees are half the way.
 FrameOptions shutter(double degrees, int max_samples = 64) {
   FrameOptions options{.quality = Quality::Best};
   options.time.scale = 1;

@@ -1,4 +1,4 @@
-// Quadrilaterals in the layer that go onto the corners.
+// Quadrilaterals in the layer that are mapped onto the corners.
 #include <cmath>
 
 #include "host/geometry/Homography.h"

@@ -40,7 +40,7 @@ TEST(StringTableTest, GivesTranslatedAndDefaultTextsAndNothingBeyondTheTable) {
   EXPECT_TRUE(isError(refused, ErrorKind::InvalidArgument, "translation of k/0"));
 }
 
-TEST(StringTableTest, RefusesWhatIsNoHeader) {
+TEST(StringTableTest, RefusesInvalidHeaders) {
   FX_StringRow rows[] = {{nullptr, {}}};
   const FX_StringHeader headers[] = {
       {"FXX", 1, rows, 0}, {nullptr, 1, rows, 0}, {"FX", 4097, rows, 0}, {"FX", 1, nullptr, 0}};

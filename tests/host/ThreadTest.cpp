@@ -13,7 +13,7 @@ namespace {
 constexpr Rect kCanvas{0, 0, 40, 48};
 constexpr Corners kQuad{{3, 2}, {35, 5}, {1, 44}, {38, 40}};
 
-// In checking mode, whose frames are drawn by one thread.
+// Drawn in checking mode, which uses one thread.
 Image drawnAlone(const Image& layer, const Corners& corners, Quality quality) {
   return renderFrame(corners, layer, kCanvas, {.quality = quality}).pixels;
 }

@@ -47,16 +47,5 @@ TEST(TileTreeTest, CoversTheCanvasOnceWithSquaresThatHaveRoomForTheirSamples) {
   }
 }
 
-TEST(TileTreeTest, ACanvasGetsTheSameTilesAsALargerOne) {
-  std::vector<Tile> all;
-  std::vector<Tile> some;
-  collectTiles({-900, -300, 500, 777}, NearOrigin(), &all);
-  collectTiles({-33, 5, 70, 40}, NearOrigin(), &some);
-  EXPECT_FALSE(some.empty());
-  for (const Tile& tile : some) {
-    EXPECT_EQ(1, std::count(all.begin(), all.end(), tile));
-  }
-}
-
 }  // namespace
 }  // namespace vantorel::host

@@ -8,7 +8,7 @@
 namespace vantorel::host {
 namespace {
 
-// Whether each row from 3 on is run once, and so are those that every row runs in its turn, `depth` times over.
+// Whether every row from 3 on is run once, and likewise the rows that each of them runs, nested `depth` deep.
 bool runsEachRowOnce(WorkerPool& pool, std::int32_t rows, unsigned threads, int depth) {
   struct Pass {
     WorkerPool& pool;

@@ -60,7 +60,7 @@ M_Ratio fromDouble(double value) {
   return {value < 0 ? -positive.num : positive.num, positive.den};
 }
 
-// Whether the calculation in lowest terms comes near enough to 32 bits for an overflow to be foretold.
+// Whether the calculation in lowest terms comes near enough to 32 bits for an overflow to be expected.
 bool needsWideTerms(RatioOperation operation, const M_Ratio& a, const M_Ratio& b) {
   const Rational x = exactly(a), y = exactly(b);
   if (a.den >= kTwoTo31 || b.den >= kTwoTo31) {

@@ -32,7 +32,7 @@ class Numbers {
     return {static_cast<std::int32_t>(random_() % 2 == 0 ? num : 0u - num), next() * common};
   }
 
-  // Half of them of the size that ratios have, half of them any bits.
+  // Half of them of the size that ratios usually have, half of them any bits.
   double real() {
     const std::uint64_t bits = std::uint64_t{random_()} << 32 | random_();
     const int exponent = static_cast<int>(random_() % 72) - 36;
