@@ -68,7 +68,7 @@ CommandError noPicture(const PictureHeader& header, std::size_t count, const std
                                                       : "choose a layer with --layer-name: " + layers));
 }
 
-// Throws for a layer that there is not, and for channels that are no picture.
+// Throws for an unknown layer, and for channels that do not make a picture.
 ChannelPlan planByNames(const PictureHeader& header, const std::string& layer, const std::string& path) {
   const std::vector<LayerChannel> channels = channelsOf(header, layer);
   if (channels.empty() && !layer.empty()) {

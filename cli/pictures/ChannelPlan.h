@@ -15,9 +15,9 @@ struct ChannelPlan {
   int end() const;
 };
 
-// Of the channels of that layer ("beauty" for beauty.R and so on; all where it is empty) those named R, G, B (or Y) and
-// A wherever they are; one to four channels of other names by their position. Throws CommandError naming the path for
-// others, for luminance/chroma, deep and volume pictures, and for a layer that there is not.
+// Chooses among the channels of that layer ("beauty" for beauty.R and so on; all channels if it is empty): R, G, B (or
+// Y) and A by name, or one to four channels with other names by position. Throws CommandError naming the path for any
+// other channels, for luminance/chroma, deep and volume pictures, and for an unknown layer.
 ChannelPlan planChannels(const PictureHeader& header, const std::string& layer, const std::string& path);
 
 // The finest type among the planned channels.

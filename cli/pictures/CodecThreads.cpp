@@ -28,7 +28,7 @@ void startOpenExrThreads() {
   static std::mutex mutex;
   const std::scoped_lock lock(mutex);
   const unsigned threads = codecThreads().value_or(std::thread::hardware_concurrency());
-  // The caller's own thread is none of OpenEXR's.
+  // OpenEXR counts only the threads that it starts itself, not the caller's.
   const int own = threads > 1 ? static_cast<int>(threads) : 0;
   if (Imf::globalThreadCount() != own) {
     Imf::setGlobalThreadCount(own);

@@ -1,4 +1,4 @@
-// Between what files state of their colours and colour spaces.
+// Conversions between what files state about their colours and colour spaces.
 #pragma once
 
 #include <memory>
@@ -9,7 +9,7 @@
 
 namespace vantorel::cli {
 
-// What a file says of its colours.
+// What a file says about its colours.
 ColourFacts colourFactsOf(const PictureHeader& header, SampleType samples);
 
 // The same attributes for a picture in that space: what they said of colours is replaced altogether, by OpenEXR's

@@ -12,7 +12,7 @@ namespace vantorel::cli {
 
 namespace {
 
-// Texts, by OpenEXR's and DPX's names for them.
+// Texts: OpenEXR's and DPX's names, and the common ones.
 constexpr std::array<std::pair<const char*, const char*>, 5> kTexts{{
     {"cameraMake", "Make"},
     {"cameraModel", "Model"},

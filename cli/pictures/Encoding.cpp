@@ -50,7 +50,7 @@ bool lists(std::string_view words, const std::string& word) {
 
 void requireFormat(const ImageFormat& format, const char* wanted, const char* option, bool given) {
   if (given && std::string_view(format.name) != wanted) {
-    throw badArgument(option, fmt::format("is of {} files, and the output is {}; omit it", wanted, format.name));
+    throw badArgument(option, fmt::format("applies to {} files, but the output is {}; omit it", wanted, format.name));
   }
 }
 
@@ -85,7 +85,7 @@ Compression parseCompression(const std::string& option, const std::string& text)
 void requireEncodingHeld(const ImageFormat& format, const Encoding& encoding) {
   const std::string& name = encoding.compression.name;
   if (!name.empty() && format.compressions[0] == '\0') {
-    throw badArgument("--compression", fmt::format("{} files have one way to be packed; omit it", format.name));
+    throw badArgument("--compression", fmt::format("{} files have only one compression; omit it", format.name));
   }
   if (!name.empty() && !lists(format.compressions, name)) {
     throw badArgument("--compression", fmt::format("{} files cannot be packed by '{}'; give one of {}", format.name,

@@ -1,4 +1,4 @@
-// How files are packed: the choices that formats leave to who writes them.
+// How files are compressed: the choices that formats leave to the writer.
 #pragma once
 
 #include <optional>
@@ -10,13 +10,13 @@ namespace vantorel::cli {
 
 struct Compression {
   std::string name;             // in lower case, "zip"; empty: the plate's where it is of the same format, else usual
-  std::optional<double> level;  // how hard to pack, or for dwaa and dwab how much to lose
+  std::optional<double> level;  // of effort, or for dwaa and dwab of loss
 };
 
 struct Encoding {
   Compression compression;
   std::optional<int> jpeg_quality;  // 1 to 100
-  std::optional<int> png_level;     // 0, not packed, to 9, small
+  std::optional<int> png_level;     // 0 (uncompressed) to 9 (smallest)
 };
 
 // "zip" or "zip:4". Throws CommandError (bad argument) naming the option where no format has a compression of that

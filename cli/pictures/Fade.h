@@ -9,7 +9,7 @@ namespace vantorel::cli {
 // Multiplies every pixel by `opacity`, 0 to 1.
 void fade(const host::ImageView& picture, double opacity);
 
-// What of a matte says where it covers: its alpha, or its grey (of colours their luminance).
+// What determines the coverage of a matte: its alpha, or its grey (for colours, their luminance).
 enum class MatteChannel { Alpha, Grey };
 
 // Multiplies every pixel by 1 minus the matte there, which is held to 0 to 1. Both must have the same size and depth.

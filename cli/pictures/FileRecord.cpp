@@ -115,7 +115,7 @@ std::uint32_t crc32(std::span<const std::byte> bytes) {
   return ~sum;
 }
 
-// Of all bytes but those that sealing changes: the records' checksums, and those of their chunks.
+// Covers all bytes except those that sealing changes: the records' checksums, and those of their chunks.
 std::uint64_t checksum(std::span<const std::byte> file, const std::vector<std::size_t>& records) {
   Hash64 hash;
   std::size_t begin = 0;

@@ -19,19 +19,19 @@ std::unique_ptr<PictureInput> openImageIoInput(const InputFile& file, const std:
 // As openPngOutput, for the format's writer.
 std::unique_ptr<PictureOutput> openImageIoOutput(const std::string& path, OutputFile& file, const ImageFormat& format,
                                                  const OutputPicture& picture);
-// A part of a JPEG file that says something of its picture.
+// A segment of a JPEG file that holds metadata.
 struct JpegSegment {
   int marker = 0;     // JPEG_APP0 + 1 to 15, or JPEG_COM
   std::string bytes;  // what follows the length
 };
-// All those that OpenImageIO writes for the picture, but for the resolution and the profile.
+// All segments that OpenImageIO writes for the picture, except the resolution and the profile.
 std::vector<JpegSegment> jpegSegmentsByImageIo(const ImageFormat& format, const OutputPicture& picture);
 // As enlarged().
 host::Image enlargedByImageIo(const host::ConstImageView& picture, host::Size size, EnlargeFilter filter);
-// Adds what a block of EXIF (from its TIFF header on) or a packet of XMP states, as far as it can be understood.
+// Adds what can be understood of a block of EXIF (from its TIFF header on) or of a packet of XMP.
 void addExif(std::string_view block, Metadata& metadata);
 void addXmp(const std::string& packet, Metadata& metadata);
-// A block of EXIF that states the same, from its TIFF header on.
+// The metadata as a block of EXIF, from its TIFF header on.
 std::string exifOf(const Metadata& metadata);
 // The threads that the library may use for one picture, at least 1.
 void limitImageIoThreads(unsigned threads);

@@ -49,7 +49,7 @@ Source openSource(const std::string& path, const ReadingOptions& options = {}) {
   if (!isStandardStream(path)) {
     requireReadableFile(path, "a picture file");
   }
-  // Looked at before the libraries do, which take as much memory as a part of a file is said to have.
+  // Checked before the libraries read the file, because they allocate whatever size a part of it states.
   if (isTruncated(file.path)) {
     throw fileFailure(file.name, "is truncated; give the whole file");
   }
@@ -289,7 +289,7 @@ bool readCropped(Source& source, const host::Rect& window, const host::ImageView
   });
 }
 
-// Nothing where the look at some rows ended the reading.
+// Nothing if `look` ended the reading.
 std::optional<Picture> read(const std::string& path, host::Depth depth, const std::stop_token& stop,
                             const ReadingOptions& options, LookAtRows* look) {
   const LibraryMessagesDropped dropped;

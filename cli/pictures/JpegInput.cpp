@@ -32,7 +32,7 @@ struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-// libjpeg's record of a file that is read. What is wrong with the data, which it goes on after, counts as a fault.
+// libjpeg's record of a file that is read. Its warnings about the data, after which it would go on, count as faults.
 class JpegReader {
  public:
   explicit JpegReader(const InputFile& file) : name_(file.name), file_(std::fopen(file.path.c_str(), "rbe")) {
@@ -174,14 +174,14 @@ class JpegInput : public PictureInput {
  public:
   explicit JpegInput(const InputFile& file) : file_(file) { begin(); }
 
-  // Whether its colours are such as are read here.
+  // Whether its colours are of a kind that is read here.
   bool hasKnownColours() const {
     const jpeg_decompress_struct& info = reader_->info();
     return isGrey() ||
            (info.num_components == 3 && (info.jpeg_color_space == JCS_YCbCr || info.jpeg_color_space == JCS_RGB));
   }
 
-  // Whether all that the file says of the picture is understood here.
+  // Whether everything the file says about the picture is understood here.
   bool describe() {
     const jpeg_decompress_struct& info = reader_->info();
     header_.format = "jpeg";
@@ -195,7 +195,7 @@ class JpegInput : public PictureInput {
     return addSegments(info, header_.metadata);
   }
 
-  // Takes what another reader understands.
+  // Takes over what another reader understands.
   void describeAs(const PictureHeader& header) { header_ = header; }
 
   const PictureHeader& header() const override { return header_; }

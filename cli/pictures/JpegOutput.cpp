@@ -76,7 +76,7 @@ void setResolution(jpeg_compress_struct& info, const Metadata& metadata) {
   }
 }
 
-// What a file says of the picture, but for its profile. OpenImageIO is asked where that is more than a few texts.
+// The metadata of the picture, except its profile. OpenImageIO is asked where that is more than a few texts.
 std::vector<JpegSegment> segmentsOf(const Metadata& metadata, const ImageFormat& format, const OutputPicture& picture) {
   const auto exif = writePlainExif(metadata);
   if (!exif || metadata.find("ImageDescription") != nullptr) {

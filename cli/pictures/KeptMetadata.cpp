@@ -49,12 +49,12 @@ constexpr std::array<std::string_view, 21> kOwnNames{"Orientation",
                                                      "IPTC:OriginatingProgram",
                                                      "screenWindowCenter"};
 
-// Of OpenImageIO's own, what describes the picture rather than the file.
-constexpr std::array<std::string_view, 3> kKeptInSpite{"oiio:ColorSpace", "oiio:Gamma", "oiio:BitsPerSample"};
+// OpenImageIO's own attributes that describe the picture rather than the file.
+constexpr std::array<std::string_view, 3> kKeptOfLibrary{"oiio:ColorSpace", "oiio:Gamma", "oiio:BitsPerSample"};
 
 bool isKept(const std::string& name) {
   const auto equals = [&](std::string_view other) { return name.size() == other.size() && startsWith(name, other); };
-  if (std::ranges::any_of(kKeptInSpite, equals)) {
+  if (std::ranges::any_of(kKeptOfLibrary, equals)) {
     return true;
   }
   return std::ranges::none_of(kOwnNames, equals) &&
@@ -72,7 +72,7 @@ std::size_t sizeInSegment(const Attribute& attribute) {
 Metadata keptMetadata(const Metadata& all) {
   Metadata kept;
   for (const Attribute& attribute : all.attributes()) {
-    // A record of how the file was made is not one of how another is.
+    // The record of how the file was made does not describe another file.
     if (isKept(attribute.name) && !holdsRecord(attribute.text)) {
       kept.set(attribute);
     }

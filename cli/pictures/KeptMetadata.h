@@ -8,8 +8,8 @@
 
 namespace vantorel::cli {
 
-// All but those that tell how the file itself keeps its pixels: its orientation, packing and tiles, say. Under the
-// names that formats have in common.
+// All attributes, under their common names, except those that describe how the file stores its pixels, such as its
+// orientation, compression and tiles.
 Metadata keptMetadata(const Metadata& all);
 
 // Throws CommandError (file failure) naming the file that the attributes come from, and the longest of them, where the

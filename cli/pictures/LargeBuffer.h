@@ -1,4 +1,4 @@
-// Memory for as many bytes as a picture has.
+// Memory for buffers as large as pictures.
 #pragma once
 
 #include <sys/mman.h>

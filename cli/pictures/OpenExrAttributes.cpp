@@ -160,7 +160,7 @@ void addPosition(Imf::Header& header, const Metadata& metadata) {
   }
 }
 
-// What means the pixels as another file held them, or has a place of its own in the header.
+// Whether the attribute describes the pixels as the other file stored them, or has its own place in the header.
 bool belongsToTheFile(const std::string& name) {
   return name.rfind("oiio:", 0) == 0 || name == "ICCProfile" || name == "PixelAspectRatio" || name == "XResolution" ||
          name == "YResolution" || name == "ResolutionUnit";

@@ -119,14 +119,14 @@ class OpenExrOutput : public PictureOutput {
         }
       }
     }
-    // The parts' places in the file are written as it is let go of, and failures noted in the file alone.
+    // The offsets of the parts are written when it is destroyed, and failures are recorded only in the file.
     part_.reset();
     output_.reset();
     requireComplete();
   }
 
  private:
-  // Where OpenEXR lacks memory to pack rows it may leave them out without a word.
+  // If OpenEXR runs out of memory while compressing rows, it may leave them out silently.
   void requireComplete() {
     file_.note(std::fflush(file_.stream()) == 0);
     file_.throwIfFailed();

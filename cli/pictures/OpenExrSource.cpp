@@ -34,7 +34,7 @@ OpenExrSource::OpenExrSource(const PictureOrigin& origin) : origin_(origin), fil
 
 Imf::Header OpenExrSource::passedHeader(int part) const {
   const Imf::Header& passed = header(part);
-  // A record of how the plate was made is not one of how this file is.
+  // The record of how the plate was made does not describe this file.
   const auto* software = passed.findTypedAttribute<Imf::StringAttribute>("Software");
   static constexpr std::array kRecord{"Software"};
   return software != nullptr && holdsRecord(software->value()) ? without(passed, kRecord) : passed;

@@ -1,5 +1,5 @@
-// What of an OpenEXR plate passes packed into the picture that is made over it, to the bit: its other parts, and its
-// attributes.
+// What passes from an OpenEXR plate into the picture that is made over it, to the bit and without being decompressed:
+// its other parts, and its attributes.
 #pragma once
 
 #include <OpenEXR/ImfForward.h>

@@ -122,7 +122,7 @@ class OpenImageIoInput : public PictureInput {
     }
   }
 
-  // What the formats' readers pass over.
+  // Metadata that the formats' readers skip.
   void addWhatIsLeftOut(const std::string& path) {
     if (header_.format == "tiff") {
       addTiffMetadata(path, header_.part, header_.metadata);
@@ -131,7 +131,7 @@ class OpenImageIoInput : public PictureInput {
       if (!blocks.xmp.empty()) {
         header_.metadata.set(textAttribute(std::string(kXmpKey), uprightXmp(blocks.xmp)));
       }
-      // That of the other header that JPEG files have takes its place.
+      // EXIF's unit takes the place of the one in JFIF's header.
       Metadata exif;
       addExif(blocks.exif, exif);
       if (const Attribute* const unit = exif.find("ResolutionUnit")) {
@@ -146,7 +146,7 @@ class OpenImageIoInput : public PictureInput {
     while (input_->seek_subimage(static_cast<int>(names.size()), 0)) {
       names.push_back(input_->spec().get_string_attribute("oiio:subimagename"));
     }
-    // That there is none after the last is no fault.
+    // Reaching the end after the last part is not an error.
     input_->geterror();
     const int number = partNumber(names, wanted, path_);
     if (!input_->seek_subimage(number, 0)) {

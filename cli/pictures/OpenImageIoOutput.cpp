@@ -83,7 +83,7 @@ OIIO::ImageSpec describe(const ImageFormat& format, const OutputPicture& picture
     addOwnNames(spec, format.writer, *picture.metadata);
   }
   const bool is_dpx = std::strcmp(format.name, "DPX") == 0;
-  // Ten and twelve bits are DPX's own way to hold what is read as 16.
+  // DPX can store samples that are read as 16 bits in ten or twelve.
   if (!is_dpx || picture.samples != SampleType::Bits16) {
     spec.erase_attribute("oiio:BitsPerSample");
   }
@@ -93,7 +93,7 @@ OIIO::ImageSpec describe(const ImageFormat& format, const OutputPicture& picture
   choosePacking(spec, picture.encoding);
   spec.attribute("Software", recordText(picture.settings));
   if (spec.find_attribute("DateTime") == nullptr) {
-    // The formats' writers would put in the time of writing. An empty date is as good as none to that of DPX.
+    // Otherwise the formats' writers insert the current time. DPX's treats an empty date as none.
     const std::string date = fileDate();
     spec.attribute("DateTime", date.empty() && is_dpx ? " " : date);
   }

@@ -72,12 +72,12 @@ int createLocked(const fs::path& target, std::string& name) {
     if (descriptor < 0) {
       return descriptor;
     }
-    // Without locks on its file system the file is as good; nobody removes it then.
+    // On a file system without locks the file works as well, but is not removed later.
     struct stat status {};
     if (flock(descriptor, LOCK_EX) != 0 || fstat(descriptor, &status) != 0 || status.st_nlink > 0) {
       return descriptor;
     }
-    // Removed between being created and being locked.
+    // It was removed between its creation and the lock.
     ::close(descriptor);
   }
 }

@@ -39,7 +39,7 @@ struct PictureHeader {
   bool is_deep = false;
   bool is_volume = false;
   int part = 0;                    // which of the file's pictures this is, from 0
-  std::vector<std::string> parts;  // the names of all, empty for one without; none where there is but one
+  std::vector<std::string> parts;  // the names of all parts, empty for one without; none if there is only one
   std::vector<std::string> views;  // of a stereo or multi-view file, over all parts
   int orientation = 1;             // the camera's, 1 to 8; 1 is upright
   Metadata metadata;               // all that the file states

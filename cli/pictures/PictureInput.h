@@ -51,7 +51,7 @@ struct InputFile {
 // is empty. The header is not checked yet. Throws CommandError (file failure) naming the file.
 std::unique_ptr<PictureInput> openPictureInput(const InputFile& file, const std::string& part = "");
 
-// Those of single formats.
+// Inputs of a single format each.
 std::unique_ptr<PictureInput> openPngInput(const InputFile& file);
 // Asks OpenImageIO for what only that understands, such as what cameras note.
 std::unique_ptr<PictureInput> openJpegInput(const InputFile& file);

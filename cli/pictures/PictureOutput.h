@@ -34,7 +34,7 @@ void loadWriterOf(const ImageFormat& format);
 std::unique_ptr<PictureOutput> openPictureOutput(const std::string& path, OutputFile& file, const ImageFormat& format,
                                                  const OutputPicture& picture);
 
-// Those of single formats.
+// Outputs of a single format each.
 std::unique_ptr<PictureOutput> openPngOutput(const std::string& path, OutputFile& file, const ImageFormat& format,
                                              const OutputPicture& picture);
 // Asks OpenImageIO where the picture's metadata is more than a few texts.

@@ -13,7 +13,7 @@ namespace {
 using namespace std::string_literals;
 using namespace std::string_view_literals;
 
-constexpr std::uint16_t kExifFolder = 0x8769;
+constexpr std::uint16_t kExifDirectory = 0x8769;
 constexpr std::uint16_t kColourSpace = 0xA001;
 constexpr std::uint16_t kComponents = 0x9101;
 constexpr std::uint32_t kHeaderSize = 8;
@@ -32,7 +32,7 @@ constexpr std::array<std::pair<std::uint16_t, const char*>, 7> kTexts{{
     {0x8298, "Copyright"},
 }};
 
-// Texts of four letters in the folder of EXIF's own tags.
+// Texts of four letters in the directory of EXIF's own tags.
 constexpr std::array<std::pair<std::uint16_t, const char*>, 2> kVersions{{
     {0x9000, "Exif:ExifVersion"},
     {0xA000, "Exif:FlashPixVersion"},
@@ -73,16 +73,17 @@ class Block {
   bool is_big_endian_;
 };
 
-// Visits the entries of a folder as long as `visit` returns true. Whether all of them did, and no folder follows.
+// Visits the entries of a directory while `visit` returns true. Returns whether it did for all of them and no directory
+// follows.
 template <typename Visit>
-bool forEntries(const Block& block, std::size_t folder, const Visit& visit) {
-  const std::size_t count = block.word(folder);
+bool forEntries(const Block& block, std::size_t directory, const Visit& visit) {
+  const std::size_t count = block.word(directory);
   const std::size_t size = 2 + count * kEntrySize + 4;
-  if (!block.holds(folder, size) || block.longWord(folder + size - 4) != 0) {
+  if (!block.holds(directory, size) || block.longWord(directory + size - 4) != 0) {
     return false;
   }
   for (std::size_t i = 0; i < count; ++i) {
-    if (!visit(folder + 2 + i * kEntrySize)) {
+    if (!visit(directory + 2 + i * kEntrySize)) {
       return false;
     }
   }
@@ -126,30 +127,30 @@ struct Entry {
   std::string value;  // its bytes
 };
 
-// A folder at that place of the block, and after it the values that do not fit into their entries.
-std::string folderOf(const std::vector<Entry>& entries, std::uint32_t place) {
-  std::string folder;
+// A directory at that offset of the block, followed by the values that do not fit into their entries.
+std::string directoryOf(const std::vector<Entry>& entries, std::uint32_t place) {
+  std::string directory;
   std::string values;
   const auto end = static_cast<std::uint32_t>(place + 2 + entries.size() * kEntrySize + 4);
-  append(folder, static_cast<std::uint32_t>(entries.size()), 2);
+  append(directory, static_cast<std::uint32_t>(entries.size()), 2);
   for (const Entry& entry : entries) {
     const std::uint32_t unit = entry.type == kShort ? 2 : entry.type == kLong ? 4 : 1;
-    append(folder, entry.tag, 2);
-    append(folder, entry.type, 2);
-    append(folder, static_cast<std::uint32_t>(entry.value.size()) / unit, 4);
+    append(directory, entry.tag, 2);
+    append(directory, entry.type, 2);
+    append(directory, static_cast<std::uint32_t>(entry.value.size()) / unit, 4);
     if (entry.value.size() <= 4) {
-      folder += entry.value + std::string(4 - entry.value.size(), '\0');
+      directory += entry.value + std::string(4 - entry.value.size(), '\0');
     } else {
-      append(folder, end + static_cast<std::uint32_t>(values.size()), 4);
+      append(directory, end + static_cast<std::uint32_t>(values.size()), 4);
       values += entry.value;
       values.resize((values.size() + 1) / 2 * 2);
     }
   }
-  append(folder, 0, 4);
-  return folder + values;
+  append(directory, 0, 4);
+  return directory + values;
 }
 
-// Of the names that are no part of EXIF.
+// Whether an attribute of that name is stored elsewhere than in EXIF.
 bool isElsewhere(const std::string& name) {
   constexpr std::array kNames{"ICCProfile"sv,           "XResolution"sv,      "YResolution"sv,
                               "ResolutionUnit"sv,       "PixelAspectRatio"sv, "Exif:ColorSpace"sv,
@@ -167,7 +168,7 @@ std::optional<Metadata> readPlainExif(std::string_view bytes) {
   Metadata metadata;
   const bool is_plain = forEntries(block, block.longWord(4), [&](std::size_t entry) {
     const std::uint16_t tag = block.word(entry);
-    if (tag == kExifFolder) {
+    if (tag == kExifDirectory) {
       return forEntries(block, block.longWord(entry + 8),
                         [&](std::size_t inner) { return takeExifEntry(block, inner, metadata); });
     }
@@ -198,18 +199,18 @@ std::optional<std::string> writePlainExif(const Metadata& metadata) {
         {0xA000, kUndefined, "0100"},
         {kColourSpace, kShort, "\1\0"s},
     };
-    // Behind the outer folder, whose size does not depend on where this one is.
-    entries.push_back({kExifFolder, kLong, std::string(4, '\0')});
+    // After the outer directory, whose size does not depend on where this one is.
+    entries.push_back({kExifDirectory, kLong, std::string(4, '\0')});
     std::ranges::sort(entries, {}, &Entry::tag);
-    const auto place = static_cast<std::uint32_t>(kHeaderSize + folderOf(entries, kHeaderSize).size());
-    auto& pointer = std::ranges::find(entries, kExifFolder, &Entry::tag)->value;
+    const auto place = static_cast<std::uint32_t>(kHeaderSize + directoryOf(entries, kHeaderSize).size());
+    auto& pointer = std::ranges::find(entries, kExifDirectory, &Entry::tag)->value;
     pointer.clear();
     append(pointer, place, 4);
-    inner = folderOf(exif, place);
+    inner = directoryOf(exif, place);
   }
   std::string block("II*\0"sv);
   append(block, kHeaderSize, 4);
-  return block + folderOf(entries, kHeaderSize) + inner;
+  return block + directoryOf(entries, kHeaderSize) + inner;
 }
 
 }  // namespace vantorel::cli

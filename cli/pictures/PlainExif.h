@@ -12,7 +12,7 @@ namespace vantorel::cli {
 // What a block states, from its TIFF header on. Nothing for a block that states more, or is damaged.
 std::optional<Metadata> readPlainExif(std::string_view block);
 
-// A block that states the same. Nothing where the metadata holds what such a block cannot state.
+// The metadata as such a block. Nothing if it holds something that such a block cannot.
 std::optional<std::string> writePlainExif(const Metadata& metadata);
 
 }  // namespace vantorel::cli

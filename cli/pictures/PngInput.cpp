@@ -50,12 +50,12 @@ class PngReader {
   png_structp png() const { return png_; }
   png_infop info() const { return info_; }
 
-  // Unpacks the pixels at once where that can be done. To be called when the file stands before them, their number of
-  // bytes being `size`.
+  // Decompresses all pixels at once if that is possible. To be called when the file is positioned before them; `size`
+  // is their number of bytes.
   void unpackPixels(std::uint64_t size) {
     is_unpacked_ = pixels_.unpack(file_.get(), size);
     if (is_unpacked_) {
-      // They have been checked.
+      // The checksums have been verified.
       png_set_crc_action(png_, PNG_CRC_QUIET_USE, PNG_CRC_DEFAULT);
       png_set_option(png_, PNG_IGNORE_ADLER32, PNG_OPTION_ON);
     }
@@ -75,7 +75,7 @@ class PngReader {
     std::snprintf(static_cast<PngReader*>(png_get_error_ptr(png))->fault_, sizeof fault_, "%s", fault);
     png_longjmp(png, 1);
   }
-  // A few thousand bytes of packed text can become as many millions. libpng passes over chunks for which it gets no
+  // A few thousand bytes of compressed text can become as many millions. libpng skips chunks for which it gets no
   // memory; those of the pixels fit, whose rows it allows to have a million pixels.
   static png_voidp allocate(png_structp png, png_alloc_size_t size) {
     constexpr std::size_t kMost = std::size_t{32} << 20;
@@ -250,7 +250,7 @@ class PngInput : public PictureInput {
     png_infop const info = reader_->info();
     reader_->run([&] {
       if (reads_pixels_) {
-        // What is stated of them has been read.
+        // The metadata has been read already.
         png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
       }
       png_read_info(png, info);
@@ -292,7 +292,7 @@ class PngInput : public PictureInput {
   // All rows of a picture of which every pass has some.
   void readInterlaced() {
     const auto height = static_cast<std::size_t>(header_.data.height);
-    // Not cleared: a file that is short of pixels takes no memory for the others.
+    // Not cleared, so that pixels that are missing from the file take no memory.
     memory_ = std::make_unique_for_overwrite<png_byte[]>(row_bytes_ * height);
     std::vector<png_bytep> rows(height);
     for (std::size_t y = 0; y < height; ++y) {

@@ -14,10 +14,10 @@ namespace {
 constexpr std::uint64_t kMost = std::uint64_t{128} << 20;
 // DEFLATE makes a byte of no more than this.
 constexpr std::uint64_t kMostRatio = 1032;
-// That of a stream whose matches reach back as far as they can. zlib refuses some streams that state less.
+// The header of a stream whose matches may reach back as far as possible. zlib refuses some streams that state less.
 constexpr std::uint8_t kWholeWindow = 0x78;
 constexpr std::array<std::uint8_t, 2> kStoredHeader{kWholeWindow, 0x01};
-constexpr std::array<std::uint8_t, 8> kChecks{};  // of the stream and of its chunk, at which nobody looks
+constexpr std::array<std::uint8_t, 8> kChecks{};  // for the stream and its chunk; nobody verifies them
 constexpr std::size_t kMostStored = 65535;        // in one block of DEFLATE
 
 struct Free {

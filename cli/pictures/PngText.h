@@ -14,7 +14,7 @@ constexpr std::string_view kExifKey = "Raw profile type exif";
 std::string attributeOfKeyword(std::string_view keyword);
 std::string keywordOfAttribute(std::string_view attribute);
 
-// The packet, stating the orientation of a picture that stands upright.
+// The packet with its orientation set to upright.
 std::string uprightXmp(std::string packet);
 
 // The block that such a text has as hexadecimal digits, from its TIFF header on; empty where it is none.

@@ -1,4 +1,4 @@
-// Memory of pictures that are no longer looked at, for those to come: what the system hands out anew it clears first,
+// Memory of pictures that are no longer needed, kept for the next ones: the system clears the memory that it hands out,
 // page by page.
 #pragma once
 
@@ -16,7 +16,7 @@ class SparePixels {
  public:
   SparePixels() { images_.reserve(kMost); }
 
-  // An image of any size, whose pixels are anything; empty where none is left.
+  // An image of any size, with undefined pixels; empty if none is left.
   host::Image take() {
     const std::scoped_lock lock(mutex_);
     if (images_.empty()) {

@@ -101,7 +101,7 @@ std::optional<Attribute> readTag(TIFF* tiff, const GpsTag& tag) {
 }
 
 void writeTag(TIFF* tiff, const GpsTag& tag, const Metadata& metadata) {
-  // What does not fit the fractions of the format.
+  // Whether the value can be stored as the format's unsigned fraction.
   const auto fits = [](double value) { return std::isfinite(value) && value >= 0.0 && value < 4294967295.0; };
   const double number = metadata.number(tag.name).value_or(-1.0);
   switch (tag.kind) {
@@ -130,7 +130,7 @@ void writeTag(TIFF* tiff, const GpsTag& tag, const Metadata& metadata) {
   }
 }
 
-// The place of the folder in the file; 0 where it could not be written.
+// Writes a GPS directory. Returns its offset in the file; 0 if it could not be written.
 std::uint64_t writeGps(TIFF* tiff, const Metadata& metadata) {
   std::uint64_t place = 0;
   TIFFFreeDirectory(tiff);  // libtiff forgets what the directory before it holds
@@ -143,7 +143,7 @@ std::uint64_t writeGps(TIFF* tiff, const Metadata& metadata) {
   return TIFFWriteCustomDirectory(tiff, &place) == 1 ? place : 0;
 }
 
-// The same of the folder of EXIF, written anew with the speed in it.
+// Writes EXIF's directory again, with the film speed in it. Returns its offset.
 std::uint64_t writeFilmSpeed(TIFF* tiff, double speed) {
   std::uint64_t place = 0;
   const bool has_exif = TIFFGetField(tiff, TIFFTAG_EXIFIFD, &place) == 1;

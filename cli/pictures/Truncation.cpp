@@ -49,7 +49,7 @@ class ByteReader {
   // -1 at the end.
   int next() { return at_ < count_ || refill() ? static_cast<unsigned char>(block_[at_++]) : -1; }
 
-  // Goes behind the next byte of that value; false where there is none.
+  // Moves past the next byte of that value. False if there is none.
   bool find(int value) {
     while (at_ < count_ || refill()) {
       const void* const found = std::memchr(block_.data() + at_, value, count_ - at_);
@@ -147,8 +147,8 @@ bool openExrHeadersAreWhole(std::istream& file, std::uint64_t size) {
   return false;
 }
 
-// Whether the file holds the bytes of its owner's that its header states; the library takes memory for them before it
-// reads them. Each byte of the length is set where there is none.
+// Whether the file contains all of the user data that its header announces; the library allocates memory for it before
+// reading it. A length with all bits set means that there is none.
 bool dpxHeadersAreWhole(std::istream& file, std::uint64_t size, bool is_little_endian) {
   constexpr std::streamoff kLengthAt = 32;
   constexpr std::uint64_t kHeaderBytes = 2048;

@@ -242,7 +242,7 @@ TEST(OpenExrPlate, WhatTheFileDoesNotHoldIsNamed) {
                   {render + "--layer-name fog", 3, "plate.exr: has no layer 'fog'; give --layer-name as glow, normal"},
                   {render + "--compression lzw", 2, "--compression: OpenEXR files cannot be packed by 'lzw'"},
                   {render + "--compression zip:10", 2, "--compression: '10' is not a level of 'zip'"},
-                  {render + "--png-level 2", 2, "--png-level: is of PNG files, and the output is OpenEXR"},
+                  {render + "--png-level 2", 2, "--png-level: applies to PNG files, but the output is OpenEXR"},
               });
 }
 
