@@ -21,13 +21,17 @@ const RgbKernels& activeKernels() {
 }
 
 std::unique_ptr<const CurveTable> decodeTable(const Transfer& transfer) {
-  return transfer.isLinear() ? nullptr
-                             : std::make_unique<const CurveTable>([=](double code) { return transfer.decode(code); });
+  if (transfer.isLinear()) {
+    return nullptr;
+  }
+  return std::make_unique<const CurveTable>([=](double code) { return transfer.decode(code); });
 }
 
 std::unique_ptr<const CurveTable> encodeTable(const Transfer& transfer) {
-  return transfer.isLinear() ? nullptr
-                             : std::make_unique<const CurveTable>([=](double light) { return transfer.encode(light); });
+  if (transfer.isLinear()) {
+    return nullptr;
+  }
+  return std::make_unique<const CurveTable>([=](double light) { return transfer.encode(light); });
 }
 
 // Curve, matrix, curve.
@@ -88,7 +92,7 @@ RgbModel leave(const ColourSpace& to, std::unique_ptr<const RowConversion>& step
 
 void convertRow(float* row, int width, const ColourProcessor& processor) {
   const RgbKernels& kernels = activeKernels();
-  const bool is_opaque = kernels.isOpaque(row, width);
+  const bool is_opaque = kernels.is_opaque(row, width);
   if (!is_opaque) {
     kernels.unpremultiply(row, width);
   }

@@ -27,7 +27,7 @@ struct RgbSteps {
 
 // Each function works on `width` pixels in place; rows need not be aligned.
 struct RgbKernels {
-  bool (*isOpaque)(const float* row, int width);
+  bool (*is_opaque)(const float* row, int width);
   // If alpha is zero, the colour is left unchanged.
   void (*unpremultiply)(float* row, int width);
   void (*repremultiply)(float* row, int width);

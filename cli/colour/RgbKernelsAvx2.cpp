@@ -83,11 +83,11 @@ inline Pairs gatherPairs(const float* table, Ints index) {
       _mm256_castpd_ps(_mm256_mask_i32gather_pd(none, pairs, _mm256_castsi256_si128(index), all, sizeof(float)));
   const Floats high =
       _mm256_castpd_ps(_mm256_mask_i32gather_pd(none, pairs, _mm256_extracti128_si256(index, 1), all, sizeof(float)));
-  const auto inOrder = [](Floats a) {
+  const auto in_order = [](Floats a) {
     return _mm256_castpd_ps(_mm256_permute4x64_pd(_mm256_castps_pd(a), _MM_SHUFFLE(3, 1, 2, 0)));
   };
-  return {inOrder(_mm256_shuffle_ps(low, high, _MM_SHUFFLE(2, 0, 2, 0))),
-          inOrder(_mm256_shuffle_ps(low, high, _MM_SHUFFLE(3, 1, 3, 1)))};
+  return {in_order(_mm256_shuffle_ps(low, high, _MM_SHUFFLE(2, 0, 2, 0))),
+          in_order(_mm256_shuffle_ps(low, high, _MM_SHUFFLE(3, 1, 3, 1)))};
 }
 
 }  // namespace

@@ -138,6 +138,7 @@ bool takesStandardOutput(const std::vector<CornersOutput>& outputs) {
 void writeCornersOutputs(const std::vector<CornersOutput>& outputs, const tracks::CornerTrack& track,
                          host::Size frame) {
   std::vector<std::string> texts;
+  texts.reserve(outputs.size());
   for (const CornersOutput& output : outputs) {
     texts.push_back(textOf(output, track, frame));
   }

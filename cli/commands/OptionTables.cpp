@@ -12,13 +12,13 @@ namespace {
 
 constexpr const char* kOptions = "Options";
 
-template <Corner corner>
+template <Corner kCorner>
 void setPageCorner(RectifyOptions& options, const std::string& name, const std::string& value) {
   const auto position = parseCorner(value);
   if (!position) {
     throw badArgument(name, position.error());
   }
-  options.corners[corner] = *position;
+  options.corners[kCorner] = *position;
 }
 
 // "W:H", the width over the height.
@@ -55,7 +55,7 @@ const std::vector<OptionRow<InfoOptions>>& infoOptionTable() {
 
 const std::vector<OptionRow<CornersOptions>>& cornersOptionTable() {
   using Text = const std::string&;
-  static const std::vector<OptionRow<CornersOptions>> table = withTrackOptions<CornersOptions>(
+  static const std::vector<OptionRow<CornersOptions>> kTable = withTrackOptions<CornersOptions>(
       {
           {"FILE", "FILE[,FILE...]", kOptions, "The track; four files for a point each; - is standard input",
            [](CornersOptions& o, Text name, Text value) { o.track.files = parseFileName(name, value); },
@@ -75,14 +75,14 @@ const std::vector<OptionRow<CornersOptions>>& cornersOptionTable() {
            [](CornersOptions& o, Text name, Text value) { o.rate = parseFrameRate(name, value); }},
       },
       "What the file means (default: what its format says)");
-  return table;
+  return kTable;
 }
 
 const std::vector<OptionRow<RectifyOptions>>& rectifyOptionTable() {
   using Options = RectifyOptions;
   using Text = const std::string&;
   constexpr const char* kGiveAll = "give all four corners of the page, in pixels of the photo";
-  static const std::vector<OptionRow<Options>> table = withColourOptions<Options>(
+  static const std::vector<OptionRow<Options>> kTable = withColourOptions<Options>(
       {
           {"PHOTO", "FILE", kOptions, "The picture that shows the page; - is standard input",
            [](Options& o, Text name, Text value) { o.photo = parseFileName(name, value); },
@@ -111,7 +111,7 @@ const std::vector<OptionRow<RectifyOptions>>& rectifyOptionTable() {
            [](Options& o, Text name, Text value) { o.module = parseFileName(name, value); }},
       },
       "Colour (the layer is the photo)", false);
-  return table;
+  return kTable;
 }
 
 const std::vector<OptionRow<TestCardOptions>>& testCardOptionTable() {

@@ -20,19 +20,19 @@ struct TrackOptionRow {
 constexpr std::size_t kTrackOptionCount = 10;
 extern const TrackOptionRow kTrackOptions[kTrackOptionCount];
 
-// Appends the rows starting at `row` to a command's table, under that heading.
-template <typename Options, std::size_t row = 0>
+// Appends the rows starting at `kRow` to a command's table, under that heading.
+template <typename Options, std::size_t kRow = 0>
 void addTrackOptions(std::vector<OptionRow<Options>>& table, const char* group) {
-  if constexpr (row < kTrackOptionCount) {
-    table.push_back({kTrackOptions[row].names, kTrackOptions[row].value, group, kTrackOptions[row].help,
+  if constexpr (kRow < kTrackOptionCount) {
+    table.push_back({kTrackOptions[kRow].names, kTrackOptions[kRow].value, group, kTrackOptions[kRow].help,
                      [](Options& options, const std::string& name, const std::string& value) {
-                       kTrackOptions[row].set(options.track, name, value);
+                       kTrackOptions[kRow].set(options.track, name, value);
                        if (options.track.first_option.empty()) {
                          options.track.first_option = name;
                        }
                      },
-                     nullptr, kTrackOptions[row].use});
-    addTrackOptions<Options, row + 1>(table, group);
+                     nullptr, kTrackOptions[kRow].use});
+    addTrackOptions<Options, kRow + 1>(table, group);
   }
 }
 

@@ -16,7 +16,8 @@ void multiplyPixel(Channel* pixel, double factor) {
     if constexpr (std::is_floating_point_v<Channel>) {
       pixel[c] *= static_cast<float>(factor);
     } else {
-      pixel[c] = static_cast<Channel>(pixel[c] * factor + 0.5);
+      const double raised = pixel[c] * factor + 0.5;
+      pixel[c] = static_cast<Channel>(raised);
     }
   }
 }
