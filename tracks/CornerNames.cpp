@@ -95,7 +95,7 @@ std::optional<Corner> cornerOfName(std::string_view name) {
 
 std::optional<CoordinateColumn> coordinateOfColumn(std::string_view name) {
   const std::string text = lettersAndDigits(name);
-  const auto withAxis = [](char axis, std::string_view point) -> std::optional<CoordinateColumn> {
+  const auto with_axis = [](char axis, std::string_view point) -> std::optional<CoordinateColumn> {
     if (axis != 'x' && axis != 'y') {
       return std::nullopt;
     }
@@ -111,8 +111,8 @@ std::optional<CoordinateColumn> coordinateOfColumn(std::string_view name) {
     return std::nullopt;
   }
   const std::string_view view = text;
-  const auto at_end = withAxis(view.back(), view.substr(0, view.size() - 1));
-  return at_end ? at_end : withAxis(view.front(), view.substr(1));
+  const auto at_end = with_axis(view.back(), view.substr(0, view.size() - 1));
+  return at_end ? at_end : with_axis(view.front(), view.substr(1));
 }
 
 bool isFrameColumn(std::string_view name) {

@@ -75,11 +75,11 @@ std::string namesOf(const std::vector<PointTrack>& points) {
 }
 
 void requireKeys(const std::vector<PointTrack>& points, const std::string& file) {
-  const auto hasKeys = [](const PointTrack& point) { return !point.keys.empty(); };
-  if (std::none_of(points.begin(), points.end(), hasKeys)) {
+  const auto has_keys = [](const PointTrack& point) { return !point.keys.empty(); };
+  if (std::none_of(points.begin(), points.end(), has_keys)) {
     fail(file, 0, "", "holds no keys; export the track with a key on every frame");
   }
-  const auto bare = std::find_if_not(points.begin(), points.end(), hasKeys);
+  const auto bare = std::find_if_not(points.begin(), points.end(), has_keys);
   if (bare != points.end()) {
     fail(file, 0, bare->name, "has no keys; every corner needs a position");
   }

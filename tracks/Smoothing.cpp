@@ -40,16 +40,16 @@ Quadrilateral smoothed(const std::vector<CornerKey>& keys, std::size_t k, double
   const double radius = std::min({kReach * sigma, frame - keys.front().frame, keys.back().frame - frame});
   WeightedMean mean;
   mean.add(keys[k].points, 1.0);
-  const auto addNeighbour = [&](const CornerKey& key) {
+  const auto add_neighbour = [&](const CornerKey& key) {
     const double distance = (key.frame - frame) / sigma;
     mean.add(key.points, std::exp(-0.5 * distance * distance));
   };
   for (std::size_t n = 1; n <= std::min(k, kMaxNeighbours) && frame - keys[k - n].frame <= radius; ++n) {
-    addNeighbour(keys[k - n]);
+    add_neighbour(keys[k - n]);
   }
   for (std::size_t n = 1; n <= std::min(keys.size() - 1 - k, kMaxNeighbours) && keys[k + n].frame - frame <= radius;
        ++n) {
-    addNeighbour(keys[k + n]);
+    add_neighbour(keys[k + n]);
   }
   return mean.mean();
 }
@@ -68,7 +68,7 @@ void smooth(std::vector<CornerKey>& keys, double sigma) {
 }
 
 std::vector<double> jumps(const std::vector<CornerKey>& keys, double share) {
-  const auto isJump = [&](const CornerKey& before, const CornerKey& after) {
+  const auto is_jump = [&](const CornerKey& before, const CornerKey& after) {
     const double largest = share * sizeOf(before.points);
     for (std::size_t c = 0; c < kCornerCount; ++c) {
       if (distance(before.points[c], after.points[c]) > largest) {
@@ -79,7 +79,7 @@ std::vector<double> jumps(const std::vector<CornerKey>& keys, double share) {
   };
   std::vector<double> frames;
   for (std::size_t k = 1; k < keys.size(); ++k) {
-    if (keys[k].frame - keys[k - 1].frame <= 1.0 && isJump(keys[k - 1], keys[k])) {
+    if (keys[k].frame - keys[k - 1].frame <= 1.0 && is_jump(keys[k - 1], keys[k])) {
       frames.push_back(keys[k].frame);
     }
   }

@@ -62,13 +62,13 @@ void moveKey(CornerKey& key, const CornerTrack& track, const Quadrilateral& sour
 }  // namespace
 
 bool isWholeLayer(const SourceCorners& corners) {
-  const auto isAt = [&](std::size_t corner, double x, double y) {
+  const auto is_at = [&](std::size_t corner, double x, double y) {
     const auto matches = [](const SourceCoordinate& c, double share) {
       return share == 0.0 ? c.value == 0.0 : c.is_share && c.value == 1.0;
     };
     return matches(corners[corner][0], x) && matches(corners[corner][1], y);
   };
-  return isAt(kUpperLeft, 0, 1) && isAt(kUpperRight, 1, 1) && isAt(kLowerLeft, 0, 0) && isAt(kLowerRight, 1, 0);
+  return is_at(kUpperLeft, 0, 1) && is_at(kUpperRight, 1, 1) && is_at(kLowerLeft, 0, 0) && is_at(kLowerRight, 1, 0);
 }
 
 void applySourceCorners(CornerTrack& track, Size layer) {

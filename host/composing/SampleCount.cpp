@@ -49,12 +49,12 @@ FilterError filterError(const Jacobian& j, int samples) {
 }
 
 int samplesForFilter(const Jacobian& layer_per_pixel) {
-  const auto isEnough = [&](int samples) {
+  const auto is_enough = [&](int samples) {
     const FilterError error = filterError(layer_per_pixel, samples);
     const double sharp_limit = samples == 1 ? kSharpLimitOfOne : kSharpLimit;
     return error.soft <= kSoftLimit && error.sharp <= sharp_limit && !leavesGaps(layer_per_pixel, samples);
   };
-  const auto* const found = std::find_if(kSampleCounts.begin(), kSampleCounts.end(), isEnough);
+  const auto* const found = std::find_if(kSampleCounts.begin(), kSampleCounts.end(), is_enough);
   return found == kSampleCounts.end() ? kMostSamples : *found;
 }
 

@@ -71,9 +71,9 @@ TEST(RgbKernels, EveryInstructionSetGivesTheScalarBits) {
       for (std::size_t i = 3; i < opaque.size(); i += 4) {
         opaque[i] = 1.0f;
       }
-      EXPECT_TRUE(kernels.isOpaque(opaque.data(), width)) << name;
+      EXPECT_TRUE(kernels.is_opaque(opaque.data(), width)) << name;
       opaque.back() = std::nextafter(1.0f, 0.0f);
-      EXPECT_FALSE(kernels.isOpaque(opaque.data(), width)) << name;
+      EXPECT_FALSE(kernels.is_opaque(opaque.data(), width)) << name;
     }
   }
 }

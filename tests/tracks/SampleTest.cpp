@@ -184,7 +184,7 @@ TEST(Samples, FourFilesOfOnePointEach) {
   for (const char* corner : {"ul", "ur", "ll", "lr"}) {
     texts.push_back(sampleText(std::string("columns_") + corner + ".txt"));
   }
-  const auto resolveAll = [&](std::vector<std::pair<const char*, std::size_t>> files) {
+  const auto resolve_all = [&](const std::vector<std::pair<const char*, std::size_t>>& files) {
     sources.clear();
     for (const auto& [name, which] : files) {
       sources.push_back({name, texts[which]});
@@ -195,10 +195,10 @@ TEST(Samples, FourFilesOfOnePointEach) {
   };
   // Named files in any order, and nameless ones in the usual order.
   expectSamplePositions(
-      resolveAll({{"a/track_lr.txt", 3}, {"a/track_ul.txt", 0}, {"a/track_ur.txt", 1}, {"a/track_ll.txt", 2}})->track);
-  expectSamplePositions(resolveAll({{"a.txt", 0}, {"b.txt", 1}, {"c.txt", 2}, {"d.txt", 3}})->track);
+      resolve_all({{"a/track_lr.txt", 3}, {"a/track_ul.txt", 0}, {"a/track_ur.txt", 1}, {"a/track_ll.txt", 2}})->track);
+  expectSamplePositions(resolve_all({{"a.txt", 0}, {"b.txt", 1}, {"c.txt", 2}, {"d.txt", 3}})->track);
   // Nameless in another order, which the corners' places tell.
-  const auto shuffled = resolveAll({{"a.txt", 3}, {"b.txt", 0}, {"c.txt", 1}, {"d.txt", 2}});
+  const auto shuffled = resolve_all({{"a.txt", 3}, {"b.txt", 0}, {"c.txt", 1}, {"d.txt", 2}});
   expectSamplePositions(shuffled->track);
   EXPECT_EQ(orderText(shuffled->order), "lr,ul,ur,ll");
 

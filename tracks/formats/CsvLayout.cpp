@@ -162,7 +162,7 @@ void splitCells(std::string_view line, char separator, std::vector<std::string_v
     splitWords(line.substr(0, line.find('#')), cells);
     return;
   }
-  const auto endOfCell = [&](std::size_t from) {
+  const auto end_of_cell = [&](std::size_t from) {
     while (from < line.size() && line[from] != separator && line[from] != '#') {
       ++from;
     }
@@ -174,9 +174,9 @@ void splitCells(std::string_view line, char separator, std::vector<std::string_v
     if (!line.empty() && line.front() == '"') {
       const std::size_t closing = std::min(line.find('"', 1), line.size());
       cells.push_back(line.substr(1, closing - 1));
-      end = endOfCell(closing);
+      end = end_of_cell(closing);
     } else {
-      end = endOfCell(0);
+      end = end_of_cell(0);
       cells.push_back(trimmed(line.substr(0, end)));
     }
     if (end == line.size() || line[end] == '#') {

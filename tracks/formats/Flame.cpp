@@ -138,15 +138,15 @@ void write(const CornerTrack& track, const CornerList& corners, std::string& tex
   const char* interpolation = track.interpolation == host::Interpolation::Hold ? "constant" : "linear";
   for (const Corner corner : corners) {
     for (const bool is_y : {false, true}) {
-      const auto valueOf = [&](const CornerKey& key) {
+      const auto value_of = [&](const CornerKey& key) {
         return coordinate(is_y ? key.points[corner].y : key.points[corner].x);
       };
       fmt::format_to(std::back_inserter(text), "Channel {}{}{}\n\tExtrapolation constant\n\tValue {}\n\tSize {}\n",
-                     kNames[corner], kTracked, is_y ? 'y' : 'x', valueOf(track.keys.front()), track.keys.size());
+                     kNames[corner], kTracked, is_y ? 'y' : 'x', value_of(track.keys.front()), track.keys.size());
       for (std::size_t k = 0; k < track.keys.size(); ++k) {
         fmt::format_to(std::back_inserter(text),
                        "\tKey {}\n\t\tFrame {}\n\t\tValue {}\n\t\tInterpolation {}\n\t\tEnd\n", k,
-                       frameText(track.keys[k].frame), valueOf(track.keys[k]), interpolation);
+                       frameText(track.keys[k].frame), value_of(track.keys[k]), interpolation);
       }
       text += "\tEnd\n";
     }

@@ -215,20 +215,20 @@ class JsonTrackReader {
   }
 
   Point readPosition(std::size_t member) {
-    const auto isNoPosition = [&] { failAt(memberPlace(member), "is not a position; write [x, y]"); };
+    const auto is_no_position = [&] { failAt(memberPlace(member), "is not a position; write [x, y]"); };
     if (json_.peek() != '[') {
-      isNoPosition();
+      is_no_position();
     }
     json_.open('[');
     std::array<double, 2> values{};
     for (std::size_t axis = 0; axis < 2; ++axis) {
       if (!json_.nextElement()) {
-        isNoPosition();
+        is_no_position();
       }
       values[axis] = json_.number([&] { return fmt::format("{}[{}]", memberPlace(member), axis); });
     }
     if (json_.nextElement()) {
-      isNoPosition();
+      is_no_position();
     }
     return {values[0], values[1]};
   }

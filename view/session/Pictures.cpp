@@ -192,12 +192,12 @@ void Pictures::hold(const host::Corners& corners, std::int32_t frame, const Regi
   const cli::RenderOptions& options = shot_.options;
   const host::Rect rect = reducedRect(drawn);
   if (options.feather > 0.0) {
-    const auto inDraft = [&](const host::Point& p) {
+    const auto in_draft = [&](const host::Point& p) {
       return host::Point{p.x / drawn.n - rect.left, p.y / drawn.n - rect.top};
     };
     cli::feather(picture,
-                 {inDraft(corners.upper_left), inDraft(corners.upper_right), inDraft(corners.lower_right),
-                  inDraft(corners.lower_left)},
+                 {in_draft(corners.upper_left), in_draft(corners.upper_right), in_draft(corners.lower_right),
+                  in_draft(corners.lower_left)},
                  options.feather / drawn.n);
   }
   if (options.opacity < 1.0) {
