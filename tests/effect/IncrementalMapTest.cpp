@@ -104,6 +104,25 @@ RC_GTEST_PROP(IncrementalMap, EqualsItsStepsToTheBitInBatches, ()) {
   }
 }
 
+// The neighbours below lie beyond a power of two, where every other value of the row is rounded.
+TEST(IncrementalMap, NeighboursBelowOfAnotherExponentAreSteppedTo) {
+  for (const double side : {1.0, -1.0}) {
+    const Stepper stepper{side * 1.5, side * 0x1p-52, side * 0.75};
+    double at = stepper.at;
+    for (int i = 0; i < kBatchPixels; ++i) {
+      at = at + stepper.right + stepper.right + stepper.down - stepper.right - stepper.down;
+    }
+    ASSERT_NE(at, stepper.at + kBatchPixels * stepper.right);
+    for (const InstructionSet set : availableSets()) {
+      IncrementalMap map{stepper, stepper, stepper};
+      map.u.wanted = map.v.wanted = map.w.wanted = 2 * kBatchPixels;
+      PixelBatch batch;
+      pixelBatchFunctions(set).footprints(&map, {1.0, 1.0}, kBatchPixels, &batch);
+      EXPECT_TRUE(sameBits(map.u.at, at) && sameBits(map.w.at, at)) << side;
+    }
+  }
+}
+
 TEST(IncrementalMap, TakesLongRangesAtOnce) {
   IncrementalMap map{{1000.0, 0.1, 0.3}, {1.0, 0.0, 0.0}, {0.7, -1e-5, 1e-5}};
   EXPECT_GE(constantExponentRange(&map), 200);
