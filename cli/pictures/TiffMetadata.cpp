@@ -130,10 +130,17 @@ void writeTag(TIFF* tiff, const GpsTag& tag, const Metadata& metadata) {
   }
 }
 
+// Frees what the current directory holds, its codec's state too. libtiff does neither when another directory is
+// created, and frees that state only when the compression changes.
+void freeDirectory(TIFF* tiff) {
+  TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
+  TIFFFreeDirectory(tiff);
+}
+
 // Writes a GPS directory. Returns its offset in the file; 0 if it could not be written.
 std::uint64_t writeGps(TIFF* tiff, const Metadata& metadata) {
   std::uint64_t place = 0;
-  TIFFFreeDirectory(tiff);  // libtiff forgets what the directory before it holds
+  freeDirectory(tiff);
   TIFFCreateGPSDirectory(tiff);
   constexpr std::array<std::uint8_t, 4> kVersion{2, 3, 0, 0};
   TIFFSetField(tiff, GPSTAG_VERSIONID, kVersion.data());
@@ -148,7 +155,7 @@ std::uint64_t writeFilmSpeed(TIFF* tiff, double speed) {
   std::uint64_t place = 0;
   const bool has_exif = TIFFGetField(tiff, TIFFTAG_EXIFIFD, &place) == 1;
   if (!has_exif) {
-    TIFFFreeDirectory(tiff);
+    freeDirectory(tiff);
   }
   if (has_exif ? TIFFReadEXIFDirectory(tiff, place) != 1 : TIFFCreateEXIFDirectory(tiff) != 0) {
     return 0;
