@@ -122,6 +122,26 @@ bool startAtTop(const M_FixedPoint* corners, EdgeWalker* walker) {
   return true;
 }
 
+void skipRowsAbove(std::int64_t y, EdgeWalker* walker) {
+  if (walker->coverage != 0) {
+    return;
+  }
+  std::int64_t last = M_Min(y - 1, std::int64_t{walker->y_max} - kFixedOne);
+  if (walker->a.next != walker->b.next) {
+    for (const EdgeChain* chain : {&walker->a, &walker->b}) {
+      last = M_Min(last, std::int64_t{walker->corners[chain->next].y} - 1);
+    }
+  }
+  const std::int64_t rows = (last - walker->y) / kFixedOne;
+  if (rows <= 0) {
+    return;
+  }
+  walker->y += rows * kFixedOne;
+  for (EdgeChain* chain : {&walker->a, &walker->b}) {
+    chain->x = wrapAdd(chain->x, wrapMul(chain->slope, static_cast<std::int32_t>(rows)));
+  }
+}
+
 bool nextRow(EdgeWalker* walker) {
   stepRow(walker);
   if (walker->y >= walker->y_max) {

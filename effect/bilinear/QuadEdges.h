@@ -33,6 +33,9 @@ struct EdgeWalker {
 // Starts at the top row. False when all corners lie on one row, so that there is nothing to draw.
 bool startAtTop(const M_FixedPoint* corners, EdgeWalker* walker);
 
+// Moves on towards `y`, 16.16, in one go to a row above it, as far as neither chain comes to another edge.
+void skipRowsAbove(std::int64_t y, EdgeWalker* walker);
+
 // Moves on to the next row. False when there is none.
 bool nextRow(EdgeWalker* walker);
 

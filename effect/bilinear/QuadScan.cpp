@@ -17,8 +17,15 @@ void scanQuad(const PF_LayerDef& input, const M_FixedPoint* source, const M_Fixe
   EdgeWalker walker;
   QuadSpan before{};
   for (bool has_row = startAtTop(corners, &walker); has_row; has_row = nextRow(&walker)) {
+    if (walker.y >= world_bottom) {
+      return;
+    }
+    if (walker.y < 0) {
+      skipRowsAbove(0, &walker);
+      continue;
+    }
     QuadSpan span;
-    if (walker.y < 0 || walker.y >= world_bottom || !rowSpan(walker, source, &span)) {
+    if (!rowSpan(walker, source, &span)) {
       continue;
     }
     const OutputRow row{static_cast<std::byte*>(output.data) + (walker.y >> 16) * output.row_bytes, output.width,

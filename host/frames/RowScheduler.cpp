@@ -62,9 +62,9 @@ void RowScheduler::runRow(Pass& pass, std::int32_t y) {
     pass.fail(code);
     return;
   }
-  // Counted only for the progress callback: the atomic increment waits for the row's stores, which is noticeable when
-  // rows are short.
-  if (progress_ != nullptr) {
+  // Counted only where there is progress to report: the atomic increment waits for the row's stores, which is
+  // noticeable when rows are short.
+  if (progress_ != nullptr && pass.share_per_row > 0.0) {
     const std::int32_t done = pass.rows_done.fetch_add(1, std::memory_order_relaxed) + 1;
     report(pass.share_begin + pass.share_per_row * done);
     const std::lock_guard lock(mutex_);
