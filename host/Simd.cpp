@@ -1,5 +1,6 @@
 #include "host/Simd.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <iterator>
 #include <string>
@@ -48,10 +49,9 @@ Result<void> checkChoice() {
 std::array<SimdVariant, 3> simdVariants() noexcept {
   std::array<SimdVariant, 3> variants{};
   static_assert(std::size(kInstructionSets) == variants.size());
-  for (std::size_t i = 0; i < variants.size(); ++i) {
-    const InstructionSet set = kInstructionSets[i];
-    variants[i] = {instructionSetName(set), isAvailable(set), set == activeInstructionSet()};
-  }
+  std::ranges::transform(kInstructionSets, variants.begin(), [](InstructionSet set) {
+    return SimdVariant{instructionSetName(set), isAvailable(set), set == activeInstructionSet()};
+  });
   return variants;
 }
 

@@ -108,10 +108,10 @@ std::vector<JpegSegment> jpegSegments(std::string_view file) {
   constexpr int kComment = 0xFE;
   constexpr int kScan = 0xDA;
   std::vector<JpegSegment> segments;
-  const auto byte = [&](std::size_t at) { return static_cast<int>(static_cast<unsigned char>(file[at])); };
+  const auto byte = [&](std::size_t at) { return std::size_t{static_cast<unsigned char>(file[at])}; };
   for (std::size_t at = 2; at + 4 <= file.size() && byte(at + 1) != kScan;) {
-    const int marker = byte(at + 1);
-    const auto length = static_cast<std::size_t>(byte(at + 2) * 256 + byte(at + 3));
+    const auto marker = static_cast<int>(byte(at + 1));
+    const std::size_t length = byte(at + 2) * 256 + byte(at + 3);
     if ((marker >= kFirst && marker <= kLast && marker != kProfile) || marker == kComment) {
       segments.push_back({marker, std::string(file.substr(at + 4, length - 2))});
     }

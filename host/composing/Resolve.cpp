@@ -16,12 +16,13 @@ namespace {
 constexpr int kChannels = 4;
 constexpr int kBatch = 64;  // pixels averaged at a time, so that their sums stay in the L1 cache
 
+// The value, 0 or more, as a channel: to the nearest integer, halves up.
 template <typename Channel>
 Channel rounded(double value) {
   if constexpr (std::is_floating_point_v<Channel>) {
     return static_cast<Channel>(value);
   } else {
-    return static_cast<Channel>(value + 0.5);
+    return static_cast<Channel>(value + 0.5);  // NOLINT(bugprone-incorrect-roundings)
   }
 }
 
