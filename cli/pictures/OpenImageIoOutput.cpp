@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -20,6 +21,7 @@
 #include "cli/pictures/PictureOutput.h"
 #include "cli/pictures/RowEncoder.h"
 #include "cli/pictures/SampleTypes.h"
+#include "cli/pictures/TiffFaults.h"
 #include "cli/pictures/TiffMetadata.h"
 
 namespace vantorel::cli {
@@ -135,6 +137,7 @@ class OpenImageIoOutput : public PictureOutput {
     if (!format.needs_path) {
       output_->set_ioproxy(&sink_);
     }
+    takeTiffFault();
     if (!output_->open(format.needs_path ? file_.temporaryPath() : path, describe(format, picture))) {
       throw failure();
     }
@@ -148,23 +151,34 @@ class OpenImageIoOutput : public PictureOutput {
                                   static_cast<OIIO::stride_t>(type.size()) * 4, rows.row_bytes)) {
       throw failure();
     }
+    throwIfFailed();
   }
 
   void close() override {
     const bool closed = output_->close();
-    file_.throwIfFailed();
+    throwIfFailed();
     if (!closed) {
       throw failure();
     }
     if (picture_.metadata && std::strcmp(output_->format_name(), "tiff") == 0 &&
         !writeTiffMetadata(file_.temporaryPath(), *picture_.metadata)) {
+      throwIfFailed();
       throw unwritablePicture(path_, "its attributes do not fit");
     }
   }
 
  private:
-  CommandError failure() {
+  // OpenImageIO's writers do not report all that fails below them.
+  void throwIfFailed() {
+    if (const int fault = takeTiffFault(); fault != 0) {
+      errno = fault;
+      file_.note(false);
+    }
     file_.throwIfFailed();
+  }
+
+  CommandError failure() {
+    throwIfFailed();
     return unwritablePicture(path_, output_->geterror());
   }
 

@@ -4,7 +4,8 @@
 #include <cstring>
 #include <random>
 
-namespace vantorel::host::testing {
+namespace vantorel::host {
+inline namespace testing {
 
 Corners rectangle(double left, double top, double right, double bottom) {
   return {{left, top}, {right, top}, {left, bottom}, {right, bottom}};
@@ -150,4 +151,5 @@ Instance instanceWith(const Corners& corners) {
   return instanceWith(checkedEffect(), corners);
 }
 
-}  // namespace vantorel::host::testing
+}  // namespace testing
+}  // namespace vantorel::host

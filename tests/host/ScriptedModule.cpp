@@ -2,7 +2,8 @@
 
 #include <cstring>
 
-namespace vantorel::host::testing {
+namespace vantorel::host {
+inline namespace testing {
 
 namespace {
 
@@ -88,4 +89,5 @@ std::int32_t failWithMessage(const Call& call, const char* message, std::int32_t
   return code;
 }
 
-}  // namespace vantorel::host::testing
+}  // namespace testing
+}  // namespace vantorel::host
