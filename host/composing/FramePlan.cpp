@@ -49,16 +49,6 @@ int neededIn(const FramePlan& plan, const ConvexPolygon& part) {
   return needed;
 }
 
-bool coversAll(const CoverageRegion& region, const Rect& part) {
-  for (int y = part.top; y < part.bottom; ++y) {
-    const RowCoverage row = region.row(y);
-    if (row.solid_begin > part.left || row.solid_end < part.right) {
-      return false;
-    }
-  }
-  return true;
-}
-
 // At its borders the scan takes colours from up to a sample away; with finer samples this distance is small.
 constexpr int kSamplesAtBorders = 4;
 
@@ -70,7 +60,7 @@ int neededInsideScan(const FramePlan& plan) {
 
 int neededByScan(const FramePlan& plan, const Rect& part) {
   const int needed = neededInsideScan(plan);
-  return needed >= kSamplesAtBorders || coversAll(plan.region, part) ? needed : kSamplesAtBorders;
+  return needed >= kSamplesAtBorders || plan.region.covers(part) ? needed : kSamplesAtBorders;
 }
 
 Corners cornersOf(const Box& box) {

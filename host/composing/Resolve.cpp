@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
+#include <utility>
 
 #include "host/composing/SampleCount.h"
 
@@ -80,11 +81,10 @@ struct SampleRows {
   int solid_end = 0;
   int end = 0;
 
-  SampleRows(const CoverageRegion& region, int first_row) {
+  SampleRows(const CoverageRegion& region, int first_row)
+      : rows(rowsOf(region, first_row, std::make_integer_sequence<int, kSamples>())) {
     bool found = false;
-    for (int r = 0; r < kSamples; ++r) {
-      RowCoverage& row = rows[static_cast<std::size_t>(r)];
-      row = region.row(first_row + r);
+    for (const RowCoverage& row : rows) {
       if (row.begin < row.end) {
         const int row_begin = floorDivided(row.begin);
         const int row_end = -floorDivided(-row.end);
@@ -109,6 +109,12 @@ struct SampleRows {
   }
 
  private:
+  template <int... kRows>
+  static std::array<RowCoverage, sizeof...(kRows)> rowsOf(const CoverageRegion& region, int first_row,
+                                                          std::integer_sequence<int, kRows...> /*rows*/) {
+    return {region.row(first_row + kRows)...};
+  }
+
   static int floorDivided(int value) { return value >= 0 ? value / kSamples : -((-value + kSamples - 1) / kSamples); }
 };
 

@@ -66,12 +66,15 @@ void enlargeRow(const Channel* upper, const Channel* lower, int begin, int end, 
     enlargeRun(upper, upper, lower, lower, 1, out);
     ++x;
   }
-  for (; x < end; x += kRunLength) {
+  const auto run = [&](int count) {
     const int here = x * kChannels;
     const int before = here - kChannels;
-    enlargeRun(upper + before, upper + here, lower + before, lower + here, std::min(kRunLength, end - x),
-               out + 2 * kChannels * (x - begin));
+    enlargeRun(upper + before, upper + here, lower + before, lower + here, count, out + 2 * kChannels * (x - begin));
+  };
+  for (; x + kRunLength <= end; x += kRunLength) {
+    run(kRunLength);
   }
+  run(std::max(end - x, 0));
 }
 
 template <typename Channel>

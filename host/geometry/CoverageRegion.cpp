@@ -10,6 +10,9 @@ namespace vantorel::host {
 
 namespace {
 
+// The heights of adjoining trapezoids in a row add up to 1 within this.
+constexpr double kRounding = 1e-9;
+
 // Beyond every canvas, but within the range of an int.
 constexpr double kFar = 1 << 30;
 
@@ -30,6 +33,12 @@ double xAt(const Point& from, const Point& to, double y) {
 }
 
 }  // namespace
+
+CoverageRegion::Span CoverageRegion::bordersOf(const Trapezoid& trapezoid, double y) {
+  const double share = (y - trapezoid.top) / (trapezoid.bottom - trapezoid.top);
+  return {between(trapezoid.left_at_top, trapezoid.left_at_bottom, share),
+          between(trapezoid.right_at_top, trapezoid.right_at_bottom, share)};
+}
 
 // The mean, over the border's height, of the width of the part of [x, x + 1) that is to the right of it.
 double RowCoverage::shareRightOf(const Border& border, double x) {
@@ -158,7 +167,6 @@ RowCoverage CoverageRegion::row(int y) const {
   if (row.count_ == 0) {
     return row;
   }
-  constexpr double kRounding = 1e-9;  // the heights of adjoining trapezoids add up to 1 within this
   row.begin = floorOf(left.low);
   row.end = std::max(row.begin, ceilOf(right.high));
   row.solid_begin = ceilOf(left.high);
@@ -168,6 +176,24 @@ RowCoverage CoverageRegion::row(int y) const {
     row.solid_end = row.end;
   }
   return row;
+}
+
+// Borders are straight, so they are furthest inside the part where a trapezoid enters or leaves it.
+bool CoverageRegion::covers(const Rect& part) const {
+  if (empty() || trapezoids_[0].top > part.top + kRounding ||
+      trapezoids_[static_cast<std::size_t>(count_ - 1)].bottom < part.bottom - kRounding) {
+    return false;
+  }
+  return std::all_of(trapezoids_.begin(), trapezoids_.begin() + count_, [&](const Trapezoid& trapezoid) {
+    const double top = std::max(trapezoid.top, static_cast<double>(part.top));
+    const double bottom = std::min(trapezoid.bottom, static_cast<double>(part.bottom));
+    if (!(top < bottom)) {
+      return true;
+    }
+    const Span at_top = bordersOf(trapezoid, top);
+    const Span at_bottom = bordersOf(trapezoid, bottom);
+    return std::max(at_top.left, at_bottom.left) <= part.left && std::min(at_top.right, at_bottom.right) >= part.right;
+  });
 }
 
 Box CoverageRegion::bounds() const {
@@ -187,9 +213,7 @@ CoverageRegion::Span CoverageRegion::spanAt(double y) const {
   for (int i = 0; i < count_; ++i) {
     const Trapezoid& part = trapezoids_[static_cast<std::size_t>(i)];
     if (y >= part.top && y < part.bottom) {
-      const double share = (y - part.top) / (part.bottom - part.top);
-      return {between(part.left_at_top, part.left_at_bottom, share),
-              between(part.right_at_top, part.right_at_bottom, share)};
+      return bordersOf(part, y);
     }
   }
   return {0.0, 0.0};

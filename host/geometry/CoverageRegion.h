@@ -3,6 +3,7 @@
 
 #include <array>
 
+#include "host/Image.h"
 #include "host/geometry/ConvexPolygon.h"
 
 namespace vantorel::host {
@@ -41,8 +42,9 @@ class RowCoverage {
   static double shareRightOf(const Border& border, double x);
 
   static constexpr int kMostBorders = 2 * ConvexPolygon::kMostPoints;
-  std::array<Border, kMostBorders / 2> left_{};
-  std::array<Border, kMostBorders / 2> right_{};
+  // Only the first count_ are set: to clear the rest would take longer than all else.
+  std::array<Border, kMostBorders / 2> left_;
+  std::array<Border, kMostBorders / 2> right_;
   int count_ = 0;
 };
 
@@ -62,6 +64,9 @@ class CoverageRegion {
 
   RowCoverage row(int y) const;
 
+  // Whether every pixel of a part that is not empty is one of its row's solid ones.
+  bool covers(const Rect& part) const;
+
   bool empty() const { return count_ == 0; }
   Box bounds() const;
 
@@ -73,6 +78,7 @@ class CoverageRegion {
   Span spanAt(double y) const;
 
  private:
+  static Span bordersOf(const Trapezoid& trapezoid, double y);
   void add(const Trapezoid& trapezoid);
 
   static constexpr int kMostTrapezoids = ConvexPolygon::kMostPoints;

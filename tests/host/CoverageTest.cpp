@@ -102,6 +102,28 @@ TEST(CoverageTest, BetweenChainsFillsNotchAndCrossingRowByRow) {
   EXPECT_TRUE(CoverageRegion::betweenChains({{1, 3}, {5, 3}, {2, 3}, {9, 3}}).empty());
 }
 
+TEST(CoverageTest, CoversAPartIfEveryPixelIsSolid) {
+  std::mt19937 random(7);
+  std::uniform_real_distribution<double> place(0.0, kGrid);
+  const auto point = [&] {
+    return Point{std::round(4.0 * place(random)) / 4.0, std::round(2.0 * place(random)) / 2.0};
+  };
+  int covered = 0;
+  for (int i = 0; i < 400; ++i) {
+    const CoverageRegion region = CoverageRegion::betweenChains({point(), point(), point(), point()});
+    for (const auto [x, y] : pixelsOf(Rect{0, 0, kGrid - 4, kGrid - 4})) {
+      const Rect part{x, y, x + 1 + i % 3, y + 1 + i % 4};
+      bool is_solid = true;
+      for (int row = part.top; row < part.bottom; ++row) {
+        is_solid &= region.row(row).solid_begin <= part.left && region.row(row).solid_end >= part.right;
+      }
+      ASSERT_EQ(is_solid, region.covers(part)) << "quadrilateral " << i << ", " << x << ", " << y;
+      covered += is_solid;
+    }
+  }
+  EXPECT_GT(covered, 1000);
+}
+
 TEST(CoverageTest, OnAFinerGridEveryPixelIsTheMeanOfItsParts) {
   const CoverageRegion region{ConvexPolygon(Corners{{2.3, 1.6}, {20.1, 4.4}, {5.5, 21.2}, {17.9, 16.3}})};
   const CoverageRegion fine = region.onGrid({3, 2}, 4);
