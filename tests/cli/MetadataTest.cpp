@@ -2,6 +2,7 @@
 #include <OpenEXR/ImfChannelList.h>
 #include <OpenEXR/ImfFrameBuffer.h>
 #include <OpenEXR/ImfMatrixAttribute.h>
+#include <OpenEXR/ImfRationalAttribute.h>
 #include <OpenEXR/ImfStandardAttributes.h>
 #include <OpenEXR/ImfThreading.h>
 #include <gtest/gtest.h>
@@ -33,6 +34,7 @@ TEST(Metadata, OpenExrHasThePositionInDegreesAndMatricesAsMatrices) {
   metadata.set(numberAttribute("GPS:Altitude", 120.5f));
   metadata.set(numberAttribute("GPS:AltitudeRef", 1));
   metadata.set(attribute("worldToCamera", "matrix", matrix));
+  metadata.set(attribute("captureRate", "rational", std::array<std::int32_t, 2>{24, 0}));
   Imf::Header header;
   addAttributes(header, metadata);
   ASSERT_TRUE(Imf::hasLatitude(header) && Imf::hasLongitude(header) && Imf::hasAltitude(header));
@@ -42,6 +44,9 @@ TEST(Metadata, OpenExrHasThePositionInDegreesAndMatricesAsMatrices) {
   const auto* const written = header.findTypedAttribute<Imf::M44fAttribute>("worldToCamera");
   ASSERT_NE(nullptr, written);
   EXPECT_EQ(matrix, written->value());
+  const auto* const rate = header.findTypedAttribute<Imf::RationalAttribute>("captureRate");
+  ASSERT_NE(nullptr, rate);
+  EXPECT_EQ(1u, rate->value().d);  // 0 is not one that can be read
 }
 
 TEST(Metadata, JpegHasItsDensityInTheUnitThatIsStated) {

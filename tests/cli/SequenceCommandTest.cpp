@@ -133,7 +133,13 @@ TEST(SequenceCommand, ResumeRendersWhatIsMissingOldDamagedOrMadeInAnotherWay) {
   EXPECT_EQ(
       resumed(folder, std::string(kShot) + " --quality standard", {"made with other options: frames 1-5\n"}).size(),
       5u);
-  // Newer keyframes make every frame old.
+  // Other keyframes change all, and newer ones make every frame old.
+  const auto track_time = fs::last_write_time(folder / "track.csv");
+  folder.write("track.csv", "1,1,0,60,0,0,40,60,40\n5,41,20,120,10,30,80,130,90\n");
+  fs::last_write_time(folder / "track.csv", track_time);
+  EXPECT_EQ(
+      resumed(folder, std::string(kShot) + " --quality standard", {"made with other options: frames 1-5\n"}).size(),
+      5u);
   fs::last_write_time(folder / "track.csv", later + std::chrono::hours(1));
   EXPECT_EQ(resumed(folder, std::string(kShot) + " --quality standard", {"older than the inputs: frames 1-5"}).size(),
             5u);

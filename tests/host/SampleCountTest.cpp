@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "host/composing/FramePlan.h"
 #include "tests/Pixels.h"
 
 namespace vantorel::host {
@@ -70,6 +71,19 @@ TEST(SampleCountTest, StepsOfAtMostALayerPixel) {
   EXPECT_EQ(1, samplesForSteps(1.0));
   EXPECT_EQ(4, samplesForSteps(2.5));
   EXPECT_EQ(8, samplesForSteps(100.0));
+}
+
+TEST(SampleCountTest, AScanNeedsAsManyAsTheLayerIsShrunkWhereverItLies) {
+  FrameOptions best;
+  best.quality = Quality::Best;
+  for (const double x : {0.0, 5000.0}) {
+    // Crossed, a quarter as wide and half as high as the layer, which is drawn inside of it.
+    const Corners crossed{{x, 0}, {x + 200, 400}, {x + 200, 0}, {x, 400}};
+    const FramePlan plan(crossed, {}, 800, 800, {800, 800}, best);
+    ASSERT_EQ(RenderPath::Bilinear, plan.path);
+    const int left = static_cast<int>(x);
+    EXPECT_EQ(4, samplesFor(plan, {left + 96, 40, left + 104, 48}));
+  }
 }
 
 TEST(SampleCountTest, TheBoxIsTheSmallestWhereNoNeighbourLiesFartherThanALayerPixel) {

@@ -39,6 +39,9 @@ TEST(Resolve, AppliesEveryConvention) {
   EXPECT_EQ(pointsOf(shares, {{}, Units::Fraction, Basis::Layer, {}, {}, {}, {}}, hd)[kUpperLeft], (Point{100, 20}));
   EXPECT_EQ(pointsOf(row, {Origin::LowerLeft, Units::Percent, Basis::Layer, {}, {}, {}, {}}, hd)[kUpperLeft],
             (Point{40, 160}));
+  const std::string halves = "1 0.5 0.25 0.9 0.25 0.5 0.8 0.9 0.8\n";  // of half the height, from the centre
+  EXPECT_EQ(pointsOf(halves, {{}, Units::HalfHeights, {}, {}, {}, {}, {}}, hd)[kUpperLeft], (Point{1230, 675}));
+  EXPECT_EQ(pointsOf(halves, {{}, Units::HalfHeights, {}, {}, {}, 2.0, {}}, hd)[kUpperLeft], (Point{1200, 675}));
 }
 
 TEST(Resolve, TellsWhatItAssumedOnce) {
@@ -55,6 +58,9 @@ TEST(Resolve, TellsWhatItAssumedOnce) {
   unsized.sizes.layer = kFrame;
   EXPECT_NE(faultText(resolveTrack(*readText(sampleText("shake.txt")), unsized)).find("tracked picture's size"),
             std::string::npos);
+  unsized.sizes = {kFrame, {}};
+  unsized.given = {{}, Units::Fraction, Basis::Layer, {}, {}, {}, {}};
+  EXPECT_NE(faultText(resolveTrack(*readText(sampleText("own.csv")), unsized)).find("layer's size"), std::string::npos);
 }
 
 // By the status that the tracker gives them.
@@ -190,6 +196,10 @@ TEST(Plot, DrawsPathsAndSpeedsToScale) {
                                     "<polygon points=\" 319,40 779,40 779,500 319,500\"",
                                     "<polyline points=\" 641,500 687,500 779,500 779,500\"",
                                     "<polyline points=\" 480,640 920,580\"", "up to 20 pixels a frame"});
+  // To the left just as well.
+  const CornerTrack back = resolveText(squares({{1, 30}, {2, 20}, {3, 0}}))->track;
+  expect_lines(plotSvg(back, {}), {"<polygon points=\" 319,40 779,40 779,500 319,500\"",
+                                   "<polygon points=\" 181,40 641,40 641,500 181,500\""});
   expect_lines(plotSvg(track, kFrame), {"<polygon points=\" 71.11,40 888.89,40 888.89,500 71.11,500\""});
 }
 
