@@ -103,6 +103,19 @@ TEST(Samples, EveryFormatIsFoundByItsContentGivesTheSamePositionsAndIsWrittenBac
   }
 }
 
+TEST(Samples, TracksOfALargerPictureAreScaledToTheOutput) {
+  for (const char* file : {"matchmover.rz2", "maya.txt"}) {  // which state the picture's size
+    SCOPED_TRACE(file);
+    ResolveOptions options;
+    options.sizes = {{kFrame.width / 2, kFrame.height / 2}, kFrame};
+    const auto resolved = resolveText(sampleText(file), options);
+    ASSERT_TRUE(resolved) << faultText(resolved);
+    const Point& corner = resolved->track.keys.at(1).points[kLowerRight];
+    EXPECT_NEAR(expectedAt(2)[kLowerRight].x / 2, corner.x, 1.0 / 65536.0);
+    EXPECT_NEAR(expectedAt(2)[kLowerRight].y / 2, corner.y, 1.0 / 65536.0);
+  }
+}
+
 TEST(Samples, BoxesAreReadAndWrittenBack) {
   const auto read = readText(sampleText("mlt.txt"));
   ASSERT_TRUE(read) << faultText(read);
