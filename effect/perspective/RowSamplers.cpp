@@ -122,9 +122,7 @@ void sampleColumns(const KZFX_PerspectiveInfo& info, const ColumnRange& columns,
   constexpr bool kIsHigh = kQuality == SamplingQuality::High;
   InputScale scale;
   IncrementalMap map = kIsHigh ? highQualityMap(info, x, y, &scale) : standardMap(info, x, y, &scale);
-  if (columns.first > x) {
-    advance(&map, static_cast<int>(columns.first - x));
-  }
+  advance(&map, static_cast<int>(columns.first - x));
   std::int64_t remaining = columns.end - columns.first;
   // A batch computes whole vectors.
   constexpr int kVectorPixels = 8;
