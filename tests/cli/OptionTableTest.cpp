@@ -31,7 +31,7 @@ Names namesOf(const std::vector<OptionRow<Options>>& table) {
 }
 
 std::string document(const std::string& name) {
-  const std::string text = contents(std::string(VANTOREL_DOCS "/") + name);
+  std::string text = contents(std::string(VANTOREL_DOCS "/") + name);
   EXPECT_NE(text, "") << name;
   return text;
 }

@@ -169,7 +169,7 @@ TEST(Samples, WhatAFormatCannotSayBetweenKeysIsWrittenOnEveryFrame) {
       ASSERT_TRUE(again) << faultText(again);
       EXPECT_EQ(keys, again->track.keys.size());
       const host::AnimatedPoint written = animated(again->track, kUpperLeft);
-      for (double frame = 1.0; frame <= 10.0; frame += 1.0) {
+      for (int frame = 1; frame <= 10; ++frame) {
         EXPECT_NEAR(expected.at(frame).x, written.at(frame).x, 1e-5) << frame;
       }
     }
