@@ -1,92 +1,46 @@
 // What an OpenEXR plate holds besides its picture, in and out, by OpenEXR's own library.
 #include <OpenEXR/ImfBoxAttribute.h>
-#include <OpenEXR/ImfChannelList.h>
 #include <OpenEXR/ImfFloatVectorAttribute.h>
-#include <OpenEXR/ImfFrameBuffer.h>
-#include <OpenEXR/ImfInputFile.h>
 #include <OpenEXR/ImfInputPart.h>
 #include <OpenEXR/ImfMultiPartInputFile.h>
-#include <OpenEXR/ImfMultiPartOutputFile.h>
-#include <OpenEXR/ImfOutputFile.h>
-#include <OpenEXR/ImfOutputPart.h>
-#include <OpenEXR/ImfPartType.h>
-#include <OpenEXR/ImfStandardAttributes.h>
 #include <OpenEXR/ImfStringAttribute.h>
 #include <gtest/gtest.h>
 
 #include <map>
-#include <numeric>
-#include <random>
 #include <set>
 
 #include "CommandRunner.h"
+#include "ExrFiles.h"
 
 namespace vantorel::cli {
 namespace {
 
 using Imath::Box2i;
 
-struct PixelsOfChannel {
-  std::vector<char> bytes;
-  Imf::Slice slice;
-};
-
-// Memory for a channel of that window.
-PixelsOfChannel pixelsOf(const Imf::Channel& channel, const Box2i& window) {
-  const std::size_t sample = channel.type == Imf::HALF ? 2 : 4;
-  const auto width = static_cast<std::size_t>(window.size().x) + 1;
-  const auto height = static_cast<std::size_t>(window.size().y) + 1;
-  PixelsOfChannel pixels{std::vector<char>(sample * width * height), {}};
-  pixels.slice = Imf::Slice::Make(channel.type, pixels.bytes.data(), window, sample, sample * width);
-  return pixels;
-}
-
-Imf::Header plateHeader(const Box2i& data, const char* name,
-                        std::initializer_list<std::pair<const char*, Imf::PixelType>> channels) {
-  Imf::Header header(Box2i({10, 20}, {73, 55}), data);
-  header.setName(name);
-  header.setType(Imf::SCANLINEIMAGE);
-  header.compression() = Imf::PIZ_COMPRESSION;
-  header.insert("shot", Imf::StringAttribute(name));
+void describePlate(Imf::Header& header) {
+  header.insert("shot", Imf::StringAttribute(header.name()));
   header.insert("lens", Imf::FloatVectorAttribute({1.5f, 2.0f}));
-  header.insert("region", Imf::Box2iAttribute(data));
+  header.insert("region", Imf::Box2iAttribute(header.dataWindow()));
   Imf::addFramesPerSecond(header, Imf::Rational(24000, 1001));
-  for (const auto& [channel, type] : channels) {
-    header.channels().insert(channel, Imf::Channel(type));
-  }
-  return header;
 }
 
-// 12 channels and two parts, of random bits but for the picture's.
+// Halves and floats of these bits are small, and none is NaN or infinite.
+constexpr std::uint32_t kSmall = 0x37373737;
+
+// 12 channels and two parts.
 void writePlate(const std::string& path, const Box2i& data) {
-  const std::vector<Imf::Header> headers{plateHeader(data, "beauty",
-                                                     {{"R", Imf::HALF},
-                                                      {"G", Imf::HALF},
-                                                      {"B", Imf::HALF},
-                                                      {"Z", Imf::FLOAT},
-                                                      {"id", Imf::UINT},
-                                                      {"glow.R", Imf::HALF},
-                                                      {"glow.G", Imf::HALF},
-                                                      {"glow.B", Imf::HALF},
-                                                      {"normal.X", Imf::FLOAT},
-                                                      {"normal.Y", Imf::FLOAT}}),
-                                         plateHeader(data, "depth", {{"Z", Imf::FLOAT}, {"mask", Imf::HALF}})};
-  Imf::MultiPartOutputFile file(path.c_str(), headers.data(), 2);
-  std::mt19937 random(7);
-  for (int part = 0; part < 2; ++part) {
-    Imf::FrameBuffer buffer;
-    std::vector<PixelsOfChannel> memory;
-    const Imf::ChannelList& channels = headers[static_cast<std::size_t>(part)].channels();
-    for (auto channel = channels.begin(); channel != channels.end(); ++channel) {
-      memory.push_back(pixelsOf(channel.channel(), data));
-      // Halves and floats of which none is NaN, infinite or so large that it overflows over the picture.
-      std::ranges::generate(memory.back().bytes, [&] { return static_cast<char>(random() % 0x38); });
-      buffer.insert(channel.name(), memory.back().slice);
-    }
-    Imf::OutputPart output(file, part);
-    output.setFrameBuffer(buffer);
-    output.writePixels(data.max.y - data.min.y + 1);
-  }
+  using enum Imf::PixelType;
+  const ExrPart depth{.channels = {{"Z", FLOAT}, {"mask"}},
+                      .compression = Imf::PIZ_COMPRESSION,
+                      .data = data,
+                      .display = {{10, 20}, {73, 55}},
+                      .name = "depth",
+                      .describe = describePlate};
+  ExrPart beauty = depth;
+  beauty.name = "beauty";
+  beauty.channels = {{"R"},      {"G"},      {"B"},      {"Z", FLOAT},        {"id", UINT},
+                     {"glow.R"}, {"glow.G"}, {"glow.B"}, {"normal.X", FLOAT}, {"normal.Y", FLOAT}};
+  writeExr(path, {beauty, depth}, kSmall);
 }
 
 // The bits of every channel of a part within the window.
@@ -94,18 +48,26 @@ std::map<std::string, std::vector<char>> channelsOf(Imf::MultiPartInputFile& fil
   std::map<std::string, std::vector<char>> read;
   const Imf::Header& header = file.header(part);
   const Box2i whole = header.dataWindow();
-  for (auto channel = header.channels().begin(); channel != header.channels().end(); ++channel) {
-    const PixelsOfChannel pixels = pixelsOf(channel.channel(), whole);
+  const auto width = static_cast<std::size_t>(whole.size().x + 1);
+  const auto height = static_cast<std::size_t>(whole.size().y + 1);
+  for (auto each = header.channels().begin(); each != header.channels().end(); ++each) {
+    const Imf::Channel& channel = each.channel();
+    const std::size_t sample = channel.type == Imf::HALF ? 2 : 4;
+    std::vector<char> memory(sample * width * height);
+    const auto slice = Imf::Slice::Make(channel.type, memory.data(), whole, sample, sample * width, channel.xSampling,
+                                        channel.ySampling);
     Imf::FrameBuffer buffer;
-    buffer.insert(channel.name(), pixels.slice);
+    buffer.insert(each.name(), slice);
     Imf::InputPart input(file, part);
     input.setFrameBuffer(buffer);
     input.readPixels(whole.min.y, whole.max.y);
-    std::vector<char>& bytes = read[channel.name()];
-    for (int y = window.min.y; y <= window.max.y; ++y) {
-      const char* const row = pixels.slice.base + y * static_cast<std::ptrdiff_t>(pixels.slice.yStride);
-      const auto sample = static_cast<std::ptrdiff_t>(pixels.slice.xStride);
-      bytes.insert(bytes.end(), row + window.min.x * sample, row + (window.max.x + 1) * sample);
+    const auto at = [&](int x, int y) {
+      return slice.base + y / channel.ySampling * static_cast<std::ptrdiff_t>(slice.yStride) +
+             x / channel.xSampling * static_cast<std::ptrdiff_t>(slice.xStride);
+    };
+    std::vector<char>& bytes = read[each.name()];
+    for (int y = window.min.y; y <= window.max.y; y += channel.ySampling) {
+      bytes.insert(bytes.end(), at(window.min.x, y), at(window.max.x, y) + sample);
     }
   }
   return read;
@@ -173,9 +135,8 @@ TEST(OpenExrPlate, EverythingButThePictureComesOutAsItWentIn) {
 }
 
 TEST(OpenExrPlate, OverscanIsDrawnOnAndPackingIsChosen) {
-  const TestFolder folder;
+  const FolderWithCard folder("32x24");
   writePlate(folder / "plate.exr", kOverscan);
-  runWell(folder, "testcard -o card.png --size 32x24");
   const auto lines = runWell(folder,
                              "render card.png -o out.exr --over plate.exr --compression zips --json "
                              "--ul -6,-8 --ur 70,-8 --ll -6,41 --lr 70,41")
@@ -190,50 +151,32 @@ TEST(OpenExrPlate, OverscanIsDrawnOnAndPackingIsChosen) {
   EXPECT_GT(float{reinterpret_cast<const Imath::half*>(channelsOf(output, 0, kOverscan)["R"].data())[0]}, 0.2f);
 }
 
-// A plate of 32x24 whose channels are all half but one of integers for every second pixel of every second row.
-void writeSparse(const std::string& path, const std::vector<std::string>& halves, const std::string& sparse,
-                 std::vector<std::uint32_t>& integers) {
-  Imf::Header header(32, 24);
-  Imf::FrameBuffer buffer;
-  std::vector<Imath::half> samples(32 * 24, 0.25f);
-  for (const std::string& name : halves) {
-    header.channels().insert(name, Imf::Channel(Imf::HALF));
-    buffer.insert(name, Imf::Slice(Imf::HALF, reinterpret_cast<char*>(samples.data()), 2, 64));
-  }
-  header.channels().insert(sparse, Imf::Channel(Imf::UINT, 2, 2));
-  buffer.insert(sparse, Imf::Slice(Imf::UINT, reinterpret_cast<char*>(integers.data()), 4, 64, 2, 2));
-  Imf::OutputFile file(path.c_str(), header);
-  file.setFrameBuffer(buffer);
-  file.writePixels(24);
-}
-
 TEST(OpenExrPlate, ChannelsOfFewerSamplesPassButMakeNoPicture) {
   const FolderWithCard folder("32x24");
-  std::vector<std::uint32_t> integers(16 * 12);
-  std::iota(integers.begin(), integers.end(), 0xFFFFFF00u);
-  // The alpha of another layer is not that of the picture.
-  writeSparse(folder / "plate.exr", {"R", "G", "B", "glow.A"}, "id", integers);
+  const Box2i whole({0, 0}, {31, 23});
+  ExrPart part{.channels = {{"R"}, {"G"}, {"B"}, {"glow.A"}, {"id", Imf::UINT, 2}},
+               .data = whole,
+               .display = whole,
+               .name = "plate"};
+  writeExr(folder / "plate.exr", {part}, kSmall);
   runWell(folder, "render card.png -o out.exr --over plate.exr --ul 4,4 --ur 20,5 --ll 5,20 --lr 22,21");
-  Imf::InputFile output((folder / "out.exr").c_str());
-  EXPECT_EQ(output.header().channels().findChannel("A"), nullptr);
-  std::vector<std::uint32_t> passed(integers.size());
-  Imf::FrameBuffer buffer;
-  buffer.insert("id", Imf::Slice(Imf::UINT, reinterpret_cast<char*>(passed.data()), 4, 64, 2, 2));
-  output.setFrameBuffer(buffer);
-  output.readPixels(0, 23);
-  EXPECT_EQ(passed, integers);
+  EXPECT_EQ(differences(folder / "plate.exr", folder / "out.exr"),
+            (std::set<std::string>{"plate/R", "plate/G", "plate/B"}));
+  // The alpha of another layer is not that of the picture.
+  const Imf::MultiPartInputFile output((folder / "out.exr").c_str());
+  EXPECT_EQ(output.header(0).channels().findChannel("A"), nullptr);
 
-  writeSparse(folder / "plate.exr", {"R", "G"}, "B", integers);
+  part.channels = {{"R"}, {"G"}, {"B", Imf::UINT, 2}};
+  writeExr(folder / "plate.exr", {part}, kSmall);
   expectRefused(folder, {{"render card.png -o out.exr --over plate.exr", 3,
                           "plate.exr: its channel 'B' does not have a sample for every pixel; resample it first"}});
 }
 
 TEST(OpenExrPlate, WhatTheFileDoesNotHoldIsNamed) {
-  const TestFolder folder;
+  const FolderWithCard folder("32x24");
   writePlate(folder / "plate.exr", kOverscan);
   EXPECT_EQ(nlohmann::json::parse(runWell(folder, "info --json plate.exr").out)["parts"],
             nlohmann::json({"beauty", "depth"}));
-  runWell(folder, "testcard -o card.png --size 32x24");
   const std::string render = "render card.png -o out.exr --over plate.exr ";
   expectRefused(
       folder, {
