@@ -65,6 +65,23 @@ TEST(Metadata, JpegHasItsDensityInTheUnitThatIsStated) {
   }
 }
 
+TEST(Metadata, TiffHasOfAPositionWhatIsStatedAlone) {
+  const TestFolder folder;
+  const host::Image image = sample(host::Depth::Bits8);
+  Metadata metadata;
+  metadata.set(textAttribute("GPS:LatitudeRef", "N"));
+  metadata.set(attribute("GPS:Latitude", "float[3]", std::array<float, 3>{48, 30, 36}));
+  metadata.set(numberAttribute("GPS:ImgDirection", -3.0f));  // which its unsigned fractions cannot say
+  OutputPicture picture = describe(image, SampleType::Bits8);
+  picture.metadata = std::make_shared<Metadata>(metadata);
+  writePicture(folder / "card.tif", formatForOutput("", "card.tif"), picture, {});
+  const auto read = readAt(folder / "card.tif", host::Depth::Bits8).metadata;
+  EXPECT_NE(nullptr, read->find("GPS:Latitude"));
+  for (const char* name : {"GPS:ImgDirection", "GPS:Altitude", "GPS:Speed", "GPS:Longitude"}) {
+    EXPECT_EQ(nullptr, read->find(name)) << name;
+  }
+}
+
 TEST(Metadata, ExifInAPngTextIsReadFromItsHexadecimalDigits) {
   EXPECT_EQ("MM*", exifOfText("\nexif\n 9\n457869660000\n4d4D2A\n"));
   EXPECT_EQ("", exifOfText("\nexif\n 9\n"));
