@@ -76,13 +76,16 @@ TEST(SampleCountTest, StepsOfAtMostALayerPixel) {
 TEST(SampleCountTest, AScanNeedsAsManyAsTheLayerIsShrunkWhereverItLies) {
   FrameOptions best;
   best.quality = Quality::Best;
-  for (const double x : {0.0, 5000.0}) {
-    // Crossed, a quarter as wide and half as high as the layer, which is drawn inside of it.
-    const Corners crossed{{x, 0}, {x + 200, 400}, {x + 200, 0}, {x, 400}};
-    const FramePlan plan(crossed, {}, 800, 800, {800, 800}, best);
-    ASSERT_EQ(RenderPath::Bilinear, plan.path);
-    const int left = static_cast<int>(x);
-    EXPECT_EQ(4, samplesFor(plan, {left + 96, 40, left + 104, 48}));
+  // Crossed; a quarter of the layer's size along one axis and half along the other.
+  for (const auto& [width, height] : {std::pair{200.0, 400.0}, {400.0, 200.0}}) {
+    for (const double at : {0.0, 5000.0}) {
+      const Corners crossed{{at, at}, {at + width, at + height}, {at + width, at}, {at, at + height}};
+      const FramePlan plan(crossed, {}, 800, 800, {800, 800}, best);
+      ASSERT_EQ(RenderPath::Bilinear, plan.path);
+      const int left = static_cast<int>(at + width / 2) - 4;
+      const int top = static_cast<int>(at + height / 8) - 4;
+      EXPECT_EQ(4, samplesFor(plan, {left, top, left + 8, top + 8}));
+    }
   }
 }
 
