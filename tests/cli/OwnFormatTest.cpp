@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <random>
 
 #include "ExrFiles.h"
@@ -306,6 +307,20 @@ TEST(OwnFormat, ExifThatIsCutOffIsNotReadInPart) {
   std::string elsewhere = block;
   elsewhere[8 + 2 + 8 + 3] = '\x7F';  // the value's place, beyond the end
   EXPECT_FALSE(readPlainExif(elsewhere));
+}
+
+TEST(OwnFormat, OpenExrCompressesAtTheLevelThatIsAskedFor) {
+  const TestFolder folder;
+  const host::Image image = sample(host::Depth::Float);
+  const auto size_with = [&](const char* name, std::optional<double> level) {
+    OutputPicture picture = describe(image, SampleType::Float);
+    picture.encoding.compression = {name, level};
+    writePicture(folder / "a.exr", formatForOutput("", "a.exr"), picture, {});
+    return std::filesystem::file_size(folder / "a.exr");
+  };
+  EXPECT_LT(size_with("zip", 9.0), size_with("zip", 1.0));
+  EXPECT_LT(size_with("dwaa", 200.0), size_with("dwaa", {}));
+  EXPECT_LT(size_with("dwaa", {}), size_with("dwaa", 1.0));
 }
 
 }  // namespace
