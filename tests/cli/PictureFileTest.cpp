@@ -6,6 +6,7 @@
 #include "PictureFiles.h"
 #include "cli/pictures/FileRecord.h"
 #include "cli/pictures/HalfConversion.h"
+#include "cli/pictures/TestCard.h"
 
 namespace vantorel::cli {
 namespace {
@@ -388,6 +389,22 @@ TEST(HalfConversion, EveryHalfAndFloatsOfAllKindsKeepTheirBits) {
   toHalf(bytes, host::Depth::Bits16, kPart, converted.data());
   EXPECT_TRUE(std::equal(halves.begin(), halves.begin() + kPart, converted.begin()));
   EXPECT_EQ(1000, std::count(converted.begin() + kPart, converted.end(), 77)) << "written past the end";
+}
+
+TEST(TestCard, ItsCentreLinesAndCircleLieInTheMiddle) {
+  host::Image card = host::testing::dirty({400, 300}, host::Depth::Bits8);
+  drawTestCard(card.view());
+  const auto is_white = [&](int x, int y) {
+    const auto* channel = reinterpret_cast<const std::uint8_t*>(card.view().pixel(x, y));
+    return channel[0] == 255 && channel[1] == 255 && channel[2] == 255;
+  };
+  EXPECT_TRUE(is_white(200, 20) && is_white(200, 280) && is_white(30, 150) && is_white(370, 150));
+  EXPECT_FALSE(is_white(180, 20) || is_white(220, 280) || is_white(30, 140) || is_white(370, 160));
+  // The circle, of 0.46 times the height, is met 96 pixels above and below the middle in this column.
+  for (const int y : {150 - 96, 150 + 96}) {
+    EXPECT_TRUE(is_white(100, y - 1) || is_white(100, y)) << y;
+    EXPECT_FALSE(is_white(100, y - 6) || is_white(100, y + 6)) << y;
+  }
 }
 
 }  // namespace
