@@ -4,6 +4,7 @@
 #include <OpenEXR/ImfFloatVectorAttribute.h>
 #include <OpenEXR/ImfIntAttribute.h>
 #include <OpenEXR/ImfMatrixAttribute.h>
+#include <OpenEXR/ImfThreading.h>
 #include <OpenEXR/ImfVecAttribute.h>
 #include <gtest/gtest.h>
 #include <png.h>
@@ -15,6 +16,7 @@
 
 #include "ExrFiles.h"
 #include "PictureFiles.h"
+#include "cli/pictures/CodecThreads.h"
 #include "cli/pictures/FormatLibrary.h"
 #include "cli/pictures/PixelVisit.h"
 #include "cli/pictures/PlainExif.h"
@@ -321,6 +323,20 @@ TEST(OwnFormat, OpenExrCompressesAtTheLevelThatIsAskedFor) {
   EXPECT_LT(size_with("zip", 9.0), size_with("zip", 1.0));
   EXPECT_LT(size_with("dwaa", 200.0), size_with("dwaa", {}));
   EXPECT_LT(size_with("dwaa", {}), size_with("dwaa", 1.0));
+}
+
+TEST(OwnFormat, OpenExrStartsNoMoreThreadsThanAllowed) {
+  const int before = Imf::globalThreadCount();
+  limitCodecThreads(1, true);
+  startOpenExrThreads();
+  EXPECT_EQ(0, Imf::globalThreadCount());  // the caller alone
+  limitCodecThreads(3, true);
+  startOpenExrThreads();
+  EXPECT_EQ(3, Imf::globalThreadCount());
+  limitCodecThreads(3, false);
+  startOpenExrThreads();
+  EXPECT_EQ(0, Imf::globalThreadCount());
+  Imf::setGlobalThreadCount(before);
 }
 
 }  // namespace
