@@ -45,6 +45,13 @@ std::vector<unsigned char> bytesOf(const Profile& profile) {
   return bytes;
 }
 
+Profile named(const Profile& profile, const char* name) {
+  const std::unique_ptr<cmsMLU, decltype(&cmsMLUfree)> text(cmsMLUalloc(nullptr, 1), cmsMLUfree);
+  cmsMLUsetASCII(text.get(), "en", "US", name);
+  cmsWriteTag(profile.get(), cmsSigProfileDescriptionTag, text.get());
+  return profile;
+}
+
 std::array<float, 3> converted(std::array<float, 3> colour, const Profile& from, const Profile& to) {
   const cmsHTRANSFORM transform = cmsCreateTransform(from.get(), TYPE_RGB_FLT, to.get(), TYPE_RGB_FLT,
                                                      INTENT_RELATIVE_COLORIMETRIC, cmsFLAGS_NOOPTIMIZE);
@@ -198,6 +205,8 @@ TEST(Colour, FilesAreInWhatTheyStateAndElseInWhatIsUsual) {
            {"plain.exr", {}, "", "linear by the convention of OpenEXR"},
            {"aces.exr", {{}, ap0}, "", "ACES2065-1 by its chromaticities"},
            {"scan.dpx", {{}, {}, "KodakLog"}, "", "Cineon by its transfer characteristic"},
+           {"named.tif", {bytesOf(named(profileOf(kP3, 1.3), "X"))}, "", "X by its ICC profile"},
+           {"nameless.tif", {bytesOf(named(profileOf(kP3, 1.3), ""))}, "", "unnamed by its ICC profile"},
            {"plain.exr", {}, " --ocio aces.ocio", "ACEScg by the config's role scene_linear"},
            {"shot_cg.exr", {}, " --ocio aces.ocio", "ACEScg by its name"},
            {"shot_cg.jpg", {bytesOf(profileOf(kP3, 0.0))}, " --ocio aces.ocio", "Display P3 by its ICC profile"},
@@ -257,6 +266,12 @@ TEST(Colour, OutputsAreInWhatTheirFormatHoldsAndSaySo) {
   const double raw = written("--raw");
   EXPECT_EQ(written("--ocio aces.ocio --colorspace-layer doubled"), raw);
   EXPECT_GT(std::abs(written("--ocio aces.ocio --colorspace-layer camera") - raw), 0.02);
+  // Without that role, linear light of the usual primaries.
+  const std::string role = "scene_linear: ACEScg, ";
+  std::string config = contents(folder / "aces.ocio");
+  folder.write("bare.ocio", config.erase(config.find(role), role.size()));
+  written("--ocio bare.ocio --colorspace-layer camera");
+  EXPECT_EQ(told(folder, "light.exr").rfind("linear by its chromaticities", 0), 0u) << told(folder, "light.exr");
   runWell(folder, "render p3.png -o light.exr");
   // There and back again, from 8 bits to half and back.
   runWell(folder, "render light.exr -o back.png --colorspace-out 'Display P3' --depth 8");

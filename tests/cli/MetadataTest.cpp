@@ -183,6 +183,11 @@ TEST(Metadata, AttributesThatAreTooLongAreNamed) {
     EXPECT_NE(error.text().find("its attribute 'ImageDescription' has 70000 bytes"), std::string::npos) << error.text();
   }
   EXPECT_EQ(folder.count(), 0U);
+  // A profile may be longer, since it is divided.
+  Metadata profiled;
+  profiled.set({"ICCProfile", "uint8[70000]", {}, std::vector<std::byte>(70000)});
+  writeWith(profiled, folder / "a.jpg");
+  EXPECT_EQ(readAt(folder / "a.jpg", host::Depth::Bits8).metadata->find("ICCProfile")->bytes.size(), 70000u);
 }
 
 TEST(Metadata, OpenExrHasThePositionInDegreesAndMatricesAsMatrices) {

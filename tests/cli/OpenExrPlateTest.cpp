@@ -177,6 +177,8 @@ TEST(OpenExrPlate, WhatTheFileDoesNotHoldIsNamed) {
   writePlate(folder / "plate.exr", kOverscan);
   EXPECT_EQ(nlohmann::json::parse(runWell(folder, "info --json plate.exr").out)["parts"],
             nlohmann::json({"beauty", "depth"}));
+  runWell(folder, "testcard -o one.exr --size 8x8");
+  EXPECT_EQ(nlohmann::json::parse(runWell(folder, "info --json one.exr").out)["parts"], nlohmann::json::array());
   const std::string render = "render card.png -o out.exr --over plate.exr ";
   expectRefused(
       folder, {

@@ -3,8 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdio>
+#include <string>
 #include <utility>
+
+#include "cli/pictures/FileSink.h"
 
 #include "tests/TestFolder.h"
 
@@ -47,6 +51,29 @@ TEST(OutputFile, TemporaryFilesOfKilledProcessesAreRemovedAndOthersKept) {
   EXPECT_FALSE(std::filesystem::exists(dead));
   EXPECT_TRUE(std::filesystem::exists(of_another));
   EXPECT_TRUE(std::filesystem::exists(live.temporaryPath()));
+}
+
+TEST(OutputFile, LibrariesReadBackWhatTheyWrote) {
+  const TestFolder folder;
+  OutputFile file(folder / "out.txt");
+  FileSink sink(file);
+  std::array<char, 4> read{};
+  const auto text = [&] { return std::string(read.data(), read.size()); };
+  EXPECT_EQ(sink.write("0123456789", 10), 10u);
+  EXPECT_EQ(sink.pread(read.data(), 4, 2), 4u);
+  EXPECT_EQ(text(), "2345");
+  EXPECT_EQ(sink.tell(), 10);
+  EXPECT_EQ(sink.pwrite("ab", 2, 5), 2u);
+  EXPECT_EQ(sink.tell(), 10);
+  EXPECT_TRUE(sink.seek(4));
+  EXPECT_EQ(sink.read(read.data(), 4), 4u);
+  EXPECT_EQ(text(), "4ab7");
+  EXPECT_EQ(sink.write("cd", 2), 2u);
+  EXPECT_EQ(sink.pread(read.data(), 4, 8), 2u);
+  EXPECT_EQ(sink.size(), 10u);
+  EXPECT_EQ(sink.tell(), 10);
+  file.commit();
+  EXPECT_EQ(contents(folder / "out.txt"), "01234ab7cd");
 }
 
 }  // namespace

@@ -183,7 +183,7 @@ TEST(OwnFormat, PngIsReadAsOpenImageIoReadsIt) {
 TEST(OwnFormat, PngOfManyChunksIsReadAsOpenImageIoReadsIt) {
   const TestFolder folder;
   const std::string path = folder / "a.png";
-  for (const png_uint_32 bytes : {6u, 100u, 65536u, 1000000u}) {
+  for (const png_uint_32 bytes : {6u, 100u, 8193u, 65536u, 1000000u}) {
     SCOPED_TRACE(testing::Message() << bytes << " bytes in a chunk");
     writePng(path, {PNG_COLOR_TYPE_PALETTE, 4}, 600, bytes);
     expectSamePicture({path, "a.png"});

@@ -82,6 +82,12 @@ TEST(RenderCommand, AnIdentityKeepsSoftAlphaAtAutomaticDepth) {
   EXPECT_EQ(depth_of("soft.png -o same.png --depth 8"), 8);
   EXPECT_EQ(depth_of("opaque.png -o same.png"), 8);
   EXPECT_EQ(depth_of("opaque.png --over soft.png -o same.png"), 16);
+  for (const auto& [x, y] : {std::pair{0, 0}, {255, 0}, {3, 100}, {255, 255}}) {
+    PixelFile file = PixelFile::filled({256, 256}, {9, 9, 9, 255});
+    file.set(x, y, {9, 9, 9, 254});
+    file.write(folder / "spot.png");
+    EXPECT_EQ(depth_of("spot.png -o same.png"), 16) << x << ", " << y;
+  }
 }
 
 TEST(RenderCommand, FitKeepsThePlaceOfTheOutput) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <regex>
 #include <set>
 #include <string>
 
@@ -210,6 +211,8 @@ TEST(SequenceCommand, ProgressFitsTheTerminalAndEndsWithASummary) {
   }
   EXPECT_EQ(line.rfind("12 frames in ", 0), 0u) << line;
   EXPECT_NE(line.find(" frames/s, out.1.png to out.12.png\r\n"), std::string::npos) << line;
+  const std::string wide = runInTerminal(folder, "render card.png -o wide.#.png --frames 1-2 --threads 1", 200);
+  EXPECT_TRUE(std::regex_search(wide, std::regex("1 of 2 frames, [0-9.]+ frames/s, [0-9:]+ left"))) << wide;
 }
 
 TEST(SequenceCommand, SignalsThatWereIgnoredStayIgnored) {

@@ -38,13 +38,16 @@ double countedShare(int x, int y, Predicate holds) {
 
 template <typename Predicate>
 void expectCounted(const CoverageRegion& region, Predicate holds) {
-  for (const auto [x, y] : pixelsOf(Rect{-1, -1, kGrid, kGrid})) {
+  for (const auto [x, y] : pixelsOf(Rect{-4, -1, kGrid, kGrid})) {
     ASSERT_NEAR(countedShare(x, y, holds), coverageOf(region, x, y), kTolerance) << "pixel " << x << ", " << y;
+    const RowCoverage row = region.row(y);
+    ASSERT_TRUE(row.begin == row.end || (row.at(row.begin) > 0.0 && row.at(row.end - 1) > 0.0)) << "row " << y;
   }
 }
 
 TEST(CoverageTest, OfConvexPolygonsEqualsCountedPoints) {
   const Corners quads[] = {{{2.3, 1.6}, {20.1, 4.4}, {5.5, 21.2}, {17.9, 16.3}},  // any
+                           {{-3.5, 1.6}, {20.1, 4.4}, {-1.2, 21.2}, {7, 16.3}},   // partly left of the first pixel
                            {{3, 4}, {11, 4}, {3, 9}, {11, 9}},                    // on pixel borders
                            {{3.25, 4.5}, {11.75, 4.5}, {3.25, 9.125}, {11.75, 9.125}},
                            {{12, 1}, {22, 11}, {2, 11}, {12, 21}},      // on a corner

@@ -118,5 +118,18 @@ TEST(PartTest, OneCornerFarAwayIsDrawnWithManySamplesToo) {
   }
 }
 
+// Neither the layer nor a part of it fits into 16.16 numbers as seen from the tile, but the corners themselves do.
+TEST(PartTest, APixelAsWideAsTheRangeIsDrawnFromEverywhere) {
+  for (const Depth depth : kDepths) {
+    Image layer = noise({1, 1}, depth);
+    setChannel(layer.view(), 0, 0, 0, 1.0);
+    Instance instance = instanceWith(effect(), rectangle(-32000, -32000, 32000, 32000));
+    const Image drawn = renderFrame(instance, layer, {-900, -900, -890, -892}, {.quality = Quality::Best}).pixels;
+    for (const auto [x, y] : pixelsOf(Rect{0, 0, 10, 8})) {
+      ASSERT_TRUE(samePixels(partOf(drawn.view(), {x, y, x + 1, y + 1}), asConst(layer.view()))) << x << ", " << y;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace vantorel::host

@@ -58,6 +58,34 @@ TEST(SampleSpaceTest, ABoxAtTheBorderGivesTheMeanOfItsPartInside) {
   }
 }
 
+TEST(SampleSpaceTest, BoxesAreCutToTheWorldAndThoseOutsideTakeTheNearestPixel) {
+  constexpr std::int32_t kOne = 65536;
+  constexpr std::int32_t kHalf = 32768;
+  struct Case {
+    std::int32_t centre;
+    std::int32_t radius;
+    std::int32_t cut_centre;
+    std::int32_t cut_radius;
+  };
+  for (const Case& c : {
+           Case{3 * kOne, kHalf, 3 * kOne, kHalf},
+           {0, 10 * kOne, 9 * kHalf, 5 * kOne},
+           {-5 * kOne, kHalf, 0, kHalf},
+           {-5 * kOne, 9 * kHalf, 0, kHalf},  // up to the world's edge
+           {20 * kOne, kOne, 9 * kOne, kHalf},
+           {1 - kOne, kHalf, 0, kHalf},      // one unit inside, too short for a radius
+           {2 - kOne, kHalf, 1 - kHalf, 1},  // two
+           {3 - kOne, kHalf, 2 - kHalf, 2},  // three, made even
+           {10 * kOne - 1, kHalf, 9 * kOne, kHalf},
+           {10 * kOne - 3, kHalf, 10 * kOne - kHalf - 2, 2},
+       }) {
+    std::int32_t centre = c.centre;
+    std::int32_t radius = c.radius;
+    cutToWorld(&centre, &radius, 10);
+    EXPECT_EQ(std::pair(c.cut_centre, c.cut_radius), std::pair(centre, radius)) << c.centre << ", " << c.radius;
+  }
+}
+
 TEST(SampleSpaceTest, HalfAPixelIsTakenOffAndFarPositionsAreTransparent) {
   Image image = noise({23, 17}, Depth::Bits8);
   PF_LayerDef world = worldOf(image.view());

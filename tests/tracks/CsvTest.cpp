@@ -53,6 +53,7 @@ TEST(Csv, FaultsNameLineFieldAndWhatWasRead) {
   expectFault("frame,ulx,ulx,uly,urx,ury,llx,lly,lrx,lry\n", "track: line 1", "'ulx' appears twice");
   expectFault("frame,TLx,ulx,uly,urx,ury,llx,lly,lrx,lry\n", "track: line 1", "'ulx' appears twice");
   expectFault(table + "2,0,1,2,3,4,5,6\n", "track: line 3", "8 fields instead of 9");
+  expectFault("frame;ulx;uly;urx;ury;llx;lly;lrx;lry\n1;2;3;4;5;6;7;8\n", "track: line 2", "8 fields instead of 9");
   expectFault(table + "2,0,1,two,3,4,5,6,7\n", "track: line 3: urx", "'two' is not a number; expected");
   expectFault(table + "2,0,1,2,3,4,5,6,nan\n", "track: line 3: lry", "not finite");
   expectFault(table + "2,0,1,2,3,4,5,6,1e999\n", "track: line 3: lry", "too large");

@@ -41,8 +41,11 @@ TEST(Faults, PointFormatsNameLineAndField) {
       {"1 2 3\n4 5 6\n\n1 2\n", "track: line 4", "too few fields"},
       {"1 2 3\n4 5 6\n1 7 8\n", "track: ", "has 1 point"},
       {"Channel a/ref/x\nKey 0\nValue 3\n", "track: line 3: Value", "before its key's Frame"},
-      {"{\"points\": []}", "track: ", "holds no keys"},
+      {"{\"points\": []}", "track: holds no keys", "export the track"},
       {"Channel a/ref/x\nValue 3\n", "track: line 1: a", "no keys for one of its coordinates"},
+      {"# Name ul\n# Name ur\n0 1 2 3 0\n# Name ll\n0 1 4 5 0\n# Name lr\n0 1 6 7 0\n", "track: ul: ", "has no keys"},
+      {"# Name tree\n0 1 2 3 0\n", "track: has 1 point ('tree')", "name four of them"},
+      {"\"a\"\n1\n1\n1 2 3 0\n\"\n", "track: line 5: reads '\"'", "a point's name in quotes is expected"},
   });
 }
 
@@ -53,6 +56,7 @@ TEST(Faults, NodesNameTheirPoint) {
       {"to1 {{curve x1 2 s3} {curve x1 3}}\n", "track: line 1: to1", "reads 's3' in a curve; bake"},
       {"to1 {\n{width/2} 3}\n", "track: line 2: to1", "the expression 'width/2'"},
       {"to1 {{curve x1 2", "track: line 1: to1", "is truncated"},
+      {"to1 {1 2 3}\n", "track: line 1: to1", "reads '3' where '}' is expected"},
       {"to1 {1 2} from1 {{frame} 0}", "track: line 1: from1", "reads 'frame'"},
       {"to1 {1 2} to2 {3 4} to3 {5 6} to4 {7 8}\nfrom1 {0 0}\n", "track: line 3: from1", "is incomplete"},
       {"to1 {{curve x1 1 x1 2} {curve x1 3}}\n", "track: line 1: to1", "two keys on frame 1"},
