@@ -15,16 +15,17 @@ struct Synonym {
   std::string_view word;
   Corner corner;
 };
-constexpr std::array<Synonym, 28> kSynonyms{{
-    {"ul", kUpperLeft},           {"tl", kUpperLeft},           {"lu", kUpperLeft},
-    {"lt", kUpperLeft},           {"upperleft", kUpperLeft},    {"topleft", kUpperLeft},
-    {"leftupper", kUpperLeft},    {"lefttop", kUpperLeft},      {"ur", kUpperRight},
-    {"tr", kUpperRight},          {"rt", kUpperRight},          {"upperright", kUpperRight},
-    {"topright", kUpperRight},    {"rightupper", kUpperRight},  {"righttop", kUpperRight},
-    {"ll", kLowerLeft},           {"bl", kLowerLeft},           {"lb", kLowerLeft},
-    {"lowerleft", kLowerLeft},    {"bottomleft", kLowerLeft},   {"leftbottom", kLowerLeft},
-    {"lr", kLowerRight},          {"br", kLowerRight},          {"rb", kLowerRight},
-    {"lowerright", kLowerRight},  {"bottomright", kLowerRight}, {"rightlower", kLowerRight},
+constexpr std::array<Synonym, 31> kSynonyms{{
+    {"ul", kUpperLeft},           {"lu", kUpperLeft},          {"tl", kUpperLeft},
+    {"lt", kUpperLeft},           {"upperleft", kUpperLeft},   {"leftupper", kUpperLeft},
+    {"topleft", kUpperLeft},      {"lefttop", kUpperLeft},     {"ur", kUpperRight},
+    {"ru", kUpperRight},          {"tr", kUpperRight},         {"rt", kUpperRight},
+    {"upperright", kUpperRight},  {"rightupper", kUpperRight}, {"topright", kUpperRight},
+    {"righttop", kUpperRight},    {"ll", kLowerLeft},          {"bl", kLowerLeft},
+    {"lb", kLowerLeft},           {"lowerleft", kLowerLeft},   {"leftlower", kLowerLeft},
+    {"bottomleft", kLowerLeft},   {"leftbottom", kLowerLeft},  {"lr", kLowerRight},
+    {"rl", kLowerRight},          {"br", kLowerRight},         {"rb", kLowerRight},
+    {"lowerright", kLowerRight},  {"rightlower", kLowerRight}, {"bottomright", kLowerRight},
     {"rightbottom", kLowerRight},
 }};
 

@@ -11,7 +11,7 @@ namespace vantorel::cli {
 class Listing {
  public:
   void add(const std::string& label, const std::string& line) {
-    text_ += fmt::format("{:13} {}\n", label == last_ ? "" : label, line);
+    text_ += fmt::format("{:14} {}\n", label == last_ ? "" : label, line);
     last_ = label;
   }
   const std::string& text() const { return text_; }

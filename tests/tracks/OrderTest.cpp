@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <random>
 
+#include "tracks/CornerNames.h"
 #include "tracks/CornerOrder.h"
 #include "tracks/Quadrilaterals.h"
 
@@ -98,6 +99,24 @@ TEST(CornerOrder, IsReadAndPrinted) {
   EXPECT_EQ(parseCornerOrder("as-written"), kAsWritten);
   for (const char* wrong : {"", "ul,ur,ll", "ul,ul,ll,lr", "ul,ur,ll,lr,ul", "up,ur,ll,lr"}) {
     EXPECT_FALSE(parseCornerOrder(wrong)) << wrong;
+  }
+}
+
+TEST(CornerNames, AreTwoWordsOrTheirFirstLettersInEitherOrder) {
+  for (const std::string height : {"upper", "top", "lower", "bottom"}) {
+    for (const std::string side : {"left", "right"}) {
+      const bool is_upper = height == "upper" || height == "top";
+      const Corner corner =
+          is_upper ? (side == "left" ? kUpperLeft : kUpperRight) : (side == "left" ? kLowerLeft : kLowerRight);
+      const std::string letters{height[0], side[0]};
+      for (const std::string& name : {height + side, side + height, height + "_" + side, "Plate " + side + "-" + height,
+                                      letters, std::string{side[0], height[0]}, "track." + letters + ".2"}) {
+        EXPECT_EQ(corner, cornerOfName(name)) << name;
+      }
+    }
+  }
+  for (const char* name : {"", "left", "plate", "upper left lower right", "ul ur"}) {
+    EXPECT_EQ(std::nullopt, cornerOfName(name)) << name;
   }
 }
 
