@@ -228,6 +228,19 @@ TEST(Metadata, JpegHasItsDensityInTheUnitThatIsStated) {
   }
 }
 
+TEST(Metadata, PngHasTheDensitiesThatItCanHold) {
+  const TestFolder folder;
+  for (const auto& [x, y] : {std::pair{300.0f, 150.0f}, {1e8f, 300.0f}, {300.0f, 1e8f}}) {
+    Metadata metadata;
+    metadata.set(textAttribute("ResolutionUnit", "in"));
+    metadata.set(numberAttribute("XResolution", x));
+    metadata.set(numberAttribute("YResolution", y));
+    writeWith(metadata, folder / "card.png");
+    const auto read = readAt(folder / "card.png", host::Depth::Bits8).metadata;
+    EXPECT_EQ(std::max(x, y) < 1e8f, read->find("XResolution") != nullptr) << x << ", " << y;
+  }
+}
+
 TEST(Metadata, ExifInAPngTextIsReadFromItsHexadecimalDigits) {
   EXPECT_EQ("MM*", exifOfText("\nexif\n 9\n457869660000\n4d4D2A\n"));
   EXPECT_EQ("", exifOfText("\nexif\n 9\n"));

@@ -29,6 +29,10 @@ TEST(RenderCommand, AnIdentityRenderReproducesTheLayerAtEveryDepthThroughBothPro
     runWell(folder, "render card.exr -o first.exr -o same.exr --protocol " + protocol);
     EXPECT_EQ(difference(folder / "card.exr", folder / "same.exr"), 0.0) << protocol;
   }
+  for (const std::string samples : {"", " --samples 1"}) {  // the only number there is between centres
+    runWell(folder, "render card.exr -o centred.exr --placement centres" + samples);
+    EXPECT_EQ(difference(folder / "card.exr", folder / "centred.exr"), 0.0) << samples;
+  }
 }
 
 TEST(RenderCommand, PathProtocolAndThreadsDoNotChangeThePicture) {
