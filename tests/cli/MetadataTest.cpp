@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "PictureFiles.h"
+#include "cli/pictures/CommonMetadata.h"
 #include "cli/pictures/ExtraChannels.h"
 #include "cli/pictures/FileRecord.h"
 #include "cli/pictures/OpenExrAttributes.h"
@@ -155,6 +156,11 @@ TEST(Metadata, AttributesTakeTheNamesThatFormatsHaveInCommon) {
   EXPECT_EQ(exr.floats("GPS:Latitude"), (std::vector<float>{33, 30, 0}));
   EXPECT_EQ(exr.floats("GPS:Longitude"), (std::vector<float>{151, 15, 0}));
   EXPECT_EQ(exr.number("GPS:AltitudeRef"), 1.0);
+  Metadata high;
+  high.set(numberAttribute("altitude", 4));
+  useCommonNames(high);
+  EXPECT_EQ(high.number("GPS:AltitudeRef"), 0.0);
+  EXPECT_EQ(high.number("GPS:Altitude"), 4.0);
   EXPECT_EQ(exr.number("Exif:PhotographicSensitivity"), 400.0);
 
   // A unit of EXIF's beside a density of JFIF's that has none, and the orientation in a packet of a turned picture.

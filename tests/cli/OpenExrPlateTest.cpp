@@ -149,6 +149,39 @@ TEST(OpenExrPlate, OverscanIsDrawnOnAndPackingIsChosen) {
   EXPECT_EQ(output.header(0).dataWindow(), kOverscan);
   // The first pixel of the overscan is the card's own, an opaque one, and not the plate's small number.
   EXPECT_GT(float{reinterpret_cast<const Imath::half*>(channelsOf(output, 0, kOverscan)["R"].data())[0]}, 0.2f);
+
+  runWell(folder, "render card.png -o small.exr --over plate.exr --ul 4,4 --ur 40,5 --ll 5,30 --lr 42,29");
+  Imf::MultiPartInputFile plate((folder / "plate.exr").c_str());
+  Imf::MultiPartInputFile small((folder / "small.exr").c_str());
+  for (const Box2i& beside :
+       {Box2i({4, 12}, {79, 21}), Box2i({4, 52}, {79, 60}), Box2i({4, 12}, {11, 60}), Box2i({60, 12}, {79, 60})}) {
+    EXPECT_EQ(channelsOf(plate, 0, beside), channelsOf(small, 0, beside)) << beside.min.x << ", " << beside.min.y;
+  }
+}
+
+TEST(OpenExrPlate, TheChannelsOfThePictureKeepTheirNames) {
+  const FolderWithCard folder("32x24");
+  const Box2i whole({0, 0}, {31, 23});
+  for (const std::string layer : {"", "fg."}) {
+    for (const std::vector<std::string>& names : {std::vector<std::string>{"a", "b", "g", "r"}, {"B", "G", "R"}}) {
+      ExrPart part{.channels = {}, .data = whole, .display = whole, .name = "plate"};
+      std::set<std::string> expected;
+      for (const std::string& name : names) {
+        part.channels.push_back({layer + name});
+        expected.insert("plate/" + layer + name);
+      }
+      writeExr(folder / "plate.exr", {part}, kSmall);
+      runWell(folder,
+              "render card.png -o out.exr --over plate.exr" + std::string(layer.empty() ? "" : " --layer-name fg"));
+      EXPECT_EQ(differences(folder / "plate.exr", folder / "out.exr"), expected);
+      Imf::MultiPartInputFile output((folder / "out.exr").c_str());
+      std::set<std::string> written;
+      for (const auto& channel : channelsOf(output, 0, whole)) {
+        written.insert("plate/" + channel.first);
+      }
+      EXPECT_EQ(expected, written);
+    }
+  }
 }
 
 TEST(OpenExrPlate, ChannelsOfFewerSamplesPassButMakeNoPicture) {
