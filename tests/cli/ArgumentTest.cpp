@@ -112,6 +112,7 @@ TEST(Argument, OutputFormatsFollowTheNameAndKeepTheDepthTheyCan) {
   EXPECT_EQ(samples("a.exr", DepthChoice::Float, Half), Half);
   EXPECT_EQ(samples("a.tif", DepthChoice::Auto, Half), Float);
   EXPECT_EQ(samples("a.dpx", DepthChoice::Bits16, Bits8), Bits16);
+  EXPECT_EQ(outputExtensions(), ".png, .jpg, .tif, .exr or .dpx");
   for (const char* name : {"a", "a.gif", ".png", "a.png.", "dir.png/a"}) {
     EXPECT_NE(faultOf(formatForOutput, name), "") << name;
   }

@@ -4,6 +4,7 @@
 
 #include <iostream>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -103,6 +104,28 @@ TEST_F(FileFaults, EveryCallThatFailsOnceIsTold) {
   }
   std::cout << tried << " calls were let fail\n";
   EXPECT_GE(tried, 24);
+}
+
+TEST_F(FileFaults, NothingGoesToStandardOutputUnlessItIsWhole) {
+  const std::string arguments = "render card.png -o - --format tif --threads 1 --no-progress";
+  const std::string counts_file = folder_ / "counts";
+  EXPECT_GT(run(folder_, arguments, kPreloaded + "VANTOREL_FAULT_COUNTS='" + counts_file + "'").out.size(), 1000u);
+  std::ifstream counts(counts_file);
+  std::string function;
+  int tried = 0;
+  for (int calls = 0; counts >> function >> calls;) {
+    if (function == "fopen" || function == "fclose") {  // before the picture is begun, and after it is out
+      continue;
+    }
+    for (const int number : calls == 0 ? std::set<int>() : std::set{1, (calls + 1) / 2, calls}) {
+      const std::string fault = function + ":" + std::to_string(number);
+      const CommandResult result = run(folder_, arguments, kPreloaded + "VANTOREL_FAULT=" + fault);
+      EXPECT_EQ(result.code, 3) << fault << "\n" << result.err;
+      EXPECT_TRUE(result.out.empty()) << fault;
+      ++tried;
+    }
+  }
+  EXPECT_GE(tried, 2);
 }
 
 // VANTOREL_KILLS=200 makes it a minute or more.

@@ -59,6 +59,10 @@ TEST(OptionTable, HelpCompletionManPageAndGuidesListTheSameOptions) {
   compare("corners", namesOf(cornersOptionTable()));
   compare("info", namesOf(infoOptionTable()));
   compare("testcard", namesOf(testCardOptionTable()));
+  // An option that means another thing to another command says so.
+  const std::string view = runWell(folder, "view --help").out;
+  EXPECT_NE(view.find("(default: a test card)"), std::string::npos) << view;
+  EXPECT_NE(view.find("Where the page's Render button writes: .png"), std::string::npos) << view;
 
   const std::string man = std::regex_replace(document("vantorel.1"), std::regex(R"(\\-)"), "-");
   EXPECT_EQ(optionsIn(man), all);

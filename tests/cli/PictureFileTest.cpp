@@ -83,6 +83,7 @@ TEST(PictureFile, ChannelsOfAnyNumberOrderAndAlphaBecomeRgba) {
        false,
        {255, 51, 9, 102, 5, 153, 5},
        {153, 102, 51, 255}},
+      {"scattered.exr", {"A", "B", "C", "D", "G", "R"}, false, {255, 51, 9, 5, 102, 153}, {153, 102, 51, 255}},
       {"pair.exr", {"p.x", "p.y"}, false, {102, 204}, {102, 102, 102, 204}},  // by their position: grey and alpha
       {"nameless.exr", {"a.x", "a.y", "a.z", "b.x", "b.y", "b.z"}, false, {1, 1, 1, 1, 1, 1}, {}},
   };
@@ -102,6 +103,7 @@ TEST(PictureFile, ChannelsOfAnyNumberOrderAndAlphaBecomeRgba) {
       EXPECT_EQ(pixel8(readAt(path, host::Depth::Bits8), 0, 0), c.expected) << c.name;
     }
   }
+  EXPECT_EQ(probePicture(folder / "odd.exr").extra_bytes, 3 * 4);
 }
 
 TEST(PictureFile, DataWindowsLieInTheirDisplayWindow) {

@@ -94,6 +94,19 @@ TEST(RenderCommand, AnIdentityKeepsSoftAlphaAtAutomaticDepth) {
   }
 }
 
+TEST(RenderCommand, FilesArePackedAsAskedFor) {
+  const FolderWithCard folder("200x150");
+  const auto size_of = [&](const std::string& output, const std::string& options) {
+    runWell(folder, "render card.png -o " + output + options);
+    return std::filesystem::file_size(folder / output);
+  };
+  EXPECT_LT(size_of("a.jpg", " --jpeg-quality 1"), size_of("b.jpg", " --jpeg-quality 50"));
+  EXPECT_LT(size_of("b.jpg", " --jpeg-quality 50"), size_of("c.jpg", " --jpeg-quality 100"));
+  EXPECT_LT(size_of("a.png", " --png-level 9"), size_of("b.png", " --png-level 0"));
+  EXPECT_EQ(difference(folder / "a.png", folder / "b.png"), 0.0);
+  EXPECT_LT(size_of("a.tif", " --compression zip:9"), size_of("b.tif", " --compression none"));
+}
+
 TEST(RenderCommand, FitKeepsThePlaceOfTheOutput) {
   const TestFolder folder;
   runWell(folder, "testcard -o card.exr --size 200x150");
