@@ -24,6 +24,13 @@ TEST(HomographyTest, TakesCornersToCornersAndBack) {
   const Homography square = Homography::ofQuadrilateral(kQuad, rectangle(0, 0, 1, 1)).value();
   expectNear({0.5, 0.5}, square(map(Point{32, 24})));
   EXPECT_GT(back.weight(map(Point{1, 47})), 0.0);
+  const Homography unchanged = map * back;
+  for (std::size_t i = 0; i < unchanged.m.size(); ++i) {
+    EXPECT_NEAR(i % 4 == 0 ? 1.0 : 0.0, unchanged.m[i], 1e-9) << i;
+  }
+  Homography onto_a_line;
+  onto_a_line.m = {1, 2, 3, 2, 4, 6, 0, 0, 1};
+  EXPECT_FALSE(onto_a_line.inverse());
 }
 
 TEST(HomographyTest, ItsDerivativeIsThatOfSmallSteps) {
