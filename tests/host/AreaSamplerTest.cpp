@@ -144,6 +144,7 @@ TYPED_TEST(AreaSamplerTest, EndsOfTheRangeAndBadArgumentsGiveTransparentPixels) 
     // The whole world is a speck of the largest box there is.
     EXPECT_TRUE(sampled({0, 0, kMax, kMax}, &world, true) || kDepthOf<TypeParam> == Depth::Float);
     EXPECT_TRUE(sampled({0, 0, 0, 32768}, &world, false));
+    EXPECT_TRUE(sampled({0, 0, 32768, 0}, &world, false));
     EXPECT_TRUE(sampled({0, 0, 32768, kMin}, &world, false));
     EXPECT_TRUE(sampled({0, 0, 32768, 32768}, nullptr, false));
   }
