@@ -17,6 +17,13 @@ TEST(ImageTest, RefusesSizesThatItCannotHold) {
   EXPECT_EQ(0u, reinterpret_cast<std::uintptr_t>(image->view().row(2)) % Image::kRowAlignment);
 }
 
+TEST(ImageTest, RectanglesWithoutPixelsAreEmpty) {
+  for (const Rect& rect : {Rect{2, 3, 2, 9}, Rect{2, 3, 9, 3}, Rect{2, 3, 1, 9}, Rect{2, 3, 9, 2}, Rect{}}) {
+    EXPECT_TRUE(rect.empty()) << ::testing::PrintToString(rect);
+  }
+  EXPECT_FALSE((Rect{2, 3, 3, 4}.empty()));
+}
+
 TEST(DownsampleTest, AveragesBlocksWithTransparencyOrNothingBeyondTheEdges) {
   const struct {
     BlockEdges edges;
