@@ -244,5 +244,25 @@ TEST(DamagedPicture, WhatIsCutShortIsRefused) {
   }
 }
 
+// The end is looked for in blocks of 64 KiB after the first marker.
+TEST(DamagedPicture, EndsOfJpegAreFoundWhereverTheyLie) {
+  const TestFolder folder;
+  const std::string path = folder / "a.jpg";
+  const host::Image image = sample(host::Depth::Bits8);
+  writeImage(path, image, SampleType::Bits8);
+  const std::string plain = contents(path);
+  for (const std::size_t size : {65536u, 65537u, 65538u, 65539u, 65540u, 65541u}) {
+    const std::size_t comment = size - plain.size() - 2;  // with the two bytes of its length
+    std::string whole = plain;
+    whole.insert(2,
+                 "\xFF\xFE" + bigEndian(static_cast<std::uint32_t>(comment)).substr(2) + std::string(comment - 2, 'x'));
+    ASSERT_EQ(size, whole.size());
+    folder.write("a.jpg", whole);
+    EXPECT_TRUE(isWholePicture(path, image.size())) << size;
+    folder.write("a.jpg", whole.substr(0, size - 1));
+    EXPECT_FALSE(isWholePicture(path, image.size())) << size;
+  }
+}
+
 }  // namespace
 }  // namespace vantorel::cli

@@ -1,9 +1,10 @@
-// How many frames are worked on at the same time.
+// How many frames are worked on at the same time, and how large a layer is made before the effect.
 #include "cli/shots/ShotMemory.h"
 
 #include <gtest/gtest.h>
 
 #include "cli/base/Memory.h"
+#include "cli/shots/Enlargement.h"
 
 namespace vantorel::cli {
 namespace {
@@ -33,6 +34,19 @@ TEST(ShotMemory, FramesTakeHalfOfWhatIsFreeAndNoMoreThanThreads) {
   EXPECT_EQ(kMost, framesOfShare(1e-4));
   EXPECT_EQ(3, framesOfShare(1e-4, 3));
   EXPECT_EQ(2, framesOfShare(1e-4, 100, 2));
+}
+
+TEST(Enlargement, IsAsLargeAsMemoryAndTheLargestSideAllow) {
+  constexpr host::Size kLayer{1000, 500};
+  const auto limit = [&](int x, int y, double most_bytes) {
+    const Enlargement limited_to = limited({x, y}, kLayer, host::Depth::Float, most_bytes);
+    return std::pair(limited_to.x, limited_to.y);
+  };
+  const double bytes = pictureBytes({4000, 1500}, host::Depth::Float);
+  EXPECT_EQ(std::pair(4, 3), limit(4, 3, bytes));
+  EXPECT_EQ(std::pair(3, 3), limit(4, 3, bytes - 1));
+  EXPECT_EQ(std::pair(1, 1), limit(4, 3, 1));
+  EXPECT_EQ(std::pair(16, 8), limit(20, 8, 1e18));
 }
 
 }  // namespace

@@ -30,6 +30,19 @@ TEST(ModuleTest, ReportsAboutTextVersionCapabilitiesAndParameters) {
   EXPECT_FALSE(other.uses_extent_hint || other.sets_output_size || other.renders_16_bit);
 }
 
+TEST(ModuleTest, IsToldTheLayersSizeBeforeAFrame) {
+  std::vector<Size> told;
+  const auto module = loadScripted({.frame_setup = [&](const Call& call) {
+    told.push_back({call.in->width, call.in->height});
+    return ERR_NONE;
+  }});
+  Instance instance(module.value());
+  for (const Size size : {Size{57, 31}, Size{20, 90}}) {
+    ASSERT_TRUE(instance.boundingBox(size, {.protocol = Protocol::Plain}));
+    EXPECT_EQ(size, told.back());
+  }
+}
+
 TEST(ModuleTest, TranslationsReplaceTextsAndFitTheirRecords) {
   const std::string key = "$$$/KZ/Vantorel/LStr/000";
   const auto module =

@@ -21,6 +21,7 @@ struct Script {
   int points = 4;                // parameters that it declares
   std::int32_t checkout_id = 4;  // under which it asks for the layer's pixels; it checks the layer out under 4
   std::function<std::int32_t(const Call&)> setup{};
+  std::function<std::int32_t(const Call&)> frame_setup{};
   std::function<std::int32_t(const Call&)> draw{};                                    // before any row
   std::function<std::int32_t(PF_Pixel8* row, const PF_LayerDef& output)> in_row_3{};  // after its 7s
 };
