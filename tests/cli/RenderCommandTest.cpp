@@ -119,8 +119,8 @@ TEST(RenderCommand, FitKeepsThePlaceOfTheOutput) {
   EXPECT_LE(spec.x, -22);
   EXPECT_EQ(spec.full_width, 200);
   EXPECT_EQ(spec.full_height, 150);
-  const std::string windows = fmt::format("\ndata window   {}x{} at {},{}\ndisplay window 200x150 at 0,0\n", spec.width,
-                                          spec.height, spec.x, spec.y);
+  const std::string windows = fmt::format("\ndata window    {}x{} at {},{}\ndisplay window 200x150 at 0,0\n",
+                                          spec.width, spec.height, spec.x, spec.y);
   EXPECT_NE(runWell(folder, "info fit.exr").out.find(windows), std::string::npos) << windows;
   // Read back in its display window it is the picture of the layer's own size.
   runWell(folder, "render fit.exr -o cropped.exr");
@@ -211,7 +211,7 @@ TEST(RenderCommand, InfoShowsTheModuleAndTheInstructionSets) {
             (nlohmann::json{{"name", "scalar"}, {"available", true}, {"active", true}}));
   const std::string text = runWell(folder, "info").out;
   for (const char* part :
-       {"Upper Left", "module        ", "\nversion       2.0\n", "\nSIMD          scalar", "in use"}) {
+       {"Upper Left", "module         ", "\nversion        2.0\n", "\nSIMD           scalar", "in use"}) {
     EXPECT_NE(text.find(part), std::string::npos) << part;
   }
   EXPECT_NE(runWell(folder, "--version").out.find("vantorel "), std::string::npos);
