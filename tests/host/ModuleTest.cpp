@@ -33,7 +33,9 @@ TEST(ModuleTest, ReportsAboutTextVersionCapabilitiesAndParameters) {
 TEST(ModuleTest, IsToldTheLayersSizeBeforeAFrame) {
   std::vector<Size> told;
   const auto module = loadScripted({.frame_setup = [&](const Call& call) {
-    told.push_back({call.in->width, call.in->height});
+    const PF_LayerDef& layer = call.parameters[0]->value.layer_world;
+    EXPECT_EQ((Size{layer.width, layer.height}), (Size{call.in->width, call.in->height}));
+    told.push_back({layer.width, layer.height});
     return ERR_NONE;
   }});
   Instance instance(module.value());

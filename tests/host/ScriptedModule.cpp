@@ -54,7 +54,7 @@ std::int32_t smartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRende
   return err != ERR_NONE ? err : draw(in_data, out_data, world);
 }
 
-std::int32_t entry(std::int32_t command, PF_InData* in_data, PF_OutData* out_data, PF_ParamDef** /*params*/,
+std::int32_t entry(std::int32_t command, PF_InData* in_data, PF_OutData* out_data, PF_ParamDef** params,
                    PF_LayerDef* output, void* extra) {
   switch (command) {
     case CMD_GLOBAL_SETUP:
@@ -64,7 +64,7 @@ std::int32_t entry(std::int32_t command, PF_InData* in_data, PF_OutData* out_dat
     case CMD_FRAME_SETUP:
       out_data->width = output->extent_hint.right;
       out_data->height = output->extent_hint.bottom;
-      return current.frame_setup ? current.frame_setup({in_data, out_data, output}) : ERR_NONE;
+      return current.frame_setup ? current.frame_setup({in_data, out_data, output, params}) : ERR_NONE;
     case CMD_RENDER:
       return draw(in_data, out_data, output);
     case CMD_PRE_RENDER:

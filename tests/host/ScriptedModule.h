@@ -9,11 +9,12 @@
 namespace vantorel::host {
 inline namespace testing {
 
-// A command under way; the output is null at global setup.
+// A command under way; the output is null at global setup, and the parameters but at frame setup.
 struct Call {
   PF_InData* in;
   PF_OutData* out;
   PF_LayerDef* output;
+  PF_ParamDef** parameters = nullptr;
 };
 
 // Draws 7s into its 8-bit output, row by row, and calls these functions on the way.
