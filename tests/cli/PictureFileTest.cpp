@@ -84,6 +84,7 @@ TEST(PictureFile, ChannelsOfAnyNumberOrderAndAlphaBecomeRgba) {
        {255, 51, 9, 102, 5, 153, 5},
        {153, 102, 51, 255}},
       {"scattered.exr", {"A", "B", "C", "D", "G", "R"}, false, {255, 51, 9, 5, 102, 153}, {153, 102, 51, 255}},
+      {"masked.tif", {"R", "G", "B", "mask", "A"}, false, {100, 50, 0, 7, 128}, {100, 50, 0, 128}},
       {"pair.exr", {"p.x", "p.y"}, false, {102, 204}, {102, 102, 102, 204}},  // by their position: grey and alpha
       {"nameless.exr", {"a.x", "a.y", "a.z", "b.x", "b.y", "b.z"}, false, {1, 1, 1, 1, 1, 1}, {}},
   };
