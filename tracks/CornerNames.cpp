@@ -11,28 +11,26 @@ namespace vantorel::tracks {
 
 namespace {
 
-struct Synonym {
-  std::string_view word;
-  Corner corner;
-};
-constexpr std::array<Synonym, 31> kSynonyms{{
-    {"ul", kUpperLeft},           {"lu", kUpperLeft},          {"tl", kUpperLeft},
-    {"lt", kUpperLeft},           {"upperleft", kUpperLeft},   {"leftupper", kUpperLeft},
-    {"topleft", kUpperLeft},      {"lefttop", kUpperLeft},     {"ur", kUpperRight},
-    {"ru", kUpperRight},          {"tr", kUpperRight},         {"rt", kUpperRight},
-    {"upperright", kUpperRight},  {"rightupper", kUpperRight}, {"topright", kUpperRight},
-    {"righttop", kUpperRight},    {"ll", kLowerLeft},          {"bl", kLowerLeft},
-    {"lb", kLowerLeft},           {"lowerleft", kLowerLeft},   {"leftlower", kLowerLeft},
-    {"bottomleft", kLowerLeft},   {"leftbottom", kLowerLeft},  {"lr", kLowerRight},
-    {"rl", kLowerRight},          {"br", kLowerRight},         {"rb", kLowerRight},
-    {"lowerright", kLowerRight},  {"rightlower", kLowerRight}, {"bottomright", kLowerRight},
-    {"rightbottom", kLowerRight},
-}};
-
+// "upperleft", "lefttop", "bl", "rl": a height and a side, or their first letters, in either order.
 std::optional<Corner> cornerOfWord(std::string_view word) {
-  const auto* found =
-      std::find_if(kSynonyms.begin(), kSynonyms.end(), [&](const Synonym& synonym) { return synonym.word == word; });
-  return found == kSynonyms.end() ? std::nullopt : std::optional(found->corner);
+  constexpr std::array<std::string_view, 4> kHeights{"upper", "top", "lower", "bottom"};
+  constexpr std::array<std::string_view, 2> kSides{"left", "right"};
+  constexpr std::array<Corner, 4> kCorners{kUpperLeft, kUpperRight, kLowerLeft, kLowerRight};
+  const auto joins = [word](std::string_view first, std::string_view second) {
+    return word.size() == first.size() + second.size() && word.starts_with(first) && word.ends_with(second);
+  };
+  for (std::size_t h = 0; h < kHeights.size(); ++h) {
+    for (std::size_t s = 0; s < kSides.size(); ++s) {
+      const std::string_view height = kHeights[h];
+      const std::string_view side = kSides[s];
+      const std::string_view h1 = height.substr(0, 1);
+      const std::string_view s1 = side.substr(0, 1);
+      if (joins(height, side) || joins(side, height) || joins(h1, s1) || joins(s1, h1)) {
+        return kCorners[h / 2 * 2 + s];
+      }
+    }
+  }
+  return std::nullopt;
 }
 
 bool isLetter(char c) {

@@ -30,6 +30,22 @@ std::map<std::string, std::string> files(const TestFolder& folder, const std::st
   return found;
 }
 
+// The calls to let fail, as "function:number", of those that the shim has counted: the first, middle and last of each
+// function, or every one.
+std::vector<std::string> callsToFail(const std::string& counts_file, bool every = false) {
+  std::vector<std::string> faults;
+  std::ifstream counts(counts_file);
+  std::string function;
+  for (int calls = 0; counts >> function >> calls;) {
+    for (int number = 1; number <= calls; ++number) {
+      if (every || number == 1 || number == calls / 2 || number == calls) {
+        faults.push_back(function + ":" + std::to_string(number));
+      }
+    }
+  }
+  return faults;
+}
+
 class FileFaults : public ::testing::Test {
  protected:
   FileFaults() {
@@ -59,12 +75,11 @@ class FileFaults : public ::testing::Test {
   }
 
   // One call of the function fails, which is told or done without; the next run makes up for it.
-  void expectTold(const std::string& arguments, const std::string& function, int number) const {
-    const std::string fault = function + ":" + std::to_string(number);
+  void expectTold(const std::string& arguments, const std::string& fault) const {
     const std::string what = fault + " of " + arguments;
     const CommandResult result = run(folder_, arguments, kPreloaded + "VANTOREL_FAULT=" + fault);
     // What is read besides pictures, such as an older frame's record, may be done without.
-    if (result.code != 0 || function != "fopen") {
+    if (result.code != 0 || !fault.starts_with("fopen:")) {
       EXPECT_EQ(result.code, 3) << what << "\n" << result.err;
       EXPECT_EQ(result.err.rfind("vantorel: ", 0), 0u) << what << "\n" << result.err;
       EXPECT_NE(result.err.find("; "), std::string::npos) << what << "\n" << result.err;
@@ -89,18 +104,17 @@ TEST_F(FileFaults, EveryCallThatFailsOnceIsTold) {
     const std::string arguments = shot(ending) + "--frames 1-2 --threads 1";
     const std::string counts_file = folder_ / "counts";
     rememberFrames(arguments, kPreloaded + "VANTOREL_FAULT_COUNTS='" + counts_file + "'");
-    std::ifstream counts(counts_file);
-    std::string function;
-    for (int calls = 0; counts >> function >> calls;) {
-      // Files are written by the one or the other.
-      EXPECT_TRUE(calls > 0 || function == "write" || function == "fwrite") << function << " for " << ending;
-      for (int number = 1; number <= calls; ++number) {
-        if (every || number == 1 || number == calls / 2 || number == calls) {
-          expectTold(arguments, function, number);
-          ++tried;
-        }
-      }
+    std::set<std::string> functions;
+    for (const std::string& fault : callsToFail(counts_file, every)) {
+      expectTold(arguments, fault);
+      functions.insert(fault.substr(0, fault.find(':')));
+      ++tried;
     }
+    for (const char* function : {"open", "fopen", "fflush", "fclose", "fsync", "rename"}) {
+      EXPECT_TRUE(functions.contains(function)) << function << " for " << ending;
+    }
+    // Files are written by the one or the other.
+    EXPECT_TRUE(functions.contains("write") || functions.contains("fwrite")) << ending;
   }
   std::cout << tried << " calls were let fail\n";
   EXPECT_GE(tried, 24);
@@ -110,20 +124,16 @@ TEST_F(FileFaults, NothingGoesToStandardOutputUnlessItIsWhole) {
   const std::string arguments = "render card.png -o - --format tif --threads 1 --no-progress";
   const std::string counts_file = folder_ / "counts";
   EXPECT_GT(run(folder_, arguments, kPreloaded + "VANTOREL_FAULT_COUNTS='" + counts_file + "'").out.size(), 1000u);
-  std::ifstream counts(counts_file);
-  std::string function;
   int tried = 0;
-  for (int calls = 0; counts >> function >> calls;) {
-    if (function == "fopen" || function == "fclose") {  // before the picture is begun, and after it is out
+  for (const std::string& fault : callsToFail(counts_file)) {
+    if (fault.starts_with("fopen:") ||
+        fault.starts_with("fclose:")) {  // before the picture is begun or after it is out
       continue;
     }
-    for (const int number : calls == 0 ? std::set<int>() : std::set{1, (calls + 1) / 2, calls}) {
-      const std::string fault = function + ":" + std::to_string(number);
-      const CommandResult result = run(folder_, arguments, kPreloaded + "VANTOREL_FAULT=" + fault);
-      EXPECT_EQ(result.code, 3) << fault << "\n" << result.err;
-      EXPECT_TRUE(result.out.empty()) << fault;
-      ++tried;
-    }
+    const CommandResult result = run(folder_, arguments, kPreloaded + "VANTOREL_FAULT=" + fault);
+    EXPECT_EQ(result.code, 3) << fault << "\n" << result.err;
+    EXPECT_TRUE(result.out.empty()) << fault;
+    ++tried;
   }
   EXPECT_GE(tried, 2);
 }

@@ -40,6 +40,8 @@ template <typename Predicate>
 void expectCounted(const CoverageRegion& region, Predicate holds) {
   for (const auto [x, y] : pixelsOf(Rect{-4, -1, kGrid, kGrid})) {
     ASSERT_NEAR(countedShare(x, y, holds), coverageOf(region, x, y), kTolerance) << "pixel " << x << ", " << y;
+  }
+  for (int y = -1; y < kGrid; ++y) {
     const RowCoverage row = region.row(y);
     ASSERT_TRUE(row.begin == row.end || (row.at(row.begin) > 0.0 && row.at(row.end - 1) > 0.0)) << "row " << y;
   }
